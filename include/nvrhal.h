@@ -1,0 +1,409 @@
+/*
+ * nvrhal.h - the media and hardware abstraction library of a network video recorder.
+ *
+ * The header follows the life of the device: start it (ext_device_init), lay panes out, send
+ * frames, store and fetch streams, take snapshots, play sound, draw the GUI, read keys, drive the
+ * board, and detach the display at the end (ext_device_quit).
+ *
+ * Conventions
+ *   Results: 0 = success and -1 = failure unless a function says otherwise; some pass a negative
+ *   code of the media platform through.
+ *   Channels count from 0. N is the number of camera channels, DeviceParams::vi_chn_num, 1 to 16.
+ *   "Output pixels" are pixels of the display's current timing.
+ *   Threads: "any thread" = callable from every thread at any time after ext_device_init;
+ *   "UI thread" = callable from one thread at a time, together with all others so marked;
+ *   "channel thread" = calls for one channel come from one thread, channels may run in parallel.
+ *   Memory: records are the caller's and are only used during the call unless stated otherwise.
+ *   The library prints what it does, and every failing call, to standard output.
+ */
+#ifndef NVRHAL_H
+#define NVRHAL_H
+
+#include <pthread.h>
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+/** An operation that this hardware does not need: takes anything, does nothing, returns 0. */
+#define NVRHAL_NOOP(name) NVRHAL_API int name(...)
+#else
+#define NVRHAL_NOOP(name) NVRHAL_API int name()
+#endif
+
+#define NVRHAL_API __attribute__((visibility("default")))
+
+/** A 64-bit word that a record keeps at 4-byte alignment, as the 32-bit target does. */
+typedef uint64_t nvrhal_u64 __attribute__((aligned(4)));
+
+/* Records of the media platform, opaque here: platform/include has them. */
+struct MI_DISP_PubAttr;
+struct MI_VDEC_Stream;
+
+/* ======================================================================================= */
+/* The start-up block                                                                       */
+/* ======================================================================================= */
+
+/**
+ * The start-up parameter block. 1068 bytes = 267 words of 32 bits, copied whole. The library
+ * interprets the named words only and carries the others unread.
+ */
+typedef struct DeviceParams {
+    uint32_t unread_0[129];       /*    0  the application's own                                  */
+    uint32_t net_video_size[128]; /*  516  size code of each channel's network stream; 2 = 640x360 */
+    int32_t vi_chn_num;           /* 1028  N, camera channels, 1 to 16                             */
+    uint32_t unread_258[2];       /* 1032                                                          */
+    int32_t vo_dev_type;          /* 1040  output device; 3 = no local video output                */
+    uint32_t unread_261[2];       /* 1044                                                          */
+    int32_t gui_width;            /* 1052  GUI width, pixels: 800, 1024, 1280, 1440, 1920 or 2560  */
+    int32_t gui_height;           /* 1056  GUI height, pixels                                      */
+    uint32_t unread_265[2];       /* 1060                                                          */
+} DeviceParams;
+
+/** Attributes of one channel's main or network stream. 52 bytes. */
+typedef struct StreamAttr {
+    uint32_t unread_0[4]; /*  0  carried                                                      */
+    uint32_t size_class;  /* 16  5 = 960x576 main stream, 1 = 640x360 network stream          */
+    uint32_t width;       /* 20  pixels; overwritten by every stored or live video frame      */
+    uint32_t height;      /* 24  pixels; likewise                                             */
+    uint32_t frame_rate;  /* 28  frames per second                                            */
+    uint32_t quality_1;   /* 32  first image-quality value, stored only                       */
+    uint32_t encode_mode; /* 36  stored only                                                  */
+    uint32_t quality_2;   /* 40  stored only                                                  */
+    uint32_t quality_3;   /* 44  stored only                                                  */
+    uint32_t format;      /* 48  stored only                                                  */
+} StreamAttr;
+
+/** What a FrameInfo carries. */
+enum FrameMedia {
+    FRAME_MEDIA_NONE = 0,
+    FRAME_MEDIA_VIDEO = 1,
+    FRAME_MEDIA_AUDIO = 2,
+    FRAME_MEDIA_JPEG = 17,
+};
+
+/**
+ * One encoded frame. 60 bytes = fifteen 32-bit words on the 32-bit target. Which fields a call
+ * reads or fills is said at the call.
+ */
+typedef struct FrameInfo {
+    uint32_t frame_type;    /*  0  1 = key frame                                              */
+    uint32_t media;         /*  4  enum FrameMedia                                            */
+    uint32_t length;        /*  8  bytes at data                                              */
+    uint32_t width;         /* 12  picture width, pixels                                      */
+    uint32_t height;        /* 16  picture height, pixels                                     */
+    void *data;             /* 20  the bytes                                                  */
+    uint32_t channel;       /* 24  channel, from 0                                            */
+    uint32_t stream_id;     /* 28  audio: channel + 2 N                                       */
+    uint32_t display_rate;  /* 32  playback buffers: display-rate mode, 2 = double            */
+    uint32_t reserved[2];   /* 36  carried                                                    */
+    nvrhal_u64 local_time;  /* 44  microseconds since 1970-01-01 00:00 UTC                    */
+    nvrhal_u64 pts;         /* 52  presentation time stamp                                    */
+} FrameInfo;
+
+/** The library's copy of the start-up block. */
+extern NVRHAL_API DeviceParams DdvrInputParam;
+
+/** N, the number of camera channels; 8 before start-up. Decoder channel N is a spare one. */
+extern NVRHAL_API int32_t g_vi_chn_num;
+
+/** Current display device: 0 main output, 2 further output, -1 secondary output. */
+extern NVRHAL_API int32_t globalVoDev;
+
+/** Output timing code that the display is started with. */
+extern NVRHAL_API uint32_t enNorm_vga;
+
+/** Attributes of each channel's main and network stream. */
+extern NVRHAL_API StreamAttr major_stream[17];
+extern NVRHAL_API StreamAttr minor_stream[16];
+
+/**
+ * Start the library: call once, before anything else. Brings up, in this order, the stream pools,
+ * the media system, HDMI, N + 1 decoder channels, the display with N ports, the framebuffer,
+ * audio, GPIO lines and the watchdog. Nothing is shown before the first layout.
+ * @param params  the start-up block; copied. Null is refused.
+ * @return 0, or -1 when a stage failed: the stages before it keep running. A watchdog that cannot
+ *         be had is only reported.
+ * Thread: one, once.
+ */
+NVRHAL_API int32_t ext_device_init(const DeviceParams *params);
+
+/**
+ * Start the display path again for the GUI: display ports, HDMI, framebuffer.
+ * The output timing code is used as a display output value untranslated, so only codes that are
+ * both (6, 7, 8) succeed. @return 0 or -1. Thread: UI thread.
+ */
+NVRHAL_API int32_t ext_gui_init(void);
+
+/* ======================================================================================= */
+/* Output timing, display device and ports                                                  */
+/* ======================================================================================= */
+
+/**
+ * Look an output timing code up.
+ * @param code         1 to 13
+ * @param hdmi_timing  out: HDMI timing value       @param disp_timing  out: display output value
+ * @param width,height out: output size, pixels
+ * All outputs stay as they are for any other code ("Unspport Ap timing" is printed). Null outputs
+ * are skipped. @return 0. Thread: any.
+ */
+NVRHAL_API int32_t vo_timing_lookup(uint32_t code, uint32_t *hdmi_timing, uint32_t *disp_timing, uint16_t *width,
+                                    uint16_t *height);
+
+/** Size and refresh rate of a display output value. @return 0, or -1 for a value not known. Thread: any. */
+NVRHAL_API int32_t vo_get_wh(uint32_t value, uint32_t *width, uint32_t *height, uint32_t *frame_rate);
+
+/**
+ * Bring display device 0 up with enNorm_vga's timing, layer 0, HDMI and port_count ports laid out
+ * as an even grid. @return 0; (uint32_t)-1 for a timing that cannot be shown; 1 when a platform
+ * call failed, what was enabled staying so. Thread: UI thread.
+ */
+NVRHAL_API uint32_t start_disp(int32_t port_count);
+
+/**
+ * Start a display device, or lay its ports out again when it runs.
+ * @param frame_rate  frames per second, not 0   @param pixel_format  layer format code
+ * @return 0, or (uint32_t)-1. Thread: UI thread.
+ */
+NVRHAL_API uint32_t vo_start(int32_t dev, uint32_t ignored, uint32_t frame_rate, uint32_t pixel_format,
+                             int32_t port_count);
+
+/** Restart device and layer with the given public attributes. @return 0 or -1. Thread: UI thread. */
+NVRHAL_API int32_t vo_enable(int32_t dev, const struct MI_DISP_PubAttr *attr, uint32_t frame_rate,
+                             uint32_t pixel_format);
+
+/** Disable a layer, then its device. @return 0 or -1. Thread: UI thread. */
+NVRHAL_API int32_t vo_disable(int32_t dev, uint32_t layer);
+
+/** Lay out and enable ports 0..port_count-1 (1 to 16) of a device. @return 0 or -1. Thread: UI thread. */
+NVRHAL_API int32_t vo_start_chn(int32_t dev, const struct MI_DISP_PubAttr *attr, int32_t port_count);
+
+/** Disable ports 0..port_count-1. @return the last port's platform result. Thread: UI thread. */
+NVRHAL_API int32_t vo_stop_chn(int32_t dev, int32_t port_count);
+
+/** Does nothing. @return 1. */
+NVRHAL_API int32_t vo_set_wh(void *rects, uint32_t width, uint32_t height, uint32_t mode);
+
+/* ======================================================================================= */
+/* HDMI                                                                                     */
+/* ======================================================================================= */
+
+/** Initialise and open the transmitter; failures are only printed. The argument is ignored. @return 0. */
+NVRHAL_API uint32_t vo_hdmi_start(uint32_t timing_code);
+
+/** Stop, close and release the transmitter. @return 0. Nothing in the library calls it. */
+NVRHAL_API uint32_t vo_hdmi_stop(void);
+
+/** Configure and start the transmitter, muted meanwhile. @return 0, or 1 (the output stays muted). */
+NVRHAL_API int32_t ST_Hdmi_Start(uint32_t hdmi_dev, uint32_t hdmi_timing);
+
+/**
+ * What the library does on monitor events: 0 plugged re-applies the transmitter's attributes and
+ * starts it, 1 unplugged stops it. @param event_param  points at the 32-bit HDMI device number.
+ * @return 0. Thread: the platform's event thread.
+ */
+NVRHAL_API int32_t Hdmi_callback(uint32_t hdmi_dev, uint32_t event, void *event_param, void *user_param);
+
+/* ======================================================================================= */
+/* Decoder channels                                                                         */
+/* ======================================================================================= */
+
+/**
+ * Create and start decoder channels 0..count-1 (never above N), each with an output port of one
+ * pane of the start-up grid. @param codec_type  0 H.264, 1 H.265, 2 JPEG.
+ * @return 0, -1 when a channel could not be created, or the platform's code. Thread: UI thread.
+ */
+NVRHAL_API int32_t vdec_create(uint32_t codec_type, int32_t count);
+
+/**
+ * Create and start one channel. @param width,height  largest picture, pixels
+ * @param video_mode  1 = whole frames per send, 0 = any cut of the stream
+ * @return 0, -1 for a bad codec type or a null size, or the platform's code.
+ */
+NVRHAL_API int32_t vdec_open_chn(uint32_t channel, const uint16_t *width, const uint16_t *height, uint32_t codec_type,
+                                 uint32_t video_mode);
+
+/** Create and start one channel with the screen's size. @return 0 or -1. */
+NVRHAL_API int32_t vdec_create_chnn(uint32_t codec_type, uint32_t channel);
+
+/** Stop, destroy and create a channel for codec code 1 = H.265, any other = H.264. @return 0 or the first failure. */
+NVRHAL_API int32_t vdec_recreate(uint32_t channel, uint32_t codec_code);
+
+/** Stop and start a channel: what is queued is lost. @return 0 when it runs again. */
+NVRHAL_API int32_t vdec_resetchn(uint32_t channel);
+
+/** Reset every camera channel. @return 0. */
+NVRHAL_API int32_t vdec_resetallchn(void);
+
+/** Stop a channel. @return 0 when stopped, else the platform's code. */
+NVRHAL_API int32_t vdec_stopdecrecv(uint32_t channel);
+
+/** Stop every camera channel. */
+NVRHAL_API void vdec_stopalldecchn(void);
+
+/**
+ * Stop and destroy a channel. @param wait  1 = first wait, without limit, until its pictures are
+ * shown and its stream is consumed. @return 0 or the platform's code.
+ */
+NVRHAL_API int32_t vdec_wait_destroy_chn(uint32_t channel, int32_t wait, uint32_t ignored);
+
+/** Send encoded data, waiting up to 20 ms for room; a failure resets the channel. @return 0 or -1. */
+NVRHAL_API int32_t vdec_send_stream(uint32_t channel, const struct MI_VDEC_Stream *stream);
+
+/** Bind decoder channel i to display port i of device 0 for i in 0..count-1. @return 0 or -1 at the first failure. */
+NVRHAL_API int32_t vdec_bind_vpss(int32_t count);
+NVRHAL_API int32_t vdec_unbind_vpss(uint32_t channel, uint32_t port);
+NVRHAL_API int32_t vdec_unbind_vo(uint32_t channel, uint32_t port, uint32_t dst_port);
+
+/** Connect or disconnect a decoder channel and a display port of device dev. @return 0 or -1. */
+NVRHAL_API int32_t vo_bind_vpss(int32_t dev, uint32_t disp_port, uint32_t channel, uint32_t ignored);
+NVRHAL_API int32_t vo_unbind_vpss(int32_t dev, uint32_t disp_port, uint32_t channel, uint32_t ignored);
+
+/** Disconnect whatever feeds a display port. @return the platform's result. */
+NVRHAL_API int32_t vo_unbind_vi(int32_t dev, uint32_t disp_port);
+
+NVRHAL_NOOP(vo_mem_config);
+NVRHAL_NOOP(vo_bindvowbc);
+NVRHAL_NOOP(vo_unbindvowbc);
+NVRHAL_NOOP(vo_bind_vi);
+NVRHAL_NOOP(vodh0_bind_vodsd0);
+NVRHAL_NOOP(voChn_unbind_viChn);
+NVRHAL_NOOP(vpss_mem_config);
+NVRHAL_NOOP(vpss_create_vpss);
+NVRHAL_NOOP(vpss_stop);
+NVRHAL_NOOP(vi_bind_vpss);
+NVRHAL_NOOP(vi_unbind_vpss);
+NVRHAL_NOOP(vi_bind_vpss_chan);
+NVRHAL_NOOP(vi_unbind_vpss_chan);
+NVRHAL_NOOP(venc_bind_vo);
+NVRHAL_NOOP(venc_mem_config);
+NVRHAL_NOOP(venc_bind_vpss);
+NVRHAL_NOOP(venc_unbind_vpss);
+NVRHAL_NOOP(venc_stop_getstream);
+NVRHAL_NOOP(vdec_mem_config);
+NVRHAL_NOOP(vdec_bind_vo);
+NVRHAL_NOOP(rgn_mem_config);
+NVRHAL_NOOP(rgn_overlay_change_alpha);
+NVRHAL_NOOP(rgn_create);
+NVRHAL_NOOP(rgn_detach_frm_chn);
+NVRHAL_NOOP(rgn_destroy);
+NVRHAL_NOOP(rgn_show_or_hide);
+NVRHAL_NOOP(rgn_overlay_chg_color);
+
+/* ======================================================================================= */
+/* Live view: selection state                                                               */
+/* ======================================================================================= */
+
+/** Channels on screen: bit n = channel n, 255 = all. Rebuilt by every layout. */
+extern NVRHAL_API uint8_t cur_display_chnn;
+
+/** Channel being snapped, 255 = none. */
+extern NVRHAL_API int32_t cur_snap_chnn;
+
+/** 1 while playback owns the display. */
+extern NVRHAL_API uint32_t playback_status;
+
+/** The application sets 1 while electronic zoom is on: only zoom_channel's frames are accepted. */
+extern NVRHAL_API uint32_t vo_for_ezoom;
+
+/** Channel of the last single-pane layout. */
+extern NVRHAL_API uint32_t zoom_channel;
+
+/** For the application to set; only printed by the key reader. */
+extern NVRHAL_API uint32_t zoom_flag_click;
+
+/** {channel, channel, 0} of the secondary output's last single-pane layout; and its companion. */
+extern NVRHAL_API uint32_t zoom_arg_pre[3];
+extern NVRHAL_API uint32_t zoom_arg[3];
+
+/* ======================================================================================= */
+/* Live view: frames in                                                                     */
+/* ======================================================================================= */
+
+/**
+ * Send one live video frame to its decoder, or one block of audio to the loudspeaker.
+ *
+ * Reads of *frame: media, length (1 to 655360), width, height, data, channel, pts. Video channels
+ * are 0 to 16. An audio block is a 4-byte header and 320-byte A-law frames; a remainder is dropped.
+ * @param codec         video: 1 = H.265, any other = H.264; a change recreates the decoder
+ * @param link_quality  quality of the channel's link as the application measures it, 1 to 100;
+ *                      0 = not measured. The worse, the smaller the backlog that is tolerated
+ *                      before the decoder is reset.
+ * @param rate_class    below 5 tolerates the larger backlog of a band
+ * @return 0 = accepted, also when the channel is not shown and the frame was dropped;
+ *         -1 = refused (null, bad length or channel, kind 0, zoomed away, playback, decoder failure).
+ * Thread: channel thread.
+ */
+NVRHAL_API int32_t ext_send_stream(const FrameInfo *frame, uint32_t codec, int32_t link_quality, int32_t rate_class);
+
+/* ======================================================================================= */
+/* Live view: layouts                                                                       */
+/* ======================================================================================= */
+
+/** One pane of a layout. 16 bytes. */
+typedef struct DispAttrib {
+    uint16_t bind_status; /*  0  1, 2 = show; anything else = recorded, hidden       */
+    uint16_t channel;     /*  2  live channel, from 0                                */
+    uint16_t x, y;        /*  4  top-left corner, output pixels, rounded to even     */
+    uint16_t w, h;        /*  8  size, output pixels, rounded to even                */
+    uint16_t unread[2];   /* 12  carried, never read                                 */
+} DispAttrib;
+
+/** One applied layout. 136 bytes. */
+typedef struct BindArgs {
+    uint32_t chn[16];         /*   0  chn[i] = i for a channel with a pane, else 0   */
+    uint32_t vo_dev;          /*  64  display device it was applied to               */
+    uint32_t chn_num;         /*  68  N at the time                                  */
+    uint32_t bind_status[16]; /*  72  bind_status of each channel's pane, 0 = none   */
+} BindArgs;
+
+/** A pane's rectangle as stored, output pixels. 16 bytes. */
+typedef struct PaneRect {
+    uint32_t x, y, w, h;
+} PaneRect;
+
+/** Further record of the interface; no operation reads or writes it. */
+extern NVRHAL_API BindArgs global_bindarg;
+
+/** Last layout of display devices 0, 1 and 2; device -1's copy stands directly before it. */
+extern NVRHAL_API BindArgs old_global_bindarg[3];
+
+/** Pane rectangles: bank 0 further devices, bank 1 device 0, bank 2 device -1, bank 3 unused. */
+extern NVRHAL_API PaneRect set_bind_para[4][16];
+
+/**
+ * Guards the showing of display ports and the saved layouts. Never nested. A layout that fails
+ * while it shows ports returns with it held.
+ */
+extern NVRHAL_API pthread_mutex_t global_bindargLock;
+
+/**
+ * Apply a layout to the main display. Every pane's channel is taken off the screen, its decoder
+ * flushed and set to deliver min(screen, pane), and shown again; a single pane shows its channel
+ * at the decoder's full size. Takes about 100 ms a pane.
+ * @param panes  count panes; several of one channel: the last wins
+ * @param count  1 to N
+ * @return 0 (also when device -1 is current: nothing is done), -1, or a platform code.
+ * Thread: UI thread.
+ */
+NVRHAL_API int32_t ext_change_display_format(const DispAttrib *panes, int32_t count);
+
+/** Apply a layout to the secondary output; only when device -1 is current. @return 0 or -1. Thread: UI thread. */
+NVRHAL_API int32_t ext_change_display_slave(const DispAttrib *panes, int32_t count);
+
+/** Flush one decoder: destroy and create it with the same attributes, size and binding. @return 0 or the platform's code. */
+NVRHAL_API int32_t re_create_vdec(uint32_t channel);
+
+/* ======================================================================================= */
+/* Stop                                                                                     */
+/* ======================================================================================= */
+
+/** Detach the display ports from their decoders. Everything else runs until the process ends. @return 0. */
+NVRHAL_API uint32_t ext_device_quit(void);
+
+#undef NVRHAL_NOOP
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif
