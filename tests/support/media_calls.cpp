@@ -1,0 +1,332 @@
+/* The system, decoder, display and HDMI modules of the recording platform. */
+#include <cstring>
+
+#include "record_call.h"
+
+using recording::MediaState;
+using recording::platform;
+using recording::record_call;
+using recording::record_plain_call;
+
+extern "C" {
+
+int32_t MI_SYS_Init(void)
+{
+    return record_plain_call("MI_SYS_Init");
+}
+
+int32_t MI_SYS_GetVersion(MI_SYS_Version *version)
+{
+    return record_call(
+        "MI_SYS_GetVersion",
+        [=](MediaState &) {
+            if (version) std::strcpy(version->text, "recording platform");
+        },
+        version);
+}
+
+int32_t MI_SYS_GetCurPts(uint64_t *pts)
+{
+    return record_call(
+        "MI_SYS_GetCurPts",
+        [=](MediaState &) {
+            if (pts) *pts = static_cast<uint64_t>(platform.time_us());
+        },
+        pts);
+}
+
+int32_t MI_SYS_InitPtsBase(uint64_t base)
+{
+    return record_plain_call("MI_SYS_InitPtsBase", base);
+}
+
+int32_t MI_SYS_SyncPts(uint64_t pts)
+{
+    return record_plain_call("MI_SYS_SyncPts", pts);
+}
+
+int32_t MI_SYS_BindChnPort(const MI_SYS_ChnPort *source, const MI_SYS_ChnPort *sink, uint32_t source_rate,
+                           uint32_t sink_rate)
+{
+    return record_plain_call("MI_SYS_BindChnPort", source, sink, source_rate, sink_rate);
+}
+
+int32_t MI_SYS_UnBindChnPort(const MI_SYS_ChnPort *source, const MI_SYS_ChnPort *sink)
+{
+    return record_plain_call("MI_SYS_UnBindChnPort", source, sink);
+}
+
+int32_t MI_SYS_SetChnOutputPortDepth(const MI_SYS_ChnPort *port, uint32_t user_depth, uint32_t queue_depth)
+{
+    return record_plain_call("MI_SYS_SetChnOutputPortDepth", port, user_depth, queue_depth);
+}
+
+int32_t MI_VDEC_CreateChn(uint32_t channel, const MI_VDEC_ChnAttr *attr)
+{
+    return record_call(
+        "MI_VDEC_CreateChn",
+        [=](MediaState &media) {
+            if (attr) media.decoders[channel] = *attr;
+            media.decoder_outputs.erase(channel); // a new channel delivers the stream's own size
+        },
+        channel, attr);
+}
+
+int32_t MI_VDEC_DestroyChn(uint32_t channel)
+{
+    return record_call(
+        "MI_VDEC_DestroyChn", [=](MediaState &media) { media.decoders.erase(channel); }, channel);
+}
+
+int32_t MI_VDEC_StartChn(uint32_t channel)
+{
+    return record_plain_call("MI_VDEC_StartChn", channel);
+}
+
+int32_t MI_VDEC_StopChn(uint32_t channel)
+{
+    return record_plain_call("MI_VDEC_StopChn", channel);
+}
+
+int32_t MI_VDEC_GetChnAttr(uint32_t channel, MI_VDEC_ChnAttr *attr)
+{
+    return record_call(
+        "MI_VDEC_GetChnAttr",
+        [=](MediaState &media) {
+            if (attr) *attr = media.decoders[channel];
+        },
+        channel, attr);
+}
+
+int32_t MI_VDEC_GetChnStat(uint32_t channel, MI_VDEC_ChnStat *stat)
+{
+    return record_call(
+        "MI_VDEC_GetChnStat",
+        [=](MediaState &) {
+            if (stat) *stat = {};
+        },
+        channel, stat);
+}
+
+int32_t MI_VDEC_SendStream(uint32_t channel, const MI_VDEC_Stream *stream, int32_t timeout_ms)
+{
+    if (stream) platform.keep_bytes("MI_VDEC_SendStream", stream->address, stream->length_bytes);
+    return record_plain_call("MI_VDEC_SendStream", channel, stream, timeout_ms);
+}
+
+int32_t MI_VDEC_SetOutputPortAttr(uint32_t channel, const MI_VDEC_OutputPortAttr *attr)
+{
+    return record_call(
+        "MI_VDEC_SetOutputPortAttr",
+        [=](MediaState &media) {
+            if (attr) media.decoder_outputs[channel] = *attr;
+        },
+        channel, attr);
+}
+
+int32_t MI_VDEC_GetOutputPortAttr(uint32_t channel, MI_VDEC_OutputPortAttr *attr)
+{
+    return record_call(
+        "MI_VDEC_GetOutputPortAttr",
+        [=](MediaState &media) {
+            if (attr) *attr = media.decoder_outputs[channel];
+        },
+        channel, attr);
+}
+
+int32_t MI_DISP_SetPubAttr(int32_t device, const MI_DISP_PubAttr *attr)
+{
+    return record_call(
+        "MI_DISP_SetPubAttr",
+        [=](MediaState &media) {
+            if (attr) media.display_devices[device] = *attr;
+        },
+        device, attr);
+}
+
+int32_t MI_DISP_GetPubAttr(int32_t device, MI_DISP_PubAttr *attr)
+{
+    return record_call(
+        "MI_DISP_GetPubAttr",
+        [=](MediaState &media) {
+            if (attr) *attr = media.display_devices[device];
+        },
+        device, attr);
+}
+
+int32_t MI_DISP_Enable(int32_t device)
+{
+    return record_plain_call("MI_DISP_Enable", device);
+}
+
+int32_t MI_DISP_Disable(int32_t device)
+{
+    return record_plain_call("MI_DISP_Disable", device);
+}
+
+int32_t MI_DISP_BindVideoLayer(uint32_t layer, int32_t device)
+{
+    return record_plain_call("MI_DISP_BindVideoLayer", layer, device);
+}
+
+int32_t MI_DISP_UnBindVideoLayer(uint32_t layer, int32_t device)
+{
+    return record_plain_call("MI_DISP_UnBindVideoLayer", layer, device);
+}
+
+int32_t MI_DISP_SetVideoLayerAttr(uint32_t layer, const MI_DISP_VideoLayerAttr *attr)
+{
+    return record_call(
+        "MI_DISP_SetVideoLayerAttr",
+        [=](MediaState &media) {
+            if (attr) media.layers[layer] = *attr;
+        },
+        layer, attr);
+}
+
+int32_t MI_DISP_GetVideoLayerAttr(uint32_t layer, MI_DISP_VideoLayerAttr *attr)
+{
+    return record_call(
+        "MI_DISP_GetVideoLayerAttr",
+        [=](MediaState &media) {
+            if (attr) *attr = media.layers[layer];
+        },
+        layer, attr);
+}
+
+int32_t MI_DISP_EnableVideoLayer(uint32_t layer)
+{
+    return record_plain_call("MI_DISP_EnableVideoLayer", layer);
+}
+
+int32_t MI_DISP_DisableVideoLayer(uint32_t layer)
+{
+    return record_plain_call("MI_DISP_DisableVideoLayer", layer);
+}
+
+int32_t MI_DISP_SetInputPortAttr(int32_t device, uint32_t port, const MI_DISP_InputPortAttr *attr)
+{
+    return record_call(
+        "MI_DISP_SetInputPortAttr",
+        [=](MediaState &media) {
+            if (attr) media.input_ports[{device, port}] = *attr;
+        },
+        device, port, attr);
+}
+
+int32_t MI_DISP_GetInputPortAttr(int32_t device, uint32_t port, MI_DISP_InputPortAttr *attr)
+{
+    return record_call(
+        "MI_DISP_GetInputPortAttr",
+        [=](MediaState &media) {
+            if (attr) *attr = media.input_ports[{device, port}];
+        },
+        device, port, attr);
+}
+
+int32_t MI_DISP_EnableInputPort(int32_t device, uint32_t port)
+{
+    return record_plain_call("MI_DISP_EnableInputPort", device, port);
+}
+
+int32_t MI_DISP_DisableInputPort(int32_t device, uint32_t port)
+{
+    return record_plain_call("MI_DISP_DisableInputPort", device, port);
+}
+
+int32_t MI_DISP_SetInputPortSyncMode(int32_t device, uint32_t port, uint32_t mode)
+{
+    return record_plain_call("MI_DISP_SetInputPortSyncMode", device, port, mode);
+}
+
+int32_t MI_DISP_ClearInputPortBuffer(int32_t device, uint32_t port, int32_t all)
+{
+    return record_plain_call("MI_DISP_ClearInputPortBuffer", device, port, all);
+}
+
+int32_t MI_DISP_ShowInputPort(int32_t device, uint32_t port)
+{
+    return record_plain_call("MI_DISP_ShowInputPort", device, port);
+}
+
+int32_t MI_DISP_HideInputPort(int32_t device, uint32_t port)
+{
+    return record_plain_call("MI_DISP_HideInputPort", device, port);
+}
+
+int32_t MI_DISP_SetZoomInWindow(int32_t device, uint32_t port, const MI_Rect *window)
+{
+    return record_plain_call("MI_DISP_SetZoomInWindow", device, port, window);
+}
+
+int32_t MI_HDMI_Init(const MI_HDMI_InitParam *param)
+{
+    return record_call(
+        "MI_HDMI_Init",
+        [=](MediaState &media) {
+            if (param) media.hdmi_registration = *param;
+        },
+        param);
+}
+
+int32_t MI_HDMI_DeInit(void)
+{
+    return record_plain_call("MI_HDMI_DeInit");
+}
+
+int32_t MI_HDMI_Open(uint32_t device)
+{
+    return record_plain_call("MI_HDMI_Open", device);
+}
+
+int32_t MI_HDMI_Close(uint32_t device)
+{
+    return record_plain_call("MI_HDMI_Close", device);
+}
+
+int32_t MI_HDMI_SetAvMute(uint32_t device, int32_t mute)
+{
+    return record_plain_call("MI_HDMI_SetAvMute", device, mute);
+}
+
+int32_t MI_HDMI_SetAttr(uint32_t device, const MI_HDMI_Attr *attr)
+{
+    return record_call(
+        "MI_HDMI_SetAttr",
+        [=](MediaState &media) {
+            if (attr) media.hdmi_attr = *attr;
+        },
+        device, attr);
+}
+
+int32_t MI_HDMI_GetAttr(uint32_t device, MI_HDMI_Attr *attr)
+{
+    return record_call(
+        "MI_HDMI_GetAttr",
+        [=](MediaState &media) {
+            if (attr) *attr = media.hdmi_attr;
+        },
+        device, attr);
+}
+
+int32_t MI_HDMI_GetSinkInfo(uint32_t device, MI_HDMI_SinkInfo *info)
+{
+    return record_call(
+        "MI_HDMI_GetSinkInfo",
+        [=](MediaState &) {
+            if (info) *info = {1, 1, 1920, 1080};
+        },
+        device, info);
+}
+
+int32_t MI_HDMI_Start(uint32_t device)
+{
+    return record_plain_call("MI_HDMI_Start", device);
+}
+
+int32_t MI_HDMI_Stop(uint32_t device)
+{
+    return record_plain_call("MI_HDMI_Stop", device);
+}
+
+} // extern "C"

@@ -1,0 +1,229 @@
+/* Capture of standard output, and the texts that tests expect in it. */
+#include "printed.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <cctype>
+#include <cstdio>
+#include <sstream>
+
+#include "recording_platform.h"
+
+namespace recording
+{
+
+namespace
+{
+
+int real_stdout = -1; // descriptor 1 as it was, while a capture runs
+int capture_file = -1;
+off_t forgotten = 0; // where the text that still counts begins
+
+/* Let GoogleTest speak to the real standard output in the middle of a capture. */
+void pause_capture()
+{
+    if (real_stdout < 0) return;
+    std::fflush(stdout);
+    dup2(real_stdout, STDOUT_FILENO);
+}
+
+void resume_capture()
+{
+    if (real_stdout < 0) return;
+    std::fflush(stdout);
+    dup2(capture_file, STDOUT_FILENO);
+}
+
+/* Stands before GoogleTest's own printer in the list of listeners. */
+class BeforePrinter : public testing::EmptyTestEventListener
+{
+    void OnTestPartResult(const testing::TestPartResult &) override { pause_capture(); }
+};
+
+/* Stands after it. End events come in reverse order, so this one sees the end of a test first. */
+class AfterPrinter : public testing::EmptyTestEventListener
+{
+    void OnTestStart(const testing::TestInfo &) override
+    {
+        platform.reset();
+        start_capture();
+    }
+    void OnTestPartResult(const testing::TestPartResult &) override { resume_capture(); }
+    void OnTestEnd(const testing::TestInfo &info) override
+    {
+        std::string text = info.result()->Failed() ? printed_text() : "";
+        stop_capture();
+        if (!text.empty()) std::printf("--- printed ---\n%s--- end ---\n", text.c_str());
+    }
+};
+
+const bool installed = [] {
+    auto &listeners = testing::UnitTest::GetInstance()->listeners();
+    testing::TestEventListener *printer = listeners.Release(listeners.default_result_printer());
+    listeners.Append(new BeforePrinter);
+    if (printer) listeners.Append(printer);
+    listeners.Append(new AfterPrinter);
+    return true;
+}();
+
+bool is_digit(char c)
+{
+    return std::isdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+/* Length of "[file.c]-123: " (or with '#') at the start of a line; 0 = no prefix. */
+size_t prefix_length(const std::string &line)
+{
+    if (line.empty() || line[0] != '[') return 0;
+    size_t end = line.find("]-");
+    if (end == std::string::npos) return 0;
+    size_t at = end + 2, first = at;
+    while (at < line.size() && (is_digit(line[at]) || line[at] == '#'))
+        ++at;
+    return at > first && line.compare(at, 2, ": ") == 0 ? at + 2 : 0;
+}
+
+/* `#` in the pattern takes a run of digits, or one '#'. */
+bool fits(const char *pattern, const char *text)
+{
+    for (; *pattern != '\0'; ++pattern, ++text) {
+        if (*pattern == '#' && is_digit(*text)) {
+            while (is_digit(text[1]))
+                ++text;
+        } else if (*pattern != *text) {
+            return false;
+        }
+    }
+    return *text == '\0';
+}
+
+bool line_fits(const std::string &wanted, const std::string &line)
+{
+    return fits(wanted.c_str(), line.c_str()) || fits(wanted.c_str(), line.c_str() + prefix_length(line));
+}
+
+std::string all_lines()
+{
+    std::string text;
+    for (const std::string &line : printed_lines())
+        text += "  |" + line + "\n";
+    return text;
+}
+
+/* An expected line may carry the line end that the library's text carries. */
+std::string without_line_end(const std::string &line)
+{
+    return !line.empty() && line.back() == '\n' ? line.substr(0, line.size() - 1) : line;
+}
+
+} // namespace
+
+void start_capture()
+{
+    std::fflush(stdout);
+    if (real_stdout < 0) real_stdout = dup(STDOUT_FILENO);
+    if (capture_file >= 0) close(capture_file);
+    capture_file = memfd_create("printed", MFD_CLOEXEC);
+    forgotten = 0;
+    dup2(capture_file, STDOUT_FILENO);
+}
+
+void stop_capture()
+{
+    pause_capture();
+    if (real_stdout >= 0) close(real_stdout);
+    real_stdout = -1;
+}
+
+void forget_printed()
+{
+    std::fflush(stdout);
+    if (capture_file >= 0) forgotten = lseek(capture_file, 0, SEEK_END);
+}
+
+std::string printed_text()
+{
+    std::fflush(stdout);
+    std::string text;
+    char piece[4096];
+    off_t at = forgotten;
+    for (ssize_t got; (got = pread(capture_file, piece, sizeof piece, at)) > 0; at += got)
+        text.append(piece, static_cast<size_t>(got));
+    return text;
+}
+
+std::vector<std::string> printed_lines()
+{
+    std::vector<std::string> lines;
+    std::istringstream in(printed_text());
+    for (std::string line; std::getline(in, line);) {
+        size_t prefix = prefix_length(line);
+        if (prefix > 0) line = line.substr(0, line.find("]-") + 2) + "#: " + line.substr(prefix);
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+unsigned times_printed(const std::string &line)
+{
+    std::string wanted = without_line_end(line);
+    unsigned times = 0;
+    for (const std::string &have : printed_lines())
+        times += line_fits(wanted, have);
+    return times;
+}
+
+testing::AssertionResult printed(const std::string &line)
+{
+    if (times_printed(line) > 0) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "not printed: |" << line << "\nprinted:\n" << all_lines();
+}
+
+testing::AssertionResult not_printed(const std::string &line)
+{
+    if (times_printed(line) == 0) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "printed although it should not be: |" << line;
+}
+
+testing::AssertionResult printed_as_error(const std::string &source, const std::string &line)
+{
+    std::string wanted = "[" + source + "]-#: " + without_line_end(line);
+    for (const std::string &have : printed_lines())
+        if (fits(wanted.c_str(), have.c_str())) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << "not printed: |" << wanted << "\nprinted:\n" << all_lines();
+}
+
+testing::AssertionResult printed_without_prefix(const std::string &line)
+{
+    std::string wanted = without_line_end(line);
+    unsigned bare = 0;
+    for (const std::string &have : printed_lines())
+        bare += fits(wanted.c_str(), have.c_str());
+    if (bare > 0 && bare == times_printed(line)) return testing::AssertionSuccess();
+    return testing::AssertionFailure()
+           << "not printed, or printed behind a prefix: |" << line << "\nprinted:\n"
+           << all_lines();
+}
+
+testing::AssertionResult printed_in_order(const std::string &lines)
+{
+    std::vector<std::string> have = printed_lines();
+    size_t at = 0;
+    std::istringstream in(lines);
+    for (std::string wanted; std::getline(in, wanted);) {
+        size_t first = wanted.find_first_not_of(' ');
+        if (first == std::string::npos) continue;
+        wanted = wanted.substr(first);
+        while (at < have.size() && !line_fits(wanted, have[at]))
+            ++at;
+        if (at == have.size())
+            return testing::AssertionFailure()
+                   << "not printed, or out of order: |" << wanted << "\nprinted:\n"
+                   << all_lines();
+        ++at;
+    }
+    return testing::AssertionSuccess();
+}
+
+} // namespace recording
