@@ -675,6 +675,33 @@ NVRHAL_API int TraditionalToSimplifiedUTF8(const char *in, char *out);
 NVRHAL_API int SimplifiedToTraditionalUTF8(const char *in, char *out);
 
 /* ======================================================================================= */
+/* Audio output                                                                             */
+/* ======================================================================================= */
+
+/** Set the audio output up; start-up calls it. @return 0 or -1. Thread: UI thread. */
+NVRHAL_API int32_t audio_init(void);
+
+/* ======================================================================================= */
+/* GUI surface                                                                              */
+/* ======================================================================================= */
+
+/**
+ * Set the framebuffer up for a GUI of width x height pixels; start-up calls it. The device number
+ * is ignored. @return 0, also without a framebuffer device; otherwise non-zero. Thread: UI thread.
+ */
+NVRHAL_API int32_t fb_init(uint32_t output_device, int32_t width, int32_t height);
+
+/* ======================================================================================= */
+/* Board                                                                                    */
+/* ======================================================================================= */
+
+/** Load the GPIO driver and configure the output lines; start-up calls it. @return 0 or -1. */
+NVRHAL_API int32_t local_gpio_init(void);
+
+/** Open, enable and feed the watchdog; start-up calls it. @return 0, or (uint32_t)-1. */
+NVRHAL_API uint32_t local_wdg_init(void);
+
+/* ======================================================================================= */
 /* Stop                                                                                     */
 /* ======================================================================================= */
 

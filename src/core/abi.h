@@ -14,4 +14,5 @@
 #define ABI32_SIZE(type, bytes)                                                                              \
     static_assert(sizeof(void *) != 4 || sizeof(type) == (bytes), #type " must be " #bytes " bytes")
 #define ABI32_AT(type, field, offset)                                                                        \
-    static_assert(sizeof(void *) != 4 || offsetof(type, field) == (offset), #type "." #field " must stand at " #offset)
+    static_assert(sizeof(void *) != 4 || offsetof(type, field) == (offset),                                  \
+                  #type "." #field " must stand at " #offset)

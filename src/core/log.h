@@ -6,6 +6,7 @@
  * log_error  the same behind the prefix "[source]-line: ". `source` is the C-style name of the
  *            subsystem's chief file ("vdec_venc.c"), under which field engineers search their logs.
  * log_error_line  a whole line behind that prefix.
+ * failed_call  true, and the text with the code behind the prefix, when a platform call failed.
  * log_entry  the entry trace of an exported call.
  */
 #pragma once
@@ -27,6 +28,14 @@ inline void log_line(const char *text)
 
 #define log_error_line(source, text) log_error(source, "%s\n", (text))
 
-#define log_entry(source) std::printf("EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEE%s,%s,%d\n", (source), __func__, __LINE__)
+#define failed_call(source, format, call)                                                                    \
+    __extension__({                                                                                          \
+        const int failed_code_ = (call);                                                                     \
+        if (failed_code_ != 0) log_error(source, format, static_cast<unsigned>(failed_code_));               \
+        failed_code_ != 0;                                                                                   \
+    })
+
+#define log_entry(source)                                                                                    \
+    std::printf("EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEE%s,%s,%d\n", (source), __func__, __LINE__)
 
 } // namespace nvrhal

@@ -1,0 +1,269 @@
+/*
+ * Device lifecycle: the library's front door.
+ *
+ *   unstarted -> ext_device_init -> running -> ext_device_quit -> running, display detached
+ *
+ * Start-up is one fixed order, because each stage feeds on the one before it: the pools need only
+ * memory; decoders and display need the media system; the display reads the decoders' output
+ * sizes; the framebuffer lies over the display; GPIO and watchdog come last so that a recorder that
+ * cannot show pictures is not kept alive. The first failing stage ends start-up and nothing is
+ * rolled back; only the watchdog may fail. UI thread.
+ */
+#include "board_io.h"
+#include "core/device_state.h"
+#include "core/lifecycle.h"
+#include "core/log.h"
+#include "mi_disp.h"
+#include "mi_sys.h"
+
+#include <cstring>
+#include <fcntl.h>
+
+using namespace nvrhal;
+
+namespace
+{
+
+constexpr char kSource[] = "sdk3531Lib.c";
+
+constexpr int32_t kNoLocalOutput = 3; // DeviceParams::vo_dev_type
+constexpr uint32_t kVideoFormat = 11;
+constexpr uint32_t kFrameRate = 30;
+constexpr uint32_t kStartCodec = 1; // every decoder starts as H.265
+constexpr uint64_t kPtsBase = 0xF1237890F1237890;
+constexpr uint64_t kPtsSync = 0xE1237890E1237890;
+constexpr int kFramebufferNodes = 4;
+constexpr StreamAttr kMainStreamDefaults = {
+    .unread_0 = {},
+    .size_class = 5,
+    .width = 960,
+    .height = 576,
+    .frame_rate = kFrameRate,
+    .quality_1 = 0,
+    .encode_mode = 1,
+    .quality_2 = 0,
+    .quality_3 = 0,
+    .format = kVideoFormat,
+};
+
+constexpr StreamRingSizes kSubPool = {.max_frame_len = 0x20000, .data_size = 0x50000, .index_num = 256};
+constexpr StreamRingSizes kMainPool = {.max_frame_len = 0x60000, .data_size = 0xF0000, .index_num = 768};
+constexpr StreamRingSizes kAudioPool = {.max_frame_len = 340, .data_size = 13600, .index_num = 40};
+
+// Sizes of the three pools, written at start-up.
+StreamPoolConfig stream_param_sub;
+StreamPoolConfig stream_param_mian;
+StreamPoolConfig stream_param_audio;
+
+struct GuiTimingRow {
+    int32_t gui_width; // pixels
+    uint32_t timing_code;
+};
+
+// A GUI of 800 pixels gets the 1024 x 768 output; whatever is not listed gets 1920 x 1080.
+constexpr GuiTimingRow kGuiTimings[] = {{800, 8}, {1024, 8}, {1280, 7}, {1440, 6}};
+constexpr int32_t kSmallestGui = 800;
+constexpr uint32_t kFullHdTiming = 4;
+
+uint32_t timing_for_gui(int32_t gui_width)
+{
+    if (gui_width == kSmallestGui) log_text("voput out at %d,%s!\n", __LINE__, kSource);
+    for (const GuiTimingRow &row : kGuiTimings)
+        if (row.gui_width == gui_width) return row.timing_code;
+    return kFullHdTiming;
+}
+
+/** How many of a table's channels a loop over N cameras may touch. */
+template <typename Row, int32_t rows> int32_t within(const Row (&)[rows], int32_t count)
+{
+    return count < rows ? count : rows;
+}
+
+void set_stream_defaults(int32_t count)
+{
+    for (int32_t channel = 0; channel < within(major_stream, count); ++channel) {
+        StreamAttr &attr = major_stream[channel];
+        attr.size_class = kMainStreamDefaults.size_class;
+        attr.width = kMainStreamDefaults.width;
+        attr.height = kMainStreamDefaults.height;
+        attr.frame_rate = kMainStreamDefaults.frame_rate;
+        attr.encode_mode = kMainStreamDefaults.encode_mode;
+        attr.format = kMainStreamDefaults.format;
+    }
+}
+
+void set_pool_sizes(StreamPoolConfig &config, const StreamRingSizes &sizes, int32_t count)
+{
+    for (int32_t channel = 0; channel < within(config.channels, count); ++channel)
+        config.channels[channel] = sizes;
+    config.channel_count = count;
+}
+
+/** Initialise the pools in the order sub, main, audio. The first negative result, else 0. */
+int32_t init_pools()
+{
+    const struct {
+        const StreamPoolConfig &config;
+        int32_t kind;
+    } pools[] = {
+        {stream_param_sub, STREAM_POOL_SUB},
+        {stream_param_mian, STREAM_POOL_MAIN},
+        {stream_param_audio, STREAM_POOL_AUDIO},
+    };
+    for (const auto &pool : pools) {
+        const int32_t result = kx_stream_init_avstream(&pool.config, pool.kind);
+        if (result < 0) return result;
+    }
+    return 0;
+}
+
+/** Report the outcome of a start-up stage. True when it failed. */
+#define STAGE_FAILED(format, result)                                                                         \
+    ((result) != 0 && (log_error(kSource, format, static_cast<int>(result)), true))
+
+/** One call of the media system's start; a failing one is made again for the code in the message. */
+template <typename Call>
+bool exec_failed(Call call, const char *function = __builtin_FUNCTION(), int line = __builtin_LINE())
+{
+    if (call() == 0) {
+        log_text("(%s %d)exec function pass\n", function, line);
+        return false;
+    }
+    log_text("[%s %d %d]exec function failed\n", function, line, call());
+    return true;
+}
+
+} // namespace
+
+int32_t ext_device_init(const DeviceParams *params)
+{
+    if (params == nullptr) return -1;
+    std::memset(old_global_bindarg, 0, sizeof old_global_bindarg);
+    std::memcpy(&DdvrInputParam, params, sizeof DdvrInputParam);
+    if (DdvrInputParam.vo_dev_type == kNoLocalOutput) {
+        store_word(globalVoDev, -1);
+    } else {
+        store_word(globalVoDev, 0);
+        store_word(enNorm_vga, timing_for_gui(DdvrInputParam.gui_width));
+    }
+    const int32_t result = sdk_init(params);
+    if (result == 0) return 0;
+    log_error(kSource, "system init failed with %d!\n", result);
+    return -1;
+}
+
+int32_t nvrhal::sdk_init(const DeviceParams *params)
+{
+    log_line("sdk_init version:2020-07-21 13:00.");
+
+    const int32_t count = params->vi_chn_num;
+    store_word(g_vi_chn_num, count);
+    log_text("videoPbChnnNum=%d\n", static_cast<int>(enNorm_vga)); // the text's number is the timing code
+    global_format_e = kVideoFormat;
+    globalFrmRate = kFrameRate;
+    global_videofomat = 0;
+
+    set_stream_defaults(count);
+    set_pool_sizes(stream_param_sub, kSubPool, count);
+    set_pool_sizes(stream_param_mian, kMainPool, count);
+    set_pool_sizes(stream_param_audio, kAudioPool, count);
+    log_text("channel count %d\n", count);
+    const int32_t pools = init_pools();
+    if (STAGE_FAILED("stream init failed with %d!\n", pools)) return -1;
+
+    const uint32_t media = ST_Sys_Init(params);
+    if (STAGE_FAILED("system init failed with %d!\n", media)) return -1;
+
+    const uint32_t hdmi = vo_hdmi_start(enNorm_vga);
+    if (STAGE_FAILED("vo_hdmi_start failed with %d!\n", hdmi)) return -1;
+
+    log_line("vdec_create");
+    const int32_t decoders = vdec_create(kStartCodec, count + 1);
+    if (STAGE_FAILED("vdec_start failed with %d!\n", decoders)) return -1; // names the start, on purpose
+
+    log_line("start disp");
+    const uint32_t display = start_disp(count);
+    if (STAGE_FAILED("disp_create failed with %d!\n", display)) return -1;
+
+    log_line("vdec bind"); // binds nothing: the first layout does
+    const int32_t framebuffer =
+        fb_init(static_cast<uint32_t>(globalVoDev), params->gui_width, params->gui_height);
+    if (STAGE_FAILED("fb_init err %d!\n", framebuffer)) return -1;
+
+    const int32_t audio = audio_init();
+    if (STAGE_FAILED("audio init err %d!\n", audio)) return -1;
+
+    const int32_t gpio = local_gpio_init();
+    if (STAGE_FAILED("local_gpio_init err %d!\n", gpio)) return -1;
+
+    // A recorder without its watchdog still records.
+    log_line(local_wdg_init() != 0 ? "wacthdog init error!!!" : "wacthdog init success!!!");
+    log_line("init done!");
+    return 0;
+}
+
+uint32_t nvrhal::ST_Sys_Init(const void *)
+{
+    MI_SYS_Version version = {};
+    uint64_t pts = 0;
+
+    if (exec_failed([] { return MI_SYS_Init(); })) return 1;
+    if (exec_failed([&] { return MI_SYS_GetVersion(&version); })) return 1;
+    log_text("(%d) u8Version:%.*s\n", __LINE__, static_cast<int>(sizeof version.text), version.text);
+    if (exec_failed([&] { return MI_SYS_GetCurPts(&pts); })) return 1;
+    log_text("(%d) u64Pts:0x%llx\n", __LINE__, static_cast<unsigned long long>(pts));
+    if (exec_failed([] { return MI_SYS_InitPtsBase(kPtsBase); })) return 1;
+    if (exec_failed([] { return MI_SYS_SyncPts(kPtsSync); })) return 1;
+    return 0;
+}
+
+int32_t ext_gui_init(void)
+{
+    const int32_t result = vo_start_init();
+    if (STAGE_FAILED("gui init failed with %d!\n", result)) return -1;
+    return 0;
+}
+
+int32_t nvrhal::vo_start_init()
+{
+    const uint32_t display = vo_start(0, 0, globalFrmRate, kVideoFormat, camera_count());
+    if (STAGE_FAILED("vo_start failed with %x!\n", display)) return -1;
+
+    const uint32_t hdmi = vo_hdmi_start(enNorm_vga);
+    if (STAGE_FAILED("vo_hdmi_start failed with %d!\n", hdmi)) return -1;
+
+    const int32_t framebuffer =
+        fb_init(static_cast<uint32_t>(globalVoDev), DdvrInputParam.gui_width, DdvrInputParam.gui_height);
+    if (STAGE_FAILED("fb_init err %d!\n", framebuffer)) return -1;
+
+    close_logo();
+    return 0;
+}
+
+uint32_t nvrhal::close_logo()
+{
+    for (int index = 0; index < kFramebufferNodes; ++index) {
+        char path[] = "/dev/fb0";
+        path[sizeof path - 2] = static_cast<char>('0' + index);
+        const int descriptor = board_open(path, O_RDWR);
+        if (descriptor <= 0) continue;
+        log_text("###dev_fb _Open %s suecess\n", path);
+        board_close(descriptor);
+    }
+    return 0;
+}
+
+uint32_t ext_device_quit(void)
+{
+    const int32_t count = camera_count();
+    for (int32_t channel = 0; channel < count; ++channel) {
+        const uint32_t index = static_cast<uint32_t>(channel);
+        vo_unbind_vpss(0, index, index, 0);
+        const int32_t cleared = MI_DISP_ClearInputPortBuffer(0, index, 1);
+        // The text names another call; log searches rely on it as it is.
+        if (cleared < 0)
+            log_text("File:%s,Line:%d    MI_VDEC_ReleaseUserData exe error [%d]\n", kSource, __LINE__,
+                     cleared);
+    }
+    return 0;
+}

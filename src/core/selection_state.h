@@ -1,0 +1,15 @@
+/* selection_state.h - the values that selection words take, beside channel numbers. */
+#pragma once
+
+#include "core/shared_word.h"
+#include "nvrhal.h"
+
+namespace nvrhal
+{
+
+constexpr uint8_t kAllChannelsShown = 255; // cur_display_chnn
+constexpr int32_t kNoSnapChannel = 255;    // cur_snap_chnn
+constexpr uint32_t kMaskChannels = 8;      // channels that have a bit in cur_display_chnn
+constexpr uint32_t kPaneChannels = 16;     // channels that have a pane rectangle and a layout entry
+
+} // namespace nvrhal

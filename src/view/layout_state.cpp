@@ -1,0 +1,39 @@
+/*
+ * Saved layouts and pane rectangles.
+ *
+ * Pane rectangles and marks: UI thread. Saved layouts: written under global_bindargLock, and only
+ * written: nothing in the library reads them back.
+ */
+#include "view/layout_state.h"
+
+#include "core/abi.h"
+#include "core/output_timing.h"
+#include "core/selection_state.h"
+
+ABI_SIZE(DispAttrib, 16);
+ABI_AT(DispAttrib, channel, 2);
+ABI_AT(DispAttrib, x, 4);
+ABI_AT(DispAttrib, w, 8);
+ABI_SIZE(BindArgs, 136);
+ABI_AT(BindArgs, vo_dev, 64);
+ABI_AT(BindArgs, chn_num, 68);
+ABI_AT(BindArgs, bind_status, 72);
+ABI_SIZE(PaneRect, 16);
+
+PaneRect set_bind_para[4][nvrhal::kPaneChannels];
+BindArgs global_bindarg;
+pthread_mutex_t global_bindargLock = PTHREAD_MUTEX_INITIALIZER;
+uint32_t nvrhal::spare_pane_marks[nvrhal::kSparePaneMarks];
+
+PaneRect nvrhal::even_rect(const DispAttrib &pane)
+{
+    return {even(pane.x), even(pane.y), even(pane.w), even(pane.h)};
+}
+
+// Device numbers index old_global_bindarg from -1 to 2, so the secondary output's record stands
+// directly before the symbol. C++ cannot name the middle of an object; the assembler can.
+BindArgs nvrhal_saved_layouts[4];
+__asm__(".globl old_global_bindarg\n"
+        ".type old_global_bindarg, %object\n"
+        ".set old_global_bindarg, nvrhal_saved_layouts + 136\n"
+        ".size old_global_bindarg, 408\n");
