@@ -1,0 +1,239 @@
+/* wall.cpp - see wall.h. */
+#include "wall.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fstream>
+
+#include "command.h"
+#include "vboard.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr auto kLongWait = std::chrono::hours(1);
+constexpr auto kWindowPeriod = std::chrono::milliseconds(16);
+constexpr int kDrain_ms = 3000; /* for what the decoders still hold when the inputs have ended */
+
+bool screen_is_there()
+{
+    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY"}) {
+        const char *value =
+            std::getenv(name); // NOLINT(concurrency-mt-unsafe): nothing writes the environment
+        if (value && *value) return true;
+    }
+    return false;
+}
+
+} // namespace
+
+Wall::Wall(const WallOptions &options) : options_(options), reporter_(feeders_)
+{
+    for (const std::string &address : options_.inputs)
+        feeders_.push_back(
+            std::make_unique<Feeder>(static_cast<int>(feeders_.size()), address, options_.feed));
+    for (const std::string &picture : options_.pictures)
+        orders_.push_back(picture_order(picture));
+    layout_ = layout_named(options_.layout).value_or(layout_for(static_cast<int>(feeders_.size())));
+}
+
+int Wall::run()
+{
+    if (!terminal_.send_log_to(options_.log_path)) return kExitOutputFailed;
+    if (!open_inputs()) return exit_code_;
+    if (!show()) {
+        terminal_.complain("the library did not start; its log says why: " + options_.log_path);
+        return kExitBoardFailed;
+    }
+    open_window();
+    if (!end_wanted_) {
+        start_feeding();
+        watch();
+    }
+    close();
+    write_reports();
+    return exit_code_;
+}
+
+/* All at once: a camera that does not answer costs the others nothing. False when none opened. */
+bool Wall::open_inputs()
+{
+    std::atomic<size_t> pending = feeders_.size();
+    std::vector<std::thread> openers;
+    for (const auto &feeder : feeders_) {
+        openers.emplace_back([&, camera = feeder.get()] {
+            camera->hold();
+            --pending;
+            wakeup_.ring();
+        });
+    }
+    while (pending > 0 && !wakeup_.end_wanted())
+        wakeup_.wait_until(Clock::now() + kLongWait);
+    if (wakeup_.end_wanted()) {
+        for (const auto &feeder : feeders_)
+            feeder->ask_to_stop();
+    }
+    for (std::thread &opener : openers)
+        opener.join();
+    if (wakeup_.end_wanted()) return false;
+
+    size_t opened = 0;
+    for (const auto &feeder : feeders_) {
+        opened += feeder->opened();
+        if (feeder->opened()) continue;
+        terminal_.complain("channel " + std::to_string(feeder->channel()) + ": " + feeder->input().address() +
+                           ": " + feeder->trouble());
+        worse(kExitInputFailed);
+    }
+    if (opened == 0) terminal_.complain("no input could be opened");
+    return opened > 0;
+}
+
+/* The board up, every decoder of its stream's codec, and the panes on the screen. */
+bool Wall::show()
+{
+    if (!session_.start(*output_mode_named(options_.output), static_cast<int>(feeders_.size()))) return false;
+    for (const auto &feeder : feeders_) {
+        if (feeder->opened() && feeder->prime() != 0) {
+            terminal_.complain("channel " + std::to_string(feeder->channel()) +
+                               ": its first frame was refused");
+        }
+    }
+    return session_.apply(layout_);
+}
+
+void Wall::open_window()
+{
+    if (options_.window == WindowWish::kOff) return;
+    if (options_.window == WindowWish::kAuto && !screen_is_there()) return;
+    window_open_ = vboard_window_open("nvrec wall") == 0;
+    if (window_open_) return;
+    terminal_.complain("no window could be opened");
+    if (options_.window == WindowWish::kOn) {
+        worse(kExitBoardFailed);
+        end_wanted_ = true;
+    }
+}
+
+void Wall::start_feeding()
+{
+    reporter_.mark();
+    began_at_ = Clock::now();
+    for (const auto &feeder : feeders_) {
+        if (!feeder->opened() && !feeder->input().live()) continue;
+        ++running_;
+        Feeder::Events events;
+        events.trouble = [this](int channel, const std::string &line) {
+            terminal_.complain("channel " + std::to_string(channel) + ": " + line);
+        };
+        events.decoder_changed = [this](int) {
+            layout_stale_ = true;
+            wakeup_.ring();
+        };
+        events.ended = [this](int) {
+            --running_;
+            wakeup_.ring();
+        };
+        feeder->start(std::move(events));
+    }
+}
+
+/* The main thread's work while the cameras run. */
+void Wall::watch()
+{
+    const auto period = std::chrono::milliseconds(terminal_.progress_period_ms());
+    Clock::time_point progress_at = began_at_ + period;
+    auto after = [this](double offset_s) {
+        return began_at_ +
+               std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(offset_s));
+    };
+    while (!ended()) {
+        Clock::time_point next = progress_at;
+        if (options_.duration_s > 0) next = std::min(next, after(options_.duration_s));
+        if (const auto picture = next_picture_s(orders_)) next = std::min(next, after(*picture));
+        if (window_open_) next = std::min(next, Clock::now() + kWindowPeriod);
+        wakeup_.wait_until(next);
+
+        if (window_open_ && vboard_window_poll() != VBOARD_WINDOW_OPEN) end_wanted_ = true;
+        if (layout_stale_.exchange(false)) session_.apply(layout_);
+        take_due_pictures(seconds(), false);
+        if (Clock::now() >= progress_at) {
+            terminal_.progress(reporter_.progress_line(seconds(), running_.load()));
+            progress_at = Clock::now() + period;
+        }
+    }
+}
+
+void Wall::take_due_pictures(double now_s, bool at_end)
+{
+    for (PictureOrder &order : orders_) {
+        if (order.done) continue;
+        if (!at_end && (!order.at_s || *order.at_s > now_s)) continue;
+        order.done = true;
+        const std::string problem = take_picture(order.path);
+        if (!problem.empty()) {
+            terminal_.complain(order.path + ": " + problem);
+            worse(kExitOutputFailed);
+        }
+    }
+}
+
+/* When every input ran to its end, its last frames are to be seen on the last picture. */
+void Wall::wait_for_decoders()
+{
+    for (const auto &feeder : feeders_) {
+        if (feeder->opened()) vboard_decoder_wait_idle(static_cast<uint32_t>(feeder->channel()), kDrain_ms);
+    }
+}
+
+void Wall::close()
+{
+    const bool ran_out = running_ == 0;
+    lasted_s_ = seconds();
+    for (const auto &feeder : feeders_)
+        feeder->ask_to_stop();
+    for (const auto &feeder : feeders_)
+        feeder->join();
+    if (ran_out) wait_for_decoders();
+    take_due_pictures(lasted_s_, true);
+    for (const auto &feeder : feeders_) {
+        if (feeder->broken()) worse(kExitInputFailed);
+    }
+}
+
+void Wall::write_reports()
+{
+    const std::vector<ChannelReport> channels = reporter_.collect();
+    if (window_open_) vboard_window_close();
+    session_.stop();
+    for (const std::string &line : table_of(channels))
+        terminal_.say(line);
+    if (options_.json_path.empty()) return;
+    std::ofstream file(options_.json_path);
+    file << json_of(channels, options_.layout, options_.output, lasted_s_);
+    file.close();
+    if (file) return;
+    terminal_.complain("cannot write " + options_.json_path);
+    worse(kExitOutputFailed);
+}
+
+double Wall::seconds() const
+{
+    return std::chrono::duration<double>(Clock::now() - began_at_).count();
+}
+
+bool Wall::ended() const
+{
+    if (running_ == 0 || end_wanted_ || wakeup_.end_wanted()) return true;
+    return options_.duration_s > 0 && seconds() >= options_.duration_s;
+}
+
+/* The first thing that went wrong decides how the process ends. */
+void Wall::worse(int exit_code)
+{
+    if (exit_code_ == kExitDone) exit_code_ = exit_code;
+}
+
+} // namespace nvrec
