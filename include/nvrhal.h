@@ -36,6 +36,7 @@ extern "C" {
 typedef uint64_t nvrhal_u64 __attribute__((aligned(4)));
 
 /* Records of the media platform, opaque here: platform/include has them. */
+struct MI_AO_PubAttr;
 struct MI_DISP_PubAttr;
 struct MI_VDEC_Stream;
 
@@ -678,8 +679,78 @@ NVRHAL_API int SimplifiedToTraditionalUTF8(const char *in, char *out);
 /* Audio output                                                                             */
 /* ======================================================================================= */
 
+/** What the audio output serves: AudioCtrl::mode. */
+enum AudioUse {
+    AUDIO_USE_OFF = 0,      /* muted or volume 0 */
+    AUDIO_USE_LIVE = 1,     /* live audio        */
+    AUDIO_USE_PLAYBACK = 2, /* recorded audio    */
+    AUDIO_USE_TALKBACK = 3,
+};
+
+/** State of the audio output. 52 bytes. */
+typedef struct AudioCtrl {
+    uint32_t mode;      /*  0  enum AudioUse                               */
+    uint32_t reset_1;   /*  4  0 at every change of use                    */
+    uint32_t reset_2;   /*  8  likewise                                    */
+    uint32_t enabled;   /* 12  1 from start-up on                          */
+    uint32_t reset_4;   /* 16  0 at every change of use                    */
+    uint32_t zero_5[3]; /* 20  0                                           */
+    uint32_t chn_num;   /* 32  N, set at start-up                          */
+    uint32_t zero_9[4]; /* 36  0                                           */
+} AudioCtrl;
+
+/** Playback sends audio only while mode is not 0. Whole words, no lock. */
+extern NVRHAL_API AudioCtrl audio_ctrl;
+
+/** 1 while talkback is on. */
+extern NVRHAL_API uint32_t speak_flag;
+
 /** Set the audio output up; start-up calls it. @return 0 or -1. Thread: UI thread. */
 NVRHAL_API int32_t audio_init(void);
+
+/** Configure and enable an audio output device. @return 0 or -1. Thread: UI thread. */
+NVRHAL_API int32_t audio_start_ao(uint32_t device, uint32_t unused, const struct MI_AO_PubAttr *attr);
+
+/**
+ * Configure and enable a device channel's decoder. @param payload_type  0 to 2; 2 forces mode 3
+ * @return 0, -1 for another payload type, or the platform's code. Thread: UI thread.
+ */
+NVRHAL_API int32_t audio_create_adec_chn(uint32_t device, uint32_t channel, uint32_t payload_type, uint32_t mode);
+
+/**
+ * Switch live audio on or off. Which channel is heard is decided by what is sent; the number is
+ * only printed. @return 0. Thread: UI thread.
+ */
+NVRHAL_API int32_t ext_set_audio_live_channel(int32_t open, int32_t channel);
+
+/**
+ * Set the volume. @param volume  0 to 100: -60 dB to +30 dB in steps of 0.9 dB, cut to whole dB;
+ * larger values are not limited. 0 also closes the output for playback, any other opens it.
+ * @return 0, or -1 when the platform refused. Thread: UI thread.
+ */
+NVRHAL_API int32_t ext_set_audio_output_volume(uint32_t volume);
+
+/** Switch the output to talkback, and back off; the latter takes one second. @return 0. Thread: UI thread. */
+NVRHAL_API int32_t ext_audio_speek_start(void);
+NVRHAL_API int32_t ext_audio_speek_stop(void);
+
+/** Store the boot audio format; the library does not read it. @return 0. Thread: any. */
+NVRHAL_API int32_t ext_change_boot_audio_format(uint32_t format);
+
+NVRHAL_NOOP(audio_aenc_proc);
+NVRHAL_NOOP(audio_ai_proc);
+NVRHAL_NOOP(audio_enable_ai);
+NVRHAL_NOOP(audio_stop_ao);
+NVRHAL_NOOP(audio_ao_bind_adec);
+NVRHAL_NOOP(audio_ao_unbind_adec);
+NVRHAL_NOOP(audio_deinit);
+NVRHAL_NOOP(ext_audio_speek_get_buf);
+NVRHAL_NOOP(ext_release_audio_speek_buf);
+NVRHAL_NOOP(ext_set_audio_input_volume);
+
+/** Place of the HDMI audio path, which needs nothing here. audio_stop_hdmi returns its argument. */
+NVRHAL_API void audio_start_hdmi(void);
+NVRHAL_API int32_t audio_stop_hdmi(int32_t argument);
 
 /* ======================================================================================= */
 /* GUI surface                                                                              */

@@ -10,10 +10,10 @@
  * races with a layout may reach, or miss, a decoder that is being bound anew, and the decoder
  * accepts that. vdec_chan_type: one word a channel, used by that channel's thread only.
  */
+#include "audio/audio.h"
 #include "core/device_state.h"
 #include "core/log.h"
 #include "core/selection_state.h"
-#include "mi_ao.h"
 #include "mi_vdec.h"
 
 using namespace nvrhal;
@@ -23,13 +23,8 @@ namespace
 
 constexpr char kSource[] = "vdec_venc.c";
 
-constexpr uint32_t kMostBytes = 0xA0000;   // of one send, any kind
-constexpr uint32_t kDecoderChannels = 17;  // 16 cameras and the spare one
-constexpr uint32_t kAudioHeaderBytes = 4;  // before the first audio frame of a block
-constexpr uint32_t kAudioFrameBytes = 320; // 40 ms of 8 kHz A-law
-constexpr uint32_t kAudioDevice = 3;
-constexpr uint32_t kAudioChannel = 0;
-constexpr int32_t kWaitForEver = -1;
+constexpr uint32_t kMostBytes = 0xA0000;  // of one send, any kind
+constexpr uint32_t kDecoderChannels = 17; // 16 cameras and the spare one
 
 // Codec code with which each channel's decoder was created last; every decoder starts as H.265.
 uint32_t vdec_chan_type[kDecoderChannels] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
@@ -135,20 +130,12 @@ int32_t send_video(const FrameInfo &frame, uint32_t codec, int32_t link_quality,
     return -1;
 }
 
-/** Cut a block into frames; a block shorter than its header, or without bytes, holds none. */
+/** Play a block. One without bytes, or shorter than its header, holds no frame. */
 int32_t send_audio(const FrameInfo &block)
 {
     if (block.data == nullptr || block.length < kAudioHeaderBytes) return 0;
-
-    const uint8_t *payload = static_cast<const uint8_t *>(block.data) + kAudioHeaderBytes;
-    const uint32_t frames = (block.length - kAudioHeaderBytes) / kAudioFrameBytes;
-    for (uint32_t i = 0; i < frames; ++i) {
-        MI_AO_Frame audio = {};
-        audio.data[0] = payload + i * kAudioFrameBytes;
-        audio.length_bytes = kAudioFrameBytes;
-        (void)failed_call(kSource, "MI_AO_SendFrame fail=0x%x\n",
-                          MI_AO_SendFrame(kAudioDevice, kAudioChannel, &audio, kWaitForEver));
-    }
+    send_audio_frames(static_cast<const uint8_t *>(block.data),
+                      (block.length - kAudioHeaderBytes) / kAudioFrameBytes, kSource);
     return 0;
 }
 
