@@ -70,6 +70,7 @@ struct Input::Demuxer {
     AVCodecContext *parser_context = nullptr;
     AVPacket *packet = av_packet_alloc();
     bool filter_drained = false;
+    bool elementary = false; /* the bare stream of the codec: no time stamps, no index */
 
     ~Demuxer()
     {
@@ -151,6 +152,8 @@ bool Input::open_stream()
                     "; the board decodes H.264 and H.265");
     }
     const AVRational rate = av_guess_frame_rate(format, demuxer_->stream, nullptr);
+    /* libavformat names the demuxer of a bare stream after its codec. */
+    demuxer_->elementary = std::strcmp(format->iformat->name, avcodec_get_name(parameters->codec_id)) == 0;
     facts_.codec = row->codec;
     facts_.width_px = static_cast<uint32_t>(parameters->width);
     facts_.height_px = static_cast<uint32_t>(parameters->height);
@@ -264,13 +267,12 @@ void Input::stamp(AccessUnit *unit)
     const AVPacket *packet = demuxer_->packet;
     const AVRational microseconds = {1, 1000000};
     const AVRational base = demuxer_->filter->time_base_out;
-    const bool timed = (demuxer_->format->iformat->flags & AVFMT_NOTIMESTAMPS) == 0;
 
     const auto by_count =
         static_cast<int64_t>(std::llround(static_cast<double>(units_in_pass_) * 1e6 / facts_.frame_rate));
     int64_t since_start_us = by_count;
     int64_t pts_offset_us = 0;
-    if (timed && packet->dts != AV_NOPTS_VALUE) {
+    if (!demuxer_->elementary && packet->dts != AV_NOPTS_VALUE) {
         const int64_t dts_us = av_rescale_q(packet->dts, base, microseconds);
         if (first_dts_us_ == INT64_MIN) first_dts_us_ = dts_us - by_count;
         since_start_us = dts_us - first_dts_us_;
@@ -298,11 +300,16 @@ void Input::look_into(const AccessUnit &unit)
 bool Input::rewind()
 {
     if (live_ || !demuxer_) return fail("cannot go back to the start");
-    const bool timed = (demuxer_->format->iformat->flags & AVFMT_NOTIMESTAMPS) == 0;
-    const int64_t start =
-        timed && demuxer_->stream->start_time != AV_NOPTS_VALUE ? demuxer_->stream->start_time : 0;
-    const int flags = AVSEEK_FLAG_BACKWARD | (timed ? 0 : AVSEEK_FLAG_BYTE);
-    const int code = av_seek_frame(demuxer_->format, demuxer_->stream->index, start, flags);
+    AVFormatContext *format = demuxer_->format;
+    const AVStream *stream = demuxer_->stream;
+    int code = 0;
+    if (demuxer_->elementary) {
+        const int64_t at = avio_seek(format->pb, 0, SEEK_SET);
+        code = at < 0 ? static_cast<int>(at) : avformat_flush(format);
+    } else {
+        const int64_t start = stream->start_time != AV_NOPTS_VALUE ? stream->start_time : 0;
+        code = av_seek_frame(format, stream->index, start, AVSEEK_FLAG_BACKWARD);
+    }
     if (code < 0) return fail("cannot go back to the start", code);
 
     av_bsf_flush(demuxer_->filter);

@@ -4,6 +4,10 @@
 #include <exception>
 #include <vector>
 
+extern "C" {
+#include <libavutil/log.h>
+}
+
 #include "command.h"
 
 namespace
@@ -33,6 +37,7 @@ int run(int argc, char **argv)
 int main(int argc, char **argv)
 {
     std::signal(SIGPIPE, SIG_IGN); /* a camera or a reader of our output that goes away is no reason to end */
+    av_log_set_level(AV_LOG_FATAL); /* nvrec words its own complaints about inputs */
     try {
         return run(argc, argv);
     } catch (const std::exception &error) {
