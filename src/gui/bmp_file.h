@@ -1,0 +1,26 @@
+/*
+ * bmp_file.h - the two headers of a BMP file.
+ *
+ * "BM", 12 further bytes of the file header (size, two reserved words, offset of the pixels), then
+ * the 40-byte info header. Little-endian. Rows stand from bottom to top when the height is positive.
+ */
+#pragma once
+
+#include <cstdint>
+
+namespace nvrhal
+{
+
+constexpr char kBmpSource[] = "load_bmp.c";
+
+struct BmpHeader {
+    uint32_t pixel_offset; // bytes from the start of the file
+    int32_t width, height; // pixels
+    uint32_t bits_per_pixel;
+    uint32_t compression; // 0 = none
+};
+
+/** Read and take apart a file's headers. False after GetBmpInfo's message. */
+bool read_bmp_header(const char *path, BmpHeader *header);
+
+} // namespace nvrhal
