@@ -48,11 +48,11 @@ void mark(uint32_t (&flags)[1 + kFlagDevices], int32_t dev)
     if (dev >= -1 && dev < kFlagDevices) flags[dev + 1] = 1;
 }
 
-/** Even window of a pane. */
+/** Window of a pane: its corner rounded to even once more, its size as it was computed or stored. */
 MI_Rect window_of(const PaneRect &pane)
 {
     return {static_cast<uint16_t>(even(pane.x)), static_cast<uint16_t>(even(pane.y)),
-            static_cast<uint16_t>(even(pane.w)), static_cast<uint16_t>(even(pane.h))};
+            static_cast<uint16_t>(pane.w), static_cast<uint16_t>(pane.h)};
 }
 
 /** Configure, enable and clear one port of the start-up grid. False when a call failed. */
@@ -90,15 +90,20 @@ bool start_grid_port(uint32_t port, const PaneRect &pane)
     return true;
 }
 
+/** Log a failed call on a port of vo_start_chn. True when it failed. */
+bool port_failed(int32_t result, int line = __builtin_LINE())
+{
+    if (result == 0) return false;
+    log_text("%s(%d):failed with %#x!\n", "vo_start_chn", line, static_cast<unsigned>(result));
+    return true;
+}
+
 /** Write one pane's window to its port; the source size 0 stands for "as delivered". */
-bool set_port_window(int32_t dev, uint32_t port, const PaneRect &pane)
+int32_t set_port_window(int32_t dev, int32_t port, const PaneRect &pane)
 {
     MI_DISP_InputPortAttr attr = {};
     attr.window = window_of(pane);
-    const int32_t result = MI_DISP_SetInputPortAttr(dev, port, &attr);
-    if (result == 0) return true;
-    log_text("%s(%d):failed with %#x!\n", __func__, __LINE__, static_cast<unsigned>(result));
-    return false;
+    return MI_DISP_SetInputPortAttr(dev, static_cast<uint32_t>(port), &attr);
 }
 
 /** First time: compute the panes, keep them and enable their ports. */
@@ -107,9 +112,9 @@ int32_t lay_ports_out(int32_t dev, int32_t port_count, uint32_t width, uint32_t 
     PaneRect(&panes)[kPaneChannels] = set_bind_para[pane_bank(dev)];
     for (int32_t port = 0; port < port_count; ++port) {
         panes[port] = grid_pane(grid_side(port_count), static_cast<uint32_t>(port), width, height);
-        if (!set_port_window(dev, static_cast<uint32_t>(port), panes[port])) return -1;
+        if (port_failed(set_port_window(dev, port, panes[port]))) return -1;
         log_line("ENABLE");
-        if (MI_DISP_EnableInputPort(dev, static_cast<uint32_t>(port)) != 0) return -1;
+        if (port_failed(MI_DISP_EnableInputPort(dev, static_cast<uint32_t>(port)))) return -1;
     }
     mark(vo_setxy_flag, dev);
     return 0;
@@ -123,11 +128,8 @@ int32_t reapply_ports(int32_t dev, int32_t port_count)
     const bool stops = dev == kMainDevice || dev == -1;
     const PaneRect(&panes)[kPaneChannels] = set_bind_para[pane_bank(dev)];
     for (int32_t port = 0; port < port_count; ++port) {
-        if (!set_port_window(dev, static_cast<uint32_t>(port), panes[port]) && stops) return -1;
-        const int32_t result = MI_DISP_EnableInputPort(dev, static_cast<uint32_t>(port));
-        if (result == 0) continue;
-        log_text("%s(%d):failed with %#x!\n", __func__, __LINE__, static_cast<unsigned>(result));
-        if (stops) return -1;
+        if (port_failed(set_port_window(dev, port, panes[port])) && stops) return -1;
+        if (port_failed(MI_DISP_EnableInputPort(dev, static_cast<uint32_t>(port))) && stops) return -1;
     }
     return 0;
 }
