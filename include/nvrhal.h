@@ -935,14 +935,363 @@ NVRHAL_API int32_t CreateSurfaceByBitMap(const char *path, OsdSurface *surface, 
 NVRHAL_API void qrencode(const char *text, const char *file_name);
 
 /* ======================================================================================= */
+/* Live view: output device and buffers                                                     */
+/* ======================================================================================= */
+
+/**
+ * Switch the output device and resolution, and set the GUI's framebuffer up anew. The display
+ * itself changes when it is started next.
+ * @param type           3 = the secondary output, any other = the main output
+ * @param width, height  output pixels; they choose enNorm_vga
+ * @return 0; -1 = null, or no framebuffer. Thread: UI thread; not while a layout changes.
+ */
+NVRHAL_API int32_t ext_change_output_device(const int32_t *type, const int32_t *width, const int32_t *height);
+
+/** Flush decoders 0 to 7, whatever N is, and clear their display ports. @return 0. Thread: UI thread. */
+NVRHAL_API int32_t ext_clear_disp(void);
+
+/** Does nothing. */
+NVRHAL_NOOP(ext_vo_buffer_clear1);
+
+/** Clear the pictures of port channel - 1: the channel counts from 1. @return 0. Thread: UI thread. */
+NVRHAL_API int32_t ext_vo_buffer_clear2(uint32_t channel);
+
+/**
+ * Clear the pictures of port `channel` (mode 1 only), and flush the decoder channel whose number is
+ * that of the display device. Nothing outside live view without zoom. @return 0. Thread: UI thread.
+ */
+NVRHAL_API int32_t ext_vo_buffer_clear3(uint32_t channel, uint32_t mode);
+
+/** Connect decoder `channel`, or decoder N + 1, to port `channel` of device 0. @return 0. Thread: UI thread. */
+NVRHAL_API int32_t ext_vo_buffer_create1(uint32_t channel);
+NVRHAL_API int32_t ext_vo_buffer_create2(uint32_t channel);
+
+/** Connect a channel to display device 2, or disconnect it. @return 0. Thread: UI thread. */
+NVRHAL_API int32_t ext_record_enable(uint32_t channel, uint32_t enable);
+
+/**
+ * Which channels have lost their analog signal.
+ * @param mask  out: bit n = channel n, low word first; channel 31 sets the whole second word too
+ * @return 0; -1 = null, or the analog front end failed: the bits found so far stand. Thread: any.
+ */
+NVRHAL_API int32_t ext_get_video_loss_status(uint32_t mask[2]);
+
+/** Store three quality values of a channel's main or network stream. @return 0. Thread: any. */
+NVRHAL_API int32_t ext_change_local_img_quality(uint32_t channel, uint32_t first, uint32_t second, uint32_t third);
+NVRHAL_API int32_t ext_change_net_img_quality(uint32_t channel, uint32_t first, uint32_t second, uint32_t third);
+
+/** Store a channel's network size code; its network stream becomes 640 x 360 for any. @return 0. Thread: any. */
+NVRHAL_API int32_t ext_change_net_video_size(uint32_t channel, uint32_t size);
+
+/** Only reported; the picture stays as it is. @return 0. Thread: any. */
+NVRHAL_API int32_t ext_set_voutdev_hue(uint32_t channel, uint32_t value);
+NVRHAL_API int32_t ext_set_voutdev_contrast(uint32_t channel, uint32_t value);
+NVRHAL_API int32_t ext_set_voutdev_saturation(uint32_t channel, uint32_t value);
+
+NVRHAL_NOOP(ext_get_video_md_alarm);
+NVRHAL_NOOP(ext_change_local_frame_quality);
+NVRHAL_NOOP(ext_change_net_frame_rate);
+NVRHAL_NOOP(ext_change_default_rate);
+NVRHAL_NOOP(ext_change_net_frame_quality);
+NVRHAL_NOOP(ext_change_local_frame_rate);
+NVRHAL_NOOP(ext_exchang_vga_hd_color);
+NVRHAL_NOOP(ext_change_qcif_channel);
+NVRHAL_NOOP(ext_change_local_video_size);
+NVRHAL_NOOP(ext_set_video_brightness);
+NVRHAL_NOOP(ext_set_video_hue);
+NVRHAL_NOOP(ext_set_video_contrast);
+NVRHAL_NOOP(ext_set_video_saturation);
+NVRHAL_NOOP(ext_change_spot_display);
+
+/* ======================================================================================= */
+/* Keys and mouse                                                                           */
+/* ======================================================================================= */
+
+/** One key press. 20 bytes. */
+typedef struct KeyEvent {
+    uint32_t source;    /*  0  2 = IR remote                          */
+    uint32_t unread_1;  /*  4  left as it is                          */
+    uint32_t code;      /*  8  key code, 84 'T' to 122 'z'            */
+    uint32_t unread[2]; /* 12  left as they are; 0 in what is handed out */
+} KeyEvent;
+
+/**
+ * Key presses that wait for ext_keyboard_value, guarded by g_key_lock. The writer goes round the
+ * first 128 slots and does not look whether they are free: when it laps the reader, the queue reads
+ * as empty and the waiting keys are lost. The reader goes round all 256, and finds slots 128 to 255
+ * unwritten. Empty when both indexes are equal.
+ */
+typedef struct KeyQueue {
+    KeyEvent slots[256];
+    uint32_t read_index;  /* 0 to 255 */
+    uint32_t write_index; /* 0 to 127 */
+} KeyQueue;
+
+extern NVRHAL_API KeyQueue key_que;
+extern NVRHAL_API pthread_mutex_t g_key_lock;
+
+/** What the local IR reader saw last. 8 bytes. */
+typedef struct LocalKey {
+    uint32_t valid; /* 0  1 = the code was known                            */
+    uint32_t code;  /* 4  key code, 122 'z' for a code that is not known    */
+} LocalKey;
+
+/** The last known key of the local IR reader; unlocked, its two words may be of two frames. */
+extern NVRHAL_API LocalKey key;
+
+/**
+ * Which keys of the remote reach the queue: 1 (at load) = all; 0 = all, but the first zoom key (96)
+ * after other keys only arms the following ones; any other value = none.
+ */
+extern NVRHAL_API int32_t keyboard_zoom_flag_m;
+
+/** Descriptor that the local IR reader reads; the application opens it and stores it here. 0 at load. */
+extern NVRHAL_API int32_t g_S32Irfd;
+
+/** For the application's mouse reader: its descriptor (-1 at load), an event, and 1 = it is new. */
+extern NVRHAL_API int32_t g_mouse_fd;
+extern NVRHAL_API uint32_t g_s32KeyValue[5];
+extern NVRHAL_API uint32_t g_bMouseEvent;
+
+/** Guards g_s32KeyValue and g_bMouseEvent; the application's mouse reader takes it too. */
+extern NVRHAL_API pthread_mutex_t g_mouse_lock;
+
+/**
+ * Open the front panel and empty the key queue. A panel that cannot be opened is only reported.
+ * @return 0, or -1 when a thread attribute could not be had. Thread: UI thread.
+ */
+NVRHAL_API int32_t ext_keyboard_initial(void);
+
+/**
+ * Close the front panel and the remote's receiver. The panel's descriptor is not forgotten: a later
+ * ext_keyboard_value goes on using its number.
+ * @return the result of closing the receiver; -1 when it was not open. Thread: UI thread.
+ */
+NVRHAL_API int32_t ext_keyboard_close(void);
+
+/**
+ * Take one key. Tells the panel whether there was one.
+ * @param event  out: source, unchanged, key code, 0, 0
+ * @return 0; -1 = no key, null, or no panel (it is opened when it is not open). Thread: any.
+ */
+NVRHAL_API int32_t ext_keyboard_value(uint32_t event[5]);
+
+/** Store keyboard_zoom_flag_m. @return the characters printed. Thread: any. */
+NVRHAL_API int32_t ext_keyboard_zoom_flag(int32_t mode);
+
+/** Take the mouse event. @return 0; -1 = none is waiting, or null. Thread: any. */
+NVRHAL_API int32_t ext_mouse_get_status(uint32_t event[5]);
+
+/**
+ * The remote-key reader: put what the receiver "/dev/Hi_IR" decodes into the key queue, for ever.
+ * The last key repeats while reads give nothing. The application runs it on a thread of its own and
+ * ends it, if ever, by cancelling that thread.
+ * @return -1 when the receiver cannot be opened; otherwise never.
+ */
+NVRHAL_API int32_t hi_remotekey_proc(void);
+
+/**
+ * Start the local IR reader on a thread of its own, which runs until the process ends.
+ * @return 1 = started, -1 = no thread to be had.
+ */
+NVRHAL_API int32_t localKey_init(void);
+
+/** The local IR reader: every millisecond, keep the last known key in `key`. Never returns. */
+NVRHAL_API void local_ir_key_thread_body(void);
+
+/**
+ * Read one frame from g_S32Irfd. A short or undecoded frame leaves *status as it is.
+ * @return 0; -1 = null.
+ */
+NVRHAL_API int32_t local_irkey_status_get(LocalKey *status);
+
+/** Parts of ext_keyboard_initial and ext_keyboard_close. @return 0 or -1. Thread: any. */
+NVRHAL_API int32_t hi_start_key_proc(void);
+NVRHAL_API void hi_stop_key_proc(void);
+
+/** Do nothing. */
+NVRHAL_API void translateKey(void);
+NVRHAL_API void hi_localkey_proc(void);
+
+/* ======================================================================================= */
 /* Board                                                                                    */
 /* ======================================================================================= */
 
-/** Load the GPIO driver and configure the output lines; start-up calls it. @return 0 or -1. */
+/** Load the GPIO driver and configure the output lines; start-up calls it. @return 0 or -1. Thread: UI thread. */
 NVRHAL_API int32_t local_gpio_init(void);
+
+/** The buzzer line: 1 = high, 0 = low. It is high after start-up. @return 0 or -1. Thread: any. */
+NVRHAL_API int32_t ext_buzzer_set(uint32_t on);
+
+/** Alarm inputs: none. @param status  out: 0. @return 0; -1 = null. Thread: any. */
+NVRHAL_API int32_t ext_alarm_status_get(nvrhal_u64 *status);
+
+/**
+ * Read or set the battery-backed clock.
+ * @param tm   second, minute, hour, day of month, month 1 to 12, year with its century, day of
+ *             week, day of year, daylight-saving flag; checked by the clock only
+ * @param set  0 = read into tm, other = set
+ * @return 0, or -1: no clock, null, refused. A read that fails leaves month + 1 and year + 1900 of
+ *         what tm held. Thread: any.
+ */
+NVRHAL_API int32_t ext_rtc_time_system(int32_t tm[9], uint32_t set);
+
+/**
+ * Describe a channel's video: a 40-byte record, little-endian: u32 40, width, height; u16 planes 1,
+ * bits 16; "H265"; 20 bytes of 0. The size is the main stream's for a channel below N, otherwise
+ * the network stream's of channel - N; 0 x 0 where there is no such stream.
+ * @return 0; -1 = null. Thread: any.
+ */
+NVRHAL_API int32_t ext_get_video_format(uint32_t channel, uint8_t out[40]);
+
+/**
+ * Describe the audio: an 18-byte record, little-endian: u16 format 6 (A-law), channels 1; u32 8000
+ * samples, 16000 bytes a second; u16 block 2, bits 16, extra 0. @return 0; -1 = null. Thread: any.
+ */
+NVRHAL_API int32_t ext_get_audio_format(uint8_t out[18]);
+
+/**
+ * Blink the record indicator, half a second dark and half a second lit, on a thread of the library.
+ * Starting what runs is reported and accepted. @return 0, or -1 when there is no thread to be had.
+ * Thread: any.
+ */
+NVRHAL_API int32_t hi_start_record_proc(void);
+
+/** Stop blinking and leave the indicator lit. @return 0, also when nothing blinks; -1 = the panel refused. */
+NVRHAL_API int32_t hi_stop_record_proc(void);
+
+/** What the blinker runs: never returns, unless the panel cannot be opened. @return null. */
+NVRHAL_API void *hi_record_proc(void *ignored);
+
+/** 1 = the feeding thread goes on; it looks every 3 seconds. 0 at load. */
+extern NVRHAL_API uint8_t Wdt_Fing;
 
 /** Open, enable and feed the watchdog; start-up calls it. @return 0, or (uint32_t)-1. */
 NVRHAL_API uint32_t local_wdg_init(void);
+
+/** Open the watchdog, if it is not open, and disable it. @return 0 or -1. Thread: UI thread. */
+NVRHAL_API int32_t local_wdg_open(void);
+
+/**
+ * Enable (other than 0) or disable the watchdog. One that counts as enabled is fed instead.
+ * @return 0, also when the device refused; -1 = not open. Thread: any.
+ */
+NVRHAL_API int32_t local_wdg_set(int32_t on);
+
+/** Seconds after which a watchdog that is not fed resets the board. @return the device's result, or -1. */
+NVRHAL_API int32_t local_wdg_set_timeout(int32_t seconds);
+
+/** Feed the watchdog. @return 0; -1 = disabled, not open, or refused. Thread: any. */
+NVRHAL_API int32_t local_wdg_feed(void);
+
+/**
+ * Start a thread that feeds the watchdog at once and then every 3 seconds while Wdt_Fing is set.
+ * Set it first: the thread ends by itself once it finds it 0, or when a feed fails.
+ * @return 0, or -1 when there is no thread to be had. Thread: any.
+ */
+NVRHAL_API int32_t wdt_feed_pt(void);
+
+/** Store the low byte of value in Wdt_Fing. Thread: any. */
+NVRHAL_API void Set_Wdt_Fing(uint32_t value);
+
+/**
+ * Switch the watchdog. The feeding thread is told to end in either case, so after switching on the
+ * application feeds, or starts feeding again. @return 1. Thread: any.
+ */
+NVRHAL_API uint32_t ext_wdg_set(int32_t on);
+
+/* Accepted, with any arguments, and not needed on this board. These return 1 ... */
+NVRHAL_NOOP(ext_capture_start);
+NVRHAL_NOOP(ext_capture_stop);
+NVRHAL_NOOP(ext_chagne_system_time_flag);
+NVRHAL_NOOP(ext_set_voutdev_brightness);
+NVRHAL_NOOP(ext_led_set);
+NVRHAL_NOOP(ext_release_buf);
+NVRHAL_NOOP(ext_rec_water_mark_set);
+NVRHAL_NOOP(ext_rec_water_mask_clean);
+NVRHAL_NOOP(ext_set_output_nomenu_image);
+NVRHAL_NOOP(ext_err_get_last_value);
+NVRHAL_NOOP(ext_lcd_screen_onoff);
+NVRHAL_NOOP(ext_get_flash_param);
+NVRHAL_NOOP(ext_get_board_used_chip_type);
+NVRHAL_NOOP(ext_rec_osd_print);
+NVRHAL_NOOP(ext_rec_osd_clean);
+NVRHAL_NOOP(ext_set_cover_area);
+NVRHAL_NOOP(ext_clean_cover_area);
+/* ... and these 0. */
+NVRHAL_NOOP(ext_alarm_output_set);
+NVRHAL_NOOP(ext_change_display_zorder);
+
+/* ======================================================================================= */
+/* Analog front end                                                                         */
+/* ======================================================================================= */
+
+/*
+ * The analog camera inputs' decoder chips. Four inputs belong to a chip. Every call opens the
+ * driver's node, issues its request and closes the node; the driver serialises. Unless said
+ * otherwise: 0, or -1 = no driver, refused, or a null record. Thread: any.
+ */
+
+struct AdVideoLoss;
+struct AdColorAdjust;
+struct AdMotionArea;
+struct AdMotionSensitivity;
+struct AdMotionQuery;
+
+/** Set every chip up: 3 for a channel with a 960 x 576 main stream, 1 otherwise, and the norm. */
+NVRHAL_API int32_t Init_AD(uint32_t norm_flag);
+
+NVRHAL_API int32_t ad_set_norm(uint32_t norm);
+NVRHAL_API int32_t ad_get_norm(uint8_t *norm);
+NVRHAL_API int32_t ad_work_mode(uint32_t mode);
+NVRHAL_API int32_t ad_get_loss(struct AdVideoLoss *loss);
+NVRHAL_API int32_t ad_set_adjust(uint32_t first, uint32_t second, uint32_t third);
+NVRHAL_API int32_t ad_get_adjust(struct AdColorAdjust *adjust);
+/** @param rate  8000, 16000, 32000, 44100 or 48000 samples a second; any other is refused */
+NVRHAL_API int32_t ad_set_sample_rate(uint32_t rate);
+NVRHAL_API int32_t ad_set_audio_playback(uint32_t selection);
+NVRHAL_API int32_t ad_set_audio_volume(uint32_t volume);
+NVRHAL_API int32_t ad_set_audio_format(uint32_t format);
+/** @param mode  2 sends format 1, any other 0 */
+NVRHAL_API int32_t ad_audio_work_mode(uint32_t mode);
+/** @param code  only 0 is accepted */
+NVRHAL_API int32_t ad_set_audio_bitwidth(uint32_t code);
+NVRHAL_API int32_t ad_set_mute(uint32_t mute);
+
+/** The chips' own motion detection: clear the areas, set the sensitivity to 6, start. */
+NVRHAL_API int32_t InitMotion(void);
+NVRHAL_API int32_t SetMotionArea(const struct AdMotionArea *area);
+NVRHAL_API int32_t GetMotionArea(struct AdMotionQuery *query);
+NVRHAL_API int32_t SetMotionSensivity(const struct AdMotionSensitivity *sensitivity);
+
+/**
+ * Watched blocks of one channel's main-stream picture. 9020 bytes. Filled by ext_set_motion_area,
+ * read by whoever evaluates motion.
+ */
+typedef struct VdaChannel {
+    uint32_t unread[4]; /*  0  carried                                                           */
+    uint32_t threshold; /* 16  blocks that must move to count as motion                          */
+    uint8_t map[9000];  /* 20  1 = watched; a byte a block of 8 x 8 pixels, a row width / 8 bytes */
+} VdaChannel;
+
+extern NVRHAL_API VdaChannel vda_chn[128];
+
+/** 1 once an area has been set. */
+extern NVRHAL_API uint32_t vda_flag;
+
+/** Sensitivity level of all channels, 0 to 10. */
+extern NVRHAL_API uint32_t g_sensitive;
+
+/** Store the sensitivity level; the channel is ignored. Takes effect on areas set later. @return 0. */
+NVRHAL_API int32_t ext_set_motion_sensitive(uint32_t channel, uint32_t level);
+
+/**
+ * Set a channel's watched area.
+ * @param area  58 bytes: 4 that are not read, then 18 rows of 3 bytes; bit c of a row (0 to 21, the
+ *              first byte's lowest bit first) = column c is watched
+ * @return 0, also for a channel above 127, which is ignored; -1 = null. Thread: UI thread.
+ */
+NVRHAL_API int32_t ext_set_motion_area(uint32_t channel, const uint8_t area[58]);
 
 /* ======================================================================================= */
 /* Stop                                                                                     */
