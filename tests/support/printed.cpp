@@ -84,16 +84,20 @@ size_t prefix_length(const std::string &line)
     return at > first && line.compare(at, 2, ": ") == 0 ? at + 2 : 0;
 }
 
-/* `#` in the pattern takes a run of digits, or one '#'. */
+bool is_name_character(char c)
+{
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || c == '.';
+}
+
+/* `#` in the pattern takes a run of digits, `@` a run of name characters; both also themselves. */
 bool fits(const char *pattern, const char *text)
 {
     for (; *pattern != '\0'; ++pattern, ++text) {
-        if (*pattern == '#' && is_digit(*text)) {
-            while (is_digit(text[1]))
-                ++text;
-        } else if (*pattern != *text) {
-            return false;
-        }
+        bool digits = *pattern == '#' && is_digit(*text);
+        bool name = *pattern == '@' && is_name_character(*text);
+        if (!digits && !name && *pattern != *text) return false;
+        while (digits ? is_digit(text[1]) : name && is_name_character(text[1]))
+            ++text;
     }
     return *text == '\0';
 }
@@ -109,6 +113,12 @@ std::string all_lines()
     for (const std::string &line : printed_lines())
         text += "  |" + line + "\n";
     return text;
+}
+
+std::string without_leading_blanks(const std::string &line)
+{
+    size_t first = line.find_first_not_of(' ');
+    return first == std::string::npos ? "" : line.substr(first);
 }
 
 /* An expected line may carry the line end that the library's text carries. */
@@ -212,10 +222,9 @@ testing::AssertionResult printed_in_order(const std::string &lines)
     size_t at = 0;
     std::istringstream in(lines);
     for (std::string wanted; std::getline(in, wanted);) {
-        size_t first = wanted.find_first_not_of(' ');
-        if (first == std::string::npos) continue;
-        wanted = wanted.substr(first);
-        while (at < have.size() && !line_fits(wanted, have[at]))
+        wanted = without_leading_blanks(wanted);
+        if (wanted.empty()) continue;
+        while (at < have.size() && !line_fits(wanted, without_leading_blanks(have[at])))
             ++at;
         if (at == have.size())
             return testing::AssertionFailure()

@@ -4,8 +4,9 @@
  * From the start to the end of every test, descriptor 1 goes to a file in memory. GoogleTest's own
  * lines still reach the real standard output; when a test fails, the captured text follows them.
  *
- * In an expected text `#` stands for any decimal number (or for itself), so that source lines stay
- * free. Expected texts without an error prefix fit lines with and without one.
+ * In an expected text `#` stands for any decimal number and `@` for any source or function name (or
+ * each for itself), so that places in the source stay free. Expected texts without an error prefix
+ * fit lines with and without one.
  */
 #pragma once
 
@@ -32,7 +33,7 @@ testing::AssertionResult not_printed(const std::string &line);
 testing::AssertionResult printed_as_error(const std::string &source, const std::string &line);
 /** Printed at least once, and every time without an error prefix. */
 testing::AssertionResult printed_without_prefix(const std::string &line);
-/** The lines appear in this order; others may stand between. Blank lines in `lines` do not count. */
+/** The lines appear in this order; others may stand between. Blank lines and leading blanks do not count. */
 testing::AssertionResult printed_in_order(const std::string &lines);
 
 void forget_printed();

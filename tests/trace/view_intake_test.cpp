@@ -1,0 +1,203 @@
+/* ext_send_stream: gates, codec changes, picture sizes and delivery. */
+#include "view_frame.h"
+
+using namespace view_test;
+using recording::platform;
+using recording::trace;
+
+namespace
+{
+
+TEST(Intake, HandsAFrameToTheDecoderOfItsChannel)
+{
+    std::vector<uint8_t> bytes = {0, 0, 0, 1, 0x40, 0x01};
+    FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 3, bytes);
+    EXPECT_EQ(ext_send_stream(&frame, 1, 0, 0), 0);
+    EXPECT_EQ(platform.calls(), trace(R"(
+        MI_VDEC_GetChnStat 3
+        MI_VDEC_SendStream 3 {6 bytes pts 1234605616436508552 eof 0 eos 0} 20
+    )"));
+    ASSERT_EQ(platform.bytes_sent("MI_VDEC_SendStream").size(), 1u);
+    EXPECT_EQ(platform.bytes_sent("MI_VDEC_SendStream")[0], bytes);
+}
+
+TEST(Intake, RecordsThePictureSizeForBothStreams)
+{
+    ASSERT_EQ(send_video(2), 0);
+    EXPECT_EQ(major_stream[2].width, 1280u);
+    EXPECT_EQ(major_stream[2].height, 720u);
+    EXPECT_EQ(minor_stream[2].width, 1280u);
+    EXPECT_EQ(minor_stream[2].height, 720u);
+    EXPECT_EQ(major_stream[1].width, 0u);
+    EXPECT_EQ(minor_stream[3].width, 0u);
+}
+
+TEST(Intake, RecordsThePictureSizeOfHiddenChannelsToo)
+{
+    cur_display_chnn = 0;
+    ASSERT_EQ(send_video(2), 0);
+    EXPECT_EQ(major_stream[2].width, 1280u);
+}
+
+TEST(Intake, DoesNotRecreateForAChangeOfSize)
+{
+    std::vector<uint8_t> bytes(10);
+    FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 0, bytes);
+    ASSERT_EQ(ext_send_stream(&frame, 1, 0, 0), 0);
+    frame.width = 640;
+    frame.height = 360;
+    ASSERT_EQ(ext_send_stream(&frame, 1, 0, 0), 0);
+    EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), 0u);
+    EXPECT_EQ(major_stream[0].width, 640u);
+}
+
+TEST(Intake, RefusesBadLengthsOfEveryKind)
+{
+    for (uint32_t media : {0u, 1u, 2u, 3u}) {
+        for (uint32_t length : {0u, 655361u, 0x80000000u, UINT32_MAX}) {
+            SCOPED_TRACE(std::to_string(media) + ": " + std::to_string(length));
+            std::vector<uint8_t> bytes(16);
+            FrameInfo frame = frame_of(media, 0, bytes);
+            frame.length = length;
+            EXPECT_EQ(ext_send_stream(&frame, 0, 0, 0), -1);
+        }
+    }
+    EXPECT_EQ(platform.calls(), "");
+    EXPECT_EQ(recording::printed_text(), "") << "the length is looked at before the kind";
+}
+
+TEST(Intake, AcceptsTheLargestLength)
+{
+    std::vector<uint8_t> bytes(655360, 0x11);
+    FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 0, bytes);
+    EXPECT_EQ(ext_send_stream(&frame, 1, 0, 0), 0);
+    EXPECT_EQ(platform.count("MI_VDEC_SendStream 0 {655360 bytes"), 1u);
+    frame.media = FRAME_MEDIA_AUDIO;
+    EXPECT_EQ(ext_send_stream(&frame, 1, 0, 0), 0);
+    EXPECT_EQ(platform.count("MI_AO_SendFrame"), (655360u - 4) / 320);
+}
+
+TEST(Intake, RefusesAnInvalidFrameAloud)
+{
+    std::vector<uint8_t> bytes(16);
+    FrameInfo frame = frame_of(FRAME_MEDIA_NONE, 0, bytes);
+    EXPECT_EQ(ext_send_stream(&frame, 1, 0, 0), -1);
+    EXPECT_PRINTED("FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF");
+    EXPECT_EQ(platform.calls(), "");
+}
+
+TEST(Intake, IgnoresOtherKinds)
+{
+    std::vector<uint8_t> bytes(16);
+    for (uint32_t media : {3u, 17u, 0x80000001u, UINT32_MAX}) {
+        FrameInfo frame = frame_of(media, 0, bytes);
+        EXPECT_EQ(ext_send_stream(&frame, 5, 50, 0), 0);
+    }
+    EXPECT_EQ(platform.calls(), "");
+    EXPECT_EQ(major_stream[0].width, 0u);
+}
+
+TEST(Intake, RefusesAMissingRecord)
+{
+    EXPECT_EQ(ext_send_stream(nullptr, 1, 0, 0), -1);
+    EXPECT_EQ(platform.calls(), "");
+}
+
+TEST(Intake, RefusesVideoOfChannelsThatDoNotExist)
+{
+    for (uint32_t channel : {17u, 18u, 255u, 0x7FFFFFFFu, 0x80000000u, UINT32_MAX}) {
+        SCOPED_TRACE(channel);
+        EXPECT_EQ(send_video(channel), -1);
+    }
+    EXPECT_EQ(platform.calls(), "");
+}
+
+TEST(Intake, ServesChannelsUpToSixteen)
+{
+    g_vi_chn_num = 16;
+    for (uint32_t channel = 0; channel <= 16; ++channel)
+        EXPECT_EQ(send_video(channel), 0);
+    EXPECT_EQ(platform.count("MI_VDEC_SendStream 16"), 1u);
+    EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), 0u) << "all channels start with codec code 1";
+}
+
+TEST(IntakeCodec, AChangeRecreatesTheDecoderOnce)
+{
+    std::vector<uint8_t> bytes(8);
+    FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 4, bytes);
+    EXPECT_EQ(ext_send_stream(&frame, 0, 0, 0), 0);
+    EXPECT_EQ(decoder_calls(), trace(R"(
+        MI_VDEC_StopChn 4
+        MI_VDEC_DestroyChn 4
+        MI_VDEC_CreateChn 4 {h264 buffer 1048576 priority 0 max 1920x1080 mode 0 references 2 buffers 2}
+        MI_VDEC_StartChn 4
+        MI_VDEC_GetChnStat 4
+        MI_VDEC_SendStream 4 {8 bytes pts 1234605616436508552 eof 0 eos 0} 20
+    )"));
+    platform.forget();
+    EXPECT_EQ(ext_send_stream(&frame, 0, 0, 0), 0);
+    EXPECT_EQ(platform.count("MI_VDEC_DestroyChn"), 0u);
+    EXPECT_EQ(ext_send_stream(&frame, 1, 0, 0), 0);
+    EXPECT_EQ(platform.count(
+                  "MI_VDEC_CreateChn 4 {h265 buffer 1048576 priority 0 max 1920x1080 mode 0 references 2 "
+                  "buffers 2}"),
+              1u);
+}
+
+TEST(IntakeCodec, CountsEveryNewCodeAsAChange)
+{
+    std::vector<uint8_t> bytes(8);
+    FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 4, bytes);
+    for (uint32_t code : {0u, 2u, 5u, UINT32_MAX}) // H.264, all of them
+        EXPECT_EQ(ext_send_stream(&frame, code, 0, 0), 0);
+    EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), 4u);
+}
+
+TEST(IntakeCodec, RemembersTheCodeEvenWhenTheDecoderCannotBeRecreated)
+{
+    std::vector<uint8_t> bytes(8);
+    FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 4, bytes);
+    platform.script("MI_VDEC_CreateChn").returns(0xA008000C);
+    EXPECT_EQ(ext_send_stream(&frame, 0, 0, 0), 0) << "the result of the recreation is not checked";
+    EXPECT_EQ(ext_send_stream(&frame, 0, 0, 0), 0);
+    EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), 1u);
+    EXPECT_EQ(platform.count("MI_VDEC_SendStream"), 2u);
+}
+
+TEST(IntakeCodec, KeepsChannelsApart)
+{
+    std::vector<uint8_t> bytes(8);
+    FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 4, bytes);
+    ASSERT_EQ(ext_send_stream(&frame, 0, 0, 0), 0);
+    platform.forget();
+    frame.channel = 5;
+    ASSERT_EQ(ext_send_stream(&frame, 1, 0, 0), 0);
+    EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), 0u);
+}
+
+/* The codec is looked at before the display filter: a hidden channel's decoder follows too. */
+TEST(IntakeCodec, FollowsTheStreamOfAHiddenChannel)
+{
+    cur_display_chnn = 0;
+    std::vector<uint8_t> bytes(8);
+    FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 1, bytes);
+    EXPECT_EQ(ext_send_stream(&frame, 0, 0, 0), 0);
+    EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), 1u);
+    EXPECT_EQ(platform.count("MI_VDEC_SendStream"), 0u);
+}
+
+TEST(Intake, ReportsAFailingDecoder)
+{
+    platform.script("MI_VDEC_SendStream").returns(0xA008000F);
+    EXPECT_EQ(send_video(3), -1);
+    EXPECT_EQ(decoder_calls(), trace(R"(
+        MI_VDEC_GetChnStat 3
+        MI_VDEC_SendStream 3 {100 bytes pts 1234605616436508552 eof 0 eos 0} 20
+        MI_VDEC_StopChn 3
+        MI_VDEC_StartChn 3
+    )"));
+    EXPECT_PRINTED("Chnn = 3 MI_VDEC_SendStream failed errno 0xa008000f  @ #");
+    EXPECT_PRINTED("vdec_send_stream fail!@,#");
+}
+
+} // namespace
