@@ -112,7 +112,7 @@ int32_t ST_Hdmi_Start(uint32_t hdmi_dev, uint32_t hdmi_timing)
 
 int32_t Hdmi_callback(uint32_t, uint32_t event, void *event_param, void *user_param)
 {
-    log_line("Hdmi_callbackppppppppppppppppppppppppppppppppppppppppppppppp:");
+    log_line("Hdmi_callbackppppppppppppppppppppppppppppppppppppppppppppppppp:");
     log_text("pEventParam=%s:\n", ParamText(event_param).text);
     log_text("pUsrParam=%s:\n", ParamText(user_param).text);
 
