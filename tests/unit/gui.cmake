@@ -1,0 +1,10 @@
+find_program(NVRHAL_ZBARIMG zbarimg REQUIRED)
+nvrhal_test(unit_gui
+  ${CMAKE_CURRENT_LIST_DIR}/gui_color_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/gui_paint_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/gui_bmp_load_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/gui_bmp_refusal_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/gui_qr_test.cpp
+  LIBS nvrhal_objects recording_platform
+  LABEL unit)
+target_compile_definitions(unit_gui PRIVATE NVRHAL_ZBARIMG="${NVRHAL_ZBARIMG}")
