@@ -29,7 +29,7 @@ struct BmpFile {
         std::vector<uint8_t> file(magic.begin(), magic.end());
         auto put = [&](uint32_t value, int size) {
             for (int i = 0; i < size; ++i)
-                file.push_back(static_cast<uint8_t>(value >> (8 * i)));
+                file.push_back(i < 4 ? static_cast<uint8_t>(value >> (8 * i)) : 0);
         };
         put(static_cast<uint32_t>(pixel_offset + pixels.size()), 4);
         put(0, 4);
