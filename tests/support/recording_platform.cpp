@@ -237,17 +237,28 @@ void Platform::sleep_us(uint32_t microseconds)
         clock_moved_.notify_all();
         return;
     }
+    struct Bed { // left by waking up and by being cancelled alike
+        explicit Bed(std::multiset<int64_t> &ends, int64_t end_us) : ends_us(ends), place(ends.insert(end_us))
+        {
+        }
+        ~Bed() { ends_us.erase(place); }
+        std::multiset<int64_t> &ends_us;
+        std::multiset<int64_t>::iterator place;
+    };
     int64_t end_us = now_us_ + microseconds;
-    ++sleepers_;
+    Bed bed(sleep_ends_us_, end_us);
     clock_moved_.notify_all();
     clock_moved_.wait(lock, [&] { return now_us_ >= end_us || all_sleeps_advance_; });
-    --sleepers_;
 }
 
 bool Platform::wait_for_sleepers(unsigned threads)
 {
     std::unique_lock lock(mutex);
-    return clock_moved_.wait_for(lock, std::chrono::seconds(10), [&] { return sleepers_ >= threads; });
+    // Those whose time has come are awake already, even if they have not run yet.
+    return clock_moved_.wait_for(lock, std::chrono::seconds(10), [&] {
+        auto asleep = std::distance(sleep_ends_us_.upper_bound(now_us_), sleep_ends_us_.end());
+        return asleep >= static_cast<std::ptrdiff_t>(threads);
+    });
 }
 
 void Platform::let_all_sleeps_advance(bool yes)

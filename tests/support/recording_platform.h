@@ -199,7 +199,7 @@ private:
 
     std::condition_variable_any clock_moved_;
     int64_t now_us_ = 0;
-    unsigned sleepers_ = 0;
+    std::multiset<int64_t> sleep_ends_us_; // of the threads that sleep
     bool all_sleeps_advance_ = false;
     std::thread::id test_thread_ = std::this_thread::get_id();
 };
