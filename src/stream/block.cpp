@@ -7,8 +7,8 @@
  */
 #include "board_io.h"
 #include "core/log.h"
-#include "core/shared_word.h"
 #include "stream/distance.h"
+#include "stream/shared_memory.h"
 
 namespace nvrhal
 {
@@ -75,7 +75,7 @@ int32_t take_rest_of_lap(const StreamChannel &channel, const NewestEntry &newest
     g_block_last_time = 0;
     if (newest.entry.data_circle == first.data_circle)
         return end_block(channel, first, newest.index, newest.entry, reader, kBlockToNewest);
-    const uint32_t wrap_index = load_word(channel.wrap_index);
+    const uint32_t wrap_index = load_shared(channel.wrap_index);
     if (wrap_index >= static_cast<uint32_t>(channel.index_num)) return kNoBlock;
     const StreamIndexEntry last = load_entry(channel.p_stream_index[wrap_index]);
     return end_block(channel, first, wrap_index, last, reader, kBlock);
@@ -89,7 +89,7 @@ bool is_time_jump(uint32_t timestamp)
 
 bool scan_reached_newest(const StreamChannel &channel, uint32_t index)
 {
-    const int32_t newest = __atomic_load_n(&channel.cur_index, __ATOMIC_ACQUIRE); // A1, pairs with P1 and F1
+    const int32_t newest = load_published(channel.cur_index); // A1
     return newest == static_cast<int32_t>(index);
 }
 
@@ -97,7 +97,7 @@ bool scan_reached_newest(const StreamChannel &channel, uint32_t index)
 uint32_t count_to_key_frame(const StreamChannel &channel, uint32_t index)
 {
     uint32_t stepped_over = 0;
-    while (load_word(channel.p_stream_index[index].frame_type) != kKeyFrame) {
+    while (load_shared(channel.p_stream_index[index].frame_type) != kKeyFrame) {
         while (scan_reached_newest(channel, index))
             board_sleep_us(kKeyFrameWait_us);
         index = next_entry(channel, index);
@@ -109,7 +109,7 @@ uint32_t count_to_key_frame(const StreamChannel &channel, uint32_t index)
 int32_t gather(const StreamChannel &channel, const NewestEntry &newest, const StreamIndexEntry &first,
                uint32_t byte_target, StreamReader *reader)
 {
-    const uint32_t lap_end = load_word(channel.wrap_data_end);
+    const uint32_t lap_end = load_shared(channel.wrap_data_end);
     const uint32_t first_index = reader->index;
     uint32_t index = reader->block_index % static_cast<uint32_t>(channel.index_num);
     uint32_t previous_index = index != 0 ? index - 1 : static_cast<uint32_t>(channel.index_num) - 1;

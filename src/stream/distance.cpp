@@ -1,7 +1,6 @@
 /* distance.cpp - see distance.h. Orders and labels: see the table in pool.cpp. */
 #include "stream/distance.h"
-
-#include "core/shared_word.h"
+#include "stream/shared_memory.h"
 
 namespace nvrhal
 {
@@ -30,19 +29,19 @@ bool is_safe_position(const StreamChannel &channel, const NewestEntry &newest, u
 
 StreamIndexEntry load_entry(const StreamIndexEntry &entry)
 {
-    return {.frame_type = load_word(entry.frame_type),
+    return {.frame_type = load_shared(entry.frame_type),
             .zero = {},
-            .timestamp = load_word(entry.timestamp),
+            .timestamp = load_shared(entry.timestamp),
             .reserved = 0,
-            .data_start = load_word(entry.data_start),
-            .data_end = load_word(entry.data_end),
-            .data_circle = load_word(entry.data_circle),
-            .index_circle = load_word(entry.index_circle)};
+            .data_start = load_shared(entry.data_start),
+            .data_end = load_shared(entry.data_end),
+            .data_circle = load_shared(entry.data_circle),
+            .index_circle = load_shared(entry.index_circle)};
 }
 
 bool load_newest(const StreamChannel &channel, NewestEntry *newest)
 {
-    const int32_t index = __atomic_load_n(&channel.cur_index, __ATOMIC_ACQUIRE); // A1, pairs with P1 and F1
+    const int32_t index = load_published(channel.cur_index); // A1
     if (index < 0) return false;
     newest->index = static_cast<uint32_t>(index);
     newest->entry = load_entry(channel.p_stream_index[index]);
@@ -99,7 +98,7 @@ bool find_safe_key_frame(const StreamChannel &channel, const NewestEntry &newest
     uint32_t index = search_start(channel, newest);
     do {
         const StreamIndexEntry &entry = channel.p_stream_index[index];
-        if (load_word(entry.frame_type) == kKeyFrame && is_safe_entry(channel, newest, load_entry(entry))) {
+        if (load_shared(entry.frame_type) == kKeyFrame && is_safe_entry(channel, newest, load_entry(entry))) {
             *found = index;
             return true;
         }

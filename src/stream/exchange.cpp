@@ -7,6 +7,7 @@
 #include "core/device_state.h"
 #include "core/log.h"
 #include "stream/pool.h"
+#include "stream/shared_memory.h"
 
 namespace nvrhal
 {
@@ -87,10 +88,11 @@ bool get_video(uint32_t channel, uint32_t slot, int32_t pool, FrameInfo *info)
     if (!take_frame(channel, pool, &consumer)) return false;
     const StreamIndexEntry &entry = consumer.reader.p_stream_index[consumer.reader.last_index];
     describe_bytes(channel, consumer.reader, info);
-    info->frame_type = load_word(entry.frame_type);
+    info->frame_type = load_shared(entry.frame_type);
     info->media = FRAME_MEDIA_VIDEO;
     info->local_time = static_cast<uint64_t>(local_get_curtime());
-    info->pts = static_cast<uint64_t>(static_cast<int64_t>(static_cast<int32_t>(load_word(entry.timestamp))));
+    info->pts =
+        static_cast<uint64_t>(static_cast<int64_t>(static_cast<int32_t>(load_shared(entry.timestamp))));
     return true;
 }
 

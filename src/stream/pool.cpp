@@ -20,9 +20,10 @@
  *   g_pstream_ch, g_config         initialisation      the same thread  plain
  *
  * Labels
- *   P1  publish_entry: the release store of cur_index. Pairs with A1.
- *   A1  load_newest (distance.cpp) and scan_reached_newest (block.cpp): the acquire load of
- *       cur_index. What it names, its bytes, and all that came before are then visible.
+ *   P1  publish: the release store of cur_index. Pairs with A1.
+ *   A1  load_published: the acquire load of cur_index, once a call (load_newest) and again while a
+ *       block waits for a key frame. The entry it names, its bytes, and all that came before are
+ *       then visible.
  *   F1  begin_overwriting: a store barrier ahead of the first store of a frame. Pairs with A1 as
  *       well: bytes of frame k + 1 become visible only after cur_index = k did, so a reader that
  *       looks and sees k knows that at most one frame, k + 1, is being written at that moment.
@@ -40,10 +41,9 @@
 
 #include "core/abi.h"
 #include "core/log.h"
-#include "core/shared_word.h"
+#include "stream/shared_memory.h"
 
 #include <cstdlib>
-#include <cstring>
 
 ABI_SIZE(StreamRingSizes, 12);
 ABI_AT(StreamRingSizes, data_size, 4);
@@ -158,26 +158,14 @@ uint64_t total_length(const StreamProducerFrame &frame)
     return total_bytes;
 }
 
-void begin_overwriting()
-{
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wtsan" // the thread sanitizer overlooks it; P1 and A1 suffice to it
-#endif
-    __atomic_thread_fence(__ATOMIC_RELEASE); // F1, pairs with A1
-#if defined(__GNUC__) && !defined(__clang__)
-#pragma GCC diagnostic pop
-#endif
-}
-
 /** Where a frame of that many bytes starts; begins a new lap when the rest of the ring is too short. */
 uint32_t claim_bytes(StreamChannel &channel, uint32_t total_bytes)
 {
     uint32_t start = channel.data_pos;
     if (static_cast<uint32_t>(channel.data_size) - channel.data_pos < total_bytes) {
-        store_word(channel.wrap_data_end, channel.data_pos);
+        store_shared(channel.wrap_data_end, channel.data_pos);
         channel.data_circle += 1;
-        store_word(channel.wrap_index, channel.cur_index);
+        store_shared(channel.wrap_index, channel.cur_index);
         start = 0;
     }
     channel.data_pos = start + total_bytes;
@@ -188,7 +176,7 @@ void copy_pieces(uint8_t *to, const StreamProducerFrame &frame)
 {
     for (int32_t i = 0; i < frame.piece_count; ++i) {
         if (frame.piece_lengths[i] == 0) continue;
-        std::memcpy(to, frame.pieces[i], frame.piece_lengths[i]);
+        copy_shared(to, frame.pieces[i], frame.piece_lengths[i]);
         to += frame.piece_lengths[i];
     }
 }
@@ -196,8 +184,7 @@ void copy_pieces(uint8_t *to, const StreamProducerFrame &frame)
 void publish_entry(StreamChannel &channel)
 {
     const uint32_t written = channel.next_index;
-    __atomic_store_n(&channel.cur_index, static_cast<int32_t>(written),
-                     __ATOMIC_RELEASE); // P1, pairs with A1
+    publish(channel.cur_index, written); // P1
     channel.next_index = next_entry(channel, written);
     if (channel.next_index == 0) channel.index_circle += 1;
 }
@@ -268,13 +255,13 @@ int32_t kx_stream_sendFrameToPool(const StreamProducerFrame *frame, int32_t pool
     copy_pieces(channel->p_buf_data + start, *frame);
 
     StreamIndexEntry &entry = channel->p_stream_index[channel->next_index];
-    store_word(entry.frame_type, frame->frame_type);
-    store_word(entry.timestamp, frame->timestamp);
-    store_word(entry.reserved, 0);
-    store_word(entry.data_start, start);
-    store_word(entry.data_end, channel->data_pos);
-    store_word(entry.data_circle, channel->data_circle);
-    store_word(entry.index_circle, channel->index_circle);
+    store_shared(entry.frame_type, frame->frame_type);
+    store_shared(entry.timestamp, frame->timestamp);
+    store_shared(entry.reserved, 0);
+    store_shared(entry.data_start, start);
+    store_shared(entry.data_end, channel->data_pos);
+    store_shared(entry.data_circle, channel->data_circle);
+    store_shared(entry.index_circle, channel->index_circle);
     publish_entry(*channel);
     return 0;
 }

@@ -6,8 +6,8 @@
  */
 #include "core/abi.h"
 #include "core/log.h"
-#include "core/shared_word.h"
 #include "stream/distance.h"
+#include "stream/shared_memory.h"
 
 ABI32_SIZE(StreamReader, 44);
 ABI_AT(StreamReader, last_index, 4);
@@ -52,7 +52,7 @@ bool find_key_frame_behind(const StreamChannel &channel, const NewestEntry &newe
 {
     uint32_t index = (reader.last_index + 1) % static_cast<uint32_t>(channel.index_num);
     for (; index != newest.index; index = next_entry(channel, index)) {
-        if (load_word(channel.p_stream_index[index].frame_type) == kKeyFrame) {
+        if (load_shared(channel.p_stream_index[index].frame_type) == kKeyFrame) {
             *found = index;
             return true;
         }
