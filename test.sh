@@ -1,0 +1,137 @@
+#!/bin/bash
+# Build and test everything, from a bare Debian 12.
+#
+#   ./test.sh          optimised build, every test, the seam checks
+#   ./test.sh --all    and: address, undefined-behaviour and thread sanitizers, the 32-bit build,
+#                      house format, static analysis
+#
+# Every leg runs even when one before it failed; the last line sums all tests up, and the exit
+# status is 0 only when every leg passed.
+set -uo pipefail
+cd "$(dirname "$0")"
+
+case "${1:-}" in
+'') all=no ;;
+--all) all=yes ;;
+*) echo "usage: $0 [--all]" >&2; exit 2 ;;
+esac
+[ $# -le 1 ] || { echo "usage: $0 [--all]" >&2; exit 2; }
+
+jobs=2
+logs=out/test
+mkdir -p $logs
+passed=0
+failed=0
+bad_legs=()
+
+# leg NAME COMMAND...: run it, print its time, remember a failure.
+leg() {
+    local name=$1 begin=$SECONDS
+    shift
+    echo "=== $name"
+    if "$@"; then
+        echo "=== $name: passed, $((SECONDS - begin)) s"
+    else
+        echo "=== $name: FAILED, $((SECONDS - begin)) s"
+        bad_legs+=("$name")
+    fi
+}
+
+# Run a command with its output in a log; show the end of the log when it fails.
+quietly() {
+    local log=$logs/$1.log
+    shift
+    "$@" >"$log" 2>&1 && return 0
+    tail -n 60 "$log"
+    echo "(whole log: $log)"
+    return 1
+}
+
+build() { # preset, further cmake arguments
+    local preset=$1
+    shift
+    quietly "configure-$preset" cmake --preset "$preset" "$@" &&
+        quietly "build-$preset" cmake --build --preset "$preset" -j $jobs
+}
+
+# Run a preset's tests behind a command prefix and add its counts to the sum.
+run_tests() { # preset, prefix...
+    local preset=$1 log=$logs/ctest-$1.log status
+    shift
+    "$@" ctest --preset "$preset" -j $jobs --no-tests=error >"$log" 2>&1
+    status=$?
+    local closing
+    closing=$(grep -E '^[0-9]+% tests passed, [0-9]+ tests failed out of [0-9]+' "$log" | tail -n 1)
+    if [[ $closing =~ ,\ ([0-9]+)\ tests\ failed\ out\ of\ ([0-9]+) ]]; then
+        failed=$((failed + BASH_REMATCH[1]))
+        passed=$((passed + BASH_REMATCH[2] - BASH_REMATCH[1]))
+    else
+        failed=$((failed + 1)) # the runner itself did not get to its end
+    fi
+    if [ $status -eq 0 ]; then
+        tail -n 4 "$log"
+    else
+        grep -vE ' (Passed|Start) ' "$log" | tail -n 150
+        echo "(whole log: $log)"
+    fi
+    return $status
+}
+
+dev_leg() { build dev && run_tests dev; }
+
+asan_leg() { build asan && run_tests asan env ASAN_OPTIONS=detect_stack_use_after_return=1 UBSAN_OPTIONS=print_stacktrace=1; }
+
+# The thread sanitizer wants its memory map where it expects it: some kernels spread addresses too
+# far for it, which fixed addresses cure.
+tsan_prefix() {
+    local probe=$logs/tsan-probe
+    echo 'int main(){return 0;}' | g++ -fsanitize=thread -x c++ -o $probe - || return 1
+    if $probe >/dev/null 2>&1; then
+        echo env
+    elif setarch -R $probe >/dev/null 2>&1; then
+        echo setarch -R
+    else
+        echo "test.sh: the thread sanitizer does not run on this kernel, not with fixed addresses either" >&2
+        return 1
+    fi
+}
+
+tsan_leg() {
+    local prefix options="halt_on_error=1 second_deadlock_stack=1"
+    prefix=$(tsan_prefix) || return 1
+    [ -f tests/support/tsan.supp ] && options+=" suppressions=$PWD/tests/support/tsan.supp"
+    # Word splitting is meant: the prefix may be two words. The tests inherit the fixed addresses.
+    build tsan && run_tests tsan $prefix env "TSAN_OPTIONS=$options"
+}
+
+m32_leg() { build m32 && run_tests m32; }
+
+format_leg() {
+    find include src platform apps tests bench tools examples -type f \( -name '*.h' -o -name '*.c' -o -name '*.cpp' \) -print0 |
+        xargs -0 clang-format --dry-run -Werror
+}
+
+# What is shipped or run by users; tests and benchmarks are held to the compiler's warnings.
+lint_leg() {
+    quietly clang-tidy run-clang-tidy -quiet -p build/dev -j $jobs "^$PWD/(src|platform|apps)/.*"
+}
+
+begin=$SECONDS
+groups=(build test)
+[ $all = yes ] && groups+=(check)
+tools/setup/install.sh "${groups[@]}" || { echo "test.sh: the set-up failed" >&2; exit 1; }
+
+leg "dev: build and tests" dev_leg
+leg "seams" tools/check_seams.sh build/dev
+if [ $all = yes ]; then
+    leg "asan: build and tests" asan_leg
+    leg "tsan: build and tests" tsan_leg
+    leg "m32: build and tests" m32_leg
+    leg "format" format_leg
+    leg "lint" lint_leg
+fi
+
+echo "time: $((SECONDS - begin)) s"
+[ ${#bad_legs[@]} -eq 0 ] || printf 'failed leg: %s\n' "${bad_legs[@]}"
+echo "$passed passed, $failed failed"
+[ ${#bad_legs[@]} -eq 0 ] && [ $failed -eq 0 ]

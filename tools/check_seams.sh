@@ -1,0 +1,67 @@
+#!/bin/bash
+# Prove that dependencies run one way: apps -> include -> src -> platform/include <- platform/*.
+#
+#   tools/check_seams.sh [BUILD_DIRECTORY]
+#
+# Reads the sources; with a build directory also the library's object files, which cannot hide a
+# call behind a macro.
+set -uo pipefail
+cd "$(dirname "$0")/.."
+
+build=${1:-}
+violations=0
+violation() {
+    echo "seam: $1" >&2
+    violations=$((violations + 1))
+}
+
+sources() { find "$@" -type f \( -name '*.h' -o -name '*.c' -o -name '*.cpp' \) | sort; }
+
+# Source text without comments and string literals.
+bare_code() { g++ -fpreprocessed -dD -E -P -x c++ "$1" 2>/dev/null | sed -E 's/"([^"\\]|\\.)*"/""/g'; }
+
+# 1. Codecs, scalers and windows are the host side's alone; the recorder may demux.
+media='libav[a-z]*/|libsw[a-z]*/|libyuv|turbojpeg|jpeglib|SDL'
+while read -r file; do
+    grep -nE "^[[:space:]]*#[[:space:]]*include[[:space:]]*[<\"]($media)" "$file" >/dev/null &&
+        violation "$file includes a media library; only platform/virtual/host may"
+done < <(sources src include platform | grep -v '^platform/virtual/host/')
+while read -r file; do
+    grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"](libsw[a-z]*/|libyuv|turbojpeg|jpeglib|SDL)' "$file" >/dev/null &&
+        violation "$file includes a media library beyond libavformat and libavcodec"
+    grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*"(mi_|board_io)' "$file" >/dev/null &&
+        violation "$file reaches below the library"
+done < <(sources apps)
+
+# 2. The library includes its own headers, include/ and platform/include/, and of the system only
+#    what a target without the C++ run-time library has.
+while read -r file; do
+    while read -r name; do
+        [ -e "$(dirname "$file")/$name" ] || [ -e "src/$name" ] || [ -e "include/$name" ] ||
+            [ -e "platform/include/$name" ] || violation "$file includes \"$name\", which is not its own, include/ or platform/include/"
+    done < <(sed -nE 's/^[[:space:]]*#[[:space:]]*include[[:space:]]*"([^"]+)".*/\1/p' "$file")
+    grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*<(iostream|fstream|sstream|string|vector|map|thread|mutex|chrono|filesystem|functional|memory|condition_variable|sys/ioctl\.h|sys/mman\.h|sys/time\.h)>' "$file" &&
+        violation "$file includes a header of what the library must not use"
+    grep -nE '^[[:space:]]*#[[:space:]]*(if|ifdef|ifndef|elif).*(VIRTUAL|VBOARD|PLATFORM|RECORDING|__linux|__arm|__aarch64|__x86|__i386)' "$file" &&
+        violation "$file asks which platform it runs on"
+    # 3. The operating system is reached through board_io alone.
+    bare_code "$file" | grep -nE '(^|[^_[:alnum:].>])(usleep|nanosleep|sleep|system|gettimeofday|clock_gettime|open|ioctl|mmap|munmap|popen|fork)[[:space:]]*\(' &&
+        violation "$file calls the operating system behind board_io.h"
+done < <(sources src)
+
+if [ -n "$build" ]; then
+    [ -d "$build/src" ] || violation "$build holds no build of the library"
+    objects=$(find "$build/src" -path '*nvrhal_objects*' -name '*.o')
+    [ -n "$objects" ] || violation "$build holds no object of the library"
+    while read -r symbol; do
+        violation "an object of the library calls $symbol"
+    done < <(nm -u $objects /dev/null 2>/dev/null |
+        awk '$1 == "U" { print $2 }' | sort -u |
+        grep -E '^(usleep|nanosleep|sleep|system|gettimeofday|clock_gettime|open|open64|ioctl|mmap|mmap64|munmap|read|close|popen|fork|poll|select)(@.*)?$')
+    while read -r symbol; do
+        violation "an object of the library needs the C++ run-time library: $symbol"
+    done < <(nm -u $objects 2>/dev/null | awk '$1 == "U" { print $2 }' | sort -u | grep -E '^(_ZSt|_ZNSt|_ZNKSt|_Zn[wa]|_Zd[la]|__cxa_|__gxx|_ZTV)')
+fi
+
+[ $violations -eq 0 ] || { echo "seams: $violations violations" >&2; exit 1; }
+echo "seams: $(sources src | wc -l) library sources, $(sources platform | wc -l) platform sources, no violation"
