@@ -2,6 +2,7 @@
 #include "printed.h"
 
 #include <sys/mman.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <cctype>
@@ -19,6 +20,17 @@ namespace
 int real_stdout = -1; // descriptor 1 as it was, while a capture runs
 int capture_file = -1;
 off_t forgotten = 0; // where the text that still counts begins
+
+/* The captured text lives in memory: code that prints without end dies of SIGXFSZ here. */
+constexpr rlim_t kLargestFileBytes = 64u << 20;
+
+void bound_files()
+{
+    rlimit limit;
+    if (getrlimit(RLIMIT_FSIZE, &limit) != 0 || limit.rlim_cur <= kLargestFileBytes) return;
+    limit.rlim_cur = kLargestFileBytes;
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
 
 /* Let GoogleTest speak to the real standard output in the middle of a capture. */
 void pause_capture()
@@ -134,6 +146,7 @@ void start_capture()
     std::fflush(stdout);
     if (real_stdout < 0) real_stdout = dup(STDOUT_FILENO);
     if (capture_file >= 0) close(capture_file);
+    bound_files();
     capture_file = memfd_create("printed", MFD_CLOEXEC);
     forgotten = 0;
     dup2(capture_file, STDOUT_FILENO);

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <sstream>
 
@@ -32,6 +33,9 @@ std::string join(const std::vector<std::string> &lines)
         text += (text.empty() ? "" : "\n") + line;
     return text;
 }
+
+/* A library that calls without end is stopped here, before it eats the machine's memory. */
+constexpr size_t kMostCalls = 2'000'000;
 
 /* Calls that cannot fail are not counted by fail_call. */
 bool can_fail(const std::string &name)
@@ -118,6 +122,11 @@ Platform::Verdict Platform::record(const std::string &name, const std::string &a
         return name.compare(0, prefix.size(), prefix) == 0;
     });
     if (!ignored) calls_.emplace_back(name, arguments);
+    if (calls_.size() > kMostCalls) {
+        std::fprintf(stderr, "more than %zu platform calls, the last: %s\n", kMostCalls,
+                     line_of(calls_.back()).c_str());
+        std::abort();
+    }
 
     Verdict verdict;
     for (Script &script : scripts_) { // every fitting script counts the call; the youngest answers
