@@ -1,0 +1,304 @@
+/* The watchdog: its switch, its time-out, and the thread that feeds it on the stepped clock. */
+#include <gtest/gtest.h>
+
+#include <thread>
+
+#include "board_thread_refusal.h"
+#include "core/shared_word.h"
+#include "nvrhal.h"
+#include "recording_platform.h"
+#include "watchdog_driver.h"
+
+using recording::platform;
+using recording::trace;
+
+namespace
+{
+
+constexpr uint32_t kFailed = 0xFFFFFFFF;
+constexpr int64_t kFeedPeriodUs = 3000000;
+
+void show_requests()
+{
+    platform.describe_request(WDIOC_SETTIMEOUT, [](const void *seconds) {
+        return "{" + std::to_string(*static_cast<const int32_t *>(seconds)) + "}";
+    });
+}
+
+recording::Node watchdog()
+{
+    return platform.node("/dev/watchdog");
+}
+
+void enable()
+{
+    ASSERT_EQ(local_wdg_init(), 0u);
+    platform.forget();
+}
+
+unsigned feeds()
+{
+    return platform.count("board_ioctl /dev/watchdog 0x80045705");
+}
+
+} // namespace
+
+TEST(Watchdog, IsOpenedQuietedEnabledAndFedAtStart)
+{
+    show_requests();
+    watchdog().ioctl(WDIOC_SETOPTIONS).with("/dev/watchdog 0x80045704 1").returns(0);
+    EXPECT_EQ(local_wdg_init(), 0u);
+    EXPECT_EQ(platform.calls(), trace(R"(
+        board_open /dev/watchdog rdwr
+        board_ioctl /dev/watchdog 0x80045704 1
+        board_ioctl /dev/watchdog 0x80045704 2
+        board_ioctl /dev/watchdog 0xc0045706 {100}
+        board_ioctl /dev/watchdog 0x80045705 0
+    )"));
+    EXPECT_PRINTED("misc.c,#,--------------------------init watchdog success!");
+    EXPECT_EQ(watchdog().open_count(), 1u);
+}
+
+TEST(Watchdog, CannotStartWithoutADevice)
+{
+    watchdog().fails_to_open();
+    EXPECT_EQ(local_wdg_init(), kFailed);
+    EXPECT_PRINTED("open WDG Failed!");
+    EXPECT_EQ(platform.calls(), "board_open /dev/watchdog rdwr");
+    EXPECT_NOT_PRINTED("misc.c,#,--------------------------init watchdog success!");
+}
+
+TEST(Watchdog, CountsAsEnabledBeforeTheFirstSwitch)
+{
+    EXPECT_EQ(local_wdg_feed(), -1); // not open, and not said to be disabled
+    EXPECT_NOT_PRINTED("watchdog not enabled!");
+}
+
+// A refused first disable leaves it counting as enabled: it is fed instead of being enabled.
+TEST(Watchdog, IsOnlyFedAtStartWhenItRefusedToBeQuieted)
+{
+    show_requests();
+    watchdog().ioctl(WDIOC_SETOPTIONS).returns(-1);
+    EXPECT_EQ(local_wdg_init(), 0u);
+    EXPECT_EQ(platform.calls(), trace(R"(
+        board_open /dev/watchdog rdwr
+        board_ioctl /dev/watchdog 0x80045704 1
+        board_ioctl /dev/watchdog 0x80045705 0
+        board_ioctl /dev/watchdog 0x80045705 0
+        board_ioctl /dev/watchdog 0xc0045706 {100}
+        board_ioctl /dev/watchdog 0x80045705 0
+    )"));
+    EXPECT_PRINTED("watchdog enable/disable (0) fail!");
+}
+
+TEST(Watchdog, StartFailsWhenItCouldNotBeEnabled)
+{
+    platform.script("board_ioctl").with("/dev/watchdog 0x80045704 2").returns(-1);
+    EXPECT_EQ(local_wdg_init(), kFailed); // the time-out is refused: it counts as disabled
+    EXPECT_PRINTED_IN_ORDER(R"(
+        watchdog enable/disable (1) fail!
+        watchdog not enabled!)");
+    EXPECT_EQ(feeds(), 0u);
+}
+
+TEST(Watchdog, StartFailsWithTheTimeout)
+{
+    watchdog().ioctl(WDIOC_SETTIMEOUT).returns(-1);
+    EXPECT_EQ(local_wdg_init(), kFailed);
+    EXPECT_PRINTED("watchdog set timeout Failed!!");
+    EXPECT_EQ(feeds(), 0u);
+}
+
+TEST(Watchdog, StartFailsWithTheFeed)
+{
+    watchdog().ioctl(WDIOC_KEEPALIVE).returns(-1);
+    EXPECT_EQ(local_wdg_init(), kFailed);
+}
+
+TEST(Watchdog, OpenKeepsWhatIsOpen)
+{
+    enable();
+    EXPECT_EQ(local_wdg_open(), 0);
+    EXPECT_EQ(platform.calls(), "board_ioctl /dev/watchdog 0x80045704 1");
+}
+
+TEST(Watchdog, IsFedWhenItIsEnabledTwice)
+{
+    enable();
+    EXPECT_EQ(local_wdg_set(1), 0);
+    EXPECT_EQ(platform.calls(), "board_ioctl /dev/watchdog 0x80045705 0");
+    EXPECT_EQ(ext_wdg_set(1), 1u);
+    EXPECT_EQ(feeds(), 2u);
+}
+
+TEST(Watchdog, IsDisabledWhateverItCountsAs)
+{
+    enable();
+    EXPECT_EQ(local_wdg_set(0), 0);
+    EXPECT_EQ(local_wdg_set(0), 0);
+    EXPECT_EQ(platform.calls(), trace(R"(
+        board_ioctl /dev/watchdog 0x80045704 1
+        board_ioctl /dev/watchdog 0x80045704 1
+    )"));
+}
+
+TEST(Watchdog, AnyOtherValueEnables)
+{
+    enable();
+    local_wdg_set(0);
+    platform.forget();
+    EXPECT_EQ(local_wdg_set(-7), 0);
+    EXPECT_EQ(platform.calls(), "board_ioctl /dev/watchdog 0x80045704 2");
+    EXPECT_EQ(local_wdg_feed(), 0);
+}
+
+TEST(Watchdog, ARefusedDisableIsSwallowedAndFed)
+{
+    enable();
+    watchdog().ioctl(WDIOC_SETOPTIONS).returns(-1);
+    EXPECT_EQ(local_wdg_set(0), 0);
+    EXPECT_EQ(feeds(), 1u);
+    EXPECT_EQ(local_wdg_feed(), 0); // still counts as enabled
+    EXPECT_EQ(ext_wdg_set(0), 1u);
+}
+
+TEST(Watchdog, ARefusedEnableIsSwallowedAndNotFed)
+{
+    enable();
+    local_wdg_set(0);
+    watchdog().ioctl(WDIOC_SETOPTIONS).returns(-1);
+    platform.forget();
+    EXPECT_EQ(local_wdg_set(1), 0);
+    EXPECT_PRINTED("watchdog enable/disable (1) fail!");
+    EXPECT_EQ(feeds(), 0u);
+    EXPECT_EQ(local_wdg_feed(), -1);
+}
+
+TEST(Watchdog, CannotBeFedWhileDisabled)
+{
+    enable();
+    local_wdg_set(0);
+    platform.forget();
+    EXPECT_EQ(local_wdg_feed(), -1);
+    EXPECT_PRINTED("watchdog not enabled!");
+    EXPECT_EQ(platform.calls(), "");
+}
+
+TEST(Watchdog, TimeoutsNeedAnOpenEnabledDevice)
+{
+    EXPECT_EQ(local_wdg_set_timeout(5), -1);
+    EXPECT_NOT_PRINTED("watchdog not enabled!");
+    enable();
+    show_requests();
+    EXPECT_EQ(local_wdg_set_timeout(5), 0);
+    EXPECT_EQ(platform.calls(), "board_ioctl /dev/watchdog 0xc0045706 {5}");
+    watchdog().ioctl(WDIOC_SETTIMEOUT).once().returns(7);
+    EXPECT_EQ(local_wdg_set_timeout(5), 7); // the device's own result
+    local_wdg_set(0);
+    EXPECT_EQ(local_wdg_set_timeout(5), -1);
+    EXPECT_PRINTED("watchdog not enabled!");
+}
+
+TEST(Watchdog, SwitchingBeforeStartOnlyClearsTheFlag)
+{
+    Set_Wdt_Fing(1);
+    EXPECT_EQ(ext_wdg_set(1), 1u);
+    EXPECT_EQ(ext_wdg_set(0), 1u);
+    EXPECT_EQ(Wdt_Fing, 0);
+    EXPECT_EQ(platform.calls(), "");
+    EXPECT_EQ(local_wdg_set(1), -1);
+}
+
+TEST(Watchdog, TheFlagKeepsTheLowByte)
+{
+    Set_Wdt_Fing(0x1FF);
+    EXPECT_EQ(Wdt_Fing, 0xFF);
+    Set_Wdt_Fing(0x100);
+    EXPECT_EQ(Wdt_Fing, 0);
+}
+
+TEST(WatchdogFeeder, FeedsAtOnceAndEveryThreeSeconds)
+{
+    enable();
+    Set_Wdt_Fing(1);
+    EXPECT_EQ(wdt_feed_pt(), 0);
+    for (unsigned round = 1; round <= 4; ++round) {
+        ASSERT_TRUE(platform.wait_for_sleepers(1));
+        EXPECT_EQ(feeds(), round);
+        platform.step_us(kFeedPeriodUs - 1);
+        EXPECT_EQ(feeds(), round);
+        platform.step_us(1);
+    }
+    ASSERT_TRUE(platform.wait_for_sleepers(1));
+    EXPECT_EQ(platform.calls({"board_sleep_us"}).substr(0, 22), "board_sleep_us 3000000");
+}
+
+TEST(WatchdogFeeder, EndsWithinAPeriodOnceTheFlagIsCleared)
+{
+    enable();
+    Set_Wdt_Fing(1);
+    EXPECT_EQ(wdt_feed_pt(), 0);
+    ASSERT_TRUE(platform.wait_for_sleepers(1));
+    ext_wdg_set(1); // clears the flag, and feeds
+    platform.step_us(kFeedPeriodUs);
+    ASSERT_TRUE(platform.wait_for_sleepers(1)); // the last 100 microseconds
+    EXPECT_EQ(platform.count("board_sleep_us 100"), 1u);
+    EXPECT_EQ(feeds(), 2u);
+    platform.step_us(100);
+    platform.step_us(10 * kFeedPeriodUs);
+    EXPECT_EQ(feeds(), 2u);
+}
+
+TEST(WatchdogFeeder, FeedsOnceWhenTheFlagWasNeverSet)
+{
+    enable();
+    EXPECT_EQ(wdt_feed_pt(), 0);
+    ASSERT_TRUE(platform.wait_for_sleepers(1));
+    platform.step_us(kFeedPeriodUs);
+    ASSERT_TRUE(platform.wait_for_sleepers(1));
+    EXPECT_EQ(feeds(), 1u);
+    EXPECT_EQ(platform.count("board_sleep_us 100"), 1u);
+}
+
+TEST(WatchdogFeeder, EndsSilentlyWhenAFeedFails)
+{
+    enable();
+    Set_Wdt_Fing(1);
+    watchdog().ioctl(WDIOC_KEEPALIVE).from(2).returns(-1);
+    EXPECT_EQ(wdt_feed_pt(), 0);
+    ASSERT_TRUE(platform.wait_for_sleepers(1));
+    platform.forget();
+    platform.let_all_sleeps_advance(true); // a thread that went on would feed for ever
+    while (feeds() == 0)
+        std::this_thread::yield();
+    EXPECT_EQ(platform.calls(), "board_ioctl /dev/watchdog 0x80045705 0");
+    EXPECT_EQ(recording::printed_text(), "");
+}
+
+TEST(WatchdogFeeder, NeedsAThread)
+{
+    enable();
+    for (const auto refused : {&thread_refusal::create, &thread_refusal::attr_init,
+                               &thread_refusal::attr_scope, &thread_refusal::attr_detach}) {
+        *refused = true;
+        EXPECT_EQ(wdt_feed_pt(), -1);
+        *refused = false;
+    }
+    EXPECT_EQ(feeds(), 0u);
+}
+
+TEST(WatchdogFeeder, SharesTheDeviceWithTheApplicationsFeeds)
+{
+    enable();
+    Set_Wdt_Fing(1);
+    EXPECT_EQ(wdt_feed_pt(), 0);
+    ASSERT_TRUE(platform.wait_for_sleepers(1));
+    std::thread application([] {
+        for (int i = 0; i < 50; ++i)
+            EXPECT_EQ(local_wdg_feed(), 0);
+        ext_wdg_set(1);
+    });
+    platform.step_us(kFeedPeriodUs);
+    application.join();
+    EXPECT_GE(feeds(), 52u);
+}
