@@ -20,16 +20,15 @@ uint32_t load_word32(const uint8_t *bytes)
     return word;
 }
 
-// Four pixels are three words: B0G0R0B1 G1R1B2G2 R2B3G3R3, lowest byte first.
-void unpack_four(const uint8_t *from, uint32_t (&pixels)[4])
+// Four pixels at a time, each loaded as a word whose highest byte is the next pixel's blue: of the
+// fourth one that byte must be there, hence the loops end before the last pixel.
+typedef uint32_t FourPixels __attribute__((vector_size(16)));
+typedef uint16_t FourPacked __attribute__((vector_size(8)));
+constexpr size_t kAtOnce = 4;
+
+inline FourPixels load_four(const uint8_t *from)
 {
-    const uint32_t first = load_word32(from);
-    const uint32_t second = load_word32(from + 4);
-    const uint32_t third = load_word32(from + 8);
-    pixels[0] = first | kOpaque;
-    pixels[1] = first >> 24 | second << 8 | kOpaque;
-    pixels[2] = second >> 16 | third << 16 | kOpaque;
-    pixels[3] = third >> 8 | kOpaque;
+    return FourPixels{load_word32(from), load_word32(from + 3), load_word32(from + 6), load_word32(from + 9)};
 }
 
 uint32_t unpack_one(const uint8_t *from)
@@ -51,11 +50,11 @@ public:
     {
     }
 
-    uint16_t operator()(uint32_t pixel) const
+    // One pixel word, or four.
+    template <typename Words> Words operator()(Words pixel) const
     {
-        return static_cast<uint16_t>((pixel >> blue_shift_ & blue_mask_) |
-                                     (pixel >> green_shift_ & green_mask_) |
-                                     (pixel >> red_shift_ & red_mask_) | alpha_);
+        return (pixel >> blue_shift_ & blue_mask_) | (pixel >> green_shift_ & green_mask_) |
+               (pixel >> red_shift_ & red_mask_) | alpha_;
     }
 
 private:
@@ -69,10 +68,9 @@ private:
 
 void convert_bgr24_to_32(const uint8_t *from, uint8_t *to, size_t pixels)
 {
-    for (; pixels >= 4; pixels -= 4, from += 12, to += 16) {
-        uint32_t four[4];
-        unpack_four(from, four);
-        std::memcpy(to, four, sizeof four);
+    for (; pixels > kAtOnce; pixels -= kAtOnce, from += 3 * kAtOnce, to += 4 * kAtOnce) {
+        const FourPixels four = load_four(from) | kOpaque;
+        std::memcpy(to, &four, sizeof four);
     }
     for (; pixels > 0; --pixels, from += 3, to += 4) {
         const uint32_t one = unpack_one(from);
@@ -83,14 +81,12 @@ void convert_bgr24_to_32(const uint8_t *from, uint8_t *to, size_t pixels)
 void convert_bgr24_to_16(const uint8_t *from, uint8_t *to, size_t pixels, uint32_t color_format)
 {
     const Packer pack(s_OSDCompInfo[color_format]);
-    for (; pixels >= 4; pixels -= 4, from += 12, to += 8) {
-        uint32_t four[4];
-        unpack_four(from, four);
-        const uint16_t packed[4] = {pack(four[0]), pack(four[1]), pack(four[2]), pack(four[3])};
-        std::memcpy(to, packed, sizeof packed);
+    for (; pixels > kAtOnce; pixels -= kAtOnce, from += 3 * kAtOnce, to += 2 * kAtOnce) {
+        const FourPacked packed = __builtin_convertvector(pack(load_four(from)), FourPacked);
+        std::memcpy(to, &packed, sizeof packed);
     }
     for (; pixels > 0; --pixels, from += 3, to += 2) {
-        const uint16_t packed = pack(unpack_one(from));
+        const auto packed = static_cast<uint16_t>(pack(unpack_one(from)));
         std::memcpy(to, &packed, sizeof packed);
     }
 }

@@ -12,8 +12,16 @@ namespace nvrhal
 namespace
 {
 
+constexpr size_t kMagic_bytes = 2;
 constexpr size_t kRest_bytes = 12; // the file header behind its magic
 constexpr size_t kInfo_bytes = 44; // the info header and the 4 bytes that follow it
+
+struct RawHeaders {
+    uint8_t magic[kMagic_bytes];
+    uint8_t rest[kRest_bytes];
+    uint8_t info[kInfo_bytes];
+};
+static_assert(sizeof(RawHeaders) == kMagic_bytes + kRest_bytes + kInfo_bytes);
 
 uint32_t u16_at(const uint8_t *bytes)
 {
@@ -25,24 +33,35 @@ uint32_t u32_at(const uint8_t *bytes)
     return u16_at(bytes) | u16_at(bytes + 2) << 16;
 }
 
-bool read_bytes(FILE *file, uint8_t *bytes, size_t size)
+FILE *open_and_read(const char *path, RawHeaders *headers)
 {
-    return std::fread(bytes, 1, size, file) == size;
+    FILE *file = std::fopen(path, "rb");
+    if (!file) {
+        log_error(kBmpSource, "Open file faild:%s!\n", path);
+        return nullptr;
+    }
+    std::setvbuf(file, nullptr, _IONBF, 0); // two large reads: a buffer would only be a copy more
+    if (std::fread(headers, sizeof *headers, 1, file) == 1 &&
+        std::memcmp(headers->magic, "BM", kMagic_bytes) == 0)
+        return file;
+    log_error_line(kBmpSource, "not bitmap file");
+    std::fclose(file);
+    return nullptr;
 }
 
 } // namespace
 
-bool read_bmp_header(const char *path, BmpHeader *header)
+FILE *open_bmp(const char *path, BmpHeader *header)
 {
-    uint8_t rest[kRest_bytes];
-    uint8_t info[kInfo_bytes];
-    if (GetBmpInfo(path, rest, info) != 0) return false;
-    header->pixel_offset = u32_at(rest + 8);
-    header->width = static_cast<int32_t>(u32_at(info + 4));
-    header->height = static_cast<int32_t>(u32_at(info + 8));
-    header->bits_per_pixel = u16_at(info + 14);
-    header->compression = u32_at(info + 16);
-    return true;
+    RawHeaders raw;
+    FILE *file = open_and_read(path, &raw);
+    if (!file) return nullptr;
+    header->pixel_offset = u32_at(raw.rest + 8);
+    header->width = static_cast<int32_t>(u32_at(raw.info + 4));
+    header->height = static_cast<int32_t>(u32_at(raw.info + 8));
+    header->bits_per_pixel = u16_at(raw.info + 14);
+    header->compression = u32_at(raw.info + 16);
+    return file;
 }
 
 } // namespace nvrhal
@@ -56,19 +75,13 @@ int32_t GetBmpInfo(const char *path, uint8_t file_header_rest[12], uint8_t info[
         return -1;
     }
     if (!file_header_rest || !info) return -1;
-    FILE *file = std::fopen(path, "rb");
-    if (!file) {
-        log_error(kBmpSource, "Open file faild:%s!\n", path);
-        return -1;
-    }
-    uint8_t magic[2];
-    const bool is_bitmap =
-        read_bytes(file, magic, sizeof magic) && std::memcmp(magic, "BM", sizeof magic) == 0 &&
-        read_bytes(file, file_header_rest, kRest_bytes) && read_bytes(file, info, kInfo_bytes);
+    RawHeaders raw;
+    FILE *file = open_and_read(path, &raw);
+    if (!file) return -1;
     std::fclose(file);
-    if (is_bitmap) return 0;
-    log_error_line(kBmpSource, "not bitmap file");
-    return -1;
+    std::memcpy(file_header_rest, raw.rest, sizeof raw.rest);
+    std::memcpy(info, raw.info, sizeof raw.info);
+    return 0;
 }
 
 const char *GetExtName(const char *name)

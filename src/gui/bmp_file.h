@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 
 namespace nvrhal
 {
@@ -20,7 +21,7 @@ struct BmpHeader {
     uint32_t compression; // 0 = none
 };
 
-/** Read and take apart a file's headers. False after GetBmpInfo's message. */
-bool read_bmp_header(const char *path, BmpHeader *header);
+/** Open a file and take its headers apart. Null after a message. The caller closes it. */
+FILE *open_bmp(const char *path, BmpHeader *header);
 
 } // namespace nvrhal

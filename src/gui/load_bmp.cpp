@@ -2,8 +2,8 @@
  * load_bmp.cpp - uncompressed, bottom-up BMP files into a caller's surface, top row first.
  *
  * LoadBMP copies pixels as they are; LoadBMPEx converts 24-bit files to the surface's colour
- * format. The file's pixel area is read whole. A file that ends early fills the rows that it has,
- * which are the lower ones; no pixel is written that was not read, and no row beyond its pitch.
+ * format. The pixel area is read in blocks of rows, from the bottom row up. A file that ends early
+ * fills the rows that it has; no pixel is written that was not read, and no row beyond its pitch.
  * Thread: any; the surface is the caller's.
  */
 #include "nvrhal.h"
@@ -33,18 +33,30 @@ constexpr uint8_t kHalfTransparent = 128;
 // What the address space of the 32-bit target can hold in one piece.
 constexpr uint64_t kLargestArea_bytes = INT32_MAX;
 
+// Blocks stay in the processor's cache between reading and converting.
+constexpr uint64_t kBlock_bytes = 64 * 1024;
+
 struct Bitmap {
     FILE *file;
     BmpHeader header;
-    uint32_t pixel_bytes; // of a file pixel
-    uint32_t height;      // the header's, cut to 16 bits
+    uint32_t pixel_bytes;  // of a file pixel
+    uint32_t height;       // the header's, cut to 16 bits
+    uint64_t row_bytes;    // the pixels of a row
+    uint64_t stride_bytes; // from one file row to the next
 };
 
-// The pixel area as read; `size` bytes of it are there.
-struct PixelArea {
+// File rows first to end - 1, as many bytes of them as the file has.
+struct PixelBlock {
     uint8_t *bytes;
     size_t size;
-    uint32_t stride; // bytes from one file row to the next
+    uint32_t first, end;
+};
+
+// One row: what the file has of it, and where it goes.
+struct Row {
+    const uint8_t *from;
+    size_t bytes;
+    uint8_t *to;
 };
 
 int32_t refuse(const char *text)
@@ -53,88 +65,95 @@ int32_t refuse(const char *text)
     return -1;
 }
 
-// The checks that both loaders make; on success the file is open and the surface has its size.
-int32_t open_bitmap(const char *path, OsdSurface *surface, Bitmap *bitmap)
-{
-    if (!path) return refuse("OSD_LoadBMP: filename=NULL");
-    if (!surface || !surface->pixels) return -1;
-    BmpHeader &header = bitmap->header;
-    if (!read_bmp_header(path, &header)) return -1;
-
-    bitmap->pixel_bytes = header.bits_per_pixel / 8;
-    if (bitmap->pixel_bytes < 2) return refuse("bitmap format not supported!");
-    if (header.compression != 0) return refuse("not support compressed bitmap file!");
-    if (header.height < 0) return refuse("bmpInfo.bmiHeader.biHeight < 0");
-
-    bitmap->file = std::fopen(path, "rb");
-    if (!bitmap->file) {
-        log_error(kBmpSource, "Open file faild:%s!\n", path);
-        return -1;
-    }
-    bitmap->height = static_cast<uint32_t>(header.height) & 0xFFFFu;
-    surface->width = static_cast<uint32_t>(header.width);
-    surface->height = bitmap->height;
-    return 0;
-}
-
-uint64_t row_bytes(const Bitmap &bitmap)
-{
-    return static_cast<uint64_t>(bitmap.header.width) * bitmap.pixel_bytes;
-}
-
-bool allocate_area(const Bitmap &bitmap, uint64_t stride, PixelArea *area)
-{
-    const uint64_t size = stride * bitmap.height;
-    *area = {nullptr, static_cast<size_t>(size), static_cast<uint32_t>(stride)};
-    if (bitmap.header.width >= 1 && size <= kLargestArea_bytes)
-        area->bytes = static_cast<uint8_t *>(std::malloc(size > 0 ? area->size : 1));
-    if (area->bytes) return true;
-    log_error_line(kBmpSource, "not enough memory to malloc!");
-    return false;
-}
-
-// Whether all was there; what was not is left out of the area.
-bool read_area(const Bitmap &bitmap, PixelArea *area)
-{
-    const bool found = std::fseek(bitmap.file, static_cast<long>(bitmap.header.pixel_offset), SEEK_SET) == 0;
-    const size_t wanted = area->size;
-    area->size = found ? std::fread(area->bytes, 1, wanted, bitmap.file) : 0;
-    return area->size == wanted;
-}
-
 size_t smaller(uint64_t a, uint64_t b)
 {
     return static_cast<size_t>(a < b ? a : b);
 }
 
-// Surface row `row` and the bytes of it that the file has: file rows stand from bottom to top.
-struct Row {
-    const uint8_t *from;
-    size_t bytes;
-    uint8_t *to;
-};
-
-Row row_of(const Bitmap &bitmap, const PixelArea &area, const OsdSurface &surface, uint32_t row)
+// Depth, compression and order of the rows, as far as both loaders read them.
+int32_t check_header(const BmpHeader &header)
 {
-    const size_t offset = static_cast<size_t>(bitmap.height - 1 - row) * area.stride;
-    if (offset >= area.size) return {nullptr, 0, nullptr};
-    return {area.bytes + offset, smaller(row_bytes(bitmap), area.size - offset),
-            static_cast<uint8_t *>(surface.pixels) + static_cast<size_t>(row) * surface.pitch};
+    if (header.bits_per_pixel / 8 < 2) return refuse("bitmap format not supported!");
+    if (header.compression != 0) return refuse("not support compressed bitmap file!");
+    if (header.height < 0) return refuse("bmpInfo.bmiHeader.biHeight < 0");
+    return 0;
 }
 
-void copy_rows(const Bitmap &bitmap, const PixelArea &area, const OsdSurface &surface)
+// Rows a block holds. Rows that overlap, as those of a length that was cut do, are one block.
+uint32_t rows_a_block(const Bitmap &bitmap)
 {
+    if (bitmap.stride_bytes < bitmap.row_bytes) return bitmap.height;
+    const uint64_t rows = kBlock_bytes / bitmap.stride_bytes;
+    if (rows < 1) return 1;
+    return rows < bitmap.height ? static_cast<uint32_t>(rows) : bitmap.height;
+}
+
+uint8_t *allocate_block(const Bitmap &bitmap, uint32_t rows)
+{
+    const uint64_t size = rows * bitmap.stride_bytes;
+    return static_cast<uint8_t *>(std::malloc(size > 0 ? static_cast<size_t>(size) : 1));
+}
+
+// Surface row of a file row: file rows stand from bottom to top.
+Row row_of(const Bitmap &bitmap, const PixelBlock &block, const OsdSurface &surface, uint32_t file_row)
+{
+    const size_t offset = static_cast<size_t>((file_row - block.first) * bitmap.stride_bytes);
+    if (offset >= block.size) return {nullptr, 0, nullptr};
+    const uint32_t surface_row = bitmap.height - 1 - file_row;
+    return {block.bytes + offset, smaller(bitmap.row_bytes, block.size - offset),
+            static_cast<uint8_t *>(surface.pixels) + static_cast<size_t>(surface_row) * surface.pitch};
+}
+
+enum class Reading { kComplete, kShort, kNoMemory };
+
+// Read the pixel area block by block and hand every row that is there to `take`.
+template <typename Take> Reading read_rows(const Bitmap &bitmap, const OsdSurface &surface, Take take)
+{
+    if (bitmap.header.width < 1 || bitmap.stride_bytes * bitmap.height > kLargestArea_bytes)
+        return Reading::kNoMemory;
+    const uint32_t rows = rows_a_block(bitmap);
+    PixelBlock block = {allocate_block(bitmap, rows), 0, 0, 0};
+    if (!block.bytes) return Reading::kNoMemory;
+
+    bool complete = std::fseek(bitmap.file, static_cast<long>(bitmap.header.pixel_offset), SEEK_SET) == 0;
+    while (complete && block.end < bitmap.height) {
+        block.first = block.end;
+        block.end = bitmap.height - block.first < rows ? bitmap.height : block.first + rows;
+        const auto wanted = static_cast<size_t>((block.end - block.first) * bitmap.stride_bytes);
+        block.size = std::fread(block.bytes, 1, wanted, bitmap.file);
+        complete = block.size == wanted;
+        for (uint32_t row = block.first; row < block.end; ++row)
+            if (const Row line = row_of(bitmap, block, surface, row); line.bytes > 0) take(line);
+    }
+    std::free(block.bytes);
+    return complete ? Reading::kComplete : Reading::kShort;
+}
+
+int32_t load_plain(Bitmap &bitmap, OsdSurface *surface)
+{
+    // Padded rows are not this loader's business: a row is followed by the next one at once.
+    bitmap.stride_bytes = bitmap.row_bytes;
+    if (bitmap.header.width >= 1 && bitmap.stride_bytes % 4 != 0)
+        return refuse("bitmap format not supported!");
+
     const bool is_16_bit = bitmap.header.bits_per_pixel == 16;
     const uint32_t to_bytes = is_16_bit ? 2 : 4;
     const uint32_t copied = bitmap.pixel_bytes < to_bytes ? bitmap.pixel_bytes : to_bytes;
-    for (uint32_t row = 0; row < bitmap.height; ++row) {
-        Row line = row_of(bitmap, area, surface, row);
-        size_t pixels = smaller(line.bytes / bitmap.pixel_bytes, surface.pitch / to_bytes);
+    if (surface->pitch == 0) surface->pitch = surface->width * to_bytes;
+
+    const Reading reading = read_rows(bitmap, *surface, [&](Row line) {
+        size_t pixels = smaller(line.bytes / bitmap.pixel_bytes, surface->pitch / to_bytes);
         for (; pixels > 0; --pixels, line.from += bitmap.pixel_bytes, line.to += to_bytes) {
             std::memcpy(line.to, line.from, copied);
             if (!is_16_bit) line.to[3] = kHalfTransparent;
         }
+    });
+    if (reading == Reading::kNoMemory) return refuse("not enough memory to malloc!");
+    if (reading == Reading::kShort) {
+        log_error(kBmpSource, "fread error!line:%d\n", __LINE__);
+        std::perror("fread:");
     }
+    return 0;
 }
 
 void convert_row_24(const Row &line, uint32_t pitch, uint32_t color_format)
@@ -153,56 +172,49 @@ void convert_row_24(const Row &line, uint32_t pitch, uint32_t color_format)
     }
 }
 
-void convert_rows(const Bitmap &bitmap, const PixelArea &area, const OsdSurface &surface,
-                  uint32_t color_format)
-{
-    for (uint32_t row = 0; row < bitmap.height; ++row) {
-        const Row line = row_of(bitmap, area, surface, row);
-        switch (bitmap.header.bits_per_pixel) {
-        case 16:
-        case 32:
-            if (line.bytes > 0) std::memcpy(line.to, line.from, smaller(line.bytes, surface.pitch));
-            break;
-        case 24: convert_row_24(line, surface.pitch, color_format); break;
-        default: break; // no other depth has a conversion: the surface stays as it is
-        }
-    }
-}
-
-int32_t load_plain(const Bitmap &bitmap, OsdSurface *surface)
-{
-    // Padded rows are not this loader's business: a row is followed by the next one at once.
-    const uint64_t stride = row_bytes(bitmap);
-    if (bitmap.header.width >= 1 && stride % 4 != 0) return refuse("bitmap format not supported!");
-
-    PixelArea area;
-    if (!allocate_area(bitmap, stride, &area)) return -1;
-    if (!read_area(bitmap, &area)) {
-        log_error(kBmpSource, "fread error!line:%d\n", __LINE__);
-        std::perror("fread:");
-    }
-    const uint32_t to_bytes = bitmap.header.bits_per_pixel == 16 ? 2 : 4;
-    if (surface->pitch == 0) surface->pitch = surface->width * to_bytes;
-    copy_rows(bitmap, area, *surface);
-    std::free(area.bytes);
-    return 0;
-}
-
-int32_t load_converted(const Bitmap &bitmap, OsdSurface *surface, uint32_t color_format)
+int32_t load_converted(Bitmap &bitmap, OsdSurface *surface, uint32_t color_format)
 {
     // Only 16 bits of the row length count, on purpose.
-    const uint64_t stride = ((row_bytes(bitmap) & 0xFFFFu) + 3) & ~uint64_t{3};
-    PixelArea area;
-    if (!allocate_area(bitmap, stride, &area)) return -1;
-    if (!read_area(bitmap, &area)) {
+    bitmap.stride_bytes = ((bitmap.row_bytes & 0xFFFFu) + 3) & ~uint64_t{3};
+    surface->pitch = surface->width * (color_format < kFirst32BitFormat ? 2 : 4);
+
+    const Reading reading = read_rows(bitmap, *surface, [&](const Row &line) {
+        switch (bitmap.header.bits_per_pixel) {
+        case 16:
+        case 32: std::memcpy(line.to, line.from, smaller(line.bytes, surface->pitch)); break;
+        case 24: convert_row_24(line, surface->pitch, color_format); break;
+        default: break; // no other depth has a conversion: the surface stays as it is
+        }
+    });
+    if (reading == Reading::kNoMemory) return refuse("not enough memory to malloc!");
+    if (reading == Reading::kShort) {
         log_error(kBmpSource, "fread (%d*%d)error!line:%d\n", static_cast<int>(bitmap.height),
-                  static_cast<int>(area.stride), __LINE__);
+                  static_cast<int>(bitmap.stride_bytes), __LINE__);
         std::perror("fread:");
     }
-    surface->pitch = surface->width * (color_format < kFirst32BitFormat ? 2 : 4);
-    convert_rows(bitmap, area, *surface, color_format);
-    std::free(area.bytes);
     return 0;
+}
+
+// What both loaders do around their own part: the checks, in this order, and the surface's size.
+template <typename Load> int32_t load_file(const char *path, OsdSurface *surface, Load load)
+{
+    if (!path) return refuse("OSD_LoadBMP: filename=NULL");
+    if (!surface || !surface->pixels) return -1;
+    Bitmap bitmap = {};
+    bitmap.file = open_bmp(path, &bitmap.header);
+    if (!bitmap.file) return -1;
+
+    int32_t result = check_header(bitmap.header);
+    if (result == 0) {
+        bitmap.pixel_bytes = bitmap.header.bits_per_pixel / 8;
+        bitmap.height = static_cast<uint32_t>(bitmap.header.height) & 0xFFFFu;
+        bitmap.row_bytes = static_cast<uint64_t>(bitmap.header.width) * bitmap.pixel_bytes;
+        surface->width = static_cast<uint32_t>(bitmap.header.width);
+        surface->height = bitmap.height;
+        result = load(bitmap);
+    }
+    std::fclose(bitmap.file);
+    return result;
 }
 
 bool has_bmp_extension(const char *path)
@@ -220,20 +232,13 @@ using namespace nvrhal;
 
 int32_t LoadBMP(const char *path, OsdSurface *surface)
 {
-    Bitmap bitmap;
-    if (open_bitmap(path, surface, &bitmap) != 0) return -1;
-    const int32_t result = load_plain(bitmap, surface);
-    std::fclose(bitmap.file);
-    return result;
+    return load_file(path, surface, [&](Bitmap &bitmap) { return load_plain(bitmap, surface); });
 }
 
 int32_t LoadBMPEx(const char *path, OsdSurface *surface, uint32_t color_format)
 {
-    Bitmap bitmap;
-    if (open_bitmap(path, surface, &bitmap) != 0) return -1;
-    const int32_t result = load_converted(bitmap, surface, color_format);
-    std::fclose(bitmap.file);
-    return result;
+    return load_file(path, surface,
+                     [&](Bitmap &bitmap) { return load_converted(bitmap, surface, color_format); });
 }
 
 int32_t LoadImage(const char *path, OsdSurface *surface)

@@ -1,5 +1,6 @@
 #include "gui/pixel_fill.h"
 
+#include <cstring>
 #include <cwchar>
 
 namespace nvrhal
@@ -7,26 +8,62 @@ namespace nvrhal
 namespace
 {
 
-// wmemset writes 32-bit patterns with the widest stores that the processor has, which a plain loop
-// over pixels does not get at the library's optimisation level.
+// Short runs are a few 16-byte stores. Long ones are written by wmemset: with the widest stores that
+// the processor has, which a loop does not get at the library's optimisation level, but fast only
+// from a cache line's boundary on.
+constexpr size_t kStore_bytes = 16;
+constexpr size_t kLine_bytes = 64;
+constexpr size_t kShortRun_bytes = 512;
+
 static_assert(sizeof(wchar_t) == sizeof(uint32_t));
 
-void fill_run(uint32_t *at, size_t count, uint32_t pixel)
+typedef uint32_t Pattern __attribute__((vector_size(kStore_bytes)));
+
+constexpr uint32_t repeated(uint32_t pixel)
 {
-    std::wmemset(reinterpret_cast<wchar_t *>(at), static_cast<wchar_t>(pixel), count);
+    return pixel;
 }
 
-// Two pixels a pattern, with a single one before the first 4-byte boundary and after the last.
-void fill_run(uint16_t *at, size_t count, uint16_t pixel)
+constexpr uint32_t repeated(uint16_t pixel)
 {
-    if (count == 0) return;
-    if (reinterpret_cast<uintptr_t>(at) % sizeof(uint32_t) != 0) {
-        *at++ = pixel;
-        --count;
+    return static_cast<uint32_t>(pixel) << 16 | pixel;
+}
+
+// An unaligned store, aligned ones, and one that reaches back over them: every place where a pixel
+// may begin fits the pattern.
+inline void fill_short(uint8_t *at, size_t bytes, Pattern pattern)
+{
+    uint8_t *const last = at + bytes - kStore_bytes;
+    std::memcpy(at, &pattern, kStore_bytes);
+    at += kStore_bytes - reinterpret_cast<uintptr_t>(at) % kStore_bytes;
+    for (; at + 2 * kStore_bytes <= last; at += 2 * kStore_bytes) {
+        std::memcpy(at, &pattern, kStore_bytes);
+        std::memcpy(at + kStore_bytes, &pattern, kStore_bytes);
     }
-    const uint32_t pair = static_cast<uint32_t>(pixel) << 16 | pixel;
-    std::wmemset(reinterpret_cast<wchar_t *>(at), static_cast<wchar_t>(pair), count / 2);
-    if (count % 2 != 0) at[count - 1] = pixel;
+    if (at < last) std::memcpy(at, &pattern, kStore_bytes);
+    if (at + kStore_bytes < last) std::memcpy(at + kStore_bytes, &pattern, kStore_bytes);
+    std::memcpy(last, &pattern, kStore_bytes);
+}
+
+template <typename Pixel> inline void fill_run(Pixel *from, size_t count, Pixel pixel)
+{
+    auto *at = reinterpret_cast<uint8_t *>(from);
+    size_t bytes = count * sizeof(Pixel);
+    if (bytes < kStore_bytes) {
+        for (; count > 0; --count)
+            *from++ = pixel;
+        return;
+    }
+    const uint32_t word = repeated(pixel);
+    const Pattern pattern = {word, word, word, word};
+    if (bytes <= kShortRun_bytes) return fill_short(at, bytes, pattern);
+
+    fill_short(at, kLine_bytes, pattern);
+    const size_t head = kLine_bytes - reinterpret_cast<uintptr_t>(at) % kLine_bytes;
+    at += head;
+    bytes -= head;
+    std::wmemset(reinterpret_cast<wchar_t *>(at), static_cast<wchar_t>(word), bytes / sizeof(word));
+    std::memcpy(at + bytes - sizeof(word), &word, sizeof(word)); // half a word may be left
 }
 
 // Pixels [begin, end) as far as they lie in the memory.
@@ -69,8 +106,13 @@ template <typename Pixel> void fill_pixels(const PixelMemory &memory, const Pixe
     // Rows without a gap between them are one run.
     if (rect.width >= stride)
         return fill_inside(memory, first + from * stride, first + (to - 1) * stride + rect.width, pixel);
-    for (int64_t row = from; row < to; ++row)
-        fill_inside(memory, first + row * stride, first + row * stride + rect.width, pixel);
+    // The first and the last row may be cut; those between them are whole.
+    fill_inside(memory, first + from * stride, first + from * stride + rect.width, pixel);
+    for (int64_t row = from + 1; row < to - 1; ++row)
+        fill_run(static_cast<Pixel *>(memory.start) + (first + row * stride), static_cast<size_t>(rect.width),
+                 pixel);
+    if (to - 1 > from)
+        fill_inside(memory, first + (to - 1) * stride, first + (to - 1) * stride + rect.width, pixel);
 }
 
 } // namespace
