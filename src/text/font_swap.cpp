@@ -27,14 +27,21 @@ namespace
 constexpr size_t kOwnTextBytes = 3;
 constexpr size_t kNotFound = kFontEntries;
 
-/** Whether `count` entries from `first` on still point to the library's own texts. */
-bool points_to_own(const char *const *entries, FontText *texts, size_t first, size_t count)
+inline uintptr_t differences(const char *const *entries, FontText *texts, size_t count)
 {
-    const auto own = reinterpret_cast<uintptr_t>(texts + first);
-    uintptr_t differences = 0;
+    const auto own = reinterpret_cast<uintptr_t>(texts);
+    uintptr_t found = 0;
     for (size_t i = 0; i < count; ++i)
-        differences |= reinterpret_cast<uintptr_t>(entries[first + i]) ^ (own + i * sizeof(FontText));
-    return differences == 0;
+        found |= reinterpret_cast<uintptr_t>(entries[i]) ^ (own + i * sizeof(FontText));
+    return found;
+}
+
+/** Whether `count` entries still point to the library's own texts. */
+bool points_to_own(const char *const *entries, FontText *texts, size_t count)
+{
+    // A whole block has a constant count, of which the compiler makes vectors.
+    if (count == kScanBlock) return differences(entries, texts, kScanBlock) == 0;
+    return differences(entries, texts, count) == 0;
 }
 
 /** One conversion's look at the table that is searched. */
@@ -70,7 +77,7 @@ private:
         const uint64_t bit = uint64_t{1} << first / kScanBlock;
         if ((looked_at_ & bit) == 0) {
             looked_at_ |= bit;
-            if (points_to_own(entries_, texts_, first, count)) own_ |= bit;
+            if (points_to_own(entries_ + first, texts_ + first, count)) own_ |= bit;
         }
         return (own_ & bit) != 0;
     }
@@ -103,7 +110,7 @@ private:
 /** Copies the character that `from` begins with. @return its bytes, none for an ASCII lead byte. */
 size_t copy_character(const char *from, char *to)
 {
-    const int announced = GetUtf8ByteNumber(static_cast<uint8_t>(*from), nullptr);
+    const int announced = leading_ones(static_cast<uint8_t>(*from));
     if (announced == 0) return 0;
     const auto bytes = static_cast<size_t>(utf8_character_bytes(from, announced));
     std::memmove(to, from, bytes);
@@ -118,7 +125,7 @@ int swap_characters(const char *in, char *out, FontScan searched, const char *co
             *out++ = *in++;
             continue;
         }
-        const int announced = GetUtf8ByteNumber(lead, nullptr);
+        const int announced = leading_ones(lead);
         const int present = utf8_character_bytes(in, announced);
         // What the end of the text cuts off is no character: copied as it is.
         const size_t index =

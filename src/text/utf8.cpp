@@ -15,19 +15,10 @@
 namespace nvrhal
 {
 
-int utf8_character_bytes(const char *character, int bytes)
-{
-    int found = 1;
-    while (found < bytes && character[found] != '\0')
-        ++found;
-    return found;
-}
-
 namespace
 {
 
 constexpr int kUnitBytes = 2;
-constexpr uint8_t kFirstNonAscii = 0x80;
 
 int no_room()
 {
@@ -50,9 +41,9 @@ void put_utf8(uint8_t *out, uint16_t unit, int bytes)
 }
 
 /** The value of a character of `bytes` bytes, of which `present` are there; the others count 0. */
-uint64_t utf8_value(const char *character, int bytes, int present, uint8_t payload_mask)
+uint64_t utf8_value(const char *character, int bytes, int present)
 {
-    uint64_t value = static_cast<uint8_t>(character[0]) & payload_mask;
+    uint64_t value = static_cast<uint8_t>(character[0]) & 0xFF >> bytes;
     for (int at = 1; at < bytes; ++at)
         value = value << 6 | (at < present ? static_cast<uint64_t>(character[at] & 0x3F) : 0);
     return value;
@@ -95,9 +86,7 @@ extern "C" int UnicodeToUTF8(const uint8_t *unicode, uint8_t *out, int out_size)
 
 extern "C" int GetUtf8ByteNumber(uint8_t lead, uint8_t *payload_mask)
 {
-    int ones = 0;
-    while (ones < 8 && (lead & 0x80 >> ones) != 0)
-        ++ones;
+    const int ones = leading_ones(lead);
     if (payload_mask) *payload_mask = static_cast<uint8_t>(0xFF >> ones);
     return ones;
 }
@@ -108,7 +97,7 @@ extern "C" int GetUTF8ToUnicodeLength(const char *utf8)
 
     int units = 0;
     for (; *utf8 != '\0'; ++units)
-        utf8 += utf8_character_bytes(utf8, GetUtf8ByteNumber(static_cast<uint8_t>(*utf8), nullptr));
+        utf8 += utf8_character_bytes(utf8, leading_ones(static_cast<uint8_t>(*utf8)));
     return kUnitBytes * units + 1;
 }
 
@@ -120,11 +109,9 @@ extern "C" int UTF8ToUnicode(const char *utf8, uint8_t *out, int out_size)
     while (*utf8 != '\0') {
         // Not "written + 2 > out_size", on purpose: one unit past the room is written first.
         if (written > out_size) return no_room();
-        uint8_t payload_mask;
-        const auto lead = static_cast<uint8_t>(*utf8);
-        const int bytes = GetUtf8ByteNumber(lead, &payload_mask);
+        const int bytes = leading_ones(static_cast<uint8_t>(*utf8));
         const int present = utf8_character_bytes(utf8, bytes);
-        const uint64_t value = utf8_value(utf8, bytes, present, payload_mask);
+        const uint64_t value = utf8_value(utf8, bytes, present);
         out[written] = static_cast<uint8_t>(value >> 8);
         out[written + 1] = static_cast<uint8_t>(value);
         written += kUnitBytes;
