@@ -40,6 +40,7 @@ typedef uint64_t nvrhal_u64 __attribute__((aligned(4)));
 struct MI_AO_PubAttr;
 struct MI_DISP_PubAttr;
 struct MI_VDEC_Stream;
+struct MI_VENC_Stream;
 
 /* ======================================================================================= */
 /* The start-up block                                                                       */
@@ -394,6 +395,157 @@ NVRHAL_API int32_t ext_change_display_slave(const DispAttrib *panes, int32_t cou
 
 /** Flush one decoder: destroy and create it with the same attributes, size and binding. @return 0 or the platform's code. */
 NVRHAL_API int32_t re_create_vdec(uint32_t channel);
+
+/* ======================================================================================= */
+/* Zoom and picture-in-picture                                                              */
+/* ======================================================================================= */
+
+/**
+ * Show a part of zoom_channel's picture enlarged to its whole pane, on device 0. The application
+ * first applies a single-pane layout and sets vo_for_ezoom.
+ * @param cropDivp   only printed
+ * @param x,y,w,h    the part, pixels of the decoded picture (of decoder channel 0's largest size);
+ *                   mapped to the port's source and rounded down to even. w or h of 0 = the whole.
+ * @return 0, or 1. A platform that refuses the window is asked once more and the result is 1
+ *         whatever it says then. Thread: UI thread.
+ */
+NVRHAL_API int32_t ext_vidoe_image_zoom(int32_t cropDivp, int32_t x, int32_t y, int32_t w, int32_t h);
+
+/**
+ * Place panes of the current device without touching decoders: all ports are hidden, then pane i
+ * places and shows port i, whatever its channel field says. Rectangles are not rounded.
+ * @param count  panes; below 1 hides everything
+ * @return 0 or -1. Nothing is undone after a failure. Thread: UI thread.
+ */
+NVRHAL_API int32_t ext_change_zoom_format(const DispAttrib *panes, int32_t count);
+
+/**
+ * The same for the secondary output, as it is: the panes are only stored, rounded to even, the last
+ * pane's port is hidden, and the port whose number is `count` is shown at the rectangle that an
+ * earlier layout left behind the last one stored.
+ * @param count  at most 31; below 1 stores nothing and uses channel and rectangle 0
+ * @return 0 or -1. Thread: UI thread.
+ */
+NVRHAL_API int32_t ext_change_zoom_slave(const DispAttrib *panes, int32_t count);
+
+/**
+ * Put video layer 1 over the main picture of device 0. @param dev  0 or 1
+ * @param x,y,w,h  output pixels. @return 0 or -1. Thread: UI thread.
+ */
+NVRHAL_API int32_t local_bind_pip(uint32_t dev, int32_t x, int32_t y, int32_t w, int32_t h);
+
+/** Take video layer 1 off device dev, 0 or 1. @return 0 or -1. Thread: UI thread. */
+NVRHAL_API int32_t local_unbind_pip(uint32_t dev);
+
+/* ======================================================================================= */
+/* Playback                                                                                 */
+/* ======================================================================================= */
+
+/**
+ * Hand the display over to playback: live frames are refused from now on, the ports are bound to
+ * the playback decoders and nothing of the live picture is left. Both arguments are only printed.
+ * @return 0; -1 when a port could not be bound: playback then owns the display all the same.
+ * Thread: the playback thread, as all calls of this section.
+ */
+NVRHAL_API int32_t ext_playback_start(uint32_t chnn_bits, int32_t signal_split_mode);
+
+/**
+ * Borrow the library's only playback buffer. @param rec  out: length = 655360, data = the buffer,
+ * which the application may fill until ext_playback_set_buf. @return 0, or -1 for null.
+ */
+NVRHAL_API int32_t ext_playback_get_buf(FrameInfo *rec);
+
+/**
+ * Deliver a filled buffer. Reads media, length, data, channel, display_rate and pts of *rec; data
+ * may be the application's own memory, too. On return data is null: the bytes are used.
+ *
+ *   length 0 or above 655360    flush: what port `channel` shows and holds is dropped
+ *   FRAME_MEDIA_VIDEO           one encoded frame for decoder channel 0 to 7; larger numbers are
+ *                               dropped. 8 bytes that begin 1, 1 flush the port instead.
+ *                               display_rate 2 doubles the display's frame rate; other values leave
+ *                               the display's rate as it is.
+ *   FRAME_MEDIA_AUDIO           4-byte header and length / 324 frames of 320 bytes of A-law; waits
+ *                               for room in the audio output
+ * @return 1 = flushed, 0 = consumed or dropped, -1 = failed, audio off, another kind, or null.
+ */
+NVRHAL_API int32_t ext_playback_set_buf(FrameInfo *rec);
+
+/** Does nothing: pausing is not delivering. Ignore the result. */
+NVRHAL_NOOP(ext_playback_set_pause_flag);
+
+/** Stop playback's audio; playback goes on. @return 0. */
+NVRHAL_API int32_t ext_playback_stop(void);
+
+/** Back to live view: every channel's frames are decoded again. Apply a layout next. @return 0. */
+NVRHAL_API int32_t ext_playback_exit(void);
+
+/** Switch display port `channel` of device 0 off. @return 0, or non-zero when it failed. */
+NVRHAL_API int32_t ext_playback_disable_channel(uint32_t channel);
+
+/**
+ * Enter or leave a single enlarged picture: wait up to about 100 ms until the channel's decoder has
+ * consumed what it was sent, then clear its port and flush it. Both do the same. @return 0.
+ */
+NVRHAL_API int32_t ext_signal_spilt_start(uint32_t channel);
+NVRHAL_API int32_t ext_signal_spilt_exit(uint32_t channel);
+
+/** Reset every camera channel's decoder. @return 0. */
+NVRHAL_API int32_t ext_resetplaychn(void);
+
+/** Stop every camera channel's decoder. @return 0. */
+NVRHAL_API int32_t ext_stopplaychn(void);
+
+/** The video standard code: 1 = 25 frames per second, any other value = 30. Thread: any. */
+NVRHAL_API int32_t local_get_videoformat(void);
+
+/* ======================================================================================= */
+/* Snapshots                                                                                */
+/* ======================================================================================= */
+
+/** Size of a snapshot, pixels. */
+typedef struct SnapSize {
+    uint32_t width, height;
+} SnapSize;
+
+/** Allow snapshots, for good. @return 0. Thread: any. */
+NVRHAL_API int32_t ext_set_snap_channel_enable(void);
+
+/**
+ * Take one 352 x 288 JPEG of a channel. Waits up to 2.5 s for a picture; the channel's frames must
+ * keep coming in through ext_send_stream meanwhile, also when it is not shown. During playback the
+ * picture is decoded from the next key frame on.
+ * @param frame  in: channel. Out: frame_type 1, media FRAME_MEDIA_JPEG, width, height, length, data,
+ *               local_time. data is the caller's until ext_release_jpeg_buf.
+ * @return 0 = taken, or snapshots are not enabled (nothing is filled); -1 or a platform code. After
+ *         a failure data is not to be released. During playback the result is that of stopping the
+ *         spare decoder: check that data has been filled.
+ * Thread: any, one snapshot at a time.
+ */
+NVRHAL_API int32_t ext_get_jpeg_stream(FrameInfo *frame);
+
+/** Free a snapshot's data and set it to null; null data is accepted. @return 0. Thread: any. */
+NVRHAL_API int32_t ext_release_jpeg_buf(FrameInfo *frame);
+
+/**
+ * The snapshot's steps, in the order ext_get_jpeg_stream takes them: build the pipeline from a
+ * decoder channel (@return 0, -1, or 31 for pictures smaller than the snapshot), fetch one picture
+ * (@return 0 or -1), take the pipeline down (@return 0).
+ */
+NVRHAL_API int32_t venc_snap_start(uint32_t decoder_channel, uint32_t encoder_channel, SnapSize *size);
+NVRHAL_API int32_t venc_snap_process(uint32_t encoder_channel, FrameInfo *frame);
+NVRHAL_API int32_t venc_snap_stop(uint32_t decoder_channel, uint32_t encoder_channel);
+
+/**
+ * Write an encoder stream to "./YEAR_MM_DD-hh_mm_ss.jpg" (local time, MM from 00) and print the head
+ * of each pack. @return 0.
+ */
+NVRHAL_API int32_t test_save_jpeg_to_file(const struct MI_VENC_Stream *stream);
+
+/**
+ * Start a real-time thread that does nothing, and wait 2 s. @return 0, or -1 when it could not be
+ * created, for want of the privilege for one.
+ */
+NVRHAL_API int32_t venc_start_getstream(uint32_t value);
 
 /* ======================================================================================= */
 /* Frame pools                                                                              */
