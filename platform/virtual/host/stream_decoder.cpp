@@ -1,0 +1,299 @@
+/* stream_decoder.cpp - libavcodec behind stream_decoder.h. */
+#include "host/stream_decoder.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+#include "host/av_handles.h"
+
+namespace vboard
+{
+namespace
+{
+
+// The largest picture the board decodes: 8192 x 4096 or any other shape of that area. A header that
+// claims more is damage, not a reason to ask the PC for gigabytes.
+constexpr int64_t kMaxPicturePixels = int64_t{8192} * 4096;
+
+// A byte stream that never completes a frame (another codec, noise) is thrown away beyond this.
+constexpr size_t kMaxOpenFrameBytes = size_t{8} << 20;
+
+AVCodecID codec_id(StreamCodec codec)
+{
+    switch (codec) {
+    case StreamCodec::h264: return AV_CODEC_ID_H264;
+    case StreamCodec::h265: return AV_CODEC_ID_HEVC;
+    case StreamCodec::jpeg: return AV_CODEC_ID_MJPEG;
+    }
+    return AV_CODEC_ID_NONE;
+}
+
+/* A picture that lives in the decoder's own frame: nothing is copied. */
+class FramePicture final : public Picture
+{
+public:
+    explicit FramePicture(FramePtr frame) : frame_(std::move(frame))
+    {
+        for (int plane = 0; plane < 3; ++plane) {
+            view.plane[plane] = frame_->data[plane];
+            view.stride[plane] = frame_->linesize[plane];
+        }
+        view.width = frame_->width;
+        view.height = frame_->height;
+        pts = static_cast<uint64_t>(frame_->pts);
+    }
+
+private:
+    FramePtr frame_;
+};
+
+// Does this piece of an H.264 or H.265 stream hold coded picture data, or nothing recognisable at
+// all? Parameter sets and messages sent on their own make the decoder complain without any damage.
+bool holds_only_side_data(StreamCodec codec, const uint8_t *bytes, size_t size)
+{
+    if (codec == StreamCodec::jpeg) return false;
+    unsigned units = 0;
+    for (size_t at = 0; at + 3 < size; ++at) {
+        if (bytes[at] != 0 || bytes[at + 1] != 0 || bytes[at + 2] != 1) continue;
+        const unsigned header = bytes[at + 3];
+        if (codec == StreamCodec::h264) {
+            const unsigned type = header & 0x1f; // 1-5 slices, 6 messages, 7-8 parameter sets, 9 delimiter
+            if (type < 6 || type > 12) return false;
+        } else {
+            const unsigned type = (header >> 1) & 0x3f; // 0-31 slices, 32-40 parameter sets, messages
+            if (type < 32 || type > 40) return false;
+        }
+        ++units;
+        at += 3;
+    }
+    return units > 0;
+}
+
+class AvStreamDecoder final : public StreamDecoder
+{
+public:
+    AvStreamDecoder(StreamCodec codec, ContextPtr context, ParserPtr parser)
+        : codec_(codec), context_(std::move(context)), parser_(std::move(parser)), packet_(av_packet_alloc()),
+          frame_(av_frame_alloc())
+    {
+        if (packet_ == nullptr || frame_ == nullptr) throw std::bad_alloc();
+    }
+
+    DecodeReport decode(const EncodedBytes &bytes, uint64_t pts, bool end_of_frame, bool end_of_stream,
+                        const Deliver &deliver) override
+    {
+        report_ = {};
+        deliver_ = &deliver;
+        stopped_ = false;
+        if (parser_ == nullptr)
+            decode_unit(bytes.buffer(), bytes.data(), bytes.size(), static_cast<int64_t>(pts));
+        else
+            parse(bytes, static_cast<int64_t>(pts), end_of_frame || end_of_stream);
+        if (end_of_stream && !stopped_) drain();
+        deliver_ = nullptr;
+        return report_;
+    }
+
+    void flush() override
+    {
+        avcodec_flush_buffers(context_.get());
+        wait_for_key_ = true;
+        open_bytes_ = 0;
+        if (parser_ != nullptr) parser_.reset(av_parser_init(codec_id(codec_)));
+    }
+
+private:
+    void parse(const EncodedBytes &bytes, int64_t pts, bool complete)
+    {
+        const uint8_t *data = bytes.data();
+        size_t left = bytes.size();
+        int64_t given_pts = pts; // goes to the first frame that begins in this send
+        while (left > 0 && !stopped_) {
+            const int used = parse_once(data, left, given_pts);
+            if (used < 0) return;
+            given_pts = AV_NOPTS_VALUE;
+            data += used;
+            left -= static_cast<size_t>(used);
+        }
+        if (complete && !stopped_) parse_once(nullptr, 0, AV_NOPTS_VALUE);
+    }
+
+    // One turn of the parser; the bytes it took, or -1 when it can take no more.
+    int parse_once(const uint8_t *data, size_t size, int64_t pts)
+    {
+        uint8_t *unit = nullptr;
+        int unit_size = 0;
+        const int used = av_parser_parse2(parser_.get(), context_.get(), &unit, &unit_size, data,
+                                          static_cast<int>(size), pts, AV_NOPTS_VALUE, 0);
+        if (used < 0) return -1;
+        open_bytes_ += static_cast<size_t>(used);
+        if (unit_size > 0) {
+            open_bytes_ -= std::min(open_bytes_, static_cast<size_t>(unit_size));
+            decode_unit(nullptr, unit, static_cast<size_t>(unit_size), parser_->pts);
+        } else if (used == 0 && size > 0) {
+            return -1;
+        }
+        if (open_bytes_ > kMaxOpenFrameBytes) {
+            ++report_.errors;
+            flush();
+            return -1;
+        }
+        return used;
+    }
+
+    // `buffer` keeps the bytes alive for the decoder; null = the decoder copies them.
+    void decode_unit(AVBufferRef *buffer, const uint8_t *bytes, size_t size, int64_t pts)
+    {
+        packet_->buf = buffer != nullptr ? av_buffer_ref(buffer) : nullptr;
+        packet_->data = const_cast<uint8_t *>(bytes); // the decoder only reads
+        packet_->size = static_cast<int>(size);
+        packet_->pts = pts;
+        const int sent = avcodec_send_packet(context_.get(), packet_.get());
+        av_packet_unref(packet_.get());
+        bool failed = sent < 0 && sent != AVERROR_EOF;
+        if (receive_all() < 0) failed = true;
+        if (failed && !holds_only_side_data(codec_, bytes, size)) {
+            ++report_.errors;
+            wait_for_key_ = true;
+        }
+    }
+
+    void drain()
+    {
+        avcodec_send_packet(context_.get(), nullptr);
+        receive_all();
+        avcodec_flush_buffers(context_.get());
+        wait_for_key_ = true;
+    }
+
+    // 0, or the decoder's error. Takes everything out, even when nobody wants more.
+    int receive_all()
+    {
+        for (;;) {
+            const int result = avcodec_receive_frame(context_.get(), frame_.get());
+            if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return 0;
+            if (result < 0) return result;
+            hand_on();
+            av_frame_unref(frame_.get());
+        }
+    }
+
+    void hand_on()
+    {
+        const bool damaged = frame_->decode_error_flags != 0 || (frame_->flags & AV_FRAME_FLAG_CORRUPT) != 0;
+        if (damaged)
+            wait_for_key_ = true;
+        else if (frame_->key_frame != 0)
+            wait_for_key_ = false;
+        if (wait_for_key_) {
+            ++report_.withheld;
+            return;
+        }
+        if (stopped_) return;
+        FramePtr frame = planar_frame();
+        if (frame == nullptr) {
+            ++report_.errors;
+            return;
+        }
+        stopped_ = !(*deliver_)(std::make_shared<FramePicture>(std::move(frame)));
+    }
+
+    // The received frame as 4:2:0, 8 bits, limited range: itself where it is that already.
+    FramePtr planar_frame()
+    {
+        FramePtr result(av_frame_alloc());
+        if (result == nullptr) return nullptr;
+        if (frame_->format == AV_PIX_FMT_YUV420P && frame_->color_range != AVCOL_RANGE_JPEG) {
+            av_frame_move_ref(result.get(), frame_.get());
+            return result;
+        }
+        result->format = AV_PIX_FMT_YUV420P;
+        result->width = frame_->width;
+        result->height = frame_->height;
+        result->pts = frame_->pts;
+        if (av_frame_get_buffer(result.get(), 0) < 0) return nullptr;
+        if (!convert(*frame_, *result)) return nullptr;
+        return result;
+    }
+
+    bool convert(const AVFrame &from, AVFrame &to)
+    {
+        const auto format = static_cast<AVPixelFormat>(from.format);
+        converter_.reset(sws_getCachedContext(converter_.release(), from.width, from.height, format, to.width,
+                                              to.height, AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr,
+                                              nullptr));
+        if (converter_ == nullptr) return false;
+        const int *table = sws_getCoefficients(SWS_CS_DEFAULT);
+        const int full_range = from.color_range == AVCOL_RANGE_JPEG ? 1 : 0;
+        sws_setColorspaceDetails(converter_.get(), table, full_range, table, 0, 0, 1 << 16, 1 << 16);
+        return sws_scale(converter_.get(), from.data, from.linesize, 0, from.height, to.data, to.linesize) ==
+               to.height;
+    }
+
+    StreamCodec codec_;
+    ContextPtr context_;
+    ParserPtr parser_; // null in frame mode
+    PacketPtr packet_;
+    FramePtr frame_;
+    SwsPtr converter_;
+    const Deliver *deliver_ = nullptr;
+    DecodeReport report_;
+    size_t open_bytes_ = 0; // taken by the parser, not yet given out
+    bool wait_for_key_ = true;
+    bool stopped_ = false; // nobody wants more of this send
+};
+
+} // namespace
+
+EncodedBytes::EncodedBytes(const uint8_t *bytes, size_t size)
+    : buffer_(av_buffer_alloc(size + AV_INPUT_BUFFER_PADDING_SIZE)), size_(size)
+{
+    if (buffer_ == nullptr) return;
+    memcpy(buffer_->data, bytes, size);
+    memset(buffer_->data + size, 0, AV_INPUT_BUFFER_PADDING_SIZE);
+}
+
+EncodedBytes::~EncodedBytes()
+{
+    av_buffer_unref(&buffer_);
+}
+
+EncodedBytes::EncodedBytes(EncodedBytes &&other) noexcept
+    : buffer_(std::exchange(other.buffer_, nullptr)), size_(std::exchange(other.size_, 0))
+{
+}
+
+EncodedBytes &EncodedBytes::operator=(EncodedBytes &&other) noexcept
+{
+    std::swap(buffer_, other.buffer_);
+    std::swap(size_, other.size_);
+    return *this;
+}
+
+const uint8_t *EncodedBytes::data() const
+{
+    return buffer_ != nullptr ? buffer_->data : nullptr;
+}
+
+std::unique_ptr<StreamDecoder> StreamDecoder::open(StreamCodec codec, bool whole_frames)
+{
+    const AVCodec *decoder = avcodec_find_decoder(codec_id(codec));
+    if (decoder == nullptr) return nullptr;
+    ContextPtr context(avcodec_alloc_context3(decoder));
+    if (context == nullptr) return nullptr;
+    context->thread_count = 1;
+    context->flags |= AV_CODEC_FLAG_LOW_DELAY;
+    context->err_recognition = AV_EF_EXPLODE | AV_EF_BITSTREAM | AV_EF_BUFFER;
+    context->max_pixels = kMaxPicturePixels;
+    context->log_level_offset = AV_LOG_TRACE; // damage is counted, not told on standard error
+    if (avcodec_open2(context.get(), decoder, nullptr) < 0) return nullptr;
+    ParserPtr parser;
+    if (!whole_frames) {
+        parser.reset(av_parser_init(codec_id(codec)));
+        if (parser == nullptr) return nullptr;
+    }
+    return std::make_unique<AvStreamDecoder>(codec, std::move(context), std::move(parser));
+}
+
+} // namespace vboard

@@ -1,0 +1,232 @@
+/*
+ * call.cpp - faults, the call trace and refusal lines. All state is behind one mutex; entry points
+ * only come here when a hook is on or a call is refused.
+ */
+#include "media/call.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <map>
+#include <memory>
+#include <mutex>
+
+#include "media/clock.h"
+
+namespace vboard
+{
+namespace
+{
+
+struct Fault {
+    uint32_t nth;   // first call that fails, from 1
+    uint32_t count; // how many; 0 = all that follow
+    int32_t code;
+    uint64_t seen = 0; // calls since the fault was set
+};
+
+struct CloseFile {
+    void operator()(FILE *file) const { fclose(file); }
+};
+
+struct CallState {
+    std::mutex mutex;
+    std::map<const CallSite *, Fault> faults;
+    std::unique_ptr<FILE, CloseFile> trace;
+    std::string last_refusal;
+    uint64_t refusals = 0;
+    bool loud = true;
+};
+
+// First of the list of all call sites; pushed to while the board is loaded, constant afterwards.
+const CallSite *first_site = nullptr;
+
+CallState &state()
+{
+    static CallState *calls = new CallState;
+    return *calls;
+}
+
+const CallSite *find_site(const char *name)
+{
+    for (const CallSite *site = first_site; site != nullptr; site = site->next)
+        if (strcmp(site->name, name) == 0) return site;
+    return nullptr;
+}
+
+std::string format_text(const char *format, va_list arguments)
+{
+    char text[512];
+    vsnprintf(text, sizeof text, format, arguments);
+    return text;
+}
+
+const char *current_name()
+{
+    return call_detail::current_call != nullptr ? call_detail::current_call->name : "board";
+}
+
+void print_line(const std::string &line)
+{
+    fprintf(stderr, "vboard: %s\n", line.c_str());
+}
+
+void note_refusal(const std::string &text)
+{
+    const std::string line = std::string(current_name()) + ": " + text;
+    CallState &calls = state();
+    const std::lock_guard guard(calls.mutex);
+    ++calls.refusals;
+    calls.last_refusal = line;
+    if (calls.loud) print_line(line);
+}
+
+void set_hook(unsigned hook, bool on)
+{
+    if (on)
+        call_detail::hooks.fetch_or(hook, std::memory_order_relaxed);
+    else
+        call_detail::hooks.fetch_and(~hook, std::memory_order_relaxed);
+}
+
+} // namespace
+
+CallSite::CallSite(const char *call_name) : name(call_name), next(first_site)
+{
+    first_site = this;
+}
+
+namespace call_detail
+{
+
+std::atomic<unsigned> hooks{0};
+thread_local const CallSite *current_call = nullptr;
+
+bool take_fault(const CallSite &site, int32_t &code)
+{
+    CallState &calls = state();
+    const std::lock_guard guard(calls.mutex);
+    const auto found = calls.faults.find(&site);
+    if (found == calls.faults.end()) return false;
+    Fault &fault = found->second;
+    ++fault.seen;
+    if (fault.seen < fault.nth) return false;
+    if (fault.count != 0 && fault.seen >= uint64_t{fault.nth} + fault.count) return false;
+    code = fault.code;
+    return true;
+}
+
+void trace_line(const CallSite &site, const std::string &arguments, const std::string &result)
+{
+    CallState &calls = state();
+    const int64_t now_us = clock_now_us();
+    const std::lock_guard guard(calls.mutex);
+    if (calls.trace == nullptr) return;
+    fprintf(calls.trace.get(), "%lld %s%s = %s\n", static_cast<long long>(now_us), site.name,
+            arguments.c_str(), result.c_str());
+}
+
+int32_t out_of_memory(const CallSite &)
+{
+    note_refusal("out of memory");
+    return MI_ERROR(MI_MODULE_SYS, MI_REASON_NO_MEMORY);
+}
+
+} // namespace call_detail
+
+int32_t refuse(MI_ModuleId module, MI_Reason reason, const char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const std::string text = format_text(format, arguments);
+    va_end(arguments);
+    note_refusal(text + " (" + reason_text(reason) + ")");
+    return MI_ERROR(module, reason);
+}
+
+int refuse_plainly(const char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    note_refusal(format_text(format, arguments));
+    va_end(arguments);
+    return -1;
+}
+
+void warn(const char *format, ...)
+{
+    va_list arguments;
+    va_start(arguments, format);
+    const std::string text = format_text(format, arguments);
+    va_end(arguments);
+    CallState &calls = state();
+    const std::lock_guard guard(calls.mutex);
+    if (calls.loud) print_line(std::string(current_name()) + ": " + text);
+}
+
+int fault_set(const char *call, uint32_t nth, uint32_t count, int32_t code)
+{
+    if (call == nullptr || nth == 0) return refuse_plainly("a fault needs a call name and a count from 1");
+    const CallSite *site = find_site(call);
+    if (site == nullptr) return refuse_plainly("no platform call is named \"%s\"", call);
+    CallState &calls = state();
+    const std::lock_guard guard(calls.mutex);
+    calls.faults.insert_or_assign(site, Fault{nth, count, code});
+    set_hook(call_detail::kFault, true);
+    return 0;
+}
+
+void fault_clear(const char *call)
+{
+    CallState &calls = state();
+    const std::lock_guard guard(calls.mutex);
+    if (call == nullptr)
+        calls.faults.clear();
+    else
+        calls.faults.erase(find_site(call));
+    set_hook(call_detail::kFault, !calls.faults.empty());
+}
+
+int trace_start(const char *path)
+{
+    if (path == nullptr) return refuse_plainly("a trace needs a file name");
+    std::unique_ptr<FILE, CloseFile> file(fopen(path, "w"));
+    if (file == nullptr) return refuse_plainly("cannot write the trace to \"%s\"", path);
+    CallState &calls = state();
+    const std::lock_guard guard(calls.mutex);
+    calls.trace = std::move(file);
+    set_hook(call_detail::kTrace, true);
+    return 0;
+}
+
+void trace_stop()
+{
+    CallState &calls = state();
+    const std::lock_guard guard(calls.mutex);
+    set_hook(call_detail::kTrace, false);
+    calls.trace.reset();
+}
+
+uint64_t refusal_count()
+{
+    CallState &calls = state();
+    const std::lock_guard guard(calls.mutex);
+    return calls.refusals;
+}
+
+size_t last_refusal(char *text, size_t size)
+{
+    CallState &calls = state();
+    const std::lock_guard guard(calls.mutex);
+    if (text != nullptr && size > 0) snprintf(text, size, "%s", calls.last_refusal.c_str());
+    return calls.last_refusal.size();
+}
+
+void set_loud(bool loud)
+{
+    CallState &calls = state();
+    const std::lock_guard guard(calls.mutex);
+    calls.loud = loud;
+}
+
+} // namespace vboard

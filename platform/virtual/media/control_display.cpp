@@ -1,0 +1,281 @@
+/* control_display.cpp - the control face's looks at the output: captures, loans, followers, the window. */
+#include <array>
+#include <condition_variable>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include "host/png_file.h"
+#include "host/scaler.h"
+#include "host/window.h"
+#include "media/call.h"
+#include "media/canvas.h"
+#include "media/display.h"
+#include "media/follow.h"
+#include "media/modules.h"
+#include "vboard.h"
+
+namespace vboard
+{
+namespace
+{
+
+PlanarView view_of(const vboard_picture &picture)
+{
+    PlanarView view;
+    for (int plane = 0; plane < 3; ++plane) {
+        view.plane[plane] = picture.plane[plane];
+        view.stride[plane] = static_cast<int>(picture.stride[plane]);
+    }
+    view.width = static_cast<int>(picture.width);
+    view.height = static_cast<int>(picture.height);
+    return view;
+}
+
+MutablePlanarView packed_view(uint8_t *bytes, int width, int height)
+{
+    MutablePlanarView view;
+    const size_t luma = static_cast<size_t>(width) * static_cast<size_t>(height);
+    view.plane[0] = bytes;
+    view.plane[1] = bytes + luma;
+    view.plane[2] = bytes + luma + luma / 4;
+    view.stride[0] = width;
+    view.stride[1] = view.stride[2] = width / 2;
+    view.width = width;
+    view.height = height;
+    return view;
+}
+
+// Room for an image of that format; -1 when there is none.
+int allocate(vboard_image &image, uint32_t format, uint32_t width, uint32_t height)
+{
+    const size_t pixels = size_t{width} * height;
+    image = {};
+    image.width = width;
+    image.height = height;
+    image.format = format;
+    image.size = format == VBOARD_FORMAT_RGB24 ? pixels * 3 : pixels * 3 / 2;
+    image.bytes = static_cast<uint8_t *>(malloc(image.size));
+    return image.bytes != nullptr ? 0 : refuse_plainly("no memory for a picture of %u x %u", width, height);
+}
+
+void make_black(const vboard_image &image)
+{
+    if (image.format == VBOARD_FORMAT_RGB24)
+        memset(image.bytes, 0, image.size);
+    else
+        fill_picture(packed_view(image.bytes, static_cast<int>(image.width), static_cast<int>(image.height)),
+                     16, 128, 128);
+}
+
+// Check, look, copy. `signal`: whether the picture arrives where it is captured.
+int capture(int32_t device, uint32_t format, vboard_image *image, bool signal)
+{
+    if (image == nullptr) return refuse_plainly("no image to fill");
+    *image = {};
+    if (device_index(device) < 0) return refuse_plainly("display device %d", device);
+    if (format > VBOARD_FORMAT_RGB24) return refuse_plainly("image format %u", format);
+    const CanvasLook look(device);
+    const vboard_picture &picture = look.picture();
+    if (allocate(*image, format, picture.width, picture.height) != 0) return -1;
+    if (!signal) {
+        image->blank = 1;
+        make_black(*image);
+    } else if (format == VBOARD_FORMAT_RGB24) {
+        convert_to_rgb24(view_of(picture), image->bytes, static_cast<int>(picture.width) * 3);
+    } else {
+        copy_picture(view_of(picture), packed_view(image->bytes, static_cast<int>(picture.width),
+                                                   static_cast<int>(picture.height)));
+    }
+    return 0;
+}
+
+int save(vboard_image &image, const char *path)
+{
+    const int result = vboard_image_save_png(&image, path);
+    vboard_image_free(&image);
+    return result;
+}
+
+/* Who has borrowed a device's picture. */
+struct Loan {
+    std::mutex mutex;
+    std::condition_variable returned;
+    std::optional<CanvasLook> look;
+    std::thread::id borrower;
+};
+
+Loan &loan_of(int32_t device)
+{
+    static auto *all = new std::array<Loan, kDevices>;
+    return (*all)[static_cast<size_t>(device_index(device))];
+}
+
+// The window belongs to the one thread that opened it.
+std::unique_ptr<DeskWindow> &desk_window()
+{
+    static auto *window = new std::unique_ptr<DeskWindow>;
+    return *window;
+}
+uint64_t window_sequence = 0;
+
+} // namespace
+} // namespace vboard
+
+using namespace vboard;
+
+extern "C" {
+
+int vboard_display_capture(int32_t device, uint32_t format, vboard_image *image)
+{
+    return capture(device, format, image, true);
+}
+
+int vboard_display_save_png(int32_t device, const char *path)
+{
+    vboard_image image;
+    if (vboard_display_capture(device, VBOARD_FORMAT_RGB24, &image) != 0) return -1;
+    return save(image, path);
+}
+
+int vboard_monitor_has_signal(void)
+{
+    return hdmi_is_live() && display_is_enabled(0) ? 1 : 0;
+}
+
+int vboard_monitor_capture(uint32_t format, vboard_image *image)
+{
+    return capture(0, format, image, vboard_monitor_has_signal() != 0);
+}
+
+int vboard_monitor_save_png(const char *path)
+{
+    vboard_image image;
+    if (vboard_monitor_capture(VBOARD_FORMAT_RGB24, &image) != 0) return -1;
+    return save(image, path);
+}
+
+void vboard_image_free(vboard_image *image)
+{
+    if (image == nullptr) return;
+    free(image->bytes);
+    *image = {};
+}
+
+int vboard_image_save_png(const vboard_image *image, const char *path)
+{
+    if (image == nullptr || image->bytes == nullptr || path == nullptr)
+        return refuse_plainly("no image, or no file name");
+    const int width = static_cast<int>(image->width);
+    const int height = static_cast<int>(image->height);
+    const uint8_t *rgb = image->bytes;
+    std::unique_ptr<uint8_t[]> converted;
+    if (image->format == VBOARD_FORMAT_I420) {
+        converted = std::make_unique<uint8_t[]>(size_t{image->width} * image->height * 3);
+        convert_to_rgb24(read_only(packed_view(image->bytes, width, height)), converted.get(), width * 3);
+        rgb = converted.get();
+    }
+    if (!write_png(path, rgb, width, height, width * 3)) return refuse_plainly("cannot write \"%s\"", path);
+    return 0;
+}
+
+int vboard_display_borrow(int32_t device, vboard_picture *picture)
+{
+    if (device_index(device) < 0 || picture == nullptr) return refuse_plainly("display device %d", device);
+    Loan &loan = loan_of(device);
+    std::unique_lock lock(loan.mutex);
+    loan.returned.wait(lock, [&] { return loan.borrower == std::thread::id(); });
+    loan.borrower = std::this_thread::get_id();
+    lock.unlock();
+    loan.look.emplace(device);
+    *picture = loan.look->picture();
+    return 0;
+}
+
+int vboard_display_give_back(int32_t device)
+{
+    if (device_index(device) < 0) return refuse_plainly("display device %d", device);
+    Loan &loan = loan_of(device);
+    const std::lock_guard guard(loan.mutex);
+    if (loan.borrower != std::this_thread::get_id())
+        return refuse_plainly("display device %d is not lent to this thread", device);
+    loan.look.reset();
+    loan.borrower = {};
+    loan.returned.notify_one();
+    return 0;
+}
+
+int vboard_display_follow(int32_t device, vboard_follower follower, void *user)
+{
+    return follow_set(device, follower, user);
+}
+
+int vboard_display_set_pacing(int32_t device, uint32_t pacing)
+{
+    if (display_set_pacing(device, pacing) != 0) return -1;
+    follow_set_pacing(device, pacing);
+    return 0;
+}
+
+int vboard_display_step(int32_t device)
+{
+    const int advanced = display_advance(device);
+    if (advanced >= 0) follow_step(device);
+    return advanced;
+}
+
+int vboard_display_wait_queued(int32_t device, uint32_t port_mask, uint32_t pictures, int32_t timeout_ms)
+{
+    return display_wait_queued(device, port_mask, pictures, timeout_ms);
+}
+
+int vboard_display_wait_taken(int32_t device, uint32_t port_mask, uint64_t pictures, int32_t timeout_ms)
+{
+    return display_wait_taken(device, port_mask, pictures, timeout_ms);
+}
+
+int vboard_display_mark(int32_t device)
+{
+    return display_mark(device);
+}
+
+int vboard_port_get_stat(int32_t device, uint32_t port, vboard_port_stat *stat)
+{
+    return port_read_stat(device, port, stat);
+}
+
+int vboard_window_open(const char *title)
+{
+    if (desk_window() != nullptr) return refuse_plainly("the window is open already");
+    const Scene scene = display_scene(0);
+    desk_window() = DeskWindow::open(title != nullptr ? title : "vboard", scene.width, scene.height);
+    window_sequence = 0;
+    return desk_window() != nullptr ? 0 : refuse_plainly("this PC has no screen to open a window on");
+}
+
+int vboard_window_poll(void)
+{
+    if (desk_window() == nullptr) return refuse_plainly("no window is open");
+    if (!desk_window()->handle_events()) return VBOARD_WINDOW_CLOSED;
+    if (vboard_monitor_has_signal() != 0) {
+        const CanvasLook look(0);
+        desk_window()->show(view_of(look.picture()));
+        return VBOARD_WINDOW_OPEN;
+    }
+    vboard_image image;
+    if (vboard_monitor_capture(VBOARD_FORMAT_I420, &image) != 0) return -1;
+    desk_window()->show(
+        read_only(packed_view(image.bytes, static_cast<int>(image.width), static_cast<int>(image.height))));
+    vboard_image_free(&image);
+    return VBOARD_WINDOW_OPEN;
+}
+
+void vboard_window_close(void)
+{
+    desk_window().reset();
+}
+
+} // extern "C"

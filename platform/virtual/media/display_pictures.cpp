@@ -1,0 +1,334 @@
+/*
+ * display_pictures.cpp - the pictures that input ports hold: taking them, stepping, what became of
+ * them, and what of them is visible.
+ *
+ * A picture counts as shown when a refresh falls into its time on screen. Nothing runs at the
+ * refresh rate for that: it is worked out when the picture goes, from the board clock.
+ */
+#include <algorithm>
+
+#include "media/call.h"
+#include "media/clock.h"
+#include "media/display_state.h"
+#include "media/modules.h"
+#include "media/output_timing.h"
+
+namespace vboard
+{
+namespace
+{
+
+constexpr size_t kStepQueue = 2; // pictures a port queues under step pacing
+
+Device *find_device(DisplayState &display, int32_t number)
+{
+    const int index = device_index(number);
+    return index < 0 ? nullptr : &display.devices[static_cast<size_t>(index)];
+}
+
+uint32_t refresh_hz(const Device &device)
+{
+    if (device.attr.frame_rate != 0) return device.attr.frame_rate;
+    const OutputTiming *timing = device.has_attr ? find_output_timing(device.attr.timing) : nullptr;
+    return timing != nullptr ? timing->rate_hz : 60;
+}
+
+bool is_visible(const DisplayState &display, const Device &device, const InputPort &port)
+{
+    if (!device.enabled || !port.enabled || port.hidden) return false;
+    const Layer *layer = main_layer(display, device);
+    return layer != nullptr && layer->enabled && port.attr.window.width > 0 && port.attr.window.height > 0;
+}
+
+void mark_seen(InputPort &port)
+{
+    if (port.current == nullptr || port.current_seen) return;
+    port.current_seen = true;
+    ++port.shown;
+    port.current->mark_seen();
+}
+
+void put_on_screen(const DisplayState &display, const Device &device, InputPort &port, TicketPtr ticket)
+{
+    settle(display, device, port);
+    if (port.current != nullptr && !port.current_seen) ++port.dropped;
+    port.current = std::move(ticket);
+    port.current_seen = false;
+    port.current_since_us = clock_now_us();
+}
+
+void drop_queue(InputPort &port)
+{
+    port.dropped += port.queue.size();
+    port.queue.clear();
+    port.room.notify_all();
+}
+
+void tell_waiters(DisplayState &display)
+{
+    const bool any_met = std::any_of(display.waits.begin(), display.waits.end(),
+                                     [](const PictureWait *wait) { return wait->is_met(); });
+    if (any_met) display.arrived.notify_all();
+}
+
+// A window on its layer, in output pixels: whole chroma samples, inside the output.
+Rect output_window(const MI_Rect &window, const MI_DISP_VideoLayerAttr &layer, int width, int height)
+{
+    const auto across = [&](int x) { return x * int{layer.window.width} / static_cast<int>(layer.width); };
+    const auto down = [&](int y) { return y * int{layer.window.height} / static_cast<int>(layer.height); };
+    const int left = std::min(width, layer.window.x + across(window.x)) & ~1;
+    const int top = std::min(height, layer.window.y + down(window.y)) & ~1;
+    const int right = std::min(width, layer.window.x + across(window.x + window.width)) & ~1;
+    const int bottom = std::min(height, layer.window.y + down(window.y + window.height)) & ~1;
+    return {left, top, right - left, bottom - top};
+}
+
+// The zoom window in the delivered picture: begins on a chroma sample, holds at least one.
+Rect picture_crop(const InputPort &port, int width, int height)
+{
+    const MI_Rect &zoom = port.zoom;
+    if (zoom.width == 0 || zoom.height == 0) return {0, 0, width, height};
+    const int source_width = port.attr.source_width != 0 ? port.attr.source_width : width;
+    const int source_height = port.attr.source_height != 0 ? port.attr.source_height : height;
+    const auto part = [](int start, int length, int source, int delivered) {
+        const int64_t from = int64_t{start} * delivered / source & ~int64_t{1};
+        const int first = static_cast<int>(std::clamp<int64_t>(from, 0, std::max(0, (delivered - 2) & ~1)));
+        const int64_t size = int64_t{length} * delivered / source & ~int64_t{1};
+        return std::pair(first, static_cast<int>(std::clamp<int64_t>(size, 2, delivered - first)));
+    };
+    if (width < 2 || height < 2) return {0, 0, width, height};
+    const auto [x, crop_width] = part(zoom.x, zoom.width, source_width, width);
+    const auto [y, crop_height] = part(zoom.y, zoom.height, source_height, height);
+    return {x, y, crop_width, crop_height};
+}
+
+} // namespace
+
+void settle(const DisplayState &display, const Device &device, InputPort &port)
+{
+    if (port.current == nullptr || port.current_seen || device.pacing == VBOARD_PACING_STEP) return;
+    if (!is_visible(display, device, port)) return;
+    const int64_t rate = refresh_hz(device);
+    const int64_t refresh_then = port.current_since_us * rate / 1000000;
+    const int64_t refresh_now = clock_now_us() * rate / 1000000;
+    if (refresh_now > refresh_then) mark_seen(port);
+}
+
+void drop_pictures(DisplayState &display, Device &device, InputPort &port, bool screen)
+{
+    drop_queue(port);
+    if (screen) put_on_screen(display, device, port, nullptr);
+}
+
+bool display_port_exists(int32_t device, uint32_t port)
+{
+    return device_index(device) >= 0 && port < MI_DISP_INPUT_PORTS;
+}
+
+void display_port_bind(int32_t device, uint32_t port, PictureSource source)
+{
+    DisplayState &display = display_state();
+    const std::lock_guard guard(display.mutex);
+    find_device(display, device)->ports[port].source = source;
+}
+
+void display_port_unbind(int32_t device, uint32_t port)
+{
+    DisplayState &display = display_state();
+    const std::lock_guard guard(display.mutex);
+    InputPort &input = find_device(display, device)->ports[port];
+    input.source.reset();
+    // What is on screen stays there; what was still to come from the old source does not.
+    drop_queue(input);
+}
+
+void display_take(int32_t device, uint32_t port, PictureSource source, const TicketPtr &ticket,
+                  const std::atomic<bool> &abandoned)
+{
+    DisplayState &display = display_state();
+    std::unique_lock lock(display.mutex);
+    Device &unit = *find_device(display, device);
+    InputPort &input = unit.ports[port];
+    const auto wanted = [&] {
+        return input.enabled && input.source == source && !abandoned.load(std::memory_order_acquire);
+    };
+    const auto full = [&] { return unit.pacing == VBOARD_PACING_STEP && input.queue.size() >= kStepQueue; };
+    input.room.wait(lock, [&] { return !wanted() || !full(); });
+    if (!wanted()) return;
+    ++input.taken;
+    if (unit.pacing == VBOARD_PACING_STEP)
+        input.queue.push_back(ticket);
+    else
+        put_on_screen(display, unit, input, ticket);
+    tell_waiters(display);
+}
+
+void display_wake_sources()
+{
+    DisplayState &display = display_state();
+    const std::lock_guard guard(display.mutex);
+    for (Device &device : display.devices)
+        for (InputPort &port : device.ports)
+            port.room.notify_all();
+}
+
+Scene display_scene(int32_t device)
+{
+    DisplayState &display = display_state();
+    const std::lock_guard guard(display.mutex);
+    Device &unit = *find_device(display, device);
+    const OutputTiming *timing = unit.has_attr ? find_output_timing(unit.attr.timing) : nullptr;
+    Scene scene;
+    scene.width = timing != nullptr ? timing->width : 1920;
+    scene.height = timing != nullptr ? timing->height : 1080;
+    const uint32_t colour = unit.enabled && unit.attr.background != 0 ? unit.attr.background : 0x800080;
+    scene.background[0] = static_cast<uint8_t>(std::clamp<uint32_t>(colour >> 8 & 0xff, 16, 235));
+    scene.background[1] = static_cast<uint8_t>(colour & 0xff);
+    scene.background[2] = static_cast<uint8_t>(colour >> 16 & 0xff);
+    if (!unit.enabled) return scene;
+    for (uint32_t port = 0; port < MI_DISP_INPUT_PORTS; ++port) {
+        InputPort &input = unit.ports[port];
+        if (input.current == nullptr || !is_visible(display, unit, input)) continue;
+        const Rect window =
+            output_window(input.attr.window, main_layer(display, unit)->attr, scene.width, scene.height);
+        if (window.width < 2 || window.height < 2) continue;
+        const Rect crop = picture_crop(input, input.current->width(), input.current->height());
+        scene.panes.push_back({port, window, crop, input.current});
+        mark_seen(input);
+    }
+    return scene;
+}
+
+uint32_t display_refresh_hz(int32_t device)
+{
+    DisplayState &display = display_state();
+    const std::lock_guard guard(display.mutex);
+    return refresh_hz(*find_device(display, device));
+}
+
+int display_set_pacing(int32_t device, uint32_t pacing)
+{
+    if (device_index(device) < 0 || pacing > VBOARD_PACING_STEP)
+        return refuse_plainly("pacing %u for display device %d", pacing, device);
+    DisplayState &display = display_state();
+    const std::lock_guard guard(display.mutex);
+    Device &unit = *find_device(display, device);
+    unit.pacing = pacing;
+    for (InputPort &port : unit.ports)
+        drop_queue(port);
+    return 0;
+}
+
+int display_advance(int32_t device)
+{
+    DisplayState &display = display_state();
+    const std::lock_guard guard(display.mutex);
+    Device *unit = find_device(display, device);
+    if (unit == nullptr || unit->pacing != VBOARD_PACING_STEP)
+        return refuse_plainly("display device %d is not in step pacing", device);
+    int advanced = 0;
+    for (InputPort &port : unit->ports) {
+        if (port.queue.empty()) continue;
+        put_on_screen(display, *unit, port, std::move(port.queue.front()));
+        port.queue.pop_front();
+        if (is_visible(display, *unit, port)) mark_seen(port);
+        port.room.notify_all();
+        ++advanced;
+    }
+    return advanced;
+}
+
+static int wait_for_pictures(int32_t device, PictureWait wait, int32_t timeout_ms)
+{
+    DisplayState &display = display_state();
+    std::unique_lock lock(display.mutex);
+    const Device *unit = find_device(display, device);
+    if (unit == nullptr || (wait.queued && unit->pacing != VBOARD_PACING_STEP))
+        return refuse_plainly("display device %d is not in step pacing", device);
+    wait.device = unit;
+    display.waits.push_back(&wait);
+    const bool met = wait_real(display.arrived, lock, timeout_ms, [&] { return wait.is_met(); });
+    std::erase(display.waits, &wait);
+    return met ? 0 : -1;
+}
+
+int display_wait_queued(int32_t device, uint32_t mask, uint32_t pictures, int32_t timeout_ms)
+{
+    if (pictures > kStepQueue) return refuse_plainly("a port never queues %u pictures", pictures);
+    return wait_for_pictures(device, {nullptr, mask, true, pictures}, timeout_ms);
+}
+
+int display_wait_taken(int32_t device, uint32_t mask, uint64_t pictures, int32_t timeout_ms)
+{
+    return wait_for_pictures(device, {nullptr, mask, false, pictures}, timeout_ms);
+}
+
+int display_mark(int32_t device)
+{
+    DisplayState &display = display_state();
+    const std::lock_guard guard(display.mutex);
+    Device *unit = find_device(display, device);
+    if (unit == nullptr) return refuse_plainly("display device %d", device);
+    for (InputPort &port : unit->ports)
+        port.marked_taken = port.taken;
+    return 0;
+}
+
+int port_read_stat(int32_t device, uint32_t port, vboard_port_stat *stat)
+{
+    if (!display_port_exists(device, port) || stat == nullptr)
+        return refuse_plainly("no state of port %u of display device %d", port, device);
+    DisplayState &display = display_state();
+    const std::lock_guard guard(display.mutex);
+    Device &unit = *find_device(display, device);
+    InputPort &input = unit.ports[port];
+    settle(display, unit, input);
+    *stat = {};
+    stat->enabled = input.enabled ? 1 : 0;
+    stat->hidden = input.hidden ? 1 : 0;
+    stat->bound = input.source ? 1 : 0;
+    if (input.source) stat->source_channel = input.source->channel;
+    stat->queued = static_cast<uint32_t>(input.queue.size());
+    stat->taken = input.taken;
+    stat->shown = input.shown;
+    stat->dropped = input.dropped;
+    if (input.current == nullptr) return 0;
+    stat->has_picture = 1;
+    stat->picture_width = static_cast<uint32_t>(input.current->width());
+    stat->picture_height = static_cast<uint32_t>(input.current->height());
+    stat->picture_pts = input.current->picture().pts;
+    return 0;
+}
+
+void display_settle_fates()
+{
+    DisplayState &display = display_state();
+    const std::lock_guard guard(display.mutex);
+    for (Device &device : display.devices)
+        for (InputPort &port : device.ports)
+            settle(display, device, port);
+}
+
+void display_reset()
+{
+    DisplayState &display = display_state();
+    const std::lock_guard guard(display.mutex);
+    for (Device &device : display.devices) {
+        device.has_attr = false;
+        device.enabled = false;
+        device.attr = {};
+        device.pacing = VBOARD_PACING_REALTIME;
+        for (InputPort &port : device.ports) {
+            drop_queue(port);
+            port.current.reset();
+            port.source.reset();
+            port.attr = {};
+            port.zoom = {};
+            port.enabled = port.hidden = port.current_seen = false;
+            port.taken = port.shown = port.dropped = port.marked_taken = 0;
+        }
+    }
+    display.layers = {};
+}
+
+} // namespace vboard

@@ -1,0 +1,24 @@
+/* output_timing.h - the output timings that the board's display devices can make. */
+#ifndef VBOARD_OUTPUT_TIMING_H
+#define VBOARD_OUTPUT_TIMING_H
+
+#include <cstdint>
+
+namespace vboard
+{
+
+struct OutputTiming {
+    uint32_t value; // MI_DISP_PubAttr.timing
+    uint16_t width, height;
+    uint16_t rate_hz;
+};
+
+/* Null: no such timing. */
+const OutputTiming *find_output_timing(uint32_t value);
+
+/* Does the HDMI transmitter know this timing value? */
+bool hdmi_timing_is_known(uint32_t value);
+
+} // namespace vboard
+
+#endif
