@@ -4,6 +4,8 @@
 #include <vector>
 
 #include "devices/device_node.h"
+#include "devices/framebuffer.h"
+#include "devices/peripheral_nodes.h"
 #include "media/modules.h"
 
 namespace vboard
@@ -14,7 +16,9 @@ namespace
 // One entry a node: the function that gives it.
 const std::vector<DeviceNode *> &node_table()
 {
-    static const auto *table = new std::vector<DeviceNode *>{};
+    static const auto *table = new std::vector<DeviceNode *>{
+        framebuffer_node(), watchdog_node(),    clock_node(),       gpio_node(),
+        front_panel_node(), ir_receiver_node(), analog_chip_node(), mouse_node()};
     return *table;
 }
 

@@ -15,6 +15,7 @@
 #include <new>
 #include <vector>
 
+#include "devices/framebuffer.h"
 #include "host/scaler.h"
 #include "media/clock.h"
 #include "media/display.h"
@@ -90,12 +91,19 @@ public:
         if (afresh) start_afresh(scene);
         const uint32_t changed = draw(scene);
         ++sequence;
-        return describe(device, changed);
+        if (!framebuffer_covers(device)) return describe(picture_.view(), device, changed);
+
+        // The video below stays as it is, so that what did not change need not be drawn again.
+        covered_.resize(scene.width, scene.height);
+        copier_.scale(read_only(picture_.view()), covered_.view());
+        framebuffer_draw(covered_.view());
+        return describe(covered_.view(), device, changed);
     }
 
     void forget()
     {
         picture_ = OwnPicture();
+        covered_ = OwnPicture();
         drawn_ = {};
     }
 
@@ -175,9 +183,8 @@ private:
         }
     }
 
-    vboard_picture describe(int32_t device, uint32_t changed) const
+    vboard_picture describe(const MutablePlanarView &view, int32_t device, uint32_t changed) const
     {
-        const MutablePlanarView &view = picture_.view();
         vboard_picture picture = {};
         picture.device = device;
         picture.width = static_cast<uint32_t>(view.width);
@@ -199,6 +206,8 @@ private:
     };
 
     OwnPicture picture_;
+    OwnPicture covered_; // the same with the framebuffer over it
+    Scaler copier_;
     uint8_t background_[3] = {};
     std::array<DrawnPane, MI_DISP_INPUT_PORTS> drawn_; // by port
     std::array<Stages, MI_DISP_INPUT_PORTS> stages_;   // by port
