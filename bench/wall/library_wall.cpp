@@ -4,7 +4,9 @@
  */
 #include "walls.h"
 
+#include <atomic>
 #include <cstdio>
+#include <thread>
 
 #include "nvrhal.h"
 #include "vboard.h"
@@ -59,6 +61,41 @@ bool lay_out(const Mix &mix)
     return ext_change_display_format(panes.data(), mix.panes()) == 0;
 }
 
+/**
+ * The layout waits 100 ms a pane for its decoder. The wall's speed does not depend on that wait, so
+ * it passes on the board's clock, stepped, while this object lives.
+ */
+class SteppedWaits
+{
+public:
+    SteppedWaits()
+    {
+        vboard_clock_take();
+        stepper_ = std::thread([this] {
+            while (!done_.load())
+                if (vboard_clock_wait_sleepers(1, 20) == 0) vboard_clock_step_us(100000);
+        });
+    }
+    ~SteppedWaits()
+    {
+        done_.store(true);
+        stepper_.join();
+        vboard_clock_release();
+    }
+    SteppedWaits(const SteppedWaits &) = delete;
+    SteppedWaits &operator=(const SteppedWaits &) = delete;
+
+private:
+    std::atomic<bool> done_{false};
+    std::thread stepper_;
+};
+
+bool lay_out_at_once(const Mix &mix)
+{
+    const SteppedWaits waits;
+    return lay_out(mix);
+}
+
 int fail(const char *what)
 {
     std::fprintf(stderr, "bench_wall: the library's wall: %s\n", what);
@@ -75,7 +112,7 @@ int run_library_wall(const Mix &mix)
     // Each camera's first frame settles its decoder's codec; the layout then sizes the decoders.
     for (uint32_t channel = 0; channel < cameras; ++channel)
         if (!send(clips.of_pane(static_cast<int>(channel)), channel, 0)) return fail("first frame refused");
-    if (!lay_out(mix)) return fail("layout refused");
+    if (!lay_out_at_once(mix)) return fail("layout refused");
 
     if (vboard_display_set_pacing(0, VBOARD_PACING_STEP) != 0) return fail("step pacing refused");
     const size_t frames = clips.of_pane(0).frames.size();
