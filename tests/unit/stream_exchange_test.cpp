@@ -93,7 +93,7 @@ TEST_P(StreamExchange, FillsTheDescriptor)
     ASSERT_EQ(stream.get(2, &out), 0);
     EXPECT_EQ(out.length, 60u);
     EXPECT_EQ(out.channel, 2u);
-    EXPECT_EQ(out.local_time, 1700000000123456u);
+    EXPECT_EQ(uint64_t{out.local_time}, 1700000000123456u);
     EXPECT_EQ(out.reserved[0], 0xEEEEEEEEu);
     EXPECT_EQ(out.reserved[1], 0xEEEEEEEEu);
     if (is_audio()) {
@@ -103,7 +103,7 @@ TEST_P(StreamExchange, FillsTheDescriptor)
         EXPECT_EQ(out.height, 0u);
         EXPECT_EQ(out.stream_id, 2u + 2 * 8);
         EXPECT_EQ(out.display_rate, 0u);
-        EXPECT_EQ(out.pts, 1u) << "always";
+        EXPECT_EQ(uint64_t{out.pts}, 1u) << "always";
     } else {
         EXPECT_EQ(out.frame_type, 3u);
         EXPECT_EQ(out.media, 1u);
@@ -111,7 +111,7 @@ TEST_P(StreamExchange, FillsTheDescriptor)
         EXPECT_EQ(out.height, 1080u);
         EXPECT_EQ(out.stream_id, 0xEEEEEEEEu) << "left as it was";
         EXPECT_EQ(out.display_rate, 0xEEEEEEEEu);
-        EXPECT_EQ(out.pts, 77u);
+        EXPECT_EQ(uint64_t{out.pts}, 77u);
     }
     EXPECT_EQ(platform.count("board_time_us"), is_audio() ? 2u : 1u);
 }
@@ -221,9 +221,9 @@ TEST_P(StreamExchangeVideo, TheStampComesBackSignExtended)
     in.pts = 0x7FFFFFFF;
     ASSERT_EQ(stream.set(0, &in), 0);
     ASSERT_EQ(stream.get(0, &out), 0);
-    EXPECT_EQ(out.pts, 0xFFFFFFFF80000001u);
+    EXPECT_EQ(uint64_t{out.pts}, 0xFFFFFFFF80000001u);
     ASSERT_EQ(stream.get(0, &out), 0);
-    EXPECT_EQ(out.pts, 0x7FFFFFFFu);
+    EXPECT_EQ(uint64_t{out.pts}, 0x7FFFFFFFu);
 }
 
 TEST_P(StreamExchangeVideo, ARefusedFrameStillTellsTheSize)

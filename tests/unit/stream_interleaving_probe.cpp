@@ -13,19 +13,6 @@ namespace
 
 WriterRun *g_run; // the one that the pool's accesses are reported to
 
-struct Region {
-    uint8_t *at;
-    size_t size;
-};
-
-std::vector<Region> regions(StreamChannel &channel)
-{
-    return {{reinterpret_cast<uint8_t *>(&channel), sizeof channel},
-            {reinterpret_cast<uint8_t *>(channel.p_stream_index),
-             static_cast<size_t>(channel.index_num) * sizeof(StreamIndexEntry)},
-            {channel.p_buf_data, static_cast<size_t>(channel.data_size)}};
-}
-
 } // namespace
 
 void before_load(const void *address, size_t size)
@@ -51,6 +38,10 @@ WriterRun::WriterRun(const Sizes &sizes, const std::vector<Frame> &frames)
     channel_ = nvrhal::find_stream_channel(0, 0);
     channel_->max_frame_len = channel_->safe_diff = sizes.max_frame_bytes; // below the floor of 80
     channel_->data_circle = channel_->index_circle = sizes.first_lap;
+    regions_[0] = {reinterpret_cast<uint8_t *>(channel_), sizeof *channel_};
+    regions_[1] = {reinterpret_cast<uint8_t *>(channel_->p_stream_index),
+                   static_cast<size_t>(channel_->index_num) * sizeof(StreamIndexEntry)};
+    regions_[2] = {channel_->p_buf_data, static_cast<size_t>(channel_->data_size)};
     std::memset(channel_->p_buf_data, 0, static_cast<size_t>(channel_->data_size));
 
     g_run = this;
@@ -88,7 +79,7 @@ WriterRun::~WriterRun()
 void WriterRun::record()
 {
     std::vector<uint8_t> image;
-    for (const Region &region : regions(*channel_))
+    for (const Region &region : regions_)
         image.insert(image.end(), region.at, region.at + region.size);
     images_.push_back(std::move(image));
 }
@@ -97,7 +88,7 @@ void WriterRun::show(int version)
 {
     if (version == version_) return;
     const uint8_t *from = images_[static_cast<size_t>(version)].data();
-    for (const Region &region : regions(*channel_)) {
+    for (const Region &region : regions_) {
         std::memcpy(region.at, from, region.size);
         from += region.size;
     }
@@ -107,7 +98,7 @@ void WriterRun::show(int version)
 void WriterRun::choose_version(const void *address, size_t size)
 {
     size_t offset = 0;
-    for (const Region &region : regions(*channel_)) {
+    for (const Region &region : regions_) {
         const auto *at = static_cast<const uint8_t *>(address);
         if (at >= region.at && at + size <= region.at + region.size) {
             offset += static_cast<size_t>(at - region.at);
@@ -118,7 +109,8 @@ void WriterRun::choose_version(const void *address, size_t size)
     const bool is_look = address == &channel_->cur_index;
     if (!has_looked_ && !is_look) return; // constants and what lies before the look
 
-    std::vector<int> options = {version_};
+    std::vector<int> &options = scratch_;
+    options.assign(1, version_);
     for (int v = version_ + 1; v <= limit_; ++v) {
         const auto &before = images_[static_cast<size_t>(v - 1)], &after = images_[static_cast<size_t>(v)];
         if (std::memcmp(&before[offset], &after[offset], size) != 0) options.push_back(v);

@@ -76,6 +76,11 @@ private:
     friend void after_store();
     friend void frame_begins();
 
+    struct Region {
+        uint8_t *at;
+        size_t size;
+    };
+
     void record();
     void choose_version(const void *address, size_t size);
     int64_t position(int frame) const { return positions_[static_cast<size_t>(frame + 1)]; }
@@ -84,6 +89,7 @@ private:
     std::vector<int> published_;     // by frame, from -1
     std::vector<int64_t> positions_; // absolute end, likewise
     StreamChannel *channel_ = nullptr;
+    Region regions_[3] = {}; // channel record, index ring, data ring
     std::vector<std::vector<uint8_t>> images_;
     uint32_t first_lap_ = 0;
     bool is_recording_ = false;
@@ -96,6 +102,7 @@ private:
     const std::function<int(int)> *limit_of_look_ = nullptr;
     std::vector<int> choices_; // versions chosen, one for each load that had a choice
     std::vector<std::vector<int>> options_;
+    std::vector<int> scratch_;
     size_t next_choice_ = 0;
 };
 
