@@ -1,0 +1,345 @@
+/* ext_playback_get_buf and ext_playback_set_buf: one buffer out and in, by its length and kind. */
+#include <cstring>
+
+#include "media_call_count.h"
+#include "view_frame.h"
+
+using namespace view_test;
+using recording::platform;
+using recording::trace;
+
+namespace
+{
+
+constexpr int32_t kRefused = static_cast<int32_t>(0xA00F0003);
+constexpr uint32_t kBufferBytes = 655360;
+
+/** Deliver a record and check that its buffer is free again. */
+int32_t deliver(FrameInfo &rec)
+{
+    int32_t result = ext_playback_set_buf(&rec);
+    EXPECT_EQ(rec.data, nullptr);
+    return result;
+}
+
+FrameInfo video_of(uint32_t channel, std::vector<uint8_t> &bytes, uint32_t rate_mode = 0)
+{
+    FrameInfo rec = frame_of(FRAME_MEDIA_VIDEO, channel, bytes);
+    rec.display_rate = rate_mode;
+    return rec;
+}
+
+/** How the calls of one video buffer of mode 0 begin. */
+const char kRateRead[] = "MI_DISP_GetPubAttr 0\n";
+
+void give_device_0(uint32_t frame_rate)
+{
+    MI_DISP_PubAttr attr = {0x112233, 5, 8, frame_rate};
+    MI_DISP_SetPubAttr(0, &attr);
+    platform.forget();
+}
+
+TEST(PlaybackGetBuf, HandsOutTheOneBuffer)
+{
+    FrameInfo first = {}, second = {};
+    first.channel = 3;
+    EXPECT_EQ(ext_playback_get_buf(&first), 0);
+    EXPECT_EQ(ext_playback_get_buf(&second), 0);
+    EXPECT_EQ(first.length, kBufferBytes);
+    ASSERT_NE(first.data, nullptr);
+    EXPECT_EQ(first.data, second.data);
+    EXPECT_EQ(first.channel, 3u);
+    static_cast<uint8_t *>(first.data)[0] = 1; // it is writable to its end
+    static_cast<uint8_t *>(first.data)[kBufferBytes - 1] = 1;
+    EXPECT_EQ(ext_playback_get_buf(nullptr), -1);
+}
+
+TEST(PlaybackSetBuf, RefusesNull)
+{
+    EXPECT_EQ(ext_playback_set_buf(nullptr), -1);
+    EXPECT_EQ(platform.calls(), "");
+}
+
+TEST(PlaybackSetBuf, ABadLengthIsTheFlushSignalWhateverTheKind)
+{
+    std::vector<uint8_t> bytes(8);
+    globalVoDev = 2;
+    for (uint32_t length : {0u, kBufferBytes + 1, 0xFFFFFFFFu})
+        for (uint32_t media : {0u, 1u, 2u, 9u}) {
+            FrameInfo rec = frame_of(media, 77, bytes);
+            rec.length = length;
+            platform.forget();
+            EXPECT_EQ(deliver(rec), 1);
+            EXPECT_EQ(platform.calls(), trace("MI_DISP_ClearInputPortBuffer 2 77 1"));
+        }
+}
+
+TEST(PlaybackSetBuf, AFlushThatFailsIsSaid)
+{
+    std::vector<uint8_t> bytes;
+    platform.script("MI_DISP_ClearInputPortBuffer").returns(kRefused);
+    FrameInfo rec = video_of(1, bytes);
+    EXPECT_EQ(deliver(rec), -1);
+    EXPECT_PRINTED("[@-#] Vo fault to clear buffer errno is 0xa00f0003");
+}
+
+TEST(PlaybackSetBuf, SendsVideoToItsDecoder)
+{
+    std::vector<uint8_t> bytes = {9, 8, 7, 6, 5};
+    FrameInfo rec = video_of(7, bytes);
+    EXPECT_EQ(deliver(rec), 0);
+    EXPECT_EQ(platform.calls(), trace(std::string(kRateRead) + R"(
+        MI_VDEC_SendStream 7 {5 bytes pts 1234605616436508552 eof 0 eos 0} 20
+        MI_VDEC_GetChnStat 7
+    )"));
+    EXPECT_EQ(platform.bytes_sent("MI_VDEC_SendStream").at(0), bytes);
+}
+
+TEST(PlaybackSetBuf, TakesTheLongestBuffer)
+{
+    std::vector<uint8_t> bytes(kBufferBytes);
+    FrameInfo rec = video_of(0, bytes);
+    EXPECT_EQ(deliver(rec), 0);
+    EXPECT_EQ(platform.count("MI_VDEC_SendStream 0 {655360 bytes"), 1u);
+}
+
+TEST(PlaybackSetBuf, ASendThatFailsResetsTheDecoder)
+{
+    std::vector<uint8_t> bytes(5);
+    platform.script("MI_VDEC_SendStream").returns(kRefused);
+    FrameInfo rec = video_of(4, bytes);
+    EXPECT_EQ(deliver(rec), -1);
+    EXPECT_EQ(platform.count("MI_VDEC_StartChn 4"), 1u);
+    EXPECT_EQ(platform.count("MI_VDEC_GetChnStat"), 0u);
+}
+
+TEST(PlaybackSetBuf, DropsVideoOfChannel8ButHasTouchedTheDisplayRate)
+{
+    std::vector<uint8_t> bytes(5);
+    give_device_0(30);
+    for (uint32_t channel : {8u, 16u, 0xFFFFFFFFu}) {
+        platform.forget();
+        FrameInfo rec = video_of(channel, bytes, 2);
+        EXPECT_EQ(deliver(rec), 0);
+        EXPECT_EQ(platform.calls(), trace(R"(
+            MI_DISP_GetPubAttr 0
+            MI_DISP_SetPubAttr 0 {background 0x112233 interface 5 timing 8 rate 60}
+        )"));
+    }
+}
+
+TEST(PlaybackSetBuf, ShowsDoubleRateAtTwiceTheStandardsRate)
+{
+    std::vector<uint8_t> bytes(5);
+    give_device_0(30);
+    FrameInfo rec = video_of(0, bytes, 2);
+    EXPECT_EQ(local_get_videoformat(), 0);
+    EXPECT_EQ(deliver(rec), 0);
+    EXPECT_EQ(platform.count("MI_DISP_SetPubAttr 0 {background 0x112233 interface 5 timing 8 rate 60}"), 1u);
+}
+
+/* Once doubled, the display keeps its rate: no other mode writes it back. */
+TEST(PlaybackSetBuf, LeavesTheDisplayRateInEveryOtherMode)
+{
+    std::vector<uint8_t> bytes(5);
+    give_device_0(60);
+    for (uint32_t mode : {0u, 1u, 3u, 4u, 0xFFFFFFFFu}) {
+        FrameInfo rec = video_of(0, bytes, mode);
+        EXPECT_EQ(deliver(rec), 0);
+    }
+    EXPECT_EQ(platform.count("MI_DISP_GetPubAttr 0"), 5u);
+    EXPECT_EQ(platform.count("MI_DISP_SetPubAttr"), 0u);
+}
+
+TEST(PlaybackSetBuf, SetsTheRateOnAZeroedRecordWhenTheReadFailed)
+{
+    std::vector<uint8_t> bytes(5);
+    give_device_0(30);
+    platform.script("MI_DISP_GetPubAttr").returns(-9);
+    FrameInfo rec = video_of(0, bytes, 2);
+    EXPECT_EQ(deliver(rec), 0);
+    EXPECT_EQ(platform.count("MI_DISP_SetPubAttr 0 {background 0x0 interface 0 timing 0 rate 60}"), 1u);
+    EXPECT_PRINTED("File:@,Line:#    MI_DISP_GetPubAttr exe error [-9]");
+    EXPECT_NOT_PRINTED("File:@,Line:#    MI_DISP_SetPubAttr exe error [-9]");
+    EXPECT_EQ(platform.count("MI_VDEC_SendStream 0"), 1u);
+}
+
+/* Without a write, the second message carries the code of the read. */
+TEST(PlaybackSetBuf, SaysTwiceThatTheReadFailedInOtherModes)
+{
+    std::vector<uint8_t> bytes(5);
+    platform.script("MI_DISP_GetPubAttr").returns(-9);
+    FrameInfo rec = video_of(0, bytes, 1);
+    EXPECT_EQ(deliver(rec), 0);
+    EXPECT_PRINTED_IN_ORDER(R"(
+        File:@,Line:#    MI_DISP_GetPubAttr exe error [-9]
+        File:@,Line:#    MI_DISP_SetPubAttr exe error [-9]
+    )");
+    EXPECT_EQ(platform.count("MI_DISP_SetPubAttr"), 0u);
+}
+
+TEST(PlaybackSetBuf, SaysThatTheRateCouldNotBeWrittenAndSendsTheFrame)
+{
+    std::vector<uint8_t> bytes(5);
+    platform.script("MI_DISP_SetPubAttr").returns(-8);
+    FrameInfo rec = video_of(0, bytes, 2);
+    EXPECT_EQ(deliver(rec), 0);
+    EXPECT_PRINTED("File:@,Line:#    MI_DISP_SetPubAttr exe error [-8]");
+    EXPECT_EQ(platform.count("MI_VDEC_SendStream 0"), 1u);
+}
+
+TEST(PlaybackSetBuf, EightBytesMarkedOneOneClearThePort)
+{
+    std::vector<uint8_t> bytes = {1, 1, 3, 4, 5, 6, 7, 8};
+    globalVoDev = -1;
+    FrameInfo rec = video_of(6, bytes);
+    EXPECT_EQ(deliver(rec), 0);
+    EXPECT_EQ(platform.calls(), trace(R"(
+        MI_DISP_GetPubAttr -1
+        MI_DISP_ClearInputPortBuffer -1 6 1
+    )"));
+}
+
+/* The text names another call. */
+TEST(PlaybackSetBuf, AControlBufferReturnsZeroWhenTheClearFails)
+{
+    std::vector<uint8_t> bytes = {1, 1, 0, 0, 0, 0, 0, 0};
+    platform.script("MI_DISP_ClearInputPortBuffer").returns(-5);
+    FrameInfo rec = video_of(6, bytes);
+    EXPECT_EQ(deliver(rec), 0);
+    EXPECT_PRINTED("File:@,Line:#    MI_VDEC_ReleaseUserData exe error [-5]");
+}
+
+TEST(PlaybackSetBuf, OtherBytesAndLengthsAreVideo)
+{
+    std::vector<std::vector<uint8_t>> frames = {{1, 2, 0, 0, 0, 0, 0, 0},
+                                                {0, 1, 0, 0, 0, 0, 0, 0},
+                                                {1, 1, 0, 0, 0, 0, 0},
+                                                {1, 1, 0, 0, 0, 0, 0, 0, 0},
+                                                {1}};
+    for (std::vector<uint8_t> &bytes : frames) {
+        platform.forget();
+        FrameInfo rec = video_of(0, bytes);
+        EXPECT_EQ(deliver(rec), 0);
+        EXPECT_EQ(platform.count("MI_VDEC_SendStream 0"), 1u);
+        EXPECT_EQ(platform.count("MI_DISP_ClearInputPortBuffer"), 0u);
+    }
+}
+
+TEST(PlaybackSetBuf, VideoWithoutAnAddressIsLeftToTheDecoderToRefuse)
+{
+    FrameInfo rec = {};
+    rec.media = FRAME_MEDIA_VIDEO;
+    rec.length = 8;
+    EXPECT_EQ(deliver(rec), 0); // the recording platform accepts it
+    EXPECT_EQ(platform.count("MI_DISP_ClearInputPortBuffer"), 0u);
+    EXPECT_EQ(platform.count("MI_VDEC_SendStream 0"), 1u);
+}
+
+struct AudioRow {
+    uint32_t length, frames;
+};
+constexpr AudioRow kAudioRows[] = {{1, 0},   {323, 0}, {324, 1},   {325, 1},      {644, 1},
+                                   {647, 1}, {648, 2}, {3244, 10}, {655360, 2022}};
+
+class PlaybackAudio : public testing::TestWithParam<AudioRow>
+{
+};
+
+void PrintTo(const AudioRow &row, std::ostream *out)
+{
+    *out << row.length << " bytes";
+}
+
+INSTANTIATE_TEST_SUITE_P(Lengths, PlaybackAudio, testing::ValuesIn(kAudioRows));
+
+TEST_P(PlaybackAudio, SendsItsFramesBehindTheHeader)
+{
+    std::vector<uint8_t> bytes(GetParam().length);
+    for (size_t i = 0; i < bytes.size(); ++i)
+        bytes[i] = static_cast<uint8_t>(i * 7 + i / 251);
+    audio_ctrl.mode = 2;
+    FrameInfo rec = frame_of(FRAME_MEDIA_AUDIO, 99, bytes);
+    EXPECT_EQ(deliver(rec), 0);
+    auto sent = platform.bytes_sent("MI_AO_SendFrame");
+    ASSERT_EQ(sent.size(), GetParam().frames);
+    EXPECT_EQ(platform.count("MI_AO_SendFrame 3 0"), GetParam().frames);
+    EXPECT_EQ(recording::media_calls(), GetParam().frames);
+    for (size_t i = 0; i < sent.size(); ++i) {
+        auto from = bytes.begin() + 4 + static_cast<long>(320 * i);
+        EXPECT_EQ(sent[i], std::vector<uint8_t>(from, from + 320)) << "frame " << i;
+    }
+}
+
+TEST(PlaybackAudio, IsSentAsAZeroedRecordThatWaitsForRoom)
+{
+    std::vector<uint8_t> audio(324), video(100);
+    audio_ctrl.mode = 1;
+    FrameInfo rec = frame_of(FRAME_MEDIA_AUDIO, 0, audio);
+    EXPECT_EQ(deliver(rec), 0);
+    std::string live = platform.calls();
+    EXPECT_NE(live.find(" -1"), std::string::npos);
+    platform.script("MI_AO_SendFrame").once().fills([](recording::Args &call) {
+        MI_AO_Frame expected = {};
+        expected.data[0] = call.record<MI_AO_Frame>(2).data[0];
+        expected.length_bytes = 320;
+        EXPECT_EQ(std::memcmp(&call.record<MI_AO_Frame>(2), &expected, sizeof expected), 0);
+        EXPECT_EQ(call.number(3), -1);
+    });
+    rec = frame_of(FRAME_MEDIA_AUDIO, 0, audio);
+    EXPECT_EQ(deliver(rec), 0);
+}
+
+TEST(PlaybackAudio, IsRefusedWhileTheOutputIsOff)
+{
+    std::vector<uint8_t> bytes(324);
+    audio_ctrl.mode = 0;
+    FrameInfo rec = frame_of(FRAME_MEDIA_AUDIO, 0, bytes);
+    EXPECT_EQ(deliver(rec), -1);
+    EXPECT_EQ(platform.calls(), "");
+}
+
+TEST(PlaybackAudio, GoesOnAfterAFrameThatFails)
+{
+    std::vector<uint8_t> bytes(972);
+    audio_ctrl.mode = 3;
+    platform.script("MI_AO_SendFrame").once().returns(kRefused);
+    FrameInfo rec = frame_of(FRAME_MEDIA_AUDIO, 0, bytes);
+    EXPECT_EQ(deliver(rec), 0);
+    EXPECT_EQ(platform.count("MI_AO_SendFrame"), 3u);
+    EXPECT_PRINTED("MI_AO_SendFrame fail=0xa00f0003");
+}
+
+TEST(PlaybackAudio, WithoutAnAddressSendsNothing)
+{
+    audio_ctrl.mode = 2;
+    FrameInfo rec = {};
+    rec.media = FRAME_MEDIA_AUDIO;
+    rec.length = 972;
+    EXPECT_EQ(deliver(rec), 0);
+    EXPECT_EQ(platform.calls(), "");
+}
+
+TEST(PlaybackSetBuf, Kind0IsConsumedAndUnknownKindsAreRefused)
+{
+    std::vector<uint8_t> bytes(100);
+    FrameInfo none = frame_of(FRAME_MEDIA_NONE, 0, bytes);
+    EXPECT_EQ(deliver(none), 0);
+    for (uint32_t media : {3u, 5u, 17u, 0xFFFFFFFFu}) {
+        FrameInfo other = frame_of(media, 0, bytes);
+        EXPECT_EQ(deliver(other), -1);
+    }
+    EXPECT_EQ(platform.calls(), "");
+}
+
+/* Buffers are taken whether or not playback owns the display. */
+TEST(PlaybackSetBuf, WorksInLiveViewToo)
+{
+    std::vector<uint8_t> bytes(100);
+    playback_status = 0;
+    FrameInfo rec = video_of(0, bytes);
+    EXPECT_EQ(deliver(rec), 0);
+    EXPECT_EQ(platform.count("MI_VDEC_SendStream 0"), 1u);
+}
+
+} // namespace
