@@ -151,6 +151,7 @@ bool Input::open_stream()
         return fail(std::string("its codec is ") + avcodec_get_name(parameters->codec_id) +
                     "; the board decodes H.264 and H.265");
     }
+    if (parameters->width <= 0 || parameters->height <= 0) return fail("no picture was found in it");
     const AVRational rate = av_guess_frame_rate(format, demuxer_->stream, nullptr);
     /* libavformat names the demuxer of a bare stream after its codec. */
     demuxer_->elementary = std::strcmp(format->iformat->name, avcodec_get_name(parameters->codec_id)) == 0;

@@ -18,6 +18,13 @@ constexpr int kLogMode = 0644;
 constexpr int kInPlacePeriod_ms = 500;
 constexpr int kLinePeriod_ms = 5000;
 
+/* A stream of one's own to where a descriptor leads now. */
+FILE *another_stream_to(int descriptor)
+{
+    const int own = fcntl(descriptor, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    return own < 0 ? nullptr : fdopen(own, "w");
+}
+
 } // namespace
 
 Terminal::~Terminal()
@@ -25,6 +32,7 @@ Terminal::~Terminal()
     wipe_progress();
     std::fflush(stdout);
     if (own_ != stdout) std::fclose(own_);
+    if (own_error_ != stderr) std::fclose(own_error_);
 }
 
 bool Terminal::send_log_to(const std::string &path)
@@ -35,22 +43,23 @@ bool Terminal::send_log_to(const std::string &path)
     const std::filesystem::path directory = std::filesystem::path(path).parent_path();
     if (!directory.empty()) std::filesystem::create_directories(directory, ignored);
 
-    const int log = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kLogMode);
+    const int log = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, kLogMode);
     if (log < 0) {
         complain("cannot write the log " + path + ": " + std::strerror(errno));
         return false;
     }
     std::fflush(stdout);
-    const int own = fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
-    FILE *stream = own < 0 ? nullptr : fdopen(own, "w");
-    if (!stream || dup2(log, STDOUT_FILENO) < 0) {
+    FILE *own = another_stream_to(STDOUT_FILENO);
+    FILE *own_error = another_stream_to(STDERR_FILENO);
+    if (!own || !own_error || dup2(log, STDOUT_FILENO) < 0 || dup2(log, STDERR_FILENO) < 0) {
         complain(std::string("cannot part the log from the terminal: ") + std::strerror(errno));
         close(log);
         return false;
     }
     close(log);
-    own_ = stream;
-    in_place_ = isatty(own) != 0;
+    own_ = own;
+    own_error_ = own_error;
+    in_place_ = isatty(fileno(own)) != 0;
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ); /* a recorder that dies leaves its last line */
     return true;
 }
@@ -75,7 +84,8 @@ void Terminal::complain(const std::string &line)
     const std::scoped_lock guard(lock_);
     wipe_progress();
     std::fflush(own_);
-    std::fprintf(stderr, "nvrec: %s\n", line.c_str());
+    std::fprintf(own_error_, "nvrec: %s\n", line.c_str());
+    std::fflush(own_error_);
 }
 
 void Terminal::progress(const std::string &line)

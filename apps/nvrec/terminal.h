@@ -1,9 +1,9 @@
 /*
  * terminal.h - nvrec's own voice, apart from the library's.
  *
- * The library prints every step to standard output. While a Terminal stands, standard output leads
- * to a log file and nvrec speaks through the descriptor that was standard output before, so that
- * its progress line and table stay readable.
+ * The library prints every step to standard output, and the board what it refuses to standard
+ * error. While a Terminal stands, both lead to a log file and nvrec speaks through what they were
+ * before, so that its progress line and table stay readable.
  */
 #pragma once
 
@@ -23,7 +23,8 @@ public:
     Terminal &operator=(const Terminal &) = delete;
 
     /**
-     * Lead the library's output to a file; "-" leaves it where it is. Before any thread prints.
+     * Lead the library's and the board's output to a file; "-" leaves it where it is. Before any
+     * thread prints.
      * Missing directories are made. @return false when the file cannot be written.
      */
     bool send_log_to(const std::string &path);
@@ -31,7 +32,7 @@ public:
     /** Print a whole line; it does not tear the progress line. Any thread. */
     void say(const std::string &line);
 
-    /** Print a line to standard error, "nvrec: " in front. Any thread. */
+    /** Print a line to what standard error was, "nvrec: " in front. Any thread. */
     void complain(const std::string &line);
 
     /** Replace the progress line: in place on a terminal, a line of its own elsewhere. Any thread. */
@@ -45,6 +46,7 @@ private:
 
     std::mutex lock_; /* guards the two streams and the width */
     FILE *own_ = stdout;
+    FILE *own_error_ = stderr;
     bool in_place_ = false;     /* own_ is a terminal that nobody else writes to */
     size_t progress_width_ = 0; /* of the line that stands there now             */
 };

@@ -32,8 +32,7 @@ encode() {
     [ -s "$target" ] && return 0
     if [ -n "$footage" ]; then
         source=(-ss "$start" -i "$footage")
-        # Blending to the camera's rate keeps people walking smoothly.
-        filter="crop=$crop,scale=${size/x/:}:flags=bicubic,setsar=1,framerate=fps=$rate"
+        filter="crop=$crop,scale=${size/x/:}:flags=bicubic,setsar=1,fps=$rate"
     else
         source=(-f lavfi -i "testsrc2=size=$size:rate=$rate")
         filter=null
