@@ -74,7 +74,7 @@ private:
         if (reads_.empty()) pthread_exit(nullptr);
         const Read next = std::move(reads_.front());
         reads_.pop_front();
-        std::memcpy(call.pointer(1), next.bytes.data(), next.bytes.size());
+        if (!next.bytes.empty()) std::memcpy(call.pointer(1), next.bytes.data(), next.bytes.size());
         call.result = next.result;
     }
 
