@@ -1,0 +1,33 @@
+# The recorder: its pieces, and the program on files and on a network camera.
+find_package(PkgConfig REQUIRED)
+
+set(nvrec_clips ${CMAKE_BINARY_DIR}/clips/nvrec)
+add_custom_command(OUTPUT ${nvrec_clips}/made
+  COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_clips.sh ${nvrec_clips}
+  COMMAND ${CMAKE_COMMAND} -E touch ${nvrec_clips}/made
+  DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_clips.sh
+  COMMENT "Encoding clips for the recorder's tests")
+add_custom_target(nvrec_clips DEPENDS ${nvrec_clips}/made)
+
+nvrhal_test(nvrec_pieces_test
+  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_input_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_layout_test.cpp
+  LIBS nvrec_pieces LABEL board TIMEOUT 60)
+target_compile_definitions(nvrec_pieces_test PRIVATE NVREC_CLIPS="${nvrec_clips}")
+add_dependencies(nvrec_pieces_test nvrec_clips)
+
+nvrhal_test(nvrec_wall_test
+  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_run.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_wall_test.cpp
+  LABEL board TIMEOUT 120)
+target_compile_definitions(nvrec_wall_test PRIVATE
+  NVREC_CLIPS="${nvrec_clips}" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
+add_dependencies(nvrec_wall_test nvrec nvrec_clips)
+
+pkg_check_modules(NVREC_RTSP IMPORTED_TARGET gstreamer-rtsp-server-1.0)
+if(NVREC_RTSP_FOUND)
+  add_executable(nvrec_rtsp_camera ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_rtsp_camera.c)
+  target_link_libraries(nvrec_rtsp_camera PRIVATE PkgConfig::NVREC_RTSP)
+  target_compile_definitions(nvrec_wall_test PRIVATE NVREC_RTSP_CAMERA="$<TARGET_FILE:nvrec_rtsp_camera>")
+  add_dependencies(nvrec_wall_test nvrec_rtsp_camera)
+endif()

@@ -1,0 +1,263 @@
+/* "nvrec wall" as a user runs it: every pane shows its own camera, and the table tells the truth. */
+#include <csignal>
+#include <cstdlib>
+
+#include <gtest/gtest.h>
+
+#include "nvrec_run.h"
+
+namespace
+{
+
+constexpr int kClipFrames = 30;
+
+std::string clip(const std::string &name)
+{
+    return std::string(NVREC_CLIPS) + "/" + name;
+}
+
+/* What the cameras of colour0 to colour5 see. */
+constexpr std::array<std::array<int, 3>, 6> kColours = {
+    {{255, 0, 0}, {0, 255, 0}, {0, 0, 255}, {255, 255, 0}, {0, 255, 255}, {255, 0, 255}}};
+
+bool near(const std::array<int, 3> &seen, const std::array<int, 3> &expected)
+{
+    constexpr int kCodecAndRangeError = 8;
+    for (size_t i = 0; i < 3; ++i)
+        if (std::abs(seen[i] - expected[i]) > kCodecAndRangeError) return false;
+    return true;
+}
+
+struct Pane {
+    int x, y, w, h;
+};
+
+/* The whole pane shows one camera: its middle, and just inside its corners. */
+void expect_pane_shows(const Picture &picture, const Pane &pane, size_t colour)
+{
+    constexpr int kInside_px =
+        3; /* the scaler mixes nothing in from outside, but rows 0 and 1 share chroma */
+    const int left = pane.x + kInside_px, right = pane.x + pane.w - 1 - kInside_px;
+    const int top = pane.y + kInside_px, bottom = pane.y + pane.h - 1 - kInside_px;
+    for (const auto &[x, y] : {std::pair(pane.x + pane.w / 2, pane.y + pane.h / 2),
+                               {left, top},
+                               {right, top},
+                               {left, bottom},
+                               {right, bottom}}) {
+        const auto seen = picture.at(x, y);
+        EXPECT_TRUE(near(seen, kColours[colour])) << "camera " << colour << " at " << x << "," << y << ": "
+                                                  << seen[0] << " " << seen[1] << " " << seen[2];
+    }
+}
+
+class NvrecWall : public testing::Test
+{
+protected:
+    /* Runs "nvrec wall" without a window, log, report and pictures in the scratch directory. */
+    int wall(std::vector<std::string> arguments)
+    {
+        Process process(command(std::move(arguments)));
+        const int status = process.wait();
+        output_ = process.output;
+        errors_ = process.errors;
+        json_ = file_text(scratch_.file("report.json"));
+        return status;
+    }
+
+    std::vector<std::string> command(std::vector<std::string> arguments) const
+    {
+        std::vector<std::string> whole = {NVREC_PROGRAM, "wall",
+                                          "--window",    "off",
+                                          "--log",       scratch_.file("log"),
+                                          "--json",      scratch_.file("report.json")};
+        whole.insert(whole.end(), arguments.begin(), arguments.end());
+        return whole;
+    }
+
+    std::string last_words() const { return output_ + errors_; }
+
+    ScratchDirectory scratch_;
+    std::string output_, errors_, json_;
+};
+
+TEST_F(NvrecWall, FourCamerasOfBothCodecsEachInTheirOwnPane)
+{
+    ASSERT_EQ(
+        wall({"--layout", "2x2", "--as-fast-as-can", "-p", scratch_.file("wall.png"), clip("colour0.h264"),
+              clip("colour1.h265"), clip("colour2.h264.mp4"), clip("colour3.h265.mp4")}),
+        0)
+        << last_words();
+    const Picture picture = read_picture(scratch_.file("wall.png"));
+    ASSERT_EQ(picture.width, 1920);
+    ASSERT_EQ(picture.height, 1080);
+    for (int i = 0; i < 4; ++i) {
+        expect_pane_shows(picture, {i % 2 * 960, i / 2 * 540, 960, 540}, static_cast<size_t>(i));
+        EXPECT_EQ(reported(json_, i, "sent"), kClipFrames);
+        EXPECT_EQ(reported(json_, i, "refused"), 0);
+        EXPECT_EQ(reported(json_, i, "resets"), 0);
+        EXPECT_EQ(reported(json_, i, "width"), 352);
+        EXPECT_EQ(reported(json_, i, "height"), 288);
+        /* A decoder made for another codec takes the byte stream, whose last picture waits for more. */
+        EXPECT_GE(reported(json_, i, "decoded"), kClipFrames - 1);
+        EXPECT_LE(reported(json_, i, "decoded"), kClipFrames);
+    }
+    EXPECT_NE(output_.find("codec"), std::string::npos) << "the closing table";
+    EXPECT_EQ(output_.find("EEEEEE"), std::string::npos) << "the library's log stays out of it";
+    EXPECT_NE(file_text(scratch_.file("log")).find("init done!"), std::string::npos);
+}
+
+TEST_F(NvrecWall, OneAndFiveOnAnotherOutput)
+{
+    ASSERT_EQ(wall({"--layout", "1+5", "--output", "1280x1024", "--as-fast-as-can", "-p",
+                    scratch_.file("wall.png"), clip("colour0.h264"), clip("colour1.h265"),
+                    clip("colour2.h264"), clip("colour3.h265"), clip("colour4.h264"), clip("colour5.h265")}),
+              0)
+        << last_words();
+    const Picture picture = read_picture(scratch_.file("wall.png"));
+    ASSERT_EQ(picture.width, 1280);
+    ASSERT_EQ(picture.height, 1024);
+    expect_pane_shows(picture, {0, 0, 852, 682}, 0);
+    expect_pane_shows(picture, {852, 0, 428, 340}, 1);
+    expect_pane_shows(picture, {852, 340, 428, 342}, 2);
+    expect_pane_shows(picture, {0, 682, 426, 342}, 3);
+    expect_pane_shows(picture, {426, 682, 426, 342}, 4);
+    expect_pane_shows(picture, {852, 682, 428, 342}, 5);
+}
+
+TEST_F(NvrecWall, ASingleCameraFillsTheScreen)
+{
+    for (const char *name : {"colour4.h264", "colour4.h265"}) {
+        ASSERT_EQ(wall({"--as-fast-as-can", "-p", scratch_.file("wall.png"), clip(name)}), 0) << last_words();
+        const Picture picture = read_picture(scratch_.file("wall.png"));
+        ASSERT_EQ(picture.width, 1920);
+        expect_pane_shows(picture, {0, 0, 1920, 1080}, 4);
+    }
+}
+
+TEST_F(NvrecWall, SixteenCamerasRunAtOnce)
+{
+    std::vector<std::string> arguments = {"--as-fast-as-can", "-p", scratch_.file("wall.png")};
+    for (int i = 0; i < 16; ++i)
+        arguments.push_back(clip("colour" + std::to_string(i % 6) + (i % 2 ? ".h265" : ".h264")));
+    ASSERT_EQ(wall(arguments), 0) << last_words();
+    const Picture picture = read_picture(scratch_.file("wall.png"));
+    ASSERT_EQ(picture.width, 1920);
+    for (int i = 0; i < 16; ++i)
+        expect_pane_shows(picture, {i % 4 * 480, i / 4 * 270, 480, 270}, static_cast<size_t>(i % 6));
+}
+
+TEST_F(NvrecWall, AnInputThatCannotBeOpenedLeavesTheOthersRunning)
+{
+    EXPECT_EQ(wall({"--layout", "2x2", "--as-fast-as-can", "-p", scratch_.file("wall.png"),
+                    clip("colour0.h264"), clip("absent.mp4"), clip("motion_jpeg.mkv"), clip("colour3.h265")}),
+              3);
+    EXPECT_NE(errors_.find("channel 1: " + clip("absent.mp4") + ": cannot open: No such file"),
+              std::string::npos)
+        << errors_;
+    EXPECT_NE(errors_.find("its codec is mjpeg"), std::string::npos) << errors_;
+    const Picture picture = read_picture(scratch_.file("wall.png"));
+    ASSERT_EQ(picture.width, 1920);
+    expect_pane_shows(picture, {0, 0, 960, 540}, 0);
+    expect_pane_shows(picture, {960, 540, 960, 540}, 3);
+    EXPECT_EQ(reported(json_, 0, "sent"), kClipFrames);
+    EXPECT_EQ(reported(json_, 1, "sent"), 0);
+    EXPECT_EQ(reported(json_, 3, "sent"), kClipFrames);
+}
+
+TEST_F(NvrecWall, CommandLinesThatMakeNoSenseAreRefused)
+{
+    EXPECT_EQ(wall({}), 2);
+    EXPECT_EQ(wall({"--layout", "2x3", clip("colour0.h264")}), 2);
+    EXPECT_EQ(wall({"--output", "640x480", clip("colour0.h264")}), 2);
+    EXPECT_EQ(wall({"--speed", "0", clip("colour0.h264")}), 2);
+    EXPECT_EQ(wall({"--speed", "2", "--as-fast-as-can", clip("colour0.h264")}), 2);
+    EXPECT_EQ(wall(std::vector<std::string>(17, clip("colour0.h264"))), 2);
+    EXPECT_NE(errors_.find("17 inputs"), std::string::npos) << errors_;
+}
+
+TEST_F(NvrecWall, NothingToShowIsAnError)
+{
+    EXPECT_EQ(wall({clip("absent.mp4"), clip("empty.h264")}), 3);
+    EXPECT_NE(errors_.find("no input could be opened"), std::string::npos) << errors_;
+}
+
+TEST_F(NvrecWall, APictureThatCannotBeWrittenIsAnError)
+{
+    EXPECT_EQ(wall({"--as-fast-as-can", "-p", "/proc/none/wall.png", clip("colour0.h264")}), 5);
+    EXPECT_NE(errors_.find("/proc/none/wall.png"), std::string::npos) << errors_;
+}
+
+TEST_F(NvrecWall, EndsAfterTheFramesAskedForAndBeginsFilesAgain)
+{
+    ASSERT_EQ(wall({"--as-fast-as-can", "--loop", "--frames", "100", clip("colour0.h264"),
+                    clip("colour1.h265.mp4")}),
+              0)
+        << last_words();
+    for (int channel : {0, 1}) {
+        EXPECT_EQ(reported(json_, channel, "sent"), 100);
+        EXPECT_EQ(reported(json_, channel, "passes"), 3);
+    }
+}
+
+TEST_F(NvrecWall, FeedsAtTheStreamsOwnFrameRate)
+{
+    /* 30 frames at 30 a second, twice as fast: the last is due after 29 / 60 s, never sooner. */
+    ASSERT_EQ(wall({"--speed", "2", clip("colour0.h264")}), 0) << last_words();
+    const size_t at = json_.find("\"seconds\": ");
+    ASSERT_NE(at, std::string::npos);
+    EXPECT_GE(std::strtod(json_.c_str() + at + 11, nullptr), 29.0 / 60);
+    EXPECT_EQ(reported(json_, 0, "sent"), kClipFrames);
+    EXPECT_GE(reported(json_, 0, "shown"), 1);
+}
+
+TEST_F(NvrecWall, CtrlCEndsWithTheTable)
+{
+    Process process(command({"--loop", "-p", scratch_.file("first.png") + ",0.1", clip("colour0.h265")}));
+    ASSERT_TRUE(scratch_.wait_for("first.png"));
+    process.signal(SIGINT);
+    EXPECT_EQ(process.wait(), 0);
+    EXPECT_NE(process.output.find("decoded"), std::string::npos) << process.output;
+    EXPECT_GE(reported(file_text(scratch_.file("report.json")), 0, "sent"), 1);
+}
+
+#ifdef NVREC_RTSP_CAMERA
+
+TEST_F(NvrecWall, ShowsANetworkCameraAndComesBackAfterItsSessionEnds)
+{
+    for (const auto &[file, codec] : {std::pair("colour2.h264.mp4", "h264"), {"colour5.h265.mp4", "h265"}}) {
+        Process camera({NVREC_RTSP_CAMERA, clip(file), codec});
+        int port = 0;
+        ASSERT_EQ(std::sscanf(camera.read_line().c_str(), "port %d", &port), 1);
+        /* The session ends with the clip after 30 frames: 45 need a second one. */
+        ASSERT_EQ(wall({"--frames", "45", "-d", "40", "-p", scratch_.file("wall.png"),
+                        "rtsp://127.0.0.1:" + std::to_string(port) + "/camera"}),
+                  0)
+            << last_words();
+        EXPECT_EQ(reported(json_, 0, "sent"), 45) << last_words();
+        EXPECT_GE(reported(json_, 0, "reconnects"), 1);
+        EXPECT_GE(reported(json_, 0, "decoded"), 40);
+        const Picture picture = read_picture(scratch_.file("wall.png"));
+        ASSERT_EQ(picture.width, 1920);
+        expect_pane_shows(picture, {0, 0, 1920, 1080}, std::string(codec) == "h264" ? 2 : 5);
+    }
+}
+
+TEST_F(NvrecWall, ACameraThatDoesNotAnswerCostsTheOthersNothing)
+{
+    EXPECT_EQ(wall({"-d", "1.5", "-p", scratch_.file("wall.png"), "--layout", "2x2",
+                    "rtsp://127.0.0.1:1/camera", clip("colour1.h264")}),
+              3);
+    EXPECT_EQ(reported(json_, 1, "sent"), kClipFrames);
+    EXPECT_NE(errors_.find("refused"), std::string::npos) << errors_;
+}
+
+#else
+
+TEST_F(NvrecWall, ShowsANetworkCameraAndComesBackAfterItsSessionEnds)
+{
+    GTEST_SKIP() << "built without libgstrtspserver-1.0-dev: no network camera to show";
+}
+
+#endif
+
+} // namespace
