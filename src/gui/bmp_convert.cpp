@@ -26,9 +26,11 @@ typedef uint32_t FourPixels __attribute__((vector_size(16)));
 typedef uint16_t FourPacked __attribute__((vector_size(8)));
 constexpr size_t kAtOnce = 4;
 
-inline FourPixels load_four(const uint8_t *from)
+// Vectors go by reference: without vector registers, passing one is no matter of a stable ABI.
+inline void load_four(const uint8_t *from, FourPixels *pixels)
 {
-    return FourPixels{load_word32(from), load_word32(from + 3), load_word32(from + 6), load_word32(from + 9)};
+    *pixels =
+        FourPixels{load_word32(from), load_word32(from + 3), load_word32(from + 6), load_word32(from + 9)};
 }
 
 uint32_t unpack_one(const uint8_t *from)
@@ -50,11 +52,11 @@ public:
     {
     }
 
-    // One pixel word, or four.
-    template <typename Words> Words operator()(Words pixel) const
+    // One pixel word, or four, in place.
+    template <typename Words> void operator()(Words *pixel) const
     {
-        return (pixel >> blue_shift_ & blue_mask_) | (pixel >> green_shift_ & green_mask_) |
-               (pixel >> red_shift_ & red_mask_) | alpha_;
+        *pixel = (*pixel >> blue_shift_ & blue_mask_) | (*pixel >> green_shift_ & green_mask_) |
+                 (*pixel >> red_shift_ & red_mask_) | alpha_;
     }
 
 private:
@@ -69,7 +71,9 @@ private:
 void convert_bgr24_to_32(const uint8_t *from, uint8_t *to, size_t pixels)
 {
     for (; pixels > kAtOnce; pixels -= kAtOnce, from += 3 * kAtOnce, to += 4 * kAtOnce) {
-        const FourPixels four = load_four(from) | kOpaque;
+        FourPixels four;
+        load_four(from, &four);
+        four |= kOpaque;
         std::memcpy(to, &four, sizeof four);
     }
     for (; pixels > 0; --pixels, from += 3, to += 4) {
@@ -82,11 +86,16 @@ void convert_bgr24_to_16(const uint8_t *from, uint8_t *to, size_t pixels, uint32
 {
     const Packer pack(s_OSDCompInfo[color_format]);
     for (; pixels > kAtOnce; pixels -= kAtOnce, from += 3 * kAtOnce, to += 2 * kAtOnce) {
-        const FourPacked packed = __builtin_convertvector(pack(load_four(from)), FourPacked);
+        FourPixels four;
+        load_four(from, &four);
+        pack(&four);
+        const FourPacked packed = __builtin_convertvector(four, FourPacked);
         std::memcpy(to, &packed, sizeof packed);
     }
     for (; pixels > 0; --pixels, from += 3, to += 2) {
-        const auto packed = static_cast<uint16_t>(pack(unpack_one(from)));
+        uint32_t one = unpack_one(from);
+        pack(&one);
+        const auto packed = static_cast<uint16_t>(one);
         std::memcpy(to, &packed, sizeof packed);
     }
 }

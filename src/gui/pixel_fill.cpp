@@ -31,7 +31,7 @@ constexpr uint32_t repeated(uint16_t pixel)
 
 // An unaligned store, aligned ones, and one that reaches back over them: every place where a pixel
 // may begin fits the pattern.
-inline void fill_short(uint8_t *at, size_t bytes, Pattern pattern)
+inline void fill_short(uint8_t *at, size_t bytes, const Pattern &pattern)
 {
     uint8_t *const last = at + bytes - kStore_bytes;
     std::memcpy(at, &pattern, kStore_bytes);
