@@ -43,6 +43,14 @@ fi
 # env: sudo does not hand variables on.
 apt() { "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive LC_ALL=C.UTF-8 apt-get -q -o Acquire::Retries=3 "$@"; }
 
+# "name:architecture" is of another architecture than the machine's.
+for package in "${missing[@]}"; do
+    architecture=${package#*:}
+    if [ "$architecture" != "$package" ] && ! dpkg --print-foreign-architectures | grep -qx "$architecture"; then
+        "${as_root[@]}" dpkg --add-architecture "$architecture"
+    fi
+done
+
 echo "set-up: installing ${missing[*]}"
 log=$(mktemp)
 trap 'rm -f "$log"' EXIT
