@@ -112,6 +112,8 @@ void vboard_reset(void)
     clock_release();
     follow_reset();
     vdec_reset(); // before the graph: its workers deliver along it
+    scaler_reset(); // likewise
+    venc_reset();
     graph_reset();
     display_reset();
     canvas_reset();

@@ -81,7 +81,7 @@ bool sink_exists(const MI_SYS_ChnPort &end)
     switch (end.module) {
     case MI_MODULE_DISP: return display_port_exists(static_cast<int32_t>(end.device), end.channel);
     case MI_MODULE_DIVP: return scaler_channel_exists(end.channel);
-    case MI_MODULE_VENC: return venc_channel_exists(end.channel);
+    case MI_MODULE_VENC: return venc_channel_exists(end.device, end.channel);
     default: return false;
     }
 }

@@ -8,6 +8,8 @@ namespace vboard
 /* Back to the state after power-on. In the order of vboard_reset. */
 void hdmi_reset();
 void vdec_reset();
+void scaler_reset();
+void venc_reset();
 void display_reset();
 void graph_reset();
 void ao_reset();

@@ -9,6 +9,7 @@
 #include "media/clock.h"
 #include "media/graph.h"
 #include "media/modules.h"
+#include "media/scaler_channel.h"
 
 namespace vboard
 {
@@ -101,12 +102,13 @@ int32_t bind(const MI_SYS_ChnPort *source, const MI_SYS_ChnPort *sink, uint32_t 
     return graph_bind(source, sink, source_rate, sink_rate);
 }
 
-int32_t set_depth(const MI_SYS_ChnPort *port)
+int32_t set_depth(const MI_SYS_ChnPort *port, uint32_t queue_depth)
 {
     if (port == nullptr) return refuse(MI_MODULE_SYS, MI_REASON_NULL_POINTER, "no port");
     if (port->module != MI_MODULE_VDEC && port->module != MI_MODULE_DIVP)
         return refuse(MI_MODULE_SYS, MI_REASON_UNSUPPORTED, "module %u has no output port", port->module);
-    return MI_SUCCESS; // pictures are counted references here: there is no pool to size
+    if (port->module == MI_MODULE_DIVP) return scaler_set_depth(port->channel, port->port, queue_depth);
+    return MI_SUCCESS; // a decoder's pictures are counted references: there is no pool to size
 }
 
 } // namespace
@@ -178,7 +180,7 @@ int32_t MI_SYS_UnBindChnPort(const MI_SYS_ChnPort *source, const MI_SYS_ChnPort 
 int32_t MI_SYS_SetChnOutputPortDepth(const MI_SYS_ChnPort *port, uint32_t user_depth, uint32_t queue_depth)
 {
     return platform_call(
-        depth_site, [&] { return set_depth(port); }, port, user_depth, queue_depth);
+        depth_site, [&] { return set_depth(port, queue_depth); }, port, user_depth, queue_depth);
 }
 
 } // extern "C"
