@@ -99,13 +99,16 @@ public:
     {
         avcodec_flush_buffers(context_.get());
         wait_for_key_ = true;
-        open_bytes_ = 0;
-        if (parser_ != nullptr) parser_.reset(av_parser_init(codec_id(codec_)));
+        if (parser_ != nullptr) begin_anew();
     }
 
 private:
     void parse(const EncodedBytes &bytes, int64_t pts, bool complete)
     {
+        if (complete && open_bytes_ == 0) { // whole frames after all: nothing to look for
+            decode_unit(bytes.buffer(), bytes.data(), bytes.size(), pts);
+            return;
+        }
         const uint8_t *data = bytes.data();
         size_t left = bytes.size();
         int64_t given_pts = pts; // goes to the first frame that begins in this send
@@ -116,7 +119,15 @@ private:
             data += used;
             left -= static_cast<size_t>(used);
         }
-        if (complete && !stopped_) parse_once(nullptr, 0, AV_NOPTS_VALUE);
+        if (!complete || stopped_) return;
+        parse_once(nullptr, 0, AV_NOPTS_VALUE);
+        begin_anew(); // an emptied parser does not find the next frame's start
+    }
+
+    void begin_anew()
+    {
+        open_bytes_ = 0;
+        parser_.reset(av_parser_init(codec_id(codec_)));
     }
 
     // One turn of the parser; the bytes it took, or -1 when it can take no more.

@@ -99,8 +99,10 @@ int32_t deinit()
 {
     Hdmi &hdmi = state();
     const std::lock_guard guard(hdmi.mutex);
-    if (!hdmi.initialised) return refuse(MI_MODULE_HDMI, MI_REASON_ABSENT, "not initialised");
-    hdmi.initialised = hdmi.open = hdmi.started = false;
+    if (!hdmi.initialised) return refuse(MI_MODULE_HDMI, MI_REASON_NOT_READY, "not initialised");
+    if (hdmi.open) return refuse(MI_MODULE_HDMI, MI_REASON_NOT_PERMITTED, "the transmitter is open");
+    hdmi.initialised = hdmi.has_attr = false;
+    hdmi.events.clear();
     return MI_SUCCESS;
 }
 
@@ -143,7 +145,6 @@ int32_t get_attr(uint32_t device, MI_HDMI_Attr *attr)
     return with_open(device, [&](Hdmi &hdmi) -> int32_t {
         if (!hdmi.has_attr) return refuse(MI_MODULE_HDMI, MI_REASON_NOT_READY, "no attributes were set");
         *attr = hdmi.attr;
-        attr->connected = hdmi.plugged ? 1 : 0;
         return MI_SUCCESS;
     });
 }
@@ -198,8 +199,8 @@ int hdmi_wait_events(int timeout_ms)
 {
     Hdmi &hdmi = state();
     std::unique_lock lock(hdmi.mutex);
-    const bool done = wait_real(hdmi.changed, lock, timeout_ms,
-                                [&] { return hdmi.events.empty() && !hdmi.in_callback; });
+    const bool done =
+        wait_real(hdmi.changed, lock, timeout_ms, [&] { return hdmi.events.empty() && !hdmi.in_callback; });
     return done ? 0 : -1;
 }
 
@@ -231,7 +232,8 @@ extern "C" {
 
 int32_t MI_HDMI_Init(const MI_HDMI_InitParam *param)
 {
-    return platform_call(init_site, [&] { return init(param); }, param);
+    return platform_call(
+        init_site, [&] { return init(param); }, param);
 }
 
 int32_t MI_HDMI_DeInit(void)
@@ -241,7 +243,8 @@ int32_t MI_HDMI_DeInit(void)
 
 int32_t MI_HDMI_Open(uint32_t device)
 {
-    return platform_call(open_site, [&] { return open_device(device); }, device);
+    return platform_call(
+        open_site, [&] { return open_device(device); }, device);
 }
 
 int32_t MI_HDMI_Close(uint32_t device)
@@ -250,7 +253,9 @@ int32_t MI_HDMI_Close(uint32_t device)
         close_site,
         [&] {
             return with_open(device, [](Hdmi &hdmi) -> int32_t {
-                hdmi.open = hdmi.started = false;
+                if (hdmi.started)
+                    return refuse(MI_MODULE_HDMI, MI_REASON_NOT_PERMITTED, "the transmitter is not stopped");
+                hdmi.open = false;
                 return MI_SUCCESS;
             });
         },
@@ -272,22 +277,26 @@ int32_t MI_HDMI_SetAvMute(uint32_t device, int32_t mute)
 
 int32_t MI_HDMI_SetAttr(uint32_t device, const MI_HDMI_Attr *attr)
 {
-    return platform_call(set_attr_site, [&] { return set_attr(device, attr); }, device, attr);
+    return platform_call(
+        set_attr_site, [&] { return set_attr(device, attr); }, device, attr);
 }
 
 int32_t MI_HDMI_GetAttr(uint32_t device, MI_HDMI_Attr *attr)
 {
-    return platform_call(get_attr_site, [&] { return get_attr(device, attr); }, device, attr);
+    return platform_call(
+        get_attr_site, [&] { return get_attr(device, attr); }, device, attr);
 }
 
 int32_t MI_HDMI_GetSinkInfo(uint32_t device, MI_HDMI_SinkInfo *info)
 {
-    return platform_call(sink_site, [&] { return get_sink(device, info); }, device, info);
+    return platform_call(
+        sink_site, [&] { return get_sink(device, info); }, device, info);
 }
 
 int32_t MI_HDMI_Start(uint32_t device)
 {
-    return platform_call(start_site, [&] { return start(device); }, device);
+    return platform_call(
+        start_site, [&] { return start(device); }, device);
 }
 
 int32_t MI_HDMI_Stop(uint32_t device)

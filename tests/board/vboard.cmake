@@ -1,0 +1,55 @@
+# The board in software by itself, through its two faces.
+include(${CMAKE_SOURCE_DIR}/tools/stamp/streams.cmake)
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(RIG_FFMPEG REQUIRED IMPORTED_TARGET libavcodec libavutil)
+
+stamped_stream(h264_640x360 --codec h264 --size 640x360 --frames 30 --channel 1)
+stamped_stream(h265_640x360 --codec h265 --size 640x360 --frames 30 --channel 2 --preset ultrafast)
+stamped_stream(h264_704x576 --codec h264 --size 704x576 --frames 12 --channel 3)
+stamped_stream(h265_1280x720 --codec h265 --size 1280x720 --frames 12 --channel 4 --preset ultrafast)
+stamped_stream(h264_1920x1080 --codec h264 --size 1920x1080 --frames 6 --channel 8 --gop 5)
+stamped_stream(h264_bframes --codec h264 --size 640x360 --frames 24 --channel 5 --b-frames 2)
+stamped_stream(h264_slices --codec h264 --size 640x360 --frames 30 --channel 6 --slices 4)
+stamped_stream(jpeg_320x240 --codec jpeg --size 320x240 --frames 5 --channel 7)
+foreach(channel RANGE 15)
+  math(EXPR odd "${channel} % 2")
+  if(odd)
+    stamped_stream(wall_${channel}_h265 --codec h265 --size 320x180 --frames 20 --channel ${channel} --preset ultrafast)
+  else()
+    stamped_stream(wall_${channel}_h264 --codec h264 --size 320x180 --frames 20 --channel ${channel})
+  endif()
+endforeach()
+
+add_library(board_rig STATIC ${CMAKE_CURRENT_SOURCE_DIR}/board_rig.cpp)
+target_include_directories(board_rig PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+target_compile_definitions(board_rig PUBLIC STREAM_DIR="${STAMPED_STREAM_DIR}")
+target_link_libraries(board_rig PUBLIC vboard platform_api stamp GTest::gtest
+  PRIVATE vboard_host PkgConfig::RIG_FFMPEG)
+add_dependencies(board_rig stamped_streams)
+
+# Every call that the two seams declare, read from their headers.
+file(GLOB seam_headers CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/platform/include/mi_*.h)
+set(platform_calls "")
+foreach(header ${seam_headers} ${CMAKE_SOURCE_DIR}/platform/include/board_io.h)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${header})
+  file(STRINGS ${header} declarations REGEX "^[a-z][a-z0-9_]* \\*?(MI|board)_[A-Za-z_]+\\(")
+  foreach(declaration ${declarations})
+    string(REGEX REPLACE ".*[ *]((MI|board)_[A-Za-z_]+)\\(.*" "\\1" call "${declaration}")
+    string(APPEND platform_calls "${call}\n")
+  endforeach()
+endforeach()
+# The wall clock cannot fail.
+string(REPLACE "board_time_us\n" "" platform_calls "${platform_calls}")
+file(WRITE ${CMAKE_BINARY_DIR}/platform_calls.txt "${platform_calls}")
+
+nvrhal_test(vboard_test
+  ${CMAKE_CURRENT_SOURCE_DIR}/board_control_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/board_damage_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/board_decoder_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/board_display_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/board_graph_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/board_hdmi_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/board_race_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/stamp_test.cpp
+  LIBS board_rig LABEL board TIMEOUT 300)
+target_compile_definitions(vboard_test PRIVATE PLATFORM_CALLS="${CMAKE_BINARY_DIR}/platform_calls.txt")
