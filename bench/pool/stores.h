@@ -36,6 +36,7 @@ public:
     explicit PoolStore(int readers);
     void write(const uint8_t *bytes, uint32_t length) override;
     uint32_t take(int reader) override;
+    StreamReader &reader(int number) { return readers_[static_cast<size_t>(number)]; }
     uint8_t *ring() const { return const_cast<uint8_t *>(readers_[0].p_buf_data); }
 
 private:
