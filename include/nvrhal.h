@@ -14,7 +14,7 @@
  *   "UI thread" = callable from one thread at a time, together with all others so marked;
  *   "channel thread" = calls for one channel come from one thread, channels may run in parallel.
  *   Memory: records are the caller's and are only used during the call unless stated otherwise.
- *   The library prints what it does, and every failing call, to standard output.
+ *   The library prints what it does, and every failing platform call, to standard output.
  */
 #ifndef NVRHAL_H
 #define NVRHAL_H
@@ -112,7 +112,7 @@ extern NVRHAL_API int32_t g_vi_chn_num;
 /** Current display device: 0 main output, 2 further output, -1 secondary output. */
 extern NVRHAL_API int32_t globalVoDev;
 
-/** Output timing code that the display is started with. */
+/** Output timing code that the display is started with; after an output switch a display output value. */
 extern NVRHAL_API uint32_t enNorm_vga;
 
 /** Attributes of each channel's main and network stream. */
@@ -132,8 +132,8 @@ NVRHAL_API int32_t ext_device_init(const DeviceParams *params);
 
 /**
  * Start the display path again for the GUI: display ports, HDMI, framebuffer.
- * The output timing code is used as a display output value untranslated, so only codes that are
- * both (6, 7, 8) succeed. @return 0 or -1. Thread: UI thread.
+ * enNorm_vga is used as a display output value untranslated: of the codes that start-up sets, 6, 7
+ * and 8 are values too and succeed, 4 is none and fails. @return 0 or -1. Thread: UI thread.
  */
 NVRHAL_API int32_t ext_gui_init(void);
 
@@ -177,10 +177,14 @@ NVRHAL_API int32_t vo_enable(int32_t dev, const struct MI_DISP_PubAttr *attr, ui
 /** Disable a layer, then its device. @return 0 or -1. Thread: UI thread. */
 NVRHAL_API int32_t vo_disable(int32_t dev, uint32_t layer);
 
-/** Lay out and enable ports 0..port_count-1 (1 to 16) of a device. @return 0 or -1. Thread: UI thread. */
+/**
+ * Lay out and enable ports 0..port_count-1 (1 to 16) of a device. The first call computes the panes;
+ * later ones apply them again whatever the count, and report success for devices other than 0 and
+ * -1 despite failures. @return 0 or -1. Thread: UI thread.
+ */
 NVRHAL_API int32_t vo_start_chn(int32_t dev, const struct MI_DISP_PubAttr *attr, int32_t port_count);
 
-/** Disable ports 0..port_count-1. @return the last port's platform result. Thread: UI thread. */
+/** Disable ports 0..port_count-1. @return the last port's platform result, 0 without ports. Thread: UI thread. */
 NVRHAL_API int32_t vo_stop_chn(int32_t dev, int32_t port_count);
 
 /** Does nothing. @return 1. */
@@ -209,6 +213,11 @@ NVRHAL_API int32_t Hdmi_callback(uint32_t hdmi_dev, uint32_t event, void *event_
 /* ======================================================================================= */
 /* Decoder channels                                                                         */
 /* ======================================================================================= */
+
+/*
+ * Thread, where nothing else is said: the channel's own thread, or the UI thread while that one is
+ * quiet. Calls on different channels may run in parallel.
+ */
 
 /**
  * Create and start decoder channels 0..count-1 (never above N), each with an output port of one
@@ -254,6 +263,8 @@ NVRHAL_API int32_t vdec_send_stream(uint32_t channel, const struct MI_VDEC_Strea
 
 /** Bind decoder channel i to display port i of device 0 for i in 0..count-1. @return 0 or -1 at the first failure. */
 NVRHAL_API int32_t vdec_bind_vpss(int32_t count);
+
+/** Disconnect a decoder channel (its output port `port`, in the second call) from a display port. @return 0 or -1. */
 NVRHAL_API int32_t vdec_unbind_vpss(uint32_t channel, uint32_t port);
 NVRHAL_API int32_t vdec_unbind_vo(uint32_t channel, uint32_t port, uint32_t dst_port);
 
@@ -328,9 +339,11 @@ extern NVRHAL_API uint32_t zoom_arg[3];
  * Reads of *frame: media, length (1 to 655360), width, height, data, channel, pts. Video channels
  * are 0 to 16. An audio block is a 4-byte header and 320-byte A-law frames; a remainder is dropped.
  * @param codec         video: 1 = H.265, any other = H.264; a change recreates the decoder
+ * A channel above 7 is shown only while cur_display_chnn is 255. Media of other kinds than none,
+ * video and audio are accepted and ignored.
  * @param link_quality  quality of the channel's link as the application measures it, 1 to 100;
- *                      0 = not measured. The worse, the smaller the backlog that is tolerated
- *                      before the decoder is reset.
+ *                      0 = not measured, never reset. The worse, the smaller the backlog that is
+ *                      tolerated before the decoder is reset; negative tolerates the most.
  * @param rate_class    below 5 tolerates the larger backlog of a band
  * @return 0 = accepted, also when the channel is not shown and the frame was dropped;
  *         -1 = refused (null, bad length or channel, kind 0, zoomed away, playback, decoder failure).
@@ -367,7 +380,10 @@ typedef struct PaneRect {
 /** Further record of the interface; no operation reads or writes it. */
 extern NVRHAL_API BindArgs global_bindarg;
 
-/** Last layout of display devices 0, 1 and 2; device -1's copy stands directly before it. */
+/**
+ * Last layout of display devices 0, 1 and 2; device -1's copy stands directly before it, for code
+ * that reaches the library's own object (built with -fPIC, or through dlsym).
+ */
 extern NVRHAL_API BindArgs old_global_bindarg[3];
 
 /** Pane rectangles: bank 0 further devices, bank 1 device 0, bank 2 device -1, bank 3 unused. */
@@ -380,9 +396,14 @@ extern NVRHAL_API PaneRect set_bind_para[4][16];
 extern NVRHAL_API pthread_mutex_t global_bindargLock;
 
 /**
- * Apply a layout to the main display. Every pane's channel is taken off the screen, its decoder
- * flushed and set to deliver min(screen, pane), and shown again; a single pane shows its channel
- * at the decoder's full size. Takes about 100 ms a pane.
+ * Apply a layout to the main display. All N live channels are taken off the screen; then each
+ * pane's decoder is flushed and set to deliver the smaller of the size it was created with and the
+ * pane's, width and height each for itself, and shown. A single pane shows its channel at the
+ * decoder's full size. Takes about 100 ms a pane. On display devices 1 and 2 everything goes dark
+ * and the result is 0.
+ * Even a refused call leaves no channel marked as shown: live frames are dropped until a layout
+ * succeeds. When the display fails while panes are shown, global_bindargLock stays held and the
+ * next layout waits for ever.
  * @param panes  count panes; several of one channel: the last wins
  * @param count  1 to N
  * @return 0 (also when device -1 is current: nothing is done), -1, or a platform code.
@@ -390,7 +411,10 @@ extern NVRHAL_API pthread_mutex_t global_bindargLock;
  */
 NVRHAL_API int32_t ext_change_display_format(const DispAttrib *panes, int32_t count);
 
-/** Apply a layout to the secondary output; only when device -1 is current. @return 0 or -1. Thread: UI thread. */
+/**
+ * Apply a layout to the secondary output; only when device -1 is current, else nothing is done.
+ * A display failure leaves global_bindargLock held. @return 0 or -1. Thread: UI thread.
+ */
 NVRHAL_API int32_t ext_change_display_slave(const DispAttrib *panes, int32_t count);
 
 /** Flush one decoder: destroy and create it with the same attributes, size and binding. @return 0 or the platform's code. */

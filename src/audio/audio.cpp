@@ -56,9 +56,9 @@ constexpr uint32_t kForcedModePayload = 2;
 constexpr uint32_t kForcedMode = 3;
 
 // Reserved words of the talkback capture that this board does not have.
-[[maybe_unused]] uint8_t *pu8AudioStream;
-[[maybe_unused]] void *pstAi;
-[[maybe_unused]] uint32_t u32ReadLen;
+[[gnu::used]] uint8_t *pu8AudioStream;
+[[gnu::used]] void *pstAi;
+[[gnu::used]] uint32_t u32ReadLen;
 
 uint32_t boot_audio_format; // stored for the application, read by nobody here
 
@@ -75,25 +75,31 @@ const MI_AO_PubAttr kOutput = {
 
 const MI_AO_AdecAttr kDecoder = {.codec = MI_AO_CODEC_G711A, .sample_rate = kOutputRateHz, .sound_mode = 0};
 
-} // namespace
-
-void nvrhal::set_audio_use(AudioUse use)
+void reset_mode_words()
 {
     store_word(audio_ctrl.reset_1, 0);
     store_word(audio_ctrl.reset_2, 0);
     store_word(audio_ctrl.enabled, 1);
     store_word(audio_ctrl.reset_4, 0);
+}
+
+} // namespace
+
+void nvrhal::set_audio_use(AudioUse use)
+{
+    reset_mode_words();
     store_word(audio_ctrl.mode, use);
 }
 
-void nvrhal::send_audio_frames(const uint8_t *block, uint32_t frames, const char *source)
+void nvrhal::send_audio_frames(const uint8_t *block, uint32_t frames, const char *source, int line)
 {
     for (uint32_t i = 0; i < frames; ++i) {
         MI_AO_Frame frame = {};
         frame.data[0] = block + kAudioHeaderBytes + i * kAudioFrameBytes;
         frame.length_bytes = kAudioFrameBytes;
-        (void)failed_call(source, "MI_AO_SendFrame fail=0x%x\n",
-                          MI_AO_SendFrame(kAudioDevice, kAudioChannel, &frame, kWaitForEver));
+        const int32_t sent = MI_AO_SendFrame(kAudioDevice, kAudioChannel, &frame, kWaitForEver);
+        if (sent != 0)
+            log_text("[%s]-%d: MI_AO_SendFrame fail=0x%x\n", source, line, static_cast<unsigned>(sent));
     }
 }
 
@@ -113,8 +119,11 @@ int32_t audio_init(void)
     if (failed_call(kSource, "MI_AO_EnableReSmp faile =0x%x\n",
                     MI_AO_EnableReSmp(kAudioDevice, kAudioChannel, kInputRateHz)))
         return -1;
-    audio_ctrl = {};
     set_audio_use(AUDIO_USE_OFF);
+    for (uint32_t &word : audio_ctrl.zero_5)
+        store_word(word, 0);
+    for (uint32_t &word : audio_ctrl.zero_9)
+        store_word(word, 0);
     store_word(audio_ctrl.chn_num, camera_count());
     return 0;
 }
@@ -150,9 +159,10 @@ int32_t audio_create_adec_chn(uint32_t device, uint32_t channel, uint32_t payloa
 int32_t ext_set_audio_live_channel(int32_t open, int32_t channel)
 {
     log_entry(kSource);
+    reset_mode_words();
     log_text("ipc_audio_debug:%s %d iChl=%d bOpen=%d\n", __func__, __LINE__, channel, open);
     MI_AO_SetMute(kAudioDevice, open == 0 ? 1 : 0);
-    set_audio_use(open != 0 ? AUDIO_USE_LIVE : AUDIO_USE_OFF);
+    store_word(audio_ctrl.mode, open != 0 ? AUDIO_USE_LIVE : AUDIO_USE_OFF);
     return 0;
 }
 

@@ -17,7 +17,8 @@ constexpr uint32_t kAudioHeaderBytes = 4;  // before the first audio frame of a 
 void set_audio_use(AudioUse use);
 
 /** Send `frames` frames that follow a block's header, blocking; a failing one does not stop the rest. */
-void send_audio_frames(const uint8_t *block, uint32_t frames, const char *source);
+void send_audio_frames(const uint8_t *block, uint32_t frames, const char *source,
+                       int line = __builtin_LINE());
 
 constexpr uint32_t kPlaybackBufferBytes = 0xA0000;
 

@@ -87,19 +87,19 @@ int32_t vdec_open_chn(uint32_t channel, const uint16_t *width, const uint16_t *h
 
 int32_t vdec_create(uint32_t codec_type, int32_t count)
 {
-    look_up_output_timing();
+    const ScreenSize screen = look_up_output_timing();
     store_word(vdec_chnn, count);
     if (count < 1) return 0;
 
     const uint32_t side = grid_side(count);
     log_text("u32Square=%d,s32Cnt=%d\n", static_cast<int>(side), count);
-    const PaneRect pane = grid_pane(side, 0, screen_width, screen_height);
-    const MI_VDEC_OutputPortAttr output = {pane_output(pane.w, screen_width),
-                                           pane_output(pane.h, screen_height)};
+    const PaneRect pane = grid_pane(side, 0, screen.width, screen.height);
+    const MI_VDEC_OutputPortAttr output = {pane_output(pane.w, screen.width),
+                                           pane_output(pane.h, screen.height)};
 
     for (int32_t channel = 0; channel < count && channel <= camera_count(); ++channel) {
         const uint32_t index = static_cast<uint32_t>(channel);
-        if (vdec_open_chn(index, &screen_width, &screen_height, codec_type, MI_VDEC_MODE_FRAME) != 0) {
+        if (vdec_open_chn(index, &screen.width, &screen.height, codec_type, MI_VDEC_MODE_FRAME) != 0) {
             log_error_line(kSource, "create vdec chn failed!");
             return -1;
         }
@@ -118,8 +118,8 @@ int32_t vdec_create(uint32_t codec_type, int32_t count)
 
 int32_t vdec_create_chnn(uint32_t codec_type, uint32_t channel)
 {
-    look_up_output_timing();
-    if (vdec_open_chn(channel, &screen_width, &screen_height, codec_type, MI_VDEC_MODE_STREAM) != 0) {
+    const ScreenSize screen = look_up_output_timing();
+    if (vdec_open_chn(channel, &screen.width, &screen.height, codec_type, MI_VDEC_MODE_STREAM) != 0) {
         log_error_line(kSource, "create vdec chn failed!");
         return -1;
     }

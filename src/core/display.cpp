@@ -2,8 +2,8 @@
  * Display bring-up: device, video layer, and one input port a camera in an even grid of panes.
  *
  * Two roads. start_disp runs once at start-up and takes the timing through the table. vo_start runs
- * for the GUI and uses enNorm_vga as a display output value as it stands. Both first stop what could
- * still feed what they change: ports before the layer, the layer before the device.
+ * for the GUI, uses enNorm_vga as a display output value as it stands, and first stops what could
+ * still feed what it changes: ports before the layer, the layer before the device.
  * UI thread.
  */
 #include "core/checked_call.h"
@@ -138,7 +138,7 @@ int32_t reapply_ports(int32_t dev, int32_t port_count)
 
 uint32_t start_disp(int32_t port_count)
 {
-    look_up_output_timing();
+    const ScreenSize screen = look_up_output_timing();
     const uint32_t side = grid_side(port_count);
 
     const char *name = shown_timing_name(D_DispTiming);
@@ -159,9 +159,9 @@ uint32_t start_disp(int32_t port_count)
         return kPlatformCallFailed;
 
     MI_DISP_VideoLayerAttr layer = {};
-    layer.window = {0, 0, screen_width, screen_height};
-    layer.width = screen_width;
-    layer.height = screen_height;
+    layer.window = {0, 0, screen.width, screen.height};
+    layer.width = screen.width;
+    layer.height = screen.height;
     layer.pixel_format = MI_PIXEL_YUV420_LAYER;
     if (failed_test("MI_DISP_BindVideoLayer(DispLayer, DispDev)",
                     [] { return MI_DISP_BindVideoLayer(kMainLayer, kMainDevice); }))
@@ -189,7 +189,7 @@ uint32_t start_disp(int32_t port_count)
     log_text("InputPortNum=%d\n", port_count);
     for (int32_t port = 0; port < port_count; ++port) {
         const uint32_t index = static_cast<uint32_t>(port);
-        if (!start_grid_port(index, grid_pane(side, index, screen_width, screen_height)))
+        if (!start_grid_port(index, grid_pane(side, index, screen.width, screen.height)))
             return kPlatformCallFailed;
     }
     return 0;

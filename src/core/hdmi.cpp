@@ -26,11 +26,11 @@ constexpr uint32_t kAudioRate48kHz = 3; // the transmitter's sample-rate code
 constexpr uint32_t kAudioBits = 16;
 constexpr size_t kParamTextBytes = 4;
 
-// Handed to the platform at start, which keeps what it points at. UI thread.
+// Handed to the platform at every start. UI thread.
 MI_HDMI_InitParam g_stCallbackFunc;
 
 // Reserved for HDMI arguments; nothing reads or writes it.
-[[maybe_unused]] uint32_t g_stHdmiArgs;
+[[gnu::used]] uint32_t g_stHdmiArgs;
 
 /**
  * A callback parameter as text. It usually points at a 32-bit word, so no more than four bytes of
@@ -66,7 +66,7 @@ void apply_to_new_monitor(uint32_t device)
     log_line(MI_HDMI_GetSinkInfo(device, &sink) == 0 ? "get sink caps success!" : "get sink caps failed!");
     if (failed_event(MI_HDMI_GetAttr(device, &attr))) return;
     if (failed_event(MI_HDMI_SetAttr(device, &attr))) return;
-    failed_event(MI_HDMI_Start(device));
+    MI_HDMI_Start(device);
 }
 
 } // namespace

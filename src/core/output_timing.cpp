@@ -65,6 +65,10 @@ consteval bool output_values_ascend()
 }
 static_assert(output_values_ascend());
 
+// Size of the last look-up that succeeded. Written and read by look_up_output_timing, word by word.
+uint16_t screen_width;
+uint16_t screen_height;
+
 template <typename Word> void store_if_wanted(Word *target, Word value)
 {
     if (target != nullptr) *target = value;
@@ -72,11 +76,9 @@ template <typename Word> void store_if_wanted(Word *target, Word value)
 
 } // namespace
 
-// Written by look_up_output_timing; read by the display and decoder bring-up.
+// Written by look_up_output_timing, word by word; read by the display bring-up.
 uint32_t nvrhal::D_HdmiTiming;
 uint32_t nvrhal::D_DispTiming;
-uint16_t nvrhal::screen_width;
-uint16_t nvrhal::screen_height;
 
 int32_t vo_timing_lookup(uint32_t code, uint32_t *hdmi_timing, uint32_t *disp_timing, uint16_t *width,
                          uint16_t *height)
@@ -111,9 +113,17 @@ int32_t vo_set_wh(void *, uint32_t, uint32_t, uint32_t)
     return 1;
 }
 
-void nvrhal::look_up_output_timing()
+nvrhal::ScreenSize nvrhal::look_up_output_timing()
 {
-    vo_timing_lookup(load_word(enNorm_vga), &D_HdmiTiming, &D_DispTiming, &screen_width, &screen_height);
+    uint32_t hdmi_timing = load_word(D_HdmiTiming);
+    uint32_t disp_timing = load_word(D_DispTiming);
+    ScreenSize size = {load_word(screen_width), load_word(screen_height)};
+    vo_timing_lookup(load_word(enNorm_vga), &hdmi_timing, &disp_timing, &size.width, &size.height);
+    store_word(D_HdmiTiming, hdmi_timing);
+    store_word(D_DispTiming, disp_timing);
+    store_word(screen_width, size.width);
+    store_word(screen_height, size.height);
+    return size;
 }
 
 const char *nvrhal::shown_timing_name(uint32_t disp_timing)

@@ -46,15 +46,18 @@ constexpr PaneRect grid_pane(uint32_t side, uint32_t index, uint32_t screen_widt
 
 /*
  * What the last successful look-up of enNorm_vga gave, 0 before: HDMI timing and display output
- * value, and the output's size in pixels. UI thread only.
+ * value. Written by the UI thread and by channel threads whose codec changes.
  */
 extern uint32_t D_HdmiTiming;
 extern uint32_t D_DispTiming;
-extern uint16_t screen_width;
-extern uint16_t screen_height;
 
-/** Look enNorm_vga up; a code without an entry leaves the last result standing. */
-void look_up_output_timing();
+/** Size of the output, pixels. */
+struct ScreenSize {
+    uint16_t width, height;
+};
+
+/** Look enNorm_vga up; a code without an entry leaves the last result standing. Any thread. */
+ScreenSize look_up_output_timing();
 
 /** Name under which a display output value is logged; null when the display cannot show it. */
 const char *shown_timing_name(uint32_t disp_timing);

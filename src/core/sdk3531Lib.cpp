@@ -15,6 +15,7 @@
 #include "core/log.h"
 #include "mi_disp.h"
 #include "mi_sys.h"
+#include "view/layout_state.h"
 
 #include <cstring>
 #include <fcntl.h>
@@ -83,12 +84,12 @@ void set_stream_defaults(int32_t count)
 {
     for (int32_t channel = 0; channel < within(major_stream, count); ++channel) {
         StreamAttr &attr = major_stream[channel];
-        attr.size_class = kMainStreamDefaults.size_class;
-        attr.width = kMainStreamDefaults.width;
-        attr.height = kMainStreamDefaults.height;
-        attr.frame_rate = kMainStreamDefaults.frame_rate;
-        attr.encode_mode = kMainStreamDefaults.encode_mode;
-        attr.format = kMainStreamDefaults.format;
+        store_word(attr.size_class, kMainStreamDefaults.size_class);
+        store_word(attr.width, kMainStreamDefaults.width);
+        store_word(attr.height, kMainStreamDefaults.height);
+        store_word(attr.frame_rate, kMainStreamDefaults.frame_rate);
+        store_word(attr.encode_mode, kMainStreamDefaults.encode_mode);
+        store_word(attr.format, kMainStreamDefaults.format);
     }
 }
 
@@ -138,8 +139,8 @@ bool exec_failed(Call call, const char *function = __builtin_FUNCTION(), int lin
 int32_t ext_device_init(const DeviceParams *params)
 {
     if (params == nullptr) return -1;
-    std::memset(old_global_bindarg, 0, sizeof old_global_bindarg);
-    std::memcpy(&DdvrInputParam, params, sizeof DdvrInputParam);
+    clear_saved_layouts();
+    std::memmove(&DdvrInputParam, params, sizeof DdvrInputParam); // it may be that very record
     if (DdvrInputParam.vo_dev_type == kNoLocalOutput) {
         store_word(globalVoDev, -1);
     } else {
@@ -158,10 +159,11 @@ int32_t nvrhal::sdk_init(const DeviceParams *params)
 
     const int32_t count = params->vi_chn_num;
     store_word(g_vi_chn_num, count);
-    log_text("videoPbChnnNum=%d\n", static_cast<int>(enNorm_vga)); // the text's number is the timing code
-    global_format_e = kVideoFormat;
-    globalFrmRate = kFrameRate;
-    global_videofomat = 0;
+    log_text("videoPbChnnNum=%d\n",
+             static_cast<int>(load_word(enNorm_vga))); // the text's number is the timing code
+    store_word(global_format_e, kVideoFormat);
+    store_word(globalFrmRate, kFrameRate);
+    store_word(global_videofomat, 0);
 
     set_stream_defaults(count);
     set_pool_sizes(stream_param_sub, kSubPool, count);
@@ -174,7 +176,7 @@ int32_t nvrhal::sdk_init(const DeviceParams *params)
     const uint32_t media = ST_Sys_Init(params);
     if (STAGE_FAILED("system init failed with %d!\n", media)) return -1;
 
-    const uint32_t hdmi = vo_hdmi_start(enNorm_vga);
+    const uint32_t hdmi = vo_hdmi_start(load_word(enNorm_vga));
     if (STAGE_FAILED("vo_hdmi_start failed with %d!\n", hdmi)) return -1;
 
     log_line("vdec_create");
@@ -187,7 +189,7 @@ int32_t nvrhal::sdk_init(const DeviceParams *params)
 
     log_line("vdec bind"); // binds nothing: the first layout does
     const int32_t framebuffer =
-        fb_init(static_cast<uint32_t>(globalVoDev), params->gui_width, params->gui_height);
+        fb_init(static_cast<uint32_t>(load_word(globalVoDev)), params->gui_width, params->gui_height);
     if (STAGE_FAILED("fb_init err %d!\n", framebuffer)) return -1;
 
     const int32_t audio = audio_init();
@@ -226,14 +228,14 @@ int32_t ext_gui_init(void)
 
 int32_t nvrhal::vo_start_init()
 {
-    const uint32_t display = vo_start(0, 0, globalFrmRate, kVideoFormat, camera_count());
+    const uint32_t display = vo_start(0, 0, load_word(globalFrmRate), kVideoFormat, camera_count());
     if (STAGE_FAILED("vo_start failed with %x!\n", display)) return -1;
 
-    const uint32_t hdmi = vo_hdmi_start(enNorm_vga);
+    const uint32_t hdmi = vo_hdmi_start(load_word(enNorm_vga));
     if (STAGE_FAILED("vo_hdmi_start failed with %d!\n", hdmi)) return -1;
 
-    const int32_t framebuffer =
-        fb_init(static_cast<uint32_t>(globalVoDev), DdvrInputParam.gui_width, DdvrInputParam.gui_height);
+    const int32_t framebuffer = fb_init(static_cast<uint32_t>(load_word(globalVoDev)),
+                                        DdvrInputParam.gui_width, DdvrInputParam.gui_height);
     if (STAGE_FAILED("fb_init err %d!\n", framebuffer)) return -1;
 
     close_logo();

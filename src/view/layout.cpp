@@ -8,8 +8,8 @@
  *   any layout -> ext_change_display_format -> all channels hidden -> panes prepared -> panes shown
  *                                          (refused: hidden until the next layout that succeeds)
  *
- * A display failure while panes are shown returns with the lock held: the application's recovery
- * restarts the process, and nobody may lay out on a half-shown screen before.
+ * A display failure while panes are shown returns with the lock held, so that the next layout waits
+ * for ever: nobody lays out on a half-shown screen.
  * UI thread.
  */
 #include "board_io.h"
@@ -277,7 +277,7 @@ int32_t ext_change_display_format(const DispAttrib *panes, int32_t count)
             const int32_t flushed = re_create_vdec(single_view_chn);
             if (failed_call(kSource, "MI_VDEC_StartChn failed errno 0x%x \n", flushed)) return flushed;
         }
-        single_view_chn = panes[0].channel;
+        single_view_chn = panes[0].channel; // unchecked: an absent one fails every single pane after it
     } else {
         single_view_chn = kNoChannel;
     }
@@ -309,9 +309,9 @@ int32_t ext_change_display_slave(const DispAttrib *panes, int32_t count)
              static_cast<int>(load_word(zoom_channel)), static_cast<int>(panes[0].channel));
     if (count == 1) {
         store_word(zoom_channel, panes[0].channel);
-        zoom_arg_pre[0] = panes[0].channel;
-        zoom_arg_pre[1] = panes[0].channel;
-        zoom_arg_pre[2] = 0;
+        store_word(zoom_arg_pre[0], panes[0].channel);
+        store_word(zoom_arg_pre[1], panes[0].channel);
+        store_word(zoom_arg_pre[2], 0);
     }
 
     BindArgs record = new_record(kSecondaryOutput);

@@ -25,6 +25,13 @@ BindArgs global_bindarg;
 pthread_mutex_t global_bindargLock = PTHREAD_MUTEX_INITIALIZER;
 uint32_t nvrhal::spare_pane_marks[nvrhal::kSparePaneMarks];
 
+void nvrhal::clear_saved_layouts()
+{
+    nvrhal_saved_layouts[0] = {};
+    for (BindArgs &record : old_global_bindarg)
+        record = {};
+}
+
 PaneRect nvrhal::even_rect(const DispAttrib &pane)
 {
     return {even(pane.x), even(pane.y), even(pane.w), even(pane.h)};

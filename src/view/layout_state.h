@@ -16,6 +16,9 @@ extern uint32_t spare_pane_marks[kSparePaneMarks];
 /** Saved layouts of devices -1 to 2; old_global_bindarg names the last three. */
 extern "C" __attribute__((visibility("hidden"))) BindArgs nvrhal_saved_layouts[4];
 
+/** Forget every saved layout, device -1's included. */
+void clear_saved_layouts();
+
 /** The rectangle of a pane, every value rounded down to even. */
 PaneRect even_rect(const DispAttrib &pane);
 
