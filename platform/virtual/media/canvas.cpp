@@ -122,35 +122,35 @@ private:
                      background_[1], background_[2]);
     }
 
-    // Ports drawn, as bits.
+    // Pane slots drawn, as bits.
     uint32_t draw(const Scene &scene)
     {
-        std::array<DrawnPane, MI_DISP_INPUT_PORTS> next = {};
+        std::array<DrawnPane, kPaneSlots> next = {};
         for (const Pane &pane : scene.panes)
-            next[pane.port] = {pane.window, pane.crop, pane.ticket->serial()};
+            next[pane.slot] = {pane.window, pane.crop, pane.ticket->serial()};
 
         // Where a window has gone or moved, the background comes back, and whoever lies there.
-        std::array<Rect, MI_DISP_INPUT_PORTS> cleared;
+        std::array<Rect, kPaneSlots> cleared;
         size_t clearings = 0;
-        for (size_t port = 0; port < next.size(); ++port) {
-            const Rect &old = drawn_[port].window;
-            if (old.width == 0 || old == next[port].window) continue;
+        for (size_t slot = 0; slot < next.size(); ++slot) {
+            const Rect &old = drawn_[slot].window;
+            if (old.width == 0 || old == next[slot].window) continue;
             fill(old);
             cleared[clearings++] = old;
         }
 
         uint32_t changed = 0;
-        std::array<Rect, MI_DISP_INPUT_PORTS> redrawn;
+        std::array<Rect, kPaneSlots> redrawn;
         size_t redrawings = 0;
         for (const Pane &pane : scene.panes) {
             const auto under = [&](const Rect &area) { return overlap(area, pane.window); };
-            const bool dirty = !(next[pane.port] == drawn_[pane.port]) ||
+            const bool dirty = !(next[pane.slot] == drawn_[pane.slot]) ||
                                std::any_of(cleared.begin(), cleared.begin() + clearings, under) ||
                                std::any_of(redrawn.begin(), redrawn.begin() + redrawings, under);
             if (!dirty) continue;
             draw_pane(pane);
             redrawn[redrawings++] = pane.window;
-            changed |= 1u << pane.port;
+            changed |= 1u << pane.slot;
         }
         drawn_ = next;
         return changed;
@@ -167,7 +167,7 @@ private:
         const bool once_across = width == stream.width || width == to.width;
         const bool once_down = height == stream.height || height == to.height;
         const MutablePlanarView place = part_of(picture_.view(), to.x, to.y, to.width, to.height);
-        Stages &stages = stages_[pane.port];
+        Stages &stages = stages_[pane.slot];
         if (!reduced) {
             const Rect &crop = pane.crop;
             stages.last.scale(whole ? stream : part_of(stream, crop.x, crop.y, crop.width, crop.height),
@@ -209,8 +209,8 @@ private:
     OwnPicture covered_; // the same with the framebuffer over it
     Scaler copier_;
     uint8_t background_[3] = {};
-    std::array<DrawnPane, MI_DISP_INPUT_PORTS> drawn_; // by port
-    std::array<Stages, MI_DISP_INPUT_PORTS> stages_;   // by port
+    std::array<DrawnPane, kPaneSlots> drawn_; // by pane slot
+    std::array<Stages, kPaneSlots> stages_;   // by pane slot
 };
 
 std::array<Canvas, kDevices> &canvases()

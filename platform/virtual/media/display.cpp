@@ -11,7 +11,6 @@ namespace vboard
 namespace
 {
 
-constexpr uint32_t kPipLayer = 1;
 constexpr uint32_t kMaxRate_hz = 240;
 constexpr uint32_t kMaxLayerSide = 4096; // pixels
 
@@ -72,12 +71,16 @@ int device_index(int32_t device)
     return index >= 0 && index < kDevices ? static_cast<int>(index) : -1;
 }
 
-const Layer *main_layer(const DisplayState &display, const Device &device)
+PortPlace place_of_ports(const DisplayState &display, const Device &device)
 {
     const auto number = static_cast<int32_t>(&device - display.devices.data()) + kFirstDevice;
+    const Layer &pip = display.layers[kPipLayer];
+    if (number == kPipPortsDevice && pip.device)
+        return {&pip, &display.devices[static_cast<size_t>(device_index(*pip.device))]};
     for (uint32_t layer = 0; layer < kLayers; ++layer)
-        if (layer != kPipLayer && display.layers[layer].device == number) return &display.layers[layer];
-    return nullptr;
+        if (layer != kPipLayer && display.layers[layer].device == number)
+            return {&display.layers[layer], &device};
+    return {nullptr, &device};
 }
 
 int32_t display_set_attr(int32_t device, const MI_DISP_PubAttr *attr)
@@ -193,7 +196,7 @@ int32_t port_set_attr(int32_t device, uint32_t port, const MI_DISP_InputPortAttr
 {
     if (attr == nullptr) return no_record();
     return with_port(device, port, [&](DisplayState &display, Device &unit, InputPort &input) -> int32_t {
-        const Layer *layer = main_layer(display, unit);
+        const Layer *layer = place_of_ports(display, unit).layer;
         if (layer != nullptr && layer->has_attr &&
             !lies_within(attr->window, layer->attr.width, layer->attr.height))
             return refuse(MI_MODULE_DISP, MI_REASON_BAD_VALUE,

@@ -73,9 +73,11 @@ struct Rect {
     bool operator==(const Rect &) const = default;
 };
 
+constexpr uint32_t kPaneSlots = 2 * MI_DISP_INPUT_PORTS;
+
 /* One visible window, in output pixels, all even and inside the output. */
 struct Pane {
-    uint32_t port;
+    uint32_t slot; // the device's ports, then those of the picture in picture
     Rect window;
     Rect crop; // part of the delivered picture
     TicketPtr ticket;

@@ -35,9 +35,10 @@ uint32_t refresh_hz(const Device &device)
 
 bool is_visible(const DisplayState &display, const Device &device, const InputPort &port)
 {
-    if (!device.enabled || !port.enabled || port.hidden) return false;
-    const Layer *layer = main_layer(display, device);
-    return layer != nullptr && layer->enabled && port.attr.window.width > 0 && port.attr.window.height > 0;
+    const PortPlace place = place_of_ports(display, device);
+    if (!place.output->enabled || !port.enabled || port.hidden) return false;
+    return place.layer != nullptr && place.layer->enabled && port.attr.window.width > 0 &&
+           port.attr.window.height > 0;
 }
 
 void mark_seen(InputPort &port)
@@ -71,9 +72,12 @@ void tell_waiters(DisplayState &display)
     if (any_met) display.arrived.notify_all();
 }
 
-// A window on its layer, in output pixels: whole chroma samples, inside the output.
-Rect output_window(const MI_Rect &window, const MI_DISP_VideoLayerAttr &layer, int width, int height)
+// A window on its layer, in output pixels: whole chroma samples, inside the layer and the output.
+Rect output_window(const MI_Rect &window, const MI_DISP_VideoLayerAttr &layer, int output_width,
+                   int output_height)
 {
+    const int width = std::min(output_width, layer.window.x + layer.window.width);
+    const int height = std::min(output_height, layer.window.y + layer.window.height);
     const auto across = [&](int x) { return x * int{layer.window.width} / static_cast<int>(layer.width); };
     const auto down = [&](int y) { return y * int{layer.window.height} / static_cast<int>(layer.height); };
     const int left = std::min(width, layer.window.x + across(window.x)) & ~1;
@@ -102,13 +106,30 @@ Rect picture_crop(const InputPort &port, int width, int height)
     return {x, y, crop_width, crop_height};
 }
 
+// The visible windows of `owner`'s ports that `output` shows, from pane slot `first_slot` on.
+void add_panes(const DisplayState &display, Device &owner, const Device &output, uint32_t first_slot,
+               Scene &scene)
+{
+    const PortPlace place = place_of_ports(display, owner);
+    if (place.output != &output) return;
+    for (uint32_t port = 0; port < MI_DISP_INPUT_PORTS; ++port) {
+        InputPort &input = owner.ports[port];
+        if (input.current == nullptr || !is_visible(display, owner, input)) continue;
+        const Rect window = output_window(input.attr.window, place.layer->attr, scene.width, scene.height);
+        if (window.width < 2 || window.height < 2) continue;
+        const Rect crop = picture_crop(input, input.current->width(), input.current->height());
+        scene.panes.push_back({first_slot + port, window, crop, input.current});
+        mark_seen(input);
+    }
+}
+
 } // namespace
 
 void settle(const DisplayState &display, const Device &device, InputPort &port)
 {
     if (port.current == nullptr || port.current_seen || device.pacing == VBOARD_PACING_STEP) return;
     if (!is_visible(display, device, port)) return;
-    const int64_t rate = refresh_hz(device);
+    const int64_t rate = refresh_hz(*place_of_ports(display, device).output);
     const int64_t refresh_then = port.current_since_us * rate / 1000000;
     const int64_t refresh_now = clock_now_us() * rate / 1000000;
     if (refresh_now > refresh_then) mark_seen(port);
@@ -186,16 +207,9 @@ Scene display_scene(int32_t device)
     scene.background[1] = static_cast<uint8_t>(colour & 0xff);
     scene.background[2] = static_cast<uint8_t>(colour >> 16 & 0xff);
     if (!unit.enabled) return scene;
-    for (uint32_t port = 0; port < MI_DISP_INPUT_PORTS; ++port) {
-        InputPort &input = unit.ports[port];
-        if (input.current == nullptr || !is_visible(display, unit, input)) continue;
-        const Rect window =
-            output_window(input.attr.window, main_layer(display, unit)->attr, scene.width, scene.height);
-        if (window.width < 2 || window.height < 2) continue;
-        const Rect crop = picture_crop(input, input.current->width(), input.current->height());
-        scene.panes.push_back({port, window, crop, input.current});
-        mark_seen(input);
-    }
+    add_panes(display, unit, unit, 0, scene);
+    Device &pip = *find_device(display, kPipPortsDevice);
+    if (&pip != &unit) add_panes(display, pip, unit, MI_DISP_INPUT_PORTS, scene); // over the others
     return scene;
 }
 

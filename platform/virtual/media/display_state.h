@@ -14,6 +14,9 @@
 namespace vboard
 {
 
+constexpr uint32_t kPipLayer = 1;
+constexpr int32_t kPipPortsDevice = 1; // whose ports lie on kPipLayer
+
 struct InputPort {
     MI_DISP_InputPortAttr attr = {};
     MI_Rect zoom = {}; // 0 x 0 = the whole
@@ -76,8 +79,17 @@ struct DisplayState {
 
 DisplayState &display_state();
 
-/* The layer that a device's ports lie on; null = none. Layer 1 is the picture in picture. */
-const Layer *main_layer(const DisplayState &display, const Device &device);
+/* Where the ports of a device lie, and which device's output shows them. */
+struct PortPlace {
+    const Layer *layer; // null = nowhere
+    const Device *output;
+};
+
+/*
+ * Ports lie on a layer that is bound to their device. Layer 1, the picture in picture, is the
+ * exception: it carries the ports of device 1 wherever it is bound, over that device's own.
+ */
+PortPlace place_of_ports(const DisplayState &display, const Device &device);
 
 /* Work out whether a refresh has shown the picture on screen by now; before anything hides it. */
 void settle(const DisplayState &display, const Device &device, InputPort &port);
