@@ -11,9 +11,7 @@ namespace nvrec
 namespace
 {
 
-#define NVREC_FORMAT(position) __attribute__((format(printf, position, position + 1)))
-
-NVREC_FORMAT(1) std::string text(const char *format, ...)
+__attribute__((format(printf, 1, 2))) std::string text(const char *format, ...)
 {
     char line[512];
     va_list arguments;

@@ -2,7 +2,6 @@
 #include "terminal.h"
 
 #include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <system_error>
 
@@ -17,6 +16,11 @@ namespace
 constexpr int kLogMode = 0644;
 constexpr int kInPlacePeriod_ms = 500;
 constexpr int kLinePeriod_ms = 5000;
+
+std::string error_text()
+{
+    return std::system_category().message(errno);
+}
 
 /* A stream of one's own to where a descriptor leads now. */
 FILE *another_stream_to(int descriptor)
@@ -45,14 +49,14 @@ bool Terminal::send_log_to(const std::string &path)
 
     const int log = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, kLogMode);
     if (log < 0) {
-        complain("cannot write the log " + path + ": " + std::strerror(errno));
+        complain("cannot write the log " + path + ": " + error_text());
         return false;
     }
     std::fflush(stdout);
     FILE *own = another_stream_to(STDOUT_FILENO);
     FILE *own_error = another_stream_to(STDERR_FILENO);
     if (!own || !own_error || dup2(log, STDOUT_FILENO) < 0 || dup2(log, STDERR_FILENO) < 0) {
-        complain(std::string("cannot part the log from the terminal: ") + std::strerror(errno));
+        complain("cannot part the log from the terminal: " + error_text());
         close(log);
         return false;
     }
