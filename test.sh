@@ -26,7 +26,7 @@ bad_legs=()
 
 # leg NAME COMMAND...: run it, print its time, remember a failure.
 leg() {
-    local name=$1 begin=$SECONDS
+    local name=$1 begin=$SECONDS failed_before=$failed
     shift
     echo "=== $name"
     if "$@"; then
@@ -34,6 +34,7 @@ leg() {
     else
         echo "=== $name: FAILED, $((SECONDS - begin)) s"
         bad_legs+=("$name")
+        [ $failed -gt $failed_before ] || failed=$((failed + 1)) # it failed outside its tests
     fi
 }
 
