@@ -50,6 +50,7 @@ nvrhal_test(vboard_test
   ${CMAKE_CURRENT_SOURCE_DIR}/board_graph_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/board_hdmi_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/board_race_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/scaler_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/stamp_test.cpp
-  LIBS board_rig LABEL board TIMEOUT 300)
+  LIBS board_rig vboard_host LABEL board TIMEOUT 300)
 target_compile_definitions(vboard_test PRIVATE PLATFORM_CALLS="${CMAKE_BINARY_DIR}/platform_calls.txt")

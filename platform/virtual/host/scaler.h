@@ -14,8 +14,8 @@ namespace vboard
 
 enum class ScaleMethod {
     copy,       // sizes are equal
-    libyuv,     // libyuv, averaging over the source pixels when it reduces
-    libswscale, // libswscale's bilinear filter, widened when it reduces
+    libyuv,     // libyuv's box filter: averages over source pixels where a side at least halves
+    libswscale, // libswscale's bilinear filter
 };
 
 /* The method for a pair of sizes: the faster of those whose quality will do (see scaler.cpp). */
@@ -34,6 +34,8 @@ public:
     bool scale(const PlanarView &from, const MutablePlanarView &to);
 
 private:
+    bool scale_with_libswscale(const PlanarView &from, const MutablePlanarView &to);
+
     struct State;
     std::unique_ptr<State> state_;
 };
