@@ -89,18 +89,18 @@ enum FrameMedia {
  * reads or fills is said at the call.
  */
 typedef struct FrameInfo {
-    uint32_t frame_type;    /*  0  1 = key frame                                              */
-    uint32_t media;         /*  4  enum FrameMedia                                            */
-    uint32_t length;        /*  8  bytes at data                                              */
-    uint32_t width;         /* 12  picture width, pixels                                      */
-    uint32_t height;        /* 16  picture height, pixels                                     */
-    void *data;             /* 20  the bytes                                                  */
-    uint32_t channel;       /* 24  channel, from 0                                            */
-    uint32_t stream_id;     /* 28  audio: channel + 2 N                                       */
-    uint32_t display_rate;  /* 32  playback buffers: display-rate mode, 2 = double            */
-    uint32_t reserved[2];   /* 36  carried                                                    */
-    nvrhal_u64 local_time;  /* 44  microseconds since 1970-01-01 00:00 UTC                    */
-    nvrhal_u64 pts;         /* 52  presentation time stamp                                    */
+    uint32_t frame_type;   /*  0  1 = key frame                                              */
+    uint32_t media;        /*  4  enum FrameMedia                                            */
+    uint32_t length;       /*  8  bytes at data                                              */
+    uint32_t width;        /* 12  picture width, pixels                                      */
+    uint32_t height;       /* 16  picture height, pixels                                     */
+    void *data;            /* 20  the bytes                                                  */
+    uint32_t channel;      /* 24  channel, from 0                                            */
+    uint32_t stream_id;    /* 28  audio: channel + 2 N                                       */
+    uint32_t display_rate; /* 32  playback buffers: display-rate mode, 2 = double            */
+    uint32_t reserved[2];  /* 36  carried                                                    */
+    nvrhal_u64 local_time; /* 44  microseconds since 1970-01-01 00:00 UTC                    */
+    nvrhal_u64 pts;        /* 52  presentation time stamp                                    */
 } FrameInfo;
 
 /** The library's copy of the start-up block. */
@@ -149,8 +149,8 @@ NVRHAL_API int32_t ext_gui_init(void);
  * All outputs stay as they are for any other code ("Unspport Ap timing" is printed). Null outputs
  * are skipped. @return 0. Thread: any.
  */
-NVRHAL_API int32_t vo_timing_lookup(uint32_t code, uint32_t *hdmi_timing, uint32_t *disp_timing, uint16_t *width,
-                                    uint16_t *height);
+NVRHAL_API int32_t vo_timing_lookup(uint32_t code, uint32_t *hdmi_timing, uint32_t *disp_timing,
+                                    uint16_t *width, uint16_t *height);
 
 /** Size and refresh rate of a display output value. @return 0, or -1 for a value not known. Thread: any. */
 NVRHAL_API int32_t vo_get_wh(uint32_t value, uint32_t *width, uint32_t *height, uint32_t *frame_rate);
@@ -184,7 +184,8 @@ NVRHAL_API int32_t vo_disable(int32_t dev, uint32_t layer);
  */
 NVRHAL_API int32_t vo_start_chn(int32_t dev, const struct MI_DISP_PubAttr *attr, int32_t port_count);
 
-/** Disable ports 0..port_count-1. @return the last port's platform result, 0 without ports. Thread: UI thread. */
+/** Disable ports 0..port_count-1. @return the last port's platform result, 0 without ports. Thread: UI
+ * thread. */
 NVRHAL_API int32_t vo_stop_chn(int32_t dev, int32_t port_count);
 
 /** Does nothing. @return 1. */
@@ -231,13 +232,14 @@ NVRHAL_API int32_t vdec_create(uint32_t codec_type, int32_t count);
  * @param video_mode  1 = whole frames per send, 0 = any cut of the stream
  * @return 0, -1 for a bad codec type or a null size, or the platform's code.
  */
-NVRHAL_API int32_t vdec_open_chn(uint32_t channel, const uint16_t *width, const uint16_t *height, uint32_t codec_type,
-                                 uint32_t video_mode);
+NVRHAL_API int32_t vdec_open_chn(uint32_t channel, const uint16_t *width, const uint16_t *height,
+                                 uint32_t codec_type, uint32_t video_mode);
 
 /** Create and start one channel with the screen's size. @return 0 or -1. */
 NVRHAL_API int32_t vdec_create_chnn(uint32_t codec_type, uint32_t channel);
 
-/** Stop, destroy and create a channel for codec code 1 = H.265, any other = H.264. @return 0 or the first failure. */
+/** Stop, destroy and create a channel for codec code 1 = H.265, any other = H.264. @return 0 or the first
+ * failure. */
 NVRHAL_API int32_t vdec_recreate(uint32_t channel, uint32_t codec_code);
 
 /** Stop and start a channel: what is queued is lost. @return 0 when it runs again. */
@@ -261,10 +263,12 @@ NVRHAL_API int32_t vdec_wait_destroy_chn(uint32_t channel, int32_t wait, uint32_
 /** Send encoded data, waiting up to 20 ms for room; a failure resets the channel. @return 0 or -1. */
 NVRHAL_API int32_t vdec_send_stream(uint32_t channel, const struct MI_VDEC_Stream *stream);
 
-/** Bind decoder channel i to display port i of device 0 for i in 0..count-1. @return 0 or -1 at the first failure. */
+/** Bind decoder channel i to display port i of device 0 for i in 0..count-1. @return 0 or -1 at the first
+ * failure. */
 NVRHAL_API int32_t vdec_bind_vpss(int32_t count);
 
-/** Disconnect a decoder channel (its output port `port`, in the second call) from a display port. @return 0 or -1. */
+/** Disconnect a decoder channel (its output port `port`, in the second call) from a display port. @return 0
+ * or -1. */
 NVRHAL_API int32_t vdec_unbind_vpss(uint32_t channel, uint32_t port);
 NVRHAL_API int32_t vdec_unbind_vo(uint32_t channel, uint32_t port, uint32_t dst_port);
 
@@ -349,7 +353,8 @@ extern NVRHAL_API uint32_t zoom_arg[3];
  *         -1 = refused (null, bad length or channel, kind 0, zoomed away, playback, decoder failure).
  * Thread: channel thread.
  */
-NVRHAL_API int32_t ext_send_stream(const FrameInfo *frame, uint32_t codec, int32_t link_quality, int32_t rate_class);
+NVRHAL_API int32_t ext_send_stream(const FrameInfo *frame, uint32_t codec, int32_t link_quality,
+                                   int32_t rate_class);
 
 /* ======================================================================================= */
 /* Live view: layouts                                                                       */
@@ -417,7 +422,8 @@ NVRHAL_API int32_t ext_change_display_format(const DispAttrib *panes, int32_t co
  */
 NVRHAL_API int32_t ext_change_display_slave(const DispAttrib *panes, int32_t count);
 
-/** Flush one decoder: destroy and create it with the same attributes, size and binding. @return 0 or the platform's code. */
+/** Flush one decoder: destroy and create it with the same attributes, size and binding. @return 0 or the
+ * platform's code. */
 NVRHAL_API int32_t re_create_vdec(uint32_t channel);
 
 /* ======================================================================================= */
@@ -892,7 +898,8 @@ NVRHAL_API int32_t audio_start_ao(uint32_t device, uint32_t unused, const struct
  * Configure and enable a device channel's decoder. @param payload_type  0 to 2; 2 forces mode 3
  * @return 0, -1 for another payload type, or the platform's code. Thread: UI thread.
  */
-NVRHAL_API int32_t audio_create_adec_chn(uint32_t device, uint32_t channel, uint32_t payload_type, uint32_t mode);
+NVRHAL_API int32_t audio_create_adec_chn(uint32_t device, uint32_t channel, uint32_t payload_type,
+                                         uint32_t mode);
 
 /**
  * Switch live audio on or off. Which channel is heard is decided by what is sent; the number is
@@ -1138,7 +1145,8 @@ NVRHAL_API int32_t ext_vo_buffer_clear2(uint32_t channel);
  */
 NVRHAL_API int32_t ext_vo_buffer_clear3(uint32_t channel, uint32_t mode);
 
-/** Connect decoder `channel`, or decoder N + 1, to port `channel` of device 0. @return 0. Thread: UI thread. */
+/** Connect decoder `channel`, or decoder N + 1, to port `channel` of device 0. @return 0. Thread: UI thread.
+ */
 NVRHAL_API int32_t ext_vo_buffer_create1(uint32_t channel);
 NVRHAL_API int32_t ext_vo_buffer_create2(uint32_t channel);
 
@@ -1153,10 +1161,13 @@ NVRHAL_API int32_t ext_record_enable(uint32_t channel, uint32_t enable);
 NVRHAL_API int32_t ext_get_video_loss_status(uint32_t mask[2]);
 
 /** Store three quality values of a channel's main or network stream. @return 0. Thread: any. */
-NVRHAL_API int32_t ext_change_local_img_quality(uint32_t channel, uint32_t first, uint32_t second, uint32_t third);
-NVRHAL_API int32_t ext_change_net_img_quality(uint32_t channel, uint32_t first, uint32_t second, uint32_t third);
+NVRHAL_API int32_t ext_change_local_img_quality(uint32_t channel, uint32_t first, uint32_t second,
+                                                uint32_t third);
+NVRHAL_API int32_t ext_change_net_img_quality(uint32_t channel, uint32_t first, uint32_t second,
+                                              uint32_t third);
 
-/** Store a channel's network size code; its network stream becomes 640 x 360 for any. @return 0. Thread: any. */
+/** Store a channel's network size code; its network stream becomes 640 x 360 for any. @return 0. Thread: any.
+ */
 NVRHAL_API int32_t ext_change_net_video_size(uint32_t channel, uint32_t size);
 
 /** Only reported; the picture stays as it is. @return 0. Thread: any. */
@@ -1293,7 +1304,8 @@ NVRHAL_API void hi_localkey_proc(void);
 /* Board                                                                                    */
 /* ======================================================================================= */
 
-/** Load the GPIO driver and configure the output lines; start-up calls it. @return 0 or -1. Thread: UI thread. */
+/** Load the GPIO driver and configure the output lines; start-up calls it. @return 0 or -1. Thread: UI
+ * thread. */
 NVRHAL_API int32_t local_gpio_init(void);
 
 /** The buzzer line: 1 = high, 0 = low. It is high after start-up. @return 0 or -1. Thread: any. */

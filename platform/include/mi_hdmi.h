@@ -27,20 +27,20 @@ typedef struct MI_HDMI_InitParam {
 
 /** Attributes of the transmitter. 56 bytes. */
 typedef struct MI_HDMI_Attr {
-    uint32_t connected;           /*  0  carried                          */
-    uint32_t video_enabled;       /*  4                                   */
-    uint32_t video_timing;        /*  8  HDMI timing value                */
-    uint32_t output_mode;         /* 12  0 = HDMI                         */
-    uint32_t colour_type;         /* 16  0 = RGB                          */
-    uint32_t deep_colour;         /* 20  0 = 24 bit                       */
-    uint32_t audio_enabled;       /* 24                                   */
-    uint32_t audio_multichannel;  /* 28                                   */
-    uint32_t audio_sample_rate;   /* 32  code; 3 = 48 kHz                 */
-    uint32_t audio_bit_depth;     /* 36  bits                             */
-    uint32_t audio_coding;        /* 40  0 = PCM                          */
-    uint32_t avi_infoframe;       /* 44  1 = send                         */
-    uint32_t audio_infoframe;     /* 48  1 = send                         */
-    uint32_t spd_infoframe;       /* 52  1 = send                         */
+    uint32_t connected;          /*  0  carried                          */
+    uint32_t video_enabled;      /*  4                                   */
+    uint32_t video_timing;       /*  8  HDMI timing value                */
+    uint32_t output_mode;        /* 12  0 = HDMI                         */
+    uint32_t colour_type;        /* 16  0 = RGB                          */
+    uint32_t deep_colour;        /* 20  0 = 24 bit                       */
+    uint32_t audio_enabled;      /* 24                                   */
+    uint32_t audio_multichannel; /* 28                                   */
+    uint32_t audio_sample_rate;  /* 32  code; 3 = 48 kHz                 */
+    uint32_t audio_bit_depth;    /* 36  bits                             */
+    uint32_t audio_coding;       /* 40  0 = PCM                          */
+    uint32_t avi_infoframe;      /* 44  1 = send                         */
+    uint32_t audio_infoframe;    /* 48  1 = send                         */
+    uint32_t spd_infoframe;      /* 52  1 = send                         */
 } MI_HDMI_Attr;
 
 /** What the monitor says of itself. 16 bytes. */

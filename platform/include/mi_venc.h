@@ -32,12 +32,12 @@ typedef struct MI_VENC_JpegParam {
 
 /** One piece of an encoded picture. 136 bytes on the 32-bit target. */
 typedef struct MI_VENC_Pack {
-    uint8_t *address;       /*   0  first byte                           */
-    uint32_t length_bytes;  /*   4  bytes at address, the offset included */
-    MI_U64 pts;             /*   8  the source picture's time stamp      */
-    uint32_t offset_bytes;  /*  16  where the payload begins             */
-    uint32_t frame_end;     /*  20  1 = last pack of the picture         */
-    uint32_t reserved[28];  /*  24  0                                    */
+    uint8_t *address;      /*   0  first byte                           */
+    uint32_t length_bytes; /*   4  bytes at address, the offset included */
+    MI_U64 pts;            /*   8  the source picture's time stamp      */
+    uint32_t offset_bytes; /*  16  where the payload begins             */
+    uint32_t frame_end;    /*  20  1 = last pack of the picture         */
+    uint32_t reserved[28]; /*  24  0                                    */
 } MI_VENC_Pack;
 
 /** A list of packs. The caller supplies the array and its size; the call fills both. */

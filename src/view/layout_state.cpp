@@ -39,7 +39,7 @@ PaneRect nvrhal::even_rect(const DispAttrib &pane)
 
 // Device numbers index old_global_bindarg from -1 to 2, so the secondary output's record stands
 // directly before the symbol. C++ cannot name the middle of an object; the assembler can.
-BindArgs nvrhal_saved_layouts[4];
+BindArgs nvrhal::nvrhal_saved_layouts[4];
 __asm__(".globl old_global_bindarg\n"
         ".type old_global_bindarg, %object\n"
         ".set old_global_bindarg, nvrhal_saved_layouts + 136\n"

@@ -142,10 +142,10 @@ typedef struct vboard_port_stat {
     uint32_t queued;                 /* step pacing: pictures waiting                            */
     uint32_t picture_width;          /* size of the picture on screen, as delivered, pixels      */
     uint32_t picture_height;
-    uint64_t picture_pts;  /* its time stamp                                           */
-    uint64_t taken;        /* pictures the port accepted                               */
-    uint64_t shown;        /* of these, on screen at a refresh (or a step)             */
-    uint64_t dropped;      /* of these, replaced before a refresh, or cleared unseen   */
+    uint64_t picture_pts; /* its time stamp                                           */
+    uint64_t taken;       /* pictures the port accepted                               */
+    uint64_t shown;       /* of these, on screen at a refresh (or a step)             */
+    uint64_t dropped;     /* of these, replaced before a refresh, or cleared unseen   */
 } vboard_port_stat;
 
 /** Read a port's state. 0, or -1. */

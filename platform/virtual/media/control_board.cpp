@@ -111,7 +111,7 @@ void vboard_reset(void)
     trace_stop();
     clock_release();
     follow_reset();
-    vdec_reset(); // before the graph: its workers deliver along it
+    vdec_reset();   // before the graph: its workers deliver along it
     scaler_reset(); // likewise
     venc_reset();
     graph_reset();
