@@ -49,6 +49,7 @@ echo "deb $mirror $suite main" >"$root/etc/apt/sources.list"
 cp -L /etc/resolv.conf /etc/hosts "$root/etc/"
 mount --bind /proc "$root/proc" && mounted=("$root/proc" "${mounted[@]}")
 mount --bind /dev "$root/dev" && mounted=("$root/dev" "${mounted[@]}")
+mount --bind /sys "$root/sys" && mounted=("$root/sys" "${mounted[@]}") # x265 asks it for the processors
 
 git clone -q --no-hardlinks . "$root/nvrhal"
 
