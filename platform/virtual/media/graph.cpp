@@ -8,6 +8,7 @@
 
 #include "media/call.h"
 #include "media/display.h"
+#include "media/modules.h"
 #include "media/scaler_channel.h"
 #include "media/vdec_channel.h"
 #include "media/venc_channel.h"

@@ -28,9 +28,6 @@ int32_t graph_unbind(const MI_SYS_ChnPort *source, const MI_SYS_ChnPort *sink);
 void graph_deliver(MI_ModuleId module, uint32_t channel, const TicketPtr &ticket,
                    const std::atomic<bool> &abandoned);
 
-/* Drop every binding. */
-void graph_reset();
-
 } // namespace vboard
 
 #endif
