@@ -33,6 +33,7 @@ namespace
 
 constexpr double kAimBeyondInterval_ms = 3;
 constexpr int kRowCameras = 16;
+constexpr int kFrameInterval = 40, kPhaseStep = 17; // ms; without a common divisor
 
 FILE *report; // the real standard output; the library's texts go to /dev/null
 
@@ -71,8 +72,9 @@ int time_calls(const wallbench::Clip &clip, int count)
     const RunningCameras cameras(clip, 1);
     std::vector<double> times_ms;
     for (int i = 0; i < count; ++i) {
-        // 17/40 of an interval further each time: every phase comes.
-        std::this_thread::sleep_for(std::chrono::milliseconds(57));
+        // The last call ended with a frame: wait so that every phase of the interval has its turn.
+        std::this_thread::sleep_for(
+            std::chrono::milliseconds(kFrameInterval + i * kPhaseStep % kFrameInterval));
         const double begin_ms = now_ms();
         if (take_snapshot(0) == 0) return 1;
         times_ms.push_back(now_ms() - begin_ms);
