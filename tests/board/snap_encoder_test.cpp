@@ -147,7 +147,7 @@ TEST_F(Encoder, GivesOnePackAPictureWithItsTimeStamp)
     ASSERT_EQ(get(), MI_SUCCESS);
     EXPECT_EQ(stream.pack_count, 1u);
     EXPECT_EQ(stream.sequence, 0u);
-    EXPECT_EQ(pack.pts, 0x123456789ABCull);
+    EXPECT_EQ(uint64_t{pack.pts}, 0x123456789ABCull); // a copy: the field is 4-byte aligned
     EXPECT_EQ(pack.offset_bytes, 0u);
     EXPECT_EQ(pack.frame_end, 1u);
     EXPECT_EQ(memcmp(pack.address, "\xFF\xD8", 2), 0);
