@@ -30,11 +30,17 @@ public:
           serial_(next_serial()), tally_(tally)
     {
     }
-    ~Ticket() { (seen_.load(std::memory_order_relaxed) ? tally_.shown : tally_.dropped).fetch_add(1); }
+    ~Ticket()
+    {
+        if (!seen_.load(std::memory_order_relaxed)) tally_.dropped.fetch_add(1);
+    }
     Ticket(const Ticket &) = delete;
     Ticket &operator=(const Ticket &) = delete;
 
-    void mark_seen() const { seen_.store(true, std::memory_order_relaxed); }
+    void mark_seen() const
+    {
+        if (!seen_.exchange(true, std::memory_order_relaxed)) tally_.shown.fetch_add(1);
+    }
 
     const Picture &picture() const { return *picture_; }
     int width() const { return width_; }
