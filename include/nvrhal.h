@@ -459,8 +459,10 @@ NVRHAL_API int32_t ext_change_zoom_format(const DispAttrib *panes, int32_t count
 NVRHAL_API int32_t ext_change_zoom_slave(const DispAttrib *panes, int32_t count);
 
 /**
- * Put video layer 1 over the main picture of device 0. @param dev  0 or 1
- * @param x,y,w,h  output pixels. @return 0 or -1. Thread: UI thread.
+ * Put video layer 1 over the main picture of device 0. The layer carries the ports of display device
+ * 1: enable one with vo_start_chn(1, ..., 1) and feed it with vo_bind_vpss(1, 0, channel, 0).
+ * @param dev  0 or 1, otherwise unused   @param x,y,w,h  output pixels
+ * @return 0 or -1. Thread: UI thread.
  */
 NVRHAL_API int32_t local_bind_pip(uint32_t dev, int32_t x, int32_t y, int32_t w, int32_t h);
 
@@ -549,6 +551,7 @@ NVRHAL_API int32_t ext_set_snap_channel_enable(void);
  * @return 0 = taken, or snapshots are not enabled (nothing is filled); -1 or a platform code. After
  *         a failure data is not to be released. During playback the result is that of stopping the
  *         spare decoder: check that data has been filled.
+ *         The spare decoder keeps its codec: for H.264 cameras call vdec_recreate(N, 0) once before.
  * Thread: any, one snapshot at a time.
  */
 NVRHAL_API int32_t ext_get_jpeg_stream(FrameInfo *frame);

@@ -8,7 +8,6 @@ namespace session
 namespace
 {
 
-constexpr uint32_t kH265 = 1;
 constexpr uint16_t kPaneWidth = kWallWidth / 2, kPaneHeight = kWallHeight / 2;
 constexpr int kLookIntervalMs = 20; // how often the hurried clock looks whether it is to end
 
@@ -55,14 +54,14 @@ rig::Stream recording(uint32_t channel)
     return rig::load_stream("session_recording_" + std::to_string(channel) + "_h265");
 }
 
-int32_t send_live(uint32_t channel, const rig::Bytes &bytes)
+int32_t send_live(uint32_t channel, const rig::Bytes &bytes, uint32_t codec)
 {
     FrameInfo frame = {};
     frame.media = FRAME_MEDIA_VIDEO;
     frame.length = static_cast<uint32_t>(bytes.size());
     frame.data = const_cast<uint8_t *>(bytes.data());
     frame.channel = channel;
-    return ext_send_stream(&frame, kH265, 0, 0);
+    return ext_send_stream(&frame, codec, 0, 0);
 }
 
 int32_t play(uint32_t channel, const rig::Bytes &bytes, uint32_t display_rate, uint64_t pts)

@@ -18,6 +18,7 @@ namespace session
 {
 
 constexpr int32_t kCameras = 4;
+constexpr uint32_t kH264 = 0, kH265 = 1; // the application's codec codes
 constexpr unsigned kFirstRecording = 20; // stamp channel of the recording played on channel 0
 constexpr int kWallWidth = 1920, kWallHeight = 1080;
 
@@ -29,7 +30,7 @@ rig::Stream live_stream(uint32_t channel); // stamp channel = channel
 rig::Stream recording(uint32_t channel);   // stamp channel = kFirstRecording + channel
 
 /* A frame through ext_send_stream, and through the playback buffer. */
-int32_t send_live(uint32_t channel, const rig::Bytes &bytes);
+int32_t send_live(uint32_t channel, const rig::Bytes &bytes, uint32_t codec = kH265);
 int32_t play(uint32_t channel, const rig::Bytes &bytes, uint32_t display_rate = 0, uint64_t pts = 0);
 
 /* Wait until a decoder channel has handed on everything it was sent. */

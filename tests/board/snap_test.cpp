@@ -125,6 +125,21 @@ TEST_F(SnapshotOnTheBoard, DuringPlaybackIsTheLiveChannelAndDisturbsNoPane)
     EXPECT_EQ(stamp_of(rig::look(), 1), (stamp::Stamp{kFirstRecording + 1, 1001}));
 }
 
+/* The spare decoder keeps its codec, H.265 from start-up: the application changes it for its cameras. */
+TEST_F(SnapshotOnTheBoard, DuringPlaybackOfH264CamerasNeedsASpareDecoderForThem)
+{
+    show_live(1);
+    ASSERT_EQ(ext_playback_start(0xF, 0), 0);
+    ASSERT_EQ(vdec_recreate(kSpareDecoder, 0), 0);
+    const rig::Stream stream = rig::load_stream("h264_640x360");
+    Snapshot snapshot;
+    take(1, snapshot, [&] { // a byte-stream decoder gives a picture when the next frame begins
+        EXPECT_EQ(send_live(1, stream.frames[0], kH264), 0);
+        EXPECT_EQ(send_live(1, stream.frames[1], kH264), 0);
+    });
+    expect_picture(snapshot, rig::reference_decode(stream)[0], {1, 0});
+}
+
 TEST_F(SnapshotOnTheBoard, CarriesTheWallClockAndTheQualityAskedFor)
 {
     show_live(1);
