@@ -88,6 +88,7 @@ void Feeder::feed()
     while (!stopping()) {
         wait_due(unit);
         if (stopping()) return;
+        if (events_.unit) events_.unit(channel_, unit, input_.facts());
         const bool accepted = send(unit) == 0;
         {
             const std::scoped_lock guard(lock_);

@@ -54,6 +54,8 @@ public:
         std::function<void(int channel, const std::string &line)> trouble; /* something went wrong  */
         std::function<void(int channel)> decoder_changed; /* the layout must be applied again       */
         std::function<void(int channel)> ended;           /* nothing more will be sent                */
+        std::function<void(int channel, const AccessUnit &, const StreamFacts &)>
+            unit; /* before it is sent */
     };
 
     Feeder(int channel, std::string address, const FeedOptions &options);

@@ -1,6 +1,8 @@
 /* session.cpp - see session.h. */
 #include "session.h"
 
+#include <utility>
+
 #include "nvrhal.h"
 
 namespace nvrec
@@ -46,7 +48,19 @@ bool Session::start(const OutputMode &mode, int channels)
 
 bool Session::apply(Layout layout)
 {
-    panes_ = make_panes(layout, mode_->width_px, mode_->height_px, channels_);
+    return show(make_panes(layout, mode_->width_px, mode_->height_px, channels_));
+}
+
+bool Session::apply_single(int channel)
+{
+    std::vector<DispAttrib> panes = make_panes(Layout::kSingle, mode_->width_px, mode_->height_px, 1);
+    panes.front().channel = static_cast<uint16_t>(channel);
+    return show(std::move(panes));
+}
+
+bool Session::show(std::vector<DispAttrib> panes)
+{
+    panes_ = std::move(panes);
     return ext_change_display_format(panes_.data(), static_cast<int32_t>(panes_.size())) == 0;
 }
 

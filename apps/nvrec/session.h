@@ -38,6 +38,9 @@ public:
     /** Put the layout on the screen. Flushes the decoders of its channels; about 100 ms a pane. */
     bool apply(Layout layout);
 
+    /** Put one channel alone on the whole screen. */
+    bool apply_single(int channel);
+
     /** Take the pictures off the screen. Everything else runs until the process ends. */
     void stop();
 
@@ -49,6 +52,8 @@ public:
     const std::vector<DispAttrib> &panes() const { return panes_; }
 
 private:
+    bool show(std::vector<DispAttrib> panes);
+
     const OutputMode *mode_ = nullptr;
     int channels_ = 0;
     std::vector<DispAttrib> panes_;

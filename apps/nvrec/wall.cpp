@@ -48,7 +48,7 @@ int Wall::run()
         return kExitBoardFailed;
     }
     open_window();
-    if (!end_wanted_) {
+    if (!end_wanted_ && start_companions()) {
         start_feeding();
         watch();
     }
@@ -101,7 +101,67 @@ bool Wall::show()
                                ": its first frame was refused");
         }
     }
-    return session_.apply(layout_);
+    return lay_out();
+}
+
+/* Bring the panes on the screen as they are wanted now. */
+bool Wall::lay_out()
+{
+    const bool done = enlarged_ >= 0 ? session_.apply_single(enlarged_) : session_.apply(layout_);
+    for (size_t i = 0; i < started_; ++i)
+        companions_[i]->on_layout();
+    return done;
+}
+
+void Wall::show_layout(Layout layout)
+{
+    layout_ = layout;
+    enlarged_ = -1;
+    lay_out();
+}
+
+void Wall::enlarge(int channel)
+{
+    if (channel >= session_.channels() || channel == enlarged_) return;
+    enlarged_ = channel;
+    if (channel >= 0) selected_ = channel;
+    lay_out();
+}
+
+void Wall::select(int channel)
+{
+    if (channel < 0 || channel >= session_.channels() || channel == selected_) return;
+    selected_ = channel;
+    for (size_t i = 0; i < started_; ++i)
+        companions_[i]->on_layout();
+}
+
+void Wall::key(Key key)
+{
+    for (size_t i = started_; i-- > 0;) {
+        if (companions_[i]->on_key(key)) return;
+    }
+}
+
+void Wall::pointer(const PointerEvent &event)
+{
+    for (size_t i = started_; i-- > 0;) {
+        if (companions_[i]->on_pointer(event)) return;
+    }
+}
+
+void Wall::end(int exit_code)
+{
+    worse(exit_code);
+    end_wanted_ = true;
+}
+
+bool Wall::start_companions()
+{
+    while (started_ < companions_.size()) {
+        if (!companions_[started_++]->start(*this)) return false;
+    }
+    return true;
 }
 
 void Wall::open_window()
@@ -136,6 +196,10 @@ void Wall::start_feeding()
             --running_;
             wakeup_.ring();
         };
+        events.unit = [this](int channel, const AccessUnit &unit, const StreamFacts &facts) {
+            for (const auto &companion : companions_)
+                companion->on_unit(channel, unit, facts);
+        };
         feeder->start(std::move(events));
     }
 }
@@ -150,20 +214,29 @@ void Wall::watch()
                std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(offset_s));
     };
     while (!ended()) {
-        Clock::time_point next = progress_at;
+        Clock::time_point next = std::min(progress_at, take_turns());
         if (options_.duration_s > 0) next = std::min(next, after(options_.duration_s));
         if (const auto picture = next_picture_s(orders_)) next = std::min(next, after(*picture));
         if (window_open_) next = std::min(next, Clock::now() + kWindowPeriod);
         wakeup_.wait_until(next);
 
         if (window_open_ && vboard_window_poll() != VBOARD_WINDOW_OPEN) end_wanted_ = true;
-        if (layout_stale_.exchange(false)) session_.apply(layout_);
+        if (layout_stale_.exchange(false)) lay_out();
         take_due_pictures(seconds(), false);
         if (Clock::now() >= progress_at) {
             terminal_.progress(reporter_.progress_line(seconds(), running_.load()));
             progress_at = Clock::now() + period;
         }
     }
+}
+
+/* When the first of them wants the next one. */
+Wall::Clock::time_point Wall::take_turns()
+{
+    Clock::time_point next = Clock::time_point::max();
+    for (const auto &companion : companions_)
+        next = std::min(next, companion->take_turn(Clock::now()));
+    return next;
 }
 
 void Wall::take_due_pictures(double now_s, bool at_end)
@@ -198,6 +271,8 @@ void Wall::close()
         feeder->join();
     if (ran_out) wait_for_decoders();
     take_due_pictures(lasted_s_, true);
+    for (size_t i = started_; i-- > 0;)
+        companions_[i]->stop();
     for (const auto &feeder : feeders_) {
         if (feeder->broken()) worse(kExitInputFailed);
     }
@@ -210,6 +285,8 @@ void Wall::write_reports()
     session_.stop();
     for (const std::string &line : table_of(channels))
         terminal_.say(line);
+    for (size_t i = 0; i < started_; ++i)
+        companions_[i]->report();
     if (options_.json_path.empty()) return;
     std::ofstream file(options_.json_path);
     file << json_of(channels, options_.layout, options_.output, lasted_s_);

@@ -5,6 +5,8 @@
  *     -> (pictures, progress, window, layout again where a camera came back with another codec)
  *     -> end of inputs, time or Ctrl-C -> last pictures -> table
  *
+ * Whatever else the recorder does while the wall stands is a Companion.
+ *
  * Threads: everything here runs on the main thread; the feeders have one each and ring it.
  */
 #pragma once
@@ -15,6 +17,7 @@
 #include <string>
 #include <vector>
 
+#include "companion.h"
 #include "feeder.h"
 #include "pictures.h"
 #include "report.h"
@@ -39,10 +42,13 @@ struct WallOptions {
     FeedOptions feed;
 };
 
-class Wall
+class Wall final : private WallControl
 {
 public:
     explicit Wall(const WallOptions &options);
+
+    /** Before run(). */
+    void add(std::unique_ptr<Companion> companion) { companions_.push_back(std::move(companion)); }
 
     /** The whole life of the wall. @return an ExitCode. */
     int run();
@@ -50,11 +56,28 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    Session &session() override { return session_; }
+    Terminal &terminal() override { return terminal_; }
+    const std::vector<std::unique_ptr<Feeder>> &cameras() const override { return feeders_; }
+    void show_layout(Layout layout) override;
+    Layout layout() const override { return layout_; }
+    void enlarge(int channel) override;
+    int enlarged() const override { return enlarged_; }
+    void select(int channel) override;
+    int selected() const override { return selected_; }
+    void key(Key key) override;
+    void pointer(const PointerEvent &event) override;
+    void ring() override { wakeup_.ring(); }
+    void end(int exit_code) override;
+
     bool open_inputs();
     bool show();
     void open_window();
+    bool start_companions();
     void start_feeding();
     void watch();
+    bool lay_out();
+    Clock::time_point take_turns();
     void take_due_pictures(double now_s, bool at_end);
     void wait_for_decoders();
     void close();
@@ -68,9 +91,13 @@ private:
     Terminal terminal_;
     Session session_;
     Layout layout_ = Layout::kSingle;
+    int enlarged_ = -1; /* the channel that has the screen to itself, or -1 */
+    int selected_ = 0;
     std::vector<std::unique_ptr<Feeder>> feeders_;
     Reporter reporter_;
     std::vector<PictureOrder> orders_;
+    std::vector<std::unique_ptr<Companion>> companions_;
+    size_t started_ = 0; /* of the companions */
     bool window_open_ = false;
     bool end_wanted_ = false;
     Clock::time_point began_at_;
