@@ -6,6 +6,7 @@
 #include <new>
 
 #include "host/av_handles.h"
+#include "host/frame_memory.h"
 
 namespace vboard
 {
@@ -73,9 +74,10 @@ bool holds_only_side_data(StreamCodec codec, const uint8_t *bytes, size_t size)
 class AvStreamDecoder final : public StreamDecoder
 {
 public:
-    AvStreamDecoder(StreamCodec codec, ContextPtr context, ParserPtr parser)
-        : codec_(codec), context_(std::move(context)), parser_(std::move(parser)), packet_(av_packet_alloc()),
-          frame_(av_frame_alloc())
+    AvStreamDecoder(StreamCodec codec, std::unique_ptr<FrameMemory> memory, ContextPtr context,
+                    ParserPtr parser)
+        : codec_(codec), memory_(std::move(memory)), context_(std::move(context)), parser_(std::move(parser)),
+          packet_(av_packet_alloc()), frame_(av_frame_alloc())
     {
         if (packet_ == nullptr || frame_ == nullptr) throw std::bad_alloc();
     }
@@ -141,7 +143,7 @@ private:
         open_bytes_ += static_cast<size_t>(used);
         if (unit_size > 0) {
             open_bytes_ -= std::min(open_bytes_, static_cast<size_t>(unit_size));
-            decode_unit(nullptr, unit, static_cast<size_t>(unit_size), parser_->pts);
+            decode_parsed_unit(unit, static_cast<size_t>(unit_size), parser_->pts);
         } else if (used == 0 && size > 0) {
             return -1;
         }
@@ -153,10 +155,27 @@ private:
         return used;
     }
 
-    // `buffer` keeps the bytes alive for the decoder; null = the decoder copies them.
+    // What the parser gives lives until its next turn: the decoder gets a copy, in memory that is used
+    // again as long as the decoder does not hold it.
+    void decode_parsed_unit(const uint8_t *bytes, size_t size, int64_t pts)
+    {
+        const size_t needed = size + AV_INPUT_BUFFER_PADDING_SIZE;
+        if (unit_ == nullptr || unit_->size < needed || av_buffer_is_writable(unit_.get()) == 0)
+            unit_.reset(av_buffer_alloc(needed + needed / 2));
+        if (unit_ == nullptr) {
+            ++report_.errors;
+            wait_for_key_ = true;
+            return;
+        }
+        memcpy(unit_->data, bytes, size);
+        memset(unit_->data + size, 0, AV_INPUT_BUFFER_PADDING_SIZE);
+        decode_unit(unit_.get(), unit_->data, size, pts);
+    }
+
+    // `buffer` holds the bytes and keeps them alive for the decoder.
     void decode_unit(AVBufferRef *buffer, const uint8_t *bytes, size_t size, int64_t pts)
     {
-        packet_->buf = buffer != nullptr ? av_buffer_ref(buffer) : nullptr;
+        packet_->buf = av_buffer_ref(buffer);
         packet_->data = const_cast<uint8_t *>(bytes); // the decoder only reads
         packet_->size = static_cast<int>(size);
         packet_->pts = pts;
@@ -243,10 +262,12 @@ private:
     }
 
     StreamCodec codec_;
+    std::unique_ptr<FrameMemory> memory_; // outlives the context
     ContextPtr context_;
     ParserPtr parser_; // null in frame mode
     PacketPtr packet_;
     FramePtr frame_;
+    BufferPtr unit_; // a parsed frame
     SwsPtr converter_;
     const Deliver *deliver_ = nullptr;
     DecodeReport report_;
@@ -287,6 +308,11 @@ const uint8_t *EncodedBytes::data() const
     return buffer_ != nullptr ? buffer_->data : nullptr;
 }
 
+bool StreamDecoder::is_available(StreamCodec codec)
+{
+    return avcodec_find_decoder(codec_id(codec)) != nullptr;
+}
+
 std::unique_ptr<StreamDecoder> StreamDecoder::open(StreamCodec codec, bool whole_frames)
 {
     const AVCodec *decoder = avcodec_find_decoder(codec_id(codec));
@@ -298,13 +324,15 @@ std::unique_ptr<StreamDecoder> StreamDecoder::open(StreamCodec codec, bool whole
     context->err_recognition = AV_EF_EXPLODE | AV_EF_BITSTREAM | AV_EF_BUFFER;
     context->max_pixels = kMaxPicturePixels;
     context->log_level_offset = AV_LOG_TRACE; // damage is counted, not told on standard error
+    auto memory = std::make_unique<FrameMemory>();
+    memory->serve(*context);
     if (avcodec_open2(context.get(), decoder, nullptr) < 0) return nullptr;
     ParserPtr parser;
     if (!whole_frames) {
         parser.reset(av_parser_init(codec_id(codec)));
         if (parser == nullptr) return nullptr;
     }
-    return std::make_unique<AvStreamDecoder>(codec, std::move(context), std::move(parser));
+    return std::make_unique<AvStreamDecoder>(codec, std::move(memory), std::move(context), std::move(parser));
 }
 
 } // namespace vboard

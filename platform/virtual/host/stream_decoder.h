@@ -54,6 +54,9 @@ public:
     /* Where good pictures go, in display order; false = stop decoding this send. */
     using Deliver = std::function<bool(PicturePtr)>;
 
+    /* Does this PC's libavcodec decode it? */
+    static bool is_available(StreamCodec codec);
+
     /* Null when the decoder cannot be had. `whole_frames`: every send is one whole frame. */
     static std::unique_ptr<StreamDecoder> open(StreamCodec codec, bool whole_frames);
 
