@@ -121,25 +121,31 @@ public:
         return shown_ != 0 && memory_ != nullptr;
     }
 
+    bool has_ink(int width, int height)
+    {
+        return framebuffer_has_ink(view(), ink_, width, height);
+    }
+
     void draw(const MutablePlanarView &picture)
     {
-        FramebufferView view;
-        {
-            const std::lock_guard guard(mutex_);
-            view = {memory_,
-                    kMemory_bytes,
-                    fixed().line_length,
-                    format_,
-                    variable_.xoffset,
-                    variable_.yoffset,
-                    layer_,
-                    key_,
-                    alpha_};
-        }
-        blend_framebuffer(view, ink_, picture);
+        blend_framebuffer(view(), ink_, picture);
     }
 
 private:
+    FramebufferView view()
+    {
+        const std::lock_guard guard(mutex_);
+        return {memory_,
+                kMemory_bytes,
+                fixed().line_length,
+                format_,
+                variable_.xoffset,
+                variable_.yoffset,
+                layer_,
+                key_,
+                alpha_};
+    }
+
     template <typename Record> static int give(const Record &value, void *record)
     {
         memcpy(record, &value, sizeof value);
@@ -318,9 +324,9 @@ DeviceNode *framebuffer_node()
     return node;
 }
 
-bool framebuffer_covers(int32_t device)
+bool framebuffer_covers(int32_t device, int width, int height)
 {
-    return device == kDevice && framebuffer().is_shown();
+    return device == kDevice && framebuffer().is_shown() && framebuffer().has_ink(width, height);
 }
 
 void framebuffer_draw(const MutablePlanarView &picture)

@@ -14,8 +14,8 @@ namespace vboard
 /* The node "/dev/fb0". */
 DeviceNode *framebuffer_node();
 
-/* Whether a device's picture has the framebuffer over it now. */
-bool framebuffer_covers(int32_t device);
+/* Whether anything of the framebuffer can be seen over a device's picture of this size now. */
+bool framebuffer_covers(int32_t device, int width, int height);
 
 /* Draw the framebuffer over a composed picture. Width and height are even. */
 void framebuffer_draw(const MutablePlanarView &picture);

@@ -94,6 +94,14 @@ public:
                                pixel_bytes_);
     }
 
+    bool has_ink() const
+    {
+        size_t bytes = 0;
+        for (int y = place_.top; y < place_.bottom; ++y)
+            if (source_row(y, &bytes) != nullptr) return true;
+        return false;
+    }
+
     void draw()
     {
         for (int y = place_.top & ~1; y < place_.bottom; y += 2) {
@@ -228,6 +236,15 @@ Ink InkPot::mix(uint32_t pixel) const
             static_cast<uint8_t>((112 * blue - 74 * green - 38 * red + 32896) >> 8),
             static_cast<uint8_t>((112 * red - 94 * green - 18 * blue + 32896) >> 8),
             static_cast<uint8_t>(alpha)};
+}
+
+bool framebuffer_has_ink(const FramebufferView &view, InkPot &ink, int width, int height)
+{
+    ink.prepare(view);
+    MutablePlanarView size;
+    size.width = width;
+    size.height = height;
+    return Blender(view, ink, size).has_ink();
 }
 
 void blend_framebuffer(const FramebufferView &view, InkPot &ink, const MutablePlanarView &picture)

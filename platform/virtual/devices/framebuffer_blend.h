@@ -75,6 +75,9 @@ private:
     std::vector<Ink> table_;
 };
 
+/* Whether any row of the view can be seen on a picture of this size. */
+bool framebuffer_has_ink(const FramebufferView &view, InkPot &ink, int width, int height);
+
 /* Draw the view over a picture whose width and height are even. */
 void blend_framebuffer(const FramebufferView &view, InkPot &ink, const MutablePlanarView &picture);
 

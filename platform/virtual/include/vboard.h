@@ -46,7 +46,7 @@ typedef struct vboard_picture {
     uint32_t stride[3];      /* bytes from one row to the next                            */
     uint64_t sequence;       /* compositions of this device so far, this one included     */
     int64_t time_us;         /* board clock when it was composed                          */
-    uint32_t changed_ports;  /* bit p = port p was drawn anew in this composition; bit 16 + p
+    uint32_t changed_ports;  /* bit p = port p shows something new since the last one; bit 16 + p
                                 = port p of the picture in picture                        */
 } vboard_picture;
 

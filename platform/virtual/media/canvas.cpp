@@ -11,59 +11,21 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <memory>
-#include <new>
-#include <vector>
 
 #include "devices/framebuffer.h"
 #include "host/scaler.h"
 #include "media/clock.h"
-#include "media/display.h"
+#include "media/own_picture.h"
+#include "media/pane_geometry.h"
 
 namespace vboard
 {
 namespace
 {
 
-/* An I420 picture that the board owns. */
-class OwnPicture
-{
-public:
-    void resize(int width, int height)
-    {
-        if (width == view_.width && height == view_.height) return;
-        const int chroma_width = (width + 1) / 2;
-        const int chroma_height = (height + 1) / 2;
-        const size_t strides[3] = {padded(width), padded(chroma_width), padded(chroma_width)};
-        const size_t rows[3] = {static_cast<size_t>(height), static_cast<size_t>(chroma_height),
-                                static_cast<size_t>(chroma_height)};
-        // 64 spare bytes: vector loops may read past the last row's end.
-        bytes_.reset(static_cast<uint8_t *>(::operator new(
-            strides[0] * rows[0] + strides[1] * rows[1] + strides[2] * rows[2] + 64, kAlignment)));
-        uint8_t *at = bytes_.get();
-        for (int plane = 0; plane < 3; ++plane) {
-            view_.plane[plane] = at;
-            view_.stride[plane] = static_cast<int>(strides[plane]);
-            at += strides[plane] * rows[plane];
-        }
-        view_.width = width;
-        view_.height = height;
-    }
+constexpr size_t kSheets = 1 + kStepQueue; // on screen, and for the steps that ports queue ahead
 
-    const MutablePlanarView &view() const { return view_; }
-
-private:
-    static constexpr std::align_val_t kAlignment{64};
-    struct Free {
-        void operator()(uint8_t *bytes) const { ::operator delete(bytes, kAlignment); }
-    };
-    static size_t padded(int width) { return (static_cast<size_t>(width) + 63) & ~size_t{63}; }
-
-    std::unique_ptr<uint8_t, Free> bytes_;
-    MutablePlanarView view_;
-};
-
-/* What the canvas shows of a port. An empty window: nothing. */
+/* What a sheet shows of a pane slot. An empty window: nothing. */
 struct DrawnPane {
     Rect window;
     Rect crop;
@@ -71,117 +33,172 @@ struct DrawnPane {
 
     bool operator==(const DrawnPane &) const = default;
 };
+using DrawnPanes = std::array<DrawnPane, kPaneSlots>;
 
-bool overlap(const Rect &a, const Rect &b)
+/* The two scalings of a pane slot. */
+struct Stages {
+    Scaler first;      // stream to the output port's size
+    OwnPicture middle; // there
+    Scaler last;       // to the window
+};
+
+void draw_pane(const Pane &pane, Stages &stages, const MutablePlanarView &canvas)
 {
-    return a.x < b.x + b.width && b.x < a.x + a.width && a.y < b.y + b.height && b.y < a.y + a.height;
+    const PlanarView &stream = pane.ticket->picture().view;
+    const int width = pane.ticket->width();
+    const int height = pane.ticket->height();
+    const Rect &to = pane.window;
+    const Rect &crop = pane.crop;
+    const bool whole = crop == Rect{0, 0, width, height};
+    const bool reduced = width != stream.width || height != stream.height;
+    const bool once_across = width == stream.width || width == to.width;
+    const bool once_down = height == stream.height || height == to.height;
+    const MutablePlanarView place = part_of(canvas, to.x, to.y, to.width, to.height);
+    if (!reduced) {
+        stages.last.scale(whole ? stream : part_of(stream, crop.x, crop.y, crop.width, crop.height), place);
+    } else if (whole && once_across && once_down) {
+        stages.last.scale(stream, place);
+    } else {
+        stages.middle.resize(width, height);
+        stages.first.scale(stream, stages.middle.view());
+        stages.last.scale(part_of(read_only(stages.middle.view()), crop.x, crop.y, crop.width, crop.height),
+                          place);
+    }
 }
 
-class Canvas
-{
-public:
-    std::mutex mutex;
-    uint64_t sequence = 0;
-
-    vboard_picture update(int32_t device)
-    {
-        const Scene scene = display_scene(device);
-        const bool afresh = scene.width != picture_.view().width || scene.height != picture_.view().height ||
-                            memcmp(scene.background, background_, sizeof background_) != 0;
-        if (afresh) start_afresh(scene);
-        const uint32_t changed = draw(scene);
-        ++sequence;
-        if (!framebuffer_covers(device)) return describe(picture_.view(), device, changed);
-
-        // The video below stays as it is, so that what did not change need not be drawn again.
-        covered_.resize(scene.width, scene.height);
-        copier_.scale(read_only(picture_.view()), covered_.view());
-        framebuffer_draw(covered_.view());
-        return describe(covered_.view(), device, changed);
-    }
-
-    void forget()
-    {
-        picture_ = OwnPicture();
-        covered_ = OwnPicture();
-        drawn_ = {};
-    }
-
-private:
-    void start_afresh(const Scene &scene)
-    {
-        picture_.resize(scene.width, scene.height);
-        memcpy(background_, scene.background, sizeof background_);
-        drawn_ = {};
-        fill({0, 0, scene.width, scene.height});
-    }
+/*
+ * One picture of the output. The looker owns all of it; a worker owns its slot's crop and serial, and
+ * the pixels of its window, while it holds the sheet's lock together with the slot's.
+ */
+struct Sheet {
+    std::shared_mutex mutex;
+    OwnPicture picture;
+    DrawnPanes drawn; // by pane slot
+    uint8_t background[3] = {};
+    uint64_t step = 0; // composed for it last
 
     void fill(const Rect &area)
     {
-        fill_picture(part_of(picture_.view(), area.x, area.y, area.width, area.height), background_[0],
-                     background_[1], background_[2]);
+        fill_picture(part_of(picture.view(), area.x, area.y, area.width, area.height), background[0],
+                     background[1], background[2]);
     }
 
-    // Pane slots drawn, as bits.
-    uint32_t draw(const Scene &scene)
+    void start_afresh(const Scene &scene)
     {
-        std::array<DrawnPane, kPaneSlots> next = {};
-        for (const Pane &pane : scene.panes)
-            next[pane.slot] = {pane.window, pane.crop, pane.ticket->serial()};
+        const MutablePlanarView &view = picture.view();
+        if (scene.width == view.width && scene.height == view.height &&
+            memcmp(scene.background, background, sizeof background) == 0)
+            return;
+        picture.resize(scene.width, scene.height);
+        memcpy(background, scene.background, sizeof background);
+        drawn = {};
+        fill({0, 0, scene.width, scene.height});
+    }
 
+    // Draw what differs from `next`, which is the scene's panes by slot.
+    void draw(const Scene &scene, const DrawnPanes &next, std::array<Stages, kPaneSlots> &stages)
+    {
         // Where a window has gone or moved, the background comes back, and whoever lies there.
         std::array<Rect, kPaneSlots> cleared;
         size_t clearings = 0;
         for (size_t slot = 0; slot < next.size(); ++slot) {
-            const Rect &old = drawn_[slot].window;
+            const Rect &old = drawn[slot].window;
             if (old.width == 0 || old == next[slot].window) continue;
             fill(old);
             cleared[clearings++] = old;
         }
 
-        uint32_t changed = 0;
         std::array<Rect, kPaneSlots> redrawn;
         size_t redrawings = 0;
         for (const Pane &pane : scene.panes) {
             const auto under = [&](const Rect &area) { return overlap(area, pane.window); };
-            const bool dirty = !(next[pane.slot] == drawn_[pane.slot]) ||
+            const bool dirty = !(next[pane.slot] == drawn[pane.slot]) ||
                                std::any_of(cleared.begin(), cleared.begin() + clearings, under) ||
                                std::any_of(redrawn.begin(), redrawn.begin() + redrawings, under);
             if (!dirty) continue;
-            draw_pane(pane);
+            draw_pane(pane, stages[pane.slot], picture.view());
             redrawn[redrawings++] = pane.window;
-            changed |= 1u << pane.slot;
         }
-        drawn_ = next;
-        return changed;
+        drawn = next;
     }
 
-    void draw_pane(const Pane &pane)
+    // May a worker draw into this window? Not where anything else was drawn, or was drawn elsewhere.
+    bool has_place_for(const PaneAhead &ahead) const
     {
-        const PlanarView &stream = pane.ticket->picture().view;
-        const int width = pane.ticket->width();
-        const int height = pane.ticket->height();
-        const Rect &to = pane.window;
-        const bool whole = pane.crop == Rect{0, 0, width, height};
-        const bool reduced = width != stream.width || height != stream.height;
-        const bool once_across = width == stream.width || width == to.width;
-        const bool once_down = height == stream.height || height == to.height;
-        const MutablePlanarView place = part_of(picture_.view(), to.x, to.y, to.width, to.height);
-        Stages &stages = stages_[pane.slot];
-        if (!reduced) {
-            const Rect &crop = pane.crop;
-            stages.last.scale(whole ? stream : part_of(stream, crop.x, crop.y, crop.width, crop.height),
-                              place);
-        } else if (whole && once_across && once_down) {
-            stages.last.scale(stream, place);
-        } else {
-            const Rect &crop = pane.crop;
-            stages.middle.resize(width, height);
-            stages.first.scale(stream, stages.middle.view());
-            stages.last.scale(
-                part_of(read_only(stages.middle.view()), crop.x, crop.y, crop.width, crop.height), place);
-        }
+        const MutablePlanarView &view = picture.view();
+        if (view.width != ahead.width || view.height != ahead.height || step >= ahead.step) return false;
+        if (!(drawn[ahead.pane.slot].window == ahead.pane.window)) return false;
+        for (size_t slot = 0; slot < drawn.size(); ++slot)
+            if (slot != ahead.pane.slot && overlap(drawn[slot].window, ahead.pane.window)) return false;
+        return true;
     }
+};
+
+class Canvas
+{
+public:
+    std::mutex mutex;
+
+    // Bring the scene's sheet up to date and keep it locked with `sheet_lock`.
+    vboard_picture update(int32_t device, Overlay overlay, std::unique_lock<std::shared_mutex> &sheet_lock)
+    {
+        const Scene scene = display_scene(device);
+        DrawnPanes next = {};
+        for (const Pane &pane : scene.panes)
+            next[pane.slot] = {pane.window, pane.crop, pane.ticket->serial()};
+        uint32_t changed = 0;
+        for (const Pane &pane : scene.panes)
+            if (!(next[pane.slot] == shown_[pane.slot])) changed |= 1u << pane.slot;
+        shown_ = next;
+        ++sequence_;
+
+        Sheet &sheet = sheets_[scene.step % kSheets];
+        sheet_lock = std::unique_lock(sheet.mutex);
+        sheet.step = scene.step;
+        sheet.start_afresh(scene);
+        sheet.draw(scene, next, stages_);
+        if (overlay == Overlay::no || !framebuffer_covers(device, scene.width, scene.height))
+            return describe(sheet.picture.view(), device, changed);
+
+        // The video below stays as it is, so that what did not change need not be drawn again.
+        covered_.resize(scene.width, scene.height);
+        copy_picture(read_only(sheet.picture.view()), covered_.view());
+        framebuffer_draw(covered_.view());
+        return describe(covered_.view(), device, changed);
+    }
+
+    void draw_ahead(const PaneAhead &ahead)
+    {
+        Sheet &sheet = sheets_[ahead.step % kSheets];
+        const std::shared_lock sheet_lock(sheet.mutex, std::try_to_lock);
+        if (!sheet_lock.owns_lock()) return; // lent, or being composed
+        const Pane &pane = ahead.pane;
+        Ahead &slot = ahead_[pane.slot];
+        const std::unique_lock slot_lock(slot.mutex, std::try_to_lock);
+        if (!slot_lock.owns_lock() || !sheet.has_place_for(ahead)) return;
+        draw_pane(pane, slot.stages, sheet.picture.view());
+        sheet.drawn[pane.slot].crop = pane.crop;
+        sheet.drawn[pane.slot].serial = pane.ticket->serial();
+    }
+
+    void forget()
+    {
+        for (Sheet &sheet : sheets_) {
+            const std::lock_guard sheet_guard(sheet.mutex);
+            sheet.picture = OwnPicture();
+            sheet.drawn = {};
+            sheet.step = 0;
+        }
+        covered_ = OwnPicture();
+        shown_ = {};
+        sequence_ = 0;
+    }
+
+private:
+    struct Ahead {
+        std::mutex mutex; // two workers may share a slot for a moment when its port is bound anew
+        Stages stages;
+    };
 
     vboard_picture describe(const MutablePlanarView &view, int32_t device, uint32_t changed) const
     {
@@ -193,50 +210,44 @@ private:
             picture.plane[plane] = view.plane[plane];
             picture.stride[plane] = static_cast<uint32_t>(view.stride[plane]);
         }
-        picture.sequence = sequence;
+        picture.sequence = sequence_;
         picture.time_us = clock_now_us();
         picture.changed_ports = changed;
         return picture;
     }
 
-    struct Stages {
-        Scaler first;      // stream to the output port's size
-        OwnPicture middle; // there
-        Scaler last;       // to the window
-    };
-
-    OwnPicture picture_;
-    OwnPicture covered_; // the same with the framebuffer over it
-    Scaler copier_;
-    uint8_t background_[3] = {};
-    std::array<DrawnPane, kPaneSlots> drawn_; // by pane slot
-    std::array<Stages, kPaneSlots> stages_;   // by pane slot
+    std::array<Sheet, kSheets> sheets_;            // by step
+    std::array<Stages, kPaneSlots> stages_;        // the looker's, by pane slot
+    std::array<Ahead, MI_DISP_INPUT_PORTS> ahead_; // the workers', by pane slot
+    DrawnPanes shown_;                             // in the composition before
+    OwnPicture covered_;                           // a sheet with the framebuffer over it
+    uint64_t sequence_ = 0;
 };
-
-std::array<Canvas, kDevices> &canvases()
-{
-    static auto *all = new std::array<Canvas, kDevices>;
-    return *all;
-}
 
 Canvas &canvas_of(int32_t device)
 {
-    return canvases()[static_cast<size_t>(device_index(device))];
+    static auto *all = new std::array<Canvas, kDevices>;
+    return (*all)[static_cast<size_t>(device_index(device))];
 }
 
 } // namespace
 
-CanvasLook::CanvasLook(int32_t device)
-    : lock_(canvas_of(device).mutex), picture_(canvas_of(device).update(device))
+CanvasLook::CanvasLook(int32_t device, Overlay overlay)
+    : lock_(canvas_of(device).mutex), picture_(canvas_of(device).update(device, overlay, sheet_lock_))
 {
+}
+
+void canvas_draw_ahead(int32_t device, const PaneAhead &ahead)
+{
+    canvas_of(device).draw_ahead(ahead);
 }
 
 void canvas_reset()
 {
-    for (Canvas &canvas : canvases()) {
+    for (int32_t device = kFirstDevice; device < kFirstDevice + kDevices; ++device) {
+        Canvas &canvas = canvas_of(device);
         const std::lock_guard guard(canvas.mutex);
         canvas.forget();
-        canvas.sequence = 0;
     }
 }
 

@@ -22,6 +22,7 @@ namespace vboard
 constexpr int32_t kFirstDevice = -1;
 constexpr int kDevices = 4; // -1, 0, 1, 2
 constexpr uint32_t kLayers = 4;
+constexpr uint32_t kStepQueue = 2; // pictures a port queues under step pacing
 
 /* 0 to 3 for devices -1 to 2; -1 for any other number. */
 int device_index(int32_t device);
@@ -63,7 +64,14 @@ void display_port_unbind(int32_t device, uint32_t port);
 void display_take(int32_t device, uint32_t port, PictureSource source, const TicketPtr &ticket,
                   const std::atomic<bool> &abandoned);
 
-/* Wake sources that wait in display_take, to look at `abandoned`. */
+/*
+ * Wait until display_take of a picture would not wait: decoding can be held back instead of a decoded
+ * picture.
+ */
+void display_wait_room(int32_t device, uint32_t port, PictureSource source,
+                       const std::atomic<bool> &abandoned);
+
+/* Wake sources that wait in display_take or display_wait_room, to look at `abandoned`. */
 void display_wake_sources();
 
 /* ---- what a device looks like ---- */
@@ -83,7 +91,15 @@ struct Pane {
     TicketPtr ticket;
 };
 
+/* A pane that will be visible after a step to come, on an output of this size. */
+struct PaneAhead {
+    Pane pane;
+    int width, height;
+    uint64_t step;
+};
+
 struct Scene {
+    uint64_t step = 0;          // steps made under step pacing
     int width = 0, height = 0;  // output size
     uint8_t background[3] = {}; // Y, U, V
     std::vector<Pane> panes;    // drawn in this order, later over earlier

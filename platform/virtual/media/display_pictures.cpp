@@ -8,17 +8,17 @@
 #include <algorithm>
 
 #include "media/call.h"
+#include "media/canvas.h"
 #include "media/clock.h"
 #include "media/display_state.h"
 #include "media/modules.h"
 #include "media/output_timing.h"
+#include "media/pane_geometry.h"
 
 namespace vboard
 {
 namespace
 {
-
-constexpr size_t kStepQueue = 2; // pictures a port queues under step pacing
 
 Device *find_device(DisplayState &display, int32_t number)
 {
@@ -65,45 +65,21 @@ void drop_queue(InputPort &port)
     port.room.notify_all();
 }
 
+bool is_wanted(const InputPort &port, PictureSource source, const std::atomic<bool> &abandoned)
+{
+    return port.enabled && port.source == source && !abandoned.load(std::memory_order_acquire);
+}
+
+bool is_full(const Device &device, const InputPort &port)
+{
+    return device.pacing == VBOARD_PACING_STEP && port.queue.size() >= kStepQueue;
+}
+
 void tell_waiters(DisplayState &display)
 {
     const bool any_met = std::any_of(display.waits.begin(), display.waits.end(),
                                      [](const PictureWait *wait) { return wait->is_met(); });
     if (any_met) display.arrived.notify_all();
-}
-
-// A window on its layer, in output pixels: whole chroma samples, inside the layer and the output.
-Rect output_window(const MI_Rect &window, const MI_DISP_VideoLayerAttr &layer, int output_width,
-                   int output_height)
-{
-    const int width = std::min(output_width, layer.window.x + layer.window.width);
-    const int height = std::min(output_height, layer.window.y + layer.window.height);
-    const auto across = [&](int x) { return x * int{layer.window.width} / static_cast<int>(layer.width); };
-    const auto down = [&](int y) { return y * int{layer.window.height} / static_cast<int>(layer.height); };
-    const int left = std::min(width, layer.window.x + across(window.x)) & ~1;
-    const int top = std::min(height, layer.window.y + down(window.y)) & ~1;
-    const int right = std::min(width, layer.window.x + across(window.x + window.width)) & ~1;
-    const int bottom = std::min(height, layer.window.y + down(window.y + window.height)) & ~1;
-    return {left, top, right - left, bottom - top};
-}
-
-// The zoom window in the delivered picture: begins on a chroma sample, holds at least one.
-Rect picture_crop(const InputPort &port, int width, int height)
-{
-    const MI_Rect &zoom = port.zoom;
-    if (zoom.width == 0 || zoom.height == 0) return {0, 0, width, height};
-    const int source_width = port.attr.source_width != 0 ? port.attr.source_width : width;
-    const int source_height = port.attr.source_height != 0 ? port.attr.source_height : height;
-    const auto part = [](int start, int length, int source, int delivered) {
-        const int64_t from = int64_t{start} * delivered / source & ~int64_t{1};
-        const int first = static_cast<int>(std::clamp<int64_t>(from, 0, std::max(0, (delivered - 2) & ~1)));
-        const int64_t size = int64_t{length} * delivered / source & ~int64_t{1};
-        return std::pair(first, static_cast<int>(std::clamp<int64_t>(size, 2, delivered - first)));
-    };
-    if (width < 2 || height < 2) return {0, 0, width, height};
-    const auto [x, crop_width] = part(zoom.x, zoom.width, source_width, width);
-    const auto [y, crop_height] = part(zoom.y, zoom.height, source_height, height);
-    return {x, y, crop_width, crop_height};
 }
 
 // The visible windows of `owner`'s ports that `output` shows, from pane slot `first_slot` on.
@@ -117,10 +93,45 @@ void add_panes(const DisplayState &display, Device &owner, const Device &output,
         if (input.current == nullptr || !is_visible(display, owner, input)) continue;
         const Rect window = output_window(input.attr.window, place.layer->attr, scene.width, scene.height);
         if (window.width < 2 || window.height < 2) continue;
-        const Rect crop = picture_crop(input, input.current->width(), input.current->height());
+        const Rect crop =
+            picture_crop(input.zoom, input.attr, input.current->width(), input.current->height());
         scene.panes.push_back({first_slot + port, window, crop, input.current});
         mark_seen(input);
     }
+}
+
+// The size of a device's output; that of 1080p where no timing was ever set.
+void set_output_size(const Device &device, Scene &scene)
+{
+    const OutputTiming *timing = device.has_attr ? find_output_timing(device.attr.timing) : nullptr;
+    scene.width = timing != nullptr ? timing->width : 1920;
+    scene.height = timing != nullptr ? timing->height : 1080;
+}
+
+/*
+ * The pane that the next picture for a port's queue will have, if it can be drawn before its step:
+ * nothing else may lie in its window.
+ */
+std::optional<PaneAhead> pane_ahead(const DisplayState &display, const Device &device, uint32_t port,
+                                    const TicketPtr &ticket)
+{
+    const PortPlace place = place_of_ports(display, device);
+    const InputPort &input = device.ports[port];
+    if (place.output != &device || !is_visible(display, device, input)) return std::nullopt;
+    if (display.layers[kPipLayer].enabled) return std::nullopt;
+    Scene size;
+    set_output_size(device, size);
+    const auto window_of = [&](const InputPort &of) {
+        return output_window(of.attr.window, place.layer->attr, size.width, size.height);
+    };
+    const Rect window = window_of(input);
+    if (window.width < 2 || window.height < 2) return std::nullopt;
+    for (const InputPort &other : device.ports)
+        if (&other != &input && is_visible(display, device, other) && overlap(window_of(other), window))
+            return std::nullopt;
+    const Rect crop = picture_crop(input.zoom, input.attr, ticket->width(), ticket->height());
+    return PaneAhead{
+        {port, window, crop, ticket}, size.width, size.height, device.steps + 1 + input.queue.size()};
 }
 
 } // namespace
@@ -163,6 +174,16 @@ void display_port_unbind(int32_t device, uint32_t port)
     drop_queue(input);
 }
 
+void display_wait_room(int32_t device, uint32_t port, PictureSource source,
+                       const std::atomic<bool> &abandoned)
+{
+    DisplayState &display = display_state();
+    std::unique_lock lock(display.mutex);
+    Device &unit = *find_device(display, device);
+    InputPort &input = unit.ports[port];
+    input.room.wait(lock, [&] { return !is_wanted(input, source, abandoned) || !is_full(unit, input); });
+}
+
 void display_take(int32_t device, uint32_t port, PictureSource source, const TicketPtr &ticket,
                   const std::atomic<bool> &abandoned)
 {
@@ -170,12 +191,18 @@ void display_take(int32_t device, uint32_t port, PictureSource source, const Tic
     std::unique_lock lock(display.mutex);
     Device &unit = *find_device(display, device);
     InputPort &input = unit.ports[port];
-    const auto wanted = [&] {
-        return input.enabled && input.source == source && !abandoned.load(std::memory_order_acquire);
-    };
-    const auto full = [&] { return unit.pacing == VBOARD_PACING_STEP && input.queue.size() >= kStepQueue; };
-    input.room.wait(lock, [&] { return !wanted() || !full(); });
-    if (!wanted()) return;
+    input.room.wait(lock, [&] { return !is_wanted(input, source, abandoned) || !is_full(unit, input); });
+    if (!is_wanted(input, source, abandoned)) return;
+    if (unit.pacing == VBOARD_PACING_STEP) {
+        if (const auto ahead = pane_ahead(display, unit, port, ticket)) {
+            // Drawn by the worker that has just decoded it, while it is in the processor's cache. Should
+            // anything change meanwhile, the step draws it again.
+            lock.unlock();
+            canvas_draw_ahead(device, *ahead);
+            lock.lock();
+            if (!is_wanted(input, source, abandoned)) return;
+        }
+    }
     ++input.taken;
     if (unit.pacing == VBOARD_PACING_STEP)
         input.queue.push_back(ticket);
@@ -198,10 +225,9 @@ Scene display_scene(int32_t device)
     DisplayState &display = display_state();
     const std::lock_guard guard(display.mutex);
     Device &unit = *find_device(display, device);
-    const OutputTiming *timing = unit.has_attr ? find_output_timing(unit.attr.timing) : nullptr;
     Scene scene;
-    scene.width = timing != nullptr ? timing->width : 1920;
-    scene.height = timing != nullptr ? timing->height : 1080;
+    set_output_size(unit, scene);
+    scene.step = unit.steps;
     const uint32_t colour = unit.enabled && unit.attr.background != 0 ? unit.attr.background : 0x800080;
     scene.background[0] = static_cast<uint8_t>(std::clamp<uint32_t>(colour >> 8 & 0xff, 16, 235));
     scene.background[1] = static_cast<uint8_t>(colour & 0xff);
@@ -240,6 +266,7 @@ int display_advance(int32_t device)
     Device *unit = find_device(display, device);
     if (unit == nullptr || unit->pacing != VBOARD_PACING_STEP)
         return refuse_plainly("display device %d is not in step pacing", device);
+    ++unit->steps;
     int advanced = 0;
     for (InputPort &port : unit->ports) {
         if (port.queue.empty()) continue;
@@ -332,6 +359,7 @@ void display_reset()
         device.enabled = false;
         device.attr = {};
         device.pacing = VBOARD_PACING_REALTIME;
+        device.steps = 0;
         for (InputPort &port : device.ports) {
             drop_queue(port);
             port.current.reset();

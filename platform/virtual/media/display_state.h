@@ -41,6 +41,7 @@ struct Device {
     bool enabled = false;
     MI_DISP_PubAttr attr = {};
     uint32_t pacing = VBOARD_PACING_REALTIME;
+    uint64_t steps = 0; // made under step pacing
     std::array<InputPort, MI_DISP_INPUT_PORTS> ports;
 };
 

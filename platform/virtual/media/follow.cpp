@@ -50,7 +50,7 @@ void compose_and_call(Follow &follow, int32_t device)
         follower = follow.follower;
         user = follow.user;
     }
-    const CanvasLook look(device);
+    const CanvasLook look(device, follower != nullptr ? Overlay::yes : Overlay::no);
     if (follower != nullptr) follower(&look.picture(), user);
 }
 

@@ -98,12 +98,29 @@ void tell_sink(const MI_SYS_ChnPort &sink, const MI_SYS_ChnPort *source)
         display_port_unbind(device, sink.channel);
 }
 
-void hand_to_sink(const MI_SYS_ChnPort &source, const MI_SYS_ChnPort &sink, const TicketPtr &ticket,
+struct SinkList {
+    std::array<MI_SYS_ChnPort, 16> sinks;
+    size_t count = 0;
+};
+
+// The sinks of a source whose bindings let a picture pass. The graph is not held while one is handed
+// over: a sink may wait, and checks its source itself.
+template <typename Passes>
+void list_sinks(MI_ModuleId module, uint32_t channel, SinkList &list, Passes passes)
+{
+    const MI_SYS_ChnPort source = {static_cast<uint32_t>(module), 0, channel, 0};
+    Graph &all = graph();
+    const std::lock_guard guard(all.mutex);
+    for (Edge &edge : all.edges)
+        if (same_source(edge.source, source) && list.count < list.sinks.size() && passes(edge))
+            list.sinks[list.count++] = edge.sink;
+}
+
+void hand_to_sink(PictureSource source, const MI_SYS_ChnPort &sink, const TicketPtr &ticket,
                   const std::atomic<bool> &abandoned)
 {
     if (sink.module == MI_MODULE_DISP)
-        display_take(static_cast<int32_t>(sink.device), sink.channel,
-                     {static_cast<MI_ModuleId>(source.module), source.channel}, ticket, abandoned);
+        display_take(static_cast<int32_t>(sink.device), sink.channel, source, ticket, abandoned);
     else if (sink.module == MI_MODULE_DIVP)
         scaler_channel_take(sink.channel, ticket, abandoned);
     else if (sink.module == MI_MODULE_VENC)
@@ -159,22 +176,23 @@ int32_t graph_unbind(const MI_SYS_ChnPort *source, const MI_SYS_ChnPort *sink)
     return MI_SUCCESS;
 }
 
+void graph_wait_room(MI_ModuleId module, uint32_t channel, const std::atomic<bool> &abandoned)
+{
+    SinkList list;
+    list_sinks(module, channel, list, [](Edge &) { return true; });
+    for (size_t i = 0; i < list.count; ++i)
+        if (list.sinks[i].module == MI_MODULE_DISP)
+            display_wait_room(static_cast<int32_t>(list.sinks[i].device), list.sinks[i].channel,
+                              {module, channel}, abandoned);
+}
+
 void graph_deliver(MI_ModuleId module, uint32_t channel, const TicketPtr &ticket,
                    const std::atomic<bool> &abandoned)
 {
-    const MI_SYS_ChnPort source = {static_cast<uint32_t>(module), 0, channel, 0};
-    // The graph is not held while a picture is handed over: a sink may wait, and checks its source.
-    std::array<MI_SYS_ChnPort, 16> sinks;
-    size_t count = 0;
-    {
-        Graph &all = graph();
-        const std::lock_guard guard(all.mutex);
-        for (Edge &edge : all.edges)
-            if (same_source(edge.source, source) && count < sinks.size() && edge.passes())
-                sinks[count++] = edge.sink;
-    }
-    for (size_t i = 0; i < count; ++i)
-        hand_to_sink(source, sinks[i], ticket, abandoned);
+    SinkList list;
+    list_sinks(module, channel, list, [](Edge &edge) { return edge.passes(); });
+    for (size_t i = 0; i < list.count; ++i)
+        hand_to_sink({module, channel}, list.sinks[i], ticket, abandoned);
 }
 
 void graph_reset()

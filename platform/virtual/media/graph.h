@@ -21,6 +21,9 @@ int32_t graph_bind(const MI_SYS_ChnPort *source, const MI_SYS_ChnPort *sink, uin
                    uint32_t sink_rate);
 int32_t graph_unbind(const MI_SYS_ChnPort *source, const MI_SYS_ChnPort *sink);
 
+/* Wait until no sink of a source would hold its next picture back, or until `abandoned`. */
+void graph_wait_room(MI_ModuleId module, uint32_t channel, const std::atomic<bool> &abandoned);
+
 /*
  * Hand a picture to every sink of a source. May wait for a sink that holds its source back, until
  * `abandoned` becomes true and the sink is woken.

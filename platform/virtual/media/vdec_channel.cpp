@@ -50,7 +50,7 @@ struct Channel : Waitable { // `changed`: room, idleness or the state has change
     uint32_t left_frames = 0; // likewise
     vboard_decoder_stat counters = {};
 
-    // The worker's own while it is busy, otherwise the control lock's.
+    // The worker's own while it is busy, otherwise the control lock's. Null until bytes come.
     std::unique_ptr<StreamDecoder> decoder;
 
     std::thread worker;
@@ -110,6 +110,17 @@ bool deliver(Channel &channel, uint32_t number, PicturePtr picture)
     return !channel.stopping.load(std::memory_order_relaxed);
 }
 
+// The decoder is opened by the first bytes that need it: a recorder creates channels for all cameras,
+// and again at every layout change, long before anything is sent to them.
+DecodeReport decode(Channel &channel, const QueuedSend &send, const StreamDecoder::Deliver &take)
+{
+    if (channel.decoder == nullptr)
+        channel.decoder = StreamDecoder::open(stream_codec(channel.attr.codec),
+                                              channel.attr.video_mode == MI_VDEC_MODE_FRAME);
+    if (channel.decoder == nullptr) return {.errors = 1, .withheld = 0}; // no memory
+    return channel.decoder->decode(send.bytes, send.pts, send.end_of_frame, send.end_of_stream, take);
+}
+
 void run_worker(Channel &channel, uint32_t number)
 {
     char name[16];
@@ -127,8 +138,9 @@ void run_worker(Channel &channel, uint32_t number)
         channel.busy = true;
         lock.unlock();
 
-        const DecodeReport report =
-            channel.decoder->decode(send.bytes, send.pts, send.end_of_frame, send.end_of_stream, take);
+        graph_wait_room(MI_MODULE_VDEC, number, channel.stopping);
+        DecodeReport report;
+        if (!channel.stopping.load(std::memory_order_acquire)) report = decode(channel, send, take);
 
         lock.lock();
         channel.busy = false;
@@ -159,7 +171,7 @@ void stop_locked(Channel &channel)
     lock.lock();
     channel.changed.wait(lock, [&] { return !channel.busy; });
     channel.stopping.store(false, std::memory_order_relaxed);
-    channel.decoder->flush();
+    if (channel.decoder != nullptr) channel.decoder->flush();
 }
 
 void end_worker(Channel &channel)
@@ -204,13 +216,11 @@ int32_t vdec_create(uint32_t number, const MI_VDEC_ChnAttr *attr)
     const std::lock_guard control(channel.control);
     if (channel.exists.load(std::memory_order_relaxed))
         return refuse(MI_MODULE_VDEC, MI_REASON_EXISTS, "decoder channel %u", number);
-    auto decoder = StreamDecoder::open(stream_codec(attr->codec), attr->video_mode == MI_VDEC_MODE_FRAME);
-    if (decoder == nullptr)
+    if (!StreamDecoder::is_available(stream_codec(attr->codec)))
         return refuse(MI_MODULE_VDEC, MI_REASON_FAULT, "libavcodec has no decoder for codec %u", attr->codec);
     const std::lock_guard guard(channel.mutex);
     if (channel.ever_created) ++channel.counters.recreations;
     channel.ever_created = true;
-    channel.decoder = std::move(decoder);
     channel.attr = *attr;
     channel.output = {};
     channel.quitting = false;
