@@ -12,6 +12,7 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "feeder.h"
@@ -20,6 +21,7 @@
 namespace nvrec
 {
 
+class Reporter;
 class Session;
 class Terminal;
 
@@ -68,6 +70,7 @@ public:
 
     virtual Session &session() = 0;
     virtual Terminal &terminal() = 0;
+    virtual Reporter &reporter() = 0;
     virtual const std::vector<std::unique_ptr<Feeder>> &cameras() const = 0;
 
     /** Show this layout, all panes. */
@@ -112,12 +115,21 @@ public:
     /** @return when the next turn is wanted at the latest; time_point::max() = only when rung. */
     virtual Clock::time_point take_turn(Clock::time_point /*now*/) { return Clock::time_point::max(); }
 
+    /** The panes are about to change: layout() and enlarged() say how. Every pane's decoder is flushed. */
+    virtual void before_layout() {}
+
     /** The panes or the selection have changed. */
     virtual void on_layout() {}
 
     /** @return true = the key or the event was meant for this one. */
     virtual bool on_key(Key /*key*/) { return false; }
     virtual bool on_pointer(const PointerEvent & /*event*/) { return false; }
+
+    /** True keeps the wall standing when no camera runs any more. */
+    virtual bool busy() const { return false; }
+
+    /** What the progress line is to say now instead of the cameras' counts; empty = those. */
+    virtual std::string progress(double /*seconds*/) const { return {}; }
 
     /** The cameras have ended; the library is still up. */
     virtual void stop() {}

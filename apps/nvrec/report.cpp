@@ -42,7 +42,23 @@ std::string json_string(const std::string &value)
 
 } // namespace
 
-Reporter::Baseline Reporter::board_counters(int channel)
+BoardCounters &BoardCounters::operator+=(const BoardCounters &more)
+{
+    decoded += more.decoded;
+    shown += more.shown;
+    dropped += more.dropped;
+    damaged += more.damaged;
+    resets += more.resets;
+    return *this;
+}
+
+BoardCounters BoardCounters::operator-(const BoardCounters &earlier) const
+{
+    return {decoded - earlier.decoded, shown - earlier.shown, dropped - earlier.dropped,
+            damaged - earlier.damaged, resets - earlier.resets};
+}
+
+BoardCounters board_counters(int channel)
 {
     vboard_decoder_stat stat = {};
     if (vboard_decoder_get_stat(static_cast<uint32_t>(channel), &stat) != 0) return {};
@@ -56,24 +72,30 @@ void Reporter::mark()
         baselines_.push_back(board_counters(feeder->channel()));
 }
 
+void Reporter::leave_out(int channel, const BoardCounters &foreign)
+{
+    const auto index = static_cast<size_t>(channel);
+    if (index < baselines_.size()) baselines_[index] += foreign;
+}
+
 std::vector<ChannelReport> Reporter::collect() const
 {
     std::vector<ChannelReport> channels;
     for (size_t i = 0; i < feeders_.size(); ++i) {
         const Feeder &feeder = *feeders_[i];
-        const Baseline from = i < baselines_.size() ? baselines_[i] : Baseline{};
-        const Baseline now = board_counters(feeder.channel());
+        const BoardCounters from = i < baselines_.size() ? baselines_[i] : BoardCounters{};
+        const BoardCounters counted = board_counters(feeder.channel()) - from;
         ChannelReport report;
         report.channel = feeder.channel();
         report.address = feeder.input().address();
         report.opened = feeder.opened();
         report.facts = feeder.facts();
         report.fed = feeder.counters();
-        report.decoded = now.decoded - from.decoded;
-        report.shown = now.shown - from.shown;
-        report.dropped = now.dropped - from.dropped;
-        report.damaged = now.damaged - from.damaged;
-        report.resets = now.resets - from.resets;
+        report.decoded = counted.decoded;
+        report.shown = counted.shown;
+        report.dropped = counted.dropped;
+        report.damaged = counted.damaged;
+        report.resets = counted.resets;
         report.trouble = feeder.trouble();
         channels.push_back(std::move(report));
     }

@@ -31,6 +31,17 @@ struct ChannelReport {
     std::string trouble;  /* the last one, if any        */
 };
 
+/** A decoder channel's counters, of whatever it was sent. */
+struct BoardCounters {
+    uint64_t decoded, shown, dropped, damaged, resets;
+
+    BoardCounters &operator+=(const BoardCounters &more);
+    BoardCounters operator-(const BoardCounters &earlier) const;
+};
+
+/** The board's counters of a channel now. */
+BoardCounters board_counters(int channel);
+
 class Reporter
 {
 public:
@@ -39,6 +50,9 @@ public:
     /** Count from here on. */
     void mark();
 
+    /** Leave out what another source, not the camera, had decoded on the channel. */
+    void leave_out(int channel, const BoardCounters &foreign);
+
     /** Every channel's counters now. */
     std::vector<ChannelReport> collect() const;
 
@@ -46,13 +60,8 @@ public:
     std::string progress_line(double seconds, int running) const;
 
 private:
-    struct Baseline {
-        uint64_t decoded, shown, dropped, damaged, resets;
-    };
-    static Baseline board_counters(int channel);
-
     const std::vector<std::unique_ptr<Feeder>> &feeders_;
-    std::vector<Baseline> baselines_;
+    std::vector<BoardCounters> baselines_;
 };
 
 /** The closing table, one text a line. */

@@ -36,7 +36,8 @@ Wall::Wall(const WallOptions &options) : options_(options), reporter_(feeders_)
             std::make_unique<Feeder>(static_cast<int>(feeders_.size()), address, options_.feed));
     for (const std::string &picture : options_.pictures)
         orders_.push_back(picture_order(picture));
-    layout_ = layout_named(options_.layout).value_or(layout_for(static_cast<int>(feeders_.size())));
+    const int channels = std::max(options_.channels, static_cast<int>(feeders_.size()));
+    layout_ = layout_named(options_.layout).value_or(layout_for(channels));
 }
 
 int Wall::run()
@@ -78,6 +79,7 @@ bool Wall::open_inputs()
     for (std::thread &opener : openers)
         opener.join();
     if (wakeup_.end_wanted()) return false;
+    if (feeders_.empty()) return true; /* the companions have pictures of their own */
 
     size_t opened = 0;
     for (const auto &feeder : feeders_) {
@@ -94,7 +96,8 @@ bool Wall::open_inputs()
 /* The board up, every decoder of its stream's codec, and the panes on the screen. */
 bool Wall::show()
 {
-    if (!session_.start(*output_mode_named(options_.output), static_cast<int>(feeders_.size()))) return false;
+    const int channels = std::max(options_.channels, static_cast<int>(feeders_.size()));
+    if (!session_.start(*output_mode_named(options_.output), channels)) return false;
     for (const auto &feeder : feeders_) {
         if (feeder->opened() && feeder->prime() != 0) {
             terminal_.complain("channel " + std::to_string(feeder->channel()) +
@@ -107,6 +110,8 @@ bool Wall::show()
 /* Bring the panes on the screen as they are wanted now. */
 bool Wall::lay_out()
 {
+    for (size_t i = 0; i < started_; ++i)
+        companions_[i]->before_layout();
     const bool done = enlarged_ >= 0 ? session_.apply_single(enlarged_) : session_.apply(layout_);
     for (size_t i = 0; i < started_; ++i)
         companions_[i]->on_layout();
@@ -224,7 +229,7 @@ void Wall::watch()
         if (layout_stale_.exchange(false)) lay_out();
         take_due_pictures(seconds(), false);
         if (Clock::now() >= progress_at) {
-            terminal_.progress(reporter_.progress_line(seconds(), running_.load()));
+            terminal_.progress(progress_line());
             progress_at = Clock::now() + period;
         }
     }
@@ -237,6 +242,21 @@ Wall::Clock::time_point Wall::take_turns()
     for (const auto &companion : companions_)
         next = std::min(next, companion->take_turn(Clock::now()));
     return next;
+}
+
+std::string Wall::progress_line() const
+{
+    for (const auto &companion : companions_) {
+        std::string line = companion->progress(seconds());
+        if (!line.empty()) return line;
+    }
+    return reporter_.progress_line(seconds(), running_.load());
+}
+
+bool Wall::companion_busy() const
+{
+    return std::any_of(companions_.begin(), companions_.end(),
+                       [](const auto &companion) { return companion->busy(); });
 }
 
 void Wall::take_due_pictures(double now_s, bool at_end)
@@ -283,8 +303,10 @@ void Wall::write_reports()
     const std::vector<ChannelReport> channels = reporter_.collect();
     if (window_open_) vboard_window_close();
     session_.stop();
-    for (const std::string &line : table_of(channels))
-        terminal_.say(line);
+    if (!channels.empty()) {
+        for (const std::string &line : table_of(channels))
+            terminal_.say(line);
+    }
     for (size_t i = 0; i < started_; ++i)
         companions_[i]->report();
     if (options_.json_path.empty()) return;
@@ -303,7 +325,8 @@ double Wall::seconds() const
 
 bool Wall::ended() const
 {
-    if (running_ == 0 || end_wanted_ || wakeup_.end_wanted()) return true;
+    if (end_wanted_ || wakeup_.end_wanted()) return true;
+    if (running_ == 0 && !companion_busy()) return true;
     return options_.duration_s > 0 && seconds() >= options_.duration_s;
 }
 

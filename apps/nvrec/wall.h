@@ -40,6 +40,7 @@ struct WallOptions {
     std::string log_path = "out/nvrec.log";
     std::string json_path;
     FeedOptions feed;
+    int channels = 0; /* at least so many, for companions that show pictures of their own */
 };
 
 class Wall final : private WallControl
@@ -58,6 +59,7 @@ private:
 
     Session &session() override { return session_; }
     Terminal &terminal() override { return terminal_; }
+    Reporter &reporter() override { return reporter_; }
     const std::vector<std::unique_ptr<Feeder>> &cameras() const override { return feeders_; }
     void show_layout(Layout layout) override;
     Layout layout() const override { return layout_; }
@@ -78,6 +80,8 @@ private:
     void watch();
     bool lay_out();
     Clock::time_point take_turns();
+    std::string progress_line() const;
+    bool companion_busy() const;
     void take_due_pictures(double now_s, bool at_end);
     void wait_for_decoders();
     void close();
