@@ -92,6 +92,10 @@ public:
     /** Give the companions a turn soon. Any thread. */
     virtual void ring() = 0;
 
+    /** Whether something records now, for the lamp on the panel. */
+    virtual void set_recording(bool /*on*/) {}
+    virtual bool recording() const { return false; }
+
     /** End as if the user had asked; the first exit code other than 0 stays. */
     virtual void end(int exit_code) = 0;
 };
@@ -111,6 +115,9 @@ public:
 
     /** A camera's next picture, just before the decoder gets it. The camera's thread. */
     virtual void on_unit(int /*channel*/, const AccessUnit & /*unit*/, const StreamFacts & /*facts*/) {}
+
+    /** 40 ms of a camera's sound, when FeedOptions asks for it. The camera's thread. */
+    virtual void on_audio(int /*channel*/, const SoundBlock & /*block*/) {}
 
     /** @return when the next turn is wanted at the latest; time_point::max() = only when rung. */
     virtual Clock::time_point take_turn(Clock::time_point /*now*/) { return Clock::time_point::max(); }
@@ -136,6 +143,9 @@ public:
 
     /** After the closing table. */
     virtual void report() {}
+
+    /** Members for the object of --json, `"name": value` with commas between; empty = none. */
+    virtual std::string json() const { return {}; }
 };
 
 } // namespace nvrec

@@ -155,6 +155,12 @@ void Wall::pointer(const PointerEvent &event)
     }
 }
 
+void Wall::set_recording(bool on)
+{
+    recording_ = on;
+    ring(); /* whoever had its turn before */
+}
+
 void Wall::end(int exit_code)
 {
     worse(exit_code);

@@ -70,6 +70,8 @@ private:
     void key(Key key) override;
     void pointer(const PointerEvent &event) override;
     void ring() override { wakeup_.ring(); }
+    void set_recording(bool on) override;
+    bool recording() const override { return recording_; }
     void end(int exit_code) override;
 
     bool open_inputs();
@@ -103,6 +105,7 @@ private:
     std::vector<std::unique_ptr<Companion>> companions_;
     size_t started_ = 0; /* of the companions */
     bool window_open_ = false;
+    bool recording_ = false; /* as a companion says */
     bool end_wanted_ = false;
     Clock::time_point began_at_;
     double lasted_s_ = 0;
