@@ -169,7 +169,7 @@ TEST_F(Control, StepAndWaitQueuedNeedStepPacing)
     EXPECT_EQ(vboard_display_set_pacing(0, 2), -1);
     EXPECT_EQ(vboard_display_set_pacing(5, 1), -1);
     ASSERT_EQ(vboard_display_set_pacing(0, VBOARD_PACING_STEP), 0);
-    EXPECT_EQ(vboard_display_wait_queued(0, 1, 3, 0), -1);
+    EXPECT_EQ(vboard_display_wait_queued(0, 1, 2, 0), -1);
     EXPECT_EQ(vboard_display_wait_queued(0, 1, 1, 0), -1); // time-out
 }
 

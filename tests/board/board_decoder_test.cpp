@@ -286,11 +286,11 @@ TEST_F(Decoder, FollowsASizeChangeInMidStream)
     EXPECT_EQ(counters(0).decode_errors, 0u);
 }
 
-// Fill channel 0's buffer under step pacing: two pictures queue at the display, then the decoder
+// Fill channel 0's buffer under step pacing: one picture queues at the display, then the decoder
 // stands still and frees no more bytes.
 void fill_buffer(const Bytes &frame)
 {
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 2; ++i)
         ASSERT_EQ(send(0, frame), MI_SUCCESS);
     MI_VDEC_ChnStat stat = {};
     while (stat.left_stream_frames != 1) {

@@ -105,7 +105,7 @@ TEST_F(Races, UnderStepPacingABlockedWorkerIsFreedByWhateverTakesItsSinkAway)
 {
     ASSERT_EQ(vboard_display_set_pacing(0, VBOARD_PACING_STEP), 0);
     for (int round = 0; round < kRounds; ++round) {
-        ASSERT_EQ(vboard_display_wait_queued(0, 1, 2, kPatience_ms), 0);
+        ASSERT_EQ(vboard_display_wait_queued(0, 1, 1, kPatience_ms), 0);
         switch (round % 5) {
         case 0:
             ASSERT_EQ(MI_VDEC_StopChn(0), MI_SUCCESS);

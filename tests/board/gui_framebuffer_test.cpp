@@ -7,6 +7,7 @@
 
 #include <linux/fb.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <fcntl.h>
@@ -293,6 +294,22 @@ TEST_F(FramebufferOnTheBoard, AGuiAboveFullHdIsReadAtHalfItsWidth)
     EXPECT_EQ(g_osd_info.variable.yres, 2160u);
     drawRect(0, 0, 960, 2160, 0xFF00FF00);
     EXPECT_TRUE(same_picture(captured(), with_rectangle(0, 0, kWidth / 2, kHeight, {0, 255, 0, 255})));
+}
+
+// The memory below the page is the PC's again when the size is set; the page itself stays.
+TEST_F(FramebufferOnTheBoard, SettingTheSizeEmptiesTheMemoryBelowThePage)
+{
+    start();
+    auto *bytes = static_cast<uint8_t *>(g_osd_info.mapped_address);
+    const size_t page = size_t{g_osd_info.fixed.line_length} * g_osd_info.variable.yres;
+    std::memset(bytes, 0xA5, g_osd_info.mapped_length);
+    fb_var_screeninfo screen = g_osd_info.variable;
+    ASSERT_EQ(request(FBIOPUT_VSCREENINFO, &screen), 0);
+    EXPECT_EQ(std::count(bytes, bytes + page, 0xA5), static_cast<ptrdiff_t>(page));
+    EXPECT_EQ(std::count(bytes + page, bytes + g_osd_info.mapped_length, 0),
+              static_cast<ptrdiff_t>(g_osd_info.mapped_length - page));
+    bytes[g_osd_info.mapped_length - 1] = 1; // still there to be written
+    EXPECT_EQ(bytes[g_osd_info.mapped_length - 1], 1);
 }
 
 TEST_F(FramebufferOnTheBoard, PanningMovesTheViewInTheMemory)

@@ -5,7 +5,8 @@
  * After power-on the layer is hidden and 1920 x 1080 in ARGB1555, without colour key and blending.
  * Setting the display size gives the device that resolution, in rows without gaps. The memory holds
  * 3840 x 2160 pixels of 16 bits; on a 64-bit PC it is mapped below 4 GiB, since the library tells
- * its address in a 32-bit word.
+ * its address in a 32-bit word. What lies below the shown page is given back to the PC when the size
+ * or the format is set and reads as zero then, so that a GUI costs the memory of its own page.
  *
  * One lock guards the settings; it is taken inside a canvas's lock. The memory is read without one,
  * as a display reads it while it is written.
@@ -16,6 +17,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <mutex>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -72,8 +74,8 @@ public:
     void reset()
     {
         const std::lock_guard guard(mutex_);
-        if (memory_ != nullptr) memset(memory_, 0, kMemory_bytes);
         power_on();
+        forget_from(0);
     }
 
     void *map(size_t size)
@@ -188,6 +190,16 @@ private:
         variable_.yres = layer_.display_height = height;
         variable_.yres_virtual = static_cast<uint32_t>(kMemory_bytes / line_bytes());
         variable_.xoffset = variable_.yoffset = 0;
+        forget_from(line_bytes() * height);
+    }
+
+    // Zero bytes from here to the end of the memory, without a page of the PC under them.
+    void forget_from(size_t offset)
+    {
+        if (memory_ == nullptr || offset >= kMemory_bytes) return;
+        if (fallocate(memory_file_, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, static_cast<off_t>(offset),
+                      static_cast<off_t>(kMemory_bytes - offset)) != 0)
+            memset(memory_ + offset, 0, kMemory_bytes - offset);
     }
 
     size_t line_bytes() const

@@ -101,8 +101,8 @@ int vboard_display_follow(int32_t device, vboard_follower follower, void *user);
 
 enum vboard_pacing {
     VBOARD_PACING_REALTIME = 0, /* default: a port shows the newest picture it was given          */
-    VBOARD_PACING_STEP = 1,     /* a port queues up to 2 pictures in order; a full queue holds the
-                                   decoder, and so the sender, back; each step takes one a port   */
+    VBOARD_PACING_STEP = 1,     /* a port takes one picture ahead; until a step puts it on screen
+                                   the decoder, and so the sender, is held back                   */
 };
 
 /** Choose a device's pacing. Pictures queued under step pacing are dropped when it ends. 0, or -1. */
@@ -117,7 +117,7 @@ int vboard_display_set_pacing(int32_t device, uint32_t pacing);
 int vboard_display_step(int32_t device);
 
 /**
- * Step pacing: wait until every port of the mask has at least `pictures` (1 or 2) queued.
+ * Step pacing: wait until every port of the mask has at least `pictures` (0 or 1) queued.
  * @return 0, or -1 (time-out, not in step pacing)
  */
 int vboard_display_wait_queued(int32_t device, uint32_t port_mask, uint32_t pictures, int32_t timeout_ms);
@@ -265,7 +265,10 @@ void vboard_clock_take(void);
 /** Let the clock run again, from where it stands. */
 void vboard_clock_release(void);
 
-/** Move a taken clock forward. Wakes whoever's time has come. 0, or -1 (not taken, negative). */
+/**
+ * Move a taken clock forward, by a hundred years at most. Wakes whoever's time has come.
+ * @return 0, or -1 (not taken, negative, too far)
+ */
 int vboard_clock_step_us(int64_t microseconds);
 
 /**

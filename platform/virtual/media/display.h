@@ -22,7 +22,7 @@ namespace vboard
 constexpr int32_t kFirstDevice = -1;
 constexpr int kDevices = 4; // -1, 0, 1, 2
 constexpr uint32_t kLayers = 4;
-constexpr uint32_t kStepQueue = 2; // pictures a port queues under step pacing
+constexpr uint32_t kStepQueue = 1; // pictures a port queues under step pacing
 
 /* 0 to 3 for devices -1 to 2; -1 for any other number. */
 int device_index(int32_t device);
