@@ -23,8 +23,8 @@ enum MI_DISP_SyncMode {
 
 /** Public attributes of a device. 16 bytes. */
 typedef struct MI_DISP_PubAttr {
-    uint32_t background;     /*  0  0x00RRGGBB shown where no window lies  */
-    uint32_t interface_type; /*  4  enum MI_DISP_Interface             */
+    uint32_t background;     /*  0  0x00VVYYUU where no window lies; 0 = black */
+    uint32_t interface_type; /*  4  enum MI_DISP_Interface                  */
     uint32_t timing;         /*  8  output timing value                     */
     uint32_t frame_rate;     /* 12  frames per second; 0 = the timing's own */
 } MI_DISP_PubAttr;

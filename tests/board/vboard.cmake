@@ -49,6 +49,7 @@ nvrhal_test(vboard_test
   ${CMAKE_CURRENT_SOURCE_DIR}/board_display_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/board_graph_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/board_hdmi_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/board_misuse_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/board_race_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/scaler_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/stamp_test.cpp

@@ -263,7 +263,8 @@ TEST(SavedLayouts, OfTheSecondaryOutputStandsDirectlyBeforeTheExportedOnes)
     for (const BindArgs &other : old_global_bindarg)
         EXPECT_EQ(memcmp(&other, &none, sizeof none), 0);
 
-    EXPECT_EQ(ext_device_init(&params), -1) << "the decoders are there already";
+    params.vi_chn_num = 0; // fails at once, but the saved layouts are cleared before anything else
+    EXPECT_EQ(ext_device_init(&params), -1);
     memcpy(&saved, exported - sizeof saved, sizeof saved);
     EXPECT_EQ(memcmp(&saved, &none, sizeof none), 0) << "a start clears it with the others";
     EXPECT_EQ(dlclose(library), 0);

@@ -22,11 +22,16 @@ namespace
 constexpr int kFirstDescriptor = 1000;
 constexpr int kCommandNotFound = 127; // as the shell says it
 
+struct Mapping {
+    std::shared_ptr<OpenNode> node; // a mapping outlives its descriptor
+    size_t size;
+};
+
 struct IoState {
     std::mutex mutex;
-    std::map<int, std::shared_ptr<OpenNode>> open;      // by descriptor
-    std::map<void *, std::shared_ptr<OpenNode>> mapped; // by address: a mapping outlives its descriptor
-    Waitable sleep;                                     // nothing but time ends a sleep
+    std::map<int, std::shared_ptr<OpenNode>> open; // by descriptor
+    std::map<void *, Mapping> mapped;              // by address
+    Waitable sleep;                                // nothing but time ends a sleep
 };
 
 IoState &state()
@@ -104,7 +109,7 @@ void *map_node(int descriptor, size_t size)
     if (address == nullptr) return nullptr;
     IoState &io = state();
     const std::lock_guard guard(io.mutex);
-    io.mapped[address] = node;
+    io.mapped[address] = {node, size};
     return address;
 }
 
@@ -115,13 +120,13 @@ int unmap_node(void *address, size_t size)
     {
         const std::lock_guard guard(io.mutex);
         const auto found = io.mapped.find(address);
-        if (found != io.mapped.end()) {
-            node = std::move(found->second);
+        if (found != io.mapped.end() && found->second.size == size) { // never beyond what was given
+            node = std::move(found->second.node);
             io.mapped.erase(found);
         }
     }
     if (node == nullptr) {
-        refuse_plainly("nothing is mapped there");
+        refuse_plainly("no %zu bytes are mapped there", size);
         errno = EINVAL;
         return -1;
     }

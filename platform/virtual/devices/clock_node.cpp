@@ -4,6 +4,7 @@
  */
 #include "rtc_driver.h"
 
+#include <algorithm>
 #include <ctime>
 #include <mutex>
 
@@ -18,7 +19,8 @@ namespace
 {
 
 constexpr int64_t kSecond_us = 1000000;
-constexpr int kFirstYear = 70; // 1970, from 1900
+constexpr int64_t kLastSecond = 253402300799; // of the year 9999, the last that its fields can tell
+constexpr int kFirstYear = 70;                // 1970, from 1900
 constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
 
 int days_in_month(int month, int year)
@@ -51,7 +53,7 @@ public:
     void set(int64_t seconds)
     {
         const std::lock_guard guard(mutex_);
-        offset_us_ = seconds * kSecond_us - clock_wall_us();
+        offset_us_ = std::clamp<int64_t>(seconds, 0, kLastSecond) * kSecond_us - clock_wall_us();
         lost_ = false;
     }
 

@@ -6,6 +6,7 @@
 #include "devices/device_node.h"
 #include "devices/framebuffer.h"
 #include "devices/peripheral_nodes.h"
+#include "media/call.h"
 #include "media/modules.h"
 
 namespace vboard
@@ -22,8 +23,9 @@ const std::vector<DeviceNode *> &node_table()
     return *table;
 }
 
-int refuse_request()
+int refuse_request(const char *what)
 {
+    refuse_plainly("this node cannot be %s", what);
     errno = ENOTTY;
     return -1;
 }
@@ -32,23 +34,23 @@ int refuse_request()
 
 int OpenNode::read(void *, size_t)
 {
-    return refuse_request();
+    return refuse_request("read");
 }
 
 int OpenNode::ioctl(unsigned long, void *)
 {
-    return refuse_request();
+    return refuse_request("asked anything");
 }
 
 void *OpenNode::map(size_t)
 {
-    refuse_request();
+    refuse_request("mapped");
     return nullptr;
 }
 
 int OpenNode::unmap(void *, size_t)
 {
-    return refuse_request();
+    return refuse_request("unmapped");
 }
 
 DeviceNode *find_node(const char *path)

@@ -44,7 +44,8 @@ int vboard_watchdog_wait_expired(int32_t timeout_ms);
 
 /**
  * Set the clock "/dev/rtc0" from outside; it goes on with the board's wall clock. It holds that
- * clock's time, UTC, at power-on. @param seconds  since 1970-01-01 00:00 UTC
+ * clock's time, UTC, at power-on. @param seconds  since 1970-01-01 00:00 UTC, 0 to the end of the
+ * year 9999; others count as the nearer end
  */
 void vboard_rtc_set(int64_t seconds);
 

@@ -17,6 +17,8 @@ namespace
 using Steady = std::chrono::steady_clock;
 using Wall = std::chrono::system_clock;
 
+constexpr int64_t kLongestStep_us = int64_t{100} * 365 * 86400 * 1000000; // a hundred years
+
 int64_t steady_us()
 {
     return std::chrono::duration_cast<std::chrono::microseconds>(Steady::now().time_since_epoch()).count();
@@ -153,7 +155,7 @@ int clock_step_us(int64_t microseconds)
     ClockState &clock = state();
     {
         const std::lock_guard guard(clock.mutex);
-        if (!clock.taken || microseconds < 0) return -1;
+        if (!clock.taken || microseconds < 0 || microseconds > kLongestStep_us) return -1;
         clock.taken_now_us += microseconds;
         clock.taken_wall_us += microseconds;
     }

@@ -96,7 +96,7 @@ void vboard_clock_release(void)
 int vboard_clock_step_us(int64_t microseconds)
 {
     if (clock_step_us(microseconds) != 0)
-        return refuse_plainly("the clock is not taken, or is to go backwards");
+        return refuse_plainly("the clock is not taken, or is to go backwards or beyond a hundred years");
     return 0;
 }
 

@@ -17,6 +17,7 @@
 #include "media/follow.h"
 #include "media/modules.h"
 #include "vboard.h"
+#include "vboard_devices.h"
 
 namespace vboard
 {
@@ -49,15 +50,20 @@ MutablePlanarView packed_view(uint8_t *bytes, int width, int height)
     return view;
 }
 
+size_t image_bytes(uint32_t format, uint32_t width, uint32_t height)
+{
+    const size_t pixels = size_t{width} * height;
+    return format == VBOARD_FORMAT_RGB24 ? pixels * 3 : pixels * 3 / 2;
+}
+
 // Room for an image of that format; -1 when there is none.
 int allocate(vboard_image &image, uint32_t format, uint32_t width, uint32_t height)
 {
-    const size_t pixels = size_t{width} * height;
     image = {};
     image.width = width;
     image.height = height;
     image.format = format;
-    image.size = format == VBOARD_FORMAT_RGB24 ? pixels * 3 : pixels * 3 / 2;
+    image.size = image_bytes(format, width, height);
     image.bytes = static_cast<uint8_t *>(malloc(image.size));
     return image.bytes != nullptr ? 0 : refuse_plainly("no memory for a picture of %u x %u", width, height);
 }
@@ -122,6 +128,23 @@ std::unique_ptr<DeskWindow> &desk_window()
 }
 uint64_t window_sequence = 0;
 
+// Written by vboard_window_set_keys, read by vboard_window_poll: never at the same time.
+WindowKeys &window_keys()
+{
+    static auto *keys = new WindowKeys;
+    return *keys;
+}
+
+// The user's hands, on the remote control and the mouse.
+class WindowInput final : public DeskInput
+{
+public:
+    void press(uint32_t ir_code) override { vboard_ir_press(ir_code); }
+    void move(int32_t x, int32_t y) override { vboard_mouse_move(x, y); }
+    void set_buttons(uint32_t buttons) override { vboard_mouse_buttons(buttons); }
+    void turn_wheel(int32_t notches) override { vboard_mouse_wheel(notches); }
+};
+
 } // namespace
 } // namespace vboard
 
@@ -169,6 +192,10 @@ int vboard_image_save_png(const vboard_image *image, const char *path)
 {
     if (image == nullptr || image->bytes == nullptr || path == nullptr)
         return refuse_plainly("no image, or no file name");
+    if (image->format > VBOARD_FORMAT_RGB24) return refuse_plainly("image format %u", image->format);
+    if (image->size < image_bytes(image->format, image->width, image->height))
+        return refuse_plainly("%zu bytes are no picture of %u x %u", image->size, image->width,
+                              image->height);
     const int width = static_cast<int>(image->width);
     const int height = static_cast<int>(image->height);
     const uint8_t *rgb = image->bytes;
@@ -184,9 +211,12 @@ int vboard_image_save_png(const vboard_image *image, const char *path)
 
 int vboard_display_borrow(int32_t device, vboard_picture *picture)
 {
-    if (device_index(device) < 0 || picture == nullptr) return refuse_plainly("display device %d", device);
+    if (device_index(device) < 0) return refuse_plainly("display device %d", device);
+    if (picture == nullptr) return refuse_plainly("no record to fill");
     Loan &loan = loan_of(device);
     std::unique_lock lock(loan.mutex);
+    if (loan.borrower == std::this_thread::get_id())
+        return refuse_plainly("display device %d is lent to this thread already", device);
     loan.returned.wait(lock, [&] { return loan.borrower == std::thread::id(); });
     loan.borrower = std::this_thread::get_id();
     lock.unlock();
@@ -256,10 +286,23 @@ int vboard_window_open(const char *title)
     return desk_window() != nullptr ? 0 : refuse_plainly("this PC has no screen to open a window on");
 }
 
+int vboard_window_set_keys(const vboard_window_key *keys, size_t count)
+{
+    WindowKeys next;
+    for (size_t i = 0; i < count; ++i) {
+        const int32_t number = keys != nullptr && keys[i].pc_key != nullptr ? key_number(keys[i].pc_key) : 0;
+        if (number == 0) return refuse_plainly("the PC has no key number %zu of the list", i);
+        next[number] = keys[i].ir_code;
+    }
+    window_keys() = std::move(next);
+    return 0;
+}
+
 int vboard_window_poll(void)
 {
     if (desk_window() == nullptr) return refuse_plainly("no window is open");
-    if (!desk_window()->handle_events()) return VBOARD_WINDOW_CLOSED;
+    WindowInput input;
+    if (!desk_window()->handle_events(window_keys(), input)) return VBOARD_WINDOW_CLOSED;
     if (vboard_monitor_has_signal() != 0) {
         const CanvasLook look(0);
         desk_window()->show(view_of(look.picture()));

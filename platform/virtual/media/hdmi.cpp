@@ -103,6 +103,7 @@ int32_t deinit()
     if (hdmi.open) return refuse(MI_MODULE_HDMI, MI_REASON_NOT_PERMITTED, "the transmitter is open");
     hdmi.initialised = hdmi.has_attr = false;
     hdmi.events.clear();
+    hdmi.changed.notify_all(); // whoever waits for the events to be through
     return MI_SUCCESS;
 }
 
