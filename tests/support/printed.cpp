@@ -17,6 +17,8 @@ namespace recording
 namespace
 {
 
+constexpr char kNoLineEnd[] = "<no line end>";
+
 int real_stdout = -1; // descriptor 1 as it was, while a capture runs
 int capture_file = -1;
 off_t forgotten = 0; // where the text that still counts begins
@@ -181,6 +183,7 @@ std::vector<std::string> printed_lines()
     std::vector<std::string> lines;
     std::istringstream in(printed_text());
     for (std::string line; std::getline(in, line);) {
+        if (in.eof()) line += kNoLineEnd; // nothing followed: a text lost its line end, or never had one
         size_t prefix = prefix_length(line);
         if (prefix > 0) line = line.substr(0, line.find("]-") + 2) + "#: " + line.substr(prefix);
         lines.push_back(line);

@@ -6,7 +6,8 @@
  *
  * In an expected text `#` stands for any decimal number and `@` for any source or function name (or
  * each for itself), so that places in the source stay free. Expected texts without an error prefix
- * fit lines with and without one.
+ * fit lines with and without one. A last line that was not ended carries "<no line end>", and so fits
+ * only an expectation that says so.
  */
 #pragma once
 
