@@ -33,6 +33,9 @@ constexpr uint32_t kDoubleRate = 2;
 constexpr int32_t kStandard25 = 1; // of the video standard code; any other means 30
 constexpr uint32_t kAudioDivisor = 324;
 
+constexpr char kGetRateFailure[] = "File:%s,Line:%d    MI_DISP_GetPubAttr exe error [%d]\n";
+constexpr char kSetRateFailure[] = "File:%s,Line:%d    MI_DISP_SetPubAttr exe error [%d]\n";
+
 int32_t flush_port(uint32_t channel)
 {
     const int32_t cleared = MI_DISP_ClearInputPortBuffer(load_word(globalVoDev), channel, kDropAll);
@@ -40,11 +43,6 @@ int32_t flush_port(uint32_t channel)
     log_text("[%s-%d] Vo fault to clear buffer errno is 0x%x\n", kSource, __LINE__,
              static_cast<unsigned>(cleared));
     return -1;
-}
-
-void log_rate_failure(const char *call, int32_t code, int line)
-{
-    log_text("File:%s,Line:%d    %s exe error [%d]\n", kSource, line, call, code);
 }
 
 /**
@@ -57,15 +55,15 @@ void apply_display_rate(uint32_t mode)
     const uint32_t base_rate = local_get_videoformat() == kStandard25 ? 25 : 30;
     MI_DISP_PubAttr attr = {};
     const int32_t got = MI_DISP_GetPubAttr(dev, &attr);
-    if (got < 0) log_rate_failure("MI_DISP_GetPubAttr", got, __LINE__);
+    if (got < 0) log_text(kGetRateFailure, kSource, __LINE__, got);
     if (mode != kDoubleRate) {
-        if (got < 0) log_rate_failure("MI_DISP_SetPubAttr", got, __LINE__); // the read's code
+        if (got < 0) log_text(kSetRateFailure, kSource, __LINE__, got); // the read's code
         return;
     }
     if (got < 0) attr = {};
     attr.frame_rate = 2 * base_rate;
     const int32_t set = MI_DISP_SetPubAttr(dev, &attr);
-    if (set < 0) log_rate_failure("MI_DISP_SetPubAttr", set, __LINE__);
+    if (set < 0) log_text(kSetRateFailure, kSource, __LINE__, set);
 }
 
 bool is_control_buffer(const FrameInfo &rec)
@@ -82,7 +80,9 @@ int32_t play_video(const FrameInfo &rec)
     if (is_control_buffer(rec)) {
         const int32_t cleared = MI_DISP_ClearInputPortBuffer(load_word(globalVoDev), rec.channel, kDropAll);
         // The text names another call; logs are searched for it.
-        if (cleared < 0) log_rate_failure("MI_VDEC_ReleaseUserData", cleared, __LINE__);
+        if (cleared < 0)
+            log_text("File:%s,Line:%d    MI_VDEC_ReleaseUserData exe error [%d]\n", kSource, __LINE__,
+                     cleared);
         return 0;
     }
 

@@ -1,6 +1,8 @@
 /* ext_playback_get_buf and ext_playback_set_buf: one buffer out and in, by its length and kind. */
 #include <cstring>
 
+#include "audio/audio.h"
+#include "core/device_state.h"
 #include "media_call_count.h"
 #include "view_frame.h"
 
@@ -51,6 +53,7 @@ TEST(PlaybackGetBuf, HandsOutTheOneBuffer)
     EXPECT_EQ(first.channel, 3u);
     static_cast<uint8_t *>(first.data)[0] = 1; // it is writable to its end
     static_cast<uint8_t *>(first.data)[kBufferBytes - 1] = 1;
+    EXPECT_EQ(nvrhal::u32BufLen, kBufferBytes);
     EXPECT_EQ(ext_playback_get_buf(nullptr), -1);
 }
 
@@ -80,7 +83,7 @@ TEST(PlaybackSetBuf, AFlushThatFailsIsSaid)
     platform.script("MI_DISP_ClearInputPortBuffer").returns(kRefused);
     FrameInfo rec = video_of(1, bytes);
     EXPECT_EQ(deliver(rec), -1);
-    EXPECT_PRINTED("[@-#] Vo fault to clear buffer errno is 0xa00f0003");
+    EXPECT_PRINTED("[vdec_venc.c-#] Vo fault to clear buffer errno is 0xa00f0003");
 }
 
 TEST(PlaybackSetBuf, SendsVideoToItsDecoder)
@@ -138,6 +141,42 @@ TEST(PlaybackSetBuf, ShowsDoubleRateAtTwiceTheStandardsRate)
     EXPECT_EQ(platform.count("MI_DISP_SetPubAttr 0 {background 0x112233 interface 5 timing 8 rate 60}"), 1u);
 }
 
+TEST(PlaybackSetBuf, DoublesTheRateOfTheVideoStandard)
+{
+    std::vector<uint8_t> bytes(5);
+    const struct {
+        uint32_t standard, rate;
+    } rows[] = {{0, 60}, {1, 50}, {2, 60}, {0xFFFFFFFF, 60}}; // 1 is the one of 25 frames
+    give_device_0(30);
+    for (const auto &row : rows) {
+        platform.forget();
+        nvrhal::global_videofomat = row.standard;
+        EXPECT_EQ(local_get_videoformat(), static_cast<int32_t>(row.standard));
+        FrameInfo rec = video_of(0, bytes, 2);
+        EXPECT_EQ(deliver(rec), 0);
+        EXPECT_EQ(platform.count("MI_DISP_SetPubAttr 0 {background 0x112233 interface 5 timing 8 rate " +
+                                 std::to_string(row.rate) + "}"),
+                  1u)
+            << row.standard;
+    }
+}
+
+/* Only negative results are failures; what a platform counts otherwise is not. */
+TEST(PlaybackSetBuf, SaysNothingOfPositiveResults)
+{
+    std::vector<uint8_t> video(5), control = {1, 1, 0, 0, 0, 0, 0, 0};
+    for (const int32_t result : {0, 5}) {
+        for (const char *call : {"MI_DISP_GetPubAttr", "MI_DISP_SetPubAttr", "MI_DISP_ClearInputPortBuffer"})
+            platform.script(call).returns(result);
+        for (uint32_t mode : {1u, 2u}) {
+            FrameInfo rec = video_of(0, video, mode), clear = video_of(0, control, mode);
+            EXPECT_EQ(deliver(rec), 0);
+            EXPECT_EQ(deliver(clear), 0);
+        }
+    }
+    EXPECT_EQ(recording::printed_text(), "");
+}
+
 /* Once doubled, the display keeps its rate: no other mode writes it back. */
 TEST(PlaybackSetBuf, LeavesTheDisplayRateInEveryOtherMode)
 {
@@ -155,12 +194,14 @@ TEST(PlaybackSetBuf, SetsTheRateOnAZeroedRecordWhenTheReadFailed)
 {
     std::vector<uint8_t> bytes(5);
     give_device_0(30);
-    platform.script("MI_DISP_GetPubAttr").returns(-9);
+    platform.script("MI_DISP_GetPubAttr").returns(-9).fills([](recording::Args &call) {
+        call.record<MI_DISP_PubAttr>(1) = {0xFFFFFF, 9, 9, 9}; // a driver that fails half way
+    });
     FrameInfo rec = video_of(0, bytes, 2);
     EXPECT_EQ(deliver(rec), 0);
     EXPECT_EQ(platform.count("MI_DISP_SetPubAttr 0 {background 0x0 interface 0 timing 0 rate 60}"), 1u);
-    EXPECT_PRINTED("File:@,Line:#    MI_DISP_GetPubAttr exe error [-9]");
-    EXPECT_NOT_PRINTED("File:@,Line:#    MI_DISP_SetPubAttr exe error [-9]");
+    EXPECT_PRINTED("File:vdec_venc.c,Line:#    MI_DISP_GetPubAttr exe error [-9]");
+    EXPECT_NOT_PRINTED("File:vdec_venc.c,Line:#    MI_DISP_SetPubAttr exe error [-9]");
     EXPECT_EQ(platform.count("MI_VDEC_SendStream 0"), 1u);
 }
 
@@ -172,8 +213,8 @@ TEST(PlaybackSetBuf, SaysTwiceThatTheReadFailedInOtherModes)
     FrameInfo rec = video_of(0, bytes, 1);
     EXPECT_EQ(deliver(rec), 0);
     EXPECT_PRINTED_IN_ORDER(R"(
-        File:@,Line:#    MI_DISP_GetPubAttr exe error [-9]
-        File:@,Line:#    MI_DISP_SetPubAttr exe error [-9]
+        File:vdec_venc.c,Line:#    MI_DISP_GetPubAttr exe error [-9]
+        File:vdec_venc.c,Line:#    MI_DISP_SetPubAttr exe error [-9]
     )");
     EXPECT_EQ(platform.count("MI_DISP_SetPubAttr"), 0u);
 }
@@ -184,7 +225,7 @@ TEST(PlaybackSetBuf, SaysThatTheRateCouldNotBeWrittenAndSendsTheFrame)
     platform.script("MI_DISP_SetPubAttr").returns(-8);
     FrameInfo rec = video_of(0, bytes, 2);
     EXPECT_EQ(deliver(rec), 0);
-    EXPECT_PRINTED("File:@,Line:#    MI_DISP_SetPubAttr exe error [-8]");
+    EXPECT_PRINTED("File:vdec_venc.c,Line:#    MI_DISP_SetPubAttr exe error [-8]");
     EXPECT_EQ(platform.count("MI_VDEC_SendStream 0"), 1u);
 }
 
@@ -207,7 +248,7 @@ TEST(PlaybackSetBuf, AControlBufferReturnsZeroWhenTheClearFails)
     platform.script("MI_DISP_ClearInputPortBuffer").returns(-5);
     FrameInfo rec = video_of(6, bytes);
     EXPECT_EQ(deliver(rec), 0);
-    EXPECT_PRINTED("File:@,Line:#    MI_VDEC_ReleaseUserData exe error [-5]");
+    EXPECT_PRINTED("File:vdec_venc.c,Line:#    MI_VDEC_ReleaseUserData exe error [-5]");
 }
 
 TEST(PlaybackSetBuf, OtherBytesAndLengthsAreVideo)

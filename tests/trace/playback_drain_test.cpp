@@ -92,7 +92,7 @@ TEST_P(SingleSwitch, UsesAnAttemptUpForStatisticsThatCannotBeRead)
     EXPECT_EQ(GetParam()(2), 0);
     EXPECT_EQ(platform.count("MI_VDEC_GetChnStat 2"), 10u);
     EXPECT_EQ(platform.count("board_sleep_us"), 0u);
-    EXPECT_EQ(recording::times_printed("[@-#] MI_VDEC_GetChnStat errno is 0xa0080005"), 10u);
+    EXPECT_EQ(recording::times_printed("[vdec_venc.c-#] MI_VDEC_GetChnStat errno is 0xa0080005"), 10u);
 }
 
 TEST_P(SingleSwitch, ReturnsZeroWhenTheFlushFails)

@@ -26,7 +26,7 @@ Expectation goes_on(const Undisturbed &run, size_t index)
     if (name == "MI_VDEC_StopChn" || name == "MI_VDEC_StartChn")
         expected.pieces = {"failed errno 0xa00900ee"};
     if (name == "MI_SYS_BindChnPort" || name == "MI_SYS_UnBindChnPort")
-        expected.pieces = {"failed with 0x" + kFailureText + "!"};
+        expected.pieces = {"failed with 0x" + kFailureText + "!\n"};
     return expected;
 }
 
@@ -37,7 +37,7 @@ TEST(FailureSweep, PlaybackStart)
         prepare_decoders, [] { return ext_playback_start(0, 0); },
         [](const Undisturbed &run, size_t index) -> Expectation {
             bool first_bind = index < kCameras * kCallsPerPort && index % kCallsPerPort == 1;
-            if (first_bind) return {-1, {}, {"Vo fault to bind vpss errno is 0xffffffff"}, false};
+            if (first_bind) return {-1, {}, {"Vo fault to bind vpss errno is 0xffffffff\n"}, false};
             return goes_on(run, index);
         });
     EXPECT_EQ(failures, kCameras * (kCallsPerPort + 2));
@@ -56,11 +56,11 @@ TEST(FailureSweep, SwitchToASinglePicture)
         const std::string &name = run.names[index];
         Expectation expected = {0, run.from(index + 1), {}, false};
         if (name == "MI_VDEC_GetChnStat") { // the attempt is used up, and the next one finds it empty
-            expected.pieces = {"MI_VDEC_GetChnStat errno is 0xa00900ee"};
+            expected.pieces = {"MI_VDEC_GetChnStat errno is 0xa00900ee\n"};
             expected.following = run.from(0);
         }
         if (name == "MI_VDEC_GetChnAttr" || name == "MI_VDEC_DestroyChn" || name == "MI_VDEC_CreateChn") {
-            expected.pieces = {name + " failed errno 0xa00900ee,chnid:1 "};
+            expected.pieces = {name + " failed errno 0xa00900ee,chnid:1 \n"};
             expected.following = {};
         }
         return expected;
@@ -87,7 +87,7 @@ TEST(FailureSweep, DoubleRateVideoBuffer)
                     false};
         if (name == "MI_VDEC_GetChnStat") return {0, {}, {}, false};
         return {
-            0, run.from(index + 1), {name + " exe error [" + std::to_string(sweep::kFailure) + "]"}, false};
+            0, run.from(index + 1), {name + " exe error [" + std::to_string(sweep::kFailure) + "]\n"}, false};
     };
     EXPECT_EQ(sweep::fail_every_call(prepare_decoders, act, expect), 4u);
 }

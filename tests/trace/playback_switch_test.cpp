@@ -52,11 +52,12 @@ TEST(PlaybackStart, RebindsEveryPortAndResetsEveryDecoder)
     EXPECT_PRINTED_IN_ORDER(R"(
         ------------ext_playback_start------------ChnnBits 2147483658 8000000a playback_start---SignalSpitMode:7 
         unbind vpss success! 
-        [@-#] Vo :0 sucess to bind vpss:0 
+        [vdec_venc.c-#] Vo :0 sucess to bind vpss:0 
         unbind vpss success! 
         unbind vpss success! 
-        [@-#] Vo :1 sucess to bind vpss:1 
+        [vdec_venc.c-#] Vo :1 sucess to bind vpss:1 
     )");
+    EXPECT_EQ(recording::printed_text().find("fault"), std::string::npos);
 }
 
 TEST(PlaybackStart, PutsTheAudioControlIntoPlayback)
@@ -74,7 +75,7 @@ TEST(PlaybackStart, GoesOnWhenAPortWasNotBoundBefore)
     start_decoders(1);
     platform.script("MI_SYS_UnBindChnPort").once().returns(kRefused);
     EXPECT_EQ(ext_playback_start(0, 0), 0);
-    EXPECT_PRINTED("[@-#] Vo fault to unbind vpss errno is 0xffffffff");
+    EXPECT_PRINTED("[vdec_venc.c-#] Vo fault to unbind vpss errno is 0xffffffff");
     EXPECT_EQ(platform.count("MI_SYS_BindChnPort"), 2u);
     EXPECT_EQ(platform.count("MI_VDEC_StartChn"), 1u);
 }
@@ -84,7 +85,7 @@ TEST(PlaybackStart, EndsAtThePortThatCannotBeBoundWithPlaybackOwningTheDisplay)
     start_decoders(3);
     platform.script("MI_SYS_BindChnPort").with("{vdec,0,1,0}").once().returns(kRefused);
     EXPECT_EQ(ext_playback_start(0, 0), -1);
-    EXPECT_PRINTED("[@-#] Vo fault to bind vpss errno is 0xffffffff");
+    EXPECT_PRINTED("[vdec_venc.c-#] Vo fault to bind vpss errno is 0xffffffff");
     EXPECT_EQ(playback_status, 1u);
     EXPECT_EQ(platform.count("MI_SYS_UnBindChnPort {vdec,0,2,0}"), 0u);
     EXPECT_EQ(platform.count("MI_VDEC_StopChn"), 0u);
@@ -95,7 +96,7 @@ TEST(PlaybackStart, GoesOnWhenTheSecondBindingFails)
     start_decoders(2);
     platform.script("MI_SYS_BindChnPort").nth(2).returns(kRefused);
     EXPECT_EQ(ext_playback_start(0, 0), 0);
-    EXPECT_PRINTED("[@-#] Vo:0 fault to bind vpss:0 errno is 0xffffffff");
+    EXPECT_PRINTED("[vdec_venc.c-#] Vo:0 fault to bind vpss:0 errno is 0xffffffff");
     EXPECT_EQ(platform.count("MI_SYS_BindChnPort"), 4u);
 }
 
@@ -122,6 +123,7 @@ TEST(PlaybackStart, NeverReachesBeyondItsPortTable)
             EXPECT_EQ(ext_playback_start(0, 0), -1);
         } else {
             EXPECT_EQ(ext_playback_start(0, 0), 0);
+            EXPECT_EQ(platform.calls(), "");
         }
         EXPECT_EQ(platform.count("MI_SYS_BindChnPort {vdec,0,16,0}"), 0u);
     }
@@ -158,6 +160,7 @@ TEST(PlaybackExit, ResetsTheDecodersAndClearsEveryPortOfTheCurrentDevice)
     )"));
     EXPECT_EQ(playback_status, 0u);
     EXPECT_EQ(cur_display_chnn, 255);
+    EXPECT_EQ(recording::printed_text().find("fail"), std::string::npos);
     EXPECT_PRINTED_IN_ORDER(R"(
         MI_DISP_ClearInputPortBuffer###chn=0
         MI_DISP_ClearInputPortBuffer###chn=1
@@ -187,7 +190,7 @@ TEST(PlaybackDisableChannel, AnswersTheNumberOfCharactersPrinted)
 {
     platform.script("MI_DISP_DisableInputPort").returns(kRefused);
     int32_t result = ext_playback_disable_channel(3);
-    EXPECT_PRINTED("[@-#] Vo fault to unbind vpss errno is 0xa00f0003");
+    EXPECT_PRINTED("[vdec_venc.c-#] Vo fault to unbind vpss errno is 0xa00f0003");
     std::string text = recording::printed_text();
     size_t line = text.find('[');
     ASSERT_NE(line, std::string::npos);
