@@ -34,26 +34,29 @@ enum Command {
 struct CommandRow {
     Command command;
     unsigned long request;
-    const char *before; // the failure text, around the number ...
-    const char *after;  // ... or null when it has none
+    const char *failure; // takes source, line and the number that the command's failures carry
 };
 
+// A whole text stands in one place, prefix included, so that it can be searched for as it is logged.
+#define FAILURE(text)      "[%s]-%d: " text
+#define FAILURE_LINE(text) FAILURE(text "\n")
+
 // The norm's text names another chip, the one this board had before; log searches know it so. The
-// audio work mode is a use of the audio format's command.
+// audio work mode is a use of the audio format's command; both texts leave the number out.
 constexpr CommandRow kCommands[] = {
-    {kGetLoss, AD_GET_LOSS, "set VC0725(", ") video get loss fail"},
-    {kSetAdjust, AD_SET_ADJUST, "set VC0725(", ") video set adjust fail"},
-    {kGetAdjust, AD_GET_ADJUST, "set VC0725(", ") video get adjust fail"},
-    {kSetNorm, AD_SET_NORM, "set tw2865(", ") video set mode fail"},
-    {kGetNorm, AD_GET_NORM, "set VC0725(", ") video get mode fail"},
-    {kSetWorkMode, AD_SET_WORK_MODE, "set vc0725(", ") video work mode fail"},
-    {kSetSampleRate, AD_SET_SAMPLE_RATE, "samplerate = ", " video SET_SAMPLE_RATE fail"},
-    {kSetAudioPlayback, AD_SET_AUDIO_PLAYBACK, "set VC0725(", ") video SET_AUDIO_PLAYBACK fail"},
-    {kSetAudioVolume, AD_SET_AUDIO_VOLUME, "set VC0725(", ") video SET_AUDIO_DA_VOLUME fail"},
-    {kSetAudioFormat, AD_SET_AUDIO_FORMAT, "audio_format =  video SET_AUDIO_FORMAT fail", nullptr},
-    {kSetAudioWorkMode, AD_SET_AUDIO_FORMAT, "ioctl VC0725_SET_AUDIO_FORMAT err !!! ", nullptr},
-    {kSetAudioBitwidth, AD_SET_AUDIO_BITWIDTH, "bitwidth = ", " video SET_AUDIO_BITWIDTH fail"},
-    {kSetMute, AD_SET_MUTE, "set VC0725(", ") video ad_set_mute fail"},
+    {kGetLoss, AD_GET_LOSS, FAILURE("set VC0725(%d) video get loss fail\n")},
+    {kSetAdjust, AD_SET_ADJUST, FAILURE("set VC0725(%d) video set adjust fail\n")},
+    {kGetAdjust, AD_GET_ADJUST, FAILURE("set VC0725(%d) video get adjust fail\n")},
+    {kSetNorm, AD_SET_NORM, FAILURE("set tw2865(%d) video set mode fail\n")},
+    {kGetNorm, AD_GET_NORM, FAILURE("set VC0725(%d) video get mode fail\n")},
+    {kSetWorkMode, AD_SET_WORK_MODE, FAILURE("set vc0725(%d) video work mode fail\n")},
+    {kSetSampleRate, AD_SET_SAMPLE_RATE, FAILURE("samplerate = %d video SET_SAMPLE_RATE fail\n")},
+    {kSetAudioPlayback, AD_SET_AUDIO_PLAYBACK, FAILURE("set VC0725(%d) video SET_AUDIO_PLAYBACK fail\n")},
+    {kSetAudioVolume, AD_SET_AUDIO_VOLUME, FAILURE("set VC0725(%d) video SET_AUDIO_DA_VOLUME fail\n")},
+    {kSetAudioFormat, AD_SET_AUDIO_FORMAT, FAILURE_LINE("audio_format =  video SET_AUDIO_FORMAT fail")},
+    {kSetAudioWorkMode, AD_SET_AUDIO_FORMAT, FAILURE_LINE("ioctl VC0725_SET_AUDIO_FORMAT err !!! ")},
+    {kSetAudioBitwidth, AD_SET_AUDIO_BITWIDTH, FAILURE("bitwidth = %d video SET_AUDIO_BITWIDTH fail\n")},
+    {kSetMute, AD_SET_MUTE, FAILURE("set VC0725(%d) video ad_set_mute fail\n")},
 };
 
 consteval bool commands_are_complete()
@@ -78,10 +81,7 @@ int32_t issue(const AdNode &node, Command command, void *record, uint32_t number
 {
     const CommandRow &row = kCommands[command];
     if (node.request(row.request, record)) return 0;
-    if (row.after == nullptr)
-        log_error_line(kAdSource, row.before);
-    else
-        log_error(kAdSource, "%s%d%s\n", row.before, static_cast<int>(number), row.after);
+    log_text(row.failure, kAdSource, __LINE__, static_cast<int>(number));
     return -1;
 }
 
