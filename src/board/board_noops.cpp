@@ -1,13 +1,24 @@
 /*
  * Operations that the application may call and this board does not need: capture, overlays, water
- * marks, LCD, flash. They take anything and answer the constant that applications were written
- * against. They print nothing.
+ * marks, LCD, flash. They take anything, leave their entry trace and answer the constant that
+ * applications were written against.
  */
+#include "core/log.h"
 #include "nvrhal.h"
+
+using namespace nvrhal;
+
+namespace
+{
+
+constexpr char kSource[] = "misc.c";
+
+} // namespace
 
 #define ANSWER(name, value)                                                                                  \
     int name(...)                                                                                            \
     {                                                                                                        \
+        log_entry(kSource);                                                                                  \
         return value;                                                                                        \
     }
 

@@ -91,27 +91,53 @@ TEST(Alarms, ThereAreNone)
     EXPECT_PRINTED("EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEmisc.c,ext_alarm_status_get,#");
 }
 
-TEST(BoardNoops, AnswerTheirConstantAndDoNothing)
+struct ConstantAnswer {
+    const char *name;
+    int (*call)(...);
+    int answer;
+};
+
+const ConstantAnswer kAnswers[] = {
+    {"ext_capture_start", ext_capture_start, 1},
+    {"ext_capture_stop", ext_capture_stop, 1},
+    {"ext_chagne_system_time_flag", ext_chagne_system_time_flag, 1},
+    {"ext_set_voutdev_brightness", ext_set_voutdev_brightness, 1},
+    {"ext_led_set", ext_led_set, 1},
+    {"ext_release_buf", ext_release_buf, 1},
+    {"ext_rec_water_mark_set", ext_rec_water_mark_set, 1},
+    {"ext_rec_water_mask_clean", ext_rec_water_mask_clean, 1},
+    {"ext_set_output_nomenu_image", ext_set_output_nomenu_image, 1},
+    {"ext_err_get_last_value", ext_err_get_last_value, 1},
+    {"ext_lcd_screen_onoff", ext_lcd_screen_onoff, 1},
+    {"ext_get_flash_param", ext_get_flash_param, 1},
+    {"ext_get_board_used_chip_type", ext_get_board_used_chip_type, 1},
+    {"ext_rec_osd_print", ext_rec_osd_print, 1},
+    {"ext_rec_osd_clean", ext_rec_osd_clean, 1},
+    {"ext_set_cover_area", ext_set_cover_area, 1},
+    {"ext_clean_cover_area", ext_clean_cover_area, 1},
+    {"ext_alarm_output_set", ext_alarm_output_set, 0},
+    {"ext_change_display_zorder", ext_change_display_zorder, 0},
+};
+
+void PrintTo(const ConstantAnswer &row, std::ostream *out)
 {
-    EXPECT_EQ(ext_capture_start(), 1);
-    EXPECT_EQ(ext_capture_stop(), 1);
-    EXPECT_EQ(ext_chagne_system_time_flag(1), 1);
-    EXPECT_EQ(ext_set_voutdev_brightness(1, 2, 3), 1);
-    EXPECT_EQ(ext_led_set(1), 1);
-    EXPECT_EQ(ext_release_buf(nullptr), 1);
-    EXPECT_EQ(ext_rec_water_mark_set("mark"), 1);
-    EXPECT_EQ(ext_rec_water_mask_clean(), 1);
-    EXPECT_EQ(ext_set_output_nomenu_image(0), 1);
-    EXPECT_EQ(ext_err_get_last_value(), 1);
-    EXPECT_EQ(ext_lcd_screen_onoff(0), 1);
-    EXPECT_EQ(ext_get_flash_param(nullptr), 1);
-    EXPECT_EQ(ext_get_board_used_chip_type(), 1);
-    EXPECT_EQ(ext_rec_osd_print(0, "text"), 1);
-    EXPECT_EQ(ext_rec_osd_clean(0), 1);
-    EXPECT_EQ(ext_set_cover_area(0, 0), 1);
-    EXPECT_EQ(ext_clean_cover_area(0), 1);
-    EXPECT_EQ(ext_alarm_output_set(1, 1), 0);
-    EXPECT_EQ(ext_change_display_zorder(1), 0);
-    EXPECT_EQ(platform.calls(), "");
-    EXPECT_EQ(recording::printed_text(), "");
+    *out << row.name;
 }
+
+class BoardNoop : public testing::TestWithParam<ConstantAnswer>
+{
+};
+
+TEST_P(BoardNoop, LeavesItsTraceAndAnswersItsConstant)
+{
+    const ConstantAnswer &row = GetParam();
+    const std::string trace = std::string("EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEmisc.c,") + row.name + ",#";
+    EXPECT_EQ(row.call(), row.answer);
+    EXPECT_EQ(row.call(1, 2, 3), row.answer);
+    EXPECT_EQ(row.call(nullptr, "text"), row.answer);
+    EXPECT_EQ(recording::times_printed(trace), 3u);
+    EXPECT_EQ(recording::printed_lines().size(), 3u);
+    EXPECT_EQ(platform.calls(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Each, BoardNoop, testing::ValuesIn(kAnswers));
