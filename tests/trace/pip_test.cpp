@@ -1,6 +1,7 @@
 /* local_bind_pip and local_unbind_pip: video layer 1 over the main picture. */
 #include <gtest/gtest.h>
 
+#include "core/device_state.h"
 #include "media_call_count.h"
 #include "nvrhal.h"
 #include "recording_platform.h"
@@ -29,6 +30,17 @@ TEST(PictureInPicture, IsPlacedOnLayer1OfDevice0)
         EXPECT_EQ(recording::media_calls(), 4u);
         EXPECT_PRINTED(" -----x = 100, y = 200, uw = 640, uh = 360,w = 640, h = 360");
     }
+}
+
+/* Whatever the layer held before, its pictures are in the format that start-up chose. */
+TEST(PictureInPicture, HasThePixelFormatOfTheDevice)
+{
+    nvrhal::global_format_e = 77;
+    platform.script("MI_DISP_GetVideoLayerAttr").fills([](recording::Args &call) {
+        call.record<MI_DISP_VideoLayerAttr>(1).pixel_format = 5;
+    });
+    EXPECT_EQ(local_bind_pip(0, 0, 0, 64, 64), 0);
+    EXPECT_EQ(platform.count("MI_DISP_SetVideoLayerAttr 1 {window 0,0 64x64 size 64x64 format 77}"), 1u);
 }
 
 TEST(PictureInPicture, LeavesTheDeviceItIsToldToLeave)

@@ -17,7 +17,7 @@ void prepare_cameras()
 TEST(FailureSweep, ZoomWindow)
 {
     auto expect = [](const Undisturbed &run, size_t index) -> Expectation {
-        Expectation expected = {1, {}, {"exec function failed"}, false};
+        Expectation expected = {1, {}, {"]exec function failed\n"}, false};
         if (run.names[index] == "MI_DISP_SetZoomInWindow") expected.following = {"MI_DISP_SetZoomInWindow"};
         return expected;
     };
@@ -35,8 +35,8 @@ TEST(FailureSweep, ZoomLayout)
     auto expect = [](const Undisturbed &run, size_t index) -> Expectation {
         const std::string &name = run.names[index];
         if (name == "MI_DISP_HideInputPort" || name == "MI_DISP_ShowInputPort")
-            return {0, run.from(index + 1), {"failed with errno 0xa00900ee!"}, false};
-        return {-1, {}, {"attr failed with errno 0xa00900ee!"}, false};
+            return {0, run.from(index + 1), {"failed with errno 0xa00900ee!\n"}, false};
+        return {-1, {}, {"attr failed with errno 0xa00900ee!\n"}, false};
     };
     EXPECT_EQ(sweep::fail_every_call(prepare_cameras, act, expect), 3u + 2 * 3);
 }
@@ -48,7 +48,7 @@ TEST(FailureSweep, SecondaryZoomLayout)
         return ext_change_zoom_slave(panes, 2);
     };
     auto expect = [](const Undisturbed &, size_t) -> Expectation {
-        return {-1, {}, {"failed with errno 0xa00900ee!"}, false};
+        return {-1, {}, {"failed with errno 0xa00900ee!\n"}, false};
     };
     EXPECT_EQ(sweep::fail_every_call(prepare_cameras, act, expect), 4u);
 }
@@ -56,7 +56,7 @@ TEST(FailureSweep, SecondaryZoomLayout)
 TEST(FailureSweep, PictureInPicture)
 {
     auto expect = [](const Undisturbed &, size_t) -> Expectation {
-        return {-1, {}, {"failed with errno 0xa00900ee!"}, false};
+        return {-1, {}, {"failed with errno 0xa00900ee!\n"}, false};
     };
     EXPECT_EQ(sweep::fail_every_call([] {}, [] { return local_bind_pip(0, 0, 0, 64, 64); }, expect), 4u);
     EXPECT_EQ(sweep::fail_every_call([] {}, [] { return local_unbind_pip(0); }, expect), 2u);

@@ -1,5 +1,6 @@
 /* ext_change_zoom_format and ext_change_zoom_slave: panes placed anew, no decoder touched. */
 #include "media_call_count.h"
+#include "view/layout_state.h"
 #include "view_frame.h"
 
 using namespace view_test;
@@ -33,6 +34,25 @@ TEST(ZoomLayout, HidesEveryPortThenPlacesPaneIOnPortI)
         MI_DISP_ShowInputPort 2 1
     )"));
     EXPECT_EQ(cur_display_chnn, 0x42);
+    EXPECT_EQ(recording::printed_text(), "");
+}
+
+TEST(ZoomLayout, EndsAtThePortThatCannotBePlaced)
+{
+    const struct {
+        const char *call, *text;
+    } rows[] = {{"MI_DISP_GetInputPortAttr", "Get channel 1 attr failed with errno 0xa00f0003!"},
+                {"MI_DISP_SetInputPortAttr", "Set channel 1 attr failed with errno 0xa00f0003!"}};
+    g_vi_chn_num = 3;
+    DispAttrib panes[] = {pane(0, 0, 0, 64, 64), pane(1, 64, 0, 64, 64), pane(2, 0, 64, 64, 64)};
+    for (const auto &row : rows) {
+        platform.forget();
+        platform.script(row.call).nth(2).returns(kRefused);
+        EXPECT_EQ(ext_change_zoom_format(panes, 3), -1);
+        EXPECT_PRINTED_AS_ERROR("vdec_venc.c", row.text);
+        EXPECT_EQ(platform.count("MI_DISP_ShowInputPort"), 1u); // pane 0 stays, nothing is undone
+        EXPECT_EQ(platform.count(row.call), 2u);
+    }
 }
 
 TEST(ZoomLayout, OfNoPanesHidesEverything)
@@ -125,6 +145,17 @@ TEST(SecondaryZoom, StoresUpTo31RectanglesIntoTheSpareBank)
     EXPECT_EQ(set_bind_para[3][0].x, 132u);
     EXPECT_EQ(set_bind_para[3][14].x, 160u);
     EXPECT_EQ(platform.count("MI_DISP_SetInputPortAttr 0 31 {window 8,8 8x8"), 1u);
+}
+
+TEST(SecondaryZoom, MarksThePanesChannelsBelow17)
+{
+    DispAttrib panes[] = {pane(3, 0, 0, 64, 64), pane(16, 64, 0, 64, 64), pane(17, 0, 64, 64, 64),
+                          pane(0xFFFF, 64, 64, 64, 64)};
+    EXPECT_EQ(ext_change_zoom_slave(panes, 4), 0);
+    for (int32_t channel = 0; channel < nvrhal::kSparePaneMarks; ++channel)
+        EXPECT_EQ(nvrhal::spare_pane_marks[channel], channel == 3 || channel == 16 ? 1u : 0u) << channel;
+    static_assert(nvrhal::kSparePaneMarks == 17);
+    EXPECT_EQ(recording::printed_text(), "");
 }
 
 TEST(SecondaryZoom, StopsAtTheFirstFailure)
