@@ -1,5 +1,4 @@
 /* test_save_jpeg_to_file and venc_start_getstream. */
-#include <pthread.h>
 #include <sched.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -9,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "snap_refusal.h"
 #include "snap_request.h"
 
 using recording::platform;
@@ -44,6 +44,16 @@ protected:
         return {std::istreambuf_iterator<char>(in), {}};
     }
 
+    static unsigned bytes_dumped()
+    {
+        const std::string text = recording::printed_text();
+        unsigned dumped = 0;
+        for (size_t at = text.find("pu8Addr_data["); at != std::string::npos;
+             at = text.find("pu8Addr_data[", at + 1))
+            ++dumped;
+        return dumped;
+    }
+
     static constexpr const char *kName = "./2025_00_01-05_29_59.jpg"; // month counted from 0
     std::string directory_;
 };
@@ -66,7 +76,11 @@ TEST_F(SavedJpeg, HoldsEveryPackFromItsOffset)
     stream.pack_count = 2;
     EXPECT_EQ(test_save_jpeg_to_file(&stream), 0);
     EXPECT_EQ(contents(), "ABCDEFGHIJKLMnop");
-    EXPECT_PRINTED("open ./2025_00_01-05_29_59.jpg success");
+    EXPECT_PRINTED_IN_ORDER(R"(
+        EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEsnap.c,test_save_jpeg_to_file,#
+        open ./2025_00_01-05_29_59.jpg success
+    )");
+    EXPECT_NOT_PRINTED("write ./2025_00_01-05_29_59.jpg error");
     std::string text = recording::printed_text();
     std::string head;
     for (char c = 'A'; c <= 'J'; ++c) {
@@ -75,6 +89,7 @@ TEST_F(SavedJpeg, HoldsEveryPackFromItsOffset)
         head += one;
     }
     EXPECT_NE(text.find(head + "\npu8Addr_data[4b] "), std::string::npos) << text;
+    EXPECT_EQ(bytes_dumped(), 13u + 3u);
     EXPECT_EQ(platform.calls(), trace("board_time_us"));
 }
 
@@ -87,12 +102,7 @@ TEST_F(SavedJpeg, DumpsTheFirst100BytesOfAPack)
     stream.pack_count = 1;
     EXPECT_EQ(test_save_jpeg_to_file(&stream), 0);
     EXPECT_EQ(contents().size(), 250u);
-    unsigned dumped = 0;
-    std::string text = recording::printed_text();
-    for (size_t at = text.find("pu8Addr_data[78] "); at != std::string::npos;
-         at = text.find("pu8Addr_data[78] ", at + 1))
-        ++dumped;
-    EXPECT_EQ(dumped, 100u);
+    EXPECT_EQ(bytes_dumped(), 100u);
 }
 
 TEST_F(SavedJpeg, WritesOverAnExistingFileWithoutShorteningIt)
@@ -131,30 +141,37 @@ TEST_F(SavedJpeg, SkipsPacksWithoutBytesAndGuardsNull)
     EXPECT_EQ(test_save_jpeg_to_file(nullptr), 0);
 }
 
-/** Whether this process may have a round-robin thread of priority 75 at all. */
-bool real_time_is_permitted()
+TEST_F(SavedJpeg, SaysThatItCouldNotBeWritten)
 {
-    pthread_attr_t attr;
-    pthread_attr_init(&attr);
-    sched_param priority = {};
-    priority.sched_priority = 75;
-    pthread_attr_setinheritsched(&attr, PTHREAD_EXPLICIT_SCHED);
-    pthread_attr_setschedpolicy(&attr, SCHED_RR);
-    pthread_attr_setschedparam(&attr, &priority);
-    pthread_t thread;
-    int created = pthread_create(
-        &thread, &attr, [](void *) -> void * { return nullptr; }, nullptr);
-    if (created == 0) pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attr);
-    return created == 0;
+    ASSERT_EQ(symlink("/dev/full", kName), 0); // a disk without room
+    std::string bytes(100000, 'x');
+    MI_VENC_Pack packs[] = {pack_of(bytes, 0)};
+    MI_VENC_Stream stream = {};
+    stream.packs = packs;
+    stream.pack_count = 1;
+    EXPECT_EQ(test_save_jpeg_to_file(&stream), 0);
+    EXPECT_PRINTED("write ./2025_00_01-05_29_59.jpg error");
 }
 
+/* Whether this process may have real-time threads does not matter: the thread is an ordinary one here. */
 TEST(EncoderThread, IsStartedInRealTimeAndGivenTwoSeconds)
 {
-    bool permitted = real_time_is_permitted();
-    EXPECT_EQ(venc_start_getstream(3), permitted ? 0 : -1);
-    EXPECT_PRINTED("----------priority max=99,min=1-------------- !");
-    EXPECT_EQ(platform.calls(), permitted ? trace("board_sleep_us 2000000") : "");
+    EXPECT_EQ(venc_start_getstream(3), 0);
+    EXPECT_EQ(snap_refusal::asked_policy, SCHED_RR);
+    EXPECT_EQ(snap_refusal::asked_priority, 75);
+    EXPECT_TRUE(snap_refusal::asked_explicitly);
+    EXPECT_PRINTED_IN_ORDER(R"(
+        EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEsnap.c,venc_start_getstream,#
+        ----------priority max=99,min=1-------------- !
+    )");
+    EXPECT_EQ(platform.calls(), trace("board_sleep_us 2000000"));
+}
+
+TEST(EncoderThread, FailsWhenThereIsNone)
+{
+    snap_refusal::thread = true;
+    EXPECT_EQ(venc_start_getstream(3), -1);
+    EXPECT_EQ(platform.calls(), "");
 }
 
 } // namespace

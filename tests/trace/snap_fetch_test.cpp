@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "snap_refusal.h"
 #include "snap_request.h"
 
 using namespace snap_test;
@@ -49,6 +50,42 @@ TEST(SnapshotFetch, NeverReadsMorePacksThanItHasRoomFor)
     EXPECT_EQ(frame.length, 3u);
     EXPECT_EQ(recording::times_printed("jpeg_size=3"), 1u);
     ext_release_jpeg_buf(&frame);
+}
+
+/* A failing encoder may have changed the descriptor: it is prepared anew for every attempt. */
+TEST(SnapshotFetch, OffersRoomForOnePackAtEveryAttempt)
+{
+    std::vector<uint8_t> bytes = {1, 2, 3};
+    deliver(bytes);
+    platform.script("MI_VENC_GetStream").once().returns(kRefused).fills([](recording::Args &call) {
+        call.record<MI_VENC_Stream>(1).pack_count = 0;
+    });
+    FrameInfo frame = {};
+    EXPECT_EQ(venc_snap_process(2, &frame), 0);
+    EXPECT_EQ(frame.length, 3u);
+    ext_release_jpeg_buf(&frame);
+}
+
+/* Like an empty picture: the reset that follows drops the stream. */
+TEST(SnapshotFetch, FailsWithoutMemoryForThePicture)
+{
+    std::vector<uint8_t> bytes = {1, 2, 3};
+    deliver(bytes);
+    FrameInfo frame = {};
+    snap_refusal::memory = true;
+    const int32_t result = venc_snap_process(2, &frame);
+    snap_refusal::memory = false;
+    EXPECT_EQ(result, -1);
+    EXPECT_PRINTED_AS_ERROR("snap.c", "jpeg proc malloc fail!");
+    EXPECT_EQ(frame.data, nullptr);
+    EXPECT_EQ(frame.length, 0u);
+    EXPECT_EQ(frame.media, 17u);
+    EXPECT_EQ(platform.calls_since("MI_VENC_GetStream"), trace(R"(
+        MI_VENC_GetStream 2 40
+        board_time_us
+        MI_VENC_ResetChn 2
+        MI_VENC_StopRecvPic 2
+    )"));
 }
 
 TEST(SnapshotFetch, TriesAgainTenMillisecondsAfterEachFailure)

@@ -229,6 +229,18 @@ TEST(Snapshot, NamesTheEncodersDeviceInItsBinding)
     ext_release_jpeg_buf(&frame);
 }
 
+TEST(Snapshot, SetsTheWholeOutputOfTheScaler)
+{
+    prepare();
+    platform.script("MI_DIVP_GetOutputPortAttr").fills([](recording::Args &call) {
+        call.record<MI_DIVP_OutputPortAttr>(2) = {9, 9, 9, 9};
+    });
+    FrameInfo frame = request(1);
+    EXPECT_EQ(ext_get_jpeg_stream(&frame), 0);
+    EXPECT_EQ(platform.count("MI_DIVP_SetOutputPortAttr 0 0 {352x288 format 11 compression 0}"), 1u);
+    ext_release_jpeg_buf(&frame);
+}
+
 TEST(Snapshot, KeepsTheOtherCodingParameters)
 {
     prepare();
@@ -252,6 +264,8 @@ TEST(Snapshot, GuardsItsRecords)
 
 TEST(Snapshot, BufferIsReleasedOnce)
 {
+    EXPECT_EQ(ext_set_snap_channel_enable(), 0);
+    EXPECT_PRINTED("EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEsnap.c,ext_set_snap_channel_enable,#");
     prepare();
     FrameInfo frame = request(0);
     EXPECT_EQ(ext_get_jpeg_stream(&frame), 0);
@@ -259,6 +273,8 @@ TEST(Snapshot, BufferIsReleasedOnce)
     EXPECT_EQ(ext_release_jpeg_buf(&frame), 0);
     EXPECT_EQ(frame.data, nullptr);
     EXPECT_EQ(ext_release_jpeg_buf(&frame), 0);
+    EXPECT_EQ(recording::times_printed("EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEsnap.c,ext_release_jpeg_buf,#"),
+              2u);
 }
 
 } // namespace

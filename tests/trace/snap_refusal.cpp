@@ -1,0 +1,38 @@
+/* The wrapped calls: the real ones, unless the test says otherwise. */
+#include "snap_refusal.h"
+
+#include <cerrno>
+#include <cstddef>
+#include <pthread.h>
+
+bool snap_refusal::memory, snap_refusal::thread;
+int snap_refusal::asked_policy, snap_refusal::asked_priority;
+bool snap_refusal::asked_explicitly;
+
+extern "C" {
+
+void *__real_malloc(size_t size);
+int __real_pthread_create(pthread_t *, const pthread_attr_t *, void *(*)(void *), void *);
+
+void *__wrap_malloc(size_t size)
+{
+    return snap_refusal::memory ? nullptr : __real_malloc(size);
+}
+
+int __wrap_pthread_create(pthread_t *thread, const pthread_attr_t *attr, void *(*body)(void *),
+                          void *argument)
+{
+    if (snap_refusal::thread) return EPERM;
+    if (attr != nullptr) {
+        int inherit = PTHREAD_INHERIT_SCHED;
+        sched_param priority = {};
+        pthread_attr_getinheritsched(attr, &inherit);
+        pthread_attr_getschedpolicy(attr, &snap_refusal::asked_policy);
+        pthread_attr_getschedparam(attr, &priority);
+        snap_refusal::asked_explicitly = inherit == PTHREAD_EXPLICIT_SCHED;
+        snap_refusal::asked_priority = priority.sched_priority;
+    }
+    return __real_pthread_create(thread, nullptr, body, argument);
+}
+
+} // extern "C"

@@ -1,0 +1,17 @@
+/*
+ * snap_refusal.h - memory and threads that can be refused to the library. The linker puts these calls
+ * in front of the library's own (--wrap); threads lose their real-time attributes, which a test need
+ * not be permitted to have.
+ */
+#pragma once
+
+namespace snap_refusal
+{
+
+extern bool memory, thread;
+
+/** What the last thread was asked to be. */
+extern int asked_policy, asked_priority;
+extern bool asked_explicitly;
+
+} // namespace snap_refusal
