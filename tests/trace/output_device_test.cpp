@@ -88,6 +88,7 @@ TEST(OutputSwitch, TakesTheFurtherOutputDownFirst)
         MI_SYS_BindChnPort {vdec,0,0,0} {disp,0,0,0} 15 15
         MI_SYS_BindChnPort {vdec,0,1,0} {disp,0,1,0} 15 15
     )"));
+    EXPECT_NOT_PRINTED("vo_stop_chn failed!");
     EXPECT_EQ(globalVoDev, 0);
     EXPECT_EQ(enNorm_vga, 9u);
 }
@@ -139,7 +140,7 @@ TEST(ClearDisplay, FlushesEightDecodersWhateverN)
 {
     globalVoDev = 1;
     g_vi_chn_num = 4;
-    ext_clear_disp();
+    EXPECT_EQ(ext_clear_disp(), 0);
     std::string expected;
     for (const char *channel : {"0", "1", "2", "3", "4", "5", "6", "7"})
         for (const char *call : {"MI_VDEC_StopChn ", "MI_VDEC_StartChn ", "MI_DISP_ClearInputPortBuffer 1 "})
@@ -181,10 +182,12 @@ TEST(PortBuffers, Clear3DoesNothingOutsideLiveView)
     ext_vo_buffer_clear3(8, 1);
     ext_vo_buffer_clear3(0xFFFFFFFF, 1);
     vo_for_ezoom = 1;
-    ext_vo_buffer_clear3(0, 1);
+    EXPECT_EQ(ext_vo_buffer_clear3(0, 1), 0);
+    vo_for_ezoom = 7; // any value but 0
+    EXPECT_EQ(ext_vo_buffer_clear3(0, 1), 0);
     vo_for_ezoom = 0;
     playback_status = 1;
-    ext_vo_buffer_clear3(0, 1);
+    EXPECT_EQ(ext_vo_buffer_clear3(0, 1), 0);
     EXPECT_EQ(platform.calls(), "");
     playback_status = 2;
     ext_vo_buffer_clear3(0, 0);
@@ -212,6 +215,19 @@ TEST(PortBuffers, CreateBindsTheDecoderOrTheOneBehindTheSpare)
     EXPECT_EQ(recording::times_printed("[vdec_venc.c:#]-debug-vo_bind_vpss chnn:7 "), 1u);
 }
 
+TEST(PortBuffers, CreateKnowsTheOnlyChannelAndNoneWithoutChannels)
+{
+    g_vi_chn_num = 1;
+    ext_vo_buffer_create1(0);
+    ext_vo_buffer_create1(1);
+    for (const int32_t none : {0, -1}) {
+        g_vi_chn_num = none;
+        ext_vo_buffer_create1(0);
+        ext_vo_buffer_create2(0);
+    }
+    EXPECT_EQ(platform.calls(), "MI_SYS_BindChnPort {vdec,0,0,0} {disp,0,0,0} 15 15");
+}
+
 TEST(RecordOutput, BindsAndUnbindsDeviceTwo)
 {
     EXPECT_EQ(ext_record_enable(3, 1), 0);
@@ -221,6 +237,7 @@ TEST(RecordOutput, BindsAndUnbindsDeviceTwo)
         MI_SYS_UnBindChnPort {vdec,2,3,0} {disp,2,3,0}
         MI_DISP_ClearInputPortBuffer 2 3 1
     )"));
+    EXPECT_NOT_PRINTED("vo_unbind_vpss failed!");
 }
 
 TEST(RecordOutput, ReportsFailuresAndAnswersZero)
@@ -242,6 +259,13 @@ TEST(VideoLoss, AsksEveryLiveInput)
     EXPECT_EQ(mask[0], 0x82u);
     EXPECT_EQ(mask[1], 0u);
     EXPECT_EQ(platform.count("board_ioctl /dev/vc0725dev 0xc00c7604"), 8u);
+}
+
+TEST(VideoLoss, IsNoneWhereTheDriverSaysNothing)
+{
+    uint32_t mask[2] = {0xEE, 0xEE};
+    EXPECT_EQ(ext_get_video_loss_status(mask), 0);
+    EXPECT_EQ(mask[0] | mask[1], 0u);
 }
 
 TEST(VideoLoss, IsNoneWithoutLiveChannels)
@@ -269,7 +293,7 @@ TEST(VideoLoss, KeepsTheBitsFoundBeforeAFailure)
 TEST(VideoLoss, Channel31FillsTheUpperWord)
 {
     g_vi_chn_num = 40;
-    lose(uint64_t{1} << 30 | uint64_t{1} << 33);
+    lose(uint64_t{1} << 30 | uint64_t{3} << 32);
     uint32_t mask[2];
     EXPECT_EQ(ext_get_video_loss_status(mask), 0);
     EXPECT_EQ(mask[0], 0x40000000u);
