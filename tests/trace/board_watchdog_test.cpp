@@ -56,12 +56,23 @@ TEST(Watchdog, IsOpenedQuietedEnabledAndFedAtStart)
         board_ioctl /dev/watchdog 0x80045705 0
     )"));
     EXPECT_PRINTED("misc.c,#,--------------------------init watchdog success!");
+    EXPECT_NOT_PRINTED("When Open Watchdog,Disable Watchdog Failed!");
     EXPECT_EQ(watchdog().open_count(), 1u);
+}
+
+TEST(Watchdog, WorksOnDescriptorZero)
+{
+    watchdog().opens_as(0);
+    EXPECT_EQ(local_wdg_init(), 0u);
+    EXPECT_EQ(local_wdg_open(), 0);
+    EXPECT_EQ(platform.count("board_open /dev/watchdog"), 1u);
 }
 
 TEST(Watchdog, CannotStartWithoutADevice)
 {
     watchdog().fails_to_open();
+    EXPECT_EQ(local_wdg_open(), -1);
+    platform.forget();
     EXPECT_EQ(local_wdg_init(), kFailed);
     EXPECT_PRINTED("open WDG Failed!");
     EXPECT_EQ(platform.calls(), "board_open /dev/watchdog rdwr");

@@ -1,7 +1,10 @@
 /* Opening and closing the front panel, the key threads' bookkeeping, and the mouse event. */
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <atomic>
+#include <thread>
 
 #include "board_io.h"
 #include "board_thread_refusal.h"
@@ -64,12 +67,31 @@ TEST(Keyboard, FailsWithoutThreadAttributes)
                                &thread_refusal::attr_detach, &thread_refusal::attr_destroy}) {
         *refused = true;
         platform.forget();
+        EXPECT_EQ(hi_start_key_proc(), -1);
         EXPECT_EQ(ext_keyboard_initial(), -1);
         EXPECT_PRINTED("Open hi_stop_record_proc dev error!");
         EXPECT_NOT_PRINTED("Open hi_stop_record_proc dev ok!");
         *refused = false;
     }
     EXPECT_EQ(hi_start_key_proc(), 0);
+}
+
+TEST(Keyboard, WorksOnDescriptorZero)
+{
+    platform.node("/dev/KeyBoard").opens_as(0);
+    EXPECT_EQ(ext_keyboard_initial(), 0);
+    EXPECT_NOT_PRINTED("Open BUTTON_irq dev error!");
+    uint32_t event[5] = {};
+    EXPECT_EQ(ext_keyboard_value(event), -1);
+    EXPECT_EQ(platform.count("board_ioctl /dev/KeyBoard 0x610a"), 1u);
+}
+
+TEST(Keyboard, ClosingStopsTheKeyThreads)
+{
+    nvrhal::localkeyThread = sleeping_thread();
+    ASSERT_TRUE(platform.wait_for_sleepers(1));
+    ext_keyboard_close();
+    EXPECT_EQ(nvrhal::localkeyThread, 0u);
 }
 
 TEST(Keyboard, ClosesThePanelAndTheReceiver)
@@ -184,6 +206,33 @@ TEST(Mouse, HandsAnEventOutOnce)
     EXPECT_EQ(event, (std::array<uint32_t, 5>{9, 9, 9, 9, 9}));
     EXPECT_EQ(recording::times_printed("EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEmouse.c,ext_mouse_get_status,#"),
               2u);
+}
+
+/* Its writer holds the lock while it fills the slot; so does whoever takes it. */
+TEST(Mouse, HandsEventsOutWhole)
+{
+    constexpr uint32_t kEvents = 2000;
+    std::atomic<bool> done{false};
+    std::thread writer([&] {
+        for (uint32_t i = 1; i <= kEvents; ++i) {
+            pthread_mutex_lock(&g_mouse_lock);
+            std::fill(std::begin(g_s32KeyValue), std::end(g_s32KeyValue), i);
+            g_bMouseEvent = 1;
+            pthread_mutex_unlock(&g_mouse_lock);
+        }
+        done.store(true);
+    });
+    uint32_t last = 0;
+    for (bool last_look = false; !last_look;) {
+        last_look = done.load();
+        std::array<uint32_t, 5> event = {};
+        if (ext_mouse_get_status(event.data()) != 0) continue;
+        EXPECT_EQ(std::count(event.begin(), event.end(), event[0]), 5);
+        EXPECT_GT(event[0], last);
+        last = event[0];
+    }
+    writer.join();
+    EXPECT_EQ(last, kEvents);
 }
 
 TEST(Mouse, IsNotOpenedByTheLibrary)

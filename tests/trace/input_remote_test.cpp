@@ -58,8 +58,15 @@ TEST(RemoteReaderLoop, EndsWhenTheReceiverCannotBeOpened)
 {
     platform.node("/dev/Hi_IR").fails_to_open();
     EXPECT_EQ(hi_remotekey_proc(), -1);
-    EXPECT_PRINTED("ERROR:can not open Hi_IR device. read return -1");
+    EXPECT_PRINTED_AS_ERROR("misc.c", "ERROR:can not open Hi_IR device. read return -1");
     EXPECT_EQ(platform.calls(), "board_open /dev/Hi_IR rdwr");
+}
+
+TEST(RemoteReaderLoop, ReadsDescriptorZero)
+{
+    platform.node("/dev/Hi_IR").opens_as(0);
+    RemoteReader().frame(kPlay).run();
+    EXPECT_EQ(queued_keys(), Keys{105});
 }
 
 TEST(RemoteReaderLoop, TriesAgainAfterAFailedOpen)
@@ -175,5 +182,6 @@ TEST(ZoomGate, SettingTheModeGivesTheCharactersPrinted)
 {
     const int32_t characters = ext_keyboard_zoom_flag(0);
     EXPECT_EQ(characters, static_cast<int32_t>(recording::printed_text().size()));
+    EXPECT_EQ(recording::printed_text().back(), '\n');
     EXPECT_GT(characters, 0);
 }
