@@ -406,6 +406,10 @@ extern NVRHAL_API pthread_mutex_t global_bindargLock;
  * pane's, width and height each for itself, and shown. A single pane shows its channel at the
  * decoder's full size. Takes about 100 ms a pane. On display devices 1 and 2 everything goes dark
  * and the result is 0.
+ * A single pane first flushes the channel of the single pane before it: after a single pane of a
+ * channel that does not exist (which itself gives 0 and a dark screen) every single pane fails with
+ * the decoder's code, until a layout of several panes. A single pane belongs at 0,0: elsewhere its
+ * full size leaves the output, which counts as a display failure.
  * Even a refused call leaves no channel marked as shown: live frames are dropped until a layout
  * succeeds. When the display fails while panes are shown, global_bindargLock stays held and the
  * next layout waits for ever.
