@@ -1,8 +1,14 @@
-/* window.cpp - SDL2 behind window.h. The picture is a streaming texture, scaled by the renderer. */
+/*
+ * window.cpp - SDL2 behind window.h. The picture is a streaming texture, scaled by the renderer, whose
+ * logical size makes SDL report the mouse in the picture's pixels.
+ */
 #include "host/window.h"
 
 #include <SDL.h>
 #include <algorithm>
+#include <utility>
+
+#include "mouse_driver.h"
 
 namespace vboard
 {
@@ -46,26 +52,81 @@ public:
         return true;
     }
 
-    bool handle_events() override
+    bool handle_events(const WindowKeys &keys, DeskInput &input) override
     {
         SDL_Event event;
-        while (SDL_PollEvent(&event) != 0) {
-            if (event.type == SDL_QUIT) open_ = false;
-            if (event.type == SDL_KEYDOWN && event.key.keysym.sym == SDLK_ESCAPE) open_ = false;
-        }
+        while (SDL_PollEvent(&event) != 0)
+            handle(event, keys, input);
         return open_;
     }
 
 private:
+    void handle(const SDL_Event &event, const WindowKeys &keys, DeskInput &input)
+    {
+        switch (event.type) {
+        case SDL_QUIT: open_ = false; break;
+        case SDL_KEYDOWN: press_key(event.key.keysym.sym, keys, input); break;
+        case SDL_MOUSEMOTION: move_to(event.motion.x, event.motion.y, input); break;
+        case SDL_MOUSEBUTTONDOWN:
+        case SDL_MOUSEBUTTONUP:
+            move_to(event.button.x, event.button.y, input);
+            set_button(event.button.button, event.type == SDL_MOUSEBUTTONDOWN, input);
+            break;
+        case SDL_MOUSEWHEEL: input.turn_wheel(event.wheel.y); break;
+        default: break;
+        }
+    }
+
+    void press_key(SDL_Keycode key, const WindowKeys &keys, DeskInput &input)
+    {
+        const auto found = keys.find(key);
+        if (found != keys.end())
+            input.press(found->second);
+        else if (key == SDLK_ESCAPE)
+            open_ = false;
+    }
+
+    // The mouse of the board does not leave the output; the window's may be beside the picture.
+    void move_to(int x, int y, DeskInput &input)
+    {
+        x = std::clamp(x, 0, std::max(width_ - 1, 0));
+        y = std::clamp(y, 0, std::max(height_ - 1, 0));
+        if (x == mouse_x_ && y == mouse_y_) return;
+        mouse_x_ = x;
+        mouse_y_ = y;
+        input.move(x, y);
+    }
+
+    void set_button(uint8_t button, bool down, DeskInput &input)
+    {
+        uint32_t mask = 0;
+        for (const auto &[sdl, board] : kButtons)
+            if (sdl == button) mask = board;
+        buttons_ = down ? buttons_ | mask : buttons_ & ~mask;
+        if (mask != 0) input.set_buttons(buttons_);
+    }
+
+    static constexpr std::pair<uint8_t, uint32_t> kButtons[] = {{SDL_BUTTON_LEFT, MOUSE_BUTTON_LEFT},
+                                                                {SDL_BUTTON_RIGHT, MOUSE_BUTTON_RIGHT},
+                                                                {SDL_BUTTON_MIDDLE, MOUSE_BUTTON_MIDDLE}};
+
     std::unique_ptr<SDL_Window, SdlDelete> window_;
     std::unique_ptr<SDL_Renderer, SdlDelete> renderer_;
     std::unique_ptr<SDL_Texture, SdlDelete> texture_;
     int width_ = 0;
     int height_ = 0;
+    int mouse_x_ = -1;
+    int mouse_y_ = -1;
+    uint32_t buttons_ = 0;
     bool open_ = true;
 };
 
 } // namespace
+
+int32_t key_number(const char *name)
+{
+    return SDL_GetKeyFromName(name);
+}
 
 std::unique_ptr<DeskWindow> DeskWindow::open(const char *title, int width, int height)
 {

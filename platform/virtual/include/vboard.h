@@ -206,6 +206,21 @@ enum vboard_window_event {
     VBOARD_WINDOW_CLOSED = 1, /* the user closed it, or pressed Esc   */
 };
 
+/** A key of the PC that presses a button of the remote control. */
+typedef struct vboard_window_key {
+    const char *pc_key; /* SDL's name of it: "Up", "Return", "M", "Keypad +" */
+    uint32_t ir_code;   /* what the remote control sends                     */
+} vboard_window_key;
+
+/**
+ * Which keys of the PC press which buttons while the window has them, now and in windows opened
+ * later; they take the place of those before. A key that is held presses again as the PC repeats it.
+ * Esc closes the window unless it is among them. Moving, clicking and wheeling in the window moves
+ * the board's mouse, in output pixels. From any thread while no vboard_window_poll runs.
+ * @return 0, or -1 (a name that SDL does not know, null: nothing changes)
+ */
+int vboard_window_set_keys(const vboard_window_key *keys, size_t count);
+
 /**
  * Open a window that shows what the monitor shows. All vboard_window_* calls come from one thread.
  * @return 0, or -1 (no screen, no SDL video driver, open already)
