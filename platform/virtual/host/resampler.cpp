@@ -12,8 +12,8 @@ namespace vboard
 namespace
 {
 
-// Silence put in first fills the filter, so that the first block comes out whole. Longer than the
-// filter is at any rate here.
+// Silence put in first fills the filter, so that the first block comes out whole and nothing of an
+// older sound with it. Longer than the filter is at any rate here.
 constexpr size_t kPrimingSamples = 1024;
 constexpr size_t kSpareSamples = 64; // more than one block's share of the filter's rounding
 
@@ -55,6 +55,13 @@ public:
         return got >= 0;
     }
 
+    bool restart() override
+    {
+        const std::vector<int16_t> silence(kPrimingSamples);
+        std::vector<float> unheard;
+        return convert(silence.data(), silence.size(), unheard);
+    }
+
 private:
     SwrPtr converter_;
     uint32_t from_hz_, to_hz_;
@@ -68,9 +75,7 @@ std::unique_ptr<Resampler> Resampler::create(uint32_t from_hz, uint32_t to_hz)
     SwrPtr converter = open_converter(from_hz, to_hz);
     if (converter == nullptr) return nullptr;
     auto resampler = std::make_unique<SwrResampler>(std::move(converter), from_hz, to_hz);
-    std::vector<float> unheard;
-    if (!resampler->convert(std::vector<int16_t>(kPrimingSamples).data(), kPrimingSamples, unheard))
-        return nullptr;
+    if (!resampler->restart()) return nullptr;
     return resampler;
 }
 

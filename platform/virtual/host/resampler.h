@@ -27,6 +27,9 @@ public:
      * run. The signal comes out later than it went in by the filter's delay, 2 ms at 8 kHz.
      */
     virtual bool convert(const int16_t *samples, size_t count, std::vector<float> &out) = 0;
+
+    /* A new sound follows: what the filter still holds of the old one is never heard. */
+    virtual bool restart() = 0;
 };
 
 } // namespace vboard

@@ -13,7 +13,7 @@ namespace
 {
 
 constexpr uint32_t kStartLevel_ms = 60;
-constexpr uint32_t kHighestLevel_ms = 250;
+constexpr uint32_t kHighestLevel_ms = 500;
 constexpr uint16_t kCardPeriod_samples = 512;
 constexpr int kMostWaits = 8; // calls that a short sound, below the start level, waits for more
 

@@ -3,7 +3,7 @@
  *
  * The board's clock paces the output, the card's crystal the card. A buffer between them evens the
  * two out: the card starts when it holds 60 ms, fills a hole with silence and waits for 60 ms again,
- * and beyond 250 ms the oldest samples are dropped.
+ * and beyond 500 ms the oldest samples are dropped.
  *
  * Threads: SDL calls from a thread of its own. That thread calls `render_due` first, holding no lock
  * of this class. Destruction waits for a running call, so it must not hold what render_due locks.

@@ -23,6 +23,7 @@ constexpr uint32_t kMostFrameCount = 64;
 constexpr int32_t kLowestVolume_db = -60;
 constexpr int32_t kHighestVolume_db = 30;
 constexpr uint32_t kSampleBytes = sizeof(int16_t);
+constexpr int64_t kPause_us = 200000; // longer without sound than a late block: a new sound begins
 
 bool is_rate(uint32_t rate_hz)
 {
@@ -237,6 +238,11 @@ int32_t AudioDevice::wait_for_room(Lock &lock, size_t count, int64_t deadline_us
     return MI_SUCCESS;
 }
 
+bool AudioDevice::is_pause() const
+{
+    return playout_->queued() == 0 && clock_now_us() - playout_->empty_at_us() > kPause_us;
+}
+
 int32_t AudioDevice::queue(const MI_AO_Frame &frame)
 {
     const auto *bytes = static_cast<const uint8_t *>(frame.data[0]);
@@ -246,7 +252,8 @@ int32_t AudioDevice::queue(const MI_AO_Frame &frame)
     if (resampler_ == nullptr)
         std::transform(samples.begin(), samples.end(), std::back_inserter(out),
                        [](int16_t sample) { return static_cast<float>(sample) / 32768; });
-    else if (!resampler_->convert(samples.data(), samples.size(), out))
+    else if ((is_pause() && !resampler_->restart()) ||
+             !resampler_->convert(samples.data(), samples.size(), out))
         return refuse(MI_MODULE_AO, MI_REASON_FAULT, "the resampler failed");
     playout_->queue(out, clock_now_us());
     ++blocks_;

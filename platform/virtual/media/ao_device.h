@@ -80,6 +80,7 @@ private:
     uint32_t input_rate_hz() const;
     int32_t wait_for_room(Lock &lock, size_t count, int64_t deadline_us);
     int32_t queue(const MI_AO_Frame &frame);
+    bool is_pause() const;
     void settle();
     void apply_gain();
     int attach(std::unique_ptr<SoundSink> sink);

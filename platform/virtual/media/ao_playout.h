@@ -40,7 +40,7 @@ public:
 
     bool has_room(size_t count) const { return waiting_.size() + count <= capacity_; }
 
-    /* When `count` more samples fit, if nobody else queues any; and when all has been played. */
+    /* When `count` more samples fit, if nobody else queues any; and when all is, or was, played. */
     int64_t room_at_us(size_t count) const;
     int64_t empty_at_us() const;
 
