@@ -8,11 +8,14 @@ namespace nvrhal
 namespace
 {
 
-// Short runs are a few 16-byte stores. Long ones are written by wmemset: with the widest stores that
-// the processor has, which a loop does not get at the library's optimisation level, but fast only
-// from a cache line's boundary on.
+// Small runs are a few 16-byte stores, two of them wherever the run begins and ends. A store across a
+// 16-byte boundary costs two, so that longer runs, whose rows all branch alike, take aligned ones of
+// 2, 4 and 8 bytes to get to the boundary and from it. Long runs are written by wmemset: with the
+// widest stores that the processor has, which a loop does not get at the library's optimisation
+// level, but fast only from a cache line's boundary on.
 constexpr size_t kStore_bytes = 16;
 constexpr size_t kLine_bytes = 64;
+constexpr size_t kSmallRun_bytes = 128;
 constexpr size_t kShortRun_bytes = 512;
 
 static_assert(sizeof(wchar_t) == sizeof(uint32_t));
@@ -31,7 +34,7 @@ constexpr uint32_t repeated(uint16_t pixel)
 
 // An unaligned store, aligned ones, and one that reaches back over them: every place where a pixel
 // may begin fits the pattern.
-inline void fill_short(uint8_t *at, size_t bytes, const Pattern &pattern)
+inline void fill_small(uint8_t *at, size_t bytes, const Pattern &pattern)
 {
     uint8_t *const last = at + bytes - kStore_bytes;
     std::memcpy(at, &pattern, kStore_bytes);
@@ -45,6 +48,33 @@ inline void fill_short(uint8_t *at, size_t bytes, const Pattern &pattern)
     std::memcpy(last, &pattern, kStore_bytes);
 }
 
+template <size_t kBytes> inline void store(uint8_t **at, const Pattern &pattern)
+{
+    std::memcpy(*at, &pattern, kBytes);
+    *at += kBytes;
+}
+
+// Pixels begin at even addresses, and a pattern that begins anywhere on one is the same.
+inline void fill_short(uint8_t *at, size_t bytes, const Pattern &pattern)
+{
+    uint8_t *const end = at + bytes;
+    const size_t to_boundary = -reinterpret_cast<uintptr_t>(at) % kStore_bytes;
+    if (to_boundary & 2) store<2>(&at, pattern);
+    if (to_boundary & 4) store<4>(&at, pattern);
+    if (to_boundary & 8) store<8>(&at, pattern);
+    for (; at + kLine_bytes <= end; at += kLine_bytes) {
+#pragma GCC unroll 4
+        for (size_t i = 0; i < kLine_bytes; i += kStore_bytes)
+            std::memcpy(at + i, &pattern, kStore_bytes);
+    }
+    while (at + kStore_bytes <= end)
+        store<kStore_bytes>(&at, pattern);
+    const auto rest = static_cast<size_t>(end - at);
+    if (rest & 8) store<8>(&at, pattern);
+    if (rest & 4) store<4>(&at, pattern);
+    if (rest & 2) store<2>(&at, pattern);
+}
+
 template <typename Pixel> inline void fill_run(Pixel *from, size_t count, Pixel pixel)
 {
     auto *at = reinterpret_cast<uint8_t *>(from);
@@ -56,9 +86,10 @@ template <typename Pixel> inline void fill_run(Pixel *from, size_t count, Pixel 
     }
     const uint32_t word = repeated(pixel);
     const Pattern pattern = {word, word, word, word};
+    if (bytes <= kSmallRun_bytes) return fill_small(at, bytes, pattern);
     if (bytes <= kShortRun_bytes) return fill_short(at, bytes, pattern);
 
-    fill_short(at, kLine_bytes, pattern);
+    fill_small(at, kLine_bytes, pattern);
     const size_t head = kLine_bytes - reinterpret_cast<uintptr_t>(at) % kLine_bytes;
     at += head;
     bytes -= head;
