@@ -20,17 +20,17 @@ uint32_t load_word32(const uint8_t *bytes)
     return word;
 }
 
-// Four pixels at a time, each loaded as a word whose highest byte is the next pixel's blue: of the
-// fourth one that byte must be there, hence the loops end before the last pixel.
+// Four pixels in a vector, each loaded as a word whose highest byte is the next pixel's blue: of the
+// last one that byte must be there, hence the loops end before the last pixel.
 typedef uint32_t FourPixels __attribute__((vector_size(16)));
-typedef uint16_t FourPacked __attribute__((vector_size(8)));
-constexpr size_t kAtOnce = 4;
 
-// Vectors go by reference: without vector registers, passing one is no matter of a stable ABI.
-inline void load_four(const uint8_t *from, FourPixels *pixels)
+// Four pixels, `step` pixels from one to the next. Vectors go by reference: without vector
+// registers, passing one is no matter of a stable ABI.
+inline void load_four(const uint8_t *from, size_t step, FourPixels *pixels)
 {
-    *pixels =
-        FourPixels{load_word32(from), load_word32(from + 3), load_word32(from + 6), load_word32(from + 9)};
+    const size_t next = 3 * step;
+    *pixels = FourPixels{load_word32(from), load_word32(from + next), load_word32(from + 2 * next),
+                         load_word32(from + 3 * next)};
 }
 
 uint32_t unpack_one(const uint8_t *from)
@@ -70,9 +70,10 @@ private:
 
 void convert_bgr24_to_32(const uint8_t *from, uint8_t *to, size_t pixels)
 {
+    constexpr size_t kAtOnce = 4;
     for (; pixels > kAtOnce; pixels -= kAtOnce, from += 3 * kAtOnce, to += 4 * kAtOnce) {
         FourPixels four;
-        load_four(from, &four);
+        load_four(from, 1, &four);
         four |= kOpaque;
         std::memcpy(to, &four, sizeof four);
     }
@@ -85,12 +86,17 @@ void convert_bgr24_to_32(const uint8_t *from, uint8_t *to, size_t pixels)
 void convert_bgr24_to_16(const uint8_t *from, uint8_t *to, size_t pixels, uint32_t color_format)
 {
     const Packer pack(s_OSDCompInfo[color_format]);
+    // Eight pixels: the even ones are packed into the lower halves of four words, the odd ones into
+    // the upper halves, which is how they lie in memory.
+    constexpr size_t kAtOnce = 8;
     for (; pixels > kAtOnce; pixels -= kAtOnce, from += 3 * kAtOnce, to += 2 * kAtOnce) {
-        FourPixels four;
-        load_four(from, &four);
-        pack(&four);
-        const FourPacked packed = __builtin_convertvector(four, FourPacked);
-        std::memcpy(to, &packed, sizeof packed);
+        FourPixels even, odd;
+        load_four(from, 2, &even);
+        load_four(from + 3, 2, &odd);
+        pack(&even);
+        pack(&odd);
+        even |= odd << 16;
+        std::memcpy(to, &even, sizeof even);
     }
     for (; pixels > 0; --pixels, from += 3, to += 2) {
         uint32_t one = unpack_one(from);

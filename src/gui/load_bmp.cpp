@@ -2,8 +2,9 @@
  * load_bmp.cpp - uncompressed, bottom-up BMP files into a caller's surface, top row first.
  *
  * LoadBMP copies pixels as they are; LoadBMPEx converts 24-bit files to the surface's colour
- * format. The pixel area is read in blocks of rows, from the bottom row up. A file that ends early
- * fills the rows that it has; no pixel is written that was not read, and no row beyond its pitch.
+ * format. The pixel area is read in blocks of rows, from the bottom row up, or straight into the
+ * surface's rows where nothing is converted. A file that ends early fills the rows that it has; no
+ * pixel is written that was not read, and no row beyond its pitch.
  * Thread: any; the surface is the caller's.
  */
 #include "nvrhal.h"
@@ -11,6 +12,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <sys/uio.h>
+#include <unistd.h>
 
 #include "core/abi.h"
 #include "core/log.h"
@@ -35,6 +38,8 @@ constexpr uint64_t kLargestArea_bytes = INT32_MAX;
 
 // Blocks stay in the processor's cache between reading and converting.
 constexpr uint64_t kBlock_bytes = 64 * 1024;
+
+constexpr size_t kRowsARead = 64; // straight into the surface
 
 struct Bitmap {
     FILE *file;
@@ -94,23 +99,57 @@ uint8_t *allocate_block(const Bitmap &bitmap, uint32_t rows)
     return static_cast<uint8_t *>(std::malloc(size > 0 ? static_cast<size_t>(size) : 1));
 }
 
-// Surface row of a file row: file rows stand from bottom to top.
+// Where a file row goes: file rows stand from bottom to top.
+uint8_t *surface_row(const Bitmap &bitmap, const OsdSurface &surface, uint32_t file_row)
+{
+    return static_cast<uint8_t *>(surface.pixels) +
+           static_cast<size_t>(bitmap.height - 1 - file_row) * surface.pitch;
+}
+
 Row row_of(const Bitmap &bitmap, const PixelBlock &block, const OsdSurface &surface, uint32_t file_row)
 {
     const size_t offset = static_cast<size_t>((file_row - block.first) * bitmap.stride_bytes);
     if (offset >= block.size) return {nullptr, 0, nullptr};
-    const uint32_t surface_row = bitmap.height - 1 - file_row;
     return {block.bytes + offset, smaller(bitmap.row_bytes, block.size - offset),
-            static_cast<uint8_t *>(surface.pixels) + static_cast<size_t>(surface_row) * surface.pitch};
+            surface_row(bitmap, surface, file_row)};
 }
 
 enum class Reading { kComplete, kShort, kNoMemory };
 
+bool is_too_large(const Bitmap &bitmap)
+{
+    return bitmap.header.width < 1 || bitmap.stride_bytes * bitmap.height > kLargestArea_bytes;
+}
+
+/** Rows that follow one another in the file and fit in the surface need no block in between. */
+Reading read_rows_in_place(const Bitmap &bitmap, const OsdSurface &surface)
+{
+    if (is_too_large(bitmap)) return Reading::kNoMemory;
+    const int descriptor = fileno(bitmap.file); // nothing is buffered
+    if (lseek(descriptor, static_cast<off_t>(bitmap.header.pixel_offset), SEEK_SET) < 0)
+        return Reading::kShort;
+
+    const auto row_bytes = static_cast<size_t>(bitmap.row_bytes);
+    const size_t total = row_bytes * bitmap.height;
+    for (size_t done = 0; done < total;) {
+        auto row = static_cast<uint32_t>(done / row_bytes);
+        const size_t begun = done % row_bytes; // bytes that a short read left of the row
+        iovec rows[kRowsARead];
+        int count = 0;
+        for (; count < static_cast<int>(kRowsARead) && row < bitmap.height; ++count, ++row)
+            rows[count] = {surface_row(bitmap, surface, row), row_bytes};
+        rows[0] = {static_cast<uint8_t *>(rows[0].iov_base) + begun, row_bytes - begun};
+        const ssize_t got = readv(descriptor, rows, count);
+        if (got <= 0) return Reading::kShort;
+        done += static_cast<size_t>(got);
+    }
+    return Reading::kComplete;
+}
+
 // Read the pixel area block by block and hand every row that is there to `take`.
 template <typename Take> Reading read_rows(const Bitmap &bitmap, const OsdSurface &surface, Take take)
 {
-    if (bitmap.header.width < 1 || bitmap.stride_bytes * bitmap.height > kLargestArea_bytes)
-        return Reading::kNoMemory;
+    if (is_too_large(bitmap)) return Reading::kNoMemory;
     const uint32_t rows = rows_a_block(bitmap);
     PixelBlock block = {allocate_block(bitmap, rows), 0, 0, 0};
     if (!block.bytes) return Reading::kNoMemory;
@@ -172,20 +211,25 @@ void convert_row_24(const Row &line, uint32_t pitch, uint32_t color_format)
     }
 }
 
+Reading read_converted(const Bitmap &bitmap, const OsdSurface &surface, uint32_t color_format)
+{
+    const bool is_copied = bitmap.header.bits_per_pixel == 16 || bitmap.header.bits_per_pixel == 32;
+    if (is_copied && bitmap.stride_bytes == bitmap.row_bytes && bitmap.row_bytes <= surface.pitch)
+        return read_rows_in_place(bitmap, surface);
+    return read_rows(bitmap, surface, [&](const Row &line) {
+        if (is_copied) std::memcpy(line.to, line.from, smaller(line.bytes, surface.pitch));
+        // No other depth has a conversion: the surface stays as it is.
+        if (bitmap.header.bits_per_pixel == 24) convert_row_24(line, surface.pitch, color_format);
+    });
+}
+
 int32_t load_converted(Bitmap &bitmap, OsdSurface *surface, uint32_t color_format)
 {
     // Only 16 bits of the row length count, on purpose.
     bitmap.stride_bytes = ((bitmap.row_bytes & 0xFFFFu) + 3) & ~uint64_t{3};
     surface->pitch = surface->width * (color_format < kFirst32BitFormat ? 2 : 4);
 
-    const Reading reading = read_rows(bitmap, *surface, [&](const Row &line) {
-        switch (bitmap.header.bits_per_pixel) {
-        case 16:
-        case 32: std::memcpy(line.to, line.from, smaller(line.bytes, surface->pitch)); break;
-        case 24: convert_row_24(line, surface->pitch, color_format); break;
-        default: break; // no other depth has a conversion: the surface stays as it is
-        }
-    });
+    const Reading reading = read_converted(bitmap, *surface, color_format);
     if (reading == Reading::kNoMemory) return refuse("not enough memory to malloc!");
     if (reading == Reading::kShort) {
         log_error(kBmpSource, "fread (%d*%d)error!line:%d\n", static_cast<int>(bitmap.height),

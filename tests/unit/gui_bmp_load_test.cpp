@@ -1,6 +1,7 @@
 /* BMP files of every depth, padding and target format against a plain reading of the file. */
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "gui_bmp_file.h"
@@ -324,5 +325,52 @@ TEST(ShortBitmap, WithPixelsBeyondItsEndLoadsNothing)
         EXPECT_PRINTED("fread (3*12)error!line:#");
         EXPECT_PRINTED("fread error!line:#");
         EXPECT_TRUE(surface.untouched());
+    }
+}
+
+// Rows that are copied go straight into the surface, many at a time: each to its place, whole or as
+// far as the file has it.
+TEST(CopiedBitmap, RowsGoToTheirPlacesHoweverManyThereAre)
+{
+    for (int32_t height : {1, 63, 64, 65, 128, 200}) {
+        for (uint16_t bits : {uint16_t{16}, uint16_t{32}}) {
+            const int32_t bytes = bits / 8, width = 6;
+            FileOnDisk file(test_bitmap(width, height, bits));
+            Surface surface(static_cast<size_t>(width * height * bytes));
+            ASSERT_EQ(LoadBMPEx(file.path(), &surface.record, bits == 16 ? 3 : 7), 0);
+            for (int32_t y = 0; y < height; ++y)
+                for (int32_t i = 0; i < width * bytes; ++i)
+                    ASSERT_EQ(surface.bytes()[static_cast<size_t>(y * width * bytes + i)],
+                              test_byte(i / bytes, height - 1 - y, static_cast<uint32_t>(i % bytes)))
+                        << height << " rows, row " << y;
+        }
+    }
+}
+
+TEST(CopiedBitmap, CutShortFillsTheRowsThatItHas)
+{
+    constexpr int32_t kWidth = 4, kHeight = 70, kRow_bytes = kWidth * 4;
+    for (size_t there : {size_t{0}, size_t{1}, size_t{7}, size_t{16}, size_t{40}, size_t{64 * 16 + 5},
+                         size_t{70 * 16 - 1}}) {
+        recording::forget_printed();
+        BmpFile bitmap = test_bitmap(kWidth, kHeight, 32);
+        std::vector<uint8_t> bytes = bitmap.bytes();
+        bytes.resize(std::max<size_t>(bytes.size() - bitmap.pixels.size() + there, 58));
+        FileOnDisk file(bytes);
+        Surface surface(static_cast<size_t>(kHeight * kRow_bytes));
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(LoadBMPEx(file.path(), &surface.record, 7), 0);
+        EXPECT_EQ(testing::internal::GetCapturedStderr().rfind("fread:: ", 0), 0u);
+        EXPECT_PRINTED_AS_ERROR("load_bmp.c", "fread (70*16)error!line:#");
+        const size_t in_file = bytes.size() - (bitmap.bytes().size() - bitmap.pixels.size());
+        for (size_t i = 0; i < static_cast<size_t>(kHeight * kRow_bytes); ++i) {
+            const auto file_row = static_cast<int32_t>(i / kRow_bytes),
+                       at = static_cast<int32_t>(i % kRow_bytes);
+            const uint8_t expected =
+                i < in_file ? test_byte(at / 4, file_row, static_cast<uint32_t>(at % 4)) : Surface::kOld;
+            ASSERT_EQ(surface.bytes()[static_cast<size_t>((kHeight - 1 - file_row) * kRow_bytes + at)],
+                      expected)
+                << there << " bytes, byte " << i;
+        }
     }
 }
