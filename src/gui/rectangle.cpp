@@ -74,7 +74,13 @@ PixelRect panned(int32_t x, int32_t y, int32_t width, int32_t height)
 constexpr uint32_t kShift16 = 1; // log2 of the bytes of a pixel
 constexpr uint32_t kShift32 = 2;
 
-constexpr int32_t kSquare_px = 200;
+constexpr uint16_t kSquare_px = 200;
+
+int32_t paint_square(uint16_t x, uint16_t y, uint32_t colour)
+{
+    const uint16_t rect[4] = {x, y, kSquare_px, kSquare_px};
+    return ST_Fb_FillRect(rect, colour);
+}
 
 } // namespace
 } // namespace nvrhal
@@ -141,26 +147,14 @@ int32_t ST_Fb_FillRect(const uint16_t rect[4], uint32_t colour)
 
 int32_t ST_FBDrawRect(void)
 {
-    struct Square {
-        int32_t number;
-        uint32_t named_red, named_green, named_blue; // what the trace says
-        uint16_t x, y;
-        uint32_t colour;
-    };
-    // The fourth trace names blue and the square is red, on purpose: bring-up logs are compared
-    // with those of older boards.
-    static constexpr Square kSquares[] = {
-        {1, 0xFF, 0, 0, 100, 100, 0x80FF0000},
-        {2, 0, 0xFF, 0, 400, 100, 0x8000FF00},
-        {3, 0, 0, 0xFF, 800, 100, 0x800000FF},
-        {4, 0, 0, 0xFF, 800, 400, 0x80FF0000},
-    };
-    int32_t result = 0;
-    for (const Square &square : kSquares) {
-        log_text("%d R:%X,G:%X,B:%X\n", square.number, square.named_red, square.named_green,
-                 square.named_blue);
-        const uint16_t rect[4] = {square.x, square.y, kSquare_px, kSquare_px};
-        result = ST_Fb_FillRect(rect, square.colour);
-    }
-    return result;
+    log_text("1 R:%X,G:%X,B:%X\n", 0xFFu, 0u, 0u);
+    paint_square(100, 100, 0x80FF0000);
+    log_text("2 R:%X,G:%X,B:%X\n", 0u, 0xFFu, 0u);
+    paint_square(400, 100, 0x8000FF00);
+    log_text("3 R:%X,G:%X,B:%X\n", 0u, 0u, 0xFFu);
+    paint_square(800, 100, 0x800000FF);
+    // The trace names blue and the square is red, on purpose: bring-up logs are compared with those
+    // of older boards.
+    log_text("4 R:%X,G:%X,B:%X\n", 0u, 0u, 0xFFu);
+    return paint_square(800, 400, 0x80FF0000);
 }
