@@ -1,7 +1,9 @@
 /* The WAV file, looked at by ffprobe and sox, and the sound card. */
+#include <sys/resource.h>
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
 #include <fstream>
 
@@ -139,16 +141,29 @@ TEST_F(SoundFile, IsRefusedWhenItCannotBeWrittenOrAnotherIsOpen)
     EXPECT_EQ(vboard_audio_close(kDevice), 0) << "closing none is accepted";
 }
 
-/* A full disk ends the file, not the sound. */
-TEST_F(SoundFile, EndsWhereTheDiskIsFull)
+TEST_F(SoundFile, IsRefusedOnAFullDisk)
 {
     struct stat full;
     ASSERT_EQ(::stat("/dev/full", &full), 0) << "this system has no /dev/full";
     vboard_set_loud(0);
     EXPECT_EQ(vboard_audio_open_wav(kDevice, "/dev/full"), -1) << "not even the header fits";
-    say(tone::sine(1000, 20000, 2 * kFrameBytes));
-    play_out();
-    EXPECT_EQ(stat().played, 2 * kFrameSamples);
+}
+
+/* A disk that fills up ends the file, which can still be read, and not the sound. */
+TEST_F(SoundFile, EndsWhereTheDiskIsFull)
+{
+    const rlimit small = {10000, 10000};
+    signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    vboard_set_loud(0);
+    ASSERT_EQ(vboard_audio_open_wav(kDevice, path_.c_str()), 0);
+    for (int i = 0; i < 4; ++i) {
+        say(tone::sine(1000, 20000, kFrameBytes));
+        play_out();
+    }
+    EXPECT_EQ(stat().played, 4 * kFrameSamples);
+    EXPECT_EQ(samples_in(path_), 2 * kFrameSamples) << "the frames that fitted whole";
+    EXPECT_EQ(vboard_audio_open_wav(kDevice, path_.c_str()), 0) << "the full one is closed";
 }
 
 /* SDL's disk driver takes the place of the card: what it was given lies in a file of raw samples. */
