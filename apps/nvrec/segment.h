@@ -1,0 +1,28 @@
+/*
+ * segment.h - how recordings are cut into files and what the files are called.
+ *
+ * A day of local time is cut into slots of equal length, from midnight on; a recording goes on in a
+ * new file at the first key frame in another slot. A name tells the channel, the stream and the
+ * local time of the first frame: ch03-main-20261121-140000.mp4.
+ */
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace nvrec
+{
+
+constexpr int kHour_s = 3600;
+
+/** The slot that a time lies in; two times in one file have the same. */
+int64_t segment_slot(int64_t wall_clock_us, int segment_s);
+
+/** "ch03-main-20261121-140000", without directory and ending. */
+std::string segment_name(int channel, const std::string &stream, int64_t wall_clock_us);
+
+/** A path of that name in the directory that is not taken: "-2", "-3" ... behind it where needed. */
+std::string free_segment_path(const std::string &directory, const std::string &name,
+                              const std::string &ending);
+
+} // namespace nvrec
