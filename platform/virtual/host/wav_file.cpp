@@ -37,7 +37,8 @@ void put(std::vector<uint8_t> &bytes, uint32_t value, int size)
 
 void put(std::vector<uint8_t> &bytes, const char *tag)
 {
-    bytes.insert(bytes.end(), tag, tag + 4);
+    for (int i = 0; i < 4; ++i)
+        bytes.push_back(static_cast<uint8_t>(tag[i]));
 }
 
 std::vector<uint8_t> header(uint32_t rate_hz)
