@@ -614,7 +614,7 @@ enum StreamPoolNumber {
 typedef struct StreamRingSizes {
     int32_t max_frame_len; /* 0  largest frame, bytes, and the readers' safe distance; at least 80 */
     int32_t data_size;     /* 4  data ring, bytes; below 1 = 0x370000                              */
-    int32_t index_num;     /* 8  index ring, entries; below 1 = 45056. Readers need at least 13    */
+    int32_t index_num;     /* 8  entries; below 1 = 45056. Below 13, readers get only key frames   */
 } StreamRingSizes;
 
 /** Sizes of one pool. 520 bytes. */

@@ -42,7 +42,7 @@ bool choose_first_frame(const StreamChannel &channel, const NewestEntry &newest,
         return true;
     }
     uint32_t found = 0;
-    if (!find_safe_key_frame(channel, newest, &found)) return false;
+    if (!find_safe_key_frame(channel, newest, *reader, &found)) return false;
     const StreamIndexEntry entry = load_entry(channel.p_stream_index[found]);
     reader->index = reader->last_index = reader->block_index = found;
     reader->block_count = 0;

@@ -19,6 +19,20 @@ uint32_t reader_lap(const StreamReader &reader)
     return was_placed_on_empty_channel ? 0 : reader.data_circle;
 }
 
+/**
+ * The reader was not given the entry yet. Where a search begins 12 entries ahead of the writer that
+ * is so by itself; a ring of fewer entries brings the search round to what was delivered.
+ */
+bool is_ahead_of(const StreamReader &reader, const StreamChannel &channel, const NewestEntry &newest,
+                 uint32_t index)
+{
+    const auto entries = static_cast<uint32_t>(channel.index_num);
+    const uint32_t behind_newest = (newest.index + entries - index) % entries;
+    const uint32_t backlog = backlog_frames(channel, newest, reader);
+    const bool has_taken_last = reader.data_start != reader.data_end;
+    return has_taken_last ? behind_newest < backlog : behind_newest <= backlog;
+}
+
 bool is_safe_position(const StreamChannel &channel, const NewestEntry &newest, uint32_t offset, uint32_t lap)
 {
     return newest.entry.data_circle - lap <= 1 &&
@@ -93,12 +107,14 @@ uint32_t search_start(const StreamChannel &channel, const NewestEntry &newest)
            static_cast<uint32_t>(channel.index_num);
 }
 
-bool find_safe_key_frame(const StreamChannel &channel, const NewestEntry &newest, uint32_t *found)
+bool find_safe_key_frame(const StreamChannel &channel, const NewestEntry &newest, const StreamReader &reader,
+                         uint32_t *found)
 {
     uint32_t index = search_start(channel, newest);
     do {
         const StreamIndexEntry &entry = channel.p_stream_index[index];
-        if (load_shared(entry.frame_type) == kKeyFrame && is_safe_entry(channel, newest, load_entry(entry))) {
+        if (load_shared(entry.frame_type) == kKeyFrame && is_safe_entry(channel, newest, load_entry(entry)) &&
+            is_ahead_of(reader, channel, newest, index)) {
             *found = index;
             return true;
         }

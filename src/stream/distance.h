@@ -44,7 +44,8 @@ uint32_t backlog_frames(const StreamChannel &channel, const NewestEntry &newest,
 /** First entry at which a search for an old but safe frame starts. */
 uint32_t search_start(const StreamChannel &channel, const NewestEntry &newest);
 
-/** The oldest safe key frame, where an overrun reader goes on. False when there is none. */
-bool find_safe_key_frame(const StreamChannel &channel, const NewestEntry &newest, uint32_t *found);
+/** The oldest safe key frame, where an overrun reader goes on. False when there is none ahead of it. */
+bool find_safe_key_frame(const StreamChannel &channel, const NewestEntry &newest, const StreamReader &reader,
+                         uint32_t *found);
 
 } // namespace nvrhal

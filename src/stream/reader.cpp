@@ -141,7 +141,7 @@ int32_t kx_stream_getOneFrame(int32_t channel_number, int32_t skip_limit, Stream
     uint32_t index = 0;
     if (is_in_step(*channel, newest, *reader))
         index = entry_in_step(*channel, newest, *reader, skip_limit);
-    else if (!find_safe_key_frame(*channel, newest, &index))
+    else if (!find_safe_key_frame(*channel, newest, *reader, &index))
         return 0;
     return deliver(*channel, index, reader);
 }

@@ -149,6 +149,25 @@ TEST_F(StreamBlock, AnOverrunReaderWithoutAKeyFrameIsReported)
     EXPECT_PRINTED_WITHOUT_PREFIX("ch 0 can not change to safe diff i frame 2");
 }
 
+TEST_F(StreamBlock, ARingOfFewEntriesIsGatheredOnlyOnce)
+{
+    for (int32_t entries = 1; entries <= 12; ++entries) {
+        make_pool(1, {80, 10000, entries});
+        StreamReader reader{};
+        ASSERT_EQ(kx_stream_getStartPos(0, &reader, 1), 0);
+        int64_t last = -1;
+        for (uint32_t i = 0; i < 40; ++i) {
+            ASSERT_EQ(put_at(i, 10, 1, 1), 0);
+            while (kx_stream_getBlock(0, 1, &reader, 1) == 2) {
+                const auto got = static_cast<int64_t>(reader.p_stream_index[reader.last_index].timestamp);
+                ASSERT_GT(got, last) << entries << " entries";
+                last = got;
+            }
+        }
+        EXPECT_GT(last, 30) << entries << " entries";
+    }
+}
+
 TEST_F(StreamBlock, StepsOfUpTo59AreNoJump)
 {
     uint32_t time = 0xFFFFFFF0u; // and the stamps may wrap around

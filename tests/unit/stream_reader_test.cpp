@@ -224,6 +224,24 @@ TEST(StreamRead, NeverDeliversTwiceAfterResynchronising)
     }
 }
 
+TEST(StreamRead, ARingOfFewEntriesDeliversNothingTwice)
+{
+    for (int32_t entries = 1; entries <= 13; ++entries) {
+        make_pool(0, {80, 10000, entries});
+        StreamReader reader;
+        ASSERT_EQ(kx_stream_getStartPos(0, &reader, 0), 0);
+        int64_t last = -1;
+        for (uint64_t i = 0; i < 100; ++i) {
+            ASSERT_EQ(put(i, 1 + i % 7, i % 3 == 0), 0);
+            for (int64_t got = next_frame(reader); got != -1; got = next_frame(reader)) {
+                ASSERT_GT(got, last) << entries << " entries";
+                last = got;
+            }
+        }
+        EXPECT_GT(last, 90) << entries << " entries: the reader keeps up";
+    }
+}
+
 /* --- Skipping ----------------------------------------------------------------------------- */
 
 TEST(StreamSkip, ABacklogAboveTheLimitGoesToTheNextKeyFrame)
