@@ -64,7 +64,10 @@ uint32_t entry_in_step(const StreamChannel &channel, const NewestEntry &newest, 
                        int32_t skip_limit)
 {
     uint32_t key_frame = 0;
-    if (skip_limit != 0 && static_cast<int32_t>(backlog_frames(channel, newest, reader)) > skip_limit &&
+    const auto backlog = static_cast<int32_t>(backlog_frames(channel, newest, reader));
+    // A negative limit is exceeded without a backlog as well: then there is nothing to search, and the
+    // search would come round to frames from before the reader's.
+    if (skip_limit != 0 && backlog > skip_limit && backlog > 0 &&
         find_key_frame_behind(channel, newest, reader, &key_frame))
         return key_frame;
     if (reader.data_start == reader.data_end) return reader.index;

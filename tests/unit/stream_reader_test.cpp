@@ -262,6 +262,19 @@ TEST(StreamSkip, ABacklogAboveTheLimitGoesToTheNextKeyFrame)
     EXPECT_EQ(next_frame(always, -1), 3);
 }
 
+TEST(StreamSkip, ANegativeLimitWithoutABacklogDoesNotGoBack)
+{
+    make_pool(0, {100, 10000, 20});
+    for (uint64_t i = 0; i < 50; ++i)
+        ASSERT_EQ(put(i, 10, 1), 0);
+    StreamReader reader;
+    ASSERT_EQ(kx_stream_getLastPos(0, &reader, 0), 0);
+    EXPECT_EQ(next_frame(reader, -1), 49) << "not an older key frame";
+    EXPECT_EQ(next_frame(reader, INT32_MIN), -1);
+    ASSERT_EQ(put(50, 10, 0), 0);
+    EXPECT_EQ(next_frame(reader, INT32_MIN), 50);
+}
+
 TEST(StreamSkip, WithoutAKeyFrameBehindItGoesOnFrameByFrame)
 {
     make_pool(0, {100, 10000, 60});
