@@ -205,6 +205,11 @@ TEST(ChipStart, UsesModeThreeWhenOneMainStreamIs960By576)
         board_ioctl /dev/vc0725dev 0x40087607 {02 00 00 00 02 00 00 00}
     )"));
     major_stream[1].size_class = 0;
+    major_stream[0].size_class = 5;
+    platform.forget();
+    EXPECT_EQ(Init_AD(0), 0);
+    EXPECT_EQ(platform.count("board_ioctl /dev/vc0725dev 0x40037609 {00 03 01}"), 1u);
+    major_stream[0].size_class = 4;
     major_stream[2].size_class = 5; // not one of the two channels
     platform.forget();
     EXPECT_EQ(Init_AD(7), 0);

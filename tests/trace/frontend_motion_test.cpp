@@ -5,6 +5,8 @@
 #include <array>
 #include <cstring>
 #include <memory>
+#include <utility>
+#include <vector>
 
 #include "ad_driver.h"
 #include "nvrhal.h"
@@ -101,9 +103,27 @@ TEST(ChipMotion, PassesTheCallersRecords)
     )"));
     platform.script("board_ioctl").returns(-1);
     EXPECT_EQ(SetMotionArea(&area), -1);
+    EXPECT_PRINTED_AS_ERROR("vc0725.c", "ioctl Set motion area failure");
+    EXPECT_EQ(SetMotionSensivity(&sensitivity), -1);
+    EXPECT_PRINTED_AS_ERROR("vc0725.c", "set motion sensivity fail");
+    EXPECT_EQ(GetMotionArea(&query), -1);
+    EXPECT_PRINTED_AS_ERROR("vc0725.c", "ioctl Get motion area failure");
+    EXPECT_EQ(platform.node(kNode).open_count(), 0u);
+}
+
+TEST(ChipMotion, AsksNothingOfADriverThatIsNotThere)
+{
+    platform.node(kNode).fails_to_open();
+    AdMotionArea area = {};
+    AdMotionSensitivity sensitivity = {};
+    AdMotionQuery query = {};
+    EXPECT_EQ(SetMotionArea(&area), -1);
     EXPECT_EQ(SetMotionSensivity(&sensitivity), -1);
     EXPECT_EQ(GetMotionArea(&query), -1);
-    EXPECT_EQ(platform.node(kNode).open_count(), 0u);
+    EXPECT_EQ(InitMotion(), -1);
+    EXPECT_EQ(platform.count("board_open /dev/vc0725dev"), 4u);
+    EXPECT_EQ(platform.calls({"board_ioctl", "board_close"}), "");
+    EXPECT_EQ(recording::times_printed("[vc0725.c]-#: open VC0725 (/dev/vc0725dev) fail"), 4u);
 }
 
 TEST(ChipMotion, RefusesNullRecordsWithoutOpening)
@@ -128,6 +148,29 @@ TEST(MotionMap, OneCellOf960By576MarksFiveBytesOnFourRows)
     EXPECT_EQ(vda_chn[3].threshold, 11u); // 21 blocks, 55 percent
     EXPECT_EQ(vda_flag, 1u);
     EXPECT_EQ(platform.calls(), "");
+}
+
+/* Each of the 396 cells by itself, in pictures whose sizes the grid divides well and badly. */
+TEST(MotionMap, MarksTheBlocksOfEveryCell)
+{
+    for (const auto &[width, height] :
+         {std::pair{704u, 576u}, std::pair{960u, 576u}, std::pair{640u, 360u}, std::pair{352u, 288u},
+          std::pair{177u, 145u}, std::pair{720u, 480u}}) {
+        set_size(1, width, height);
+        for (uint32_t row = 0; row < 18; ++row) {
+            for (uint32_t column = 0; column < 22; ++column) {
+                std::vector<uint8_t> expected(9000);
+                const uint32_t left = column * (width / 22) / 8;
+                const uint32_t top = row * (height / 18) / 8;
+                for (uint32_t y = top; y < top + height / 144; ++y)
+                    for (uint32_t x = left; x < left + width / 176; ++x)
+                        if (y * (width / 8) + x < expected.size()) expected[y * (width / 8) + x] = 1;
+                ASSERT_EQ(ext_set_motion_area(1, Area().cell(row, column).bytes.data()), 0);
+                ASSERT_TRUE(std::equal(expected.begin(), expected.end(), vda_chn[1].map))
+                    << width << "x" << height << " cell " << row << "," << column;
+            }
+        }
+    }
 }
 
 TEST(MotionMap, AnEmptyAreaClearsTheMap)
