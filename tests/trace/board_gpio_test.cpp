@@ -96,6 +96,14 @@ TEST(OutputLines, CannotBeSetUpOnDescriptorZero)
     EXPECT_EQ(platform.calls({"board_ioctl"}), "");
 }
 
+TEST(OutputLines, AreSetUpOnDescriptorOne)
+{
+    platform.node("/dev/ms_gpio").opens_as(1);
+    EXPECT_EQ(local_gpio_init(), 0);
+    EXPECT_EQ(local_gpio_init(), 0);
+    EXPECT_EQ(platform.count("board_open"), 1u);
+}
+
 TEST(OutputLines, KeepTheDriverOpenForASecondSetUp)
 {
     EXPECT_EQ(local_gpio_init(), 0);

@@ -148,6 +148,15 @@ TEST(RecordIndicator, EndsWithoutAPanel)
     EXPECT_EQ(platform.calls(), "board_open /dev/KeyBoard rdonly");
 }
 
+TEST(RecordIndicator, BlinksOnDescriptorZero)
+{
+    platform.node(KEYBOARD_NODE).opens_as(0);
+    EXPECT_EQ(hi_start_record_proc(), 0);
+    step_half_period();
+    EXPECT_EQ(platform.count("board_ioctl /dev/KeyBoard 0x6109"), 2u);
+    EXPECT_EQ(hi_stop_record_proc(), 0);
+}
+
 TEST(RecordIndicator, AThreadThatFoundNoPanelStillCountsAsRunning)
 {
     platform.script("board_open").once().returns(-1);

@@ -79,6 +79,14 @@ TEST(Clock, DoesNotCheckTheFields)
     EXPECT_EQ(time.fields[4], INT_MIN);
 }
 
+TEST(Clock, WorksOnDescriptorZero)
+{
+    platform.node("/dev/rtc0").opens_as(0);
+    Time time = {};
+    EXPECT_EQ(ext_rtc_time_system(time.fields, 0), 0);
+    EXPECT_EQ(platform.node("/dev/rtc0").open_count(), 0u);
+}
+
 TEST(Clock, FailsWithoutANode)
 {
     platform.node("/dev/rtc0").fails_to_open();
