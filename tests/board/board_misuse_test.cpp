@@ -34,9 +34,15 @@ TEST_F(Misuse, ASecondLoanToTheSameThreadIsRefused)
     ASSERT_EQ(vboard_display_borrow(0, &picture), 0);
     EXPECT_EQ(vboard_display_borrow(0, &picture), -1);
     EXPECT_EQ(last_refusal(), "board: display device 0 is lent to this thread already");
+    vboard_image image;
+    EXPECT_EQ(vboard_display_capture(0, VBOARD_FORMAT_I420, &image), -1);
+    EXPECT_EQ(vboard_monitor_capture(VBOARD_FORMAT_I420, &image), -1);
+    ASSERT_EQ(vboard_display_set_pacing(0, VBOARD_PACING_STEP), 0);
+    EXPECT_EQ(vboard_display_step(0), -1);
     ASSERT_EQ(vboard_display_borrow(1, &picture), 0) << "another device's picture";
     EXPECT_EQ(vboard_display_give_back(1), 0);
     EXPECT_EQ(vboard_display_give_back(0), 0);
+    EXPECT_EQ(vboard_display_step(0), 0);
 }
 
 TEST_F(Misuse, ASecondBorrowerWaitsForTheFirst)
@@ -110,6 +116,20 @@ TEST_F(Misuse, NodesSayWhatTheyCannotDo)
     EXPECT_EQ(vboard_refusal_count(), before + 1);
     EXPECT_EQ(board_close(watchdog), 0);
     EXPECT_EQ(board_close(panel), 0);
+}
+
+TEST_F(Misuse, AQueueNeedsADecoderThatExists)
+{
+    const auto depth_of = [](uint32_t channel, uint32_t port) {
+        const MI_SYS_ChnPort end = {MI_MODULE_VDEC, 0, channel, port};
+        return MI_SYS_SetChnOutputPortDepth(&end, 1, 2);
+    };
+    for (const uint32_t channel : {0u, 64u, 0xffffffffu})
+        EXPECT_EQ(depth_of(channel, 0), code(MI_MODULE_SYS, MI_REASON_ABSENT)) << channel;
+    ASSERT_EQ(MI_SYS_Init(), MI_SUCCESS);
+    start_channel(0, MI_VDEC_CODEC_H264);
+    EXPECT_EQ(depth_of(0, 0), MI_SUCCESS);
+    EXPECT_EQ(depth_of(0, 1), code(MI_MODULE_SYS, MI_REASON_ABSENT));
 }
 
 /* A length that was never mapped would take memory of the PC away. */

@@ -77,6 +77,33 @@ void make_black(const vboard_image &image)
                      16, 128, 128);
 }
 
+/* Who has borrowed a device's picture. */
+struct Loan {
+    std::mutex mutex;
+    std::condition_variable returned;
+    std::optional<CanvasLook> look;
+    std::thread::id borrower;
+};
+
+Loan &loan_of(int32_t device)
+{
+    static auto *all = new std::array<Loan, kDevices>;
+    return (*all)[static_cast<size_t>(device_index(device))];
+}
+
+// The composition stands still for its borrower too: a look would wait for ever.
+bool is_lent_to_this_thread(int32_t device)
+{
+    Loan &loan = loan_of(device);
+    const std::lock_guard guard(loan.mutex);
+    return loan.borrower == std::this_thread::get_id();
+}
+
+int refuse_own_loan(int32_t device)
+{
+    return refuse_plainly("display device %d is lent to this thread already", device);
+}
+
 // Check, look, copy. `signal`: whether the picture arrives where it is captured.
 int capture(int32_t device, uint32_t format, vboard_image *image, bool signal)
 {
@@ -84,6 +111,7 @@ int capture(int32_t device, uint32_t format, vboard_image *image, bool signal)
     *image = {};
     if (device_index(device) < 0) return refuse_plainly("display device %d", device);
     if (format > VBOARD_FORMAT_RGB24) return refuse_plainly("image format %u", format);
+    if (is_lent_to_this_thread(device)) return refuse_own_loan(device);
     const CanvasLook look(device);
     const vboard_picture &picture = look.picture();
     if (allocate(*image, format, picture.width, picture.height) != 0) return -1;
@@ -104,20 +132,6 @@ int save(vboard_image &image, const char *path)
     const int result = vboard_image_save_png(&image, path);
     vboard_image_free(&image);
     return result;
-}
-
-/* Who has borrowed a device's picture. */
-struct Loan {
-    std::mutex mutex;
-    std::condition_variable returned;
-    std::optional<CanvasLook> look;
-    std::thread::id borrower;
-};
-
-Loan &loan_of(int32_t device)
-{
-    static auto *all = new std::array<Loan, kDevices>;
-    return (*all)[static_cast<size_t>(device_index(device))];
 }
 
 // The window belongs to the one thread that opened it.
@@ -215,8 +229,7 @@ int vboard_display_borrow(int32_t device, vboard_picture *picture)
     if (picture == nullptr) return refuse_plainly("no record to fill");
     Loan &loan = loan_of(device);
     std::unique_lock lock(loan.mutex);
-    if (loan.borrower == std::this_thread::get_id())
-        return refuse_plainly("display device %d is lent to this thread already", device);
+    if (loan.borrower == std::this_thread::get_id()) return refuse_own_loan(device);
     loan.returned.wait(lock, [&] { return loan.borrower == std::thread::id(); });
     loan.borrower = std::this_thread::get_id();
     lock.unlock();
@@ -252,6 +265,7 @@ int vboard_display_set_pacing(int32_t device, uint32_t pacing)
 
 int vboard_display_step(int32_t device)
 {
+    if (device_index(device) >= 0 && is_lent_to_this_thread(device)) return refuse_own_loan(device);
     const int advanced = display_advance(device);
     if (advanced >= 0) follow_step(device);
     return advanced;

@@ -10,6 +10,7 @@
 #include "media/graph.h"
 #include "media/modules.h"
 #include "media/scaler_channel.h"
+#include "media/vdec_channel.h"
 
 namespace vboard
 {
@@ -108,6 +109,9 @@ int32_t set_depth(const MI_SYS_ChnPort *port, uint32_t queue_depth)
     if (port->module != MI_MODULE_VDEC && port->module != MI_MODULE_DIVP)
         return refuse(MI_MODULE_SYS, MI_REASON_UNSUPPORTED, "module %u has no output port", port->module);
     if (port->module == MI_MODULE_DIVP) return scaler_set_depth(port->channel, port->port, queue_depth);
+    if (port->port != 0 || !vdec_exists(port->channel))
+        return refuse(MI_MODULE_SYS, MI_REASON_ABSENT, "output port %u of decoder channel %u", port->port,
+                      port->channel);
     return MI_SUCCESS; // a decoder's pictures are counted references: there is no pool to size
 }
 
