@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <pthread.h>
 
+#include <algorithm>
 #include <array>
 #include <thread>
 
@@ -39,6 +40,7 @@ protected:
 using Watchdog = Peripherals;
 using Indicator = Peripherals;
 using Remote = Peripherals;
+using Threads = Peripherals;
 using Rtc = Peripherals;
 using Analog = Peripherals;
 using Mouse = Peripherals;
@@ -194,6 +196,74 @@ TEST_F(Indicator, TellsThePanelAboutPolls)
     EXPECT_EQ(ext_keyboard_value(event), -1);
     EXPECT_EQ(panel().empty_polls, 2u);
     EXPECT_EQ(panel().keys_taken, 0u);
+}
+
+/*
+ * The library's three threads, started in every order and stopped in every order: whichever still
+ * runs works on, and one that was stopped does nothing any more. The IR poll has no stop: it runs
+ * to the end beside the others.
+ */
+TEST_F(Threads, StartAndStopInEveryOrder)
+{
+    enum { kBlinker, kFeeder, kPoll };
+    ASSERT_EQ(local_wdg_init(), 0u);
+    g_S32Irfd = board_open(IR_NODE, 0);
+    std::array<int, 3> starts = {kBlinker, kFeeder, kPoll};
+    bool polls = false;
+    do {
+        for (const int first_stopped : {kBlinker, kFeeder}) {
+            uint32_t running = polls ? 1 : 0;
+            for (const int thread : starts) {
+                if (thread == kPoll && polls) continue; // it is started once
+                switch (thread) {
+                case kBlinker: ASSERT_EQ(hi_start_record_proc(), 0); break;
+                case kFeeder:
+                    Set_Wdt_Fing(1);
+                    ASSERT_EQ(wdt_feed_pt(), 0);
+                    break;
+                default: ASSERT_EQ(localKey_init(), 1); polls = true;
+                }
+                wait_sleepers(++running);
+            }
+            bool blinks = true, feeds = true;
+            for (const int stopped : {first_stopped, kBlinker + kFeeder - first_stopped}) {
+                const uint32_t lamp_changes = panel().lamp_changes, fed = watchdog().feeds;
+                for (int i = 0; i < 6; ++i) { // half seconds: a whole period of the feeder
+                    step_us(500000);
+                    wait_sleepers(running);
+                }
+                EXPECT_EQ(panel().lamp_changes - lamp_changes, blinks ? 6u : 0u);
+                EXPECT_EQ(watchdog().feeds - fed, feeds ? 1u : 0u);
+                if (stopped == kBlinker) {
+                    EXPECT_EQ(hi_stop_record_proc(), 0);
+                    blinks = false;
+                } else {
+                    Set_Wdt_Fing(0);
+                    step_us(3 * kSecond_us); // the flag is looked at when the feeder wakes ...
+                    wait_sleepers(running);
+                    step_us(1000); // ... and then it sleeps a last time
+                    feeds = false;
+                }
+                --running;
+                if (running > 0) wait_sleepers(running);
+            }
+            const uint32_t lamp_changes = panel().lamp_changes, fed = watchdog().feeds;
+            EXPECT_EQ(panel().record_lamp, 1u) << "lit when it does not blink";
+            step_us(10 * kSecond_us);
+            EXPECT_EQ(panel().lamp_changes, lamp_changes);
+            EXPECT_EQ(watchdog().feeds, fed);
+
+            vboard_ir_press(kPlay);
+            for (int i = 0; i < 3; ++i) {
+                wait_sleepers(1);
+                step_us(200000); // longer than the poll's pause and its wait for a frame
+            }
+            wait_sleepers(1);
+            EXPECT_EQ(__atomic_load_n(&key.code, __ATOMIC_RELAXED), 105u);
+            __atomic_store_n(&key.code, 0, __ATOMIC_RELAXED);
+        }
+    } while (std::next_permutation(starts.begin(), starts.end()));
+    EXPECT_EQ(watchdog().expired, 0u);
 }
 
 TEST_F(Remote, APressIsOneKeyAndAHeldButtonRepeatsEvery108Milliseconds)
