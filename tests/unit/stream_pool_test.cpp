@@ -156,6 +156,38 @@ TEST(StreamInit, AnUnknownPoolAllocatesAndStoresNothing)
     }
 }
 
+TEST(StreamSecondInit, KeepsTheEarlierRingsForThoseWhoStillReadThem)
+{
+    make_pool(STREAM_POOL_MAIN, {100, 1000, 20});
+    StreamReader reader;
+    ASSERT_EQ(kx_stream_getStartPos(0, &reader, STREAM_POOL_MAIN), 0);
+    ASSERT_EQ(put(1, 30), 0);
+    ASSERT_EQ(next_frame(reader), 1);
+    const StreamReader held = reader;
+
+    make_pool(STREAM_POOL_MAIN, {100, 1000, 20});
+    ASSERT_EQ(put(2, 30), 0);
+    EXPECT_EQ(next_frame(reader), -1) << "a reader of the earlier pool is no reader of this one";
+    EXPECT_EQ(image(&reader, sizeof reader), image(&held, sizeof held));
+    EXPECT_EQ(delivered(held, 30), 1) << "what it was given is still there";
+
+    ASSERT_EQ(kx_stream_getStartPos(0, &reader, STREAM_POOL_MAIN), 0);
+    EXPECT_EQ(next_frame(reader), 2);
+}
+
+TEST(StreamSecondInit, ThatFailsLeavesTheEarlierPoolInService)
+{
+    make_pool(STREAM_POOL_MAIN, {100, 1000, 20});
+    StreamReader reader;
+    ASSERT_EQ(kx_stream_getStartPos(0, &reader, STREAM_POOL_MAIN), 0);
+    ASSERT_EQ(put(1, 30), 0);
+    EXPECT_EQ(init_with_failure(same_sizes(1, {100, 1000, 20}), 1), -1);
+    EXPECT_EQ(kx_stream_destroy_avstream(), 0) << "of what the failed one had allocated";
+    ASSERT_EQ(put(2, 30), 0);
+    EXPECT_EQ(next_frame(reader), 1);
+    EXPECT_EQ(next_frame(reader), 2);
+}
+
 TEST(StreamDestroy, TearsDownOnlyThePoolInitialisedLast)
 {
     make_pool(STREAM_POOL_MAIN, {100, 1000, 20});
