@@ -24,5 +24,6 @@ struct Command {
 };
 
 Command wall_command(CLI::App &app);
+Command record_command(CLI::App &app);
 
 } // namespace nvrec

@@ -85,6 +85,9 @@ public:
     virtual void select(int channel) = 0;
     virtual int selected() const = 0;
 
+    /** Whether someone sits in front of it. */
+    virtual bool window_is_open() const { return false; }
+
     /** Offer a key or a mouse event to the companions, the last added first. */
     virtual void key(Key key) = 0;
     virtual void pointer(const PointerEvent &event) = 0;
@@ -144,7 +147,7 @@ public:
     /** After the closing table. */
     virtual void report() {}
 
-    /** Members for the object of --json, `"name": value` with commas between; empty = none. */
+    /** A member of the object that --json writes, `"name": value`; empty = none. */
     virtual std::string json() const { return {}; }
 };
 

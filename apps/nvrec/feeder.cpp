@@ -16,13 +16,15 @@ using Clock = std::chrono::steady_clock;
 
 constexpr auto kFirstRetry = std::chrono::seconds(1);
 constexpr auto kLongestRetry = std::chrono::seconds(16);
-constexpr int kDecoderPatience_ms = 2000; /* for one unit, when feeding as fast as it goes */
+constexpr auto kSilence = std::chrono::seconds(10); /* a live input gives up a silent line after this */
+constexpr int kDecoderPatience_ms = 2000;           /* for one unit, when feeding as fast as it goes */
 
 } // namespace
 
 Feeder::Feeder(int channel, std::string address, const FeedOptions &options)
     : channel_(channel), options_(options), input_(std::move(address))
 {
+    if (channel < 32 && (options.sound_channels >> channel & 1) != 0) input_.want_sound();
 }
 
 Feeder::~Feeder()
@@ -33,6 +35,7 @@ Feeder::~Feeder()
 
 bool Feeder::hold()
 {
+    hold_tried_ = true;
     if (!input_.open(options_.open_limit)) {
         report(input_.error());
         return false;
@@ -56,6 +59,7 @@ void Feeder::start(Events events)
 {
     events_ = std::move(events);
     started_at_ = Clock::now();
+    promise_until(Clock::now());
     thread_ = std::thread([this] { run(); });
 }
 
@@ -74,7 +78,13 @@ void Feeder::join()
 
 void Feeder::run()
 {
+    if (!hold_tried_) {
+        promise_until(Clock::now() + options_.open_limit);
+        hold();
+        started_at_ = Clock::now();
+    }
     feed();
+    promise_until(Clock::time_point::max());
     if (events_.ended) events_.ended(channel_);
 }
 
@@ -88,6 +98,8 @@ void Feeder::feed()
     while (!stopping()) {
         wait_due(unit);
         if (stopping()) return;
+        promise_until(Clock::now());
+        pass_sound(unit.due_us);
         if (events_.unit) events_.unit(channel_, unit, input_.facts());
         const bool accepted = send(unit) == 0;
         {
@@ -103,8 +115,18 @@ void Feeder::feed()
         if (std::exchange(decoder_changes_, false) && events_.decoder_changed)
             events_.decoder_changed(channel_);
         if (options_.frames != 0 && ++frames >= options_.frames) return;
-        if (!next(&unit)) return;
+        if (!next(&unit)) {
+            if (!stopping()) pass_sound(INT64_MAX);
+            return;
+        }
     }
+}
+
+void Feeder::pass_sound(int64_t until_us)
+{
+    if (!events_.sound) return;
+    for (const SoundBlock &block : input_.take_sound(until_us))
+        events_.sound(channel_, block);
 }
 
 /* The next unit, across the ends of files and broken lines; false when there is none. */
@@ -112,6 +134,7 @@ bool Feeder::next(AccessUnit *unit)
 {
     bool just_rewound = false;
     while (!stopping()) {
+        promise_until(input_.live() ? Clock::now() + kSilence : Clock::now());
         switch (input_.read(unit)) {
         case Input::Read::kUnit:
             if (unit->key) note_facts();
@@ -157,6 +180,7 @@ bool Feeder::reconnect(const std::string &why)
     const Codec codec_before = input_.facts().codec;
     report(why + "; connecting again");
     while (wait_until(Clock::now() + pause)) {
+        promise_until(Clock::now() + options_.open_limit);
         if (input_.open(options_.open_limit)) {
             const bool first = !opened_.exchange(true);
             note_facts();
@@ -176,14 +200,17 @@ bool Feeder::reconnect(const std::string &why)
 /* False when the recorder stops first. */
 bool Feeder::wait_until(Clock::time_point when)
 {
+    promise_until(when);
     std::unique_lock guard(sleep_lock_);
     return !sleep_.wait_until(guard, when, [this] { return stopping(); });
 }
 
 void Feeder::wait_due(const AccessUnit &unit)
 {
-    if (input_.live()) return; /* the camera paces */
+    if (input_.live()) return;                           /* the camera paces */
+    if (options_.as_fast_as_can && events_.sink) return; /* the sink paces */
     if (options_.as_fast_as_can) {
+        promise_until(Clock::now() + std::chrono::milliseconds(kDecoderPatience_ms));
         vboard_decoder_wait_idle(static_cast<uint32_t>(channel_), kDecoderPatience_ms);
         return;
     }
@@ -193,6 +220,11 @@ void Feeder::wait_due(const AccessUnit &unit)
 }
 
 int32_t Feeder::send(const AccessUnit &unit)
+{
+    return events_.sink ? events_.sink(unit, input_.facts()) : send_to_decoder(unit);
+}
+
+int32_t Feeder::send_to_decoder(const AccessUnit &unit)
 {
     const StreamFacts &facts = input_.facts();
     FrameInfo frame = {};
@@ -206,6 +238,16 @@ int32_t Feeder::send(const AccessUnit &unit)
     frame.pts = static_cast<uint64_t>(unit.pts_us);
     return ext_send_stream(&frame, static_cast<uint32_t>(facts.codec), options_.link_quality,
                            options_.rate_class);
+}
+
+void Feeder::promise_until(Clock::time_point when)
+{
+    promise_.store(when.time_since_epoch().count(), std::memory_order_relaxed);
+}
+
+Clock::time_point Feeder::promise() const
+{
+    return Clock::time_point(Clock::duration(promise_.load(std::memory_order_relaxed)));
 }
 
 void Feeder::note_facts()

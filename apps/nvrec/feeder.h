@@ -34,6 +34,7 @@ struct FeedOptions {
     uint64_t frames = 0;         /* end after so many; 0 = no limit                        */
     int32_t link_quality = 0;    /* for ext_send_stream; 0 = not measured                  */
     int32_t rate_class = 0;      /* likewise                                               */
+    uint32_t sound_channels = 0; /* bit n = channel n's sound is wanted                    */
     std::chrono::milliseconds open_limit = std::chrono::seconds(10);
 };
 
@@ -56,6 +57,10 @@ public:
         std::function<void(int channel)> ended;           /* nothing more will be sent                */
         std::function<void(int channel, const AccessUnit &, const StreamFacts &)>
             unit; /* before it is sent */
+        std::function<void(int channel, const SoundBlock &)>
+            sound; /* wanted sound, before the unit that is due with it or after it */
+        std::function<int32_t(const AccessUnit &, const StreamFacts &)>
+            sink; /* where units go; 0 = accepted. None = the channel's decoder */
     };
 
     Feeder(int channel, std::string address, const FeedOptions &options);
@@ -67,7 +72,10 @@ public:
     /** Send the held frame once, so that its decoder is made. @return the library's result. */
     int32_t prime();
 
-    /** Start the thread. A live input that hold() could not open is tried again by it. */
+    /**
+     * Start the thread. A live input that hold() could not open is tried again by it; an input for
+     * which hold() was not called is opened by it.
+     */
     void start(Events events);
 
     /** Ask the thread to end; join waits for it. */
@@ -78,6 +86,13 @@ public:
     const Input &input() const { return input_; }
     bool opened() const { return opened_.load(); }
     bool broken() const { return broken_.load(); }
+
+    /**
+     * When the thread will have been heard from again at the latest: it promises before everything
+     * that may take its time. A promise that is past means that the thread hangs. max() = it does not
+     * run, or has ended.
+     */
+    std::chrono::steady_clock::time_point promise() const;
 
     /** Codec, size and frame rate as last learned. */
     StreamFacts facts() const;
@@ -92,19 +107,24 @@ private:
     bool wait_until(std::chrono::steady_clock::time_point when);
     void wait_due(const AccessUnit &unit);
     int32_t send(const AccessUnit &unit);
+    int32_t send_to_decoder(const AccessUnit &unit);
+    void pass_sound(int64_t until_us);
     void note_facts();
     void report(const std::string &line);
+    void promise_until(std::chrono::steady_clock::time_point when);
     bool stopping() const { return stop_.load(std::memory_order_relaxed); }
 
     const int channel_;
     const FeedOptions options_;
     Input input_;
     AccessUnit held_;
+    bool hold_tried_ = false;
     Events events_;
     std::thread thread_;
     std::atomic<bool> stop_ = false;
     std::atomic<bool> opened_ = false; /* the input was opened at least once        */
     std::atomic<bool> broken_ = false; /* it ended by a failure, not by its own end */
+    std::atomic<std::chrono::steady_clock::rep> promise_ = INT64_MAX; /* ticks of the clock        */
     std::chrono::steady_clock::time_point started_at_;
     bool decoder_changes_ = false; /* the next unit sent gives the channel another decoder */
 

@@ -1,6 +1,7 @@
 /* input.cpp - see input.h. libavformat demuxes, a bit-stream filter brings units into Annex B form. */
 #include "input.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <string_view>
@@ -68,6 +69,7 @@ struct Input::Demuxer {
     AVBSFContext *filter = nullptr;
     AVCodecParserContext *parser = nullptr; /* looks into key frames: size, true random access */
     AVCodecContext *parser_context = nullptr;
+    std::unique_ptr<SoundTrack> sound;
     AVPacket *packet = av_packet_alloc();
     bool filter_drained = false;
     bool elementary = false; /* the bare stream of the codec: no time stamps, no index */
@@ -111,6 +113,11 @@ bool Input::open(std::chrono::milliseconds limit)
     error_.clear();
     units_in_pass_ = 0;
     first_dts_us_ = INT64_MIN;
+    if (live_ && last_unit_at_ != std::chrono::steady_clock::time_point{}) {
+        /* A camera that comes back counts from anew; its time goes on with the time it was away. */
+        const auto away = std::chrono::steady_clock::now() - last_unit_at_;
+        pass_start_us_ = last_due_us_ + std::chrono::duration_cast<std::chrono::microseconds>(away).count();
+    }
     give_up_at_ = std::chrono::steady_clock::now() + limit;
     if (open_stream()) return true;
     close();
@@ -141,8 +148,10 @@ bool Input::open_stream()
     code = av_find_best_stream(format, AVMEDIA_TYPE_VIDEO, -1, -1, nullptr, 0);
     if (code < 0) return fail("it carries no video");
     demuxer_->stream = format->streams[code];
+    if (sound_wanted_) demuxer_->sound = SoundTrack::find(format, code);
     for (unsigned i = 0; i < format->nb_streams; ++i) {
-        if (format->streams[i] != demuxer_->stream) format->streams[i]->discard = AVDISCARD_ALL;
+        const bool is_sound = demuxer_->sound && demuxer_->sound->stream_index() == static_cast<int>(i);
+        if (format->streams[i] != demuxer_->stream && !is_sound) format->streams[i]->discard = AVDISCARD_ALL;
     }
 
     const AVCodecParameters *parameters = demuxer_->stream->codecpar;
@@ -156,6 +165,7 @@ bool Input::open_stream()
     /* libavformat names the demuxer of a bare stream after its codec. */
     demuxer_->elementary = std::strcmp(format->iformat->name, avcodec_get_name(parameters->codec_id)) == 0;
     facts_.codec = row->codec;
+    facts_.sound = demuxer_->sound != nullptr;
     facts_.width_px = static_cast<uint32_t>(parameters->width);
     facts_.height_px = static_cast<uint32_t>(parameters->height);
     facts_.frame_rate = rate.num > 0 && rate.den > 0 ? av_q2d(rate) : kSilentFrameRate;
@@ -223,6 +233,8 @@ Input::Read Input::next_packet()
                  code);
             return Read::kFailed;
         }
+        if (demuxer_->sound && packet->stream_index == demuxer_->sound->stream_index())
+            demuxer_->sound->decode(*packet);
         if (packet->stream_index != demuxer_->stream->index || packet->size == 0) {
             av_packet_unref(packet);
             continue;
@@ -243,13 +255,17 @@ Input::Read Input::read(AccessUnit *unit)
     }
     if (interrupted_.load(std::memory_order_relaxed)) return Read::kInterrupted;
     const Read result = next_packet();
-    if (result != Read::kUnit) return result;
+    if (result != Read::kUnit) {
+        place_sound();
+        return result;
+    }
 
     AVPacket *packet = demuxer_->packet;
     unit->bytes.assign(packet->data, packet->data + packet->size);
     unit->key = (packet->flags & AV_PKT_FLAG_KEY) != 0;
     stamp(unit);
     av_packet_unref(packet);
+    place_sound();
     if (unit->key) look_into(*unit);
     return Read::kUnit;
 }
@@ -273,17 +289,47 @@ void Input::stamp(AccessUnit *unit)
         static_cast<int64_t>(std::llround(static_cast<double>(units_in_pass_) * 1e6 / facts_.frame_rate));
     int64_t since_start_us = by_count;
     int64_t pts_offset_us = 0;
+    const bool has_pts = !demuxer_->elementary && packet->pts != AV_NOPTS_VALUE;
+    const int64_t pts_us = has_pts ? av_rescale_q(packet->pts, base, microseconds) : 0;
+    if (has_pts && first_pts_us_ == INT64_MIN) first_pts_us_ = pts_us;
     if (!demuxer_->elementary && packet->dts != AV_NOPTS_VALUE) {
         const int64_t dts_us = av_rescale_q(packet->dts, base, microseconds);
         if (first_dts_us_ == INT64_MIN) first_dts_us_ = dts_us - by_count;
         since_start_us = dts_us - first_dts_us_;
         if (packet->pts != AV_NOPTS_VALUE)
             pts_offset_us = av_rescale_q(packet->pts - packet->dts, base, microseconds);
+    } else if (has_pts) {
+        /* Some files say only when a unit is shown; it is decoded as much earlier as units are held back. */
+        const int64_t held_back_us =
+            std::llround(demuxer_->stream->codecpar->video_delay * 1e6 / facts_.frame_rate);
+        if (first_dts_us_ == INT64_MIN) first_dts_us_ = pts_us - held_back_us - by_count;
+        if (unit->key) since_start_us = pts_us - held_back_us - first_dts_us_;
+        pts_offset_us = pts_us - first_dts_us_ - since_start_us;
     }
     last_due_us_ = std::max(last_due_us_, pass_start_us_ + since_start_us);
     unit->due_us = last_due_us_;
     unit->pts_us = std::max<int64_t>(0, last_due_us_ + pts_offset_us);
     ++units_in_pass_;
+    last_unit_at_ = std::chrono::steady_clock::now();
+}
+
+/* Sound read before the first unit waits for that unit: it is what all times count from. */
+void Input::place_sound()
+{
+    if (!demuxer_->sound || first_dts_us_ == INT64_MIN) return;
+    for (SoundBlock &block : demuxer_->sound->take()) {
+        block.pts_us += pass_start_us_ - first_dts_us_;
+        if (block.pts_us >= 0) sound_.push_back(block);
+    }
+}
+
+std::vector<SoundBlock> Input::take_sound(int64_t until_us)
+{
+    const auto end = std::find_if(sound_.begin(), sound_.end(),
+                                  [until_us](const SoundBlock &block) { return block.pts_us > until_us; });
+    std::vector<SoundBlock> taken(sound_.begin(), end);
+    sound_.erase(sound_.begin(), end);
+    return taken;
 }
 
 /* A key frame carries the parameter sets: the size may have changed. */
@@ -305,20 +351,71 @@ bool Input::rewind()
     const AVStream *stream = demuxer_->stream;
     int code = 0;
     if (demuxer_->elementary) {
-        const int64_t at = avio_seek(format->pb, 0, SEEK_SET);
-        code = at < 0 ? static_cast<int>(at) : avformat_flush(format);
+        code = to_first_byte();
     } else {
         const int64_t start = stream->start_time != AV_NOPTS_VALUE ? stream->start_time : 0;
         code = av_seek_frame(format, stream->index, start, AVSEEK_FLAG_BACKWARD);
     }
     if (code < 0) return fail("cannot go back to the start", code);
 
-    av_bsf_flush(demuxer_->filter);
-    demuxer_->filter_drained = false;
+    pass_start_us_ = last_due_us_ + static_cast<int64_t>(std::llround(1e6 / facts_.frame_rate));
+    forget_position();
     units_in_pass_ = 0;
     first_dts_us_ = INT64_MIN;
-    pass_start_us_ = last_due_us_ + static_cast<int64_t>(std::llround(1e6 / facts_.frame_rate));
     return true;
+}
+
+int Input::to_first_byte()
+{
+    const int64_t at = avio_seek(demuxer_->format->pb, 0, SEEK_SET);
+    return at < 0 ? static_cast<int>(at) : avformat_flush(demuxer_->format);
+}
+
+/* What the filter holds belongs to where the file was read last. */
+void Input::forget_position()
+{
+    if (demuxer_->sound) demuxer_->sound->forget();
+    av_bsf_flush(demuxer_->filter);
+    demuxer_->filter_drained = false;
+    last_due_us_ = 0;
+}
+
+bool Input::seek(int64_t target_us, AccessUnit *unit)
+{
+    if (live_ || !demuxer_) return fail("cannot go to another place");
+    pass_start_us_ = 0;
+    if (demuxer_->elementary) return seek_in_bare_stream(target_us, unit);
+
+    const int64_t first_us = first_pts_us_ == INT64_MIN ? 0 : first_pts_us_; /* key frames are found by it */
+    const int64_t at =
+        av_rescale_q(first_us + target_us, AVRational{1, 1000000}, demuxer_->stream->time_base);
+    const int code = av_seek_frame(demuxer_->format, demuxer_->stream->index, at, AVSEEK_FLAG_BACKWARD);
+    if (code < 0) return fail("cannot go to another place", code);
+    forget_position();
+    const Read result = read_key(unit);
+    if (result != Read::kUnit) return result == Read::kEnd && fail("no key frame at that place");
+    units_in_pass_ = std::llround(static_cast<double>(unit->due_us) * facts_.frame_rate / 1e6) + 1;
+    return true;
+}
+
+bool Input::seek_in_bare_stream(int64_t target_us, AccessUnit *unit)
+{
+    auto begin = [this] {
+        const int code = to_first_byte();
+        forget_position();
+        units_in_pass_ = 0;
+        return code >= 0 || fail("cannot go to another place", code);
+    };
+    if (!begin()) return false;
+    int64_t key_number = 0;
+    while (read(unit) == Read::kUnit && unit->due_us <= target_us) {
+        if (unit->key) key_number = units_in_pass_ - 1;
+    }
+    if (!begin()) return false;
+    Read result = read_key(unit);
+    while (result == Read::kUnit && units_in_pass_ - 1 < key_number)
+        result = read_key(unit);
+    return result == Read::kUnit || (result == Read::kEnd && fail("no key frame at that place"));
 }
 
 } // namespace nvrec

@@ -20,6 +20,8 @@
 #include <string>
 #include <vector>
 
+#include "sound.h"
+
 struct AVCodecParameters;
 
 namespace nvrec
@@ -36,6 +38,7 @@ struct StreamFacts {
     uint32_t width_px = 0;
     uint32_t height_px = 0;
     double frame_rate = 0; /* frames per second */
+    bool sound = false;    /* it comes with sound, and sound was wanted */
 };
 
 /** One encoded picture. */
@@ -64,6 +67,15 @@ public:
     bool open(std::chrono::milliseconds limit);
     void close();
 
+    /** Decode the sound too, from the next open() on. */
+    void want_sound() { sound_wanted_ = true; }
+
+    /**
+     * The sound read on the way to the last unit and not taken yet, in order, up to a time on the
+     * clock of due_us; INT64_MAX = all there is.
+     */
+    std::vector<SoundBlock> take_sound(int64_t until_us);
+
     /** The next access unit, whatever it is. kFailed: the reason is in error(). */
     Read read(AccessUnit *unit);
 
@@ -72,6 +84,15 @@ public:
 
     /** Begin again at the first unit; due times go on where they stand. Files only. */
     bool rewind();
+
+    /**
+     * Go to the last key frame at or before a time, counted from the file's first unit, and read it;
+     * before the first key frame, to that one. From here on units' times are places in the file.
+     * A file must have been read from before. Files only; the bare stream of a codec, which has no
+     * index, is read through from its start.
+     * @return false with the reason in error().
+     */
+    bool seek(int64_t target_us, AccessUnit *unit);
 
     /** Make open() and read() return soon, now and in future. */
     void interrupt() { interrupted_.store(true, std::memory_order_relaxed); }
@@ -89,7 +110,11 @@ private:
     bool choose_filter(const AVCodecParameters *parameters);
     bool open_parser(const AVCodecParameters *parameters);
     Read next_packet();
+    bool seek_in_bare_stream(int64_t target_us, AccessUnit *unit);
+    int to_first_byte();
+    void forget_position();
     void stamp(AccessUnit *unit);
+    void place_sound();
     void look_into(const AccessUnit &unit);
     bool fail(const std::string &reason);
     bool fail(const std::string &what, int av_code);
@@ -106,7 +131,12 @@ private:
     int64_t units_in_pass_ = 0;        /* since open or rewind                      */
     int64_t pass_start_us_ = 0;        /* due time of this pass's first unit         */
     int64_t first_dts_us_ = INT64_MIN; /* the pass's first decoding time stamp      */
+    int64_t first_pts_us_ = INT64_MIN; /* the file's first presentation time stamp   */
     int64_t last_due_us_ = 0;
+    std::chrono::steady_clock::time_point last_unit_at_; /* when the last unit was read, if ever */
+
+    bool sound_wanted_ = false;
+    std::vector<SoundBlock> sound_; /* not taken yet; times on the clock of due_us */
 };
 
 } // namespace nvrec

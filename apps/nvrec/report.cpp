@@ -3,6 +3,7 @@
 
 #include <cstdarg>
 #include <cstdio>
+#include <fstream>
 
 #include "vboard.h"
 
@@ -23,6 +24,8 @@ __attribute__((format(printf, 1, 2))) std::string text(const char *format, ...)
 
 using Count = unsigned long long; /* what %llu prints */
 
+} // namespace
+
 std::string json_string(const std::string &value)
 {
     std::string quoted = "\"";
@@ -39,8 +42,6 @@ std::string json_string(const std::string &value)
     }
     return quoted + '"';
 }
-
-} // namespace
 
 BoardCounters &BoardCounters::operator+=(const BoardCounters &more)
 {
@@ -144,7 +145,7 @@ std::vector<std::string> table_of(const std::vector<ChannelReport> &channels)
 }
 
 std::string json_of(const std::vector<ChannelReport> &channels, const std::string &layout,
-                    const std::string &output, double seconds)
+                    const std::string &output, double seconds, const std::vector<std::string> &more)
 {
     std::string json = "{\n  \"layout\": " + json_string(layout) + ",\n  \"output\": " + json_string(output) +
                        text(",\n  \"seconds\": %.3f,\n  \"channels\": [", seconds);
@@ -171,7 +172,18 @@ std::string json_of(const std::vector<ChannelReport> &channels, const std::strin
             static_cast<Count>(channel.resets));
         json += ", \"trouble\": " + json_string(channel.trouble) + "}";
     }
-    return json + "\n  ]\n}\n";
+    json += "\n  ]";
+    for (const std::string &member : more)
+        json += ",\n  " + member;
+    return json + "\n}\n";
+}
+
+bool write_text(const std::string &path, const std::string &text)
+{
+    std::ofstream file(path);
+    file << text;
+    file.close();
+    return bool(file);
 }
 
 } // namespace nvrec

@@ -67,8 +67,14 @@ private:
 /** The closing table, one text a line. */
 std::vector<std::string> table_of(const std::vector<ChannelReport> &channels);
 
-/** The same and more as one JSON object. */
+/** The same and more as one JSON object. @param more  further members of it, `"name": value` each */
 std::string json_of(const std::vector<ChannelReport> &channels, const std::string &layout,
-                    const std::string &output, double seconds);
+                    const std::string &output, double seconds, const std::vector<std::string> &more = {});
+
+/** A text as JSON writes it, with its quotes. */
+std::string json_string(const std::string &value);
+
+/** Write a text to a file. @return false when it could not be written. */
+bool write_text(const std::string &path, const std::string &text);
 
 } // namespace nvrec

@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
 
 #include "command.h"
 #include "vboard.h"
@@ -36,7 +35,7 @@ Wall::Wall(const WallOptions &options) : options_(options), reporter_(feeders_)
             std::make_unique<Feeder>(static_cast<int>(feeders_.size()), address, options_.feed));
     for (const std::string &picture : options_.pictures)
         orders_.push_back(picture_order(picture));
-    const int channels = std::max(options_.channels, static_cast<int>(feeders_.size()));
+    const int channels = feeders_.empty() ? options_.channels : static_cast<int>(feeders_.size());
     layout_ = layout_named(options_.layout).value_or(layout_for(channels));
 }
 
@@ -211,6 +210,10 @@ void Wall::start_feeding()
             for (const auto &companion : companions_)
                 companion->on_unit(channel, unit, facts);
         };
+        events.sound = [this](int channel, const SoundBlock &block) {
+            for (const auto &companion : companions_)
+                companion->on_audio(channel, block);
+        };
         feeder->start(std::move(events));
     }
 }
@@ -316,10 +319,14 @@ void Wall::write_reports()
     for (size_t i = 0; i < started_; ++i)
         companions_[i]->report();
     if (options_.json_path.empty()) return;
-    std::ofstream file(options_.json_path);
-    file << json_of(channels, options_.layout, options_.output, lasted_s_);
-    file.close();
-    if (file) return;
+    std::vector<std::string> more;
+    for (size_t i = 0; i < started_; ++i) {
+        std::string member = companions_[i]->json();
+        if (!member.empty()) more.push_back(std::move(member));
+    }
+    if (write_text(options_.json_path,
+                   json_of(channels, options_.layout, options_.output, lasted_s_, more)))
+        return;
     terminal_.complain("cannot write " + options_.json_path);
     worse(kExitOutputFailed);
 }

@@ -67,6 +67,7 @@ private:
     int enlarged() const override { return enlarged_; }
     void select(int channel) override;
     int selected() const override { return selected_; }
+    bool window_is_open() const override { return window_open_; }
     void key(Key key) override;
     void pointer(const PointerEvent &event) override;
     void ring() override { wakeup_.ring(); }

@@ -1,17 +1,17 @@
-/* wall_command.cpp - "nvrec wall": the command line of the live wall. */
+/* wall_command.cpp - "nvrec wall", and the wall's options for whoever else shows one. */
 #include <cstdio>
 #include <map>
 #include <memory>
 
 #include "command.h"
-#include "wall.h"
+#include "wall_options.h"
 
 namespace nvrec
 {
 namespace
 {
 
-constexpr size_t kMostInputs = 16;
+constexpr size_t kMostShown = 16;
 
 const std::map<std::string, WindowWish> kWindowWishes = {
     {"auto", WindowWish::kAuto},
@@ -19,22 +19,22 @@ const std::map<std::string, WindowWish> kWindowWishes = {
     {"off", WindowWish::kOff},
 };
 
-int run_wall(const WallOptions &options)
+using Companions = std::vector<std::unique_ptr<Companion>>;
+
+int run_wall(const WallOptions &options, Companions companions)
 {
-    if (options.inputs.size() > kMostInputs) {
-        std::fprintf(stderr, "nvrec: %zu inputs; a wall takes at most %zu\n", options.inputs.size(),
-                     kMostInputs);
-        return kExitUsage;
-    }
-    return Wall(options).run();
+    Wall wall(options);
+    for (std::unique_ptr<Companion> &companion : companions)
+        wall.add(std::move(companion));
+    return wall.run();
 }
 
 } // namespace
 
-Command wall_command(CLI::App &app)
+WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
 {
     auto options = std::make_shared<WallOptions>();
-    CLI::App *wall = app.add_subcommand("wall", "Show 1 to 16 cameras on one screen");
+    CLI::App *wall = &command;
     wall->footer(
         "Inputs are files (.h264, .h265, .mp4, .mkv, ...) or rtsp:// addresses. Channel numbers count\n"
         "from 0 in the order of the inputs. Exit status: 0 done, 2 command line, 3 an input failed,\n"
@@ -80,7 +80,21 @@ Command wall_command(CLI::App &app)
         ->capture_default_str();
     wall->add_option("--json", options->json_path, "Write the closing table as JSON too");
 
-    return {wall, [options] { return run_wall(*options); }};
+    return {options, [=](Companions companions) {
+                if (options->inputs.size() > most_inputs) {
+                    std::fprintf(stderr, "nvrec: %zu inputs; it takes at most %zu\n", options->inputs.size(),
+                                 most_inputs);
+                    return static_cast<int>(kExitUsage);
+                }
+                return run_wall(*options, std::move(companions));
+            }};
+}
+
+Command wall_command(CLI::App &app)
+{
+    CLI::App *wall = app.add_subcommand("wall", "Show 1 to 16 cameras on one screen");
+    const WallCommandLine line = add_wall_options(*wall, kMostShown);
+    return {wall, [line] { return line.run({}); }};
 }
 
 } // namespace nvrec
