@@ -1,13 +1,11 @@
 /* snap_test.cpp - snapshots on the virtual board: the right picture of the right frame, and no leak. */
-#include <dirent.h>
-#include <malloc.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <functional>
 
 #include "playback_session.h"
+#include "process_counts.h"
 #include "snap_pictures.h"
 
 using namespace session;
@@ -201,29 +199,6 @@ TEST_F(SnapshotOnTheBoard, RecoversFromEveryRefusal)
     vboard_set_loud(1);
 }
 
-size_t entries_of(const char *directory)
-{
-    size_t count = 0;
-    DIR *open = opendir(directory);
-    while (readdir(open) != nullptr)
-        ++count;
-    closedir(open);
-    return count;
-}
-
-/* Bytes that the program has allocated and not freed. A sanitizer's build has an allocator of its own. */
-size_t allocated_bytes()
-{
-    const struct mallinfo2 info = mallinfo2();
-    return info.uordblks + info.hblkhd;
-}
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kCountsBytes = false; // the address sanitizer looks for leaks at the end instead
-#else
-constexpr bool kCountsBytes = true;
-#endif
-
 TEST_F(SnapshotOnTheBoard, AThousandInARowLeakNothing)
 {
     show_live(1);
@@ -235,15 +210,15 @@ TEST_F(SnapshotOnTheBoard, AThousandInARowLeakNothing)
         ASSERT_EQ(snapshot.result, 0) << i;
         ASSERT_NE(snapshot.frame.data, nullptr);
         if (i != 100) continue;
-        bytes = allocated_bytes();
-        threads = entries_of("/proc/self/task");
-        descriptors = entries_of("/proc/self/fd");
+        bytes = process_counts::allocated_bytes();
+        threads = process_counts::threads();
+        descriptors = process_counts::descriptors();
     }
-    EXPECT_EQ(entries_of("/proc/self/task"), threads);
-    EXPECT_EQ(entries_of("/proc/self/fd"), descriptors);
+    EXPECT_EQ(process_counts::threads(), threads);
+    EXPECT_EQ(process_counts::descriptors(), descriptors);
     // One image a snapshot, about 10 KiB, would be 9 MiB.
-    EXPECT_TRUE(!kCountsBytes || allocated_bytes() < bytes + (256 << 10))
-        << bytes << " bytes were allocated, now " << allocated_bytes();
+    EXPECT_TRUE(!process_counts::kCountsBytes || process_counts::allocated_bytes() < bytes + (256 << 10))
+        << bytes << " bytes were allocated, now " << process_counts::allocated_bytes();
 }
 
 } // namespace
