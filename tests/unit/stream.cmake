@@ -25,6 +25,7 @@ target_include_directories(stream_interleaving_test BEFORE PRIVATE ${stream_dir}
 target_include_directories(stream_interleaving_test PRIVATE ${stream_dir}/../../src)
 
 nvrhal_test(stream_model_test ${stream_dir}/stream_model_test.cpp ${stream_dir}/stream_model.cpp
+  ${stream_dir}/stream_block_model_test.cpp
   LIBS nvrhal_objects recording_platform LABEL unit TIMEOUT 300)
 target_include_directories(stream_model_test PRIVATE ${stream_dir}/../../src)
 

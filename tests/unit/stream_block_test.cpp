@@ -141,6 +141,24 @@ TEST_F(StreamBlock, AnOverrunReaderGoesOnAtASafeKeyFrame)
     EXPECT_EQ(reader_.data_circle, 3u);
 }
 
+TEST_F(StreamBlock, AnOverrunReaderMayBeginABatchThatIsNotFullYet)
+{
+    for (uint32_t i = 0; i < 95; ++i) // more than nine data laps, more than one of the index
+        ASSERT_EQ(put_at(i, 100, i == 91), 0);
+    EXPECT_EQ(block(kManyBytes), 0);
+    EXPECT_EQ(reader_.index, 31u);
+    EXPECT_EQ(reader_.last_index, 31u);
+    EXPECT_EQ(reader_.index_circle, 1u);
+    EXPECT_EQ(reader_.data_circle, 9u);
+    EXPECT_EQ(reader_.data_start, 100u);
+    EXPECT_EQ(reader_.data_end, 100u);
+    EXPECT_EQ(reader_.block_index, 34u);
+    EXPECT_EQ(reader_.block_count, 3u);
+    ASSERT_EQ(put_at(95, 100), 0);
+    EXPECT_EQ(block(500), 2);
+    expect_block(100, 600, 35);
+}
+
 TEST_F(StreamBlock, AnOverrunReaderWithoutAKeyFrameIsReported)
 {
     for (uint32_t i = 0; i < 35; ++i)
@@ -199,6 +217,42 @@ TEST_F(StreamBlock, EndsBeforeATimeJumpAndGoesOnAtTheKeyFrameAfterIt)
         EXPECT_EQ(reader_.data_end, 300u);
     }
     EXPECT_EQ(platform.count("board_sleep_us"), 0u);
+}
+
+TEST_F(StreamBlock, ATimeJumpMayStandAtTheStartOfTheIndexRing)
+{
+    // Frames 0 to 57 in blocks of one, so that the next batch begins with entry 58 of 60.
+    for (uint32_t i = 0; i < 58; ++i) {
+        ASSERT_EQ(put_at(1000, 10, 1), 0);
+        ASSERT_EQ(block(1), 2);
+    }
+    for (int i = 0; i < 2; ++i)
+        ASSERT_EQ(put_at(1000, 10), 0);
+    for (int i = 0; i < 3; ++i)
+        ASSERT_EQ(put_at(5000, 10, i == 2), 0);
+    EXPECT_EQ(block(kManyBytes), 4);
+    expect_block(580, 600, 59);
+    EXPECT_EQ(reader_.index_circle, 0u);
+    EXPECT_EQ(block(10), 2);
+    EXPECT_EQ(reader_.index, 2u) << "the key frame";
+    expect_block(620, 630, 2);
+    EXPECT_EQ(reader_.index_circle, 1u);
+}
+
+TEST_F(StreamBlock, TheSearchForAKeyFrameGoesAroundTheIndexRing)
+{
+    for (uint32_t i = 0; i < 57; ++i) {
+        ASSERT_EQ(put_at(1000, 10, 1), 0);
+        ASSERT_EQ(block(1), 2);
+    }
+    ASSERT_EQ(put_at(1000, 10), 0);
+    for (int i = 0; i < 4; ++i) // entries 58, 59, 0 and 1
+        ASSERT_EQ(put_at(5000, 10, i == 3), 0);
+    EXPECT_EQ(block(kManyBytes), 4);
+    expect_block(570, 580, 57);
+    EXPECT_EQ(block(10), 2);
+    EXPECT_EQ(reader_.index, 1u);
+    expect_block(610, 620, 1);
 }
 
 TEST_F(StreamBlock, WaitsForTheKeyFrameAfterAJumpAMillisecondAtATime)
