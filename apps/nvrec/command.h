@@ -24,6 +24,8 @@ struct Command {
 };
 
 Command wall_command(CLI::App &app);
+Command key_command(CLI::App &app);
+Command board_command(CLI::App &app);
 Command record_command(CLI::App &app);
 
 } // namespace nvrec

@@ -3,6 +3,11 @@
 
 #include <vector>
 
+#include "companion.h"
+#include "control_desk.h"
+#include "control_socket.h"
+#include "health.h"
+#include "indicators.h"
 #include "key_names.h"
 #include "keys.h"
 #include "keys_navigation.h"
@@ -13,6 +18,8 @@ namespace nvrec
 {
 namespace
 {
+
+constexpr int kLongestWatchdog_s = 3600;
 
 /* The window's keyboard is a remote control. */
 void label_window_keys()
@@ -26,13 +33,37 @@ void label_window_keys()
 
 } // namespace
 
-void add_control_options(CLI::App &, ControlOptions &) {}
+void add_control_options(CLI::App &parser, ControlOptions &options)
+{
+    parser
+        .add_option("--control", options.socket,
+                    "Socket on which \"nvrec key\" and \"nvrec board\" reach this recorder; none = no socket")
+        ->default_str(default_control_path());
+    parser
+        .add_option("--watchdog", options.watchdog_s,
+                    "Seconds after which the board resets when the recorder hangs; 0 = never")
+        ->check(CLI::Range(0, kLongestWatchdog_s))
+        ->capture_default_str();
+    parser.add_option("--hung-after", options.hung_after_s, "A thread that is so many seconds late hangs")
+        ->check(CLI::Range(0.5, 3600.0))
+        ->capture_default_str();
+}
 
-void add_controls(Wall &wall, const ControlOptions &)
+/*
+ * Stopped in reverse: the keys before the desk, so that a request for a key that will not come any
+ * more has its answer.
+ */
+void add_controls(Wall &wall, const ControlOptions &options)
 {
     label_window_keys();
+    auto keys = std::make_unique<Keys>();
+    const auto patience = std::chrono::duration_cast<Companion::Clock::duration>(
+        std::chrono::duration<double>(options.hung_after_s));
+    wall.add(std::make_unique<Health>(options.watchdog_s, patience));
+    wall.add(std::make_unique<Indicators>());
     wall.add(std::make_unique<Navigation>());
-    wall.add(std::make_unique<Keys>());
+    wall.add(std::make_unique<ControlDesk>(options.socket, *keys));
+    wall.add(std::move(keys));
 }
 
 } // namespace nvrec

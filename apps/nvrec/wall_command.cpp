@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "command.h"
+#include "controls.h"
 #include "wall_options.h"
 
 namespace nvrec
@@ -21,11 +22,12 @@ const std::map<std::string, WindowWish> kWindowWishes = {
 
 using Companions = std::vector<std::unique_ptr<Companion>>;
 
-int run_wall(const WallOptions &options, Companions companions)
+int run_wall(const WallOptions &options, const ControlOptions &controls, Companions companions)
 {
     Wall wall(options);
     for (std::unique_ptr<Companion> &companion : companions)
         wall.add(std::move(companion));
+    add_controls(wall, controls);
     return wall.run();
 }
 
@@ -80,13 +82,16 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
         ->capture_default_str();
     wall->add_option("--json", options->json_path, "Write the closing table as JSON too");
 
+    auto controls = std::make_shared<ControlOptions>();
+    add_control_options(*wall, *controls);
+
     return {options, [=](Companions companions) {
                 if (options->inputs.size() > most_inputs) {
                     std::fprintf(stderr, "nvrec: %zu inputs; it takes at most %zu\n", options->inputs.size(),
                                  most_inputs);
                     return static_cast<int>(kExitUsage);
                 }
-                return run_wall(*options, std::move(companions));
+                return run_wall(*options, *controls, std::move(companions));
             }};
 }
 
