@@ -26,6 +26,8 @@ struct Command {
 Command wall_command(CLI::App &app);
 Command key_command(CLI::App &app);
 Command board_command(CLI::App &app);
+Command play_command(CLI::App &app);
+Command snapshot_command(CLI::App &app);
 Command record_command(CLI::App &app);
 
 } // namespace nvrec

@@ -103,4 +103,12 @@ std::vector<DispAttrib> make_panes(Layout layout, int width_px, int height_px, i
     return panes;
 }
 
+int channel_at(const std::vector<DispAttrib> &panes, int x, int y)
+{
+    const auto under = std::find_if(panes.begin(), panes.end(), [x, y](const DispAttrib &pane) {
+        return x >= pane.x && x < pane.x + pane.w && y >= pane.y && y < pane.y + pane.h;
+    });
+    return under == panes.end() ? -1 : under->channel;
+}
+
 } // namespace nvrec

@@ -46,4 +46,7 @@ int pane_count(Layout layout);
  */
 std::vector<DispAttrib> make_panes(Layout layout, int width_px, int height_px, int channels);
 
+/** The channel whose pane holds that point of the output, -1 = none. */
+int channel_at(const std::vector<DispAttrib> &panes, int x, int y);
+
 } // namespace nvrec

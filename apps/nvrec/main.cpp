@@ -21,7 +21,8 @@ int run(int argc, char **argv)
     app.set_help_all_flag("--help-all", "Help of every subcommand");
 
     const std::vector<nvrec::Command> commands = {nvrec::wall_command(app), nvrec::record_command(app),
-                                                  nvrec::key_command(app), nvrec::board_command(app)};
+                                                  nvrec::play_command(app), nvrec::snapshot_command(app),
+                                                  nvrec::key_command(app),  nvrec::board_command(app)};
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {

@@ -164,6 +164,7 @@ void Wall::end(int exit_code)
 {
     worse(exit_code);
     end_wanted_ = true;
+    wakeup_.ring();
 }
 
 bool Wall::start_companions()

@@ -1,0 +1,234 @@
+/* playback.cpp - see playback.h. */
+#include "playback.h"
+
+#include <algorithm>
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr double kDoubleSpeed = 2.0;
+/* A player that falls further behind than this plays on from where it is. */
+constexpr int64_t kLatest_us = 500'000;
+
+} // namespace
+
+Playback::Playback(const std::vector<std::string> &files)
+{
+    for (size_t i = 0; i < files.size(); ++i)
+        lanes_.push_back(std::make_unique<PlaybackLane>(files[i], static_cast<int>(i) % kPlayers));
+}
+
+Playback::~Playback()
+{
+    stop();
+}
+
+size_t Playback::open()
+{
+    size_t opened = 0;
+    for (const auto &lane : lanes_)
+        opened += lane->open();
+    return opened;
+}
+
+void Playback::start(std::function<void()> changed)
+{
+    changed_ = std::move(changed);
+    freeze();
+    anchor(0);
+    thread_ = std::thread([this] { run(); });
+}
+
+void Playback::stop()
+{
+    if (!thread_.joinable()) return;
+    if (!frozen_.owns_lock()) frozen_ = std::unique_lock(lock_);
+    quit_ = true;
+    frozen_.unlock();
+    wake_.notify_all();
+    thread_.join();
+}
+
+void Playback::freeze()
+{
+    if (frozen_.owns_lock()) return;
+    frozen_ = std::unique_lock(lock_);
+    anchor(position_at(Clock::now()));
+}
+
+void Playback::thaw(const std::vector<size_t> &lanes)
+{
+    if (!frozen_.owns_lock()) return;
+    shown_ = lanes;
+    place_lanes(anchor_us_);
+    frozen_.unlock();
+    wake_.notify_all();
+}
+
+void Playback::pause(bool paused)
+{
+    const std::scoped_lock guard(lock_);
+    if (paused_ == paused) return;
+    anchor(position_at(Clock::now()));
+    paused_ = paused;
+    orders_ = true;
+    wake_.notify_all();
+}
+
+int64_t Playback::seek(int64_t place_us)
+{
+    const std::scoped_lock guard(lock_);
+    for (const size_t i : shown_)
+        lanes_[i]->flush();
+    int64_t reached_us = INT64_MIN;
+    for (const size_t i : shown_) {
+        if (lanes_[i]->seek(std::max<int64_t>(0, place_us)))
+            reached_us = std::max(reached_us, lanes_[i]->next().due_us);
+    }
+    anchor(reached_us == INT64_MIN ? 0 : reached_us);
+    catch_up_us_ = anchor_us_;
+    ended_ = false;
+    orders_ = true;
+    wake_.notify_all();
+    return anchor_us_;
+}
+
+void Playback::set_speed(double speed)
+{
+    const std::scoped_lock guard(lock_);
+    if (speed_ == speed) return;
+    const bool had_gaps = key_frames_only();
+    anchor(position_at(Clock::now()));
+    speed_ = speed;
+    /* Pictures refer to those before them: all of them again from the last key frame on. */
+    if (had_gaps && !key_frames_only()) place_lanes(anchor_us_);
+    orders_ = true;
+    wake_.notify_all();
+}
+
+void Playback::listen_to(int lane)
+{
+    const std::scoped_lock guard(lock_);
+    heard_ = lane;
+}
+
+int64_t Playback::position_us() const
+{
+    if (frozen_.owns_lock()) return anchor_us_;
+    const std::scoped_lock guard(lock_);
+    return position_at(Clock::now());
+}
+
+uint64_t Playback::sent() const
+{
+    const std::unique_lock guard =
+        frozen_.owns_lock() ? std::unique_lock<std::mutex>() : std::unique_lock(lock_);
+    uint64_t sent = 0;
+    for (const auto &lane : lanes_)
+        sent += lane->sent();
+    return sent;
+}
+
+int64_t Playback::position_at(Clock::time_point now) const
+{
+    if (paused_ || ended_) return anchor_us_;
+    const auto passed = std::chrono::duration<double, std::micro>(now - anchor_at_).count();
+    return anchor_us_ + static_cast<int64_t>(passed * speed_);
+}
+
+/* The position is this now, and runs on from here. */
+void Playback::anchor(int64_t position_us)
+{
+    anchor_us_ = position_us;
+    anchor_at_ = Clock::now();
+}
+
+bool Playback::key_frames_only() const
+{
+    return speed_ > kDoubleSpeed;
+}
+
+/* Every shown file at the key frame before the position, to deliver from there up to it at once. */
+void Playback::place_lanes(int64_t position_us)
+{
+    for (const size_t i : shown_)
+        lanes_[i]->seek(position_us);
+    anchor(position_us);
+    catch_up_us_ = position_us;
+    ended_ = false;
+    orders_ = true;
+}
+
+bool Playback::is_behind(const PlaybackLane &lane) const
+{
+    return lane.next().due_us <= catch_up_us_;
+}
+
+/* The shown file whose picture is due first; null = all are at their end. */
+PlaybackLane *Playback::next_lane(bool behind_only)
+{
+    PlaybackLane *first = nullptr;
+    for (const size_t i : shown_) {
+        PlaybackLane &lane = *lanes_[i];
+        if (lane.at_end() || (behind_only && !is_behind(lane))) continue;
+        if (!first || lane.next().due_us < first->next().due_us) first = &lane;
+    }
+    return first;
+}
+
+void Playback::run()
+{
+    std::unique_lock guard(lock_);
+    auto changed = [this] { return quit_ || orders_; };
+    while (!quit_) {
+        orders_ = false;
+        if (PlaybackLane *lane = next_lane(true)) {
+            lane->wait_for_decoder(); /* as fast as it decodes, and no faster: its buffer is small */
+            deliver(*lane);
+            anchor(anchor_us_); /* time does not run meanwhile */
+            guard.unlock();     /* let others in */
+            guard.lock();
+            continue;
+        }
+        PlaybackLane *lane = next_lane(false);
+        if (!lane && !shown_.empty() && !ended_) end();
+        if (!lane || paused_) {
+            wake_.wait(guard, changed);
+            continue;
+        }
+        const int64_t wait_us = lane->next().due_us - position_at(Clock::now());
+        if (wait_us < -kLatest_us) anchor(lane->next().due_us);
+        const auto wait = std::chrono::duration<double, std::micro>(static_cast<double>(wait_us) / speed_);
+        if (wait_us > 0 &&
+            wake_.wait_until(guard, Clock::now() + std::chrono::duration_cast<Clock::duration>(wait),
+                             changed))
+            continue;
+        deliver(*lane);
+    }
+}
+
+void Playback::deliver(PlaybackLane &lane)
+{
+    const int64_t due_us = lane.next().due_us;
+    const bool heard = heard_ >= 0 && lanes_[static_cast<size_t>(heard_)].get() == &lane;
+    if (heard && speed_ == 1.0 && due_us >= catch_up_us_)
+        lane.deliver_sound(due_us);
+    else
+        lane.drop_sound(due_us);
+    lane.deliver(speed_ >= kDoubleSpeed);
+    if (key_frames_only()) lane.skip_to_key();
+}
+
+/* All shown files are through: their last pictures are to be seen before anyone acts on it. */
+void Playback::end()
+{
+    for (const size_t i : shown_)
+        lanes_[i]->wait_for_decoder();
+    anchor(position_at(Clock::now()));
+    ended_ = true;
+    if (changed_) changed_();
+}
+
+} // namespace nvrec
