@@ -7,7 +7,7 @@ nvrhal_test(unit_gui
   ${CMAKE_CURRENT_LIST_DIR}/gui_qr_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/gui_memory_test.cpp
   LIBS nvrhal_objects recording_platform
-  LABEL unit)
+  LABEL unit TIMEOUT 180)
 target_compile_definitions(unit_gui PRIVATE NVRHAL_ZBARIMG="${NVRHAL_ZBARIMG}")
 # Allocations go through the test, which makes them fail.
 target_link_options(unit_gui PRIVATE -Wl,--wrap=malloc)
