@@ -1,0 +1,23 @@
+/*
+ * glyphs.h - texts on their way to the screen: UTF-8 as users type it, or GB2312 as older recorders
+ * keep it, to the 16-bit units that a font is asked for. The library's text functions do the work.
+ */
+#pragma once
+
+#include <string>
+
+namespace nvrec
+{
+
+enum class Script { kAsTyped, kTraditional };
+
+/** Whether the bytes are well-formed UTF-8 of the basic plane. */
+bool is_utf8(const std::string &text);
+
+/**
+ * The text as code units, control characters as blanks. Bytes that are not UTF-8 are taken for
+ * GB2312. @return empty when they are neither.
+ */
+std::u16string units_of(const std::string &text, Script script);
+
+} // namespace nvrec
