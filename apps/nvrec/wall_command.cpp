@@ -1,11 +1,14 @@
 /* wall_command.cpp - "nvrec wall", and the wall's options for whoever else shows one. */
 #include <cstdio>
-#include <map>
 #include <memory>
 
 #include "command.h"
+#include "controls.h"
 #include "furniture_options.h"
+#include "screen_options.h"
+#include "snapshot.h"
 #include "wall_options.h"
+#include "zoom_options.h"
 
 namespace nvrec
 {
@@ -14,20 +17,24 @@ namespace
 
 constexpr size_t kMostShown = 16;
 
-const std::map<std::string, WindowWish> kWindowWishes = {
-    {"auto", WindowWish::kAuto},
-    {"on", WindowWish::kOn},
-    {"off", WindowWish::kOff},
+/* What looks closer at one camera. */
+struct CloserLook {
+    ZoomOptions zoom;
+    std::string snapshot_dir = "out";
 };
 
 using Companions = std::vector<std::unique_ptr<Companion>>;
 
-int run_wall(const WallOptions &options, const FurnitureOptions &furniture, Companions companions)
+int run_wall(const WallOptions &options, const ControlOptions &controls, const FurnitureOptions &furniture,
+             const CloserLook &closer, Companions companions)
 {
     Wall wall(options);
     for (std::unique_ptr<Companion> &companion : companions)
         wall.add(std::move(companion));
+    add_controls(wall, controls);
     wall.add(std::make_unique<Furniture>(furniture));
+    wall.add(std::make_unique<Snapshots>(closer.snapshot_dir));
+    wall.add(std::make_unique<Zoom>(closer.zoom)); /* last: it wants the arrow keys while it zooms */
     return wall.run();
 }
 
@@ -43,23 +50,8 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
         "4 the library or the board, 5 a file could not be written.");
 
     wall->add_option("inputs", options->inputs, "Cameras, one channel each")->required();
-    std::vector<std::string> layouts = layout_names();
-    layouts.insert(layouts.begin(), "auto");
-    wall->add_option("-l,--layout", options->layout,
-                     "How the screen is divided; auto = the smallest fitting grid")
-        ->check(CLI::IsMember(layouts))
-        ->capture_default_str();
-    wall->add_option("-o,--output", options->output, "Size of the screen")
-        ->check(CLI::IsMember(output_mode_names()))
-        ->capture_default_str();
-    wall->add_option("-p,--picture", options->pictures,
-                     "Write a PNG picture of the wall: FILE (at the end) or FILE,SECONDS; may be repeated")
-        ->take_all()
-        ->allow_extra_args(false);
-    wall->add_option("-d,--duration", options->duration_s,
-                     "End after so many seconds; 0 = when the inputs end")
-        ->check(CLI::NonNegativeNumber)
-        ->capture_default_str();
+    add_layout_option(*wall, options->layout, "How the screen is divided; auto = the smallest fitting grid");
+    add_screen_options(*wall, *options);
     wall->add_option("-n,--frames", options->feed.frames,
                      "End after so many frames of every camera; 0 = no limit")
         ->capture_default_str();
@@ -75,13 +67,15 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
                      "Quality of the camera links, 1 to 100, which bounds the backlog; 0 = not measured")
         ->check(CLI::Range(0, 100))
         ->capture_default_str();
-    wall->add_option("--window", options->window, "Open a window: auto (when there is a screen), on, off")
-        ->transform(CLI::CheckedTransformer(kWindowWishes, CLI::ignore_case))
-        ->default_str("auto");
-    wall->add_option("--log", options->log_path, "Where the library's log goes; - = standard output")
-        ->capture_default_str();
     wall->add_option("--json", options->json_path, "Write the closing table as JSON too");
+
+    auto controls = std::make_shared<ControlOptions>();
+    add_control_options(*wall, *controls);
     const auto furniture = add_furniture_options(*wall);
+    auto closer = std::make_shared<CloserLook>();
+    add_zoom_options(*wall, closer->zoom);
+    wall->add_option("--snapshot-dir", closer->snapshot_dir, "Where the snapshot key's pictures go")
+        ->capture_default_str();
 
     return {options, [=](Companions companions) {
                 if (options->inputs.size() > most_inputs) {
@@ -89,7 +83,7 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
                                  most_inputs);
                     return static_cast<int>(kExitUsage);
                 }
-                return run_wall(*options, *furniture, std::move(companions));
+                return run_wall(*options, *controls, *furniture, *closer, std::move(companions));
             }};
 }
 
