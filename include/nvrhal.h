@@ -1395,7 +1395,7 @@ NVRHAL_API void Set_Wdt_Fing(uint32_t value);
  */
 NVRHAL_API uint32_t ext_wdg_set(int32_t on);
 
-/* Accepted, with any arguments, and not needed on this board. These return 1 ... */
+/* Accepted, with any arguments, and not needed on this board: an entry trace. These return 1 ... */
 NVRHAL_NOOP(ext_capture_start);
 NVRHAL_NOOP(ext_capture_stop);
 NVRHAL_NOOP(ext_chagne_system_time_flag);
