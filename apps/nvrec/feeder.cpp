@@ -19,6 +19,18 @@ constexpr auto kLongestRetry = std::chrono::seconds(16);
 constexpr auto kSilence = std::chrono::seconds(10); /* a live input gives up a silent line after this */
 constexpr int kDecoderPatience_ms = 2000;           /* for one unit, when feeding as fast as it goes */
 
+uint32_t shared_word(uint32_t &word)
+{
+    return std::atomic_ref<uint32_t>(word).load(std::memory_order_relaxed);
+}
+
+/* The screen belongs to recordings, or to another camera's zoom: refusals are as they should be. */
+bool is_kept_out(int channel)
+{
+    if (shared_word(playback_status) == 1) return true;
+    return shared_word(vo_for_ezoom) == 1 && shared_word(zoom_channel) != static_cast<uint32_t>(channel);
+}
+
 } // namespace
 
 Feeder::Feeder(int channel, std::string address, const FeedOptions &options)
@@ -108,7 +120,7 @@ void Feeder::feed()
             counters_.refused += !accepted;
             counters_.bytes += accepted ? unit.bytes.size() : 0;
         }
-        if (!accepted && !refused_before)
+        if (!accepted && !refused_before && !is_kept_out(channel_))
             report("the library refused a frame of " + std::to_string(unit.bytes.size()) + " bytes");
         refused_before = !accepted;
         /* Only now: the library changes the decoder when it sees the new codec. */

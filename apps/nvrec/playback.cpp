@@ -62,7 +62,7 @@ void Playback::thaw(const std::vector<size_t> &lanes)
 {
     if (!frozen_.owns_lock()) return;
     shown_ = lanes;
-    place_lanes(anchor_us_);
+    place_lanes();
     frozen_.unlock();
     wake_.notify_all();
 }
@@ -73,6 +73,7 @@ void Playback::pause(bool paused)
     if (paused_ == paused) return;
     anchor(position_at(Clock::now()));
     paused_ = paused;
+    if (paused) wait_for_decoders(); /* what is on the screen now stays there */
     orders_ = true;
     wake_.notify_all();
 }
@@ -88,9 +89,7 @@ int64_t Playback::seek(int64_t place_us)
             reached_us = std::max(reached_us, lanes_[i]->next().due_us);
     }
     anchor(reached_us == INT64_MIN ? 0 : reached_us);
-    catch_up_us_ = anchor_us_;
-    ended_ = false;
-    orders_ = true;
+    catch_up();
     wake_.notify_all();
     return anchor_us_;
 }
@@ -103,7 +102,7 @@ void Playback::set_speed(double speed)
     anchor(position_at(Clock::now()));
     speed_ = speed;
     /* Pictures refer to those before them: all of them again from the last key frame on. */
-    if (had_gaps && !key_frames_only()) place_lanes(anchor_us_);
+    if (had_gaps && !key_frames_only()) place_lanes();
     orders_ = true;
     wake_.notify_all();
 }
@@ -150,32 +149,43 @@ bool Playback::key_frames_only() const
     return speed_ > kDoubleSpeed;
 }
 
-/* Every shown file at the key frame before the position, to deliver from there up to it at once. */
-void Playback::place_lanes(int64_t position_us)
+/* Every shown file from the key frame before the position on. */
+void Playback::place_lanes()
 {
     for (const size_t i : shown_)
-        lanes_[i]->seek(position_us);
-    anchor(position_us);
-    catch_up_us_ = position_us;
-    ended_ = false;
-    orders_ = true;
+        lanes_[i]->seek(anchor_us_);
+    catch_up();
 }
 
-bool Playback::is_behind(const PlaybackLane &lane) const
-{
-    return lane.next().due_us <= catch_up_us_;
-}
-
-/* The shown file whose picture is due first; null = all are at their end. */
-PlaybackLane *Playback::next_lane(bool behind_only)
+/* The shown file whose picture is due first, up to a place; null = there is none. */
+PlaybackLane *Playback::next_lane(int64_t until_us)
 {
     PlaybackLane *first = nullptr;
     for (const size_t i : shown_) {
         PlaybackLane &lane = *lanes_[i];
-        if (lane.at_end() || (behind_only && !is_behind(lane))) continue;
+        if (lane.at_end() || lane.next().due_us > until_us) continue;
         if (!first || lane.next().due_us < first->next().due_us) first = &lane;
     }
     return first;
+}
+
+/* Deliver what lies before the position at once, and see it on the screen. No time passes meanwhile. */
+void Playback::catch_up()
+{
+    while (PlaybackLane *lane = next_lane(anchor_us_)) {
+        lane->wait_for_decoder(); /* as fast as it decodes, and no faster: its buffer is small */
+        deliver(*lane, false);
+    }
+    wait_for_decoders();
+    anchor(anchor_us_);
+    ended_ = false;
+    orders_ = true;
+}
+
+void Playback::wait_for_decoders() const
+{
+    for (const size_t i : shown_)
+        lanes_[i]->wait_for_decoder();
 }
 
 void Playback::run()
@@ -184,15 +194,7 @@ void Playback::run()
     auto changed = [this] { return quit_ || orders_; };
     while (!quit_) {
         orders_ = false;
-        if (PlaybackLane *lane = next_lane(true)) {
-            lane->wait_for_decoder(); /* as fast as it decodes, and no faster: its buffer is small */
-            deliver(*lane);
-            anchor(anchor_us_); /* time does not run meanwhile */
-            guard.unlock();     /* let others in */
-            guard.lock();
-            continue;
-        }
-        PlaybackLane *lane = next_lane(false);
+        PlaybackLane *lane = next_lane(INT64_MAX);
         if (!lane && !shown_.empty() && !ended_) end();
         if (!lane || paused_) {
             wake_.wait(guard, changed);
@@ -205,15 +207,15 @@ void Playback::run()
             wake_.wait_until(guard, Clock::now() + std::chrono::duration_cast<Clock::duration>(wait),
                              changed))
             continue;
-        deliver(*lane);
+        deliver(*lane, true);
     }
 }
 
-void Playback::deliver(PlaybackLane &lane)
+void Playback::deliver(PlaybackLane &lane, bool with_sound)
 {
     const int64_t due_us = lane.next().due_us;
     const bool heard = heard_ >= 0 && lanes_[static_cast<size_t>(heard_)].get() == &lane;
-    if (heard && speed_ == 1.0 && due_us >= catch_up_us_)
+    if (heard && with_sound && speed_ == 1.0)
         lane.deliver_sound(due_us);
     else
         lane.drop_sound(due_us);
@@ -224,8 +226,7 @@ void Playback::deliver(PlaybackLane &lane)
 /* All shown files are through: their last pictures are to be seen before anyone acts on it. */
 void Playback::end()
 {
-    for (const size_t i : shown_)
-        lanes_[i]->wait_for_decoder();
+    wait_for_decoders();
     anchor(position_at(Clock::now()));
     ended_ = true;
     if (changed_) changed_();

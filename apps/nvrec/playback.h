@@ -80,10 +80,11 @@ public:
 
 private:
     void run();
-    void place_lanes(int64_t position_us);
-    PlaybackLane *next_lane(bool behind_only);
-    bool is_behind(const PlaybackLane &lane) const;
-    void deliver(PlaybackLane &lane);
+    void place_lanes();
+    PlaybackLane *next_lane(int64_t until_us);
+    void catch_up();
+    void wait_for_decoders() const;
+    void deliver(PlaybackLane &lane, bool with_sound);
     void end();
     int64_t position_at(Clock::time_point now) const;
     void anchor(int64_t position_us);
@@ -102,7 +103,6 @@ private:
     bool orders_ = false;         /* something changed: look again         */
     int64_t anchor_us_ = 0;       /* the position ...                      */
     Clock::time_point anchor_at_; /* ... at this time                    */
-    int64_t catch_up_us_ = 0;     /* pictures before it are delivered at once */
     std::atomic<bool> paused_ = false;
     std::atomic<double> speed_ = 1.0;
     std::atomic<bool> ended_ = false;
