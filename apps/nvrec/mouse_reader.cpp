@@ -63,7 +63,8 @@ void MouseReader::run()
         {
             const MouseLock slot;
             std::memcpy(g_s32KeyValue, &event, sizeof event);
-            g_bMouseEvent = 1;
+            __atomic_store_n(&g_bMouseEvent, 1,
+                             __ATOMIC_RELAXED); /* whoever takes it looks first without the lock */
         }
         ring_();
     }
