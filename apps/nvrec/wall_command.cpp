@@ -5,6 +5,7 @@
 #include "command.h"
 #include "controls.h"
 #include "furniture_options.h"
+#include "listen.h"
 #include "screen_options.h"
 #include "snapshot.h"
 #include "wall_options.h"
@@ -26,11 +27,12 @@ struct CloserLook {
 using Companions = std::vector<std::unique_ptr<Companion>>;
 
 int run_wall(const WallOptions &options, const ControlOptions &controls, const FurnitureOptions &furniture,
-             const CloserLook &closer, Companions companions)
+             const CloserLook &closer, const ListenOptions &listen, Companions companions)
 {
     Wall wall(options);
     for (std::unique_ptr<Companion> &companion : companions)
         wall.add(std::move(companion));
+    if (listen.channel >= 0) wall.add(std::make_unique<Listener>(listen));
     add_controls(wall, controls);
     wall.add(std::make_unique<Furniture>(furniture));
     wall.add(std::make_unique<Snapshots>(closer.snapshot_dir));
@@ -76,6 +78,8 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
     add_zoom_options(*wall, closer->zoom);
     wall->add_option("--snapshot-dir", closer->snapshot_dir, "Where the snapshot key's pictures go")
         ->capture_default_str();
+    auto listen = std::make_shared<ListenOptions>();
+    add_listen_options(*wall, *listen);
 
     return {options, [=](Companions companions) {
                 if (options->inputs.size() > most_inputs) {
@@ -83,7 +87,12 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
                                  most_inputs);
                     return static_cast<int>(kExitUsage);
                 }
-                return run_wall(*options, *controls, *furniture, *closer, std::move(companions));
+                if (listen->channel >= static_cast<int>(options->inputs.size())) {
+                    std::fprintf(stderr, "nvrec: --listen %d: channels count from 0\n", listen->channel);
+                    return static_cast<int>(kExitUsage);
+                }
+                if (listen->channel >= 0) options->feed.sound_channels |= 1u << listen->channel;
+                return run_wall(*options, *controls, *furniture, *closer, *listen, std::move(companions));
             }};
 }
 
