@@ -5,3 +5,24 @@ nvrhal_test(nvrec_play_seek_test
   LIBS nvrec_pieces LABEL board TIMEOUT 60)
 target_compile_definitions(nvrec_play_seek_test PRIVATE NVREC_CLIPS="${nvrec_clips}")
 add_dependencies(nvrec_play_seek_test nvrec_clips)
+
+# Recordings of five seconds with a key frame a second, and cameras to come back to.
+include(${CMAKE_SOURCE_DIR}/tools/stamp/streams.cmake)
+set(play_stream --size 640x360 --fps 25 --preset ultrafast)
+stamped_stream(play_0.h264 --codec h264 --frames 125 --gop 25 --channel 20 ${play_stream})
+stamped_stream(play_1.h265 --codec h265 --frames 125 --gop 25 --channel 21 ${play_stream})
+stamped_stream(play_camera_0.h265 --codec h265 --frames 40 --gop 10 --channel 1 ${play_stream})
+stamped_stream(play_camera_1.h264 --codec h264 --frames 40 --gop 10 --channel 2 ${play_stream})
+
+foreach(name nvrec_play_test nvrec_snapshot_test nvrec_zoom_test)
+  nvrhal_test(${name}
+    ${CMAKE_CURRENT_LIST_DIR}/nvrec_run.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/${name}.cpp
+    LIBS stamp LABEL board TIMEOUT 120)
+  target_compile_definitions(${name} PRIVATE
+    NVREC_STREAMS="${STAMPED_STREAM_DIR}" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
+  add_dependencies(${name} nvrec stream_play_0.h264 stream_play_1.h265 stream_play_camera_0.h265
+    stream_play_camera_1.h264)
+endforeach()
+# The zoom's arithmetic, too.
+target_link_libraries(nvrec_zoom_test PRIVATE nvrec_pieces)
