@@ -302,6 +302,25 @@ void fill_buffer(const Bytes &frame)
         ASSERT_LT(++accepted, 1000);
 }
 
+// A queue of crumbs costs more than their bytes, so it ends before the buffer is full.
+TEST_F(Decoder, TheNumberOfQueuedSendsIsBounded)
+{
+    const Stream stream = load_stream("h264_640x360");
+    power_up();
+    start_channel(0, stream.codec, MI_VDEC_MODE_FRAME, 60000);
+    open_window(0, 0, 0, 640, 360);
+    ASSERT_EQ(bind(0, 0), MI_SUCCESS);
+    ASSERT_EQ(vboard_display_set_pacing(0, VBOARD_PACING_STEP), 0);
+    ASSERT_EQ(send(0, stream.frames[0]), MI_SUCCESS);
+    ASSERT_EQ(vboard_display_wait_queued(0, 1, 1, kPatience_ms), 0); // nothing more is taken now
+    const Bytes crumb(1);
+    int accepted = 0;
+    while (accepted < 60000 && send(0, crumb, 0) == MI_SUCCESS)
+        ++accepted;
+    EXPECT_GE(accepted, 4096);
+    EXPECT_LE(accepted, 4097); // one may be in the worker's hands
+}
+
 TEST_F(Decoder, FullBufferRefusesAfterTheTimeOutOnTheBoardClock)
 {
     const Stream stream = load_stream("h264_640x360");

@@ -347,6 +347,29 @@ TEST_F(Display, ASourceSizeOfZeroMeansAsDelivered)
     }
 }
 
+// A layer that is set before it is bound is checked against no output.
+TEST_F(Display, ALayerOfAnySizeKeepsPanesInsideTheOutput)
+{
+    power_up();
+    const Stream stream = show("h264_640x360", 0, 0, 640, 360);
+    send_and_settle(0, stream.frames[0]);
+    ASSERT_EQ(MI_DISP_DisableVideoLayer(0), MI_SUCCESS);
+    ASSERT_EQ(MI_DISP_UnBindVideoLayer(0, 0), MI_SUCCESS);
+    MI_DISP_VideoLayerAttr layer = {};
+    ASSERT_EQ(MI_DISP_GetVideoLayerAttr(0, &layer), MI_SUCCESS);
+    layer.width = layer.height = 1;
+    layer.window = {0, 0, 65535, 65535};
+    ASSERT_EQ(MI_DISP_SetVideoLayerAttr(0, &layer), MI_SUCCESS);
+    ASSERT_EQ(MI_DISP_BindVideoLayer(0, 0), MI_SUCCESS);
+    ASSERT_EQ(MI_DISP_EnableVideoLayer(0), MI_SUCCESS);
+    MI_DISP_InputPortAttr port = {};
+    port.window = {0, 0, 65535, 65535};
+    const bool taken = MI_DISP_SetInputPortAttr(0, 0, &port) == MI_SUCCESS;
+    const Picture wall = look();
+    EXPECT_EQ(wall.width, 1920);
+    EXPECT_TRUE(!taken || !wall.is_black());
+}
+
 TEST_F(Display, OddWindowsAreRoundedToWholeChromaSamples)
 {
     power_up();

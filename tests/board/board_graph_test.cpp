@@ -1,5 +1,6 @@
 /* board_graph_test.cpp - bindings: what is refused, and what reaches a port after a change. */
 #include "board_rig.h"
+#include "mi_divp.h"
 
 using namespace rig;
 
@@ -148,6 +149,37 @@ TEST_F(Graph, AlowerSinkRatePassesPicturesInThatProportion)
     for (const Bytes &frame : stream.frames)
         send_and_settle(0, frame);
     EXPECT_EQ(port_state(0).taken, stream.frames.size() / 3);
+}
+
+TEST_F(Graph, OneDecoderFeedsMorePortsThanADeviceHas)
+{
+    const Stream stream = load_stream("h264_640x360");
+    power_up();
+    power_up(kTiming720p50, 2);
+    start_channel(0, stream.codec);
+    for (uint32_t port = 0; port < MI_DISP_INPUT_PORTS; ++port) {
+        open_window(port, 0, 0, 640, 360);
+        ASSERT_EQ(bind(0, port), MI_SUCCESS);
+    }
+    open_window(0, 0, 0, 640, 360, 2);
+    ASSERT_EQ(bind(0, 0, 2), MI_SUCCESS);
+    send_and_settle(0, stream.frames[0]);
+    EXPECT_EQ(stamp_at(look(2), 0, 0, 640, 360)->frame, 0u);
+}
+
+TEST_F(Graph, ScalersBelongToDevice0)
+{
+    power_up();
+    start_channel(0, MI_VDEC_CODEC_H264);
+    MI_DIVP_ChnAttr attr = {};
+    attr.max_width = 640;
+    attr.max_height = 360;
+    ASSERT_EQ(MI_DIVP_CreateChn(3, &attr), MI_SUCCESS);
+    const MI_SYS_ChnPort source = vdec_end(0);
+    const MI_SYS_ChnPort foreign = {MI_MODULE_DIVP, 1, 3, 0};
+    const MI_SYS_ChnPort scaler = {MI_MODULE_DIVP, 0, 3, 0};
+    EXPECT_EQ(MI_SYS_BindChnPort(&source, &foreign, 15, 15), code(MI_MODULE_SYS, MI_REASON_ABSENT));
+    EXPECT_EQ(MI_SYS_BindChnPort(&source, &scaler, 15, 15), MI_SUCCESS);
 }
 
 TEST_F(Graph, AnAbsentScalerCannotBeBound)

@@ -81,7 +81,7 @@ bool sink_exists(const MI_SYS_ChnPort &end)
     if (end.port != 0) return false;
     switch (end.module) {
     case MI_MODULE_DISP: return display_port_exists(static_cast<int32_t>(end.device), end.channel);
-    case MI_MODULE_DIVP: return scaler_channel_exists(end.channel);
+    case MI_MODULE_DIVP: return end.device == 0 && scaler_channel_exists(end.channel);
     case MI_MODULE_VENC: return venc_channel_exists(end.device, end.channel);
     default: return false;
     }
@@ -99,7 +99,8 @@ void tell_sink(const MI_SYS_ChnPort &sink, const MI_SYS_ChnPort *source)
 }
 
 struct SinkList {
-    std::array<MI_SYS_ChnPort, 16> sinks;
+    // All that one decoder could feed: every display port and every scaler.
+    std::array<MI_SYS_ChnPort, kDevices * MI_DISP_INPUT_PORTS + kScalerChannels> sinks;
     size_t count = 0;
 };
 

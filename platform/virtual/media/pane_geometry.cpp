@@ -13,12 +13,19 @@ Rect output_window(const MI_Rect &window, const MI_DISP_VideoLayerAttr &layer, i
 {
     const int width = std::min(output_width, layer.window.x + layer.window.width);
     const int height = std::min(output_height, layer.window.y + layer.window.height);
-    const auto across = [&](int x) { return x * int{layer.window.width} / static_cast<int>(layer.width); };
-    const auto down = [&](int y) { return y * int{layer.window.height} / static_cast<int>(layer.height); };
-    const int left = std::min(width, layer.window.x + across(window.x)) & ~1;
-    const int top = std::min(height, layer.window.y + down(window.y)) & ~1;
-    const int right = std::min(width, layer.window.x + across(window.x + window.width)) & ~1;
-    const int bottom = std::min(height, layer.window.y + down(window.y + window.height)) & ~1;
+    // Sizes are the application's own, up to 65535: their products need 64 bits.
+    const auto across = [&](int64_t x) {
+        const int64_t at = layer.window.x + x * layer.window.width / static_cast<int64_t>(layer.width);
+        return static_cast<int>(std::min<int64_t>(width, at)) & ~1;
+    };
+    const auto down = [&](int64_t y) {
+        const int64_t at = layer.window.y + y * layer.window.height / static_cast<int64_t>(layer.height);
+        return static_cast<int>(std::min<int64_t>(height, at)) & ~1;
+    };
+    const int left = across(window.x);
+    const int top = down(window.y);
+    const int right = across(int64_t{window.x} + window.width);
+    const int bottom = down(int64_t{window.y} + window.height);
     return {left, top, right - left, bottom - top};
 }
 

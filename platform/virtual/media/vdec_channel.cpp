@@ -23,6 +23,8 @@ namespace vboard
 namespace
 {
 
+constexpr size_t kMostQueuedSends = 4096; // however small: what a send costs beside its bytes is bounded too
+
 /* One send, waiting for the worker. */
 struct QueuedSend {
     EncodedBytes bytes;
@@ -318,7 +320,10 @@ int32_t vdec_send(uint32_t number, const MI_VDEC_Stream *stream, int32_t timeout
 
     const uint64_t stream_number = channel.stream_number;
     const auto stopped = [&] { return !channel.started || channel.stream_number != stream_number; };
-    const auto has_room = [&] { return channel.attr.stream_buffer_bytes - channel.left_bytes >= length; };
+    const auto has_room = [&] {
+        return channel.attr.stream_buffer_bytes - channel.left_bytes >= length &&
+               channel.queue.size() < kMostQueuedSends;
+    };
     if (!wait_until(channel, lock, deadline_us, [&] { return stopped() || has_room(); }))
         return refused(MI_REASON_BUFFER_FULL, "no room in time");
     if (stopped()) return refused(MI_REASON_NOT_PERMITTED, "it was stopped meanwhile");
