@@ -1,9 +1,6 @@
 /* keys.cpp - see keys.h. */
 #include "keys.h"
 
-#include <fcntl.h>
-
-#include "board_io.h"
 #include "keyboard_driver.h"
 #include "mouse_driver.h"
 #include "nvrhal.h"
@@ -40,16 +37,16 @@ void enqueue_panel_key(uint32_t code)
 
 bool KeyWatch::start(WallControl &wall)
 {
-    panel_ = board_open(KEYBOARD_NODE, O_RDONLY);
+    const bool has_panel = panel_.open(KEYBOARD_NODE);
     stop_ = false;
     thread_ = std::thread([this, &wall] { run(wall); });
-    return panel_ >= 0;
+    return has_panel;
 }
 
 void KeyWatch::read_panel() const
 {
     uint32_t code;
-    while (panel_ >= 0 && board_read(panel_, &code, sizeof code) == sizeof code)
+    while (panel_.is_open() && panel_.read(&code, sizeof code) == sizeof code)
         enqueue_panel_key(code);
 }
 
@@ -79,8 +76,7 @@ void KeyWatch::stop()
         changed_.notify_one();
     }
     thread_.join();
-    if (panel_ >= 0) board_close(panel_);
-    panel_ = -1;
+    panel_.close();
 }
 
 /* A recorder without keys still records: whatever is missing is only said. */

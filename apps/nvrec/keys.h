@@ -21,6 +21,7 @@
 #include <pthread.h>
 
 #include "companion.h"
+#include "device_node.h"
 #include "key_names.h"
 #include "mouse_reader.h"
 
@@ -44,7 +45,7 @@ private:
     void run(WallControl &wall);
     void read_panel() const;
 
-    int panel_ = -1;
+    DeviceNode panel_;
     std::thread thread_;
     std::mutex lock_; /* guards stop_ */
     std::condition_variable changed_;

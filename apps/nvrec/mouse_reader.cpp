@@ -4,9 +4,6 @@
 #include <cstring>
 #include <utility>
 
-#include <fcntl.h>
-
-#include "board_io.h"
 #include "mouse_driver.h"
 #include "nvrhal.h"
 
@@ -30,8 +27,8 @@ public:
 
 bool MouseReader::start(std::function<void()> ring)
 {
-    g_mouse_fd = board_open(MOUSE_NODE, O_RDONLY);
-    if (g_mouse_fd < 0) return false;
+    if (!mouse_.open(MOUSE_NODE)) return false;
+    g_mouse_fd = mouse_.descriptor();
     ring_ = std::move(ring);
     stop_ = false;
     thread_ = std::thread([this] { run(); });
@@ -54,7 +51,7 @@ void MouseReader::run()
     std::unique_lock guard(lock_);
     while (!stop_) {
         guard.unlock();
-        const int read = board_read(g_mouse_fd, &event, sizeof event); /* waits a tenth of a second */
+        const int read = mouse_.read(&event, sizeof event); /* waits a tenth of a second */
         guard.lock();
         if (read < 0) return; /* the mouse is gone */
         if (read != sizeof event) continue;
@@ -85,8 +82,8 @@ void MouseReader::stop()
         changed_.notify_one();
     }
     thread_.join();
-    board_close(g_mouse_fd);
     g_mouse_fd = -1;
+    mouse_.close();
 }
 
 } // namespace nvrec

@@ -12,6 +12,8 @@
 #include <mutex>
 #include <thread>
 
+#include "device_node.h"
+
 namespace nvrec
 {
 
@@ -37,6 +39,7 @@ private:
     void run();
     bool is_free(bool for_a_move) const;
 
+    DeviceNode mouse_;
     std::function<void()> ring_;
     std::thread thread_;
     std::mutex lock_; /* guards stop_, and that no one misses changed_; taken before g_mouse_lock */

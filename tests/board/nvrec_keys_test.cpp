@@ -163,6 +163,19 @@ TEST_F(NvrecKeys, ASecondRecorderAtTheSamePlaceSaysSo)
     EXPECT_EQ(process->wait(), 0) << process->output;
 }
 
+TEST_F(NvrecKeys, ASecondRecorderWithoutAPlaceOfItsOwnGoesOnWithoutASocket)
+{
+    setenv("XDG_RUNTIME_DIR", scratch_.path().c_str(), 1);
+    socket_ = scratch_.file("nvrec.socket");
+    auto process = running_wall();
+    Process second({NVREC_PROGRAM, "wall", "--window", "off", "--log", scratch_.file("log2"),
+                    "--as-fast-as-can", clip("colour0.h264")});
+    EXPECT_EQ(second.wait(), 0);
+    EXPECT_NE(second.errors.find("another recorder listens there"), std::string::npos) << second.errors;
+    process->signal(SIGINT);
+    EXPECT_EQ(process->wait(), 0) << process->output;
+}
+
 TEST_F(NvrecKeys, ACameraWhoseThreadHangsSoundsTheBuzzerAndStarvesTheWatchdog)
 {
     /* A camera that stops in the middle of a read: a pipe whose writer writes no more. */
