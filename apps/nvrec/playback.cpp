@@ -51,6 +51,12 @@ void Playback::stop()
     thread_.join();
 }
 
+/* Main thread: the lock, unless it is held already. */
+std::unique_lock<std::mutex> Playback::hold() const
+{
+    return frozen_.owns_lock() ? std::unique_lock<std::mutex>() : std::unique_lock(lock_);
+}
+
 void Playback::freeze()
 {
     if (frozen_.owns_lock()) return;
@@ -69,7 +75,7 @@ void Playback::thaw(const std::vector<size_t> &lanes)
 
 void Playback::pause(bool paused)
 {
-    const std::scoped_lock guard(lock_);
+    const auto guard = hold();
     if (paused_ == paused) return;
     anchor(position_at(Clock::now()));
     paused_ = paused;
@@ -80,7 +86,7 @@ void Playback::pause(bool paused)
 
 int64_t Playback::seek(int64_t place_us)
 {
-    const std::scoped_lock guard(lock_);
+    const auto guard = hold();
     for (const size_t i : shown_)
         lanes_[i]->flush();
     int64_t reached_us = INT64_MIN;
@@ -96,7 +102,7 @@ int64_t Playback::seek(int64_t place_us)
 
 void Playback::set_speed(double speed)
 {
-    const std::scoped_lock guard(lock_);
+    const auto guard = hold();
     if (speed_ == speed) return;
     const bool had_gaps = key_frames_only();
     anchor(position_at(Clock::now()));
@@ -109,21 +115,20 @@ void Playback::set_speed(double speed)
 
 void Playback::listen_to(int lane)
 {
-    const std::scoped_lock guard(lock_);
+    const auto guard = hold();
     heard_ = lane;
 }
 
 int64_t Playback::position_us() const
 {
-    if (frozen_.owns_lock()) return anchor_us_;
-    const std::scoped_lock guard(lock_);
+    if (frozen_.owns_lock()) return anchor_us_; /* no time passes */
+    const auto guard = hold();
     return position_at(Clock::now());
 }
 
 uint64_t Playback::sent() const
 {
-    const std::unique_lock guard =
-        frozen_.owns_lock() ? std::unique_lock<std::mutex>() : std::unique_lock(lock_);
+    const auto guard = hold();
     uint64_t sent = 0;
     for (const auto &lane : lanes_)
         sent += lane->sent();

@@ -79,6 +79,7 @@ public:
     uint64_t sent() const;
 
 private:
+    std::unique_lock<std::mutex> hold() const;
     void run();
     void place_lanes();
     PlaybackLane *next_lane(int64_t until_us);

@@ -26,3 +26,18 @@ foreach(name nvrec_play_test nvrec_snapshot_test nvrec_zoom_test)
 endforeach()
 # The zoom's arithmetic, too.
 target_link_libraries(nvrec_zoom_test PRIVATE nvrec_pieces)
+
+set(play_sound ${STAMPED_STREAM_DIR}/play_sound.mp4)
+add_custom_command(OUTPUT ${play_sound}
+  COMMAND ffmpeg -nostdin -v error -y -r 25 -i ${STAMPED_STREAM_DIR}/play_0.h264
+    -f lavfi -i sine=frequency=440:duration=5 -c:v copy -c:a aac ${play_sound}
+  DEPENDS stream_play_0.h264
+  COMMENT "Giving a recording sound"
+  VERBATIM)
+add_custom_target(nvrec_play_sound DEPENDS ${play_sound})
+
+nvrhal_test(nvrec_playback_test
+  ${CMAKE_CURRENT_LIST_DIR}/nvrec_playback_test.cpp
+  LIBS nvrec_pieces board_session LABEL board TIMEOUT 120)
+target_compile_definitions(nvrec_playback_test PRIVATE NVREC_STREAMS="${STAMPED_STREAM_DIR}")
+add_dependencies(nvrec_playback_test nvrec_play_sound stream_play_1.h265)
