@@ -25,11 +25,18 @@ bool is_parameter_set(uint8_t header, Codec codec)
     return codec == Codec::kH264 ? type == 7 || type == 8 : type >= 32 && type <= 34;
 }
 
+bool contains(const std::vector<std::span<const uint8_t>> &sets, std::span<const uint8_t> set)
+{
+    return std::any_of(sets.begin(), sets.end(), [&](std::span<const uint8_t> other) {
+        return std::equal(other.begin(), other.end(), set.begin(), set.end());
+    });
+}
+
 } // namespace
 
 std::vector<uint8_t> parameter_sets_of(std::span<const uint8_t> unit, Codec codec)
 {
-    std::vector<uint8_t> sets;
+    std::vector<std::span<const uint8_t>> sets;
     size_t at = find_start_code(unit, 0);
     while (at + kShortStartCode_bytes < unit.size()) {
         const size_t begin = at + kShortStartCode_bytes;
@@ -37,14 +44,16 @@ std::vector<uint8_t> parameter_sets_of(std::span<const uint8_t> unit, Codec code
         size_t end = next;
         while (end > begin && unit[end - 1] == 0) /* of a four-byte start code, or padding */
             --end;
-        if (end > begin && is_parameter_set(unit[begin], codec)) {
-            sets.insert(sets.end(), std::begin(kStartCode), std::end(kStartCode));
-            sets.insert(sets.end(), unit.begin() + static_cast<ptrdiff_t>(begin),
-                        unit.begin() + static_cast<ptrdiff_t>(end));
-        }
+        const std::span<const uint8_t> set = unit.subspan(begin, end - begin);
+        if (!set.empty() && is_parameter_set(set[0], codec) && !contains(sets, set)) sets.push_back(set);
         at = next;
     }
-    return sets;
+    std::vector<uint8_t> bytes;
+    for (const std::span<const uint8_t> set : sets) {
+        bytes.insert(bytes.end(), std::begin(kStartCode), std::end(kStartCode));
+        bytes.insert(bytes.end(), set.begin(), set.end());
+    }
+    return bytes;
 }
 
 } // namespace nvrec

@@ -12,8 +12,8 @@ namespace nvrec
 
 /**
  * The parameter sets of an Annex B access unit, each behind a start code, in the order in which
- * they stand: sequence and picture (H.264), video, sequence and picture (H.265). Empty when the unit
- * carries none.
+ * they stand: sequence and picture (H.264), video, sequence and picture (H.265). One that a camera
+ * and its session description both sent comes once. Empty when the unit carries none.
  */
 std::vector<uint8_t> parameter_sets_of(std::span<const uint8_t> unit, Codec codec);
 

@@ -21,6 +21,10 @@ nvrhal_test(nvrec_record_test
 target_compile_definitions(nvrec_record_test PRIVATE
   NVREC_CLIPS="${nvrec_record_clips}" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
 add_dependencies(nvrec_record_test nvrec nvrec_record_clips)
+if(TARGET nvrec_rtsp_camera)
+  target_compile_definitions(nvrec_record_test PRIVATE NVREC_RTSP_CAMERA="$<TARGET_FILE:nvrec_rtsp_camera>")
+  add_dependencies(nvrec_record_test nvrec_rtsp_camera)
+endif()
 
 nvrhal_test(nvrec_listen_test
   ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_run.cpp

@@ -142,6 +142,9 @@ TEST(ParameterSets, AreTakenFromKeyFramesOfBothCodecs)
                                        8, 0, 0, 1,    0x44, 1, 9, 0, 0, 1, 0x26, 1};
     EXPECT_EQ(parameter_sets_of(h265, Codec::kH265),
               (std::vector<uint8_t>{0, 0, 0, 1, 0x40, 1, 7, 0, 0, 0, 1, 0x42, 1, 8, 0, 0, 0, 1, 0x44, 1, 9}));
+    std::vector<uint8_t> twice = h264;
+    twice.insert(twice.begin(), h264.begin(), h264.end());
+    EXPECT_EQ(parameter_sets_of(twice, Codec::kH264), parameter_sets_of(h264, Codec::kH264));
     for (const std::vector<uint8_t> &none : {std::vector<uint8_t>{},
                                              {0, 0, 1},
                                              {0, 0, 0, 1},
