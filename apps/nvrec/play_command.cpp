@@ -121,6 +121,7 @@ Command play_command(CLI::App &app)
     play->add_option("--hear", command->player.heard, "The file whose sound is heard; -1 = none")
         ->check(CLI::Range(-1, static_cast<int>(kMostInputs) - 1))
         ->capture_default_str();
+    play->add_option("--wav", command->player.wav_path, "Write the sound that is heard to a WAV file");
     play->add_flag("--loop", command->player.loop, "Begin again when all files have ended");
     play->add_option("--do", command->script, "What to do when, see below");
     play->add_option("--snapshot-dir", command->snapshot_dir, "Where snapshots go")->capture_default_str();

@@ -9,6 +9,7 @@
 #include "session.h"
 #include "terminal.h"
 #include "vboard.h"
+#include "vboard_audio.h"
 
 namespace nvrec
 {
@@ -17,6 +18,8 @@ namespace
 
 constexpr double kSkip_s = 10;
 constexpr auto kDoubleClick = std::chrono::milliseconds(400);
+constexpr uint32_t kLoudspeaker = 3; /* the audio output that the library plays on */
+constexpr int kLastSound_ms = 2000;
 constexpr double kSpeeds[] = {1, 2, 4};
 
 int64_t microseconds(double seconds)
@@ -51,6 +54,11 @@ bool Player::start(WallControl &wall)
     if (opened == 0) {
         wall.terminal().complain("no file could be opened");
         wall.end(kExitInputFailed);
+        return false;
+    }
+    if (!options_.wav_path.empty() && vboard_audio_open_wav(kLoudspeaker, options_.wav_path.c_str()) != 0) {
+        wall.terminal().complain("cannot write " + options_.wav_path);
+        wall.end(kExitOutputFailed);
         return false;
     }
     playback_.start([&wall] { wall.ring(); });
@@ -331,6 +339,10 @@ void Player::stop()
 {
     if (playing_) hand_back();
     playback_.stop();
+    if (!options_.wav_path.empty()) {
+        vboard_audio_wait_played(kLoudspeaker, kLastSound_ms);
+        vboard_audio_close(kLoudspeaker);
+    }
     if (exit_code_ != kExitDone) wall_->end(exit_code_);
 }
 

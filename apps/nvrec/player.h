@@ -29,6 +29,7 @@ struct PlayerOptions {
     double seek_s = 0;           /* where to begin                             */
     double speed = 1;            /* 1, 2 or 4                                  */
     int heard = 0;               /* the file whose sound is heard; -1 = none   */
+    std::string wav_path;        /* what the loudspeaker plays; empty = nowhere */
     bool loop = false;           /* begin again at the end                     */
     std::string output;          /* for the report                             */
     std::string json_path;       /* where the files' table goes; empty = none  */

@@ -41,3 +41,4 @@ nvrhal_test(nvrec_playback_test
   LIBS nvrec_pieces board_session LABEL board TIMEOUT 120)
 target_compile_definitions(nvrec_playback_test PRIVATE NVREC_STREAMS="${STAMPED_STREAM_DIR}")
 add_dependencies(nvrec_playback_test nvrec_play_sound stream_play_1.h265)
+add_dependencies(nvrec_play_test nvrec_play_sound)

@@ -30,8 +30,8 @@ class NvrecPlay : public testing::Test
 protected:
     int play(std::vector<std::string> arguments, const std::vector<std::string> &files = kFiles)
     {
-        std::vector<std::string> whole = {NVREC_PROGRAM,    "play",        "--window", "off",
-                                          "--log",          file("log"),   "--json",   file("report.json"),
+        std::vector<std::string> whole = {NVREC_PROGRAM,    "play",        "--window",  "off",
+                                          "--log",          file("log"),   "--json",    file("report.json"),
                                           "--snapshot-dir", file("shots"), "--control", "none"};
         whole.insert(whole.end(), arguments.begin(), arguments.end());
         whole.insert(whole.end(), files.begin(), files.end());
@@ -165,6 +165,18 @@ TEST_F(NvrecPlay, DoubleSpeedTakesHalfTheTimeAndNoLess)
     ASSERT_NE(at, std::string::npos);
     /* The last frame is due after 124 / 50 s, never sooner. */
     EXPECT_GE(std::strtod(json.c_str() + at + 11, nullptr), (kLast - 1) / (2.0 * kRate));
+}
+
+TEST_F(NvrecPlay, TheChosenFilesSoundIsWritten)
+{
+    ASSERT_EQ(
+        play({"--hear", "1", "--seek", "3", "--wav", file("sound.wav")}, {kFiles[1], clip("play_sound.mp4")}),
+        0)
+        << words();
+    /* Two seconds of 16-bit samples at 8 kHz at the least. */
+    EXPECT_GE(file_text(file("sound.wav")).size(), 8000U * 2 * 18 / 10);
+    EXPECT_EQ(play({"--wav", "/proc/none/sound.wav"}), 5);
+    EXPECT_NE(errors_.find("cannot write /proc/none/sound.wav"), std::string::npos) << errors_;
 }
 
 TEST_F(NvrecPlay, NineFilesAreTwoPages)
