@@ -1,4 +1,6 @@
 /* "nvrec play" as a user runs it: the files' pictures are on the screen, and the cameras' again after. */
+#include <csignal>
+
 #include <gtest/gtest.h>
 
 #include "nvrec_run.h"
@@ -209,6 +211,32 @@ TEST_F(NvrecPlay, TheZoomedPictureIsTheCropOfTheRecording)
     EXPECT_FALSE(stamp_in(zoomed, 0, 0, 1920, 1080).has_value());
     /* As large as the crop: the stamp of a picture of twice the size. */
     EXPECT_EQ(nvrec_test::stamp_enlarged(zoomed, 2), (Stamp{kFirstFile, kRate}));
+}
+
+TEST_F(NvrecPlay, ObeysTheRemoteControl)
+{
+    std::vector<std::string> command = {NVREC_PROGRAM,
+                                        "play",
+                                        "--window",
+                                        "off",
+                                        "--log",
+                                        file("log"),
+                                        "--control",
+                                        file("socket"),
+                                        "--loop",
+                                        "-p",
+                                        file("begun.png") + ",0.3",
+                                        "-p",
+                                        file("end.png")};
+    Process recorder(command + kFiles);
+    ASSERT_TRUE(scratch_.wait_for("begun.png"));
+    for (const char *key : {"pause", "previous", "enter"}) {
+        Process press({NVREC_PROGRAM, "key", key, "--control", file("socket")});
+        ASSERT_EQ(press.wait(), 0) << key << ": " << press.errors;
+    }
+    recorder.signal(SIGINT);
+    ASSERT_EQ(recorder.wait(), 0) << recorder.errors;
+    EXPECT_EQ(stamp_in(taken("end"), 0, 0, 1920, 1080), (Stamp{kFirstFile, 0}));
 }
 
 TEST_F(NvrecPlay, AFileThatCannotBeOpenedLeavesTheOthersPlaying)

@@ -1,4 +1,6 @@
 /* The recorder's zoom: where its window goes, and "--zoom" as a user gives it. */
+#include <csignal>
+
 #include <gtest/gtest.h>
 
 #include "nvrec_run.h"
@@ -90,6 +92,28 @@ TEST_F(NvrecZoom, ShowsThePartOfTheChannelAsked)
     }
     ASSERT_EQ(wall({"--zoom", "320,180,320,180"}), 0) << words_;
     EXPECT_FALSE(nvrec_test::stamp_enlarged(read_picture(scratch_.file("wall.png")), 2).has_value());
+}
+
+/* The middle half, and four steps of an eighth of it to the left and up: the first quarter. */
+TEST_F(NvrecZoom, TheRemoteControlZoomsAndMoves)
+{
+    const std::string socket = scratch_.file("socket");
+    Process recorder({NVREC_PROGRAM, "wall", "--window", "off", "--log", scratch_.file("log"), "--control",
+                      socket, "--loop", "--snapshot-dir", scratch_.file("shots"), "-p",
+                      scratch_.file("begun.png") + ",0.3", "-p", scratch_.file("wall.png"),
+                      std::string(NVREC_STREAMS) + "/play_camera_0.h265",
+                      std::string(NVREC_STREAMS) + "/play_camera_1.h264"});
+    ASSERT_TRUE(scratch_.wait_for("begun.png"));
+    for (const char *key : {"zoom", "left", "left", "left", "left", "up", "up", "up", "up", "snapshot"}) {
+        Process press({NVREC_PROGRAM, "key", key, "--control", socket});
+        ASSERT_EQ(press.wait(), 0) << key << ": " << press.errors;
+    }
+    recorder.signal(SIGINT);
+    ASSERT_EQ(recorder.wait(), 0) << recorder.errors;
+    const auto seen = nvrec_test::stamp_enlarged(read_picture(scratch_.file("wall.png")), 2);
+    EXPECT_EQ(seen.value_or(Stamp{}).channel, 1U);
+    EXPECT_NE(recorder.output.find("snapshot of channel 0: " + scratch_.file("shots")), std::string::npos)
+        << recorder.output << recorder.errors;
 }
 
 TEST_F(NvrecZoom, OfAPartOutsideThePictureIsRefused)
