@@ -21,6 +21,7 @@ constexpr RingRow kRings[] = {
 
 constexpr size_t kMostNotes = 1024;   /* the longest index ring holds 768 frames      */
 constexpr size_t kNearlyCaughtUp = 4; /* frames that may wait when a producer may too */
+constexpr auto kPatience = std::chrono::seconds(1);
 
 const RingRow &ring_of(PoolStream stream)
 {
@@ -211,7 +212,8 @@ PoolReader::Note PoolReader::pop_note()
 void PoolReader::wait_for_reader()
 {
     std::unique_lock guard(lock_);
-    reader_came_.wait(guard, [this] { return gave_up_ || notes_.size() < kNearlyCaughtUp; });
+    /* Not for ever: a few very large frames overrun the reader, which then needs a key frame to come. */
+    reader_came_.wait_for(guard, kPatience, [this] { return gave_up_ || notes_.size() < kNearlyCaughtUp; });
 }
 
 void PoolReader::give_up()

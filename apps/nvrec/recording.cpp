@@ -58,6 +58,7 @@ void Recording::run()
 
 void Recording::write_picture(const PoolFrame &frame)
 {
+    last_taken_at_us_ = frame.taken_at_us;
     if (frame.after_gap) waits_for_key_ = true;
     if (frame.key) {
         std::vector<uint8_t> sets = parameter_sets_of(frame.bytes, frame.facts.codec);
@@ -72,7 +73,6 @@ void Recording::write_picture(const PoolFrame &frame)
     }
     if (!file_.write_video(frame.bytes, frame.pts_us, frame.dts_us, frame.key)) {
         ++report_.skipped;
-        try_again_at_us_ = frame.taken_at_us + kRetry_us;
         fail(file_.error());
         return;
     }
@@ -94,7 +94,6 @@ void Recording::begin_file(const PoolFrame &frame, const TrackFacts &facts)
         free_segment_path(options_.directory, segment_name(channel_, report_.stream, frame.taken_at_us),
                           file_ending(options_.container));
     if (!file_.open(path, options_.container, facts, frame.dts_us)) {
-        try_again_at_us_ = frame.taken_at_us + kRetry_us;
         fail(file_.error());
         return;
     }
@@ -115,6 +114,7 @@ void Recording::fail(const std::string &reason)
     const std::string line = file_.path() + ": " + reason;
     if (report_.trouble.empty() || !report_.trouble.ends_with(reason)) complain_(line);
     report_.trouble = line;
+    try_again_at_us_ = last_taken_at_us_ + kRetry_us;
     end_file();
 }
 

@@ -82,6 +82,7 @@ private:
     int64_t slot_ = 0; /* of the open file */
     std::vector<uint8_t> parameter_sets_;
     bool waits_for_key_ = true;
+    int64_t last_taken_at_us_ = 0;      /* wall clock                  */
     int64_t try_again_at_us_ = 0;       /* wall clock, after a failure */
     std::deque<PoolFrame> early_sound_; /* of the file that comes next */
     RecordingReport report_;
