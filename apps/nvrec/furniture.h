@@ -1,5 +1,5 @@
 /*
- * furniture.h - what the recorder draws over the video, and what keys and the mouse do with it:
+ * furniture.h - what the recorder draws over the video, with the menu and the cursor:
  *
  *   panes    borders, the selected one's highlight, camera names (furniture_panes.h)
  *   clock    date and time in the upper right corner             (clock_face.h)
@@ -54,6 +54,7 @@ public:
     void stop() override;
 
     /** For tests: where things stand. */
+    const PaneMarks *panes() const { return panes_.get(); }
     const Menu *menu() const { return menu_.get(); }
     const ClockFace *clock() const { return clock_.get(); }
     const Rect &address_place() const { return address_place_; }
@@ -76,12 +77,11 @@ private:
     void open_menu(const PointerEvent *at);
     void close_menu();
     void choose();
-    bool menu_key(Key key);
-    bool move_selection(int dx, int dy);
-    bool pick_camera(int channel);
-    bool step_back();
     void enlarge_or_return();
-    void press_left(const PointerEvent &event);
+    bool menu_key(Key key);
+    bool wall_key(Key key);
+    bool menu_pointer(const PointerEvent &event);
+    bool wall_pointer(const PointerEvent &event);
     int text_size_px() const;
 
     const FurnitureOptions options_;
@@ -98,8 +98,6 @@ private:
     Cursor cursor_;
     Clock::time_point cursor_moved_at_;
     bool cursor_moved_ = false;
-    int clicked_ = -1; /* the channel of the last press, and when */
-    Clock::time_point clicked_at_;
     std::vector<Rect> soiled_;
 };
 

@@ -9,7 +9,6 @@ namespace nvrec
 namespace
 {
 
-constexpr auto kDoubleClick = std::chrono::milliseconds(400);
 constexpr uint32_t kLeftButton = 1, kRightButton = 2;
 
 } // namespace
@@ -17,70 +16,36 @@ constexpr uint32_t kLeftButton = 1, kRightButton = 2;
 bool Furniture::on_key(Key key)
 {
     if (!drawing_) return false;
-    const bool taken = menu_key(key);
+    const bool taken = menu_ && menu_->is_open() ? menu_key(key) : wall_key(key);
     paint();
     return taken;
 }
 
-/* A menu that is open takes every key that it knows, and keeps the others from the wall's keys. */
+/* The keys that move about the wall are not the furniture's. */
+bool Furniture::wall_key(Key key)
+{
+    if (key == Key::kMenu && menu_) {
+        open_menu(nullptr);
+        return true;
+    }
+    if (key != Key::kBack || !address_shown_) return false;
+    show_address(false);
+    return true;
+}
+
+/* An open menu also takes the keys with which one moves about the wall. */
 bool Furniture::menu_key(Key key)
 {
-    const bool open = menu_ && menu_->is_open();
     switch (key) {
-    case Key::kMenu:
-        if (!menu_) return false;
-        open ? close_menu() : open_menu(nullptr);
-        return true;
-    case Key::kUp:
-    case Key::kDown:
-        if (!open) return move_selection(0, key == Key::kUp ? -1 : 1);
-        soil(menu_->step(key == Key::kUp ? -1 : 1));
-        return true;
+    case Key::kUp: soil(menu_->step(-1)); return true;
+    case Key::kDown: soil(menu_->step(1)); return true;
     case Key::kLeft:
-    case Key::kRight: return open || move_selection(key == Key::kLeft ? -1 : 1, 0);
-    case Key::kEnter: open ? choose() : enlarge_or_return(); return true;
-    case Key::kBack:
-        if (!open) return step_back();
-        close_menu();
-        return true;
-    default: break;
+    case Key::kRight: return true;
+    case Key::kEnter: choose(); return true;
+    case Key::kMenu:
+    case Key::kBack: close_menu(); return true;
+    default: return key >= Key::kDigit0 && key <= Key::kDigit9;
     }
-    if (key < Key::kDigit0 || key > Key::kDigit9) return false;
-    /* 1 to 9 are the cameras of these numbers, 0 is the tenth. */
-    const int digit = static_cast<int>(key) - static_cast<int>(Key::kDigit0);
-    return open || pick_camera(digit == 0 ? 9 : digit - 1);
-}
-
-/* Among the panes; with one camera alone on the screen, among the cameras. */
-bool Furniture::move_selection(int dx, int dy)
-{
-    const int cameras = wall_->session().channels();
-    if (wall_->enlarged() >= 0) return pick_camera((wall_->enlarged() + dx + dy + cameras) % cameras);
-    const int next = panes_->neighbour(dx, dy);
-    if (next >= 0) wall_->select(next);
-    return true;
-}
-
-bool Furniture::pick_camera(int channel)
-{
-    if (channel >= wall_->session().channels()) return false;
-    if (wall_->enlarged() >= 0) {
-        wall_->enlarge(channel);
-    } else {
-        wall_->select(channel);
-    }
-    return true;
-}
-
-bool Furniture::step_back()
-{
-    if (address_shown_) {
-        show_address(false);
-        return true;
-    }
-    if (wall_->enlarged() < 0) return false;
-    wall_->enlarge(-1);
-    return true;
 }
 
 void Furniture::enlarge_or_return()
@@ -129,38 +94,38 @@ bool Furniture::on_pointer(const PointerEvent &event)
     cursor_.move(event.x, event.y);
     cursor_moved_ = true;
     cursor_moved_at_ = Clock::now();
-    const bool open = menu_ && menu_->is_open();
-    if (open) soil(menu_->point_at(event.x, event.y));
-    if (menu_ && (event.pressed & kRightButton) != 0) {
-        if (open) close_menu();
-        open_menu(&event);
-    } else if ((event.pressed & kLeftButton) != 0) {
-        press_left(event);
-    }
+    const bool taken = menu_ && menu_->is_open() ? menu_pointer(event) : wall_pointer(event);
     paint();
-    return open || event.pressed != 0;
+    return taken;
 }
 
-void Furniture::press_left(const PointerEvent &event)
+bool Furniture::wall_pointer(const PointerEvent &event)
 {
-    if (menu_ && menu_->is_open()) {
+    if (menu_ && (event.pressed & kRightButton) != 0) {
+        open_menu(&event);
+        return true;
+    }
+    if ((event.pressed & kLeftButton) == 0 || !address_shown_ || !address_place_.contains(event.x, event.y))
+        return false;
+    show_address(false);
+    return true;
+}
+
+/* A press beside the panel closes it; the right button opens it anew where it is pressed. */
+bool Furniture::menu_pointer(const PointerEvent &event)
+{
+    soil(menu_->point_at(event.x, event.y));
+    if ((event.pressed & kRightButton) != 0) {
+        close_menu();
+        open_menu(&event);
+    } else if ((event.pressed & kLeftButton) != 0) {
         if (menu_->is_on_row(event.x, event.y)) {
             choose();
         } else if (!menu_->place().contains(event.x, event.y)) {
             close_menu();
         }
-        return;
     }
-    if (address_shown_ && address_place_.contains(event.x, event.y)) return show_address(false);
-
-    const int channel = panes_->channel_at(event.x, event.y);
-    const Clock::time_point now = Clock::now();
-    const bool twice = channel >= 0 && channel == clicked_ && now - clicked_at_ <= kDoubleClick;
-    clicked_ = twice ? -1 : channel;
-    clicked_at_ = now;
-    if (channel < 0) return;
-    wall_->select(channel);
-    if (twice) enlarge_or_return();
+    return true;
 }
 
 } // namespace nvrec

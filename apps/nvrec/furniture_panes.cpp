@@ -2,8 +2,6 @@
 #include "furniture_panes.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <limits>
 
 namespace nvrec
 {
@@ -123,36 +121,16 @@ const PaneMarks::Pane *PaneMarks::find(int channel) const
     return nullptr;
 }
 
-int PaneMarks::channel_at(int x, int y) const
-{
-    for (const Pane &pane : panes_) {
-        if (pane.area.contains(x, y)) return pane.channel;
-    }
-    return -1;
-}
-
 Rect PaneMarks::pane_of(int channel) const
 {
     const Pane *pane = find(channel);
     return pane ? pane->area : Rect{};
 }
 
-/* The nearest middle that lies that way; a step aside counts double. */
-int PaneMarks::neighbour(int dx, int dy) const
+Rect PaneMarks::name_of(int channel) const
 {
-    const Pane *from = find(selected_);
-    if (!from) return panes_.empty() ? -1 : panes_.front().channel;
-    int nearest = -1, best = std::numeric_limits<int>::max();
-    for (const Pane &pane : panes_) {
-        const int across = pane.area.x + pane.area.w / 2 - (from->area.x + from->area.w / 2);
-        const int down = pane.area.y + pane.area.h / 2 - (from->area.y + from->area.h / 2);
-        const int ahead = across * dx + down * dy;
-        const int aside = std::abs(dx != 0 ? down : across);
-        if (ahead <= 0 || ahead + 2 * aside >= best) continue;
-        best = ahead + 2 * aside;
-        nearest = pane.channel;
-    }
-    return nearest;
+    const Pane *pane = find(channel);
+    return pane ? pane->name_place : Rect{};
 }
 
 } // namespace nvrec

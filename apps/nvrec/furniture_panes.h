@@ -48,12 +48,9 @@ public:
 
     void paint(Canvas &canvas) const;
 
-    /** The channel shown at a place, and where a channel is shown; -1 and empty = none. */
-    int channel_at(int x, int y) const;
+    /** Where a channel is shown, and its name there; empty = nowhere. */
     Rect pane_of(int channel) const;
-
-    /** The next pane in a direction (-1, 0 or 1 each) from the selected one; its channel, or -1. */
-    int neighbour(int dx, int dy) const;
+    Rect name_of(int channel) const;
 
 private:
     struct Pane {
