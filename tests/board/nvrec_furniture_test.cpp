@@ -1,0 +1,393 @@
+/*
+ * The furniture on the board's framebuffer, pixel by pixel, with a wall that notes what it is asked
+ * and a wall clock that the test sets.
+ */
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <fstream>
+
+#include <unistd.h>
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+
+#include "furniture.h"
+#include "nvrhal.h"
+#include "report.h"
+#include "session.h"
+#include "terminal.h"
+
+using namespace nvrec;
+
+namespace
+{
+
+constexpr int kCameras = 4;
+constexpr auto kSomeTime = std::chrono::seconds(1790000000); /* whole seconds of the epoch */
+
+class NotingWall final : public WallControl
+{
+public:
+    Session &session() override { return session_; }
+    Terminal &terminal() override { return terminal_; }
+    Reporter &reporter() override { return reporter_; }
+    const std::vector<std::unique_ptr<Feeder>> &cameras() const override { return cameras_; }
+    void show_layout(Layout layout) override
+    {
+        layout_ = layout;
+        enlarged_ = -1;
+        lay_out();
+    }
+    Layout layout() const override { return layout_; }
+    void enlarge(int channel) override
+    {
+        enlarged_ = channel;
+        lay_out();
+    }
+    int enlarged() const override { return enlarged_; }
+    void select(int channel) override
+    {
+        selected_ = channel;
+        if (companion) companion->on_layout();
+    }
+    int selected() const override { return selected_; }
+    void key(Key key) override { keys.push_back(key); }
+    void pointer(const PointerEvent &) override {}
+    void ring() override { ++rings; }
+    void end(int exit_code) override { ends.push_back(exit_code); }
+
+    void lay_out()
+    {
+        ASSERT_TRUE(enlarged_ >= 0 ? session_.apply_single(enlarged_) : session_.apply(layout_));
+        if (companion) companion->on_layout();
+    }
+
+    Companion *companion = nullptr;
+    std::vector<Key> keys;
+    std::vector<int> ends;
+    int rings = 0;
+
+private:
+    Session session_;
+    Terminal terminal_;
+    std::vector<std::unique_ptr<Feeder>> cameras_;
+    Reporter reporter_{cameras_};
+    Layout layout_ = Layout::kGrid2;
+    int enlarged_ = -1;
+    int selected_ = 0;
+};
+
+class NvrecFurniture : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(wall_.session().start(*output_mode_named("1920x1080"), kCameras));
+        wall_.lay_out();
+        options_.wish = FurnitureWish::kOn;
+        options_.address = "http://192.0.2.10/";
+        options_.wall_time = [this] { return time_; };
+    }
+
+    void start()
+    {
+        furniture_ = std::make_unique<Furniture>(options_);
+        ASSERT_TRUE(furniture_->start(wall_));
+        wall_.companion = furniture_.get();
+    }
+
+    static uint16_t pixel(int x, int y)
+    {
+        uint16_t value = 0;
+        const auto *memory = static_cast<const uint8_t *>(g_osd_info.mapped_address);
+        std::memcpy(&value, memory + static_cast<size_t>(y) * g_osd_info.fixed.line_length + 2 * x,
+                    sizeof value);
+        return value;
+    }
+
+    static std::vector<uint16_t> screen()
+    {
+        std::vector<uint16_t> pixels;
+        for (int y = 0; y < 1080; ++y)
+            for (int x = 0; x < 1920; ++x)
+                pixels.push_back(pixel(x, y));
+        return pixels;
+    }
+
+    /* Where two pictures of the screen differ. */
+    static Rect difference(const std::vector<uint16_t> &a, const std::vector<uint16_t> &b)
+    {
+        Rect all;
+        for (int y = 0; y < 1080; ++y)
+            for (int x = 0; x < 1920; ++x) {
+                const auto at = static_cast<size_t>(y * 1920 + x);
+                if (a[at] != b[at]) all = around(all, {x, y, 1, 1});
+            }
+        return all;
+    }
+
+    static bool inside(const Rect &inner, const Rect &outer) { return intersection(inner, outer) == inner; }
+
+    static void expect_frame(const Rect &pane, int thickness, Colour colour)
+    {
+        const int middle_x = pane.x + pane.w / 2, middle_y = pane.y + pane.h / 2;
+        for (int deep = 0; deep < thickness; ++deep) {
+            EXPECT_EQ(pixel(pane.x + deep, middle_y), pixel_of(colour));
+            EXPECT_EQ(pixel(pane.right() - 1 - deep, middle_y), pixel_of(colour));
+            EXPECT_EQ(pixel(middle_x, pane.y + deep), pixel_of(colour));
+            EXPECT_EQ(pixel(middle_x, pane.bottom() - 1 - deep), pixel_of(colour));
+        }
+        EXPECT_EQ(pixel(pane.x + thickness, middle_y), 0) << "the video begins here";
+        EXPECT_EQ(pixel(middle_x, pane.bottom() - 1 - thickness), 0);
+    }
+
+    void press(std::initializer_list<Key> keys)
+    {
+        for (const Key key : keys)
+            EXPECT_TRUE(furniture_->on_key(key));
+    }
+
+    /* Light that row of the open menu with the arrow keys. */
+    void light(MenuAction action, Layout layout = {})
+    {
+        const Menu &menu = *furniture_->menu();
+        for (size_t steps = 0; steps < menu.items().size(); ++steps) {
+            if (menu.chosen().action == action &&
+                (action != MenuAction::kLayout || menu.chosen().layout == layout))
+                return;
+            press({Key::kDown});
+        }
+        FAIL() << "the menu has no such row";
+    }
+
+    NotingWall wall_;
+    FurnitureOptions options_;
+    ClockFace::Time time_{kSomeTime};
+    std::unique_ptr<Furniture> furniture_;
+};
+
+TEST_F(NvrecFurniture, BordersStandInsideThePanesAndTheSelectedOneIsHighlighted)
+{
+    start();
+    const std::vector<Rect> panes = {
+        {0, 0, 960, 540}, {960, 0, 960, 540}, {0, 540, 960, 540}, {960, 540, 960, 540}};
+    for (const int selected : {0, 3}) {
+        wall_.select(selected);
+        for (int i = 0; i < kCameras; ++i) {
+            const bool lit = i == selected;
+            expect_frame(panes[static_cast<size_t>(i)], lit ? kHighlight_px : kBorder_px,
+                         lit ? kHighlightColour : kBorderColour);
+        }
+    }
+    wall_.enlarge(2);
+    EXPECT_EQ(pixel(0, 500), 0) << "one camera alone has no border";
+}
+
+/* The reference draws with FreeType alone, letter after letter. */
+TEST_F(NvrecFurniture, AChineseNameIsTheFontsGlyphs)
+{
+    options_.names.given[0] = "前门A1";
+    start();
+    const Rect place = furniture_->panes()->name_of(0);
+    ASSERT_FALSE(place.empty());
+
+    FT_Library library = nullptr;
+    FT_Face face = nullptr;
+    ASSERT_EQ(FT_Init_FreeType(&library), 0);
+    ASSERT_EQ(FT_New_Face(library, find_font().c_str(), 0, &face), 0);
+    ASSERT_NE(FT_Get_Char_Index(face, u'前'), 0u) << "needs a font with Chinese letters";
+    ASSERT_EQ(FT_Set_Pixel_Sizes(face, 0, 27), 0); /* a 20th of the pane */
+    constexpr int kRim = 2;
+    const int baseline = place.y + kRim + static_cast<int>((face->size->metrics.ascender + 63) / 64);
+    int pen = place.x + kRim, inked = 0;
+    for (const char16_t unit : std::u16string_view(u"前门A1")) {
+        ASSERT_EQ(FT_Load_Char(face, unit, FT_LOAD_RENDER), 0);
+        const FT_Bitmap &image = face->glyph->bitmap;
+        for (int y = 0; y < static_cast<int>(image.rows); ++y) {
+            for (int x = 0; x < static_cast<int>(image.width); ++x) {
+                const uint8_t coverage = image.buffer[y * image.pitch + x];
+                if (coverage < 80) continue; /* fainter edges may belong to the rim or the video */
+                ++inked;
+                ASSERT_EQ(pixel(pen + face->glyph->bitmap_left + x, baseline - face->glyph->bitmap_top + y),
+                          pixel_of(mixed(0x101010, 0xFFFFFF, coverage)))
+                    << x << "," << y << " of letter " << static_cast<int>(unit);
+            }
+        }
+        pen += static_cast<int>((face->glyph->advance.x + 63) / 64);
+    }
+    EXPECT_GT(inked, 300);
+    EXPECT_EQ(pen + kRim, place.right());
+    FT_Done_Face(face);
+    FT_Done_FreeType(library);
+}
+
+TEST_F(NvrecFurniture, TheClockTicksOnceASecondAndTouchesOnlyItsPlace)
+{
+    start();
+    const Rect before_place = furniture_->clock()->place();
+    const auto now = Companion::Clock::now();
+    const auto first = screen();
+
+    time_ += std::chrono::milliseconds(400);
+    EXPECT_EQ(furniture_->take_turn(now), now + std::chrono::milliseconds(600));
+    EXPECT_EQ(screen(), first) << "the same second";
+
+    time_ += std::chrono::milliseconds(600);
+    EXPECT_EQ(furniture_->take_turn(now), now + std::chrono::seconds(1));
+    const Rect changed = difference(first, screen());
+    EXPECT_FALSE(changed.empty());
+    EXPECT_TRUE(inside(changed, around(before_place, furniture_->clock()->place())));
+}
+
+TEST_F(NvrecFurniture, TheMenuChangesTheLayout)
+{
+    start();
+    const auto before = screen();
+    press({Key::kMenu});
+    ASSERT_TRUE(furniture_->menu()->is_open());
+    const Rect place = furniture_->menu()->place();
+    EXPECT_EQ(difference(before, screen()), place);
+    light(MenuAction::kLayout, Layout::kOneAndFive);
+    press({Key::kEnter});
+    EXPECT_EQ(wall_.layout(), Layout::kOneAndFive);
+    EXPECT_FALSE(furniture_->menu()->is_open());
+    EXPECT_EQ(furniture_->panes()->pane_of(0), (Rect{0, 0, 1280, 720}));
+    expect_frame({0, 0, 1280, 720}, kHighlight_px, kHighlightColour);
+    EXPECT_EQ(pixel(place.x + 40, place.y + 40), 0) << "the menu is gone";
+
+    press({Key::kMenu, Key::kMenu});
+    EXPECT_FALSE(furniture_->menu()->is_open());
+    EXPECT_FALSE(furniture_->on_key(Key::kUp)) << "without a menu the arrows are the wall's";
+}
+
+TEST_F(NvrecFurniture, TheMenuEnlargesZoomsShowsTheAddressAndEnds)
+{
+    start();
+    wall_.select(2);
+    press({Key::kMenu});
+    light(MenuAction::kEnlarge);
+    press({Key::kEnter});
+    EXPECT_EQ(wall_.enlarged(), 2);
+
+    press({Key::kMenu});
+    light(MenuAction::kZoom);
+    press({Key::kEnter});
+    EXPECT_EQ(wall_.keys, std::vector{Key::kZoom});
+
+    press({Key::kMenu});
+    light(MenuAction::kAddress);
+    press({Key::kEnter});
+    const Rect card = furniture_->address_place();
+    ASSERT_FALSE(card.empty());
+    EXPECT_EQ(pixel(card.x + 4, card.y + 4), pixel_of(0xFFFFFF));
+    press({Key::kBack});
+    EXPECT_EQ(pixel(card.x + 4, card.y + 4), 0);
+    EXPECT_FALSE(furniture_->on_key(Key::kBack)) << "nothing left to close";
+
+    press({Key::kMenu});
+    light(MenuAction::kQuit);
+    press({Key::kEnter});
+    EXPECT_EQ(wall_.ends, std::vector{0});
+    EXPECT_EQ(wall_.rings, 1);
+}
+
+TEST_F(NvrecFurniture, TheMouseOpensTheMenuAndChooses)
+{
+    start();
+    EXPECT_TRUE(furniture_->on_pointer({1900, 1060, 2, 2, 0}));
+    ASSERT_TRUE(furniture_->menu()->is_open());
+    EXPECT_TRUE(inside(furniture_->menu()->place(), {0, 0, 1920, 1080}));
+    size_t target = 0;
+    while (furniture_->menu()->items()[target].layout != Layout::kGrid3)
+        ++target;
+    const Rect row = furniture_->menu()->row(target);
+    EXPECT_TRUE(furniture_->on_pointer({row.x + 20, row.y + 5, 0, 0, 0}));
+    EXPECT_EQ(furniture_->menu()->chosen_index(), target);
+    EXPECT_TRUE(furniture_->on_pointer({row.x + 20, row.y + 5, 1, 1, 0}));
+    EXPECT_EQ(wall_.layout(), Layout::kGrid3);
+
+    furniture_->on_pointer({200, 200, 2, 2, 0});
+    EXPECT_EQ(furniture_->menu()->place().x, 200);
+    furniture_->on_pointer({20, 20, 1, 1, 0});
+    EXPECT_FALSE(furniture_->menu()->is_open()) << "a press beside it closes it";
+    EXPECT_FALSE(furniture_->on_pointer({20, 20, 1, 1, 0})) << "and the next one is the wall's";
+}
+
+TEST_F(NvrecFurniture, TheCursorPutsBackWhatItCovered)
+{
+    start();
+    const auto before = screen();
+    const Rect name = furniture_->panes()->name_of(1);
+    for (const auto &[x, y] :
+         {std::pair(name.x + 3, name.y + 3), std::pair(1910, 1070), std::pair(958, 530)}) {
+        furniture_->on_pointer({x, y, 0, 0, 0});
+        const auto with = screen();
+        EXPECT_EQ(pixel(x, y) & 0x8000, 0x8000) << "the tip";
+        EXPECT_TRUE(inside(difference(before, with), {x, y, 32, 32}));
+        for (int row = 0; row < 32 && y + row < 1080; ++row) {
+            for (int column = 0; column < 32 && x + column < 1920; ++column) {
+                const uint16_t drawn = CurseValue[row * 32 + column];
+                const uint16_t under = before[static_cast<size_t>((y + row) * 1920 + x + column)];
+                const uint16_t black = pixel_of(0);
+                const uint16_t expected = drawn == 0x1F ? under : drawn == 0 ? black : drawn | 0x8000;
+                ASSERT_EQ(pixel(x + column, y + row), expected) << column << "," << row;
+            }
+        }
+    }
+    furniture_->take_turn(Companion::Clock::now() + std::chrono::seconds(6));
+    EXPECT_EQ(difference(before, screen()), Rect{}) << "a mouse at rest goes out of the way";
+}
+
+TEST_F(NvrecFurniture, WithoutAFontThereAreStillBorders)
+{
+    const std::string path = testing::TempDir() + "no_font_" + std::to_string(::getpid());
+    std::ofstream(path) << "not a font";
+    options_.font_path = path;
+    start();
+    std::remove(path.c_str());
+    EXPECT_EQ(furniture_->menu(), nullptr);
+    expect_frame({0, 0, 960, 540}, kHighlight_px, kHighlightColour);
+    EXPECT_FALSE(furniture_->on_key(Key::kMenu));
+    furniture_->take_turn(Companion::Clock::now());
+}
+
+TEST_F(NvrecFurniture, LeavesAnEmptyScreen)
+{
+    start();
+    furniture_->stop();
+    EXPECT_EQ(difference(screen(), std::vector<uint16_t>(1920 * 1080, 0)), Rect{});
+}
+
+TEST_F(NvrecFurniture, AutoWithoutAWindowDrawsNothing)
+{
+    options_.wish = FurnitureWish::kAuto;
+    start();
+    EXPECT_FALSE(furniture_->on_key(Key::kMenu));
+    EXPECT_FALSE(furniture_->on_pointer({5, 5, 2, 2, 0}));
+    EXPECT_EQ(furniture_->take_turn(Companion::Clock::now()), Companion::Clock::time_point::max());
+    EXPECT_EQ(difference(screen(), std::vector<uint16_t>(1920 * 1080, 0)), Rect{});
+}
+
+TEST(NvrecTexts, NamesComeInUtf8AndGb2312AndBothScripts)
+{
+    EXPECT_EQ(units_of("Camera 1", Script::kAsTyped), u"Camera 1");
+    EXPECT_EQ(units_of("前门", Script::kAsTyped), u"前门");
+    EXPECT_EQ(units_of("\xC7\xB0\xC3\xC5", Script::kAsTyped), u"前门") << "GB2312 bytes";
+    EXPECT_EQ(units_of("前门", Script::kTraditional), u"前門");
+    EXPECT_EQ(units_of("\xC7\xB0\xC3\xC5", Script::kTraditional), u"前門");
+    EXPECT_EQ(units_of("a\nb", Script::kAsTyped), u"a b");
+    EXPECT_EQ(units_of("\xFF", Script::kAsTyped), u"") << "neither of both";
+    EXPECT_EQ(units_of("", Script::kTraditional), u"");
+}
+
+TEST(NvrecCanvas, NoColourIsTheColourKey)
+{
+    for (const Colour colour : {0x000000u, 0x070707u, 0x000001u})
+        EXPECT_EQ(pixel_of(colour), 0x8421);
+    EXPECT_EQ(pixel_of(0xFFFFFF), 0xFFFF);
+    EXPECT_EQ(pixel_of(0xF80000), 0xFC00);
+    EXPECT_EQ(pixel_of(0x000008), 0x8001);
+}
+
+} // namespace

@@ -1,0 +1,101 @@
+/* Pictures of a wall with furniture, as a user takes them. */
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+
+#include "nvrec_run.h"
+
+namespace
+{
+
+constexpr char kAddress[] = "http://192.0.2.10:8080/开门";
+
+std::string clip(int camera)
+{
+    return std::string(NVREC_CLIPS) + "/colour" + std::to_string(camera) + ".h264";
+}
+
+class NvrecFurnitureWall : public testing::Test
+{
+protected:
+    Picture wall(const std::string &name, std::vector<std::string> arguments)
+    {
+        std::vector<std::string> whole = {NVREC_PROGRAM,
+                                          "wall",
+                                          "--window",
+                                          "off",
+                                          "--log",
+                                          scratch_.file("log"),
+                                          "--control",
+                                          "none",
+                                          "--as-fast-as-can",
+                                          "-p",
+                                          scratch_.file(name)};
+        whole.insert(whole.end(), arguments.begin(), arguments.end());
+        for (int i = 0; i < 4; ++i)
+            whole.push_back(clip(i));
+        Process process(whole);
+        status_ = process.wait();
+        errors_ = process.errors;
+        return status_ == 0 ? read_picture(scratch_.file(name)) : Picture{};
+    }
+
+    ScratchDirectory scratch_;
+    int status_ = -1;
+    std::string errors_;
+};
+
+/* Everything that differs stands at a pane's edge, where a name may be, or where the clock is. */
+TEST_F(NvrecFurnitureWall, TheVideoShowsUntouchedBesideNamesBordersAndClock)
+{
+    const Picture plain = wall("plain.png", {});
+    ASSERT_EQ(status_, 0) << errors_;
+    const Picture with = wall("with.png", {"--furniture", "on", "--name", "0=前门", "--name", "1=Yard"});
+    ASSERT_EQ(status_, 0) << errors_;
+    ASSERT_EQ(with.rgb.size(), plain.rgb.size());
+
+    constexpr int kEdge_px = 4, kNameHigh_px = 70, kNameWide_px = 220, kClockWide_px = 420,
+                  kClockHigh_px = 70;
+    int in_names = 0, in_clock = 0, at_edges = 0, elsewhere = 0;
+    for (int y = 0; y < 1080; ++y) {
+        for (int x = 0; x < 1920; ++x) {
+            if (with.at(x, y) == plain.at(x, y)) continue;
+            const int in_x = x % 960, in_y = y % 540;
+            if (std::min({in_x, 959 - in_x, in_y, 539 - in_y}) < kEdge_px) {
+                ++at_edges;
+            } else if (in_x < kNameWide_px && in_y >= 540 - kNameHigh_px) {
+                ++in_names;
+            } else if (x >= 1920 - kClockWide_px && y < kClockHigh_px) {
+                ++in_clock;
+            } else {
+                ++elsewhere;
+            }
+        }
+    }
+    EXPECT_EQ(elsewhere, 0);
+    EXPECT_GT(at_edges, 3 * 2 * (2 * 956 + 2 * 540));
+    EXPECT_GT(in_names, 2000);
+    EXPECT_GT(in_clock, 2000);
+}
+
+TEST_F(NvrecFurnitureWall, APhoneReadsTheAddress)
+{
+    wall("qr.png", {"--furniture", "on", "--qr", "--address", kAddress});
+    ASSERT_EQ(status_, 0) << errors_;
+    Process reader({"zbarimg", "-q", "--raw", scratch_.file("qr.png")});
+    EXPECT_EQ(reader.wait(), 0);
+    EXPECT_EQ(reader.output, std::string(kAddress) + "\n");
+}
+
+TEST_F(NvrecFurnitureWall, RefusesNamesThatAreNone)
+{
+    for (const char *name : {"front", "16=x", "-1=x", "x=y", "0=", "0=\xFF"}) {
+        wall("none.png", {"--name", name});
+        EXPECT_EQ(status_, 2) << name;
+    }
+    wall("none.png", {"--address", std::string(301, 'a')});
+    EXPECT_EQ(status_, 2);
+}
+
+} // namespace
