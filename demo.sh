@@ -28,6 +28,7 @@ mapfile -t cameras <<<"$streams"
 echo "showing ${#cameras[@]} cameras for $seconds s (the library's log: out/nvrec.log)"
 rm -f "$picture"
 build/demo/bin/nvrec wall --layout 2x2 --loop --duration "$seconds" \
+    --furniture on --language zh --name 0=前门 --name 1=停车场 --name 2=后院 --name 3=街道 \
     --picture "$picture,$((seconds - 1))" --log out/nvrec.log "${cameras[@]}"
 
 [ -s "$picture" ] || { echo "demo.sh: no picture was written" >&2; exit 1; }
