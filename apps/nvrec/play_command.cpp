@@ -72,10 +72,8 @@ int run_play(PlayCommand command)
     auto script = std::make_unique<Script>();
     Wall wall(command.wall);
     auto player = std::make_unique<Player>(command.player);
-    auto zoom = std::make_unique<Zoom>(command.zoom, [files = player.get()](int channel) {
-        const PlaybackLane *file = files->on_channel(channel);
-        return file ? std::pair(file->facts().width_px, file->facts().height_px) : std::pair(0U, 0U);
-    });
+    auto zoom = std::make_unique<Zoom>(
+        command.zoom, [files = player.get()](int channel) { return files->picture_size(channel); });
     auto snapshots = std::make_unique<Snapshots>(command.snapshot_dir);
     teach(*script, *player, *zoom, *snapshots);
     const std::string problem = script->parse(command.script);

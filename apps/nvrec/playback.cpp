@@ -126,6 +126,12 @@ int64_t Playback::position_us() const
     return position_at(Clock::now());
 }
 
+StreamFacts Playback::facts_of(size_t lane) const
+{
+    const auto guard = hold();
+    return lanes_[lane]->facts();
+}
+
 uint64_t Playback::sent() const
 {
     const auto guard = hold();

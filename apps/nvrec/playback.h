@@ -53,6 +53,9 @@ public:
     /** Stand still until thaw(). */
     void freeze();
 
+    /** Between freeze() and thaw(): go on from another place. */
+    void stand_at(int64_t place_us) { anchor(place_us); }
+
     /**
      * Go on after the decoders were flushed, with these files on the screen.
      * @param lanes  their numbers; other files rest
@@ -74,6 +77,9 @@ public:
     bool ended() const { return ended_.load(); }
 
     const std::vector<std::unique_ptr<PlaybackLane>> &lanes() const { return lanes_; }
+
+    /** A file's codec, size and rate as last learned. */
+    StreamFacts facts_of(size_t lane) const;
 
     /** Fed pictures of all files so far. */
     uint64_t sent() const;

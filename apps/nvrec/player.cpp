@@ -69,12 +69,7 @@ Companion::Clock::time_point Player::take_turn(Clock::time_point /*now*/)
 {
     if (!begun_ && !wait_) play();
     if (playing_ && playback_.ended()) {
-        if (options_.loop)
-            playback_.seek(0);
-        else if (!wall_->cameras().empty())
-            live();
-        else
-            done_ = true;
+        at_end_of_page();
         wall_->ring(); /* the wall has something to decide */
     }
     return Clock::time_point::max();
@@ -86,9 +81,9 @@ int Player::pages() const
     return (files + Playback::kPlayers - 1) / Playback::kPlayers;
 }
 
-std::vector<size_t> Player::lanes_of_page() const
+std::vector<size_t> Player::lanes_of(int page) const
 {
-    const auto first = static_cast<size_t>(page_ * Playback::kPlayers);
+    const auto first = static_cast<size_t>(page * Playback::kPlayers);
     const size_t end = std::min(first + Playback::kPlayers, playback_.lanes().size());
     std::vector<size_t> lanes;
     for (size_t i = first; i < end; ++i) {
@@ -97,13 +92,40 @@ std::vector<size_t> Player::lanes_of_page() const
     return lanes;
 }
 
-const PlaybackLane *Player::on_channel(int channel) const
+/* The next page with a file that could be opened; after the last one, the first. */
+int Player::page_after(int page) const
 {
-    if (!playing_) return nullptr;
-    for (const size_t i : lanes_of_page()) {
-        if (playback_.lanes()[i]->decoder() == channel) return playback_.lanes()[i].get();
+    do {
+        page = (page + 1) % pages();
+    } while (lanes_of(page).empty());
+    return page;
+}
+
+void Player::at_end_of_page()
+{
+    const int next = page_after(page_);
+    if (next == page_ && options_.loop) {
+        playback_.seek(0);
+    } else if (next > page_ || options_.loop) {
+        playback_.freeze();
+        playback_.stand_at(0);
+        change_page(next);
+    } else if (!wall_->cameras().empty()) {
+        live();
+    } else {
+        done_ = true;
     }
-    return nullptr;
+}
+
+std::pair<uint32_t, uint32_t> Player::picture_size(int channel) const
+{
+    if (!playing_) return {0, 0};
+    for (const size_t i : lanes_of_page()) {
+        if (playback_.lanes()[i]->decoder() != channel) continue;
+        const StreamFacts facts = playback_.facts_of(i);
+        return {facts.width_px, facts.height_px};
+    }
+    return {0, 0};
 }
 
 void Player::play()
@@ -127,6 +149,7 @@ void Player::play()
     done_ = false;
     began_at_ = Clock::now();
     single_ = -1;
+    if (lanes_of_page().empty()) page_ = page_after(page_);
     count_from_here();
     show_files();
     if (first) {
@@ -257,7 +280,12 @@ void Player::enlarge(int file)
 
 void Player::turn_to_page(int page)
 {
-    if (!playing_ || page < 0 || page >= pages() || page == page_) return;
+    if (!playing_ || page < 0 || page >= pages() || page == page_ || lanes_of(page).empty()) return;
+    change_page(page);
+}
+
+void Player::change_page(int page)
+{
     playback_.freeze();
     count_to_here();
     page_ = page;
@@ -299,7 +327,7 @@ bool Player::on_key(Key key)
     case Key::kLeft: skip(-kSkip_s); return true;
     case Key::kRight: skip(kSkip_s); return true;
     case Key::kPrevious: seek(0); return true;
-    case Key::kNext: turn_to_page((page_ + 1) % pages()); return true;
+    case Key::kNext: turn_to_page(page_after(page_)); return true;
     case Key::kEnter: wall_->enlarge(wall_->enlarged() < 0 ? wall_->selected() : -1); return true;
     case Key::kBack:
         if (wall_->enlarged() < 0) return false;
@@ -339,6 +367,9 @@ void Player::stop()
 {
     if (playing_) hand_back();
     playback_.stop();
+    for (const auto &lane : playback_.lanes()) {
+        if (!lane->trouble().empty()) fail(kExitInputFailed, {});
+    }
     if (!options_.wav_path.empty()) {
         vboard_audio_wait_played(kLoudspeaker, kLastSound_ms);
         vboard_audio_close(kLoudspeaker);

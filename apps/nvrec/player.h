@@ -7,7 +7,7 @@
  *           cameras' layout
  *
  * The library plays on decoder channels 0 to 7: of more files, eight make a page, and one page is on
- * the screen. A file plays on the channel of its number in its page.
+ * the screen, then the next. A file plays on the channel of its number in its page.
  *
  * Keys: play, pause, stop (back to the cameras), faster (1, 2, 4 times), left and right (10 s),
  * previous (the beginning), next (the next page), enter or a double click (one picture alone).
@@ -15,6 +15,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "companion.h"
@@ -70,12 +71,16 @@ public:
     void fail(int exit_code, const std::string &line);
 
     bool playing() const { return playing_; }
-    /** A file's facts by the channel it plays on; null = no file plays there. */
-    const PlaybackLane *on_channel(int channel) const;
+    /** Width and height of the file that plays on a channel; zeros = none does. */
+    std::pair<uint32_t, uint32_t> picture_size(int channel) const;
 
 private:
     int pages() const;
-    std::vector<size_t> lanes_of_page() const;
+    int page_after(int page) const;
+    std::vector<size_t> lanes_of(int page) const;
+    std::vector<size_t> lanes_of_page() const { return lanes_of(page_); }
+    void at_end_of_page();
+    void change_page(int page);
     void match_decoders_to_files();
     void match_decoders_to_cameras();
     void count_from_here();

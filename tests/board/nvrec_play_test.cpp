@@ -213,6 +213,17 @@ TEST_F(NvrecPlay, TheZoomedPictureIsTheCropOfTheRecording)
     EXPECT_EQ(nvrec_test::stamp_enlarged(zoomed, 2), (Stamp{kFirstFile, kRate}));
 }
 
+TEST_F(NvrecPlay, OnePageAfterTheOtherIsPlayed)
+{
+    /* Seven files of the first page are not there, and the second page begins when the eighth ends. */
+    std::vector<std::string> files(7, clip("absent.mp4"));
+    files.push_back(kFiles[1]);
+    files.push_back(kFiles[0]);
+    ASSERT_EQ(play({"--speed", "2", "--seek", "3", "-p", file("end.png")}, files), 3) << words();
+    EXPECT_EQ(stamp_in(taken("end"), 0, 0, 1920, 1080), (Stamp{kFirstFile, kLast}));
+    EXPECT_EQ(reported(file_text(file("report.json")), 8, "sent"), kFrames);
+}
+
 TEST_F(NvrecPlay, ObeysTheRemoteControl)
 {
     std::vector<std::string> command = {NVREC_PROGRAM,
