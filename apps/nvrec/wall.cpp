@@ -325,8 +325,7 @@ void Wall::write_reports()
         std::string member = companions_[i]->json();
         if (!member.empty()) more.push_back(std::move(member));
     }
-    if (write_text(options_.json_path,
-                   json_of(channels, options_.layout, options_.output, lasted_s_, more)))
+    if (write_text(options_.json_path, json_of(channels, options_.layout, options_.output, lasted_s_, more)))
         return;
     terminal_.complain("cannot write " + options_.json_path);
     worse(kExitOutputFailed);
