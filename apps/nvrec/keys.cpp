@@ -43,11 +43,15 @@ bool KeyWatch::start(WallControl &wall)
     return has_panel;
 }
 
-void KeyWatch::read_panel() const
+void KeyWatch::read_panel()
 {
-    uint32_t code;
-    while (panel_.is_open() && panel_.read(&code, sizeof code) == sizeof code)
+    while (panel_.is_open()) {
+        uint32_t code;
+        const int read = panel_.read(&code, sizeof code);
+        if (read < 0) panel_.close(); /* unplugged: it is not asked again */
+        if (read != sizeof code) return;
         enqueue_panel_key(code);
+    }
 }
 
 /*

@@ -43,7 +43,7 @@ public:
 
 private:
     void run(WallControl &wall);
-    void read_panel() const;
+    void read_panel();
 
     DeviceNode panel_;
     std::thread thread_;
