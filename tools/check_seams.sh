@@ -20,17 +20,18 @@ sources() { find "$@" -type f \( -name '*.h' -o -name '*.c' -o -name '*.cpp' \) 
 # Source text without comments and string literals.
 bare_code() { g++ -fpreprocessed -dD -E -P -x c++ "$1" 2>/dev/null | sed -E 's/"([^"\\]|\\.)*"/""/g'; }
 
-# 1. Codecs, scalers and windows are the host side's alone; the recorder may demux.
+# 1. Codecs, scalers and windows are the host side's alone; the recorder may demux, and decode the
+#    cameras' sound to what the library takes.
 media='libav[a-z]*/|libsw[a-z]*/|libyuv|turbojpeg|jpeglib|SDL'
 while read -r file; do
     grep -nE "^[[:space:]]*#[[:space:]]*include[[:space:]]*[<\"]($media)" "$file" >/dev/null &&
         violation "$file includes a media library; only platform/virtual/host may"
 done < <(sources src include platform | grep -v '^platform/virtual/host/')
 while read -r file; do
-    grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"](libsw[a-z]*/|libyuv|turbojpeg|jpeglib|SDL)' "$file" >/dev/null &&
-        violation "$file includes a media library beyond libavformat and libavcodec"
+    grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"](libswscale/|libyuv|turbojpeg|jpeglib|SDL)' "$file" >/dev/null &&
+        violation "$file includes a media library beyond libavformat, libavcodec and libswresample"
     grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*"(mi_|board_io)' "$file" >/dev/null &&
-        [ "$file" != apps/nvrec/device_node.cpp ] && # the mouse and the panel's keys: the application's own
+        [ "$file" != apps/nvrec/controls/device_node.cpp ] && # the mouse and the panel's keys: the application's own
         violation "$file reaches below the library"
 done < <(sources apps)
 

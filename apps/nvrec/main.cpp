@@ -8,7 +8,7 @@ extern "C" {
 #include <libavutil/log.h>
 }
 
-#include "command.h"
+#include "wall/command.h"
 
 namespace
 {

@@ -9,7 +9,7 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include "control_socket.h"
+#include "controls/control_socket.h"
 #include "nvrec_run.h"
 
 namespace

@@ -11,17 +11,17 @@
 
 #include <gtest/gtest.h>
 
-#include "health.h"
-#include "indicators.h"
-#include "key_names.h"
-#include "keys.h"
-#include "keys_navigation.h"
+#include "controls/health.h"
+#include "controls/indicators.h"
+#include "controls/key_names.h"
+#include "controls/keys.h"
+#include "controls/keys_navigation.h"
 #include "nvrhal.h"
-#include "report.h"
-#include "session.h"
-#include "terminal.h"
 #include "vboard.h"
 #include "vboard_devices.h"
+#include "wall/report.h"
+#include "wall/session.h"
+#include "wall/terminal.h"
 
 namespace
 {

@@ -12,11 +12,11 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
-#include "furniture.h"
 #include "nvrhal.h"
-#include "report.h"
-#include "session.h"
-#include "terminal.h"
+#include "screen/furniture.h"
+#include "wall/report.h"
+#include "wall/session.h"
+#include "wall/terminal.h"
 
 using namespace nvrec;
 

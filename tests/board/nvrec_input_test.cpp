@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-#include "input.h"
+#include "camera/input.h"
 
 namespace
 {

@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "layout.h"
-#include "session.h"
+#include "wall/layout.h"
+#include "wall/session.h"
 
 namespace
 {

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "input.h"
+#include "camera/input.h"
 
 namespace
 {

@@ -2,7 +2,7 @@
 #include <future>
 
 #include "mi_disp.h"
-#include "playback.h"
+#include "play/playback.h"
 #include "playback_session.h"
 #include "vboard_audio.h"
 

@@ -5,11 +5,11 @@
 
 #include <gtest/gtest.h>
 
+#include "camera/sound.h"
 #include "nvrhal.h"
-#include "parameter_sets.h"
-#include "pool_reader.h"
-#include "segment.h"
-#include "sound.h"
+#include "record/parameter_sets.h"
+#include "record/pool_reader.h"
+#include "record/segment.h"
 
 namespace
 {

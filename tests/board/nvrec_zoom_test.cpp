@@ -5,7 +5,7 @@
 
 #include "nvrec_run.h"
 #include "nvrec_stamps.h"
-#include "zoom.h"
+#include "play/zoom.h"
 
 namespace
 {

@@ -1,0 +1,298 @@
+/* feeder.cpp - see feeder.h. */
+#include "camera/feeder.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "nvrhal.h"
+#include "vboard.h"
+
+namespace nvrec
+{
+namespace
+{
+
+using Clock = std::chrono::steady_clock;
+
+constexpr auto kFirstRetry = std::chrono::seconds(1);
+constexpr auto kLongestRetry = std::chrono::seconds(16);
+constexpr auto kSilence = std::chrono::seconds(10); /* a live input gives up a silent line after this */
+constexpr int kDecoderPatience_ms = 2000;           /* for one unit, when feeding as fast as it goes */
+
+uint32_t shared_word(uint32_t &word)
+{
+    return std::atomic_ref<uint32_t>(word).load(std::memory_order_relaxed);
+}
+
+/* The screen belongs to recordings, or to another camera's zoom: refusals are as they should be. */
+bool is_kept_out(int channel)
+{
+    if (shared_word(playback_status) == 1) return true;
+    return shared_word(vo_for_ezoom) == 1 && shared_word(zoom_channel) != static_cast<uint32_t>(channel);
+}
+
+} // namespace
+
+Feeder::Feeder(int channel, std::string address, const FeedOptions &options)
+    : channel_(channel), options_(options), input_(std::move(address))
+{
+    if (channel < 32 && (options.sound_channels >> channel & 1) != 0) input_.want_sound();
+}
+
+Feeder::~Feeder()
+{
+    ask_to_stop();
+    join();
+}
+
+bool Feeder::hold()
+{
+    hold_tried_ = true;
+    if (!input_.open(options_.open_limit)) {
+        report(input_.error());
+        return false;
+    }
+    const Input::Read result = input_.read_key(&held_);
+    if (result != Input::Read::kUnit) {
+        report(result == Input::Read::kEnd ? "it holds no key frame" : input_.error());
+        return false;
+    }
+    note_facts();
+    opened_.store(true);
+    return true;
+}
+
+int32_t Feeder::prime()
+{
+    return send(held_);
+}
+
+void Feeder::start(Events events)
+{
+    events_ = std::move(events);
+    started_at_ = Clock::now();
+    promise_until(Clock::now());
+    thread_ = std::thread([this] { run(); });
+}
+
+void Feeder::ask_to_stop()
+{
+    stop_.store(true, std::memory_order_relaxed);
+    input_.interrupt();
+    const std::scoped_lock guard(sleep_lock_);
+    sleep_.notify_all();
+}
+
+void Feeder::join()
+{
+    if (thread_.joinable()) thread_.join();
+}
+
+void Feeder::run()
+{
+    if (!hold_tried_) {
+        promise_until(Clock::now() + options_.open_limit);
+        hold();
+        started_at_ = Clock::now();
+    }
+    feed();
+    promise_until(Clock::time_point::max());
+    if (events_.ended) events_.ended(channel_);
+}
+
+void Feeder::feed()
+{
+    AccessUnit unit = std::move(held_);
+    if (!opened_.load() && (!reconnect(trouble()) || !next(&unit))) return;
+
+    uint64_t frames = 0;
+    bool refused_before = false; /* a line a spell of refusals, not a line a frame */
+    while (!stopping()) {
+        wait_due(unit);
+        if (stopping()) return;
+        promise_until(Clock::now());
+        pass_sound(unit.due_us);
+        if (events_.unit) events_.unit(channel_, unit, input_.facts());
+        const bool accepted = send(unit) == 0;
+        {
+            const std::scoped_lock guard(lock_);
+            counters_.sent += accepted;
+            counters_.refused += !accepted;
+            counters_.bytes += accepted ? unit.bytes.size() : 0;
+        }
+        if (!accepted && !refused_before && !is_kept_out(channel_))
+            report("the library refused a frame of " + std::to_string(unit.bytes.size()) + " bytes");
+        refused_before = !accepted;
+        /* Only now: the library changes the decoder when it sees the new codec. */
+        if (std::exchange(decoder_changes_, false) && events_.decoder_changed)
+            events_.decoder_changed(channel_);
+        if (options_.frames != 0 && ++frames >= options_.frames) return;
+        if (!next(&unit)) {
+            if (!stopping()) pass_sound(INT64_MAX);
+            return;
+        }
+    }
+}
+
+void Feeder::pass_sound(int64_t until_us)
+{
+    if (!events_.sound) return;
+    for (const SoundBlock &block : input_.take_sound(until_us))
+        events_.sound(channel_, block);
+}
+
+/* The next unit, across the ends of files and broken lines; false when there is none. */
+bool Feeder::next(AccessUnit *unit)
+{
+    bool just_rewound = false;
+    while (!stopping()) {
+        promise_until(input_.live() ? Clock::now() + kSilence : Clock::now());
+        switch (input_.read(unit)) {
+        case Input::Read::kUnit:
+            if (unit->key) note_facts();
+            return true;
+        case Input::Read::kInterrupted: return false;
+        case Input::Read::kEnd:
+            if (input_.live()) {
+                if (!reconnect("the camera ended the session")) return false;
+                break;
+            }
+            if (!options_.loop) return false;
+            if (just_rewound || !input_.rewind()) {
+                report(just_rewound ? "nothing to read after going back to its start" : input_.error());
+                broken_.store(true);
+                return false;
+            }
+            just_rewound = true;
+            {
+                const std::scoped_lock guard(lock_);
+                ++counters_.passes;
+            }
+            break;
+        case Input::Read::kFailed:
+            if (!reconnect(input_.error())) return false;
+            break;
+        }
+    }
+    return false;
+}
+
+/*
+ * Open a line again, with growing pauses, until it stands or the recorder stops. The next unit read
+ * need not be a key frame; the decoder waits for one by itself. Files are not tried again.
+ */
+bool Feeder::reconnect(const std::string &why)
+{
+    if (!input_.live()) {
+        report(why);
+        broken_.store(true);
+        return false;
+    }
+    auto pause = std::chrono::duration_cast<std::chrono::milliseconds>(kFirstRetry);
+    const Codec codec_before = input_.facts().codec;
+    report(why + "; connecting again");
+    while (wait_until(Clock::now() + pause)) {
+        promise_until(Clock::now() + options_.open_limit);
+        if (input_.open(options_.open_limit)) {
+            const bool first = !opened_.exchange(true);
+            note_facts();
+            {
+                const std::scoped_lock guard(lock_);
+                ++counters_.reconnects;
+            }
+            decoder_changes_ = first || input_.facts().codec != codec_before;
+            return true;
+        }
+        report(input_.error() + "; trying again");
+        pause = std::min<std::chrono::milliseconds>(pause * 2, kLongestRetry);
+    }
+    return false;
+}
+
+/* False when the recorder stops first. */
+bool Feeder::wait_until(Clock::time_point when)
+{
+    promise_until(when);
+    std::unique_lock guard(sleep_lock_);
+    return !sleep_.wait_until(guard, when, [this] { return stopping(); });
+}
+
+void Feeder::wait_due(const AccessUnit &unit)
+{
+    if (input_.live()) return;                           /* the camera paces */
+    if (options_.as_fast_as_can && events_.sink) return; /* the sink paces */
+    if (options_.as_fast_as_can) {
+        promise_until(Clock::now() + std::chrono::milliseconds(kDecoderPatience_ms));
+        vboard_decoder_wait_idle(static_cast<uint32_t>(channel_), kDecoderPatience_ms);
+        return;
+    }
+    const auto due =
+        std::chrono::duration<double, std::micro>(static_cast<double>(unit.due_us) / options_.speed);
+    wait_until(started_at_ + std::chrono::duration_cast<Clock::duration>(due));
+}
+
+int32_t Feeder::send(const AccessUnit &unit)
+{
+    return events_.sink ? events_.sink(unit, input_.facts()) : send_to_decoder(unit);
+}
+
+int32_t Feeder::send_to_decoder(const AccessUnit &unit)
+{
+    const StreamFacts &facts = input_.facts();
+    FrameInfo frame = {};
+    frame.frame_type = unit.key ? 1 : 0;
+    frame.media = FRAME_MEDIA_VIDEO;
+    frame.length = static_cast<uint32_t>(unit.bytes.size());
+    frame.width = facts.width_px;
+    frame.height = facts.height_px;
+    frame.data = const_cast<uint8_t *>(unit.bytes.data()); /* only read by the library */
+    frame.channel = static_cast<uint32_t>(channel_);
+    frame.pts = static_cast<uint64_t>(unit.pts_us);
+    return ext_send_stream(&frame, static_cast<uint32_t>(facts.codec), options_.link_quality,
+                           options_.rate_class);
+}
+
+void Feeder::promise_until(Clock::time_point when)
+{
+    promise_.store(when.time_since_epoch().count(), std::memory_order_relaxed);
+}
+
+Clock::time_point Feeder::promise() const
+{
+    return Clock::time_point(Clock::duration(promise_.load(std::memory_order_relaxed)));
+}
+
+void Feeder::note_facts()
+{
+    const std::scoped_lock guard(lock_);
+    facts_ = input_.facts();
+}
+
+void Feeder::report(const std::string &line)
+{
+    {
+        const std::scoped_lock guard(lock_);
+        trouble_ = line;
+    }
+    if (events_.trouble) events_.trouble(channel_, line);
+}
+
+StreamFacts Feeder::facts() const
+{
+    const std::scoped_lock guard(lock_);
+    return facts_;
+}
+
+FeedCounters Feeder::counters() const
+{
+    const std::scoped_lock guard(lock_);
+    return counters_;
+}
+
+std::string Feeder::trouble() const
+{
+    const std::scoped_lock guard(lock_);
+    return trouble_;
+}
+
+} // namespace nvrec

@@ -1,0 +1,140 @@
+/*
+ * feeder.h - one camera's thread: reads access units and hands them to the library in time.
+ *
+ *      hold()          start()                    stop() or the end of the input
+ *  new ------> held ----------> feeding <-----> waiting to reconnect ------> ended
+ *
+ * hold() reads the first key frame, which the caller sends once so that the library makes the
+ * channel a decoder of its codec; the layout throws that frame away, and the thread sends it again
+ * as its first.
+ *
+ * Threads: hold(), start() and stop() from one thread, the counters from any.
+ */
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "camera/input.h"
+
+namespace nvrec
+{
+
+/** How inputs are fed. */
+struct FeedOptions {
+    bool loop = false;           /* begin a file again at its end                          */
+    double speed = 1.0;          /* files: times the stream's own frame rate               */
+    bool as_fast_as_can = false; /* files: the next unit when the decoder took the last one */
+    uint64_t frames = 0;         /* end after so many; 0 = no limit                        */
+    int32_t link_quality = 0;    /* for ext_send_stream; 0 = not measured                  */
+    int32_t rate_class = 0;      /* likewise                                               */
+    uint32_t sound_channels = 0; /* bit n = channel n's sound is wanted                    */
+    std::chrono::milliseconds open_limit = std::chrono::seconds(10);
+};
+
+/** What a feeder has done so far. */
+struct FeedCounters {
+    uint64_t sent = 0;       /* units that the library accepted                       */
+    uint64_t refused = 0;    /* units that it refused                                 */
+    uint64_t bytes = 0;      /* of accepted units                                     */
+    uint64_t passes = 0;     /* times a file was begun again                          */
+    uint64_t reconnects = 0; /* times a line was opened again                         */
+};
+
+class Feeder
+{
+public:
+    /** What the thread tells others; called from the feeder's thread. */
+    struct Events {
+        std::function<void(int channel, const std::string &line)> trouble; /* something went wrong  */
+        std::function<void(int channel)> decoder_changed; /* the layout must be applied again       */
+        std::function<void(int channel)> ended;           /* nothing more will be sent                */
+        std::function<void(int channel, const AccessUnit &, const StreamFacts &)>
+            unit; /* before it is sent */
+        std::function<void(int channel, const SoundBlock &)>
+            sound; /* wanted sound, before the unit that is due with it or after it */
+        std::function<int32_t(const AccessUnit &, const StreamFacts &)>
+            sink; /* where units go; 0 = accepted. None = the channel's decoder */
+    };
+
+    Feeder(int channel, std::string address, const FeedOptions &options);
+    ~Feeder();
+
+    /** Open the input and read its first key frame. @return false with the reason in trouble(). */
+    bool hold();
+
+    /** Send the held frame once, so that its decoder is made. @return the library's result. */
+    int32_t prime();
+
+    /**
+     * Start the thread. A live input that hold() could not open is tried again by it; an input for
+     * which hold() was not called is opened by it.
+     */
+    void start(Events events);
+
+    /** Ask the thread to end; join waits for it. */
+    void ask_to_stop();
+    void join();
+
+    int channel() const { return channel_; }
+    const Input &input() const { return input_; }
+    bool opened() const { return opened_.load(); }
+    bool broken() const { return broken_.load(); }
+
+    /**
+     * When the thread will have been heard from again at the latest: it promises before everything
+     * that may take its time. A promise that is past means that the thread hangs. max() = it does not
+     * run, or has ended.
+     */
+    std::chrono::steady_clock::time_point promise() const;
+
+    /** Codec, size and frame rate as last learned. */
+    StreamFacts facts() const;
+    FeedCounters counters() const;
+    std::string trouble() const;
+
+private:
+    void run();
+    void feed();
+    bool next(AccessUnit *unit);
+    bool reconnect(const std::string &why);
+    bool wait_until(std::chrono::steady_clock::time_point when);
+    void wait_due(const AccessUnit &unit);
+    int32_t send(const AccessUnit &unit);
+    int32_t send_to_decoder(const AccessUnit &unit);
+    void pass_sound(int64_t until_us);
+    void note_facts();
+    void report(const std::string &line);
+    void promise_until(std::chrono::steady_clock::time_point when);
+    bool stopping() const { return stop_.load(std::memory_order_relaxed); }
+
+    const int channel_;
+    const FeedOptions options_;
+    Input input_;
+    AccessUnit held_;
+    bool hold_tried_ = false;
+    Events events_;
+    std::thread thread_;
+    std::atomic<bool> stop_ = false;
+    std::atomic<bool> opened_ = false; /* the input was opened at least once        */
+    std::atomic<bool> broken_ = false; /* it ended by a failure, not by its own end */
+    std::atomic<std::chrono::steady_clock::rep> promise_ = INT64_MAX; /* ticks of the clock        */
+    std::chrono::steady_clock::time_point started_at_;
+    bool decoder_changes_ = false; /* the next unit sent gives the channel another decoder */
+
+    std::mutex sleep_lock_; /* with sleep_, only to wake a waiting thread at stop */
+    std::condition_variable sleep_;
+
+    mutable std::mutex lock_; /* guards what follows */
+    StreamFacts facts_;
+    FeedCounters counters_;
+    std::string trouble_;
+};
+
+} // namespace nvrec

@@ -1,0 +1,55 @@
+/*
+ * control_desk.h - what a running recorder answers on its control socket.
+ *
+ *   key NAME [remote|panel]   press a button of the board; "ok" once the recorder has acted on it
+ *   board                     the table of "nvrec board"
+ *
+ * Threads: requests come on the socket's thread; what asks the wall is done in a turn of the main
+ * thread, which is rung for it.
+ */
+#pragma once
+
+#include <future>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "controls/control_socket.h"
+#include "wall/companion.h"
+
+namespace nvrec
+{
+
+class Keys;
+
+class ControlDesk final : public Companion
+{
+public:
+    /**
+     * @param path  of the socket; empty = the user's default, which another recorder may have
+     * @param keys  where buttons are pressed; outlives this
+     */
+    ControlDesk(std::string path, Keys &keys) : path_(std::move(path)), keys_(keys) {}
+    ~ControlDesk() override { server_.stop(); }
+
+    bool start(WallControl &wall) override;
+    Clock::time_point take_turn(Clock::time_point now) override;
+    void stop() override;
+
+private:
+    std::string answer(const std::string &request);
+    std::string press(const std::vector<std::string> &words);
+    std::string on_main_thread(std::function<std::string()> work);
+    void do_work();
+
+    const std::string path_;
+    Keys &keys_;
+    WallControl *wall_ = nullptr;
+    ControlServer server_;
+
+    std::mutex lock_; /* guards what follows */
+    std::vector<std::packaged_task<std::string()>> work_;
+    bool stopped_ = false;
+};
+
+} // namespace nvrec

@@ -1,0 +1,118 @@
+/* health.cpp - see health.h. */
+#include "controls/health.h"
+
+#include <utility>
+
+#include "nvrhal.h"
+#include "vboard_devices.h"
+#include "wall/terminal.h"
+
+namespace nvrec
+{
+namespace
+{
+
+using namespace std::chrono_literals;
+
+constexpr auto kLookPeriod = 250ms;
+constexpr auto kMainPeriod = 5s;   /* the main thread has a turn at least so often */
+constexpr auto kMainPromise = 30s; /* sixteen panes, pictures, menus: all in one turn */
+constexpr auto kFeederEnds = 4s;   /* the library's thread looks whether it is to end every 3 s */
+
+} // namespace
+
+void Health::watch(std::string name, Promise promise)
+{
+    watched_.push_back({std::move(name), std::move(promise)});
+}
+
+bool Health::start(WallControl &wall)
+{
+    wall_ = &wall;
+    if (watchdog_s_ == 0) {
+        ext_wdg_set(0);
+        return true;
+    }
+    for (const auto &camera : wall.cameras()) {
+        watch("the thread of channel " + std::to_string(camera->channel()),
+              [feeder = camera.get()] { return feeder->promise(); });
+    }
+    take_turn(Clock::now());
+    watch("the main thread", [this] { return Clock::time_point(Clock::duration(main_promise_.load())); });
+    if (local_wdg_set_timeout(watchdog_s_) < 0) wall.terminal().complain("watchdog: it refused its time-out");
+    feed();
+    stop_ = false;
+    thread_ = std::thread([this] { run(); });
+    return true;
+}
+
+void Health::feed()
+{
+    Set_Wdt_Fing(1);
+    feeding_ = wdt_feed_pt() == 0;
+    if (!feeding_) wall_->terminal().complain("watchdog: there is no thread to feed it");
+}
+
+Companion::Clock::time_point Health::take_turn(Clock::time_point now)
+{
+    main_promise_.store((now + kMainPromise).time_since_epoch().count());
+    return watchdog_s_ == 0 ? Clock::time_point::max() : now + kMainPeriod;
+}
+
+std::optional<std::string> Health::late_thread(Clock::time_point now) const
+{
+    for (const Watched &one : watched_) {
+        const Clock::time_point promise = one.promise();
+        if (promise < now && now - promise > patience_) return one.name;
+    }
+    return std::nullopt;
+}
+
+void Health::look(Clock::time_point now)
+{
+    const std::scoped_lock guard(looking_);
+    const std::optional<std::string> late = late_thread(now);
+    if (late && feeding_) {
+        Set_Wdt_Fing(0);
+        feeding_ = false;
+        starved_at_ = now;
+        wall_->terminal().complain("watchdog: " + *late + " hangs; it is fed no more");
+    } else if (!late && !feeding_ && now - starved_at_ >= kFeederEnds) {
+        feed(); /* before that, the thread that is to end would go on beside the new one */
+        if (feeding_) wall_->terminal().complain("watchdog: all threads run again; it is fed");
+    }
+    tell_expiry();
+}
+
+void Health::tell_expiry()
+{
+    vboard_watchdog_stat stat;
+    if (expiry_told_ || vboard_watchdog_get_stat(&stat) != 0 || stat.expired == 0) return;
+    expiry_told_ = true;
+    wall_->terminal().complain("watchdog: it has expired; a board of metal resets now");
+}
+
+void Health::run()
+{
+    std::unique_lock guard(lock_);
+    while (!changed_.wait_for(guard, kLookPeriod, [this] { return stop_; })) {
+        guard.unlock();
+        look(Clock::now());
+        guard.lock();
+    }
+}
+
+/* An orderly end is no reason for a reset. */
+void Health::stop()
+{
+    if (!thread_.joinable()) return;
+    {
+        const std::scoped_lock guard(lock_);
+        stop_ = true;
+        changed_.notify_one();
+    }
+    thread_.join();
+    ext_wdg_set(0);
+}
+
+} // namespace nvrec

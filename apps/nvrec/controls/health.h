@@ -1,0 +1,80 @@
+/*
+ * health.h - the watchdog is fed while the recorder is healthy.
+ *
+ *   feeding --a thread is late--> starving --it answers again--> feeding
+ *                                    |
+ *                                    +--the watchdog's time-out--> the board resets
+ *
+ * Every camera's thread promises when it will be heard from, and so does the main thread. The
+ * library's thread feeds; it is told to end when a promise is broken for too long.
+ *
+ * Threads: one of its own looks at the others; take_turn() keeps the main thread's promise.
+ */
+#pragma once
+
+#include <atomic>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "wall/companion.h"
+
+namespace nvrec
+{
+
+class Health final : public Companion
+{
+public:
+    /** When a thread will have been heard from at the latest; any thread. */
+    using Promise = std::function<Clock::time_point()>;
+
+    /**
+     * @param watchdog_s  the watchdog's time-out; 0 = it is switched off
+     * @param patience    a promise that is broken for so long means that the thread hangs
+     */
+    Health(int watchdog_s, Clock::duration patience) : watchdog_s_(watchdog_s), patience_(patience) {}
+    ~Health() override { stop(); }
+
+    /** Before start(): watch one more. */
+    void watch(std::string name, Promise promise);
+
+    bool start(WallControl &wall) override;
+    Clock::time_point take_turn(Clock::time_point now) override;
+    void stop() override;
+
+    /** Feed or starve the watchdog as the threads stand now. Any thread; its own does it all the time. */
+    void look(Clock::time_point now);
+
+private:
+    struct Watched {
+        std::string name;
+        Promise promise;
+    };
+
+    void feed();
+    std::optional<std::string> late_thread(Clock::time_point now) const;
+    void tell_expiry();
+    void run();
+
+    const int watchdog_s_;
+    const Clock::duration patience_;
+    WallControl *wall_ = nullptr;
+    std::vector<Watched> watched_;
+    std::atomic<Clock::rep> main_promise_ = 0;
+
+    std::mutex looking_; /* guards what follows */
+    bool feeding_ = false;
+    bool expiry_told_ = false;
+    Clock::time_point starved_at_;
+
+    std::thread thread_;
+    std::mutex lock_; /* guards stop_ */
+    std::condition_variable changed_;
+    bool stop_ = false;
+};
+
+} // namespace nvrec

@@ -1,0 +1,47 @@
+/*
+ * indicators.h - what the recorder shows and sounds: the record lamp, the buzzer, the clock.
+ *
+ * The lamp blinks while something records and is lit otherwise. The buzzer sounds ten seconds for a
+ * camera whose video is lost: one that ran and sends nothing for three seconds, or whose analog
+ * input has no signal. The clock is read once, and set from the system's when it has lost its time.
+ *
+ * Threads: the main one; on_unit() on the cameras'.
+ */
+#pragma once
+
+#include <array>
+#include <atomic>
+
+#include "wall/companion.h"
+
+namespace nvrec
+{
+
+class Indicators final : public Companion
+{
+public:
+    bool start(WallControl &wall) override;
+    void on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts) override;
+    Clock::time_point take_turn(Clock::time_point now) override;
+    void stop() override;
+
+private:
+    static constexpr size_t kMostChannels = 64;
+
+    void read_clock();
+    void drive_lamp();
+    void look_for_loss(Clock::time_point now);
+    void drive_buzzer(Clock::time_point now);
+    bool is_silent(const Feeder &camera, Clock::time_point now) const;
+
+    WallControl *wall_ = nullptr;
+    std::array<std::atomic<Clock::rep>, kMostChannels> unit_at_ = {}; /* of the last one; 0 = none */
+    std::array<bool, kMostChannels> lost_ = {};
+    bool front_end_failed_ = false;
+    bool lamp_blinks_ = false;
+    bool buzzer_sounds_ = false;
+    Clock::time_point look_at_;
+    Clock::time_point buzz_until_;
+};
+
+} // namespace nvrec

@@ -1,0 +1,194 @@
+/* keys.cpp - see keys.h. */
+#include "controls/keys.h"
+
+#include "keyboard_driver.h"
+#include "mouse_driver.h"
+#include "nvrhal.h"
+#include "vboard_devices.h"
+#include "wall/terminal.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr auto kWatchPeriod = std::chrono::milliseconds(20);
+constexpr int kMostKeysATurn = 512;    /* twice round the queue: a stuck key must not stop the wall */
+constexpr uint32_t kPanelSource = 1;   /* KeyEvent::source; the library's own is 2, the remote */
+constexpr uint32_t kWriterSlots = 128; /* of the key queue */
+
+uint32_t keys_written()
+{
+    return __atomic_load_n(&key_que.write_index, __ATOMIC_RELAXED);
+}
+
+/* As the library's reader does it; the queue's owner looks at the indexes without the lock. */
+void enqueue_panel_key(uint32_t code)
+{
+    pthread_mutex_lock(&g_key_lock);
+    const uint32_t index = keys_written() % kWriterSlots;
+    key_que.slots[index].source = kPanelSource;
+    key_que.slots[index].code = code;
+    __atomic_store_n(&key_que.write_index, (index + 1) % kWriterSlots, __ATOMIC_RELAXED);
+    pthread_mutex_unlock(&g_key_lock);
+}
+
+} // namespace
+
+bool KeyWatch::start(WallControl &wall)
+{
+    const bool has_panel = panel_.open(KEYBOARD_NODE);
+    stop_ = false;
+    thread_ = std::thread([this, &wall] { run(wall); });
+    return has_panel;
+}
+
+void KeyWatch::read_panel()
+{
+    while (panel_.is_open()) {
+        uint32_t code;
+        const int read = panel_.read(&code, sizeof code);
+        if (read < 0) panel_.close(); /* unplugged: it is not asked again */
+        if (read != sizeof code) return;
+        enqueue_panel_key(code);
+    }
+}
+
+/*
+ * Rings once for what was written since the last ring: the wall takes everything there is, and a
+ * queue that cannot be emptied does not ring for ever.
+ */
+void KeyWatch::run(WallControl &wall)
+{
+    uint32_t rung_for = 0; /* the queue begins empty */
+    std::unique_lock guard(lock_);
+    while (!changed_.wait_for(guard, kWatchPeriod, [this] { return stop_; })) {
+        read_panel();
+        const uint32_t written = keys_written();
+        if (written == rung_for) continue;
+        rung_for = written;
+        wall.ring();
+    }
+}
+
+void KeyWatch::stop()
+{
+    if (!thread_.joinable()) return;
+    {
+        const std::scoped_lock guard(lock_);
+        stop_ = true;
+        changed_.notify_one();
+    }
+    thread_.join();
+    panel_.close();
+}
+
+/* A recorder without keys still records: whatever is missing is only said. */
+bool Keys::start(WallControl &wall)
+{
+    wall_ = &wall;
+    stopped_ = false;
+    if (ext_keyboard_initial() != 0) wall.terminal().complain("keys: the library could not set them up");
+    pthread_t reader;
+    if (pthread_create(&reader, nullptr, read_remote, this) == 0) {
+        remote_reader_ = reader;
+    } else {
+        wall.terminal().complain("keys: no thread for the remote control");
+    }
+    if (!watch_.start(wall))
+        wall.terminal().complain("keys: there is no front panel, and without it no key is taken");
+    if (!mouse_.start([&wall] { wall.ring(); })) wall.terminal().complain("keys: there is no mouse");
+    return true;
+}
+
+/* Ends by being cancelled, or at once when there is no receiver. */
+void *Keys::read_remote(void *self)
+{
+    hi_remotekey_proc();
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
+    static_cast<Keys *>(self)->wall_->terminal().complain("keys: there is no receiver of the remote control");
+    return nullptr;
+}
+
+Companion::Clock::time_point Keys::take_turn(Clock::time_point)
+{
+    take_keys();
+    take_pointer();
+    return Clock::time_point::max();
+}
+
+void Keys::take_keys()
+{
+    const auto waiting = [] {
+        return __atomic_load_n(&key_que.read_index, __ATOMIC_RELAXED) != keys_written();
+    };
+    uint32_t event[5] = {};
+    for (int i = 0; i < kMostKeysATurn && waiting(); ++i) {
+        if (ext_keyboard_value(event) != 0) return;
+        const Button *button = button_sending(event[2]); /* none for the queue's slots that nobody writes */
+        if (!button) continue;
+        wall_->key(button->key);
+        note(button->key_code);
+    }
+}
+
+void Keys::take_pointer()
+{
+    while (__atomic_load_n(&g_bMouseEvent, __ATOMIC_RELAXED) != 0) {
+        uint32_t words[5];
+        static_assert(sizeof words == sizeof(MouseEvent));
+        if (ext_mouse_get_status(words) != 0) return;
+        mouse_.taken();
+        const MouseEvent event = __builtin_bit_cast(MouseEvent, words);
+        PointerEvent pointer;
+        pointer.x = event.x;
+        pointer.y = event.y;
+        pointer.buttons = event.buttons;
+        pointer.pressed = event.buttons & ~buttons_down_;
+        pointer.wheel = event.type == MOUSE_EVENT_WHEEL ? event.wheel : 0;
+        buttons_down_ = event.buttons;
+        wall_->pointer(pointer);
+    }
+}
+
+void Keys::note(uint32_t key_code)
+{
+    const std::scoped_lock guard(lock_);
+    ++seen_.at(key_code);
+    came_.notify_all();
+}
+
+bool Keys::press(const Button &button, Way way, std::chrono::milliseconds limit)
+{
+    std::unique_lock guard(lock_);
+    if (stopped_) return false;
+    const uint64_t before = seen_.at(button.key_code);
+    if (way == Way::kPanel) {
+        vboard_panel_press(button.key_code);
+    } else {
+        vboard_ir_press(button.ir_code);
+    }
+    came_.wait_for(guard, limit, [&] { return stopped_ || seen_.at(button.key_code) != before; });
+    return seen_.at(button.key_code) != before;
+}
+
+void Keys::stop()
+{
+    if (!wall_) return;
+    {
+        const std::scoped_lock guard(lock_);
+        stopped_ = true;
+        came_.notify_all();
+    }
+    mouse_.stop();
+    watch_.stop();
+    if (remote_reader_) {
+        pthread_cancel(*remote_reader_);
+        pthread_join(*remote_reader_, nullptr);
+        remote_reader_.reset();
+    }
+    ext_keyboard_close(); /* only now: the reader would go on with a closed receiver */
+    wall_ = nullptr;
+}
+
+} // namespace nvrec

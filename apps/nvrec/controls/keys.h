@@ -1,0 +1,92 @@
+/*
+ * keys.h - the remote control, the front panel and the mouse, as the library hands them over.
+ *
+ *   IR receiver --> hi_remotekey_proc ---+
+ *                                        +--> key queue --> ext_keyboard_value ---> WallControl::key
+ *   front panel --> KeyWatch ------------+
+ *   mouse --------> MouseReader --> mouse event --> ext_mouse_get_status ----> WallControl::pointer
+ *
+ * Threads: the library's remote-key reader, the watch and the mouse reader run on threads of their
+ * own and ring the wall; keys and events are taken on the main thread.
+ */
+#pragma once
+
+#include <array>
+#include <condition_variable>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <thread>
+
+#include <pthread.h>
+
+#include "controls/device_node.h"
+#include "controls/key_names.h"
+#include "controls/mouse_reader.h"
+#include "wall/companion.h"
+
+namespace nvrec
+{
+
+/**
+ * Looks at the key queue fifty times a second, since the library tells nobody of a key, and brings
+ * the panel's keys into it.
+ */
+class KeyWatch
+{
+public:
+    ~KeyWatch() { stop(); }
+
+    /** @return false = there is no panel; the queue is watched all the same. */
+    bool start(WallControl &wall);
+    void stop();
+
+private:
+    void run(WallControl &wall);
+    void read_panel();
+
+    DeviceNode panel_;
+    std::thread thread_;
+    std::mutex lock_; /* guards stop_ */
+    std::condition_variable changed_;
+    bool stop_ = false;
+};
+
+class Keys final : public Companion
+{
+public:
+    enum class Way { kRemote, kPanel };
+
+    ~Keys() override { stop(); }
+
+    bool start(WallControl &wall) override;
+    Clock::time_point take_turn(Clock::time_point now) override;
+    void stop() override;
+
+    /**
+     * Press a button of the board and wait until the recorder has seen it. Any thread but the main.
+     * @return false = it did not come
+     */
+    bool press(const Button &button, Way way, std::chrono::milliseconds limit);
+
+private:
+    static constexpr size_t kKeyCodes = 128;
+
+    static void *read_remote(void *self);
+    void take_keys();
+    void take_pointer();
+    void note(uint32_t key_code);
+
+    WallControl *wall_ = nullptr;
+    std::optional<pthread_t> remote_reader_;
+    KeyWatch watch_;
+    MouseReader mouse_;
+    uint32_t buttons_down_ = 0; /* of the mouse, after the last event */
+
+    std::mutex lock_; /* guards what follows */
+    std::condition_variable came_;
+    std::array<uint64_t, kKeyCodes> seen_ = {}; /* how often each code was handed to the wall */
+    bool stopped_ = false;
+};
+
+} // namespace nvrec

@@ -1,0 +1,130 @@
+/* keys_navigation.cpp - see keys_navigation.h. */
+#include "controls/keys_navigation.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "mouse_driver.h"
+#include "wall/session.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr auto kDoubleClick = std::chrono::milliseconds(500);
+constexpr int kSidewaysCost = 2; /* a pane straight ahead is nearer than one to the side of it */
+
+constexpr Layout kOrder[] = {Layout::kGrid2, Layout::kOneAndFive, Layout::kOneAndSeven, Layout::kGrid3,
+                             Layout::kGrid4};
+
+/* Not mostly empty. */
+bool is_worth_having(Layout layout, int cameras)
+{
+    return pane_count(layout) <= 2 * cameras;
+}
+
+} // namespace
+
+Layout layout_after(Layout layout, int cameras)
+{
+    const int count = static_cast<int>(std::size(kOrder));
+    const auto found = std::ranges::find(kOrder, layout);
+    const int at = found != std::end(kOrder) ? static_cast<int>(found - std::begin(kOrder)) : count - 1;
+    for (int step = 1; step <= count; ++step) {
+        const Layout next = kOrder[(at + step) % count];
+        if (is_worth_having(next, cameras)) return next;
+    }
+    return layout;
+}
+
+int neighbour(const std::vector<DispAttrib> &panes, int channel, int dx, int dy)
+{
+    const auto from = std::ranges::find(panes, channel, &DispAttrib::channel);
+    if (from == panes.end()) return panes.empty() ? channel : panes.front().channel;
+    int best = channel;
+    int best_cost = 0;
+    for (const DispAttrib &pane : panes) {
+        /* Between middles, doubled. */
+        const int right = (2 * pane.x + pane.w) - (2 * from->x + from->w);
+        const int down = (2 * pane.y + pane.h) - (2 * from->y + from->h);
+        const int ahead = right * dx + down * dy;
+        if (ahead <= 0) continue;
+        const int cost = ahead + kSidewaysCost * std::abs(right * dy + down * dx);
+        if (best != channel && cost >= best_cost) continue;
+        best = pane.channel;
+        best_cost = cost;
+    }
+    return best;
+}
+
+bool Navigation::start(WallControl &wall)
+{
+    wall_ = &wall;
+    return true;
+}
+
+bool Navigation::choose(int channel)
+{
+    if (channel >= wall_->session().channels()) return true;
+    wall_->enlarge(wall_->enlarged() == channel ? -1 : channel);
+    return true;
+}
+
+bool Navigation::move(int dx, int dy)
+{
+    const int cameras = wall_->session().channels();
+    if (wall_->enlarged() < 0) {
+        wall_->select(neighbour(wall_->session().panes(), wall_->selected(), dx, dy));
+    } else if (dx != 0) {
+        wall_->enlarge((wall_->enlarged() + dx + cameras) % cameras);
+    }
+    return true;
+}
+
+bool Navigation::next_layout()
+{
+    const Layout next = layout_after(wall_->layout(), wall_->session().channels());
+    if (next != wall_->layout() || wall_->enlarged() >= 0) wall_->show_layout(next);
+    return true;
+}
+
+bool Navigation::on_key(Key key)
+{
+    if (key >= Key::kDigit0 && key <= Key::kDigit9)
+        return choose(key == Key::kDigit0 ? 9 : static_cast<int>(key) - static_cast<int>(Key::kDigit0) - 1);
+    switch (key) {
+    case Key::kUp: return move(0, -1);
+    case Key::kDown: return move(0, 1);
+    case Key::kLeft: return move(-1, 0);
+    case Key::kRight: return move(1, 0);
+    case Key::kEnter: return choose(wall_->enlarged() >= 0 ? wall_->enlarged() : wall_->selected());
+    case Key::kBack: wall_->enlarge(-1); return true;
+    case Key::kNextLayout: return next_layout();
+    default: return false;
+    }
+}
+
+int Navigation::pane_at(int x, int y) const
+{
+    for (const DispAttrib &pane : wall_->session().panes()) {
+        if (x >= pane.x && x < pane.x + pane.w && y >= pane.y && y < pane.y + pane.h) return pane.channel;
+    }
+    return -1;
+}
+
+bool Navigation::on_pointer(const PointerEvent &event)
+{
+    if (event.pressed & MOUSE_BUTTON_RIGHT) wall_->enlarge(-1);
+    if (!(event.pressed & MOUSE_BUTTON_LEFT)) return event.pressed != 0;
+    const int channel = pane_at(event.x, event.y);
+    const Clock::time_point now = Clock::now();
+    const bool second = channel >= 0 && channel == clicked_ && now - clicked_at_ <= kDoubleClick;
+    clicked_ = second ? -1 : channel;
+    clicked_at_ = now;
+    if (second) return choose(channel);
+    if (channel >= 0) wall_->select(channel);
+    return true;
+}
+
+} // namespace nvrec

@@ -1,0 +1,89 @@
+/* mouse_reader.cpp - see mouse_reader.h. */
+#include "controls/mouse_reader.h"
+
+#include <cstring>
+#include <utility>
+
+#include "mouse_driver.h"
+#include "nvrhal.h"
+
+namespace nvrec
+{
+namespace
+{
+
+static_assert(sizeof(MouseEvent) == sizeof g_s32KeyValue, "the library hands the event over as it is");
+
+class MouseLock
+{
+public:
+    MouseLock() { pthread_mutex_lock(&g_mouse_lock); }
+    ~MouseLock() { pthread_mutex_unlock(&g_mouse_lock); }
+    MouseLock(const MouseLock &) = delete;
+    MouseLock &operator=(const MouseLock &) = delete;
+};
+
+} // namespace
+
+bool MouseReader::start(std::function<void()> ring)
+{
+    if (!mouse_.open(MOUSE_NODE)) return false;
+    g_mouse_fd = mouse_.descriptor();
+    ring_ = std::move(ring);
+    stop_ = false;
+    thread_ = std::thread([this] { run(); });
+    return true;
+}
+
+/* Whether the slot may be written to. */
+bool MouseReader::is_free(bool for_a_move) const
+{
+    const MouseLock guard;
+    if (g_bMouseEvent == 0) return true;
+    MouseEvent waiting;
+    std::memcpy(&waiting, g_s32KeyValue, sizeof waiting);
+    return for_a_move && waiting.type == MOUSE_EVENT_MOVE;
+}
+
+void MouseReader::run()
+{
+    MouseEvent event;
+    std::unique_lock guard(lock_);
+    while (!stop_) {
+        guard.unlock();
+        const int read = mouse_.read(&event, sizeof event); /* waits a tenth of a second */
+        guard.lock();
+        if (read < 0) return; /* the mouse is gone */
+        if (read != sizeof event) continue;
+        changed_.wait(guard, [&] { return stop_ || is_free(event.type == MOUSE_EVENT_MOVE); });
+        if (stop_) return;
+        {
+            const MouseLock slot;
+            std::memcpy(g_s32KeyValue, &event, sizeof event);
+            __atomic_store_n(&g_bMouseEvent, 1,
+                             __ATOMIC_RELAXED); /* whoever takes it looks first without the lock */
+        }
+        ring_();
+    }
+}
+
+void MouseReader::taken()
+{
+    const std::scoped_lock guard(lock_); /* the reader does not look at the slot between test and wait */
+    changed_.notify_one();
+}
+
+void MouseReader::stop()
+{
+    if (!thread_.joinable()) return;
+    {
+        const std::scoped_lock guard(lock_);
+        stop_ = true;
+        changed_.notify_one();
+    }
+    thread_.join();
+    g_mouse_fd = -1;
+    mouse_.close();
+}
+
+} // namespace nvrec

@@ -1,0 +1,50 @@
+/*
+ * mouse_reader.h - the producer of the library's mouse event: a thread that reads the mouse node and
+ * fills g_s32KeyValue for ext_mouse_get_status.
+ *
+ * The library keeps one event. Moves replace one another there; anything else waits until the event
+ * before it was taken, so that no press and no turn of the wheel is lost.
+ */
+#pragma once
+
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <thread>
+
+#include "controls/device_node.h"
+
+namespace nvrec
+{
+
+class MouseReader
+{
+public:
+    ~MouseReader() { stop(); }
+
+    /**
+     * Open the mouse and read it.
+     * @param ring  called for every event that is ready to be taken; the reader's thread
+     * @return false = there is no mouse
+     */
+    bool start(std::function<void()> ring);
+
+    /** The waiting event was taken. Any thread. */
+    void taken();
+
+    /** End the thread and close the mouse. */
+    void stop();
+
+private:
+    void run();
+    bool is_free(bool for_a_move) const;
+
+    DeviceNode mouse_;
+    std::function<void()> ring_;
+    std::thread thread_;
+    std::mutex lock_; /* guards stop_, and that no one misses changed_; taken before g_mouse_lock */
+    std::condition_variable changed_;
+    bool stop_ = false;
+};
+
+} // namespace nvrec

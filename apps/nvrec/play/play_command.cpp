@@ -1,0 +1,133 @@
+/* play_command.cpp - "nvrec play": the command line of playback in the wall. */
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+
+#include "controls/controls.h"
+#include "play/play_script.h"
+#include "play/player.h"
+#include "play/snapshot.h"
+#include "play/zoom_options.h"
+#include "wall/command.h"
+#include "wall/screen_options.h"
+#include "wall/terminal.h"
+
+namespace nvrec
+{
+namespace
+{
+
+struct PlayCommand {
+    WallOptions wall; /* its inputs are the cameras */
+    PlayerOptions player;
+    ControlOptions controls;
+    ZoomOptions zoom;
+    std::string script;
+    std::string snapshot_dir = "out";
+};
+
+int whole(double number)
+{
+    return static_cast<int>(number);
+}
+
+/* The verbs of --do. */
+void teach(Script &script, Player &player, Zoom &zoom, Snapshots &snapshots)
+{
+    using Arguments = Script::Arguments;
+    script.offer("play", 0, 0, [&](const Arguments &) { player.play(); });
+    script.offer("pause", 0, 0, [&](const Arguments &) { player.pause(true); });
+    script.offer("resume", 0, 0, [&](const Arguments &) { player.pause(false); });
+    script.offer("seek", 1, 1, [&](const Arguments &to) { player.seek(to[0]); });
+    script.offer("skip", 1, 1, [&](const Arguments &by) { player.skip(by[0]); });
+    script.offer("speed", 1, 1, [&](const Arguments &times) { player.set_speed(times[0]); });
+    script.offer("enlarge", 1, 1, [&](const Arguments &file) { player.enlarge(whole(file[0])); });
+    script.offer("back", 0, 0, [&](const Arguments &) { player.enlarge(-1); });
+    script.offer("page", 1, 1, [&](const Arguments &page) { player.turn_to_page(whole(page[0]) - 1); });
+    script.offer("hear", 1, 1, [&](const Arguments &file) { player.hear(whole(file[0])); });
+    script.offer("live", 0, 0, [&](const Arguments &) { player.live(); });
+    script.offer("snapshot", 1, 1, [&](const Arguments &channel) {
+        const int code = snapshots.take(whole(channel[0]));
+        if (code != kExitDone) player.fail(code, {});
+    });
+    script.offer("zoom", 5, 5, [&](const Arguments &part) {
+        const std::string problem = zoom.begin(
+            whole(part[0]), ZoomRect{whole(part[1]), whole(part[2]), whole(part[3]), whole(part[4])});
+        if (!problem.empty()) player.fail(kExitUsage, "zoom: " + problem);
+    });
+    script.offer("unzoom", 0, 0, [&](const Arguments &) { zoom.end(); });
+    script.offer("end", 0, 0, [&](const Arguments &) { player.end(); });
+}
+
+int run_play(PlayCommand command)
+{
+    if (!count_fits(command.player.files.size(), "files") ||
+        !count_fits(command.wall.inputs.size(), "cameras"))
+        return kExitUsage;
+    command.wall.channels =
+        static_cast<int>(std::min<size_t>(command.player.files.size(), Playback::kPlayers));
+    command.wall.feed.loop = true; /* cameras that are files do not end */
+    command.player.output = command.wall.output;
+
+    auto script = std::make_unique<Script>();
+    Wall wall(command.wall);
+    auto player = std::make_unique<Player>(command.player);
+    auto zoom = std::make_unique<Zoom>(
+        command.zoom, [files = player.get()](int channel) { return files->picture_size(channel); });
+    auto snapshots = std::make_unique<Snapshots>(command.snapshot_dir);
+    teach(*script, *player, *zoom, *snapshots);
+    const std::string problem = script->parse(command.script);
+    if (!problem.empty()) {
+        std::fprintf(stderr, "nvrec: --do: %s\n", problem.c_str());
+        return kExitUsage;
+    }
+    if (script->says("play")) player->wait_for_order();
+    add_controls(wall, command.controls);
+    wall.add(std::move(player));
+    wall.add(std::move(snapshots));
+    wall.add(std::move(zoom));
+    wall.add(std::move(script));
+    return wall.run();
+}
+
+} // namespace
+
+Command play_command(CLI::App &app)
+{
+    auto command = std::make_shared<PlayCommand>();
+    CLI::App *play = app.add_subcommand("play", "Play 1 to 16 recorded files on one screen");
+    play->footer(
+        "File and channel numbers count from 0 in the order given. Eight files play at once; of more,\n"
+        "each eight make a page. --do acts at given seconds, e.g. --do \"2:pause,3:resume,4:seek 10\";\n"
+        "its verbs: play, pause, resume, seek S, skip S, speed N, enlarge FILE, back, page N,\n"
+        "hear FILE, live, snapshot CHANNEL, zoom CHANNEL X Y W H, unzoom, end. With \"play\" among them\n"
+        "playback begins then, and at once without. Exit status as of wall.");
+
+    play->add_option("files", command->player.files, "Recordings: MP4, MKV, .h264, .h265, ...")->required();
+    play->add_option("--live", command->wall.inputs,
+                     "Cameras that are shown before and after; may be repeated")
+        ->take_all()
+        ->allow_extra_args(false);
+    add_layout_option(*play, command->player.layout, "How the screen is divided; auto = the smallest grid");
+    add_screen_options(*play, command->wall);
+    play->add_option("--seek", command->player.seek_s, "Begin at the key frame before this second")
+        ->check(CLI::NonNegativeNumber);
+    play->add_option("--speed", command->player.speed,
+                     "Times the recorded rate; 2 doubles the display's rate too, 4 shows key frames only")
+        ->check(CLI::IsMember(std::vector<double>{1, 2, 4}))
+        ->capture_default_str();
+    play->add_option("--hear", command->player.heard, "The file whose sound is heard; -1 = none")
+        ->check(CLI::Range(-1, static_cast<int>(kMostInputs) - 1))
+        ->capture_default_str();
+    play->add_option("--wav", command->player.wav_path, "Write the sound that is heard to a WAV file");
+    play->add_flag("--loop", command->player.loop, "Begin again when all files have ended");
+    play->add_option("--do", command->script, "What to do when, see below");
+    play->add_option("--snapshot-dir", command->snapshot_dir, "Where snapshots go")->capture_default_str();
+    play->add_option("--json", command->player.json_path, "Write the files' closing table as JSON too");
+    add_control_options(*play, command->controls);
+    add_zoom_options(*play, command->zoom);
+
+    return {play, [command] { return run_play(*command); }};
+}
+
+} // namespace nvrec

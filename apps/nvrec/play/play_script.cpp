@@ -1,0 +1,72 @@
+/* play_script.cpp - see play_script.h. */
+#include "play/play_script.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace nvrec
+{
+
+void Script::offer(const std::string &verb, size_t least, size_t most, Deed deed)
+{
+    verbs_[verb] = {least, most, std::move(deed)};
+}
+
+std::string Script::parse(const std::string &text)
+{
+    std::istringstream items(text);
+    for (std::string item; std::getline(items, item, ',');) {
+        const std::string problem = parse_item(item);
+        if (!problem.empty()) return "\"" + item + "\": " + problem;
+    }
+    std::stable_sort(items_.begin(), items_.end(),
+                     [](const Item &a, const Item &b) { return a.at_s < b.at_s; });
+    return {};
+}
+
+std::string Script::parse_item(const std::string &text)
+{
+    std::istringstream words(text);
+    Item item = {};
+    char colon = 0;
+    if (!(words >> item.at_s >> colon >> item.verb) || colon != ':' || !(item.at_s >= 0))
+        return "not SECONDS:VERB";
+    const auto verb = verbs_.find(item.verb);
+    if (verb == verbs_.end()) {
+        std::string known;
+        for (const auto &[name, unused] : verbs_)
+            known += " " + name;
+        return "unknown verb; known are" + known;
+    }
+    for (double number = 0; words >> number;)
+        item.arguments.push_back(number);
+    if (!words.eof()) return "arguments are numbers";
+    const size_t count = item.arguments.size();
+    if (count < verb->second.least || count > verb->second.most)
+        return item.verb + " takes " + std::to_string(verb->second.least) +
+               (verb->second.least == verb->second.most ? "" : " to " + std::to_string(verb->second.most)) +
+               " arguments";
+    items_.push_back(std::move(item));
+    return {};
+}
+
+bool Script::says(const std::string &verb) const
+{
+    return std::any_of(items_.begin(), items_.end(), [&](const Item &item) { return item.verb == verb; });
+}
+
+Companion::Clock::time_point Script::take_turn(Clock::time_point now)
+{
+    if (began_at_ == Clock::time_point::max()) began_at_ = now;
+    while (done_ < items_.size()) {
+        const Item &item = items_[done_];
+        const Clock::time_point due =
+            began_at_ + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(item.at_s));
+        if (due > now) return due;
+        ++done_;
+        verbs_.at(item.verb).deed(item.arguments);
+    }
+    return Clock::time_point::max();
+}
+
+} // namespace nvrec

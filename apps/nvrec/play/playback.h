@@ -1,0 +1,118 @@
+/*
+ * playback.h - recorded files played side by side on one clock, through ext_playback_*.
+ *
+ *   freeze() -> (the panes change) -> thaw() -> running <-> paused -> at the end of all shown files
+ *
+ * Every shown file has its next picture due at its own place; they share a position that runs at the
+ * playback's speed and stands while it is paused. Whenever decoders were flushed (another layout, a
+ * jump), the files go back to a key frame and deliver what lies between it and the position at once,
+ * so that the picture on the screen belongs to the position.
+ *
+ * Threads: one playback thread delivers; all else is called from the main thread, and what both use
+ * is behind one lock, held during a delivery. freeze() keeps it until thaw(): the library's layouts
+ * and the playback thread stay out of each other's way.
+ */
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "play/playback_lane.h"
+
+namespace nvrec
+{
+
+class Playback
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    /** The library plays on decoder channels 0 to 7: that many files run at once. */
+    static constexpr int kPlayers = 8;
+
+    explicit Playback(const std::vector<std::string> &files);
+    ~Playback();
+
+    /** Open all files. @return how many opened; trouble is in the lanes. */
+    size_t open();
+
+    /** Start the thread, frozen. @param changed  called by it when the position has reached the end. */
+    void start(std::function<void()> changed);
+
+    /** End the thread and everything with it. */
+    void stop();
+
+    /** Stand still until thaw(). */
+    void freeze();
+
+    /** Between freeze() and thaw(): go on from another place. */
+    void stand_at(int64_t place_us) { anchor(place_us); }
+
+    /**
+     * Go on after the decoders were flushed, with these files on the screen.
+     * @param lanes  their numbers; other files rest
+     */
+    void thaw(const std::vector<size_t> &lanes);
+
+    void pause(bool paused);
+    /** Go to a place, every shown file to a key frame at or before it; back the position reached. */
+    int64_t seek(int64_t place_us);
+    /** Times the recorded rate: 1 or 2, or more, which shows key frames only. */
+    void set_speed(double speed);
+    /** Hear that file; -1 = none. */
+    void listen_to(int lane);
+
+    int64_t position_us() const;
+    bool paused() const { return paused_.load(); }
+    double speed() const { return speed_.load(); }
+    /** Every shown file has been played to its end. */
+    bool ended() const { return ended_.load(); }
+
+    const std::vector<std::unique_ptr<PlaybackLane>> &lanes() const { return lanes_; }
+
+    /** A file's codec, size and rate as last learned. */
+    StreamFacts facts_of(size_t lane) const;
+
+    /** Fed pictures of all files so far. */
+    uint64_t sent() const;
+
+private:
+    std::unique_lock<std::mutex> hold() const;
+    void run();
+    void place_lanes();
+    PlaybackLane *next_lane(int64_t until_us);
+    void catch_up();
+    void wait_for_decoders() const;
+    void deliver(PlaybackLane &lane, bool with_sound);
+    void end();
+    int64_t position_at(Clock::time_point now) const;
+    void anchor(int64_t position_us);
+    bool key_frames_only() const;
+
+    std::vector<std::unique_ptr<PlaybackLane>> lanes_;
+    std::function<void()> changed_;
+    std::thread thread_;
+
+    mutable std::mutex lock_; /* guards the lanes and what follows */
+    std::condition_variable wake_;
+    std::unique_lock<std::mutex> frozen_; /* main thread: holds the lock between freeze and thaw */
+    std::vector<size_t> shown_;           /* lanes on the screen                                 */
+    int heard_ = -1;
+    bool quit_ = false;
+    bool orders_ = false;         /* something changed: look again         */
+    int64_t anchor_us_ = 0;       /* the position ...                      */
+    Clock::time_point anchor_at_; /* ... at this time                    */
+    std::atomic<bool> paused_ = false;
+    std::atomic<double> speed_ = 1.0;
+    std::atomic<bool> ended_ = false;
+};
+
+} // namespace nvrec

@@ -1,0 +1,157 @@
+/* playback_lane.cpp - see playback_lane.h. */
+#include "play/playback_lane.h"
+
+#include <array>
+#include <cstring>
+
+#include "nvrhal.h"
+#include "vboard.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr auto kOpenLimit = std::chrono::seconds(10);
+constexpr int kDecoderPatience_ms = 2000;
+constexpr uint32_t kDoubleRate = 2; /* FrameInfo::display_rate */
+
+constexpr size_t kSoundHeader_bytes = 4; /* in front of the samples of a block; the library skips them */
+
+/*
+ * An access unit delimiter: the beginning of the next picture. A decoder that takes the byte stream
+ * hands a picture out when the next one begins, which a paused recording does not do.
+ */
+constexpr std::array<uint8_t, 6> kDelimiterH264 = {0, 0, 0, 1, 9, 0xF0};
+constexpr std::array<uint8_t, 7> kDelimiterH265 = {0, 0, 0, 1, 0x46, 1, 0x50};
+
+FrameInfo empty_buffer(int decoder)
+{
+    FrameInfo buffer = {};
+    ext_playback_get_buf(&buffer);
+    buffer.channel = static_cast<uint32_t>(decoder);
+    return buffer;
+}
+
+/* Appends to a lent buffer of `room` bytes, whose length counts what lies in it. */
+void append(FrameInfo *buffer, const uint8_t *bytes, size_t count)
+{
+    std::memcpy(static_cast<uint8_t *>(buffer->data) + buffer->length, bytes, count);
+    buffer->length += static_cast<uint32_t>(count);
+}
+
+} // namespace
+
+bool PlaybackLane::stop(const std::string &why)
+{
+    trouble_ = why;
+    at_end_ = true;
+    return false;
+}
+
+bool PlaybackLane::hold(Input::Read result)
+{
+    if (result == Input::Read::kFailed) return stop(input_.error());
+    at_end_ = result != Input::Read::kUnit;
+    return !at_end_;
+}
+
+bool PlaybackLane::open()
+{
+    if (input_.live()) return stop("it is a camera and no recording");
+    input_.want_sound();
+    if (!input_.open(kOpenLimit)) return stop(input_.error());
+    if (!hold(input_.read_key(&next_))) return stop(at_end_ ? "it holds no key frame" : input_.error());
+    opened_ = true;
+    return true;
+}
+
+bool PlaybackLane::seek(int64_t place_us)
+{
+    drop_sound(INT64_MAX);
+    at_end_ = !input_.seek(place_us, &next_);
+    return at_end_ ? stop(input_.error()) : true;
+}
+
+void PlaybackLane::deliver(bool double_rate)
+{
+    FrameInfo buffer = empty_buffer(decoder_);
+    const size_t room = buffer.length;
+    const bool h265 = input_.facts().codec == Codec::kH265;
+    const size_t delimiter_bytes = h265 ? kDelimiterH265.size() : kDelimiterH264.size();
+    bool accepted = false;
+    if (next_.bytes.size() + delimiter_bytes <= room) {
+        buffer.length = 0;
+        append(&buffer, next_.bytes.data(), next_.bytes.size());
+        append(&buffer, h265 ? kDelimiterH265.data() : kDelimiterH264.data(), delimiter_bytes);
+        buffer.frame_type = next_.key ? 1 : 0;
+        buffer.media = FRAME_MEDIA_VIDEO;
+        buffer.width = input_.facts().width_px;
+        buffer.height = input_.facts().height_px;
+        buffer.display_rate = double_rate ? kDoubleRate : 1;
+        buffer.pts = static_cast<uint64_t>(next_.pts_us);
+        accepted = ext_playback_set_buf(&buffer) == 0;
+    }
+    fed_.sent += accepted;
+    fed_.refused += !accepted;
+    fed_.bytes += accepted ? next_.bytes.size() : 0;
+    hold(input_.read(&next_));
+}
+
+void PlaybackLane::skip_to_key()
+{
+    if (!at_end_ && !next_.key) hold(input_.read_key(&next_));
+}
+
+void PlaybackLane::flush() const
+{
+    vdec_resetchn(static_cast<uint32_t>(decoder_)); /* first: no picture may follow the clearing */
+    FrameInfo nothing = {};
+    nothing.channel = static_cast<uint32_t>(decoder_);
+    ext_playback_set_buf(&nothing);
+}
+
+void PlaybackLane::deliver_sound(int64_t until_us)
+{
+    for (const SoundBlock &block : input_.take_sound(until_us)) {
+        constexpr std::array<uint8_t, kSoundHeader_bytes> kHeader = {};
+        FrameInfo buffer = empty_buffer(decoder_);
+        buffer.length = 0;
+        append(&buffer, kHeader.data(), kHeader.size());
+        append(&buffer, block.samples.data(), block.samples.size());
+        buffer.media = FRAME_MEDIA_AUDIO;
+        buffer.pts = static_cast<uint64_t>(block.pts_us);
+        ext_playback_set_buf(&buffer);
+    }
+}
+
+BoardCounters PlaybackLane::end_count()
+{
+    const BoardCounters counted = board_counters(decoder_) - counted_from_;
+    counted_ += counted;
+    return counted;
+}
+
+void PlaybackLane::wait_for_decoder() const
+{
+    vboard_decoder_wait_idle(static_cast<uint32_t>(decoder_), kDecoderPatience_ms);
+}
+
+ChannelReport PlaybackLane::report(int number) const
+{
+    ChannelReport report;
+    report.channel = number;
+    report.address = input_.address();
+    report.opened = opened_;
+    report.facts = input_.facts();
+    report.fed = fed_;
+    report.decoded = counted_.decoded;
+    report.shown = counted_.shown;
+    report.dropped = counted_.dropped;
+    report.damaged = counted_.damaged;
+    report.resets = counted_.resets;
+    report.trouble = trouble_;
+    return report;
+}
+
+} // namespace nvrec

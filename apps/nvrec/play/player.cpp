@@ -1,0 +1,393 @@
+/* player.cpp - see player.h. */
+#include "play/player.h"
+
+#include <algorithm>
+#include <cstdio>
+
+#include "nvrhal.h"
+#include "vboard.h"
+#include "vboard_audio.h"
+#include "wall/command.h"
+#include "wall/session.h"
+#include "wall/terminal.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr double kSkip_s = 10;
+constexpr auto kDoubleClick = std::chrono::milliseconds(400);
+constexpr uint32_t kLoudspeaker = 3; /* the audio output that the library plays on */
+constexpr int kLastSound_ms = 2000;
+constexpr double kSpeeds[] = {1, 2, 4};
+
+int64_t microseconds(double seconds)
+{
+    return static_cast<int64_t>(seconds * 1e6);
+}
+
+/* Give a decoder channel another codec. It is bound to no pane then: a layout comes next. */
+void match_decoder(int channel, Codec codec)
+{
+    const auto number = static_cast<uint32_t>(channel);
+    vboard_decoder_stat stat = {};
+    if (vboard_decoder_get_stat(number, &stat) != 0 || stat.codec == static_cast<uint32_t>(codec)) return;
+    vdec_recreate(number, static_cast<uint32_t>(codec));
+}
+
+} // namespace
+
+Player::Player(const PlayerOptions &options) : options_(options), playback_(options.files) {}
+
+bool Player::start(WallControl &wall)
+{
+    wall_ = &wall;
+    const size_t opened = playback_.open();
+    for (size_t i = 0; i < options_.files.size(); ++i) {
+        const PlaybackLane &lane = *playback_.lanes()[i];
+        if (lane.opened()) continue;
+        wall.terminal().complain("file " + std::to_string(i) + ": " + options_.files[i] + ": " +
+                                 lane.trouble());
+        exit_code_ = kExitInputFailed;
+    }
+    if (opened == 0) {
+        wall.terminal().complain("no file could be opened");
+        wall.end(kExitInputFailed);
+        return false;
+    }
+    if (!options_.wav_path.empty() && vboard_audio_open_wav(kLoudspeaker, options_.wav_path.c_str()) != 0) {
+        wall.terminal().complain("cannot write " + options_.wav_path);
+        wall.end(kExitOutputFailed);
+        return false;
+    }
+    playback_.start([&wall] { wall.ring(); });
+    return true;
+}
+
+Companion::Clock::time_point Player::take_turn(Clock::time_point /*now*/)
+{
+    if (!begun_ && !wait_) play();
+    if (playing_ && playback_.ended()) {
+        at_end_of_page();
+        wall_->ring(); /* the wall has something to decide */
+    }
+    return Clock::time_point::max();
+}
+
+int Player::pages() const
+{
+    const int files = static_cast<int>(options_.files.size());
+    return (files + Playback::kPlayers - 1) / Playback::kPlayers;
+}
+
+std::vector<size_t> Player::lanes_of(int page) const
+{
+    const auto first = static_cast<size_t>(page * Playback::kPlayers);
+    const size_t end = std::min(first + Playback::kPlayers, playback_.lanes().size());
+    std::vector<size_t> lanes;
+    for (size_t i = first; i < end; ++i) {
+        if (playback_.lanes()[i]->opened()) lanes.push_back(i);
+    }
+    return lanes;
+}
+
+/* The next page with a file that could be opened; after the last one, the first. */
+int Player::page_after(int page) const
+{
+    do {
+        page = (page + 1) % pages();
+    } while (lanes_of(page).empty());
+    return page;
+}
+
+void Player::at_end_of_page()
+{
+    const int next = page_after(page_);
+    if (next == page_ && options_.loop) {
+        playback_.seek(0);
+    } else if (next > page_ || options_.loop) {
+        playback_.freeze();
+        playback_.stand_at(0);
+        change_page(next);
+    } else if (!wall_->cameras().empty()) {
+        live();
+    } else {
+        done_ = true;
+    }
+}
+
+std::pair<uint32_t, uint32_t> Player::picture_size(int channel) const
+{
+    if (!playing_) return {0, 0};
+    for (const size_t i : lanes_of_page()) {
+        if (playback_.lanes()[i]->decoder() != channel) continue;
+        const StreamFacts facts = playback_.facts_of(i);
+        return {facts.width_px, facts.height_px};
+    }
+    return {0, 0};
+}
+
+void Player::play()
+{
+    if (playing_) {
+        playback_.pause(false);
+        return;
+    }
+    live_layout_ = wall_->layout();
+    live_enlarged_ = wall_->enlarged();
+    const size_t files = std::min<size_t>(options_.files.size(), Playback::kPlayers);
+    if (ext_playback_start((1U << files) - 1, files > 1 ? 1 : 0) != 0) {
+        wall_->terminal().complain("the library did not enter playback");
+        ext_playback_exit();
+        done_ = true;
+        wall_->end(kExitBoardFailed);
+        return;
+    }
+    const bool first = !begun_;
+    begun_ = playing_ = true;
+    done_ = false;
+    began_at_ = Clock::now();
+    single_ = -1;
+    if (lanes_of_page().empty()) page_ = page_after(page_);
+    count_from_here();
+    show_files();
+    if (first) {
+        hear(options_.heard);
+        set_speed(options_.speed);
+        if (options_.seek_s > 0) seek(options_.seek_s);
+    } else if (playback_.ended()) {
+        seek(0);
+    }
+}
+
+void Player::show_files()
+{
+    const std::vector<size_t> lanes = lanes_of_page();
+    const int panes = lanes.empty() ? 1 : playback_.lanes()[lanes.back()]->decoder() + 1;
+    wall_->show_layout(layout_named(options_.layout).value_or(layout_for(panes)));
+}
+
+void Player::count_from_here()
+{
+    for (const size_t i : lanes_of_page())
+        playback_.lanes()[i]->begin_count();
+}
+
+/* What the files had decoded is theirs, and not the cameras' on the same channels. */
+void Player::count_to_here()
+{
+    for (const size_t i : lanes_of_page()) {
+        PlaybackLane &lane = *playback_.lanes()[i];
+        wall_->reporter().leave_out(lane.decoder(), lane.end_count());
+    }
+}
+
+void Player::match_decoders_to_files()
+{
+    for (const size_t i : lanes_of_page())
+        match_decoder(playback_.lanes()[i]->decoder(), playback_.lanes()[i]->facts().codec);
+}
+
+/* Live intake knows which codec it gave a channel, and would not change it again by itself. */
+void Player::match_decoders_to_cameras()
+{
+    for (const auto &camera : wall_->cameras()) {
+        if (camera->opened()) match_decoder(camera->channel(), camera->facts().codec);
+    }
+}
+
+/* The library out of playback; the screen is dark. */
+void Player::hand_back()
+{
+    playback_.freeze();
+    playing_ = false;
+    played_s_ += std::chrono::duration<double>(Clock::now() - began_at_).count();
+    count_to_here();
+    ext_playback_stop();
+    match_decoders_to_cameras(); /* while live frames are still kept out */
+    ext_playback_exit();
+}
+
+void Player::live()
+{
+    if (!playing_) return;
+    hand_back();
+    done_ = true;
+    wall_->show_layout(live_layout_);
+    wall_->enlarge(live_enlarged_);
+}
+
+/*
+ * Another picture alone, or all again: the library drains the channel that comes or goes before the
+ * panes change. The files stand still from here until the layout is applied.
+ */
+void Player::before_layout()
+{
+    if (!playing_) return;
+    playback_.freeze();
+    changing_ = true;
+    const int next = wall_->enlarged();
+    if (next != single_) {
+        if (single_ >= 0) ext_signal_spilt_exit(static_cast<uint32_t>(single_));
+        if (next >= 0) ext_signal_spilt_start(static_cast<uint32_t>(next));
+        single_ = next;
+    }
+    match_decoders_to_files();
+}
+
+void Player::on_layout()
+{
+    if (!changing_) return;
+    changing_ = false;
+    const std::vector<DispAttrib> &panes = wall_->session().panes();
+    std::vector<size_t> shown;
+    for (const size_t i : lanes_of_page()) {
+        const int decoder = playback_.lanes()[i]->decoder();
+        if (std::any_of(panes.begin(), panes.end(),
+                        [decoder](const DispAttrib &pane) { return pane.channel == decoder; }))
+            shown.push_back(i);
+    }
+    playback_.thaw(shown);
+}
+
+void Player::pause(bool paused)
+{
+    if (playing_) playback_.pause(paused);
+}
+
+void Player::seek(double place_s)
+{
+    if (playing_) playback_.seek(microseconds(place_s));
+}
+
+void Player::skip(double by_s)
+{
+    if (playing_) playback_.seek(playback_.position_us() + microseconds(by_s));
+}
+
+void Player::set_speed(double speed)
+{
+    if (playing_) playback_.set_speed(speed);
+}
+
+void Player::enlarge(int file)
+{
+    if (!playing_ || file >= static_cast<int>(options_.files.size())) return;
+    if (file >= 0) turn_to_page(file / Playback::kPlayers);
+    wall_->enlarge(file < 0 ? -1 : file % Playback::kPlayers);
+}
+
+void Player::turn_to_page(int page)
+{
+    if (!playing_ || page < 0 || page >= pages() || page == page_ || lanes_of(page).empty()) return;
+    change_page(page);
+}
+
+void Player::change_page(int page)
+{
+    playback_.freeze();
+    count_to_here();
+    page_ = page;
+    count_from_here();
+    show_files();
+}
+
+void Player::hear(int file)
+{
+    if (playing_ && file < static_cast<int>(options_.files.size())) playback_.listen_to(file);
+}
+
+void Player::end()
+{
+    wall_->end(kExitDone);
+}
+
+void Player::fail(int exit_code, const std::string &line)
+{
+    if (!line.empty()) wall_->terminal().complain(line);
+    if (exit_code_ == kExitDone) exit_code_ = exit_code;
+}
+
+bool Player::on_key(Key key)
+{
+    if (key == Key::kPlay) {
+        play();
+        return true;
+    }
+    if (!playing_) return false;
+    switch (key) {
+    case Key::kPause: pause(!playback_.paused()); return true;
+    case Key::kStop: live(); return true;
+    case Key::kFaster: {
+        const auto *next = std::upper_bound(std::begin(kSpeeds), std::end(kSpeeds), playback_.speed());
+        set_speed(next == std::end(kSpeeds) ? kSpeeds[0] : *next);
+        return true;
+    }
+    case Key::kLeft: skip(-kSkip_s); return true;
+    case Key::kRight: skip(kSkip_s); return true;
+    case Key::kPrevious: seek(0); return true;
+    case Key::kNext: turn_to_page(page_after(page_)); return true;
+    case Key::kEnter: wall_->enlarge(wall_->enlarged() < 0 ? wall_->selected() : -1); return true;
+    case Key::kBack:
+        if (wall_->enlarged() < 0) return false;
+        wall_->enlarge(-1);
+        return true;
+    default: return false;
+    }
+}
+
+bool Player::on_pointer(const PointerEvent &event)
+{
+    if (!playing_ || (event.pressed & 1) == 0) return false;
+    const int channel = channel_at(wall_->session().panes(), event.x, event.y);
+    const bool again =
+        channel >= 0 && channel == pressed_channel_ && Clock::now() - pressed_at_ <= kDoubleClick;
+    pressed_channel_ = again ? -1 : channel;
+    pressed_at_ = Clock::now();
+    if (again)
+        wall_->enlarge(wall_->enlarged() < 0 ? channel : -1);
+    else if (channel >= 0)
+        wall_->select(channel);
+    return channel >= 0;
+}
+
+std::string Player::progress(double seconds) const
+{
+    if (!playing_) return {};
+    char line[160];
+    std::snprintf(line, sizeof line, "%7.1f s  playing at %.1f s, %gx%s  %zu files, page %d of %d  sent %llu",
+                  seconds, static_cast<double>(playback_.position_us()) / 1e6, playback_.speed(),
+                  playback_.paused() ? ", paused" : "", options_.files.size(), page_ + 1, pages(),
+                  static_cast<unsigned long long>(playback_.sent()));
+    return line;
+}
+
+void Player::stop()
+{
+    if (playing_) hand_back();
+    playback_.stop();
+    for (const auto &lane : playback_.lanes()) {
+        if (!lane->trouble().empty()) fail(kExitInputFailed, {});
+    }
+    if (!options_.wav_path.empty()) {
+        vboard_audio_wait_played(kLoudspeaker, kLastSound_ms);
+        vboard_audio_close(kLoudspeaker);
+    }
+    if (exit_code_ != kExitDone) wall_->end(exit_code_);
+}
+
+void Player::report()
+{
+    std::vector<ChannelReport> files;
+    for (size_t i = 0; i < playback_.lanes().size(); ++i)
+        files.push_back(playback_.lanes()[i]->report(static_cast<int>(i)));
+    for (const std::string &line : table_of(files))
+        wall_->terminal().say(line);
+    if (options_.json_path.empty()) return;
+    if (write_text(options_.json_path, json_of(files, options_.layout, options_.output, played_s_))) return;
+    wall_->terminal().complain("cannot write " + options_.json_path);
+    wall_->end(kExitOutputFailed);
+}
+
+} // namespace nvrec

@@ -1,0 +1,110 @@
+/*
+ * player.h - playback in the wall: the display changes hands, the files play, the cameras come back.
+ *
+ *   live -> play(): ext_playback_start, decoders of the files' codecs, the files' layout
+ *        -> playing, paused, sought, enlarged
+ *        -> live(): ext_playback_stop, decoders of the cameras' codecs, ext_playback_exit, the
+ *           cameras' layout
+ *
+ * The library plays on decoder channels 0 to 7: of more files, eight make a page, and one page is on
+ * the screen, then the next. A file plays on the channel of its number in its page.
+ *
+ * Keys: play, pause, stop (back to the cameras), faster (1, 2, 4 times), left and right (10 s),
+ * previous (the beginning), next (the next page), enter or a double click (one picture alone).
+ */
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "play/playback.h"
+#include "wall/companion.h"
+
+namespace nvrec
+{
+
+struct PlayerOptions {
+    std::vector<std::string> files;
+    std::string layout = "auto"; /* of the files                               */
+    double seek_s = 0;           /* where to begin                             */
+    double speed = 1;            /* 1, 2 or 4                                  */
+    int heard = 0;               /* the file whose sound is heard; -1 = none   */
+    std::string wav_path;        /* what the loudspeaker plays; empty = nowhere */
+    bool loop = false;           /* begin again at the end                     */
+    std::string output;          /* for the report                             */
+    std::string json_path;       /* where the files' table goes; empty = none  */
+};
+
+class Player final : public Companion
+{
+public:
+    explicit Player(const PlayerOptions &options);
+
+    bool start(WallControl &wall) override;
+    Clock::time_point take_turn(Clock::time_point now) override;
+    void before_layout() override;
+    void on_layout() override;
+    bool on_key(Key key) override;
+    bool on_pointer(const PointerEvent &event) override;
+    bool busy() const override { return !done_; }
+    std::string progress(double seconds) const override;
+    void stop() override;
+    void report() override;
+
+    /** Leave the start to whoever calls play(). Before the wall runs. */
+    void wait_for_order() { wait_ = true; }
+
+    /* What keys and scripts ask for; without effect where it makes no sense. */
+    void play();
+    void live();
+    void pause(bool paused);
+    void seek(double place_s);
+    void skip(double by_s);
+    void set_speed(double speed);
+    void enlarge(int file); /* -1 = the layout again */
+    void turn_to_page(int page);
+    void hear(int file);
+
+    void end();
+    /** Something beside went wrong: how nvrec is to end. */
+    void fail(int exit_code, const std::string &line);
+
+    bool playing() const { return playing_; }
+    /** Width and height of the file that plays on a channel; zeros = none does. */
+    std::pair<uint32_t, uint32_t> picture_size(int channel) const;
+
+private:
+    int pages() const;
+    int page_after(int page) const;
+    std::vector<size_t> lanes_of(int page) const;
+    std::vector<size_t> lanes_of_page() const { return lanes_of(page_); }
+    void at_end_of_page();
+    void change_page(int page);
+    void match_decoders_to_files();
+    void match_decoders_to_cameras();
+    void count_from_here();
+    void count_to_here();
+    void hand_back();
+    void show_files();
+
+    const PlayerOptions options_;
+    Playback playback_;
+    WallControl *wall_ = nullptr;
+    bool wait_ = false;     /* for an order to begin                                    */
+    bool begun_ = false;    /* play() was called                                        */
+    bool playing_ = false;  /* the library is in playback                               */
+    bool done_ = false;     /* nothing more is to come                                  */
+    bool changing_ = false; /* between before_layout and on_layout                     */
+    int page_ = 0;
+    int single_ = -1; /* the channel that plays alone */
+    int exit_code_ = 0;
+    double played_s_ = 0;
+    Clock::time_point began_at_;
+    Layout live_layout_ = Layout::kSingle; /* the screen before playback */
+    int live_enlarged_ = -1;
+    Clock::time_point pressed_at_; /* of the last click, on this channel */
+    int pressed_channel_ = -1;
+};
+
+} // namespace nvrec

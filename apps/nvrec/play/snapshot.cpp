@@ -1,0 +1,117 @@
+/* snapshot.cpp - see snapshot.h. */
+#include "play/snapshot.h"
+
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <system_error>
+
+#include "nvrhal.h"
+#include "vboard.h"
+#include "wall/command.h"
+#include "wall/session.h"
+#include "wall/terminal.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr auto kKeyPatience = std::chrono::milliseconds(5000);
+
+bool write_file(const std::string &path, const void *bytes, size_t size)
+{
+    std::error_code ignored; /* the write tells whether it worked */
+    const std::filesystem::path directory = std::filesystem::path(path).parent_path();
+    if (!directory.empty()) std::filesystem::create_directories(directory, ignored);
+    std::ofstream file(path, std::ios::binary);
+    file.write(static_cast<const char *>(bytes), static_cast<std::streamsize>(size));
+    file.close();
+    return bool(file);
+}
+
+/* "channel3-20240131-174502.250.jpg", local time; sorts by time. */
+std::string file_name(int channel, std::chrono::system_clock::time_point now)
+{
+    const auto since_1970 = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
+    const std::time_t seconds = since_1970.count() / 1000;
+    std::tm parts = {};
+    localtime_r(&seconds, &parts);
+    char day_and_time[32];
+    std::strftime(day_and_time, sizeof day_and_time, "%Y%m%d-%H%M%S", &parts);
+    char name[64];
+    std::snprintf(name, sizeof name, "channel%d-%s.%03d.jpg", channel, day_and_time,
+                  static_cast<int>(since_1970.count() % 1000));
+    return name;
+}
+
+} // namespace
+
+bool Snapshots::start(WallControl &wall)
+{
+    wall_ = &wall;
+    if (ext_set_snap_channel_enable() == 0) return true;
+    wall.terminal().complain("the library takes no snapshots");
+    wall.end(kExitBoardFailed);
+    return false;
+}
+
+bool Snapshots::on_key(Key key)
+{
+    if (key != Key::kSnapshot) return false;
+    take(wall_->enlarged() >= 0 ? wall_->enlarged() : wall_->selected());
+    return true;
+}
+
+int Snapshots::take(int channel)
+{
+    const std::string name = file_name(channel, std::chrono::system_clock::now());
+    const std::string path = (std::filesystem::path(directory_) / name).string();
+    const int result = take(channel, path, kKeyPatience);
+    if (result == kExitDone)
+        wall_->terminal().say("snapshot of channel " + std::to_string(channel) + ": " + path);
+    return result;
+}
+
+int Snapshots::complain(int exit_code, const std::string &line)
+{
+    wall_->terminal().complain("snapshot: " + line);
+    return exit_code;
+}
+
+/* While recordings play, the camera's picture is decoded on the channel behind the last camera's. */
+void Snapshots::match_spare_decoder(int channel)
+{
+    const auto spare = static_cast<uint32_t>(wall_->session().channels());
+    const auto codec = static_cast<uint32_t>(wall_->cameras()[static_cast<size_t>(channel)]->facts().codec);
+    vboard_decoder_stat stat = {};
+    if (vboard_decoder_get_stat(spare, &stat) == 0 && stat.codec != codec) vdec_recreate(spare, codec);
+}
+
+int Snapshots::take(int channel, const std::string &path, std::chrono::milliseconds patience)
+{
+    const std::string name = "channel " + std::to_string(channel);
+    const auto &cameras = wall_->cameras();
+    if (channel < 0 || static_cast<size_t>(channel) >= cameras.size())
+        return complain(kExitUsage, "there is no camera on " + name);
+    if (!cameras[static_cast<size_t>(channel)]->opened())
+        return complain(kExitInputFailed, name + " has no picture: its input is not open");
+
+    const auto give_up_at = Clock::now() + patience;
+    FrameInfo frame = {};
+    do {
+        frame = {};
+        frame.channel = static_cast<uint32_t>(channel);
+        if (playback_status == 1) match_spare_decoder(channel);
+        /* During playback the result speaks of the spare decoder, not of the picture. */
+        const int32_t result = ext_get_jpeg_stream(&frame);
+        if (result != 0 && playback_status != 1) frame.data = nullptr; /* not ours after a failure */
+    } while (!frame.data && Clock::now() < give_up_at);
+    if (!frame.data) return complain(kExitBoardFailed, name + " gave no picture");
+
+    const bool written = write_file(path, frame.data, frame.length);
+    ext_release_jpeg_buf(&frame);
+    return written ? kExitDone : complain(kExitOutputFailed, "cannot write " + path);
+}
+
+} // namespace nvrec

@@ -1,0 +1,135 @@
+/* snapshot_command.cpp - "nvrec snapshot": one JPEG of one camera, then the end. */
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <utility>
+
+#include "play/player.h"
+#include "play/snapshot.h"
+#include "wall/command.h"
+#include "wall/screen_options.h"
+
+namespace nvrec
+{
+namespace
+{
+
+struct SnapshotCommand {
+    WallOptions wall;
+    int channel = 0;
+    std::string path;
+    double patience_s = 10;
+    bool during_playback = false;
+    std::vector<std::string> played;
+};
+
+/* Takes the picture at the first turn, when the cameras run, and ends the wall. */
+class SnapshotOnce final : public Companion
+{
+public:
+    SnapshotOnce(const SnapshotCommand &command, Snapshots &snapshots)
+        : command_(command), snapshots_(snapshots)
+    {
+    }
+
+    bool start(WallControl &wall) override
+    {
+        wall_ = &wall;
+        return true;
+    }
+
+    Clock::time_point take_turn(Clock::time_point /*now*/) override
+    {
+        if (std::exchange(taken_, true)) return Clock::time_point::max();
+        const auto patience = std::chrono::duration<double>(command_.patience_s);
+        wall_->end(snapshots_.take(command_.channel, command_.path,
+                                   std::chrono::duration_cast<std::chrono::milliseconds>(patience)));
+        return Clock::time_point::max();
+    }
+
+    bool busy() const override { return !taken_; }
+
+private:
+    const SnapshotCommand &command_;
+    Snapshots &snapshots_;
+    WallControl *wall_ = nullptr;
+    bool taken_ = false;
+};
+
+/* The recordings that play meanwhile: those named, or else the inputs that are files. */
+std::vector<std::string> recordings_of(const SnapshotCommand &command)
+{
+    if (!command.played.empty()) return command.played;
+    std::vector<std::string> files;
+    for (const std::string &input : command.wall.inputs) {
+        if (!Input(input).live()) files.push_back(input);
+    }
+    return files;
+}
+
+int run_snapshot(SnapshotCommand command)
+{
+    if (!count_fits(command.wall.inputs.size(), "inputs")) return kExitUsage;
+    if (command.channel >= static_cast<int>(command.wall.inputs.size())) {
+        std::fprintf(stderr, "nvrec: channel %d of %zu inputs, which count from 0\n", command.channel,
+                     command.wall.inputs.size());
+        return kExitUsage;
+    }
+    PlayerOptions playback;
+    if (command.during_playback) playback.files = recordings_of(command);
+    if (command.during_playback && playback.files.empty()) {
+        std::fprintf(stderr, "nvrec: nothing to play: name a recording with --play\n");
+        return kExitUsage;
+    }
+    playback.loop = true;
+    playback.heard = -1;
+    playback.output = command.wall.output;
+    command.wall.feed.loop = true; /* cameras that are files go on until the picture is taken */
+    command.wall.channels = static_cast<int>(std::min<size_t>(playback.files.size(), Playback::kPlayers));
+
+    Wall wall(command.wall);
+    if (command.during_playback) wall.add(std::make_unique<Player>(playback)); /* begins first */
+    auto snapshots = std::make_unique<Snapshots>(".");
+    Snapshots &taker = *snapshots;
+    wall.add(std::move(snapshots));
+    wall.add(std::make_unique<SnapshotOnce>(command, taker));
+    return wall.run();
+}
+
+} // namespace
+
+Command snapshot_command(CLI::App &app)
+{
+    auto command = std::make_shared<SnapshotCommand>();
+    command->wall.window = WindowWish::kOff;
+    CLI::App *snapshot = app.add_subcommand("snapshot", "Write a JPEG picture, 352 x 288, of one camera");
+    snapshot->footer(
+        "The channel need not be shown: --layout 1 --channel 3 takes a hidden one. Exit status: 0 written,\n"
+        "2 command line, 3 an input failed, 4 the library or the board gave no picture, 5 it could not be\n"
+        "written.");
+
+    snapshot->add_option("inputs", command->wall.inputs, "Cameras, one channel each, as of wall")->required();
+    snapshot->add_option("-c,--channel", command->channel, "The camera, from 0")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
+    snapshot->add_option("-f,--output", command->path, "The file to write")->required();
+    add_layout_option(*snapshot, command->wall.layout, "What the wall shows meanwhile");
+    auto *during = snapshot->add_flag("--during-playback", command->during_playback,
+                                      "Take it while recordings play: the inputs that are files, or --play");
+    snapshot->add_option("--play", command->played, "A recording to play meanwhile; may be repeated")
+        ->take_all()
+        ->allow_extra_args(false)
+        ->needs(during);
+    snapshot->add_option("--patience", command->patience_s, "Seconds to wait for the camera's next key frame")
+        ->check(CLI::Range(0.0, 3600.0))
+        ->capture_default_str();
+    snapshot->add_option("-p,--picture", command->wall.pictures, "Write a PNG picture of the wall too: FILE")
+        ->take_all()
+        ->allow_extra_args(false);
+    snapshot->add_option("--log", command->wall.log_path, "Where the library's log goes; - = standard output")
+        ->capture_default_str();
+
+    return {snapshot, [command] { return run_snapshot(*command); }};
+}
+
+} // namespace nvrec

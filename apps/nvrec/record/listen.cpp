@@ -1,0 +1,162 @@
+/* listen.cpp - see listen.h. */
+#include "record/listen.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "nvrhal.h"
+#include "vboard_audio.h"
+#include "wall/command.h"
+#include "wall/terminal.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr uint32_t kOutputDevice = 3; /* the library plays on it */
+constexpr size_t kMostQueued = 50;    /* blocks: two seconds     */
+constexpr size_t kHeader_bytes = 4;   /* in front of a block; the library passes over it */
+constexpr int kPlayOut_ms = 3000;
+constexpr int kVolumeOf0dB = 67; /* of 100, where the output stands at power-on */
+constexpr int kVolumeStep = 5;
+
+} // namespace
+
+void add_listen_options(CLI::App &command, ListenOptions &options)
+{
+    auto *listen = command.add_option("--listen", options.channel, "Play the sound of this channel")
+                       ->check(CLI::NonNegativeNumber);
+    command.add_option("--listen-wav", options.wav_path, "Write it to a WAV file instead of the sound card")
+        ->needs(listen);
+}
+
+Listener::Listener(ListenOptions options) : options_(std::move(options)), volume_(kVolumeOf0dB) {}
+
+Listener::~Listener()
+{
+    finish();
+}
+
+bool Listener::start(WallControl &wall)
+{
+    wall_ = &wall;
+    const Feeder &camera = *wall.cameras()[static_cast<size_t>(options_.channel)];
+    if (camera.opened() && !camera.facts().sound)
+        wall.terminal().complain("channel " + std::to_string(options_.channel) + ": it comes without sound");
+    open_sink();
+    ext_set_audio_live_channel(1, options_.channel);
+    thread_ = std::thread([this] { run(); });
+    return true;
+}
+
+/* Without one the output plays all the same, and nobody hears it. */
+void Listener::open_sink()
+{
+    const bool to_file = !options_.wav_path.empty();
+    sink_open_ = (to_file ? vboard_audio_open_wav(kOutputDevice, options_.wav_path.c_str())
+                          : vboard_audio_open_sound(kOutputDevice)) == 0;
+    if (sink_open_) return;
+    wall_->terminal().complain(to_file ? "cannot write " + options_.wav_path
+                                       : "no sound card; nothing will be heard");
+}
+
+void Listener::on_audio(int channel, const SoundBlock &block)
+{
+    if (channel != options_.channel) return;
+    const std::scoped_lock guard(lock_);
+    if (ended_) return;
+    if (queue_.size() >= kMostQueued) {
+        queue_.pop_front();
+        ++dropped_;
+    }
+    queue_.push_back(block);
+    changed_.notify_one();
+}
+
+void Listener::run()
+{
+    SoundBlock block;
+    while (next(&block))
+        play(block);
+}
+
+/* The next block, or false when there will be none. */
+bool Listener::next(SoundBlock *block)
+{
+    std::unique_lock guard(lock_);
+    changed_.wait(guard, [this] { return ended_ || !queue_.empty(); });
+    if (queue_.empty()) return false;
+    *block = queue_.front();
+    queue_.pop_front();
+    ++played_;
+    return true;
+}
+
+void Listener::play(const SoundBlock &block)
+{
+    std::array<uint8_t, kHeader_bytes + kSoundBlock_bytes> bytes = {};
+    std::copy(block.samples.begin(), block.samples.end(), bytes.begin() + kHeader_bytes);
+    FrameInfo frame = {};
+    frame.media = FRAME_MEDIA_AUDIO;
+    frame.length = static_cast<uint32_t>(bytes.size());
+    frame.data = bytes.data();
+    frame.channel = static_cast<uint32_t>(options_.channel);
+    frame.pts = static_cast<uint64_t>(block.pts_us);
+    ext_send_stream(&frame, 0, 0, 0);
+}
+
+bool Listener::on_key(Key key)
+{
+    switch (key) {
+    case Key::kMute:
+        muted_ = !muted_;
+        ext_set_audio_live_channel(muted_ ? 0 : 1, options_.channel);
+        return true;
+    case Key::kVolumeUp: set_volume(volume_ + kVolumeStep); return true;
+    case Key::kVolumeDown: set_volume(volume_ - kVolumeStep); return true;
+    default: return false;
+    }
+}
+
+void Listener::set_volume(int volume)
+{
+    volume_ = std::clamp(volume, 0, 100);
+    ext_set_audio_output_volume(static_cast<uint32_t>(volume_));
+}
+
+void Listener::stop()
+{
+    finish();
+    if (sink_open_) {
+        vboard_audio_wait_played(kOutputDevice, kPlayOut_ms);
+        vboard_audio_close(kOutputDevice);
+    } else if (!options_.wav_path.empty()) {
+        wall_->end(kExitOutputFailed);
+    }
+    ext_set_audio_live_channel(0, options_.channel);
+}
+
+/* Let the thread play what it has, and end it. */
+void Listener::finish()
+{
+    {
+        const std::scoped_lock guard(lock_);
+        ended_ = true;
+        changed_.notify_one();
+    }
+    if (thread_.joinable()) thread_.join();
+}
+
+void Listener::report()
+{
+    const double seconds = static_cast<double>(played_) * kSoundBlock_us / 1e6;
+    std::string tenths = std::to_string(static_cast<int64_t>(seconds * 10 + 0.5));
+    if (tenths.size() < 2) tenths.insert(0, "0");
+    tenths.insert(tenths.size() - 1, ".");
+    wall_->terminal().say("sound of channel " + std::to_string(options_.channel) + ": " + tenths +
+                          " s played, " + std::to_string(dropped_) + " blocks of 40 ms dropped");
+}
+
+} // namespace nvrec

@@ -1,0 +1,234 @@
+/* pool_reader.cpp - see pool_reader.h. */
+#include "record/pool_reader.h"
+
+#include <utility>
+
+namespace nvrec
+{
+namespace
+{
+
+/* The rings as start-up makes them. */
+struct RingRow {
+    uint32_t largest_frame_bytes;
+    uint32_t ring_bytes;
+};
+constexpr RingRow kRings[] = {
+    {0x60000, 0xF0000}, /* kMain    */
+    {0x20000, 0x50000}, /* kNetwork */
+    {340, 13600},       /* kSound   */
+};
+
+constexpr size_t kMostNotes = 1024;   /* the longest index ring holds 768 frames      */
+constexpr size_t kNearlyCaughtUp = 4; /* frames that may wait when a producer may too */
+constexpr auto kPatience = std::chrono::seconds(1);
+
+const RingRow &ring_of(PoolStream stream)
+{
+    return kRings[static_cast<size_t>(stream)];
+}
+
+} // namespace
+
+void PoolBell::ring()
+{
+    const std::scoped_lock guard(lock_);
+    pending_ = true;
+    rung_.notify_one();
+}
+
+void PoolBell::close()
+{
+    const std::scoped_lock guard(lock_);
+    closed_ = true;
+    rung_.notify_one();
+}
+
+bool PoolBell::wait()
+{
+    std::unique_lock guard(lock_);
+    rung_.wait(guard, [this] { return pending_ || closed_; });
+    pending_ = false;
+    return !closed_;
+}
+
+PoolReader::PoolReader(int channel, PoolStream stream, PoolBell &bell)
+    : channel_(static_cast<uint32_t>(channel)), stream_(stream), bell_(bell)
+{
+}
+
+int32_t PoolReader::put(const AccessUnit &unit, const StreamFacts &facts)
+{
+    FrameInfo frame = {};
+    frame.frame_type = unit.key ? 1 : 0;
+    frame.length = static_cast<uint32_t>(unit.bytes.size());
+    frame.width = facts.width_px;
+    frame.height = facts.height_px;
+    frame.data = const_cast<uint8_t *>(unit.bytes.data()); /* only read by the library */
+    return store({.pts_us = unit.pts_us, .dts_us = unit.due_us, .facts = facts}, &frame);
+}
+
+int32_t PoolReader::put(const SoundBlock &block)
+{
+    FrameInfo frame = {};
+    frame.length = static_cast<uint32_t>(block.samples.size());
+    frame.data = const_cast<uint8_t *>(block.samples.data());
+    return store({.pts_us = block.pts_us, .dts_us = block.pts_us, .facts = {}}, &frame);
+}
+
+int32_t PoolReader::store(const Note &note, FrameInfo *frame)
+{
+    frame->pts = static_cast<uint64_t>(note.pts_us);
+    {
+        /* Before the pool has it: the reader may be faster than the rest of this function. */
+        const std::scoped_lock guard(lock_);
+        if (notes_.size() >= kMostNotes) lose_note();
+        notes_.push_back(note);
+        notes_.back().after_refused = std::exchange(refused_last_, false);
+        notes_.back().length_bytes = frame->length;
+        notes_.back().stamp = static_cast<uint32_t>(note.pts_us);
+        noted_bytes_ += frame->length;
+    }
+    int32_t result = 0;
+    switch (stream_) {
+    case PoolStream::kMain:
+        result = ext_set_primary_video_stream(channel_, frame);
+        /* It answers 0 even when the pool refused the frame. */
+        if (frame->length == 0 || frame->length > ring_of(stream_).largest_frame_bytes) result = -1;
+        break;
+    case PoolStream::kNetwork: result = ext_set_network_video_stream(channel_, frame); break;
+    case PoolStream::kSound: result = ext_set_audio_stream(channel_, frame); break;
+    }
+    {
+        const std::scoped_lock guard(lock_);
+        ++(result == 0 ? counters_.stored : counters_.refused);
+        if (result != 0 && !notes_.empty()) {
+            noted_bytes_ -= notes_.back().length_bytes;
+            notes_.pop_back();
+            refused_last_ = true;
+        }
+    }
+    bell_.ring();
+    return result;
+}
+
+bool PoolReader::fetch(Fetched *fetched)
+{
+    if (stream_ == PoolStream::kSound) return fetch_sound(fetched);
+    FrameInfo frame = {};
+    const int32_t result = stream_ == PoolStream::kMain ? ext_get_primary_video_stream(channel_, &frame)
+                                                        : ext_get_network_video_stream(channel_, &frame);
+    if (result != 0) return false;
+    *fetched = {.bytes = static_cast<const uint8_t *>(frame.data),
+                .length_bytes = frame.length,
+                .stamp = static_cast<uint32_t>(frame.pts),
+                .key = frame.frame_type == 1,
+                .taken_at_us = static_cast<int64_t>(frame.local_time)};
+    return true;
+}
+
+bool PoolReader::fetch_sound(Fetched *fetched)
+{
+    const auto channel = static_cast<int32_t>(channel_);
+    if (!sound_positioned_ && kx_stream_getStartPos(channel, &sound_position_, STREAM_POOL_AUDIO) != 0)
+        return false;
+    sound_positioned_ = true;
+    const int32_t length = kx_stream_getOneFrame(channel, 0, &sound_position_, STREAM_POOL_AUDIO);
+    if (length <= 0) return false;
+    const StreamIndexEntry &entry = sound_position_.p_stream_index[sound_position_.last_index];
+    *fetched = {.bytes = sound_position_.p_buf_data + sound_position_.data_start,
+                .length_bytes = static_cast<uint32_t>(length),
+                .stamp = __atomic_load_n(&entry.timestamp, __ATOMIC_RELAXED), /* the writer may be there */
+                .key = true,
+                .taken_at_us = 0};
+    return true;
+}
+
+bool PoolReader::take(PoolFrame *frame)
+{
+    Fetched fetched = {};
+    while (fetch(&fetched)) {
+        frame->bytes.assign(fetched.bytes, fetched.bytes + fetched.length_bytes);
+
+        const std::scoped_lock guard(lock_);
+        Note note;
+        if (!find_note(fetched, &note)) {
+            gap_ = true; /* the entry was rewritten while it was read */
+            continue;
+        }
+        reader_came_.notify_one();
+        /* All that was begun behind it, and what a wrap leaves unused, must fit beside it. */
+        const RingRow &ring = ring_of(stream_);
+        if (noted_bytes_ + note.length_bytes + ring.largest_frame_bytes > ring.ring_bytes) {
+            ++counters_.lost;
+            gap_ = true;
+            continue;
+        }
+        ++counters_.read;
+        counters_.resynchronised += gap_;
+        frame->after_gap = std::exchange(gap_, false);
+        frame->key = fetched.key;
+        frame->pts_us = note.pts_us;
+        frame->dts_us = note.dts_us;
+        frame->taken_at_us = fetched.taken_at_us;
+        frame->facts = note.facts;
+        return true;
+    }
+    return false;
+}
+
+/* The note of a frame, off the list together with those before it, which nobody will get any more. */
+bool PoolReader::find_note(const Fetched &fetched, Note *note)
+{
+    auto is_of_it = [&](const Note &candidate) {
+        return candidate.stamp == fetched.stamp && candidate.length_bytes == fetched.length_bytes;
+    };
+    size_t before = 0;
+    while (before < notes_.size() && !is_of_it(notes_[before]))
+        ++before;
+    if (before == notes_.size()) return false;
+    for (; before > 0; --before)
+        lose_note();
+    *note = pop_note();
+    if (note->after_refused) gap_ = true;
+    return true;
+}
+
+void PoolReader::lose_note()
+{
+    pop_note();
+    ++counters_.lost;
+    gap_ = true;
+}
+
+PoolReader::Note PoolReader::pop_note()
+{
+    Note note = std::move(notes_.front());
+    notes_.pop_front();
+    noted_bytes_ -= note.length_bytes;
+    return note;
+}
+
+void PoolReader::wait_for_reader()
+{
+    std::unique_lock guard(lock_);
+    /* Not for ever: a few very large frames overrun the reader, which then needs a key frame to come. */
+    reader_came_.wait_for(guard, kPatience, [this] { return gave_up_ || notes_.size() < kNearlyCaughtUp; });
+}
+
+void PoolReader::give_up()
+{
+    const std::scoped_lock guard(lock_);
+    gave_up_ = true;
+    while (!notes_.empty())
+        lose_note();
+    reader_came_.notify_all();
+}
+
+PoolCounters PoolReader::counters() const
+{
+    const std::scoped_lock guard(lock_);
+    return counters_;
+}
+
+} // namespace nvrec

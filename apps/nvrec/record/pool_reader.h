@@ -1,0 +1,134 @@
+/*
+ * pool_reader.h - one stream of one channel through the library's frame pool: put on the camera's
+ * thread, taken again on the recorder's.
+ *
+ *   camera                          pool (overwrites its oldest)           recorder
+ *   note, ext_set_*, ring  ------>  [ frames ]  ------>  wait, ext_get_*, copy, look at the note
+ *
+ * The pool carries bytes, the kind of frame and one 32-bit stamp. What a file needs beyond that -
+ * the codec, the size, 64-bit presentation and decoding times - is noted on a list beside the pool
+ * when a frame is put. A frame that is taken is found on that list by its stamp and its length; what
+ * stands before it on the list was overrun and is lost. The pool wakes nobody, so the bell does.
+ *
+ * A frame's bytes stay in the pool only until the camera comes round, and the pool does not say when
+ * it has: the list behind the frame does.
+ *
+ * Threads: put() on one thread, take() on one other.
+ */
+#pragma once
+
+#include <condition_variable>
+#include <cstdint>
+#include <deque>
+#include <mutex>
+#include <vector>
+
+#include "camera/feeder.h"
+#include "nvrhal.h"
+
+namespace nvrec
+{
+
+enum class PoolStream { kMain, kNetwork, kSound };
+
+/** What wakes a recorder's thread; several streams may ring one bell. */
+class PoolBell
+{
+public:
+    void ring();
+
+    /** Nothing will be put any more. */
+    void close();
+
+    /** Wait for a ring since the last wait, or the closing. @return false once it is closed. */
+    bool wait();
+
+private:
+    std::mutex lock_;
+    std::condition_variable rung_;
+    bool pending_ = false;
+    bool closed_ = false;
+};
+
+/** What became of the frames of one stream; stored = read + lost once all were taken. */
+struct PoolCounters {
+    uint64_t stored = 0;         /* the pool took them                                       */
+    uint64_t refused = 0;        /* the pool did not: they were too large for it             */
+    uint64_t read = 0;           /* taken out whole                                          */
+    uint64_t lost = 0;           /* overwritten before they were taken                       */
+    uint64_t resynchronised = 0; /* times that reading went on behind lost or refused frames */
+};
+
+/** A frame as it came out. */
+struct PoolFrame {
+    std::vector<uint8_t> bytes;
+    bool key = false;
+    bool after_gap = false;  /* frames before it are missing                      */
+    int64_t pts_us = 0;      /* presentation time, from the input's first unit on */
+    int64_t dts_us = 0;      /* decoding time, likewise                           */
+    int64_t taken_at_us = 0; /* wall clock, microseconds since 1970               */
+    StreamFacts facts;
+};
+
+class PoolReader
+{
+public:
+    PoolReader(int channel, PoolStream stream, PoolBell &bell);
+
+    /** Put a picture or a block of sound into the pool. @return 0 = stored, -1 = refused. */
+    int32_t put(const AccessUnit &unit, const StreamFacts &facts);
+    int32_t put(const SoundBlock &block);
+
+    /** Take the next frame out. @return false when there is none now. */
+    bool take(PoolFrame *frame);
+
+    /** Wait until the reader has nearly caught up; for producers that may wait. */
+    void wait_for_reader();
+
+    /** Nothing will be taken any more: what is still noted is lost. */
+    void give_up();
+
+    PoolCounters counters() const;
+
+private:
+    struct Note {
+        uint32_t length_bytes = 0;
+        uint32_t stamp = 0;         /* low 32 bits of pts_us */
+        bool after_refused = false; /* the pool refused the frame before it */
+        int64_t pts_us = 0, dts_us = 0;
+        StreamFacts facts;
+    };
+    struct Fetched {
+        const uint8_t *bytes;
+        uint32_t length_bytes, stamp;
+        bool key;
+        int64_t taken_at_us;
+    };
+
+    int32_t store(const Note &note, FrameInfo *frame);
+    bool fetch(Fetched *fetched);
+    bool fetch_sound(Fetched *fetched);
+    bool find_note(const Fetched &fetched, Note *note);
+    Note pop_note();
+    void lose_note();
+
+    const uint32_t channel_;
+    const PoolStream stream_;
+    PoolBell &bell_;
+
+    mutable std::mutex lock_; /* guards what follows */
+    std::condition_variable reader_came_;
+    std::deque<Note> notes_;   /* frames put or just being put and not yet taken, oldest first */
+    uint64_t noted_bytes_ = 0; /* of them                                                      */
+    bool refused_last_ = false;
+    bool gap_ = false; /* the next frame taken comes after missing ones                */
+    bool gave_up_ = false;
+    PoolCounters counters_;
+
+    /* The taking thread's own. */
+    StreamReader sound_position_ =
+        {}; /* ext_get_audio_stream hands out no stamp, so sound is read below it */
+    bool sound_positioned_ = false;
+};
+
+} // namespace nvrec

@@ -1,0 +1,51 @@
+/* segment.cpp - see segment.h. */
+#include "record/segment.h"
+
+#include <cstdio>
+#include <ctime>
+#include <filesystem>
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr int64_t kSecond_us = 1'000'000;
+
+tm local_time(int64_t wall_clock_us)
+{
+    const auto seconds = static_cast<time_t>(wall_clock_us / kSecond_us);
+    tm parts = {};
+    localtime_r(&seconds, &parts);
+    return parts;
+}
+
+} // namespace
+
+int64_t segment_slot(int64_t wall_clock_us, int segment_s)
+{
+    return (wall_clock_us / kSecond_us + local_time(wall_clock_us).tm_gmtoff) / segment_s;
+}
+
+std::string segment_name(int channel, const std::string &stream, int64_t wall_clock_us)
+{
+    const tm parts = local_time(wall_clock_us);
+    char time_text[32];
+    std::strftime(time_text, sizeof time_text, "%Y%m%d-%H%M%S", &parts);
+    char name[80];
+    std::snprintf(name, sizeof name, "ch%02d-%s-%s", channel, stream.c_str(), time_text);
+    return name;
+}
+
+std::string free_segment_path(const std::string &directory, const std::string &name,
+                              const std::string &ending)
+{
+    const std::string stem = directory + "/" + name;
+    std::string path = stem + ending;
+    std::error_code ignored; /* what cannot be looked at shows when it is opened */
+    for (int number = 2; std::filesystem::exists(path, ignored); ++number)
+        path = stem + "-" + std::to_string(number) + ending;
+    return path;
+}
+
+} // namespace nvrec

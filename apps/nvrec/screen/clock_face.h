@@ -1,0 +1,52 @@
+/*
+ * clock_face.h - date and time in a corner of the screen, to the second.
+ *
+ * The tile is made once a second at most; its place and the widest it has been stay, so that a tick
+ * soils one rectangle.
+ */
+#pragma once
+
+#include <chrono>
+#include <ctime>
+#include <string>
+
+#include "screen/canvas.h"
+#include "screen/font.h"
+
+namespace nvrec
+{
+
+enum class Language { kEnglish, kChinese };
+
+/** "2026-03-01  Sun  08:05:09" in local time. */
+std::string clock_text(std::time_t time, Language language);
+
+class ClockFace
+{
+public:
+    using Time = std::chrono::system_clock::time_point;
+
+    ClockFace(Font &font, Language language, int size_px)
+        : font_(font), language_(language), size_px_(size_px)
+    {
+    }
+
+    /** Show that time from now on. @return what has to be painted anew; empty = the same second. */
+    Rect set(Time time, const Rect &screen);
+
+    void paint(Canvas &canvas) const { canvas.draw(tile_, place_.x, place_.y); }
+    const Rect &place() const { return place_; }
+
+    /** From `time` to the next tick. */
+    static std::chrono::nanoseconds until_next(Time time);
+
+private:
+    Font &font_;
+    const Language language_;
+    const int size_px_;
+    std::time_t shown_ = -1;
+    Tile tile_;
+    Rect place_;
+};
+
+} // namespace nvrec

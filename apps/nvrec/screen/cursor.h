@@ -1,0 +1,39 @@
+/*
+ * cursor.h - the library's arrow at the mouse's place, over all else.
+ *
+ * What it covers is kept and put back: lift() before anything else is drawn, drop() after it.
+ */
+#pragma once
+
+#include "screen/canvas.h"
+
+namespace nvrec
+{
+
+class Cursor
+{
+public:
+    Cursor();
+
+    /** Where its tip belongs from now on; shown by the next drop(). */
+    void move(int x, int y);
+    void hide() { wanted_ = false; }
+    bool wanted() const { return wanted_; }
+
+    /** Take it off the screen, or put it on. Inside a drawing job. */
+    void lift(Canvas &canvas);
+    void drop(Canvas &canvas);
+
+    const Tile &image() const { return image_; }
+
+private:
+    Tile image_;
+    int x_ = 0, y_ = 0;
+    bool wanted_ = false;
+
+    bool dropped_ = false; /* with what it covers there, and where */
+    Tile under_;
+    int under_x_ = 0, under_y_ = 0;
+};
+
+} // namespace nvrec

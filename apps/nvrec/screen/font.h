@@ -1,0 +1,65 @@
+/*
+ * font.h - letters as coverage: a scalable font of the host, rasterised by FreeType.
+ */
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "screen/canvas.h"
+
+namespace nvrec
+{
+
+/** Coverage of a line of text, 0 to 255 a pixel, rows without gaps. */
+struct Mask {
+    int width = 0, height = 0;
+    std::vector<uint8_t> coverage;
+    uint8_t at(int x, int y) const;
+};
+
+/** The host's font for Chinese and Latin text; empty when it has none at all. */
+std::string find_font();
+
+class Font
+{
+public:
+    Font();
+    ~Font();
+    Font(const Font &) = delete;
+    Font &operator=(const Font &) = delete;
+
+    /** Once. @return an empty text, or why the file is no font. */
+    std::string open(const std::string &path);
+
+    /** Whether the font draws this character. */
+    bool has(char16_t unit) const;
+
+    /**
+     * A line of text. The baseline lies at ascender(size_px); the mask is line_height(size_px) high.
+     * A line that would be wider than `most_px` ends in an ellipsis.
+     */
+    Mask render(std::u16string_view units, int size_px, int most_px);
+    int line_height(int size_px);
+    int ascender(int size_px);
+
+private:
+    struct Library;
+
+    int width_of(std::u16string_view units);
+    bool use_size(int size_px);
+
+    std::unique_ptr<Library> library_;
+    int size_px_ = 0;
+};
+
+/** Text on the video: letters of one colour with a dark rim of that many pixels around them. */
+Tile rimmed(const Mask &mask, Colour colour, int rim_px);
+
+/** Text on a plain ground; where there is no letter the tile is empty. */
+Tile flat(const Mask &mask, Colour colour, Colour ground);
+
+} // namespace nvrec

@@ -1,0 +1,197 @@
+/* furniture.cpp - see furniture.h: the life of the furniture, and its painting. */
+#include "screen/furniture.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "screen/qr_code.h"
+#include "wall/session.h"
+#include "wall/terminal.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr auto kCursorRests = std::chrono::seconds(5); /* then it goes out of the way */
+constexpr Colour kCardGround = 0xFFFFFF, kCardLetters = 0x202428, kCardEdge = 0x4A5460;
+
+} // namespace
+
+Furniture::Furniture(FurnitureOptions options) : options_(std::move(options)) {}
+Furniture::~Furniture() = default;
+
+/* Without a framebuffer or a font the wall stands all the same. */
+bool Furniture::start(WallControl &wall)
+{
+    wall_ = &wall;
+    if (options_.wish == FurnitureWish::kOff) return true;
+    if (options_.wish == FurnitureWish::kAuto && !wall.window_is_open()) return true;
+    const std::string problem = canvas_.open();
+    if (!problem.empty()) {
+        wall.terminal().complain("no screen furniture: " + problem);
+        return true;
+    }
+    drawing_ = true;
+    open_font();
+    make_parts();
+    soil(canvas_.whole());
+    if (options_.show_address) show_address(true);
+    paint();
+    return true;
+}
+
+void Furniture::open_font()
+{
+    const std::string path = options_.font_path.empty() ? find_font() : options_.font_path;
+    font_ = std::make_unique<Font>();
+    const std::string problem = path.empty() ? "this machine has no font" : font_->open(path);
+    if (!problem.empty()) {
+        wall_->terminal().complain("no names, clock and menu: " + problem +
+                                   " (package fonts-wqy-microhei has Chinese and Latin letters)");
+        font_.reset();
+        return;
+    }
+    constexpr char16_t kAnyHanzi = u'通';
+    if (!font_->has(kAnyHanzi))
+        wall_->terminal().complain("no Chinese letters in " + path +
+                                   " (package fonts-wqy-microhei has them)");
+}
+
+void Furniture::make_parts()
+{
+    panes_ = std::make_unique<PaneMarks>(font_.get(), options_.names);
+    tell_cameras();
+    panes_->lay(wall_->session().panes());
+    panes_->select(wall_->selected());
+    if (!font_) return;
+    clock_ = std::make_unique<ClockFace>(*font_, options_.names.language, text_size_px());
+    clock_->set(options_.wall_time(), canvas_.whole());
+    menu_ = std::make_unique<Menu>(*font_, options_.names.language, options_.names.script, text_size_px());
+}
+
+/* Of the clock, the menu and the card. */
+int Furniture::text_size_px() const
+{
+    constexpr int kScreenToText = 42, kSmallest_px = 16, kLargest_px = 40;
+    return std::clamp(canvas_.height() / kScreenToText, kSmallest_px, kLargest_px);
+}
+
+void Furniture::tell_cameras()
+{
+    for (const auto &camera : wall_->cameras())
+        soil(panes_->set_live(camera->channel(), camera->opened() && !camera->broken()));
+}
+
+Furniture::Clock::time_point Furniture::take_turn(Clock::time_point now)
+{
+    if (!drawing_) return Clock::time_point::max();
+    tell_cameras();
+    const ClockFace::Time time = options_.wall_time();
+    if (clock_) soil(clock_->set(time, canvas_.whole()));
+    if (cursor_.wanted() && now - cursor_moved_at_ >= kCursorRests) {
+        cursor_.hide();
+        cursor_moved_ = true;
+    }
+    paint();
+    return now + ClockFace::until_next(time);
+}
+
+void Furniture::on_layout()
+{
+    if (!drawing_) return;
+    for (const Rect &edge : panes_->select(wall_->selected()))
+        soil(edge);
+    if (panes_->lay(wall_->session().panes())) soil(canvas_.whole());
+    paint();
+}
+
+/* The next owner of the screen finds it empty. */
+void Furniture::stop()
+{
+    if (!drawing_) return;
+    drawing_ = false;
+    if (!canvas_.begin()) return;
+    canvas_.clear(canvas_.whole());
+    canvas_.end();
+}
+
+void Furniture::soil(const Rect &rect)
+{
+    if (!rect.empty()) soiled_.push_back(rect);
+}
+
+void Furniture::paint()
+{
+    if (!drawing_ || (soiled_.empty() && !cursor_moved_)) return;
+    if (!canvas_.begin()) return; /* what is soiled stays so, for the next try */
+    cursor_.lift(canvas_);
+    for (const Rect &rect : soiled_)
+        paint_within(rect);
+    soiled_.clear();
+    canvas_.clip(canvas_.whole());
+    cursor_.drop(canvas_);
+    cursor_moved_ = false;
+    canvas_.end();
+}
+
+void Furniture::paint_within(const Rect &rect)
+{
+    canvas_.clip(rect);
+    canvas_.clear(rect);
+    panes_->paint(canvas_);
+    if (clock_) clock_->paint(canvas_);
+    if (address_shown_) paint_address();
+    if (menu_) menu_->paint(canvas_);
+}
+
+/* The code is made when it is wanted first: most walls never show it. */
+void Furniture::make_card()
+{
+    const std::string address = options_.address.empty() ? own_address() : options_.address;
+    card_ = Card{qr_tile(address), {}, {}};
+    if (card_->code.width == 0) {
+        wall_->terminal().complain("no QR code of the address: " + address);
+        return;
+    }
+    const int margin = text_size_px();
+    const bool chinese = options_.names.language == Language::kChinese;
+    int width = card_->code.width, height = card_->code.height;
+    if (font_) {
+        auto text = [&](const std::string &line, int size) {
+            const std::u16string units = units_of(line, options_.names.script);
+            return flat(font_->render(units, size, std::max(width, canvas_.width() / 4)), kCardLetters,
+                        kCardGround);
+        };
+        card_->title = text(chinese ? "扫码访问录像机" : "Scan to open the recorder", text_size_px() * 3 / 4);
+        card_->text = text(address, text_size_px() * 5 / 8);
+        width = std::max({width, card_->title.width, card_->text.width});
+        height += card_->title.height + card_->text.height;
+    }
+    width += margin;
+    height += margin;
+    address_place_ = {canvas_.width() - margin - width, canvas_.height() - margin - height, width, height};
+}
+
+void Furniture::show_address(bool shown)
+{
+    if (!card_) make_card();
+    if (card_->code.width == 0 || shown == address_shown_) return;
+    address_shown_ = shown;
+    soil(address_place_);
+}
+
+void Furniture::paint_address()
+{
+    const Rect &place = address_place_;
+    canvas_.fill(place, kCardGround);
+    canvas_.frame(place, 2, kCardEdge);
+    int y = place.y + text_size_px() / 2;
+    for (const Tile *tile :
+         {&std::as_const(card_->title), &std::as_const(card_->code), &std::as_const(card_->text)}) {
+        canvas_.draw(*tile, place.x + (place.w - tile->width) / 2, y);
+        y += tile->height;
+    }
+}
+
+} // namespace nvrec

@@ -1,0 +1,131 @@
+/* furniture_input.cpp - what keys and the mouse do with the furniture; see furniture.h. */
+#include "screen/furniture.h"
+
+#include "wall/command.h"
+#include "wall/session.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr uint32_t kLeftButton = 1, kRightButton = 2;
+
+} // namespace
+
+bool Furniture::on_key(Key key)
+{
+    if (!drawing_) return false;
+    const bool taken = menu_ && menu_->is_open() ? menu_key(key) : wall_key(key);
+    paint();
+    return taken;
+}
+
+/* The keys that move about the wall are not the furniture's. */
+bool Furniture::wall_key(Key key)
+{
+    if (key == Key::kMenu && menu_) {
+        open_menu(nullptr);
+        return true;
+    }
+    if (key != Key::kBack || !address_shown_) return false;
+    show_address(false);
+    return true;
+}
+
+/* An open menu also takes the keys with which one moves about the wall. */
+bool Furniture::menu_key(Key key)
+{
+    switch (key) {
+    case Key::kUp: soil(menu_->step(-1)); return true;
+    case Key::kDown: soil(menu_->step(1)); return true;
+    case Key::kLeft:
+    case Key::kRight: return true;
+    case Key::kEnter: choose(); return true;
+    case Key::kMenu:
+    case Key::kBack: close_menu(); return true;
+    default: return key >= Key::kDigit0 && key <= Key::kDigit9;
+    }
+}
+
+void Furniture::enlarge_or_return()
+{
+    wall_->enlarge(wall_->enlarged() >= 0 ? -1 : wall_->selected());
+}
+
+void Furniture::open_menu(const PointerEvent *at)
+{
+    const MenuState state = {wall_->layout(), wall_->enlarged() >= 0, address_shown_};
+    if (at) {
+        menu_->open_at(canvas_.whole(), state, at->x, at->y);
+    } else {
+        menu_->open(canvas_.whole(), state);
+    }
+    soil(menu_->place());
+}
+
+void Furniture::close_menu()
+{
+    soil(menu_->place());
+    menu_->close();
+}
+
+void Furniture::choose()
+{
+    const MenuAction action = menu_->chosen().action;
+    const Layout layout = menu_->chosen().layout;
+    close_menu();
+    paint(); /* a new layout takes its time; the menu is gone at once */
+    switch (action) {
+    case MenuAction::kLayout: wall_->show_layout(layout); break;
+    case MenuAction::kEnlarge: enlarge_or_return(); break;
+    case MenuAction::kZoom: wall_->key(Key::kZoom); break;
+    case MenuAction::kAddress: show_address(!address_shown_); break;
+    case MenuAction::kQuit:
+        wall_->end(kExitDone);
+        wall_->ring();
+        break;
+    }
+}
+
+bool Furniture::on_pointer(const PointerEvent &event)
+{
+    if (!drawing_) return false;
+    cursor_.move(event.x, event.y);
+    cursor_moved_ = true;
+    cursor_moved_at_ = Clock::now();
+    const bool taken = menu_ && menu_->is_open() ? menu_pointer(event) : wall_pointer(event);
+    paint();
+    return taken;
+}
+
+bool Furniture::wall_pointer(const PointerEvent &event)
+{
+    if (menu_ && (event.pressed & kRightButton) != 0) {
+        open_menu(&event);
+        return true;
+    }
+    if ((event.pressed & kLeftButton) == 0 || !address_shown_ || !address_place_.contains(event.x, event.y))
+        return false;
+    show_address(false);
+    return true;
+}
+
+/* A press beside the panel closes it; the right button opens it anew where it is pressed. */
+bool Furniture::menu_pointer(const PointerEvent &event)
+{
+    soil(menu_->point_at(event.x, event.y));
+    if ((event.pressed & kRightButton) != 0) {
+        close_menu();
+        open_menu(&event);
+    } else if ((event.pressed & kLeftButton) != 0) {
+        if (menu_->is_on_row(event.x, event.y)) {
+            choose();
+        } else if (!menu_->place().contains(event.x, event.y)) {
+            close_menu();
+        }
+    }
+    return true;
+}
+
+} // namespace nvrec

@@ -1,0 +1,107 @@
+/* furniture_options.cpp - see furniture_options.h. */
+#include "screen/furniture_options.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <map>
+#include <optional>
+#include <string_view>
+#include <utility>
+
+#include "screen/qr_code.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr int kMostChannels = 16;
+
+const std::map<std::string, FurnitureWish> kWishes = {
+    {"auto", FurnitureWish::kAuto},
+    {"on", FurnitureWish::kOn},
+    {"off", FurnitureWish::kOff},
+};
+
+const std::map<std::string, Language> kLanguages = {
+    {"en", Language::kEnglish},
+    {"zh", Language::kChinese},
+};
+
+/* What the environment asks for, in the order in which the C library looks. */
+Language host_language()
+{
+    for (const char *name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const char *value =
+            std::getenv(name); // NOLINT(concurrency-mt-unsafe): nothing writes the environment
+        if (value && *value)
+            return std::string_view(value).starts_with("zh") ? Language::kChinese : Language::kEnglish;
+    }
+    return Language::kEnglish;
+}
+
+/* "CH=TEXT". */
+std::optional<std::pair<int, std::string>> camera_name(const std::string &text)
+{
+    const size_t equals = text.find('=');
+    if (equals == std::string::npos) return std::nullopt;
+    int channel = -1;
+    const auto [stop, error] = std::from_chars(text.data(), text.data() + equals, channel);
+    if (error != std::errc() || stop != text.data() + equals) return std::nullopt;
+    const std::string name = text.substr(equals + 1);
+    if (channel < 0 || channel >= kMostChannels || name.empty()) return std::nullopt;
+    if (units_of(name, Script::kAsTyped).empty()) return std::nullopt;
+    return std::pair(channel, name);
+}
+
+std::string check_camera_name(const std::string &text)
+{
+    if (camera_name(text)) return "";
+    return "'" + text + "' is not CH=TEXT with a channel of 0 to 15 and a text in UTF-8 or GB2312";
+}
+
+std::string check_address(const std::string &text)
+{
+    if (!text.empty() && text.size() <= kLongestQrText) return "";
+    return "an address of 1 to " + std::to_string(kLongestQrText) + " bytes is needed";
+}
+
+} // namespace
+
+std::shared_ptr<FurnitureOptions> add_furniture_options(CLI::App &command)
+{
+    auto options = std::make_shared<FurnitureOptions>();
+    options->names.language = host_language();
+    command
+        .add_option("--furniture", options->wish,
+                    "Borders, names, clock, menu and cursor: auto (when there is a window), on, off")
+        ->transform(CLI::CheckedTransformer(kWishes, CLI::ignore_case))
+        ->default_str("auto");
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--name",
+            [options](const std::vector<std::string> &names) {
+                for (const std::string &name : names)
+                    options->names.given.insert_or_assign(camera_name(name)->first,
+                                                          camera_name(name)->second);
+            },
+            "A camera's name, CH=TEXT; may be repeated")
+        ->take_all()
+        ->allow_extra_args(false)
+        ->check(check_camera_name);
+    command.add_option("--language", options->names.language, "Language of the furniture: en or zh")
+        ->transform(CLI::CheckedTransformer(kLanguages, CLI::ignore_case))
+        ->default_str("locale");
+    command.add_flag_callback(
+        "--traditional", [options] { options->names.script = Script::kTraditional; },
+        "Show Chinese texts in traditional characters");
+    command.add_option("--font", options->font_path, "Font file (default: the system's for Chinese)")
+        ->check(CLI::ExistingFile);
+    command
+        .add_option("--address", options->address, "What the QR code says (default: this machine's address)")
+        ->check(check_address);
+    command.add_flag("--qr", options->show_address, "Show the QR code from the start");
+    return options;
+}
+
+} // namespace nvrec

@@ -1,0 +1,16 @@
+/* furniture_options.h - the furniture's part of a command line. */
+#pragma once
+
+#include <memory>
+
+#include <CLI/CLI.hpp>
+
+#include "screen/furniture.h"
+
+namespace nvrec
+{
+
+/** Give a subcommand the furniture's options; they are filled when it is parsed. */
+std::shared_ptr<FurnitureOptions> add_furniture_options(CLI::App &command);
+
+} // namespace nvrec

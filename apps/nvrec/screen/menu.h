@@ -1,0 +1,78 @@
+/*
+ * menu.h - the recorder's menu: a panel of rows, one of them lit. It knows what can be chosen and how
+ * it looks; what a choice does is the furniture's matter.
+ */
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "screen/canvas.h"
+#include "screen/clock_face.h"
+#include "screen/font.h"
+#include "screen/glyphs.h"
+#include "wall/layout.h"
+
+namespace nvrec
+{
+
+enum class MenuAction { kLayout, kEnlarge, kZoom, kAddress, kQuit };
+
+/** What the menu marks: where the wall stands now. */
+struct MenuState {
+    Layout layout = Layout::kSingle;
+    bool enlarged = false;
+    bool address_shown = false;
+};
+
+class Menu
+{
+public:
+    struct Item {
+        MenuAction action;
+        Layout layout; /* of kLayout */
+        Tile lit, unlit;
+    };
+
+    Menu(Font &font, Language language, Script script, int text_size_px);
+
+    /** Open in the middle of the screen, or with its corner at a place as near as it fits. */
+    void open(const Rect &screen, const MenuState &state);
+    void open_at(const Rect &screen, const MenuState &state, int x, int y);
+    void close() { open_ = false; }
+    bool is_open() const { return open_; }
+
+    /** Where it stands, and one of its rows. */
+    const Rect &place() const { return place_; }
+    Rect row(size_t index) const;
+
+    /** Light the next row up or down, round the ends; or the one at a place. @return what to paint anew. */
+    Rect step(int by);
+    Rect point_at(int x, int y);
+
+    /** The lit row, and whether a place lies on it. */
+    const Item &chosen() const { return items_[lit_]; }
+    size_t chosen_index() const { return lit_; }
+    bool is_on_row(int x, int y) const;
+    const std::vector<Item> &items() const { return items_; }
+
+    void paint(Canvas &canvas) const;
+
+private:
+    bool is_marked(const Item &item) const;
+    void paint_icon(Canvas &canvas, const Item &item, const Rect &place, Colour colour) const;
+    Rect light(size_t index);
+
+    const int text_size_px_;
+    Tile title_;
+    std::vector<Item> items_;
+    int row_px_ = 0;   /* height of a row and of the title */
+    int width_px_ = 0; /* of the panel                     */
+
+    bool open_ = false;
+    Rect place_;
+    MenuState state_;
+    size_t lit_ = 0;
+};
+
+} // namespace nvrec

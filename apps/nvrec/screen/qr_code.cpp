@@ -1,0 +1,111 @@
+/*
+ * qr_code.cpp - see qr_code.h. The library's image files of QR codes have 8 bits a pixel, and its
+ * loaders take 16 and more: the headers come from the library, the grey rows are read here.
+ */
+#include "screen/qr_code.h"
+
+#include <cstdlib>
+#include <fstream>
+#include <vector>
+
+#include <arpa/inet.h>
+#include <ifaddrs.h>
+#include <net/if.h>
+#include <netinet/in.h>
+#include <unistd.h>
+
+#include "nvrhal.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr Colour kLight = 0xFFFFFF, kDark = 0x000000;
+constexpr uint8_t kHalfGrey = 128;
+
+uint32_t word_at(const uint8_t *bytes)
+{
+    return static_cast<uint32_t>(bytes[0] | bytes[1] << 8 | bytes[2] << 16) | static_cast<uint32_t>(bytes[3])
+                                                                                  << 24;
+}
+
+/* A file of its own, gone at the end. */
+class ScratchFile
+{
+public:
+    ScratchFile()
+    {
+        char name[] = "/tmp/nvrec-qr-XXXXXX";
+        const int descriptor = mkstemp(name);
+        if (descriptor < 0) return;
+        close(descriptor);
+        path_ = name;
+    }
+    ~ScratchFile()
+    {
+        if (!path_.empty()) unlink(path_.c_str());
+    }
+    ScratchFile(const ScratchFile &) = delete;
+    ScratchFile &operator=(const ScratchFile &) = delete;
+    const std::string &path() const { return path_; }
+
+private:
+    std::string path_;
+};
+
+/* Rows in the file stand from bottom to top, each padded to 4 bytes. */
+Tile grey_image(const std::string &path)
+{
+    constexpr int kLargestSide = 4096;
+    uint8_t file_header[12] = {}, info[44] = {};
+    if (GetBmpInfo(path.c_str(), file_header, info) != 0) return {};
+    const auto width = static_cast<int>(word_at(info + 4)), height = static_cast<int>(word_at(info + 8));
+    if (width < 1 || height < 1 || width > kLargestSide || height > kLargestSide || info[14] != 8) return {};
+
+    Tile tile = {width, height, {}};
+    tile.pixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
+    std::vector<char> line((static_cast<size_t>(width) + 3) & ~size_t{3});
+    std::ifstream file(path, std::ios::binary);
+    file.seekg(word_at(file_header + 8));
+    for (int row = height - 1; row >= 0; --row) {
+        if (!file.read(line.data(), static_cast<std::streamsize>(line.size()))) return {};
+        for (int x = 0; x < width; ++x) {
+            const bool light = static_cast<uint8_t>(line[static_cast<size_t>(x)]) >= kHalfGrey;
+            tile.pixels[static_cast<size_t>(row) * static_cast<size_t>(width) + static_cast<size_t>(x)] =
+                pixel_of(light ? kLight : kDark);
+        }
+    }
+    return tile;
+}
+
+} // namespace
+
+Tile qr_tile(const std::string &text)
+{
+    if (text.empty() || text.size() > kLongestQrText) return {};
+    const ScratchFile file; /* made first: the library ends the process over a file that it cannot make */
+    if (file.path().empty()) return {};
+    qrencode(text.c_str(), file.path().c_str());
+    return grey_image(file.path());
+}
+
+std::string own_address()
+{
+    std::string address = "127.0.0.1";
+    ifaddrs *list = nullptr;
+    if (getifaddrs(&list) != 0) return "http://" + address + "/";
+    for (const ifaddrs *entry = list; entry; entry = entry->ifa_next) {
+        if (!entry->ifa_addr || entry->ifa_addr->sa_family != AF_INET) continue;
+        if ((entry->ifa_flags & IFF_LOOPBACK) != 0 || (entry->ifa_flags & IFF_UP) == 0) continue;
+        char text[INET_ADDRSTRLEN] = {};
+        const auto *internet = reinterpret_cast<const sockaddr_in *>(entry->ifa_addr);
+        if (!inet_ntop(AF_INET, &internet->sin_addr, text, sizeof text)) continue;
+        address = text;
+        break;
+    }
+    freeifaddrs(list);
+    return "http://" + address + "/";
+}
+
+} // namespace nvrec

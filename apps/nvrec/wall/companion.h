@@ -1,0 +1,154 @@
+/*
+ * companion.h - what runs beside the wall, each in source files of its own: a recorder of the
+ * cameras, sound, the furniture of the screen, playback, keys and mouse.
+ *
+ *   start() -> { on_unit(), on_audio() on the feeders' threads;
+ *                take_turn(), on_layout(), on_key(), on_pointer() on the main thread } -> stop() -> report()
+ *
+ * The wall calls its companions in the order in which they were added, and stops them in reverse.
+ */
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "camera/feeder.h"
+#include "wall/layout.h"
+
+namespace nvrec
+{
+
+class Reporter;
+class Session;
+class Terminal;
+
+/** What a key of the remote control, the front panel or the keyboard asks for. */
+enum class Key {
+    kUp,
+    kDown,
+    kLeft,
+    kRight,
+    kEnter,
+    kMenu,
+    kBack,
+    kDigit0, /* to kDigit0 + 9 */
+    kDigit9 = kDigit0 + 9,
+    kNextLayout,
+    kPlay,
+    kPause,
+    kStop,
+    kFaster,
+    kPrevious,
+    kNext,
+    kRecord,
+    kSnapshot,
+    kZoom,
+    kZoomIn,
+    kZoomOut,
+    kMute,
+    kVolumeUp,
+    kVolumeDown,
+};
+
+/** The mouse: where it is on the output, in pixels, and what changed. */
+struct PointerEvent {
+    int x = 0;
+    int y = 0;
+    uint32_t buttons = 0; /* held now: bit 0 left, 1 right, 2 middle */
+    uint32_t pressed = 0; /* went down with this event                */
+    int wheel = 0;        /* notches, up is positive                  */
+};
+
+/** The wall as its companions know it. Main thread, except where said. */
+class WallControl
+{
+public:
+    virtual ~WallControl() = default;
+
+    virtual Session &session() = 0;
+    virtual Terminal &terminal() = 0;
+    virtual Reporter &reporter() = 0;
+    virtual const std::vector<std::unique_ptr<Feeder>> &cameras() const = 0;
+
+    /** Show this layout, all panes. */
+    virtual void show_layout(Layout layout) = 0;
+    virtual Layout layout() const = 0;
+
+    /** Show one camera on the whole screen; -1 = the layout again. */
+    virtual void enlarge(int channel) = 0;
+    virtual int enlarged() const = 0;
+
+    /** The camera that keys and menus mean. */
+    virtual void select(int channel) = 0;
+    virtual int selected() const = 0;
+
+    /** Whether someone sits in front of it. */
+    virtual bool window_is_open() const { return false; }
+
+    /** Offer a key or a mouse event to the companions, the last added first. */
+    virtual void key(Key key) = 0;
+    virtual void pointer(const PointerEvent &event) = 0;
+
+    /** Give the companions a turn soon. Any thread. */
+    virtual void ring() = 0;
+
+    /** Whether something records now, for the lamp on the panel. */
+    virtual void set_recording(bool /*on*/) {}
+    virtual bool recording() const { return false; }
+
+    /** End as if the user had asked; the first exit code other than 0 stays. */
+    virtual void end(int exit_code) = 0;
+};
+
+class Companion
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    virtual ~Companion() = default;
+
+    /**
+     * The library is up and the layout on the screen; the cameras do not run yet.
+     * @return false = the wall ends with what was given to WallControl::end; stop() follows.
+     */
+    virtual bool start(WallControl &wall) = 0;
+
+    /** A camera's next picture, just before the decoder gets it. The camera's thread. */
+    virtual void on_unit(int /*channel*/, const AccessUnit & /*unit*/, const StreamFacts & /*facts*/) {}
+
+    /** 40 ms of a camera's sound, when FeedOptions asks for it. The camera's thread. */
+    virtual void on_audio(int /*channel*/, const SoundBlock & /*block*/) {}
+
+    /** @return when the next turn is wanted at the latest; time_point::max() = only when rung. */
+    virtual Clock::time_point take_turn(Clock::time_point /*now*/) { return Clock::time_point::max(); }
+
+    /** The panes are about to change: layout() and enlarged() say how. Every pane's decoder is flushed. */
+    virtual void before_layout() {}
+
+    /** The panes or the selection have changed. */
+    virtual void on_layout() {}
+
+    /** @return true = the key or the event was meant for this one. */
+    virtual bool on_key(Key /*key*/) { return false; }
+    virtual bool on_pointer(const PointerEvent & /*event*/) { return false; }
+
+    /** True keeps the wall standing when no camera runs any more. */
+    virtual bool busy() const { return false; }
+
+    /** What the progress line is to say now instead of the cameras' counts; empty = those. */
+    virtual std::string progress(double /*seconds*/) const { return {}; }
+
+    /** The cameras have ended; the library is still up. */
+    virtual void stop() {}
+
+    /** After the closing table. */
+    virtual void report() {}
+
+    /** A member of the object that --json writes, `"name": value`; empty = none. */
+    virtual std::string json() const { return {}; }
+};
+
+} // namespace nvrec

@@ -1,0 +1,54 @@
+/* pictures.cpp - see pictures.h. */
+#include "wall/pictures.h"
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+#include <system_error>
+
+#include "vboard.h"
+
+namespace nvrec
+{
+
+PictureOrder picture_order(const std::string &text)
+{
+    const size_t comma = text.rfind(',');
+    if (comma != std::string::npos && comma > 0) {
+        double seconds = 0;
+        const char *begin = text.data() + comma + 1;
+        const char *end = text.data() + text.size();
+        const auto [stop, error] = std::from_chars(begin, end, seconds);
+        if (error == std::errc() && stop == end && seconds >= 0) return {text.substr(0, comma), seconds};
+    }
+    return {text, std::nullopt};
+}
+
+std::string take_picture(const std::string &path)
+{
+    std::error_code ignored; /* the write below tells whether it worked */
+    const std::filesystem::path directory = std::filesystem::path(path).parent_path();
+    if (!directory.empty()) std::filesystem::create_directories(directory, ignored);
+
+    vboard_image image = {};
+    if (vboard_monitor_capture(VBOARD_FORMAT_RGB24, &image) != 0) return "the board gave no picture";
+    std::string problem;
+    if (vboard_image_save_png(&image, path.c_str()) != 0) {
+        problem = "cannot write it";
+    } else if (image.blank) {
+        problem = "the monitor has no signal: the picture is black";
+    }
+    vboard_image_free(&image);
+    return problem;
+}
+
+std::optional<double> next_picture_s(const std::vector<PictureOrder> &orders)
+{
+    std::optional<double> next;
+    for (const PictureOrder &order : orders) {
+        if (!order.done && order.at_s) next = std::min(next.value_or(*order.at_s), *order.at_s);
+    }
+    return next;
+}
+
+} // namespace nvrec

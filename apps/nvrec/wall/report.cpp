@@ -1,0 +1,189 @@
+/* report.cpp - see report.h. */
+#include "wall/report.h"
+
+#include <cstdarg>
+#include <cstdio>
+#include <fstream>
+
+#include "vboard.h"
+
+namespace nvrec
+{
+namespace
+{
+
+__attribute__((format(printf, 1, 2))) std::string text(const char *format, ...)
+{
+    char line[512];
+    va_list arguments;
+    va_start(arguments, format);
+    std::vsnprintf(line, sizeof line, format, arguments);
+    va_end(arguments);
+    return line;
+}
+
+using Count = unsigned long long; /* what %llu prints */
+
+} // namespace
+
+std::string json_string(const std::string &value)
+{
+    std::string quoted = "\"";
+    for (const char letter : value) {
+        const auto code = static_cast<unsigned char>(letter);
+        if (letter == '"' || letter == '\\') {
+            quoted += '\\';
+            quoted += letter;
+        } else if (code < 0x20) {
+            quoted += text("\\u%04x", code);
+        } else {
+            quoted += letter;
+        }
+    }
+    return quoted + '"';
+}
+
+BoardCounters &BoardCounters::operator+=(const BoardCounters &more)
+{
+    decoded += more.decoded;
+    shown += more.shown;
+    dropped += more.dropped;
+    damaged += more.damaged;
+    resets += more.resets;
+    return *this;
+}
+
+BoardCounters BoardCounters::operator-(const BoardCounters &earlier) const
+{
+    return {decoded - earlier.decoded, shown - earlier.shown, dropped - earlier.dropped,
+            damaged - earlier.damaged, resets - earlier.resets};
+}
+
+BoardCounters board_counters(int channel)
+{
+    vboard_decoder_stat stat = {};
+    if (vboard_decoder_get_stat(static_cast<uint32_t>(channel), &stat) != 0) return {};
+    return {stat.decoded, stat.shown, stat.dropped, stat.damaged, stat.resets};
+}
+
+void Reporter::mark()
+{
+    baselines_.clear();
+    for (const auto &feeder : feeders_)
+        baselines_.push_back(board_counters(feeder->channel()));
+}
+
+void Reporter::leave_out(int channel, const BoardCounters &foreign)
+{
+    const auto index = static_cast<size_t>(channel);
+    if (index < baselines_.size()) baselines_[index] += foreign;
+}
+
+std::vector<ChannelReport> Reporter::collect() const
+{
+    std::vector<ChannelReport> channels;
+    for (size_t i = 0; i < feeders_.size(); ++i) {
+        const Feeder &feeder = *feeders_[i];
+        const BoardCounters from = i < baselines_.size() ? baselines_[i] : BoardCounters{};
+        const BoardCounters counted = board_counters(feeder.channel()) - from;
+        ChannelReport report;
+        report.channel = feeder.channel();
+        report.address = feeder.input().address();
+        report.opened = feeder.opened();
+        report.facts = feeder.facts();
+        report.fed = feeder.counters();
+        report.decoded = counted.decoded;
+        report.shown = counted.shown;
+        report.dropped = counted.dropped;
+        report.damaged = counted.damaged;
+        report.resets = counted.resets;
+        report.trouble = feeder.trouble();
+        channels.push_back(std::move(report));
+    }
+    return channels;
+}
+
+std::string Reporter::progress_line(double seconds, int running) const
+{
+    ChannelReport sum;
+    for (const ChannelReport &channel : collect()) {
+        sum.fed.sent += channel.fed.sent;
+        sum.decoded += channel.decoded;
+        sum.shown += channel.shown;
+        sum.dropped += channel.dropped;
+        sum.resets += channel.resets;
+    }
+    const double rate = seconds > 0 ? static_cast<double>(sum.fed.sent) / seconds : 0;
+    return text(
+        "%7.1f s  %d of %zu cameras  sent %llu (%.1f/s)  decoded %llu  shown %llu  dropped %llu  resets %llu",
+        seconds, running, feeders_.size(), static_cast<Count>(sum.fed.sent), rate,
+        static_cast<Count>(sum.decoded), static_cast<Count>(sum.shown), static_cast<Count>(sum.dropped),
+        static_cast<Count>(sum.resets));
+}
+
+std::vector<std::string> table_of(const std::vector<ChannelReport> &channels)
+{
+    std::vector<std::string> lines;
+    lines.push_back(text("%3s  %-5s  %-9s  %6s  %8s %8s %8s %8s %8s %7s  %s", "ch", "codec", "size", "rate",
+                         "sent", "refused", "decoded", "shown", "dropped", "resets", "input"));
+    for (const ChannelReport &channel : channels) {
+        if (!channel.opened) {
+            lines.push_back(text("%3d  %-5s  %-9s  %6s  %8s %8s %8s %8s %8s %7s  ", channel.channel, "-", "-",
+                                 "-", "-", "-", "-", "-", "-", "-") +
+                            channel.address + " (" + channel.trouble + ")");
+            continue;
+        }
+        const std::string size = text("%ux%u", channel.facts.width_px, channel.facts.height_px);
+        lines.push_back(text("%3d  %-5s  %-9s  %6.2f  %8llu %8llu %8llu %8llu %8llu %7llu  ", channel.channel,
+                             codec_name(channel.facts.codec), size.c_str(), channel.facts.frame_rate,
+                             static_cast<Count>(channel.fed.sent), static_cast<Count>(channel.fed.refused),
+                             static_cast<Count>(channel.decoded), static_cast<Count>(channel.shown),
+                             static_cast<Count>(channel.dropped), static_cast<Count>(channel.resets)) +
+                        channel.address + (channel.trouble.empty() ? "" : " (" + channel.trouble + ")"));
+    }
+    return lines;
+}
+
+std::string json_of(const std::vector<ChannelReport> &channels, const std::string &layout,
+                    const std::string &output, double seconds, const std::vector<std::string> &more)
+{
+    std::string json = "{\n  \"layout\": " + json_string(layout) + ",\n  \"output\": " + json_string(output) +
+                       text(",\n  \"seconds\": %.3f,\n  \"channels\": [", seconds);
+    const char *separator = "\n";
+    for (const ChannelReport &channel : channels) {
+        json += separator;
+        separator = ",\n";
+        json += text("    {\"channel\": %d, \"input\": ", channel.channel) + json_string(channel.address);
+        json += text(", \"opened\": %s", channel.opened ? "true" : "false");
+        if (channel.opened) {
+            json += ", \"codec\": " + json_string(codec_name(channel.facts.codec));
+            json += text(", \"width\": %u, \"height\": %u, \"frame_rate\": %.3f", channel.facts.width_px,
+                         channel.facts.height_px, channel.facts.frame_rate);
+        }
+        json += text(
+            ", \"sent\": %llu, \"refused\": %llu, \"bytes\": %llu, \"passes\": %llu, \"reconnects\": %llu",
+            static_cast<Count>(channel.fed.sent), static_cast<Count>(channel.fed.refused),
+            static_cast<Count>(channel.fed.bytes), static_cast<Count>(channel.fed.passes),
+            static_cast<Count>(channel.fed.reconnects));
+        json += text(
+            ", \"decoded\": %llu, \"shown\": %llu, \"dropped\": %llu, \"damaged\": %llu, \"resets\": %llu",
+            static_cast<Count>(channel.decoded), static_cast<Count>(channel.shown),
+            static_cast<Count>(channel.dropped), static_cast<Count>(channel.damaged),
+            static_cast<Count>(channel.resets));
+        json += ", \"trouble\": " + json_string(channel.trouble) + "}";
+    }
+    json += "\n  ]";
+    for (const std::string &member : more)
+        json += ",\n  " + member;
+    return json + "\n}\n";
+}
+
+bool write_text(const std::string &path, const std::string &text)
+{
+    std::ofstream file(path);
+    file << text;
+    file.close();
+    return bool(file);
+}
+
+} // namespace nvrec

@@ -1,0 +1,80 @@
+/*
+ * report.h - what happened to every camera's frames: progress line, closing table, JSON.
+ *
+ * "Sent" and "refused" are counted by the feeders, all else by the board, from the moment the wall
+ * stood (mark()): the frames that only gave the decoders their codec do not count.
+ */
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "camera/feeder.h"
+
+namespace nvrec
+{
+
+/** One channel's line of the table. */
+struct ChannelReport {
+    int channel = 0;
+    std::string address;
+    bool opened = false;
+    StreamFacts facts;
+    FeedCounters fed;
+    uint64_t decoded = 0;
+    uint64_t shown = 0;
+    uint64_t dropped = 0; /* decoded and never on screen */
+    uint64_t damaged = 0; /* withheld by the decoder     */
+    uint64_t resets = 0;  /* decoder resets              */
+    std::string trouble;  /* the last one, if any        */
+};
+
+/** A decoder channel's counters, of whatever it was sent. */
+struct BoardCounters {
+    uint64_t decoded, shown, dropped, damaged, resets;
+
+    BoardCounters &operator+=(const BoardCounters &more);
+    BoardCounters operator-(const BoardCounters &earlier) const;
+};
+
+/** The board's counters of a channel now. */
+BoardCounters board_counters(int channel);
+
+class Reporter
+{
+public:
+    explicit Reporter(const std::vector<std::unique_ptr<Feeder>> &feeders) : feeders_(feeders) {}
+
+    /** Count from here on. */
+    void mark();
+
+    /** Leave out what another source, not the camera, had decoded on the channel. */
+    void leave_out(int channel, const BoardCounters &foreign);
+
+    /** Every channel's counters now. */
+    std::vector<ChannelReport> collect() const;
+
+    /** "  12.0 s   4 of 4 cameras   1200 sent ..." */
+    std::string progress_line(double seconds, int running) const;
+
+private:
+    const std::vector<std::unique_ptr<Feeder>> &feeders_;
+    std::vector<BoardCounters> baselines_;
+};
+
+/** The closing table, one text a line. */
+std::vector<std::string> table_of(const std::vector<ChannelReport> &channels);
+
+/** The same and more as one JSON object. @param more  further members of it, `"name": value` each */
+std::string json_of(const std::vector<ChannelReport> &channels, const std::string &layout,
+                    const std::string &output, double seconds, const std::vector<std::string> &more = {});
+
+/** A text as JSON writes it, with its quotes. */
+std::string json_string(const std::string &value);
+
+/** Write a text to a file. @return false when it could not be written. */
+bool write_text(const std::string &path, const std::string &text);
+
+} // namespace nvrec

@@ -1,0 +1,55 @@
+/* screen_options.cpp - see screen_options.h. */
+#include "wall/screen_options.h"
+
+#include <cstdio>
+#include <map>
+
+namespace nvrec
+{
+namespace
+{
+
+const std::map<std::string, WindowWish> kWindowWishes = {
+    {"auto", WindowWish::kAuto},
+    {"on", WindowWish::kOn},
+    {"off", WindowWish::kOff},
+};
+
+} // namespace
+
+void add_screen_options(CLI::App &command, WallOptions &options)
+{
+    command.add_option("-o,--output", options.output, "Size of the screen")
+        ->check(CLI::IsMember(output_mode_names()))
+        ->capture_default_str();
+    command
+        .add_option("-p,--picture", options.pictures,
+                    "Write a PNG picture of the wall: FILE (at the end) or FILE,SECONDS; may be repeated")
+        ->take_all()
+        ->allow_extra_args(false);
+    command
+        .add_option("-d,--duration", options.duration_s, "End after so many seconds; 0 = when the inputs end")
+        ->check(CLI::NonNegativeNumber)
+        ->capture_default_str();
+    command.add_option("--window", options.window, "Open a window: auto (when there is a screen), on, off")
+        ->transform(CLI::CheckedTransformer(kWindowWishes, CLI::ignore_case))
+        ->default_str("auto");
+    command.add_option("--log", options.log_path, "Where the library's log goes; - = standard output")
+        ->capture_default_str();
+}
+
+void add_layout_option(CLI::App &command, std::string &layout, const std::string &meaning)
+{
+    std::vector<std::string> layouts = layout_names();
+    layouts.insert(layouts.begin(), "auto");
+    command.add_option("-l,--layout", layout, meaning)->check(CLI::IsMember(layouts))->capture_default_str();
+}
+
+bool count_fits(size_t inputs, const char *what)
+{
+    if (inputs <= kMostInputs) return true;
+    std::fprintf(stderr, "nvrec: %zu %s; a wall takes at most %zu\n", inputs, what, kMostInputs);
+    return false;
+}
+
+} // namespace nvrec

@@ -1,0 +1,22 @@
+/* screen_options.h - the options that every subcommand with a screen has. */
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include "wall/wall.h"
+
+namespace nvrec
+{
+
+constexpr size_t kMostInputs = 16;
+
+/** Output, pictures, duration, window and log. `options` lives as long as the parser. */
+void add_screen_options(CLI::App &command, WallOptions &options);
+
+/** "--layout", with "auto" in front. */
+void add_layout_option(CLI::App &command, std::string &layout, const std::string &meaning);
+
+/** Not more inputs than a wall takes; complains. */
+bool count_fits(size_t inputs, const char *what);
+
+} // namespace nvrec

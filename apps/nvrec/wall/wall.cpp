@@ -1,0 +1,352 @@
+/* wall.cpp - see wall.h. */
+#include "wall/wall.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "vboard.h"
+#include "wall/command.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr auto kLongWait = std::chrono::hours(1);
+constexpr auto kWindowPeriod = std::chrono::milliseconds(16);
+constexpr int kDrain_ms = 3000; /* for what the decoders still hold when the inputs have ended */
+
+bool screen_is_there()
+{
+    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY"}) {
+        const char *value =
+            std::getenv(name); // NOLINT(concurrency-mt-unsafe): nothing writes the environment
+        if (value && *value) return true;
+    }
+    return false;
+}
+
+} // namespace
+
+Wall::Wall(const WallOptions &options) : options_(options), reporter_(feeders_)
+{
+    for (const std::string &address : options_.inputs)
+        feeders_.push_back(
+            std::make_unique<Feeder>(static_cast<int>(feeders_.size()), address, options_.feed));
+    for (const std::string &picture : options_.pictures)
+        orders_.push_back(picture_order(picture));
+    const int channels = feeders_.empty() ? options_.channels : static_cast<int>(feeders_.size());
+    layout_ = layout_named(options_.layout).value_or(layout_for(channels));
+}
+
+int Wall::run()
+{
+    if (!terminal_.send_log_to(options_.log_path)) return kExitOutputFailed;
+    if (!open_inputs()) return exit_code_;
+    if (!show()) {
+        terminal_.complain("the library did not start; its log says why: " + options_.log_path);
+        return kExitBoardFailed;
+    }
+    open_window();
+    if (!end_wanted_ && start_companions()) {
+        start_feeding();
+        watch();
+    }
+    close();
+    write_reports();
+    return exit_code_;
+}
+
+/* All at once: a camera that does not answer costs the others nothing. False when none opened. */
+bool Wall::open_inputs()
+{
+    std::atomic<size_t> pending = feeders_.size();
+    std::vector<std::thread> openers;
+    for (const auto &feeder : feeders_) {
+        openers.emplace_back([&, camera = feeder.get()] {
+            camera->hold();
+            --pending;
+            wakeup_.ring();
+        });
+    }
+    while (pending > 0 && !wakeup_.end_wanted())
+        wakeup_.wait_until(Clock::now() + kLongWait);
+    if (wakeup_.end_wanted()) {
+        for (const auto &feeder : feeders_)
+            feeder->ask_to_stop();
+    }
+    for (std::thread &opener : openers)
+        opener.join();
+    if (wakeup_.end_wanted()) return false;
+    if (feeders_.empty()) return true; /* the companions have pictures of their own */
+
+    size_t opened = 0;
+    for (const auto &feeder : feeders_) {
+        opened += feeder->opened();
+        if (feeder->opened()) continue;
+        terminal_.complain("channel " + std::to_string(feeder->channel()) + ": " + feeder->input().address() +
+                           ": " + feeder->trouble());
+        worse(kExitInputFailed);
+    }
+    if (opened == 0) terminal_.complain("no input could be opened");
+    return opened > 0;
+}
+
+/* The board up, every decoder of its stream's codec, and the panes on the screen. */
+bool Wall::show()
+{
+    const int channels = std::max(options_.channels, static_cast<int>(feeders_.size()));
+    if (!session_.start(*output_mode_named(options_.output), channels)) return false;
+    for (const auto &feeder : feeders_) {
+        if (feeder->opened() && feeder->prime() != 0) {
+            terminal_.complain("channel " + std::to_string(feeder->channel()) +
+                               ": its first frame was refused");
+        }
+    }
+    return lay_out();
+}
+
+/* Bring the panes on the screen as they are wanted now. */
+bool Wall::lay_out()
+{
+    for (size_t i = 0; i < started_; ++i)
+        companions_[i]->before_layout();
+    const bool done = enlarged_ >= 0 ? session_.apply_single(enlarged_) : session_.apply(layout_);
+    for (size_t i = 0; i < started_; ++i)
+        companions_[i]->on_layout();
+    return done;
+}
+
+void Wall::show_layout(Layout layout)
+{
+    layout_ = layout;
+    enlarged_ = -1;
+    lay_out();
+}
+
+void Wall::enlarge(int channel)
+{
+    if (channel >= session_.channels() || channel == enlarged_) return;
+    enlarged_ = channel;
+    if (channel >= 0) selected_ = channel;
+    lay_out();
+}
+
+void Wall::select(int channel)
+{
+    if (channel < 0 || channel >= session_.channels() || channel == selected_) return;
+    selected_ = channel;
+    for (size_t i = 0; i < started_; ++i)
+        companions_[i]->on_layout();
+}
+
+void Wall::key(Key key)
+{
+    for (size_t i = started_; i-- > 0;) {
+        if (companions_[i]->on_key(key)) return;
+    }
+}
+
+void Wall::pointer(const PointerEvent &event)
+{
+    for (size_t i = started_; i-- > 0;) {
+        if (companions_[i]->on_pointer(event)) return;
+    }
+}
+
+void Wall::set_recording(bool on)
+{
+    recording_ = on;
+    ring(); /* whoever had its turn before */
+}
+
+void Wall::end(int exit_code)
+{
+    worse(exit_code);
+    end_wanted_ = true;
+    wakeup_.ring();
+}
+
+bool Wall::start_companions()
+{
+    while (started_ < companions_.size()) {
+        if (!companions_[started_++]->start(*this)) return false;
+    }
+    return true;
+}
+
+void Wall::open_window()
+{
+    if (options_.window == WindowWish::kOff) return;
+    if (options_.window == WindowWish::kAuto && !screen_is_there()) return;
+    window_open_ = vboard_window_open("nvrec wall") == 0;
+    if (window_open_) return;
+    terminal_.complain("no window could be opened");
+    if (options_.window == WindowWish::kOn) {
+        worse(kExitBoardFailed);
+        end_wanted_ = true;
+    }
+}
+
+void Wall::start_feeding()
+{
+    reporter_.mark();
+    began_at_ = Clock::now();
+    for (const auto &feeder : feeders_) {
+        if (!feeder->opened() && !feeder->input().live()) continue;
+        ++running_;
+        Feeder::Events events;
+        events.trouble = [this](int channel, const std::string &line) {
+            terminal_.complain("channel " + std::to_string(channel) + ": " + line);
+        };
+        events.decoder_changed = [this](int) {
+            layout_stale_ = true;
+            wakeup_.ring();
+        };
+        events.ended = [this](int) {
+            --running_;
+            wakeup_.ring();
+        };
+        events.unit = [this](int channel, const AccessUnit &unit, const StreamFacts &facts) {
+            for (const auto &companion : companions_)
+                companion->on_unit(channel, unit, facts);
+        };
+        events.sound = [this](int channel, const SoundBlock &block) {
+            for (const auto &companion : companions_)
+                companion->on_audio(channel, block);
+        };
+        feeder->start(std::move(events));
+    }
+}
+
+/* The main thread's work while the cameras run. */
+void Wall::watch()
+{
+    const auto period = std::chrono::milliseconds(terminal_.progress_period_ms());
+    Clock::time_point progress_at = began_at_ + period;
+    auto after = [this](double offset_s) {
+        return began_at_ +
+               std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(offset_s));
+    };
+    while (!ended()) {
+        Clock::time_point next = std::min(progress_at, take_turns());
+        if (options_.duration_s > 0) next = std::min(next, after(options_.duration_s));
+        if (const auto picture = next_picture_s(orders_)) next = std::min(next, after(*picture));
+        if (window_open_) next = std::min(next, Clock::now() + kWindowPeriod);
+        wakeup_.wait_until(next);
+
+        if (window_open_ && vboard_window_poll() != VBOARD_WINDOW_OPEN) end_wanted_ = true;
+        if (layout_stale_.exchange(false)) lay_out();
+        take_due_pictures(seconds(), false);
+        if (Clock::now() >= progress_at) {
+            terminal_.progress(progress_line());
+            progress_at = Clock::now() + period;
+        }
+    }
+}
+
+/* When the first of them wants the next one. */
+Wall::Clock::time_point Wall::take_turns()
+{
+    Clock::time_point next = Clock::time_point::max();
+    for (const auto &companion : companions_)
+        next = std::min(next, companion->take_turn(Clock::now()));
+    return next;
+}
+
+std::string Wall::progress_line() const
+{
+    for (const auto &companion : companions_) {
+        std::string line = companion->progress(seconds());
+        if (!line.empty()) return line;
+    }
+    return reporter_.progress_line(seconds(), running_.load());
+}
+
+bool Wall::companion_busy() const
+{
+    return std::any_of(companions_.begin(), companions_.end(),
+                       [](const auto &companion) { return companion->busy(); });
+}
+
+void Wall::take_due_pictures(double now_s, bool at_end)
+{
+    for (PictureOrder &order : orders_) {
+        if (order.done) continue;
+        if (!at_end && (!order.at_s || *order.at_s > now_s)) continue;
+        order.done = true;
+        const std::string problem = take_picture(order.path);
+        if (!problem.empty()) {
+            terminal_.complain(order.path + ": " + problem);
+            worse(kExitOutputFailed);
+        }
+    }
+}
+
+/* When every input ran to its end, its last frames are to be seen on the last picture. */
+void Wall::wait_for_decoders()
+{
+    for (const auto &feeder : feeders_) {
+        if (feeder->opened()) vboard_decoder_wait_idle(static_cast<uint32_t>(feeder->channel()), kDrain_ms);
+    }
+}
+
+void Wall::close()
+{
+    const bool ran_out = running_ == 0;
+    lasted_s_ = seconds();
+    for (const auto &feeder : feeders_)
+        feeder->ask_to_stop();
+    for (const auto &feeder : feeders_)
+        feeder->join();
+    if (ran_out) wait_for_decoders();
+    take_due_pictures(lasted_s_, true);
+    for (size_t i = started_; i-- > 0;)
+        companions_[i]->stop();
+    for (const auto &feeder : feeders_) {
+        if (feeder->broken()) worse(kExitInputFailed);
+    }
+}
+
+void Wall::write_reports()
+{
+    const std::vector<ChannelReport> channels = reporter_.collect();
+    if (window_open_) vboard_window_close();
+    session_.stop();
+    if (!channels.empty()) {
+        for (const std::string &line : table_of(channels))
+            terminal_.say(line);
+    }
+    for (size_t i = 0; i < started_; ++i)
+        companions_[i]->report();
+    if (options_.json_path.empty()) return;
+    std::vector<std::string> more;
+    for (size_t i = 0; i < started_; ++i) {
+        std::string member = companions_[i]->json();
+        if (!member.empty()) more.push_back(std::move(member));
+    }
+    if (write_text(options_.json_path, json_of(channels, options_.layout, options_.output, lasted_s_, more)))
+        return;
+    terminal_.complain("cannot write " + options_.json_path);
+    worse(kExitOutputFailed);
+}
+
+double Wall::seconds() const
+{
+    return std::chrono::duration<double>(Clock::now() - began_at_).count();
+}
+
+bool Wall::ended() const
+{
+    if (end_wanted_ || wakeup_.end_wanted()) return true;
+    if (running_ == 0 && !companion_busy()) return true;
+    return options_.duration_s > 0 && seconds() >= options_.duration_s;
+}
+
+/* The first thing that went wrong decides how the process ends. */
+void Wall::worse(int exit_code)
+{
+    if (exit_code_ == kExitDone) exit_code_ = exit_code;
+}
+
+} // namespace nvrec

@@ -1,0 +1,119 @@
+/*
+ * wall.h - live cameras on one screen, from opened inputs to the closing table.
+ *
+ *   open all inputs -> start the library -> one frame a channel -> layout -> feed
+ *     -> (pictures, progress, window, layout again where a camera came back with another codec)
+ *     -> end of inputs, time or Ctrl-C -> last pictures -> table
+ *
+ * Whatever else the recorder does while the wall stands is a Companion.
+ *
+ * Threads: everything here runs on the main thread; the feeders have one each and ring it.
+ */
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "camera/feeder.h"
+#include "wall/companion.h"
+#include "wall/pictures.h"
+#include "wall/report.h"
+#include "wall/session.h"
+#include "wall/terminal.h"
+#include "wall/wakeup.h"
+
+namespace nvrec
+{
+
+enum class WindowWish { kAuto, kOn, kOff };
+
+struct WallOptions {
+    std::vector<std::string> inputs;
+    std::string layout = "auto";
+    std::string output = "1920x1080";
+    std::vector<std::string> pictures;
+    double duration_s = 0; /* 0 = until every input has ended */
+    WindowWish window = WindowWish::kAuto;
+    std::string log_path = "out/nvrec.log";
+    std::string json_path;
+    FeedOptions feed;
+    int channels = 0; /* at least so many, for companions that show pictures of their own */
+};
+
+class Wall final : private WallControl
+{
+public:
+    explicit Wall(const WallOptions &options);
+
+    /** Before run(). */
+    void add(std::unique_ptr<Companion> companion) { companions_.push_back(std::move(companion)); }
+
+    /** The whole life of the wall. @return an ExitCode. */
+    int run();
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    Session &session() override { return session_; }
+    Terminal &terminal() override { return terminal_; }
+    Reporter &reporter() override { return reporter_; }
+    const std::vector<std::unique_ptr<Feeder>> &cameras() const override { return feeders_; }
+    void show_layout(Layout layout) override;
+    Layout layout() const override { return layout_; }
+    void enlarge(int channel) override;
+    int enlarged() const override { return enlarged_; }
+    void select(int channel) override;
+    int selected() const override { return selected_; }
+    bool window_is_open() const override { return window_open_; }
+    void key(Key key) override;
+    void pointer(const PointerEvent &event) override;
+    void ring() override { wakeup_.ring(); }
+    void set_recording(bool on) override;
+    bool recording() const override { return recording_; }
+    void end(int exit_code) override;
+
+    bool open_inputs();
+    bool show();
+    void open_window();
+    bool start_companions();
+    void start_feeding();
+    void watch();
+    bool lay_out();
+    Clock::time_point take_turns();
+    std::string progress_line() const;
+    bool companion_busy() const;
+    void take_due_pictures(double now_s, bool at_end);
+    void wait_for_decoders();
+    void close();
+    void write_reports();
+    double seconds() const;
+    bool ended() const;
+    void worse(int exit_code);
+
+    const WallOptions options_;
+    Wakeup wakeup_; /* first of all: it blocks the signals that the threads inherit */
+    Terminal terminal_;
+    Session session_;
+    Layout layout_ = Layout::kSingle;
+    int enlarged_ = -1; /* the channel that has the screen to itself, or -1 */
+    int selected_ = 0;
+    std::vector<std::unique_ptr<Feeder>> feeders_;
+    Reporter reporter_;
+    std::vector<PictureOrder> orders_;
+    std::vector<std::unique_ptr<Companion>> companions_;
+    size_t started_ = 0; /* of the companions */
+    bool window_open_ = false;
+    bool recording_ = false; /* as a companion says */
+    bool end_wanted_ = false;
+    Clock::time_point began_at_;
+    double lasted_s_ = 0;
+    int exit_code_ = 0;
+
+    std::atomic<int> running_ = 0;           /* feeders not at their end       */
+    std::atomic<bool> layout_stale_ = false; /* a decoder was made anew        */
+};
+
+} // namespace nvrec

@@ -1,0 +1,106 @@
+/* wall_command.cpp - "nvrec wall", and the wall's options for whoever else shows one. */
+#include <cstdio>
+#include <memory>
+
+#include "controls/controls.h"
+#include "play/snapshot.h"
+#include "play/zoom_options.h"
+#include "record/listen.h"
+#include "screen/furniture_options.h"
+#include "wall/command.h"
+#include "wall/screen_options.h"
+#include "wall/wall_options.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr size_t kMostShown = 16;
+
+/* What looks closer at one camera. */
+struct CloserLook {
+    ZoomOptions zoom;
+    std::string snapshot_dir = "out";
+};
+
+using Companions = std::vector<std::unique_ptr<Companion>>;
+
+int run_wall(const WallOptions &options, const ControlOptions &controls, const FurnitureOptions &furniture,
+             const CloserLook &closer, const ListenOptions &listen, Companions companions)
+{
+    Wall wall(options);
+    for (std::unique_ptr<Companion> &companion : companions)
+        wall.add(std::move(companion));
+    if (listen.channel >= 0) wall.add(std::make_unique<Listener>(listen));
+    add_controls(wall, controls);
+    wall.add(std::make_unique<Furniture>(furniture));
+    wall.add(std::make_unique<Snapshots>(closer.snapshot_dir));
+    wall.add(std::make_unique<Zoom>(closer.zoom)); /* last: it wants the arrow keys while it zooms */
+    return wall.run();
+}
+
+} // namespace
+
+WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
+{
+    auto options = std::make_shared<WallOptions>();
+    CLI::App *wall = &command;
+    wall->footer(
+        "Inputs are files (.h264, .h265, .mp4, .mkv, ...) or rtsp:// addresses. Channel numbers count\n"
+        "from 0 in the order of the inputs. Exit status: 0 done, 2 command line, 3 an input failed,\n"
+        "4 the library or the board, 5 a file could not be written.");
+
+    wall->add_option("inputs", options->inputs, "Cameras, one channel each")->required();
+    add_layout_option(*wall, options->layout, "How the screen is divided; auto = the smallest fitting grid");
+    add_screen_options(*wall, *options);
+    wall->add_option("-n,--frames", options->feed.frames,
+                     "End after so many frames of every camera; 0 = no limit")
+        ->capture_default_str();
+    wall->add_flag("--loop", options->feed.loop, "Begin files again at their end");
+    auto *speed =
+        wall->add_option("--speed", options->feed.speed, "Feed files so many times their frame rate")
+            ->check(CLI::Range(0.01, 100.0))
+            ->capture_default_str();
+    wall->add_flag("--as-fast-as-can", options->feed.as_fast_as_can,
+                   "Feed files as fast as the decoders take them")
+        ->excludes(speed);
+    wall->add_option("--link-quality", options->feed.link_quality,
+                     "Quality of the camera links, 1 to 100, which bounds the backlog; 0 = not measured")
+        ->check(CLI::Range(0, 100))
+        ->capture_default_str();
+    wall->add_option("--json", options->json_path, "Write the closing table as JSON too");
+
+    auto controls = std::make_shared<ControlOptions>();
+    add_control_options(*wall, *controls);
+    const auto furniture = add_furniture_options(*wall);
+    auto closer = std::make_shared<CloserLook>();
+    add_zoom_options(*wall, closer->zoom);
+    wall->add_option("--snapshot-dir", closer->snapshot_dir, "Where the snapshot key's pictures go")
+        ->capture_default_str();
+    auto listen = std::make_shared<ListenOptions>();
+    add_listen_options(*wall, *listen);
+
+    return {options, [=](Companions companions) {
+                if (options->inputs.size() > most_inputs) {
+                    std::fprintf(stderr, "nvrec: %zu inputs; it takes at most %zu\n", options->inputs.size(),
+                                 most_inputs);
+                    return static_cast<int>(kExitUsage);
+                }
+                if (listen->channel >= static_cast<int>(options->inputs.size())) {
+                    std::fprintf(stderr, "nvrec: --listen %d: channels count from 0\n", listen->channel);
+                    return static_cast<int>(kExitUsage);
+                }
+                if (listen->channel >= 0) options->feed.sound_channels |= 1u << listen->channel;
+                return run_wall(*options, *controls, *furniture, *closer, *listen, std::move(companions));
+            }};
+}
+
+Command wall_command(CLI::App &app)
+{
+    CLI::App *wall = app.add_subcommand("wall", "Show 1 to 16 cameras on one screen");
+    const WallCommandLine line = add_wall_options(*wall, kMostShown);
+    return {wall, [line] { return line.run({}); }};
+}
+
+} // namespace nvrec

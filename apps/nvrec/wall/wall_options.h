@@ -1,0 +1,26 @@
+/* wall_options.h - the wall's part of a command line, for every subcommand that shows one. */
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "wall/wall.h"
+
+namespace nvrec
+{
+
+/** The options, filled when the subcommand is parsed, and what then runs the wall. */
+struct WallCommandLine {
+    std::shared_ptr<WallOptions> options;
+
+    /** @param companions  run beside the wall, before those that the options ask for */
+    std::function<int(std::vector<std::unique_ptr<Companion>> companions)> run;
+};
+
+/** Give a subcommand the wall's options. @param most_inputs  more of them are refused */
+WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs);
+
+} // namespace nvrec
