@@ -87,7 +87,10 @@ void KeyWatch::stop()
 bool Keys::start(WallControl &wall)
 {
     wall_ = &wall;
-    stopped_ = false;
+    {
+        const std::scoped_lock guard(lock_); // the control socket may ask already
+        stopped_ = false;
+    }
     if (ext_keyboard_initial() != 0) wall.terminal().complain("keys: the library could not set them up");
     pthread_t reader;
     if (pthread_create(&reader, nullptr, read_remote, this) == 0) {

@@ -86,7 +86,7 @@ private:
     std::mutex lock_; /* guards what follows */
     std::condition_variable came_;
     std::array<uint64_t, kKeyCodes> seen_ = {}; /* how often each code was handed to the wall */
-    bool stopped_ = false;
+    bool stopped_ = true;
 };
 
 } // namespace nvrec

@@ -111,7 +111,7 @@ Command play_command(CLI::App &app)
     add_layout_option(*play, command->player.layout, "How the screen is divided; auto = the smallest grid");
     add_screen_options(*play, command->wall);
     play->add_option("--seek", command->player.seek_s, "Begin at the key frame before this second")
-        ->check(CLI::NonNegativeNumber);
+        ->check(from_zero_on());
     play->add_option("--speed", command->player.speed,
                      "Times the recorded rate; 2 doubles the display's rate too, 4 shows key frames only")
         ->check(CLI::IsMember(std::vector<double>{1, 2, 4}))

@@ -17,7 +17,7 @@ std::string Script::parse(const std::string &text)
     std::istringstream items(text);
     for (std::string item; std::getline(items, item, ',');) {
         const std::string problem = parse_item(item);
-        if (!problem.empty()) return "\"" + item + "\": " + problem;
+        if (!problem.empty()) return std::string("\"").append(item).append("\": ").append(problem);
     }
     std::stable_sort(items_.begin(), items_.end(),
                      [](const Item &a, const Item &b) { return a.at_s < b.at_s; });

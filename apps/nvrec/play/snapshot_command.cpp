@@ -110,7 +110,7 @@ Command snapshot_command(CLI::App &app)
 
     snapshot->add_option("inputs", command->wall.inputs, "Cameras, one channel each, as of wall")->required();
     snapshot->add_option("-c,--channel", command->channel, "The camera, from 0")
-        ->check(CLI::NonNegativeNumber)
+        ->check(from_zero_on())
         ->capture_default_str();
     snapshot->add_option("-f,--output", command->path, "The file to write")->required();
     add_layout_option(*snapshot, command->wall.layout, "What the wall shows meanwhile");

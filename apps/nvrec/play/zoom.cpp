@@ -77,7 +77,7 @@ std::optional<ZoomRect> zoom_rect(const std::string &text)
     const int read =
         std::sscanf(text.c_str(), "%6d,%6d,%6d,%6d%n", &rect.x, &rect.y, &rect.w, &rect.h, &used);
     if (read != 4 || static_cast<size_t>(used) != text.size()) return std::nullopt;
-    if (rect.x < 0 || rect.y < 0 || rect.w < 1 || rect.h < 1) return std::nullopt;
+    if (rect.x < 0 || rect.y < 0 || rect.w < 2 || rect.h < 2) return std::nullopt;
     return rect;
 }
 
@@ -86,19 +86,24 @@ Zoom::Zoom(const ZoomOptions &options, SizeOf size_of) : options_(options), size
 bool Zoom::start(WallControl &wall)
 {
     wall_ = &wall;
-    return true;
+    // Cameras: before they run, so that their first key frame reaches the enlarged picture's decoder.
+    return size_of_ != nullptr || begin_as_asked();
 }
 
-/* At the first turn all else stands: the panes, and the recordings where there are some. */
+bool Zoom::begin_as_asked()
+{
+    if (std::exchange(asked_, true) || options_.rect.empty()) return true;
+    const std::string problem = begin(options_.channel, *zoom_rect(options_.rect));
+    if (problem.empty()) return true;
+    wall_->terminal().complain("zoom: " + problem);
+    wall_->end(kExitUsage);
+    return false;
+}
+
+/* Recordings stand by the first turn. */
 Companion::Clock::time_point Zoom::take_turn(Clock::time_point /*now*/)
 {
-    if (!std::exchange(asked_, true) && !options_.rect.empty()) {
-        const std::string problem = begin(options_.channel, *zoom_rect(options_.rect));
-        if (!problem.empty()) {
-            wall_->terminal().complain("zoom: " + problem);
-            wall_->end(kExitUsage);
-        }
-    }
+    begin_as_asked();
     return Clock::time_point::max();
 }
 

@@ -72,6 +72,7 @@ public:
     void stop() override;
 
     /** Enlarge a part of a channel's picture. @return empty, or why not. */
+    bool begin_as_asked();
     std::string begin(int channel, const ZoomRect &rect);
 
     /** The panes of before. */

@@ -1,6 +1,8 @@
 /* zoom_options.cpp - see zoom_options.h. */
 #include "play/zoom_options.h"
 
+#include "wall/command.h"
+
 namespace nvrec
 {
 
@@ -14,7 +16,7 @@ void add_zoom_options(CLI::App &command, ZoomOptions &options)
                      });
     command.add_option("--zoom-channel", options.channel, "The channel that --zoom means")
         ->needs(rect)
-        ->check(CLI::NonNegativeNumber)
+        ->check(from_zero_on())
         ->capture_default_str();
 }
 

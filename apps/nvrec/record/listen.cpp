@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <utility>
 
 #include "nvrhal.h"
@@ -27,7 +28,7 @@ constexpr int kVolumeStep = 5;
 void add_listen_options(CLI::App &command, ListenOptions &options)
 {
     auto *listen = command.add_option("--listen", options.channel, "Play the sound of this channel")
-                       ->check(CLI::NonNegativeNumber);
+                       ->check(from_zero_on());
     command.add_option("--listen-wav", options.wav_path, "Write it to a WAV file instead of the sound card")
         ->needs(listen);
 }
@@ -152,7 +153,7 @@ void Listener::finish()
 void Listener::report()
 {
     const double seconds = static_cast<double>(played_) * kSoundBlock_us / 1e6;
-    std::string tenths = std::to_string(static_cast<int64_t>(seconds * 10 + 0.5));
+    std::string tenths = std::to_string(std::llround(seconds * 10));
     if (tenths.size() < 2) tenths.insert(0, "0");
     tenths.insert(tenths.size() - 1, ".");
     wall_->terminal().say("sound of channel " + std::to_string(options_.channel) + ": " + tenths +

@@ -135,7 +135,7 @@ Mask Font::render(std::u16string_view units, int size_px, int most_px)
     int pen = 0;
     for (const char16_t unit : line) {
         if (FT_Load_Char(library_->face, unit, FT_LOAD_RENDER | FT_LOAD_NO_BITMAP) != 0) continue;
-        const FT_GlyphSlot glyph = library_->face->glyph;
+        const FT_GlyphSlotRec *glyph = library_->face->glyph;
         const FT_Bitmap &image = glyph->bitmap;
         for (int y = 0; y < static_cast<int>(image.rows); ++y) {
             const int to_y = baseline - glyph->bitmap_top + y;

@@ -23,6 +23,9 @@ struct Command {
     std::function<int()> run;
 };
 
+/** A number of 0 or more; infinity and "nan" are none. */
+CLI::Validator from_zero_on();
+
 Command wall_command(CLI::App &app);
 Command key_command(CLI::App &app);
 Command board_command(CLI::App &app);

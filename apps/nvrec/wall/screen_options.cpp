@@ -1,8 +1,11 @@
 /* screen_options.cpp - see screen_options.h. */
 #include "wall/screen_options.h"
 
+#include <cmath>
 #include <cstdio>
 #include <map>
+
+#include "wall/command.h"
 
 namespace nvrec
 {
@@ -17,6 +20,17 @@ const std::map<std::string, WindowWish> kWindowWishes = {
 
 } // namespace
 
+CLI::Validator from_zero_on()
+{
+    return CLI::Validator(
+        [](const std::string &text) -> std::string {
+            double value = 0;
+            if (CLI::detail::lexical_cast(text, value) && std::isfinite(value) && value >= 0) return {};
+            return text + " is not a number of 0 or more";
+        },
+        "NUMBER>=0");
+}
+
 void add_screen_options(CLI::App &command, WallOptions &options)
 {
     command.add_option("-o,--output", options.output, "Size of the screen")
@@ -29,7 +43,7 @@ void add_screen_options(CLI::App &command, WallOptions &options)
         ->allow_extra_args(false);
     command
         .add_option("-d,--duration", options.duration_s, "End after so many seconds; 0 = when the inputs end")
-        ->check(CLI::NonNegativeNumber)
+        ->check(from_zero_on())
         ->capture_default_str();
     command.add_option("--window", options.window, "Open a window: auto (when there is a screen), on, off")
         ->transform(CLI::CheckedTransformer(kWindowWishes, CLI::ignore_case))
