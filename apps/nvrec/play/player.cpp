@@ -83,7 +83,7 @@ int Player::pages() const
 
 std::vector<size_t> Player::lanes_of(int page) const
 {
-    const auto first = static_cast<size_t>(page * Playback::kPlayers);
+    const auto first = static_cast<size_t>(page) * Playback::kPlayers;
     const size_t end = std::min(first + Playback::kPlayers, playback_.lanes().size());
     std::vector<size_t> lanes;
     for (size_t i = first; i < end; ++i) {

@@ -203,7 +203,7 @@ void PoolReader::lose_note()
 
 PoolReader::Note PoolReader::pop_note()
 {
-    Note note = std::move(notes_.front());
+    const Note note = notes_.front();
     notes_.pop_front();
     noted_bytes_ -= note.length_bytes;
     return note;

@@ -44,7 +44,7 @@ std::string free_segment_path(const std::string &directory, const std::string &n
     std::string path = stem + ending;
     std::error_code ignored; /* what cannot be looked at shows when it is opened */
     for (int number = 2; std::filesystem::exists(path, ignored); ++number)
-        path = stem + "-" + std::to_string(number) + ending;
+        path = std::string(stem).append("-").append(std::to_string(number)).append(ending);
     return path;
 }
 
