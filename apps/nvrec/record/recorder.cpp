@@ -48,8 +48,9 @@ void Recorder::start_network(int channel, const std::string &address)
 {
     FeedOptions feed = options_.feed;
     feed.sound_channels = 0; /* it comes with the main stream */
-    NetworkStream stream = {make_recording(channel, PoolStream::kNetwork),
-                            std::make_unique<Feeder>(channel, address, feed)};
+    NetworkStream stream;
+    stream.recording = make_recording(channel, PoolStream::kNetwork);
+    stream.feeder = std::make_unique<Feeder>(channel, address, feed);
     PoolReader &pool = stream.recording->video();
     Feeder::Events events;
     events.trouble = [this](int of_channel, const std::string &line) {
