@@ -126,6 +126,11 @@ TEST_F(Decoder, GivesBackTheAttributesOfItsCreation)
 struct PixelCase {
     const char *stream;
     int window_width, window_height;
+
+    friend void PrintTo(const PixelCase &tested, std::ostream *out)
+    {
+        *out << tested.stream << " in " << tested.window_width << "x" << tested.window_height;
+    }
 };
 
 class DecoderPixels : public Board, public testing::WithParamInterface<PixelCase>

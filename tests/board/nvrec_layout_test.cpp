@@ -13,7 +13,10 @@ namespace
 
 using namespace nvrec;
 
-class NvrecLayout : public testing::TestWithParam<std::tuple<std::pair<const char *, int>, std::string>>
+const std::pair<std::string, int> kNamed[] = {{"1", 1},    {"2x2", 4}, {"3x3", 9},
+                                              {"4x4", 16}, {"1+5", 6}, {"1+7", 8}};
+
+class NvrecLayout : public testing::TestWithParam<std::tuple<std::pair<std::string, int>, std::string>>
 {
 };
 
@@ -47,10 +50,7 @@ TEST_P(NvrecLayout, FillsTheOutputWithEvenPanesThatDoNotOverlap)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, NvrecLayout,
-                         testing::Combine(testing::Values(std::pair("1", 1), std::pair("2x2", 4),
-                                                          std::pair("3x3", 9), std::pair("4x4", 16),
-                                                          std::pair("1+5", 6), std::pair("1+7", 8)),
-                                          testing::ValuesIn(output_mode_names())));
+                         testing::Combine(testing::ValuesIn(kNamed), testing::ValuesIn(output_mode_names())));
 
 TEST(NvrecLayouts, OneAndFiveHasItsLargePaneOverTwoThirds)
 {

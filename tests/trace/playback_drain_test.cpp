@@ -10,14 +10,20 @@ namespace
 
 constexpr int32_t kRefused = static_cast<int32_t>(0xA0080005);
 
-using Switch = int32_t (*)(uint32_t);
+struct Switch {
+    const char *name;
+    int32_t (*call)(uint32_t);
+
+    friend void PrintTo(const Switch &way, std::ostream *out) { *out << way.name; }
+};
 
 class SingleSwitch : public testing::TestWithParam<Switch>
 {
 };
 
 INSTANTIATE_TEST_SUITE_P(BothWays, SingleSwitch,
-                         testing::Values(ext_signal_spilt_start, ext_signal_spilt_exit));
+                         testing::Values(Switch{"start", ext_signal_spilt_start},
+                                         Switch{"exit", ext_signal_spilt_exit}));
 
 const char kFlush[] = R"(
     MI_VDEC_GetOutputPortAttr 2
@@ -43,7 +49,7 @@ TEST_P(SingleSwitch, ClearsTwiceAndFlushesAnEmptyDecoder)
 {
     create_decoders(4);
     globalVoDev = 2;
-    EXPECT_EQ(GetParam()(2), 0);
+    EXPECT_EQ(GetParam().call(2), 0);
     EXPECT_EQ(platform.calls(), trace(std::string(R"(
         MI_DISP_ClearInputPortBuffer 2 2 1
         MI_VDEC_GetChnStat 2
@@ -56,7 +62,7 @@ TEST_P(SingleSwitch, WaitsUntilTheDecoderHasConsumedItsStream)
     create_decoders(4);
     leave_bytes(1, 500);
     leave_bytes(4, 0);
-    EXPECT_EQ(GetParam()(2), 0);
+    EXPECT_EQ(GetParam().call(2), 0);
     EXPECT_EQ(platform.calls({"MI_DISP_", "MI_VDEC_GetChnStat", "board_"}), trace(R"(
         MI_DISP_ClearInputPortBuffer 0 2 1
         MI_VDEC_GetChnStat 2
@@ -77,7 +83,7 @@ TEST_P(SingleSwitch, GivesUpWaitingAfterTenAttempts)
 {
     create_decoders(4);
     leave_bytes(1, 1);
-    EXPECT_EQ(GetParam()(2), 0);
+    EXPECT_EQ(GetParam().call(2), 0);
     EXPECT_EQ(platform.count("MI_VDEC_GetChnStat 2"), 10u);
     EXPECT_EQ(platform.count("board_sleep_us 10000"), 10u);
     EXPECT_EQ(platform.time_us(), 100000);
@@ -89,7 +95,7 @@ TEST_P(SingleSwitch, UsesAnAttemptUpForStatisticsThatCannotBeRead)
 {
     create_decoders(4);
     platform.script("MI_VDEC_GetChnStat").returns(kRefused);
-    EXPECT_EQ(GetParam()(2), 0);
+    EXPECT_EQ(GetParam().call(2), 0);
     EXPECT_EQ(platform.count("MI_VDEC_GetChnStat 2"), 10u);
     EXPECT_EQ(platform.count("board_sleep_us"), 0u);
     EXPECT_EQ(recording::times_printed("[vdec_venc.c-#] MI_VDEC_GetChnStat errno is 0xa0080005"), 10u);
@@ -99,7 +105,7 @@ TEST_P(SingleSwitch, ReturnsZeroWhenTheFlushFails)
 {
     create_decoders(4);
     platform.script("MI_VDEC_CreateChn").returns(kRefused);
-    EXPECT_EQ(GetParam()(2), 0);
+    EXPECT_EQ(GetParam().call(2), 0);
     EXPECT_PRINTED("MI_VDEC_CreateChn failed errno 0xa0080005,chnid:2 ");
 }
 

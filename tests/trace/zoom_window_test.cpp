@@ -38,7 +38,7 @@ class ZoomWindow : public testing::TestWithParam<Row>
 
 void PrintTo(const Row &row, std::ostream *out)
 {
-    *out << row.window;
+    *out << row.window << " of " << row.source_width << "x" << row.source_height;
 }
 
 INSTANTIATE_TEST_SUITE_P(Rectangles, ZoomWindow, testing::ValuesIn(kRows));

@@ -15,6 +15,8 @@ struct Stream {
     int32_t (*set)(uint32_t, const FrameInfo *);
     int32_t (*get)(uint32_t, FrameInfo *);
     int32_t pool;
+
+    friend void PrintTo(const Stream &stream, std::ostream *out) { *out << stream.name; }
 };
 
 constexpr Stream kStreams[] = {

@@ -27,6 +27,8 @@ struct Case {
     uint32_t key_every;
     uint32_t first_lap;
     uint32_t writes_in_8; // of 8 operations
+
+    friend void PrintTo(const Case &rule, std::ostream *out) { *out << rule.name; }
 };
 
 constexpr Case kCases[] = {
