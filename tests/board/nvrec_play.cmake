@@ -43,11 +43,12 @@ target_compile_definitions(nvrec_playback_test PRIVATE NVREC_STREAMS="${STAMPED_
 add_dependencies(nvrec_playback_test nvrec_play_sound stream_play_1.h265)
 add_dependencies(nvrec_play_test nvrec_play_sound)
 
-# The mouse of the board, in front of the recorder in one process with it.
-nvrhal_test(nvrec_mouse_test
+# The wall in one process with the test, which moves the mouse and follows the screen.
+nvrhal_test(nvrec_running_wall_test
   ${CMAKE_CURRENT_LIST_DIR}/nvrec_run.cpp
   ${CMAKE_CURRENT_LIST_DIR}/nvrec_mouse_test.cpp
-  LIBS nvrec_pieces platform_api LABEL board TIMEOUT 120)
-target_compile_definitions(nvrec_mouse_test PRIVATE NVREC_STREAMS="${STAMPED_STREAM_DIR}")
-add_dependencies(nvrec_mouse_test stream_play_0.h264 stream_play_1.h265 stream_play_camera_0.h265
+  ${CMAKE_CURRENT_LIST_DIR}/nvrec_play_loop_test.cpp
+  LIBS nvrec_pieces platform_api stamp LABEL board TIMEOUT 120)
+target_compile_definitions(nvrec_running_wall_test PRIVATE NVREC_STREAMS="${STAMPED_STREAM_DIR}")
+add_dependencies(nvrec_running_wall_test stream_play_0.h264 stream_play_1.h265 stream_play_camera_0.h265
   stream_play_camera_1.h264)
