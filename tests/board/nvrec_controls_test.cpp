@@ -358,7 +358,8 @@ TEST_F(RecorderHealth, AThreadThatHangsStarvesTheWatchdog)
     const Clock::time_point begin = Clock::now();
     std::atomic<Clock::rep> promise = (begin + 1h).time_since_epoch().count();
     Health health(kWatchdog_s, 1s);
-    health.watch("the camera", [&] { return Clock::time_point(Clock::duration(promise.load())); });
+    health.watch(
+        "the camera", [&] { return Clock::time_point(Clock::duration(promise.load())); }, 1s);
     ASSERT_TRUE(health.start(wall_));
     EXPECT_EQ(watchdog().timeout_s, static_cast<uint32_t>(kWatchdog_s));
 
@@ -376,6 +377,38 @@ TEST_F(RecorderHealth, AThreadThatHangsStarvesTheWatchdog)
     EXPECT_EQ(watchdog().expired, 0u);
     ASSERT_EQ(vboard_clock_step_us(kWatchdog_s * kSecond_us), 0);
     EXPECT_EQ(watchdog().expired, 1u);
+    vboard_clock_release();
+    health.stop();
+}
+
+/* The health's own thread looks too, at the real time, which is before all of these. */
+TEST_F(RecorderHealth, AMainThreadWithoutATurnStarvesTheWatchdogUntilItHasOneAgain)
+{
+    using Clock = Companion::Clock;
+    vboard_clock_take();
+    const Clock::time_point begin = Clock::now() + 1h;
+    Health health(kWatchdog_s, 1s);
+    ASSERT_TRUE(health.start(wall_));
+    health.take_turn(begin);
+    health.look(begin + 29s);
+    EXPECT_EQ(Wdt_Fing, 1);
+    health.look(begin + 31s);
+    EXPECT_EQ(Wdt_Fing, 0) << "half a minute without a turn";
+
+    pass_feed_period();
+    ASSERT_EQ(vboard_clock_wait_sleepers(1, kPatience_ms), 0); /* the feeder's farewell */
+    ASSERT_EQ(vboard_clock_step_us(kSecond_us), 0);
+    const uint64_t feeds = watchdog().feeds;
+    health.take_turn(begin + 34s);
+    health.look(begin + 34s);
+    EXPECT_EQ(Wdt_Fing, 0) << "the feeder may not have ended yet";
+    health.look(begin + 36s);
+    EXPECT_EQ(Wdt_Fing, 1);
+    for (int i = 0; i < 5; ++i)
+        pass_feed_period();
+    ASSERT_EQ(vboard_clock_wait_sleepers(1, kPatience_ms), 0);
+    EXPECT_GE(watchdog().feeds, feeds + 5);
+    EXPECT_EQ(watchdog().expired, 0u) << "nineteen seconds, of which it was not fed for four";
     vboard_clock_release();
     health.stop();
 }

@@ -21,9 +21,9 @@ constexpr auto kFeederEnds = 4s;   /* the library's thread looks whether it is t
 
 } // namespace
 
-void Health::watch(std::string name, Promise promise)
+void Health::watch(std::string name, Promise promise, Clock::duration patience)
 {
-    watched_.push_back({std::move(name), std::move(promise)});
+    watched_.push_back({std::move(name), std::move(promise), patience});
 }
 
 bool Health::start(WallControl &wall)
@@ -34,11 +34,14 @@ bool Health::start(WallControl &wall)
         return true;
     }
     for (const auto &camera : wall.cameras()) {
-        watch("the thread of channel " + std::to_string(camera->channel()),
-              [feeder = camera.get()] { return feeder->promise(); });
+        watch(
+            "the thread of channel " + std::to_string(camera->channel()),
+            [feeder = camera.get()] { return feeder->promise(); }, patience_);
     }
     take_turn(Clock::now());
-    watch("the main thread", [this] { return Clock::time_point(Clock::duration(main_promise_.load())); });
+    watch(
+        "the main thread", [this] { return Clock::time_point(Clock::duration(main_promise_.load())); },
+        Clock::duration::zero());
     if (local_wdg_set_timeout(watchdog_s_) < 0) wall.terminal().complain("watchdog: it refused its time-out");
     feed();
     stop_ = false;
@@ -63,7 +66,7 @@ std::optional<std::string> Health::late_thread(Clock::time_point now) const
 {
     for (const Watched &one : watched_) {
         const Clock::time_point promise = one.promise();
-        if (promise < now && now - promise > patience_) return one.name;
+        if (promise < now && now - promise > one.patience) return one.name;
     }
     return std::nullopt;
 }

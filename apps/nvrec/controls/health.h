@@ -34,13 +34,14 @@ public:
 
     /**
      * @param watchdog_s  the watchdog's time-out; 0 = it is switched off
-     * @param patience    a promise that is broken for so long means that the thread hangs
+     * @param patience    a promise that a camera's thread breaks for so long means that it hangs; the
+     *                    main thread's promise has room of its own
      */
     Health(int watchdog_s, Clock::duration patience) : watchdog_s_(watchdog_s), patience_(patience) {}
     ~Health() override { stop(); }
 
-    /** Before start(): watch one more. */
-    void watch(std::string name, Promise promise);
+    /** Before start(): watch one more. @param patience  for how long it may be late */
+    void watch(std::string name, Promise promise, Clock::duration patience);
 
     bool start(WallControl &wall) override;
     Clock::time_point take_turn(Clock::time_point now) override;
@@ -53,6 +54,7 @@ private:
     struct Watched {
         std::string name;
         Promise promise;
+        Clock::duration patience;
     };
 
     void feed();
