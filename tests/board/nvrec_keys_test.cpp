@@ -113,6 +113,25 @@ TEST_F(NvrecKeys, AKeyOfTheRemoteOrThePanelChangesTheRunningWall)
     EXPECT_EQ(process->wait(), 0) << process->output;
 }
 
+/* The lamp is lit steadily while nothing records. */
+TEST_F(NvrecKeys, TheRecordKeyDoesNothingYet)
+{
+    auto process = running_wall();
+    const auto wall_rows = [this] {
+        EXPECT_EQ(run({"board"}), 0) << errors_;
+        const size_t end = output_.find("\nline ");
+        return output_.substr(0, end) + "\n" + state_of(output_, "lamp", "record");
+    };
+    const std::string before = wall_rows();
+    EXPECT_NE(before.find("records"), std::string::npos) << before;
+    EXPECT_EQ(run({"key", "record"}), 0) << errors_;
+    EXPECT_EQ(run({"key", "record", "--panel"}), 0) << errors_;
+    EXPECT_EQ(wall_rows(), before);
+    EXPECT_EQ(state_of(output_, "wall", "records"), "no");
+    process->signal(SIGINT);
+    EXPECT_EQ(process->wait(), 0) << process->output;
+}
+
 TEST_F(NvrecKeys, TheBoardOfARunningRecorderIsToldAsATable)
 {
     auto process = running_wall();
