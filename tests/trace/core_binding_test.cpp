@@ -29,7 +29,7 @@ TEST(BindPort, SaysWhatFailed)
 {
     platform.script("MI_SYS_BindChnPort").returns(kRefused);
     EXPECT_EQ(vo_bind_vpss(0, 3, 5, 0), -1);
-    EXPECT_PRINTED("failed with 0xa0010005!");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "failed with 0xa0010005!");
 }
 
 TEST(UnbindPort, DisconnectsWhatBindConnected)
@@ -43,7 +43,7 @@ TEST(UnbindPort, SaysWhatFailed)
 {
     platform.script("MI_SYS_UnBindChnPort").returns(kRefused);
     EXPECT_EQ(vo_unbind_vpss(0, 3, 5, 0), -1);
-    EXPECT_PRINTED("failed with 0xa0010005!");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "failed with 0xa0010005!");
     EXPECT_NOT_PRINTED("unbind vpss success! ");
 }
 
@@ -61,7 +61,7 @@ TEST(BindAll, StopsAtTheFirstFailure)
     platform.script("MI_SYS_BindChnPort").nth(2).returns(kRefused);
     EXPECT_EQ(vdec_bind_vpss(4), -1);
     EXPECT_EQ(platform.count("MI_SYS_BindChnPort"), 2u);
-    EXPECT_PRINTED("HI_MPI_SYS_Bind failed with 0xa0010005!");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "HI_MPI_SYS_Bind failed with 0xa0010005!");
 }
 
 TEST(BindAll, OfNothingSucceeds)

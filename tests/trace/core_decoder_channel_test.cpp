@@ -31,17 +31,17 @@ TEST(RecreateDecoder, ReturnsTheFirstFailure)
     platform.script("MI_VDEC_StopChn").once().returns(kRefused);
     EXPECT_EQ(vdec_recreate(3, 1), kRefused);
     EXPECT_EQ(platform.calls(), "MI_VDEC_StopChn 3");
-    EXPECT_PRINTED("stopRecvStream VDEC fail for 0xa0080009!");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "stopRecvStream VDEC fail for 0xa0080009!");
 
     platform.script("MI_VDEC_DestroyChn").once().returns(kRefused);
     EXPECT_EQ(vdec_recreate(3, 1), kRefused);
     EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), 0u);
-    EXPECT_PRINTED(" VDEC DestroyChn fail for 0xa0080009!");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", " VDEC DestroyChn fail for 0xa0080009!");
 
     platform.script("MI_VDEC_CreateChn").once().returns(kRefused);
     EXPECT_NE(vdec_recreate(3, 1), 0);
     EXPECT_EQ(platform.count("MI_VDEC_StartChn"), 0u);
-    EXPECT_PRINTED("create vdec chn failed!");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "create vdec chn failed!");
 }
 
 TEST(CreateOneDecoder, HasTheScreensSizeAndNoOutputSizeOfItsOwn)
@@ -54,7 +54,7 @@ TEST(CreateOneDecoder, HasTheScreensSizeAndNoOutputSizeOfItsOwn)
     )"));
     platform.script("MI_VDEC_StartChn").once().returns(kRefused);
     EXPECT_EQ(vdec_create_chnn(1, 6), -1);
-    EXPECT_PRINTED("create vdec chn failed!");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "create vdec chn failed!");
 }
 
 TEST(ResetDecoder, StopsAndStarts)
@@ -68,10 +68,10 @@ TEST(ResetDecoder, StartsEvenWhenTheStopFails)
     platform.script("MI_VDEC_StopChn").once().returns(kRefused);
     EXPECT_EQ(vdec_resetchn(5), 0);
     EXPECT_EQ(platform.count("MI_VDEC_StartChn"), 1u);
-    EXPECT_PRINTED("HI_MPI_VDEC_StopRecvStream failed errno 0xa0080009");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "HI_MPI_VDEC_StopRecvStream failed errno 0xa0080009");
     platform.script("MI_VDEC_StartChn").once().returns(kRefused);
     EXPECT_NE(vdec_resetchn(5), 0);
-    EXPECT_PRINTED("HI_MPI_VDEC_StartRecvStream failed errno 0xa0080009");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "HI_MPI_VDEC_StartRecvStream failed errno 0xa0080009");
 }
 
 TEST(ResetDecoder, ResetsAllCamerasButNotTheSpareChannel)
@@ -88,8 +88,8 @@ TEST(ResetDecoder, ResetsAllCamerasButNotTheSpareChannel)
         MI_VDEC_StopChn 2
         MI_VDEC_StartChn 2
     )"));
-    EXPECT_PRINTED("HI_MPI_VDEC_StopRecvStream failed errno 0xa0080009");
-    EXPECT_PRINTED("HI_MPI_VDEC_StartRecvStream failed errno 0xa0080009, 1");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "HI_MPI_VDEC_StopRecvStream failed errno 0xa0080009");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "HI_MPI_VDEC_StartRecvStream failed errno 0xa0080009, 1");
 }
 
 TEST(StopDecoder, StopsOneOrAllCameras)
@@ -99,7 +99,7 @@ TEST(StopDecoder, StopsOneOrAllCameras)
     platform.forget();
     platform.script("MI_VDEC_StopChn").once().returns(kRefused);
     EXPECT_NE(vdec_stopdecrecv(4), 0);
-    EXPECT_PRINTED("HI_MPI_VDEC_StopRecvStream failed errno 0xa0080009");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "HI_MPI_VDEC_StopRecvStream failed errno 0xa0080009");
 
     platform.forget();
     g_vi_chn_num = 3;
@@ -167,16 +167,16 @@ TEST(DestroyDecoder, StopsAtItsFirstFailure)
     platform.script("MI_VDEC_StopChn").once().returns(kRefused);
     EXPECT_NE(vdec_wait_destroy_chn(2, 1, 0), 0);
     EXPECT_EQ(platform.calls(), "MI_VDEC_StopChn 2");
-    EXPECT_PRINTED("MI_VDEC_StopChn failed errno 0xa0080009 ");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "MI_VDEC_StopChn failed errno 0xa0080009 ");
 
     platform.script("MI_VDEC_GetChnStat").once().returns(kRefused);
     EXPECT_NE(vdec_wait_destroy_chn(2, 1, 0), 0);
     EXPECT_EQ(platform.count("MI_VDEC_DestroyChn"), 0u);
-    EXPECT_PRINTED("MI_VDEC_GetChnStat failed errno 0xa0080009 ");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "MI_VDEC_GetChnStat failed errno 0xa0080009 ");
 
     platform.script("MI_VDEC_DestroyChn").once().returns(kRefused);
     EXPECT_NE(vdec_wait_destroy_chn(2, 0, 0), 0);
-    EXPECT_PRINTED("MI_VDEC_DestroyChn failed errno 0xa0080009 ");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "MI_VDEC_DestroyChn failed errno 0xa0080009 ");
 }
 
 TEST(FeedDecoder, SendsWithTwentyMilliseconds)
@@ -198,7 +198,7 @@ TEST(FeedDecoder, ResetsTheChannelWhenASendFails)
         MI_VDEC_StopChn 2
         MI_VDEC_StartChn 2
     )"));
-    EXPECT_PRINTED("Chnn = 2 MI_VDEC_SendStream failed errno 0xa008000f  @ #");
+    EXPECT_PRINTED_WITHOUT_PREFIX("Chnn = 2 MI_VDEC_SendStream failed errno 0xa008000f  vdec_venc.c #");
 }
 
 TEST(FeedDecoder, SurvivesAMissingRecord)

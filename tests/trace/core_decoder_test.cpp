@@ -1,6 +1,7 @@
 /* vdec_create: decoder channels of start-up, and vdec_open_chn under it. */
 #include <string>
 
+#include "core/output_timing.h"
 #include "nvrhal.h"
 #include "recording_platform.h"
 
@@ -52,7 +53,8 @@ TEST(CreateDecoders, SizesTheOutputByTheGridOfTheCount)
         EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), static_cast<unsigned>(row.count));
         std::string last = std::to_string(row.count - 1);
         EXPECT_EQ(platform.count("MI_VDEC_SetOutputPortAttr " + last + " " + row.output), 1u);
-        EXPECT_PRINTED("u32Square=" + std::string(row.side) + ",s32Cnt=" + std::to_string(row.count));
+        EXPECT_PRINTED_WITHOUT_PREFIX("u32Square=" + std::string(row.side) +
+                                      ",s32Cnt=" + std::to_string(row.count));
     }
 }
 
@@ -89,8 +91,8 @@ TEST(CreateDecoders, StopsAtTheFirstChannelThatCannotBeCreated)
 {
     platform.script("MI_VDEC_CreateChn").nth(3).returns(kRefused);
     EXPECT_EQ(vdec_create(1, 5), -1);
-    EXPECT_PRINTED("HI_MPI_VDEC_CreateChn failed errno 0xa0080003,chnid:2 ");
-    EXPECT_PRINTED("create vdec chn failed!");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "HI_MPI_VDEC_CreateChn failed errno 0xa0080003,chnid:2 ");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "create vdec chn failed!");
     EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), 3u);
     EXPECT_EQ(platform.count("MI_VDEC_StopChn"), 0u) << "the earlier ones run on";
     EXPECT_EQ(platform.count("MI_VDEC_DestroyChn"), 0u);
@@ -100,7 +102,7 @@ TEST(CreateDecoders, StopsAtTheFirstChannelThatCannotBeStarted)
 {
     platform.script("MI_VDEC_StartChn").nth(2).returns(kRefused);
     EXPECT_EQ(vdec_create(1, 5), -1);
-    EXPECT_PRINTED("MI_VDEC_StartChn failed errno 0xa0080003 ");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "MI_VDEC_StartChn failed errno 0xa0080003 ");
     EXPECT_EQ(platform.count("MI_VDEC_SetOutputPortAttr"), 1u);
 }
 
@@ -109,7 +111,7 @@ TEST(CreateDecoders, ReturnsTheCodeOfAFailingOutputPort)
     platform.script("MI_VDEC_SetOutputPortAttr").nth(2).returns(kRefused);
     EXPECT_EQ(vdec_create(1, 5), kRefused);
     EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), 2u);
-    EXPECT_NE(recording::printed_text().find("MI_VDEC_SetOutputPortAttr failed errno 0x"), std::string::npos);
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "MI_VDEC_SetOutputPortAttr failed errno 0xa0080003 ");
 }
 
 TEST(CreateDecoders, RefusesACodecThatDoesNotExist)
@@ -118,8 +120,8 @@ TEST(CreateDecoders, RefusesACodecThatDoesNotExist)
         SCOPED_TRACE(codec);
         EXPECT_EQ(vdec_create(codec, 2), -1);
     }
-    EXPECT_PRINTED("err type ");
-    EXPECT_PRINTED("create vdec chn failed!");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "err type ");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "create vdec chn failed!");
     EXPECT_EQ(platform.calls(), "");
 }
 
@@ -127,8 +129,16 @@ TEST(CreateDecoders, UsesNoSizeForATimingNeverLookedUp)
 {
     enNorm_vga = 99;
     EXPECT_EQ(vdec_create(1, 2), 0);
-    EXPECT_PRINTED("Unspport Ap timing (99)");
+    EXPECT_PRINTED_WITHOUT_PREFIX("Unspport Ap timing (99)");
     EXPECT_EQ(platform.count("MI_VDEC_SetOutputPortAttr 0 {0x0}"), 1u);
+}
+
+TEST(CreateDecoders, KeepsTheTimingValuesForTheDisplay)
+{
+    enNorm_vga = 8;
+    ASSERT_EQ(vdec_create(1, 0), 0) << "looked up even when there is nothing to create";
+    EXPECT_EQ(nvrhal::D_HdmiTiming, 36u);
+    EXPECT_EQ(nvrhal::D_DispTiming, 19u);
 }
 
 TEST(CreateDecoders, KeepsTheSizeOfTheLastKnownTiming)
@@ -191,7 +201,7 @@ TEST(OpenDecoder, RefusesMissingSizesAndUnknownCodecs)
     EXPECT_EQ(vdec_open_chn(1, nullptr, &size, 1, 0), -1);
     EXPECT_EQ(vdec_open_chn(1, &size, nullptr, 1, 0), -1);
     EXPECT_EQ(vdec_open_chn(1, &size, &size, 3, 0), -1);
-    EXPECT_PRINTED("err type ");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "err type ");
     EXPECT_EQ(platform.calls(), "");
 }
 

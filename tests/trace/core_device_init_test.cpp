@@ -1,4 +1,7 @@
 /* Start-up of the device: what is derived from the block, and the order of the bring-up. */
+#include "core/device_state.h"
+#include "stream/pool.h"
+
 #include "core_start.h"
 
 using namespace core_test;
@@ -136,7 +139,7 @@ TEST(DeviceInit, SaysSoWhenEightHundredPixelsGetTheLargerOutput)
     DeviceParams params = device_params(1, 800, 600);
     ASSERT_EQ(ext_device_init(&params), 0);
     EXPECT_EQ(enNorm_vga, 8u);
-    EXPECT_PRINTED("voput out at #,@!");
+    EXPECT_PRINTED_WITHOUT_PREFIX("voput out at #,sdk3531Lib.c!");
     EXPECT_EQ(platform.count("MI_DISP_SetPubAttr 0 {background 0x800080 interface 2 timing 19 rate 0}"), 1u);
 }
 
@@ -183,6 +186,45 @@ TEST(DeviceInit, SetsTheMainStreamDefaultsOfTheCamerasOnly)
     EXPECT_EQ(minor_stream[0].size_class, 0u);
 }
 
+TEST(DeviceInit, SetsTheDefaultFormatRateAndStandard)
+{
+    unplug_framebuffer();
+    nvrhal::global_format_e = nvrhal::globalFrmRate = nvrhal::global_videofomat = 99;
+    DeviceParams params = device_params(1);
+    ASSERT_EQ(ext_device_init(&params), 0);
+    EXPECT_EQ(nvrhal::global_format_e, 11u);
+    EXPECT_EQ(nvrhal::globalFrmRate, 30u);
+    EXPECT_EQ(nvrhal::global_videofomat, 0u);
+}
+
+struct PoolRow {
+    int32_t pool, max_frame_len, data_size, index_num;
+};
+
+TEST(DeviceInit, SizesTheRingsOfEveryCamerasPools)
+{
+    constexpr PoolRow kRows[] = {
+        {STREAM_POOL_SUB, 0x20000, 0x50000, 256},
+        {STREAM_POOL_MAIN, 0x60000, 0xF0000, 768},
+        {STREAM_POOL_AUDIO, 340, 13600, 40},
+    };
+    unplug_framebuffer();
+    DeviceParams params = device_params(2);
+    ASSERT_EQ(ext_device_init(&params), 0);
+    for (const PoolRow &row : kRows) {
+        for (int32_t camera : {0, 1}) {
+            SCOPED_TRACE(std::to_string(row.pool) + " of camera " + std::to_string(camera));
+            const StreamChannel *rings = nvrhal::find_stream_channel(camera, row.pool);
+            ASSERT_NE(rings, nullptr);
+            EXPECT_EQ(rings->max_frame_len, row.max_frame_len);
+            EXPECT_EQ(rings->data_size, row.data_size);
+            EXPECT_EQ(rings->index_num, row.index_num);
+        }
+        EXPECT_EQ(nvrhal::find_stream_channel(2, row.pool), nullptr);
+    }
+    EXPECT_EQ(nvrhal::g_pstream_ch, nvrhal::find_stream_channel(0, STREAM_POOL_AUDIO)) << "audio comes last";
+}
+
 TEST(DeviceInit, ClearsTheSavedLayouts)
 {
     unplug_framebuffer();
@@ -221,7 +263,7 @@ TEST(DeviceInit, FailsWithoutCamerasBecauseThePoolsDo)
     EXPECT_EQ(g_vi_chn_num, 0);
     EXPECT_EQ(major_stream[0].width, 0u);
     EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "stream init failed with -#!");
-    EXPECT_PRINTED("system init failed with -1!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "system init failed with -1!");
     EXPECT_EQ(platform.calls({"MI_"}), "");
 }
 

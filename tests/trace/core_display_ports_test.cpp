@@ -90,7 +90,7 @@ TEST(StartPorts, RefusesAnOutputValueWithoutASize)
     MI_DISP_PubAttr attr = {};
     attr.timing = 30;
     EXPECT_EQ(vo_start_chn(0, &attr, 4), -1);
-    EXPECT_PRINTED("vo enIntfSync not support!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "vo enIntfSync not support!");
     EXPECT_EQ(platform.calls(), "");
 }
 
@@ -116,7 +116,7 @@ TEST(StartPorts, StopsAtTheFirstFailureAndStartsAfreshNextTime)
     platform.forget();
     platform.script("MI_DISP_SetInputPortAttr").once().returns(0xA00F0003);
     EXPECT_EQ(vo_start_chn(0, &attr, 1), -1);
-    EXPECT_PRINTED("@(#):failed with 0xa00f0003!");
+    EXPECT_PRINTED_WITHOUT_PREFIX("vo_start_chn(#):failed with 0xa00f0003!");
     platform.forget();
     EXPECT_EQ(vo_start_chn(0, &attr, 1), 0);
     EXPECT_EQ(platform.count("MI_DISP_SetInputPortAttr 0 0 {window 0,0 1920x1080 source 0x0}"), 1u)
@@ -183,7 +183,7 @@ TEST(StopPorts, ReturnsTheResultOfTheLastPort)
 {
     platform.script("MI_DISP_DisableInputPort").nth(1).returns(0xA00F0002);
     EXPECT_EQ(vo_stop_chn(0, 3), 0);
-    EXPECT_PRINTED("[@-#] Vo fault to unbind vpss errno is 0xa00f0002");
+    EXPECT_PRINTED_WITHOUT_PREFIX("[sdk3531Lib.c-#] Vo fault to unbind vpss errno is 0xa00f0002");
     EXPECT_EQ(platform.count("MI_DISP_DisableInputPort"), 3u);
     platform.script("MI_DISP_DisableInputPort").nth(3).returns(0xA00F0002);
     EXPECT_EQ(vo_stop_chn(0, 3), static_cast<int32_t>(0xA00F0002));

@@ -93,7 +93,7 @@ TEST(VoStart, GoesOnWhenAPortWillNotStop)
     enNorm_vga = 6;
     platform.script("MI_DISP_DisableInputPort").returns(0xA00F0002);
     EXPECT_EQ(vo_start(0, 0, 30, 11, 1), 0u);
-    EXPECT_PRINTED("vo_stop_chn failed!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "vo_stop_chn failed!");
     EXPECT_EQ(vo_start(0, 0, 30, 11, 1), 0u);
     EXPECT_EQ(recording::times_printed("vo_stop_chn failed!"), 2u);
 }
@@ -103,7 +103,7 @@ TEST(VoStart, FailsWithItsPorts)
     enNorm_vga = 6;
     platform.script("MI_DISP_EnableInputPort").once().returns(0xA00F0002);
     EXPECT_EQ(vo_start(0, 0, 30, 11, 1), kFailed);
-    EXPECT_PRINTED("vo_start_chn failed!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "vo_start_chn failed!");
     ASSERT_EQ(vo_start(0, 0, 30, 11, 1), 0u);
     platform.script("MI_DISP_EnableInputPort").once().returns(0xA00F0002);
     EXPECT_EQ(vo_start(0, 0, 30, 11, 1), kFailed);
@@ -124,8 +124,8 @@ TEST(VoStart, TakesThePortsOfDeviceZeroWhateverTheDevice)
         MI_DISP_SetInputPortAttr 0 0 {window 0,0 720x576 source 0x0}
         MI_DISP_EnableInputPort 0 0
     )"));
-    EXPECT_PRINTED("DSD0 the vo dev is 2 ");
-    EXPECT_PRINTED("the vo dev is 2 ,vo layer is 3!!!!!!!!!!!!!!");
+    EXPECT_PRINTED_WITHOUT_PREFIX("DSD0 the vo dev is 2 ");
+    EXPECT_PRINTED_WITHOUT_PREFIX("the vo dev is 2 ,vo layer is 3!!!!!!!!!!!!!!");
 }
 
 TEST(VoStart, RemembersTheSecondaryDeviceInASlotOfItsOwn)
@@ -171,7 +171,7 @@ TEST(VoEnable, RefusesAFrameRateOfZero)
 {
     MI_DISP_PubAttr attr = attr_with_timing(16);
     EXPECT_EQ(vo_enable(0, &attr, 0, 11), -1);
-    EXPECT_PRINTED("vo u32SrcFrmRate invaild! 0!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "vo u32SrcFrmRate invaild! 0!");
     EXPECT_EQ(platform.calls(), "");
 }
 
@@ -194,8 +194,8 @@ TEST(VoEnable, UsesLayerZeroForOtherDevices)
         MI_DISP_EnableVideoLayer 0
     )"));
     EXPECT_NOT_PRINTED("DHD0 the vo dev is 1 ");
-    EXPECT_PRINTED("the vo dev is 1 ,vo layer is 0!!!!!!!!!!!!!!");
-    EXPECT_PRINTED("the vo sync is 16   u32Width:1920  32Height:1080  u32Frm:60 !");
+    EXPECT_PRINTED_WITHOUT_PREFIX("the vo dev is 1 ,vo layer is 0!!!!!!!!!!!!!!");
+    EXPECT_PRINTED_WITHOUT_PREFIX("the vo sync is 16   u32Width:1920  32Height:1080  u32Frm:60 !");
 }
 
 TEST(VoEnable, StopsAtTheFirstFailure)
@@ -213,9 +213,9 @@ TEST(VoEnable, StopsAtTheFirstFailure)
         std::string since = platform.calls_since(call);
         EXPECT_EQ(since.find('\n'), std::string::npos) << since;
         if (std::string(call) == "MI_DISP_SetVideoLayerAttr") {
-            EXPECT_PRINTED("failed with 0xa00f0001 50,1280,720,0 !");
+            EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "failed with 0xa00f0001 50,1280,720,0 !");
         } else if (std::string(call) != "MI_DISP_EnableVideoLayer") {
-            EXPECT_PRINTED("failed with 0xa00f0001!");
+            EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "failed with 0xa00f0001!");
         }
     }
 }
@@ -231,10 +231,10 @@ TEST(VoDisable, StopsAtTheFirstFailure)
     platform.script("MI_DISP_DisableVideoLayer").once().returns(0xA00F0002);
     EXPECT_EQ(vo_disable(0, 0), -1);
     EXPECT_EQ(platform.calls(), "MI_DISP_DisableVideoLayer 0");
-    EXPECT_PRINTED("failed with 0xa00f0002!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "failed with 0xa00f0002!");
     platform.script("MI_DISP_Disable").once().returns(0xA00F0009);
     EXPECT_EQ(vo_disable(0, 0), -1);
-    EXPECT_PRINTED("failed with 0xa00f0009!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "failed with 0xa00f0009!");
 }
 
 } // namespace

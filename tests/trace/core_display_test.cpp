@@ -26,10 +26,10 @@ TEST(StartDisplay, WithoutPortsSetsDeviceLayerAndHdmiUp)
         MI_HDMI_Start 0
         MI_HDMI_SetAvMute 0 0
     )"));
-    EXPECT_PRINTED("E_MI_DISP_OUTPUT_1366x768_60");
-    EXPECT_PRINTED("InputPortNum=0");
-    EXPECT_PRINTED("[@ #]Get Video Layer Size [1366, 768] !!!");
-    EXPECT_PRINTED("[@ #]Get Video Layer DispWin [0, 0, 1366, 768] !!!");
+    EXPECT_PRINTED_WITHOUT_PREFIX("E_MI_DISP_OUTPUT_1366x768_60");
+    EXPECT_PRINTED_WITHOUT_PREFIX("InputPortNum=0");
+    EXPECT_PRINTED_WITHOUT_PREFIX("[start_disp #]Get Video Layer Size [1366, 768] !!!");
+    EXPECT_PRINTED_WITHOUT_PREFIX("[start_disp #]Get Video Layer DispWin [0, 0, 1366, 768] !!!");
 }
 
 struct CodeRow {
@@ -53,7 +53,7 @@ TEST(StartDisplay, PrintsTheNameOfEveryCode)
         platform.forget();
         enNorm_vga = row.code;
         EXPECT_EQ(start_disp(0), 0u);
-        EXPECT_PRINTED(row.name);
+        EXPECT_PRINTED_WITHOUT_PREFIX(row.name);
         EXPECT_EQ(platform.count("MI_DISP_SetPubAttr 0 {background 0x800080 interface 2 timing " +
                                  std::to_string(row.display) + " rate 0}"),
                   1u);
@@ -64,7 +64,7 @@ TEST(StartDisplay, RefusesTheTimingThatTheTableKnowsButTheDisplayDoesNot)
 {
     enNorm_vga = 12;
     EXPECT_EQ(start_disp(4), static_cast<uint32_t>(-1));
-    EXPECT_PRINTED("Unsupported timing!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "Unsupported timing!");
     EXPECT_EQ(platform.calls(), "");
 }
 
@@ -72,8 +72,8 @@ TEST(StartDisplay, RefusesAnUnknownCode)
 {
     enNorm_vga = 0;
     EXPECT_EQ(start_disp(4), static_cast<uint32_t>(-1));
-    EXPECT_PRINTED("Unspport Ap timing (0)");
-    EXPECT_PRINTED("Unsupported timing!");
+    EXPECT_PRINTED_WITHOUT_PREFIX("Unspport Ap timing (0)");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "Unsupported timing!");
     EXPECT_EQ(platform.calls(), "");
 }
 
@@ -84,7 +84,7 @@ TEST(StartDisplay, UsesTheLastKnownTimingForAnUnknownCode)
     platform.forget();
     enNorm_vga = 77;
     EXPECT_EQ(start_disp(1), 0u);
-    EXPECT_PRINTED("Unspport Ap timing (77)");
+    EXPECT_PRINTED_WITHOUT_PREFIX("Unspport Ap timing (77)");
     EXPECT_EQ(platform.count("MI_DISP_SetPubAttr 0 {background 0x800080 interface 2 timing 19 rate 0}"), 1u);
     EXPECT_EQ(platform.count("MI_DISP_SetInputPortAttr 0 0 {window 0,0 1024x768 source 0x0}"), 1u);
 }
@@ -105,8 +105,8 @@ TEST(StartDisplay, BringsAPortUpInOrder)
         MI_DISP_SetInputPortSyncMode 0 0 1
         MI_DISP_ClearInputPortBuffer 0 0 1
     )"));
-    EXPECT_PRINTED("InputPortNum=1");
-    EXPECT_PRINTED("ENABLE");
+    EXPECT_PRINTED_WITHOUT_PREFIX("InputPortNum=1");
+    EXPECT_PRINTED_WITHOUT_PREFIX("ENABLE");
 }
 
 TEST(StartDisplay, TakesAnUnreadableDecoderSizeForZero)
@@ -230,7 +230,7 @@ TEST(StartDisplay, RunsHdmiASecondTimeForTheCodeWhenItFails)
         MI_HDMI_Start 0
         MI_HDMI_SetAvMute 0 0
     )"));
-    EXPECT_PRINTED("[@ # 0]exec function failed");
+    EXPECT_PRINTED_WITHOUT_PREFIX("[start_disp # 0]exec function failed");
     EXPECT_NOT_PRINTED("InputPortNum=2");
 }
 
@@ -239,7 +239,7 @@ TEST(StartDisplay, PrintsTheCodeOfTheSecondHdmiFailure)
     platform.script("MI_HDMI_Start").returns(0xA00A0011);
     EXPECT_EQ(start_disp(2), 1u);
     EXPECT_EQ(platform.count("MI_HDMI_Start"), 2u);
-    EXPECT_PRINTED("[@ # 1]exec function failed");
+    EXPECT_PRINTED_WITHOUT_PREFIX("[start_disp # 1]exec function failed");
 }
 
 } // namespace

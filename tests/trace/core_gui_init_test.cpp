@@ -51,7 +51,7 @@ TEST(GuiInit, GoesOnWhenHdmiIsThereAlready)
     platform.script("MI_HDMI_Init").returns(0xA00A0004);
     platform.script("MI_HDMI_Open").returns(0xA00A0004);
     EXPECT_EQ(ext_gui_init(), 0);
-    EXPECT_PRINTED("MI_HDMI_Init fail =a00a0004");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "MI_HDMI_Init fail =a00a0004");
 }
 
 TEST(GuiInit, FailsWithTheFramebuffer)
@@ -60,8 +60,8 @@ TEST(GuiInit, FailsWithTheFramebuffer)
     platform.reset();
     platform.node("/dev/fb0").ioctl(0x4602).returns(-1);
     EXPECT_EQ(ext_gui_init(), -1);
-    EXPECT_PRINTED("fb_init err -1!");
-    EXPECT_PRINTED("gui init failed with -1!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "fb_init err -1!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "gui init failed with -1!");
 }
 
 TEST(GuiInit, UsesTheKeptBlockForTheInterface)
@@ -93,10 +93,10 @@ TEST(CloseLogo, OpensAndClosesEachFramebuffer)
         board_open /dev/fb3 rdwr
         board_close /dev/fb3
     )"));
-    EXPECT_PRINTED("###dev_fb _Open /dev/fb0 suecess");
+    EXPECT_PRINTED_WITHOUT_PREFIX("###dev_fb _Open /dev/fb0 suecess");
     EXPECT_NOT_PRINTED("###dev_fb _Open /dev/fb1 suecess");
     EXPECT_NOT_PRINTED("###dev_fb _Open /dev/fb2 suecess");
-    EXPECT_PRINTED("###dev_fb _Open /dev/fb3 suecess");
+    EXPECT_PRINTED_WITHOUT_PREFIX("###dev_fb _Open /dev/fb3 suecess");
 }
 
 } // namespace

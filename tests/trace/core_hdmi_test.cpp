@@ -59,7 +59,7 @@ TEST(HdmiConfigure, SetsTheAttributesWhileMuted)
         # Start test: MI_HDMI_Start(eHdmi)
         AUDIO_TEST [#] MI_HDMI_Start(eHdmi)  exec function pass
         # End test: MI_HDMI_Start(eHdmi)
-        MI_HDMI_SetAvMute[@][#]
+        MI_HDMI_SetAvMute[ST_Hdmi_Start][#]
     )");
 }
 
@@ -77,13 +77,15 @@ TEST(HdmiConfigure, LeavesTheOutputMutedAfterAFailure)
     EXPECT_EQ(ST_Hdmi_Start(0, 9), 1);
     EXPECT_EQ(platform.count("MI_HDMI_Start"), 0u);
     EXPECT_EQ(platform.count("MI_HDMI_SetAvMute 0 0"), 0u);
-    EXPECT_PRINTED("AUDIO_TEST [#] MI_HDMI_SetAttr(eHdmi, &stAttr) exec function failed, result:0xa00a0003");
+    EXPECT_PRINTED_WITHOUT_PREFIX(
+        "AUDIO_TEST [#] MI_HDMI_SetAttr(eHdmi, &stAttr) exec function failed, result:0xa00a0003");
     EXPECT_NOT_PRINTED("# End test: MI_HDMI_SetAttr(eHdmi, &stAttr)");
 
     platform.script("MI_HDMI_Start").once().returns(0xA00A0003);
     EXPECT_EQ(ST_Hdmi_Start(0, 9), 1);
     EXPECT_EQ(platform.count("MI_HDMI_SetAvMute 0 0"), 0u);
-    EXPECT_PRINTED("AUDIO_TEST [#] MI_HDMI_Start(eHdmi) exec function failed, result:0xa00a0003");
+    EXPECT_PRINTED_WITHOUT_PREFIX(
+        "AUDIO_TEST [#] MI_HDMI_Start(eHdmi) exec function failed, result:0xa00a0003");
 }
 
 TEST(HdmiConfigure, DoesNotCheckTheMuting)
@@ -125,7 +127,7 @@ TEST(HdmiEvent, PlugWorksWithoutTheMonitorsDescription)
     uint32_t device = 0;
     platform.script("MI_HDMI_GetSinkInfo").returns(0xA00A0005);
     Hdmi_callback(0, MI_HDMI_EVENT_PLUGGED, &device, nullptr);
-    EXPECT_PRINTED("get sink caps failed!");
+    EXPECT_PRINTED_WITHOUT_PREFIX("get sink caps failed!");
     EXPECT_EQ(platform.count("MI_HDMI_SetAttr"), 1u);
     EXPECT_EQ(platform.count("MI_HDMI_Start"), 1u);
 }
@@ -135,14 +137,23 @@ TEST(HdmiEvent, PlugStopsWhenTheAttributesCannotBeReadOrWritten)
     uint32_t device = 0;
     platform.script("MI_HDMI_GetAttr").once().returns(0xA00A0007);
     Hdmi_callback(0, MI_HDMI_EVENT_PLUGGED, &device, nullptr);
-    EXPECT_PRINTED("return value is not MI_SUCCESS, 0xa00a0007!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "return value is not MI_SUCCESS, 0xa00a0007!");
     EXPECT_EQ(platform.count("MI_HDMI_SetAttr"), 0u);
     EXPECT_EQ(platform.count("MI_HDMI_Start"), 0u);
 
     platform.script("MI_HDMI_SetAttr").once().returns(0xA00A0008);
     Hdmi_callback(0, MI_HDMI_EVENT_PLUGGED, &device, nullptr);
-    EXPECT_PRINTED("return value is not MI_SUCCESS, 0xa00a0008!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "return value is not MI_SUCCESS, 0xa00a0008!");
     EXPECT_EQ(platform.count("MI_HDMI_Start"), 0u);
+}
+
+TEST(HdmiEvent, PlugDoesNotCheckTheRestart)
+{
+    uint32_t device = 0;
+    platform.script("MI_HDMI_Start").returns(0xA00A0009);
+    Hdmi_callback(0, MI_HDMI_EVENT_PLUGGED, &device, nullptr);
+    EXPECT_EQ(platform.count("MI_HDMI_Start"), 1u);
+    EXPECT_EQ(recording::printed_text().find("a00a0009"), std::string::npos);
 }
 
 TEST(HdmiEvent, PlugWithoutAParameterChangesNothing)
@@ -160,7 +171,7 @@ TEST(HdmiEvent, UnplugStopsTheTransmitter)
     EXPECT_EQ(platform.calls(), "MI_HDMI_Stop 2");
     Hdmi_callback(0, MI_HDMI_EVENT_UNPLUGGED, nullptr, nullptr);
     EXPECT_EQ(platform.calls(), "MI_HDMI_Stop 2");
-    EXPECT_PRINTED("The pointer is null");
+    EXPECT_PRINTED_WITHOUT_PREFIX("The pointer is null");
 }
 
 TEST(HdmiEvent, OthersAreOnlyReported)
@@ -180,9 +191,14 @@ TEST(HdmiEvent, PrintsNoMoreOfAParameterThanItHolds)
 {
     uint32_t *number = new uint32_t(0x44434241); // on the heap, where the address sanitizer watches its end
     Hdmi_callback(0, 9, number, number);
-    EXPECT_PRINTED("pEventParam=ABCD:");
-    EXPECT_PRINTED("pUsrParam=ABCD:");
+    EXPECT_PRINTED_WITHOUT_PREFIX("pEventParam=ABCD:");
+    EXPECT_PRINTED_WITHOUT_PREFIX("pUsrParam=ABCD:");
     delete number;
+
+    char text[] = "WXYZ, and what stands behind it";
+    Hdmi_callback(0, 9, text, text);
+    EXPECT_PRINTED_WITHOUT_PREFIX("pEventParam=WXYZ:");
+    EXPECT_PRINTED_WITHOUT_PREFIX("pUsrParam=WXYZ:");
 }
 
 } // namespace

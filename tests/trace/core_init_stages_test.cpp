@@ -21,7 +21,7 @@ TEST(InitStage, SystemFailureEndsStartUp)
     platform.script("MI_SYS_Init").returns(-7);
     EXPECT_EQ(init_two_cameras(), -1);
     EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "system init failed with 1!");
-    EXPECT_PRINTED("system init failed with -1!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "system init failed with -1!");
     EXPECT_EQ(platform.calls({"MI_"}), "MI_SYS_Init\nMI_SYS_Init");
     EXPECT_NOT_PRINTED("init done!");
 }
@@ -31,9 +31,9 @@ TEST(InitStage, HdmiFailureDoesNotEndStartUp)
     platform.script("MI_HDMI_Init").returns(0xA00A0004);
     platform.script("MI_HDMI_Open").returns(0xA00A0004);
     EXPECT_EQ(init_two_cameras(), 0);
-    EXPECT_PRINTED("MI_HDMI_Init fail =a00a0004");
-    EXPECT_PRINTED("MI_HDMI_Open fail =a00a0004");
-    EXPECT_PRINTED("HDMI start success.");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "MI_HDMI_Init fail =a00a0004");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "MI_HDMI_Open fail =a00a0004");
+    EXPECT_PRINTED_WITHOUT_PREFIX("HDMI start success.");
 }
 
 TEST(InitStage, DecoderFailureEndsStartUpUnderTheNameOfTheStart)
@@ -50,7 +50,7 @@ TEST(InitStage, DisplayFailureEndsStartUp)
     platform.script("MI_DISP_Enable").returns(0xA00F0001);
     EXPECT_EQ(init_two_cameras(), -1);
     EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "disp_create failed with 1!");
-    EXPECT_PRINTED("system init failed with -1!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "system init failed with -1!");
     EXPECT_EQ(platform.calls({"MI_AO_"}), "");
     EXPECT_NOT_PRINTED("vdec bind");
 }
@@ -62,7 +62,7 @@ TEST(InitStage, UnsupportedTimingEndsStartUp)
     DeviceParams params = device_params(1);
     params.vo_dev_type = 3; // leaves the timing code as it is
     EXPECT_EQ(ext_device_init(&params), -1);
-    EXPECT_PRINTED("Unsupported timing!");
+    EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "Unsupported timing!");
     EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", "disp_create failed with -1!");
 }
 

@@ -33,11 +33,15 @@ TEST(FlushDecoder, RebuildsAChannelWithItsAttributesAndItsOutputSize)
 TEST(FlushDecoder, GoesOnWithoutTheOutputSize)
 {
     create_decoders(1);
-    platform.script("MI_VDEC_GetOutputPortAttr").once().returns(kRefused);
+    platform.script("MI_VDEC_GetOutputPortAttr").once().fills([](recording::Args &args) {
+        args.record<MI_VDEC_OutputPortAttr>(1) = {77, 55}; // a failing call may leave anything behind
+        args.result = kRefused;
+    });
     platform.script("MI_VDEC_SetOutputPortAttr").once().returns(kRefused);
     EXPECT_EQ(re_create_vdec(0), 0);
     EXPECT_EQ(platform.count("MI_VDEC_SetOutputPortAttr 0 {0x0}"), 1u);
-    EXPECT_PRINTED_IN_ORDER("MI_VDEC_GetOutputPortAttr,@,#\nMI_VDEC_SetOutputPortAttr,@,#");
+    EXPECT_PRINTED_IN_ORDER(
+        "MI_VDEC_GetOutputPortAttr,vdec_venc.c,#\nMI_VDEC_SetOutputPortAttr,vdec_venc.c,#");
     EXPECT_EQ(platform.count("MI_VDEC_StartChn"), 1u);
 }
 
@@ -69,7 +73,7 @@ TEST(FlushDecoder, ReturnsTheCodeOfWhatCannotBeDone)
         platform.forget();
         platform.script(row.call).once().returns(kRefused);
         EXPECT_EQ(re_create_vdec(2), kRefused);
-        EXPECT_PRINTED(row.message);
+        EXPECT_PRINTED_AS_ERROR("vdec_venc.c", row.message);
         std::string since = platform.calls_since(row.call);
         EXPECT_EQ(since.find('\n'), std::string::npos) << since;
     }
@@ -111,7 +115,9 @@ TEST(SingleView, LeavesTheLayoutUnchangedWhenTheFlushFails)
     platform.forget();
     platform.script("MI_VDEC_StartChn").once().returns(kRefused);
     EXPECT_EQ(ext_change_display_format(&second, 1), kRefused);
-    EXPECT_PRINTED("MI_VDEC_StartChn failed errno 0xa0080009 ");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "MI_VDEC_StartChn failed errno 0xa0080009 ");
+    EXPECT_EQ(recording::times_printed("MI_VDEC_StartChn failed errno 0xa0080009 "), 2u)
+        << "by the flush and by the layout";
     EXPECT_EQ(platform.calls({"MI_DISP_"}), "");
     EXPECT_EQ(cur_display_chnn, 0);
     EXPECT_EQ(zoom_channel, 2u);

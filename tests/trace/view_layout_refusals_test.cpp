@@ -27,7 +27,7 @@ TEST(LayoutRefusal, OfABadCountHidesAllChannelsFromIntake)
         SCOPED_TRACE(count);
         cur_display_chnn = 255;
         EXPECT_EQ(ext_change_display_format(panes, count), -1);
-        EXPECT_PRINTED("vo chn num " + std::to_string(count) + " is err!");
+        EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "vo chn num " + std::to_string(count) + " is err!");
         EXPECT_EQ(cur_display_chnn, 0);
     }
     EXPECT_EQ(platform.calls(), "");
@@ -65,7 +65,7 @@ TEST(LayoutFailure, OfAPortThatWillNotStopIsOnlyReported)
     platform.script("MI_DISP_ClearInputPortBuffer").returns(-5);
     DispAttrib single = pane(1, 0, 0, 960, 540);
     EXPECT_EQ(ext_change_display_format(&single, 1), 0);
-    EXPECT_PRINTED("vo hide channel 0 failed with errno -5!");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "vo hide channel 0 failed with errno -5!");
     EXPECT_EQ(platform.count("MI_DISP_DisableInputPort"), 2u);
 }
 
@@ -73,13 +73,16 @@ TEST(LayoutFailure, OfTheDecoderIsOnlyReported)
 {
     create_decoders(2);
     platform.script("MI_VDEC_GetOutputPortAttr").returns(-6);
-    platform.script("MI_VDEC_GetChnAttr").returns(-6);
+    platform.script("MI_VDEC_GetChnAttr").fills([](recording::Args &args) {
+        args.record<MI_VDEC_ChnAttr>(1).max_width = 333; // a failing call may leave anything behind
+        args.result = -6;
+    });
     platform.script("MI_VDEC_SetOutputPortAttr").returns(-6);
     DispAttrib panes[] = {pane(0, 0, 0, 960, 540), pane(1, 960, 0, 960, 540)};
     EXPECT_EQ(ext_change_display_format(panes, 2), 0);
-    EXPECT_PRINTED("MI_VDEC_GetOutputPortAttr,@,#");
-    EXPECT_PRINTED("MI_VDEC_GetChnAttr,@,#");
-    EXPECT_PRINTED("MI_VDEC_SetOutputPortAttr,@,#");
+    EXPECT_PRINTED_WITHOUT_PREFIX("MI_VDEC_GetOutputPortAttr,vdec_venc.c,#");
+    EXPECT_PRINTED_WITHOUT_PREFIX("MI_VDEC_GetChnAttr,vdec_venc.c,#");
+    EXPECT_PRINTED_WITHOUT_PREFIX("MI_VDEC_SetOutputPortAttr,vdec_venc.c,#");
     // Without the stream's size the decoder is asked for no size at all.
     EXPECT_EQ(platform.count("MI_VDEC_SetOutputPortAttr 0 {0x0}"), 1u);
     EXPECT_EQ(platform.count("MI_DISP_SetInputPortAttr 0 1 {window 960,0 960x540 source 960x540}"), 1u);

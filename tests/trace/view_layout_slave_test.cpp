@@ -2,6 +2,7 @@
 #include <cerrno>
 #include <cstring>
 
+#include "view/layout_state.h"
 #include "view_frame.h"
 
 using namespace view_test;
@@ -27,6 +28,7 @@ TEST(SecondaryLayout, HidesEveryPortAndShowsThePanes)
     g_vi_chn_num = 3;
     globalVoDev = -1;
     cur_display_chnn = 0x42;
+    zoom_channel = 5;
     MI_DISP_InputPortAttr before = {{1, 2, 3, 4}, 704, 576};
     MI_DISP_SetInputPortAttr(-1, 2, &before);
     platform.forget();
@@ -49,7 +51,7 @@ TEST(SecondaryLayout, HidesEveryPortAndShowsThePanes)
     EXPECT_EQ(set_bind_para[2][1].w, 8u);
     EXPECT_EQ(set_bind_para[1][2].x, 0u);
     EXPECT_PRINTED_IN_ORDER(R"(
-        ChnnNum=3,zoom_channel=#,pDispAttrib[0]=#
+        ChnnNum=3,zoom_channel=5,pDispAttrib[0]=2
         Chn[0]:x:0 y:0 w:960 h:540!
         Chn[1]:x:9 y:9 w:9 h:9!
         Chn[2]:x:641 y:361 w:959 h:539!
@@ -80,7 +82,9 @@ TEST(SecondaryLayout, OfOnePaneSelectsTheZoomChannel)
     globalVoDev = -1;
     zoom_arg_pre[2] = 7;
     DispAttrib single = pane(3, 0, 0, 64, 64);
+    zoom_channel = 2;
     EXPECT_EQ(ext_change_display_slave(&single, 1), 0);
+    EXPECT_PRINTED_WITHOUT_PREFIX("ChnnNum=1,zoom_channel=2,pDispAttrib[0]=3"); // the one before
     EXPECT_EQ(zoom_channel, 3u);
     EXPECT_EQ(zoom_arg_pre[0], 3u);
     EXPECT_EQ(zoom_arg_pre[1], 3u);
@@ -97,6 +101,37 @@ TEST(SecondaryLayout, OfSeveralPanesKeepsTheZoomChannel)
     EXPECT_EQ(ext_change_display_slave(panes, 2), 0);
     EXPECT_EQ(zoom_channel, 2u);
     EXPECT_EQ(zoom_arg_pre[0], 9u);
+}
+
+TEST(SecondaryLayout, MarksAsManyPanesAsChannelsHaveNone)
+{
+    g_vi_chn_num = 16;
+    globalVoDev = -1;
+    const DispAttrib panes[16] = {};
+    for (int32_t count : {1, 4, 15, 16}) {
+        SCOPED_TRACE(count);
+        for (uint32_t &mark : nvrhal::spare_pane_marks)
+            mark = 9;
+        ASSERT_EQ(ext_change_display_slave(panes, count), 0);
+        for (int32_t i = 0; i < 17; ++i)
+            EXPECT_EQ(nvrhal::spare_pane_marks[i], i < 16 - count ? 1u : 0u) << i;
+    }
+}
+
+/* The panes are recorded without the lock, the ports are changed and the record is saved under it. */
+TEST(SecondaryLayout, ChangesThePortsUnderTheLock)
+{
+    g_vi_chn_num = 2;
+    globalVoDev = -1;
+    unsigned held = 0;
+    for (const char *call : {"MI_DISP_HideInputPort", "MI_DISP_GetInputPortAttr", "MI_DISP_ShowInputPort"})
+        platform.script(call).fills(
+            [&](recording::Args &) { held += pthread_mutex_trylock(&global_bindargLock) == EBUSY; });
+    DispAttrib single = pane(1, 0, 0, 64, 64);
+    ASSERT_EQ(ext_change_display_slave(&single, 1), 0);
+    EXPECT_EQ(held, 4u);
+    EXPECT_EQ(pthread_mutex_trylock(&global_bindargLock), 0);
+    pthread_mutex_unlock(&global_bindargLock);
 }
 
 TEST(SecondaryLayout, DoesNothingOnOtherDevices)
@@ -122,7 +157,7 @@ TEST(SecondaryLayout, RefusesABadCount)
     for (int32_t count : {0, -1, 5, INT32_MAX, INT32_MIN}) {
         SCOPED_TRACE(count);
         EXPECT_EQ(ext_change_display_slave(panes, count), -1);
-        EXPECT_PRINTED("vo chn num " + std::to_string(count) + " is err!");
+        EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "vo chn num " + std::to_string(count) + " is err!");
     }
     EXPECT_EQ(platform.calls(), "");
     EXPECT_EQ(cur_display_chnn, 0x11);

@@ -1,4 +1,5 @@
 /* ext_change_display_format: panes applied to the main display, call by call. */
+#include <cerrno>
 #include <cstring>
 
 #include "view_frame.h"
@@ -80,7 +81,7 @@ TEST(Layout, TakesEveryChannelOffFlushesThePanesAndShowsThem)
         VoChnAttr.u16Width=960, VoChnAttr.u16Hidth=540
         DISENABLE 1
     )");
-    EXPECT_PRINTED(" VoChnAttr.u16Width=960, VoChnAttr.u16Hidth=540");
+    EXPECT_PRINTED_WITHOUT_PREFIX(" VoChnAttr.u16Width=960, VoChnAttr.u16Hidth=540");
 }
 
 TEST(Layout, AppliesFourPanesAsTheGoldenTraceSays)
@@ -125,7 +126,7 @@ TEST(Layout, SinglePaneShowsThePictureAtItsOwnSize)
     EXPECT_TRUE(holds(set_bind_para[1][2], 100, 50, 704, 576));
     EXPECT_EQ(zoom_channel, 2u);
     EXPECT_EQ(cur_display_chnn, 0x04);
-    EXPECT_PRINTED("File:@, zoom_channel:2");
+    EXPECT_PRINTED_WITHOUT_PREFIX("File:vdec_venc.c, zoom_channel:2");
 }
 
 TEST(Layout, SeveralPanesLeaveTheZoomChannelAlone)
@@ -154,6 +155,32 @@ TEST(Layout, SavesTheRecordInTheSlotOfTheDevice)
     EXPECT_EQ(std::memcmp(&global_bindarg, &zero, sizeof zero), 0);
     EXPECT_EQ(pthread_mutex_trylock(&global_bindargLock), 0) << "the lock is free again";
     pthread_mutex_unlock(&global_bindargLock);
+}
+
+/* Decoders are rebuilt without the lock, ports are changed under it. */
+TEST(Layout, ShowsThePanesUnderTheLock)
+{
+    create_decoders(2);
+    unsigned held = 0, open = 0;
+    const auto look = [&](recording::Args &) {
+        if (pthread_mutex_trylock(&global_bindargLock) == EBUSY) {
+            ++held;
+        } else {
+            ++open;
+            pthread_mutex_unlock(&global_bindargLock);
+        }
+    };
+    platform.script("MI_VDEC_CreateChn").fills(look);
+    platform.script("board_sleep_us").fills(look);
+    DispAttrib panes[] = {pane(0, 0, 0, 960, 540), pane(1, 960, 0, 960, 540)};
+    ASSERT_EQ(ext_change_display_format(panes, 2), 0);
+    EXPECT_EQ(open, 4u);
+    EXPECT_EQ(held, 0u);
+    for (const char *call : {"MI_DISP_GetInputPortAttr", "MI_DISP_EnableInputPort"})
+        platform.script(call).fills(look);
+    ASSERT_EQ(ext_change_display_format(panes, 2), 0);
+    EXPECT_EQ(held, 4u);
+    EXPECT_EQ(open, 8u);
 }
 
 TEST(Layout, RecordsAHiddenPaneWithoutShowingIt)
