@@ -14,7 +14,8 @@
  *   "UI thread" = callable from one thread at a time, together with all others so marked;
  *   "channel thread" = calls for one channel come from one thread, channels may run in parallel.
  *   Memory: records are the caller's and are only used during the call unless stated otherwise.
- *   The library prints what it does, and every failing platform call, to standard output.
+ *   The library prints what it does, and the platform calls whose failure matters, to standard
+ *   output.
  */
 #ifndef NVRHAL_H
 #define NVRHAL_H
@@ -133,7 +134,9 @@ NVRHAL_API int32_t ext_device_init(const DeviceParams *params);
 /**
  * Start the display path again for the GUI: display ports, HDMI, framebuffer.
  * enNorm_vga is used as a display output value untranslated: of the codes that start-up sets, 6, 7
- * and 8 are values too and succeed, 4 is none and fails. @return 0 or -1. Thread: UI thread.
+ * and 8 are values too (720x480, 720x576 and 1280x720), 4 is none and fails.
+ * @return 0, or -1 when the display or the framebuffer failed: what was started stays so. HDMI
+ *         failures are only printed. Thread: UI thread.
  */
 NVRHAL_API int32_t ext_gui_init(void);
 
@@ -152,61 +155,88 @@ NVRHAL_API int32_t ext_gui_init(void);
 NVRHAL_API int32_t vo_timing_lookup(uint32_t code, uint32_t *hdmi_timing, uint32_t *disp_timing,
                                     uint16_t *width, uint16_t *height);
 
-/** Size and refresh rate of a display output value. @return 0, or -1 for a value not known. Thread: any. */
+/**
+ * Size and refresh rate of a display output value.
+ * @param value         the platform's, 0 to 28
+ * @param width,height  out: pixels   @param frame_rate  out: frames per second
+ * Null outputs are skipped. @return 0, or -1 for a value not known: the outputs stay as they are.
+ * Thread: any.
+ */
 NVRHAL_API int32_t vo_get_wh(uint32_t value, uint32_t *width, uint32_t *height, uint32_t *frame_rate);
 
 /**
- * Bring display device 0 up with enNorm_vga's timing, layer 0, HDMI and port_count ports laid out
- * as an even grid. @return 0; (uint32_t)-1 for a timing that cannot be shown; 1 when a platform
- * call failed, what was enabled staying so. Thread: UI thread.
+ * Bring display device 0 up with enNorm_vga's timing, layer 0, HDMI and ports 0..port_count-1 laid
+ * out as an even grid. Start-up calls it.
+ * @param port_count  0 or less = no ports; above 36 every pane is 0x0
+ * @return 0; (uint32_t)-1 for a timing that cannot be shown; 1 when a platform call failed, what was
+ *         enabled staying so. Thread: UI thread.
  */
 NVRHAL_API uint32_t start_disp(int32_t port_count);
 
 /**
- * Start a display device, or lay its ports out again when it runs.
- * @param frame_rate  frames per second, not 0   @param pixel_format  layer format code
- * @return 0, or (uint32_t)-1. Thread: UI thread.
+ * Stop the ports of device 0, start display device dev unless it runs, and lay the ports of device 0
+ * out. Device 0 gets enNorm_vga as its display output value, untranslated; any other gets value 0.
+ * @param dev           display device; -1 to 15 are remembered as started
+ * @param frame_rate    looked at only when the device is started: 0 is refused
+ * @param pixel_format  layer format code, as the platform's
+ * @param port_count    1 to 16
+ * @return 0, or (uint32_t)-1: what was enabled stays so. Thread: UI thread.
  */
 NVRHAL_API uint32_t vo_start(int32_t dev, uint32_t ignored, uint32_t frame_rate, uint32_t pixel_format,
                              int32_t port_count);
 
-/** Restart device and layer with the given public attributes. @return 0 or -1. Thread: UI thread. */
+/**
+ * Restart a display device with the given public attributes, and its layer: 3 for device 2, else 0.
+ * @param attr        its timing is a display output value; null is refused
+ * @param frame_rate  0 is refused; otherwise unused   @param pixel_format  layer format code
+ * @return 0, or -1 at the first failure. Thread: UI thread.
+ */
 NVRHAL_API int32_t vo_enable(int32_t dev, const struct MI_DISP_PubAttr *attr, uint32_t frame_rate,
                              uint32_t pixel_format);
 
-/** Disable a layer, then its device. @return 0 or -1. Thread: UI thread. */
+/** Disable a layer, then its device. @return 0, or -1 at the first failure. Thread: UI thread. */
 NVRHAL_API int32_t vo_disable(int32_t dev, uint32_t layer);
 
 /**
- * Lay out and enable ports 0..port_count-1 (1 to 16) of a device. The first call computes the panes;
- * later ones apply them again whatever the count, and report success for devices other than 0 and
- * -1 despite failures. @return 0 or -1. Thread: UI thread.
+ * Lay out and enable ports 0..port_count-1 of a device. A device's first call that succeeds computes
+ * an even grid into its bank of set_bind_para; later ones apply what the bank holds, whatever the
+ * count, and report success for devices other than 0 and -1 despite failures.
+ * @param attr        its timing, a display output value, gives the size; null is refused
+ * @param port_count  1 to 16
+ * @return 0, or -1 at the first failure. Thread: UI thread.
  */
 NVRHAL_API int32_t vo_start_chn(int32_t dev, const struct MI_DISP_PubAttr *attr, int32_t port_count);
 
-/** Disable ports 0..port_count-1. @return the last port's platform result, 0 without ports. Thread: UI
- * thread. */
+/** Disable ports 0..port_count-1. @return the last port's platform result, 0 without ports.
+ * Thread: UI thread. */
 NVRHAL_API int32_t vo_stop_chn(int32_t dev, int32_t port_count);
 
-/** Does nothing. @return 1. */
+/** Does nothing. @return 1. Thread: any. */
 NVRHAL_API int32_t vo_set_wh(void *rects, uint32_t width, uint32_t height, uint32_t mode);
 
 /* ======================================================================================= */
 /* HDMI                                                                                     */
 /* ======================================================================================= */
 
-/** Initialise and open the transmitter; failures are only printed. The argument is ignored. @return 0. */
+/** Initialise and open the transmitter; failures are only printed. The argument is ignored. @return 0.
+ * Thread: UI thread. */
 NVRHAL_API uint32_t vo_hdmi_start(uint32_t timing_code);
 
-/** Stop, close and release the transmitter. @return 0. Nothing in the library calls it. */
+/** Stop, close and release the transmitter. @return 0. Nothing in the library calls it. Thread: UI thread. */
 NVRHAL_API uint32_t vo_hdmi_stop(void);
 
-/** Configure and start the transmitter, muted meanwhile. @return 0, or 1 (the output stays muted). */
+/**
+ * Configure and start a transmitter; device 0 is muted meanwhile.
+ * @param hdmi_timing  HDMI timing value, as vo_timing_lookup gives it
+ * @return 0, or 1 when the platform refused: the output stays muted. Thread: UI thread.
+ */
 NVRHAL_API int32_t ST_Hdmi_Start(uint32_t hdmi_dev, uint32_t hdmi_timing);
 
 /**
  * What the library does on monitor events: 0 plugged re-applies the transmitter's attributes and
- * starts it, 1 unplugged stops it. @param event_param  points at the 32-bit HDMI device number.
+ * starts it, 1 unplugged stops it; others are only printed.
+ * @param event_param  points at the 32-bit HDMI device number; null = the event is only printed
+ * @param user_param   printed, up to 4 bytes of it; may be null
  * @return 0. Thread: the platform's event thread.
  */
 NVRHAL_API int32_t Hdmi_callback(uint32_t hdmi_dev, uint32_t event, void *event_param, void *user_param);
@@ -221,62 +251,72 @@ NVRHAL_API int32_t Hdmi_callback(uint32_t hdmi_dev, uint32_t event, void *event_
  */
 
 /**
- * Create and start decoder channels 0..count-1 (never above N), each with an output port of one
- * pane of the start-up grid. @param codec_type  0 H.264, 1 H.265, 2 JPEG.
- * @return 0, -1 when a channel could not be created, or the platform's code. Thread: UI thread.
+ * Create and start decoder channels 0..count-1 (never above N) for whole frames of up to the size of
+ * enNorm_vga's timing, each with an output port of one pane of an even grid of count panes.
+ * @param codec_type  0 H.264, 1 H.265, 2 JPEG   @param count  below 1 creates none
+ * @return 0, -1 when a channel could not be created, or the platform's code for an output size that
+ *         was refused; the channels before it keep running. Thread: UI thread.
  */
 NVRHAL_API int32_t vdec_create(uint32_t codec_type, int32_t count);
 
 /**
- * Create and start one channel. @param width,height  largest picture, pixels
+ * Create and start one channel. Its stream buffer has 512 KiB up to 720x576, 1 MiB up to 2088960
+ * pixels, 2 MiB beyond.
+ * @param width,height  largest picture, pixels   @param codec_type  0 H.264, 1 H.265, 2 JPEG
  * @param video_mode  1 = whole frames per send, 0 = any cut of the stream
  * @return 0, -1 for a bad codec type or a null size, or the platform's code.
  */
 NVRHAL_API int32_t vdec_open_chn(uint32_t channel, const uint16_t *width, const uint16_t *height,
                                  uint32_t codec_type, uint32_t video_mode);
 
-/** Create and start one channel with the screen's size. @return 0 or -1. */
+/** Create and start one channel for any cut of a stream of up to the screen's size; the output size stays
+ * the platform's default. @param codec_type  0 H.264, 1 H.265, 2 JPEG. @return 0 or -1. */
 NVRHAL_API int32_t vdec_create_chnn(uint32_t codec_type, uint32_t channel);
 
-/** Stop, destroy and create a channel for codec code 1 = H.265, any other = H.264. @return 0 or the first
- * failure. */
+/** Stop, destroy and create a channel (vdec_create_chnn) for codec code 1 = H.265, any other = H.264.
+ * @return 0, the platform's code when it could not be taken away, -1 when it could not be created. */
 NVRHAL_API int32_t vdec_recreate(uint32_t channel, uint32_t codec_code);
 
-/** Stop and start a channel: what is queued is lost. @return 0 when it runs again. */
+/** Stop and start a channel: what is queued is lost. @return 0 when it runs again, else the platform's
+ * code. */
 NVRHAL_API int32_t vdec_resetchn(uint32_t channel);
 
-/** Reset every camera channel. @return 0. */
+/** Reset every camera channel, 0 to N-1; failures are only printed. @return 0. Thread: UI thread. */
 NVRHAL_API int32_t vdec_resetallchn(void);
 
 /** Stop a channel. @return 0 when stopped, else the platform's code. */
 NVRHAL_API int32_t vdec_stopdecrecv(uint32_t channel);
 
-/** Stop every camera channel. */
+/** Stop every camera channel, 0 to N-1; failures are only printed. Thread: UI thread. */
 NVRHAL_API void vdec_stopalldecchn(void);
 
 /**
- * Stop and destroy a channel. @param wait  1 = first wait, without limit, until its pictures are
- * shown and its stream is consumed. @return 0 or the platform's code.
+ * Stop and destroy a channel. @param wait  1 = in between wait, 40 ms at a time and without limit,
+ * until no picture and no stream frame is left in it; any other value = do not wait
+ * @return 0, or the platform's code at the first failure.
  */
 NVRHAL_API int32_t vdec_wait_destroy_chn(uint32_t channel, int32_t wait, uint32_t ignored);
 
-/** Send encoded data, waiting up to 20 ms for room; a failure resets the channel. @return 0 or -1. */
+/** Send encoded data, waiting up to 20 ms for room; a failure resets the channel. The platform copies the
+ * bytes. @param stream  the platform's record; null is the platform's to refuse. @return 0 or -1. */
 NVRHAL_API int32_t vdec_send_stream(uint32_t channel, const struct MI_VDEC_Stream *stream);
 
-/** Bind decoder channel i to display port i of device 0 for i in 0..count-1. @return 0 or -1 at the first
- * failure. */
+/** Bind decoder channel i to display port i of device 0 for i in 0..count-1. @return 0, also for a count
+ * below 1, or -1 at the first failure. Thread: UI thread. */
 NVRHAL_API int32_t vdec_bind_vpss(int32_t count);
 
-/** Disconnect a decoder channel (its output port `port`, in the second call) from a display port. @return 0
- * or -1. */
+/** Disconnect a decoder channel from a display port of device 0: output port 0 from display port `port`, or
+ * output port `port` from display port dst_port. @return 0 or -1. Thread: UI thread. */
 NVRHAL_API int32_t vdec_unbind_vpss(uint32_t channel, uint32_t port);
 NVRHAL_API int32_t vdec_unbind_vo(uint32_t channel, uint32_t port, uint32_t dst_port);
 
-/** Connect or disconnect a decoder channel and a display port of device dev. @return 0 or -1. */
+/** Connect or disconnect output port 0 of a decoder channel and a display port of device dev; every picture
+ * passes. @return 0, or -1 when the platform refused: the binding is as it was. Thread: UI thread. */
 NVRHAL_API int32_t vo_bind_vpss(int32_t dev, uint32_t disp_port, uint32_t channel, uint32_t ignored);
 NVRHAL_API int32_t vo_unbind_vpss(int32_t dev, uint32_t disp_port, uint32_t channel, uint32_t ignored);
 
-/** Disconnect whatever feeds a display port. @return the platform's result. */
+/** Disconnect whatever feeds a display port. The source is handed over as zeros; a platform that must be
+ * told the source refuses. @return the platform's result. Thread: UI thread. */
 NVRHAL_API int32_t vo_unbind_vi(int32_t dev, uint32_t disp_port);
 
 NVRHAL_NOOP(vo_mem_config);
@@ -340,11 +380,12 @@ extern NVRHAL_API uint32_t zoom_arg[3];
 /**
  * Send one live video frame to its decoder, or one block of audio to the loudspeaker.
  *
- * Reads of *frame: media, length (1 to 655360), width, height, data, channel, pts. Video channels
- * are 0 to 16. An audio block is a 4-byte header and 320-byte A-law frames; a remainder is dropped.
+ * Reads of *frame: media, length (1 to 655360 bytes), width, height, data, channel, pts. Video
+ * channels are 0 to 16; one above 7 is shown only while cur_display_chnn is 255. An audio block is a
+ * 4-byte header and 320-byte A-law frames; a remainder is dropped, and its channel counts only while
+ * zoomed. Sending waits for room: video up to 20 ms, audio without limit. The bytes are copied.
+ * Media of other kinds than none, video and audio are accepted and ignored.
  * @param codec         video: 1 = H.265, any other = H.264; a change recreates the decoder
- * A channel above 7 is shown only while cur_display_chnn is 255. Media of other kinds than none,
- * video and audio are accepted and ignored.
  * @param link_quality  quality of the channel's link as the application measures it, 1 to 100;
  *                      0 = not measured, never reset. The worse, the smaller the backlog that is
  *                      tolerated before the decoder is reset; negative tolerates the most.
@@ -415,19 +456,25 @@ extern NVRHAL_API pthread_mutex_t global_bindargLock;
  * next layout waits for ever.
  * @param panes  count panes; several of one channel: the last wins
  * @param count  1 to N
- * @return 0 (also when device -1 is current: nothing is done), -1, or a platform code.
+ * @return 0 (also when device -1 is current: no port or decoder is touched); -1 for a bad count, null
+ *         panes or a display failure; or the decoder's code when the flush of a single pane failed.
  * Thread: UI thread.
  */
 NVRHAL_API int32_t ext_change_display_format(const DispAttrib *panes, int32_t count);
 
 /**
- * Apply a layout to the secondary output; only when device -1 is current, else nothing is done.
- * A display failure leaves global_bindargLock held. @return 0 or -1. Thread: UI thread.
+ * Apply a layout to the secondary output; only when device -1 is current, else nothing is done and
+ * the result is 0. All N ports are hidden, then each pane's port is placed, its source size left as
+ * it was, and shown; no decoder is touched. A single pane also sets zoom_channel and zoom_arg_pre.
+ * A display failure leaves global_bindargLock held.
+ * @param panes  count panes; several of one channel: the last wins   @param count  1 to N
+ * @return 0; -1 for a bad count, null panes or a display failure. Thread: UI thread.
  */
 NVRHAL_API int32_t ext_change_display_slave(const DispAttrib *panes, int32_t count);
 
-/** Flush one decoder: destroy and create it with the same attributes, size and binding. @return 0 or the
- * platform's code. */
+/** Flush one decoder: destroy and create it with the same attributes and output size, bound to the port of
+ * its number of device 0. @return 0, or the platform's code: the channel is then stopped, or absent. Thread:
+ * UI thread. */
 NVRHAL_API int32_t re_create_vdec(uint32_t channel);
 
 /* ======================================================================================= */
@@ -880,37 +927,43 @@ enum AudioUse {
 /** State of the audio output. 52 bytes. */
 typedef struct AudioCtrl {
     uint32_t mode;      /*  0  enum AudioUse                               */
-    uint32_t reset_1;   /*  4  0 at every change of use                    */
+    uint32_t reset_1;   /*  4  0 at start-up and at each change of use but */
+                        /*     those by volume and by the end of talkback  */
     uint32_t reset_2;   /*  8  likewise                                    */
-    uint32_t enabled;   /* 12  1 from start-up on                          */
-    uint32_t reset_4;   /* 16  0 at every change of use                    */
+    uint32_t enabled;   /* 12  likewise 1                                  */
+    uint32_t reset_4;   /* 16  likewise 0                                  */
     uint32_t zero_5[3]; /* 20  0                                           */
     uint32_t chn_num;   /* 32  N, set at start-up                          */
     uint32_t zero_9[4]; /* 36  0                                           */
 } AudioCtrl;
 
-/** Playback sends audio only while mode is not 0. Whole words, no lock. */
+/** What the output serves now. Playback sends audio only while mode is not 0. Whole words, no lock. */
 extern NVRHAL_API AudioCtrl audio_ctrl;
 
 /** 1 while talkback is on. */
 extern NVRHAL_API uint32_t speak_flag;
 
-/** Set the audio output up; start-up calls it. @return 0 or -1. Thread: UI thread. */
+/** Set audio device 3 up for 8 kHz A-law, played at 48 kHz; start-up calls it. @return 0, or -1 at the
+ * first failure. Thread: UI thread. */
 NVRHAL_API int32_t audio_init(void);
 
-/** Configure and enable an audio output device. @return 0 or -1. Thread: UI thread. */
+/** Configure and enable an audio output device. @param attr  null is the platform's to refuse.
+ * @return 0, or -1 at the first failure. Thread: UI thread. */
 NVRHAL_API int32_t audio_start_ao(uint32_t device, uint32_t unused, const struct MI_AO_PubAttr *attr);
 
 /**
- * Configure and enable a device channel's decoder. @param payload_type  0 to 2; 2 forces mode 3
+ * Configure and enable a device channel's decoder, at 48 kHz.
+ * @param payload_type  the platform's codec code, 0 to 2; 0 = A-law
+ * @param mode          sound mode code, 0 = mono; payload type 2 makes it 3
  * @return 0, -1 for another payload type, or the platform's code. Thread: UI thread.
  */
 NVRHAL_API int32_t audio_create_adec_chn(uint32_t device, uint32_t channel, uint32_t payload_type,
                                          uint32_t mode);
 
 /**
- * Switch live audio on or off. Which channel is heard is decided by what is sent; the number is
- * only printed. @return 0. Thread: UI thread.
+ * Switch live audio on or off: the output is unmuted or muted. Which channel is heard is decided by
+ * what is sent; the number is only printed. @param open  0 = off, any other = on
+ * @return 0, also when the platform did not mute. Thread: UI thread.
  */
 NVRHAL_API int32_t ext_set_audio_live_channel(int32_t open, int32_t channel);
 
