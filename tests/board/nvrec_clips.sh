@@ -24,6 +24,11 @@ encode "${h265[@]}" h265.mkv
 encode -c:v mjpeg motion_jpeg.mkv
 ffmpeg -nostdin -v error -y -f lavfi -i "sine=frequency=440" -t 1 sound.wav
 
+# A recording whose sound lies behind two seconds of pictures.
+ffmpeg -nostdin -v error -y -f lavfi -i "testsrc2=size=320x180:rate=30" -f lavfi -i "sine=frequency=440" -t 4 \
+    -pix_fmt yuv420p -c:v libx264 -preset veryfast -g 60 -keyint_min 60 -bf 0 -c:a pcm_alaw -ar 8000 -ac 1 \
+    -movflags frag_keyframe+empty_moov+default_base_moof fragments.mov
+
 # A camera that changes its picture size: the second half is larger.
 ffmpeg -nostdin -v error -y -f lavfi -i "testsrc2=size=640x360:rate=30" -frames:v 20 -pix_fmt yuv420p "${h264[@]}" -bf 0 large.h264
 cat plain.h264 large.h264 >resized.h264

@@ -149,6 +149,31 @@ TEST(NvrecInputs, FollowAChangeOfPictureSize)
     EXPECT_EQ(input.facts().height_px, 360u);
 }
 
+TEST(NvrecInputs, SoundComesWithItsPicturesWhereverItLiesInTheFile)
+{
+    Input input(clip("fragments.mov"));
+    input.want_sound();
+    ASSERT_TRUE(input.open(kLimit)) << input.error();
+    constexpr int64_t kSeek_us = 2'500'000; /* in the second of its two fragments */
+    constexpr int64_t kLength_us = 4'000'000;
+    AccessUnit unit;
+    for (const bool sought : {false, true}) {
+        ASSERT_TRUE(sought ? input.seek(kSeek_us, &unit) : input.read(&unit) == Input::Read::kUnit);
+        int64_t heard_us = unit.due_us;
+        for (Input::Read result = Input::Read::kUnit; result == Input::Read::kUnit;
+             result = input.read(&unit)) {
+            for (const SoundBlock &block : input.take_sound(unit.due_us)) {
+                EXPECT_NEAR(static_cast<double>(block.pts_us), static_cast<double>(heard_us), 10'000);
+                heard_us = block.pts_us + kSoundBlock_us;
+            }
+            EXPECT_GT(heard_us, unit.due_us) << "sound of the picture at " << unit.due_us;
+        }
+        for (const SoundBlock &block : input.take_sound(INT64_MAX))
+            heard_us = block.pts_us + kSoundBlock_us;
+        EXPECT_NEAR(static_cast<double>(heard_us), static_cast<double>(kLength_us), 2.0 * kSoundBlock_us);
+    }
+}
+
 TEST(NvrecInputs, SayWhyTheyCannotBeOpened)
 {
     const struct {

@@ -4,7 +4,10 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <deque>
+#include <optional>
 #include <string_view>
+#include <utility>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -19,6 +22,12 @@ namespace
 
 constexpr double kSilentFrameRate = 25.0;             /* of elementary streams that state none */
 constexpr auto kReadLimit = std::chrono::seconds(10); /* a silent line counts as broken after this */
+
+/* How far pictures are read ahead for the sound that belongs before them: a fragment or a chunk of a
+ * recording has all of its pictures first. The count is for files whose times say nothing. */
+constexpr int64_t kSoundAhead_us = 100'000; /* whole blocks, and what a decoder holds back */
+constexpr int64_t kFarthestAhead_us = 4'000'000;
+constexpr size_t kMostAhead = 512;
 
 struct CodecRow {
     AVCodecID id;
@@ -47,6 +56,14 @@ std::string text_of(int av_code)
     return text;
 }
 
+/* The time at which a packet is due, on its stream's clock; nothing where the file does not say. */
+std::optional<int64_t> time_of(const AVPacket &packet, const AVStream &stream)
+{
+    const int64_t time = packet.dts != AV_NOPTS_VALUE ? packet.dts : packet.pts;
+    if (time == AV_NOPTS_VALUE) return std::nullopt;
+    return av_rescale_q(time, stream.time_base, AVRational{1, 1'000'000});
+}
+
 bool is_live(std::string_view address)
 {
     return address.starts_with("rtsp://") || address.starts_with("rtsps://");
@@ -62,6 +79,11 @@ const char *codec_name(Codec codec)
     return "?";
 }
 
+struct PacketRelease {
+    void operator()(AVPacket *packet) const { av_packet_free(&packet); }
+};
+using Packet = std::unique_ptr<AVPacket, PacketRelease>;
+
 /* Everything that libavformat and libavcodec hold for one open input. */
 struct Input::Demuxer {
     AVFormatContext *format = nullptr;
@@ -71,6 +93,8 @@ struct Input::Demuxer {
     AVCodecContext *parser_context = nullptr;
     std::unique_ptr<SoundTrack> sound;
     AVPacket *packet = av_packet_alloc();
+    std::deque<Packet> ahead; /* of the video stream, read and not filtered yet */
+    int ahead_end = 0;        /* why no more of them can be read; 0 = they can  */
     bool filter_drained = false;
     bool elementary = false; /* the bare stream of the codec: no time stamps, no index */
 
@@ -204,46 +228,64 @@ bool Input::open_parser(const AVCodecParameters *parameters)
     return true;
 }
 
+/* Read one packet: sound is decoded, video joins what is ahead. @return what libavformat says. */
+int Input::read_packet()
+{
+    Packet packet(av_packet_alloc());
+    if (!packet) return AVERROR(ENOMEM);
+    give_up_at_ = std::chrono::steady_clock::now() + kReadLimit;
+    const int code = av_read_frame(demuxer_->format, packet.get());
+    if (code < 0) return code;
+    if (demuxer_->sound && packet->stream_index == demuxer_->sound->stream_index())
+        demuxer_->sound->decode(*packet);
+    if (packet->stream_index == demuxer_->stream->index && packet->size > 0)
+        demuxer_->ahead.push_back(std::move(packet));
+    return 0;
+}
+
+/* Whether the first packet ahead may go, with all sound that belongs before it in hand. */
+bool Input::first_is_ready() const
+{
+    const std::deque<Packet> &ahead = demuxer_->ahead;
+    if (ahead.empty()) return false;
+    if (!demuxer_->sound || live_ || ahead.size() >= kMostAhead) return true; /* cameras send as it comes */
+    const auto first_us = time_of(*ahead.front(), *demuxer_->stream);
+    const auto last_us = time_of(*ahead.back(), *demuxer_->stream);
+    if (!first_us || !last_us || *last_us - *first_us >= kFarthestAhead_us) return true;
+    return demuxer_->sound->read_until_us() >= *first_us + kSoundAhead_us;
+}
+
 /* The next filtered packet of the video stream into demuxer_->packet. */
 Input::Read Input::next_packet()
 {
     AVPacket *packet = demuxer_->packet;
     for (;;) {
-        int code = av_bsf_receive_packet(demuxer_->filter, packet);
+        const int code = av_bsf_receive_packet(demuxer_->filter, packet);
         if (code >= 0) return Read::kUnit;
         if (code == AVERROR_EOF) return Read::kEnd;
         if (code != AVERROR(EAGAIN)) {
             fail("bit-stream filter", code);
             return Read::kFailed;
         }
-        give_up_at_ = std::chrono::steady_clock::now() + kReadLimit;
-        code = av_read_frame(demuxer_->format, packet);
-        if (interrupted_.load(std::memory_order_relaxed)) {
-            av_packet_unref(packet);
-            return Read::kInterrupted;
-        }
-        if (code == AVERROR_EOF) {
-            if (demuxer_->filter_drained) return Read::kEnd;
-            demuxer_->filter_drained = true;
-            av_bsf_send_packet(demuxer_->filter, nullptr);
+        while (demuxer_->ahead_end == 0 && !first_is_ready())
+            demuxer_->ahead_end = read_packet();
+        if (interrupted_.load(std::memory_order_relaxed)) return Read::kInterrupted;
+        if (!demuxer_->ahead.empty()) {
+            const Packet first = std::move(demuxer_->ahead.front());
+            demuxer_->ahead.pop_front();
+            /* A damaged unit that cannot be brought into form is left out: the stream goes on behind it. */
+            av_bsf_send_packet(demuxer_->filter, first.get());
             continue;
         }
-        if (code < 0) {
+        const int end = std::exchange(demuxer_->ahead_end, 0);
+        if (end != AVERROR_EOF) {
             fail(std::chrono::steady_clock::now() > give_up_at_ ? "nothing came for ten seconds" : "reading",
-                 code);
+                 end);
             return Read::kFailed;
         }
-        if (demuxer_->sound && packet->stream_index == demuxer_->sound->stream_index())
-            demuxer_->sound->decode(*packet);
-        if (packet->stream_index != demuxer_->stream->index || packet->size == 0) {
-            av_packet_unref(packet);
-            continue;
-        }
-        code = av_bsf_send_packet(demuxer_->filter, packet);
-        if (code < 0) {
-            /* A damaged unit that cannot be brought into form: the stream goes on behind it. */
-            av_packet_unref(packet);
-        }
+        if (demuxer_->filter_drained) return Read::kEnd;
+        demuxer_->filter_drained = true;
+        av_bsf_send_packet(demuxer_->filter, nullptr);
     }
 }
 
@@ -375,6 +417,8 @@ int Input::to_first_byte()
 void Input::forget_position()
 {
     if (demuxer_->sound) demuxer_->sound->forget();
+    demuxer_->ahead.clear();
+    demuxer_->ahead_end = 0;
     av_bsf_flush(demuxer_->filter);
     demuxer_->filter_drained = false;
     last_due_us_ = 0;

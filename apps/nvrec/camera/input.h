@@ -109,6 +109,8 @@ private:
     bool open_stream();
     bool choose_filter(const AVCodecParameters *parameters);
     bool open_parser(const AVCodecParameters *parameters);
+    int read_packet();
+    bool first_is_ready() const;
     Read next_packet();
     bool seek_in_bare_stream(int64_t target_us, AccessUnit *unit);
     int to_first_byte();

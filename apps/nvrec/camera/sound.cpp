@@ -170,6 +170,12 @@ void SoundTrack::forget()
     placed_ = false;
 }
 
+int64_t SoundTrack::read_until_us() const
+{
+    if (!placed_) return INT64_MIN;
+    return samples_at_us_ + static_cast<int64_t>(samples_.size()) * kSample_us;
+}
+
 std::vector<SoundBlock> SoundTrack::take()
 {
     return std::exchange(blocks_, {});

@@ -51,6 +51,10 @@ public:
     /** The input goes on at another place: what is not a whole block yet does not belong to it. */
     void forget();
 
+    /** The end of what was decoded since open or forget(), on the stream's own clock; INT64_MIN = nothing
+     * was. */
+    int64_t read_until_us() const;
+
     /** Hand out the whole blocks so far; times as the stream's own clock tells them. */
     std::vector<SoundBlock> take();
 
