@@ -138,6 +138,7 @@ TEST(DestroyDecoder, DrainsFirstWhenAskedTo)
     )"));
     EXPECT_EQ(platform.time_us(), 120000);
     EXPECT_PRINTED_WITHOUT_PREFIX("had no stream and pic left");
+    EXPECT_EQ(recording::times_printed("had no stream and pic left"), 1u);
 }
 
 TEST(DestroyDecoder, WaitsForTheStreamAsWellAsForThePictures)

@@ -76,6 +76,7 @@ TEST(DeviceInit, PrintsItsStages)
     EXPECT_PRINTED_IN_ORDER(R"(
         sdk_init version:2020-07-21 13:00.
         videoPbChnnNum=7
+        channel count 4
         HDMI start success.
         vdec_create
         start disp

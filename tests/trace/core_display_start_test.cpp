@@ -72,7 +72,11 @@ TEST(VoStart, FailsForATimingCodeThatIsNoOutputValue)
 {
     enNorm_vga = 4;
     EXPECT_EQ(vo_start(0, 0, 30, 11, 2), kFailed);
-    EXPECT_PRINTED_IN_ORDER("vo enIntfSync not support!\nvo_start_devlayer failed!");
+    EXPECT_PRINTED_IN_ORDER(R"(
+        vo enIntfSync not support!
+        the vo sync is 4   u32Width:0  32Height:0  u32Frm:0 !
+        vo_start_devlayer failed!
+    )");
     EXPECT_EQ(platform.count("MI_DISP_Enable"), 1u) << "what was enabled stays enabled";
     EXPECT_EQ(platform.count("MI_DISP_SetVideoLayerAttr"), 0u);
     EXPECT_EQ(platform.count("MI_DISP_SetInputPortAttr"), 0u);

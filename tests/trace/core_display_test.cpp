@@ -32,6 +32,21 @@ TEST(StartDisplay, WithoutPortsSetsDeviceLayerAndHdmiUp)
     EXPECT_PRINTED_WITHOUT_PREFIX("[start_disp #]Get Video Layer DispWin [0, 0, 1366, 768] !!!");
 }
 
+TEST(StartDisplay, PrintsTheLayerAsThePlatformHasIt)
+{
+    platform.script("MI_DISP_GetVideoLayerAttr").fills([](recording::Args &args) {
+        auto &layer = args.record<MI_DISP_VideoLayerAttr>(1);
+        layer.window = {1, 2, 3, 4};
+        layer.width = 5;
+        layer.height = 6;
+    });
+    ASSERT_EQ(start_disp(0), 0u);
+    EXPECT_PRINTED_IN_ORDER(R"(
+        [start_disp #]Get Video Layer Size [5, 6] !!!
+        [start_disp #]Get Video Layer DispWin [1, 2, 3, 4] !!!
+    )");
+}
+
 struct CodeRow {
     uint32_t code, display;
     const char *name;
@@ -111,7 +126,10 @@ TEST(StartDisplay, BringsAPortUpInOrder)
 
 TEST(StartDisplay, TakesAnUnreadableDecoderSizeForZero)
 {
-    platform.script("MI_VDEC_GetOutputPortAttr").returns(-3);
+    platform.script("MI_VDEC_GetOutputPortAttr").fills([](recording::Args &args) {
+        args.record<MI_VDEC_OutputPortAttr>(1) = {77, 55}; // a failing call may leave anything behind
+        args.result = -3;
+    });
     EXPECT_EQ(start_disp(1), 0u);
     EXPECT_EQ(platform.count("MI_DISP_SetInputPortAttr 0 0 {window 0,0 1920x1080 source 0x0}"), 1u);
 }

@@ -2,6 +2,7 @@
 #include "core/lifecycle.h"
 
 #include "core_start.h"
+#include "gui_screen.h"
 
 using namespace core_test;
 using recording::platform;
@@ -70,6 +71,20 @@ TEST(GuiInit, UsesTheKeptBlockForTheInterface)
     DdvrInputParam.gui_width = 2560;
     EXPECT_EQ(nvrhal::vo_start_init(), 0);
     EXPECT_EQ(platform.count("MI_DISP_SetPubAttr 0 {background 0x0 interface 5 timing 6 rate 0}"), 1u);
+}
+
+/* Start-up takes the framebuffer's size from the block it is given, the GUI start from the kept one. */
+TEST(GuiInit, SizesTheFramebufferAsTheGui)
+{
+    gui_test::plug_framebuffer();
+    DeviceParams params = device_params(1, 1440, 900);
+    DdvrInputParam = device_params(1, 800, 600);
+    ASSERT_EQ(nvrhal::sdk_init(&params), 0);
+    EXPECT_EQ(platform.count("board_ioctl /dev/fb0 0x40344669 {0 0 1440 900 1440 900 0 0 0 0 0 0 15}"), 1u);
+    platform.forget();
+    enNorm_vga = 6;
+    ASSERT_EQ(nvrhal::vo_start_init(), 0);
+    EXPECT_EQ(platform.count("board_ioctl /dev/fb0 0x40344669 {0 0 800 600 800 600 0 0 0 0 0 0 15}"), 1u);
 }
 
 TEST(GuiInit, ProbesTheLogoLayersAtItsEnd)

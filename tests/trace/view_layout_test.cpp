@@ -194,6 +194,7 @@ TEST(Layout, RecordsAHiddenPaneWithoutShowingIt)
         EXPECT_EQ(platform.count("MI_VDEC_CreateChn 0"), 1u) << "its decoder is flushed all the same";
         EXPECT_EQ(platform.count("MI_DISP_EnableInputPort 0 0"), 0u);
         EXPECT_EQ(platform.count("MI_DISP_EnableInputPort 0 1"), 1u);
+        EXPECT_PRINTED_WITHOUT_PREFIX("SHOW TYPE2");
         EXPECT_EQ(cur_display_chnn, 0x03);
         EXPECT_EQ(old_global_bindarg[0].bind_status[0], status);
     }
