@@ -44,15 +44,23 @@ typedef struct MI_AO_Frame {
     uint32_t reserved[4];  /* 152  0                                       */
 } MI_AO_Frame;
 
+/** Set a device's attributes. Refused: a value that cannot be had, other ones while it is enabled. */
 int32_t MI_AO_SetPubAttr(uint32_t device, const MI_AO_PubAttr *attr);
+
+/** Start a device. It needs attributes (NOT_READY). */
 int32_t MI_AO_Enable(uint32_t device);
+
+/** Start an enabled device's channel. */
 int32_t MI_AO_EnableChn(uint32_t device, uint32_t channel);
+
+/** Set the built-in decoder up; MI_AO_EnableAdec then puts it in front of the channel. */
 int32_t MI_AO_SetAdecAttr(uint32_t device, uint32_t channel, const MI_AO_AdecAttr *attr);
 int32_t MI_AO_EnableAdec(uint32_t device, uint32_t channel);
 
 /** Convert the channel's input from input_rate, in Hz, to the device's rate. */
 int32_t MI_AO_EnableReSmp(uint32_t device, uint32_t channel, uint32_t input_rate);
 
+/** Silence a device (1) or let it be heard (0); what is queued goes on playing meanwhile. */
 int32_t MI_AO_SetMute(uint32_t device, int32_t mute);
 
 /** Set the gain in dB. */

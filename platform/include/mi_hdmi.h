@@ -51,20 +51,29 @@ typedef struct MI_HDMI_SinkInfo {
     uint32_t preferred_height; /* 12  pixels                    */
 } MI_HDMI_SinkInfo;
 
+/** Register the callback; events may come from now on. Refused: initialised already (EXISTS). */
 int32_t MI_HDMI_Init(const MI_HDMI_InitParam *param);
+
+/** Undo MI_HDMI_Init; no event comes any more. Refused: not initialised (NOT_READY), still open. */
 int32_t MI_HDMI_DeInit(void);
+
+/** Open the transmitter. Refused: not initialised (NOT_READY), open already (EXISTS). */
 int32_t MI_HDMI_Open(uint32_t device);
+
+/** Close a stopped transmitter. */
 int32_t MI_HDMI_Close(uint32_t device);
 
 /** Blank picture and sound (1) or let them through (0). */
 int32_t MI_HDMI_SetAvMute(uint32_t device, int32_t mute);
 
+/** Set the attributes, running or not; read those in force. Refused: a timing that cannot be had. */
 int32_t MI_HDMI_SetAttr(uint32_t device, const MI_HDMI_Attr *attr);
 int32_t MI_HDMI_GetAttr(uint32_t device, MI_HDMI_Attr *attr);
 
 /** Read the monitor's description. Refused: no monitor (ABSENT). */
 int32_t MI_HDMI_GetSinkInfo(uint32_t device, MI_HDMI_SinkInfo *info);
 
+/** Send picture and sound as the attributes say, or stop. Starting needs attributes (NOT_READY). */
 int32_t MI_HDMI_Start(uint32_t device);
 int32_t MI_HDMI_Stop(uint32_t device);
 
