@@ -10,6 +10,8 @@ add_custom_command(OUTPUT ${nvrec_clips}/made
 add_custom_target(nvrec_clips DEPENDS ${nvrec_clips}/made)
 
 nvrhal_test(nvrec_pieces_test
+  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_run.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_feeder_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_input_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_layout_test.cpp
   LIBS nvrec_pieces LABEL board TIMEOUT 60)
@@ -31,6 +33,8 @@ if(NVREC_RTSP_FOUND)
   # The other end of the line is not under test, and its libraries are not built for sanitizers.
   target_compile_options(nvrec_rtsp_camera PRIVATE -fno-sanitize=all)
   target_link_options(nvrec_rtsp_camera PRIVATE -fno-sanitize=all)
-  target_compile_definitions(nvrec_wall_test PRIVATE NVREC_RTSP_CAMERA="$<TARGET_FILE:nvrec_rtsp_camera>")
-  add_dependencies(nvrec_wall_test nvrec_rtsp_camera)
+  foreach(test nvrec_pieces_test nvrec_wall_test)
+    target_compile_definitions(${test} PRIVATE NVREC_RTSP_CAMERA="$<TARGET_FILE:nvrec_rtsp_camera>")
+    add_dependencies(${test} nvrec_rtsp_camera)
+  endforeach()
 endif()

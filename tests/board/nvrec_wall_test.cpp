@@ -252,7 +252,32 @@ TEST_F(NvrecWall, ACameraThatDoesNotAnswerCostsTheOthersNothing)
     EXPECT_NE(errors_.find("refused"), std::string::npos) << errors_;
 }
 
+TEST_F(NvrecWall, ACameraThatAnswersLateJoinsTheOthers)
+{
+    Process camera({NVREC_RTSP_CAMERA, clip("colour2.h264.mp4"), "h264"});
+    int port = 0;
+    ASSERT_EQ(std::sscanf(camera.read_line().c_str(), "port %d", &port), 1);
+    camera.signal(SIGSTOP); /* it takes the connection and says nothing */
+    Process process(command({"--layout", "2x2", "--frames", "20", "-d", "60", "-p",
+                             scratch_.file("first.png") + ",0.5", "-p", scratch_.file("wall.png"),
+                             "rtsp://127.0.0.1:" + std::to_string(port) + "/camera", clip("colour1.h264")}));
+    ASSERT_TRUE(scratch_.wait_for("first.png")) << "the other camera runs without it";
+    camera.signal(SIGCONT);
+    EXPECT_EQ(process.wait(), 0) << process.errors;
+    const std::string json = file_text(scratch_.file("report.json"));
+    EXPECT_EQ(reported(json, 0, "sent"), 20);
+    EXPECT_EQ(reported(json, 0, "reconnects"), 0);
+    EXPECT_EQ(reported(json, 1, "sent"), 20);
+    expect_pane_shows(read_picture(scratch_.file("first.png")), {960, 0, 960, 540}, 1);
+    expect_pane_shows(read_picture(scratch_.file("wall.png")), {0, 0, 960, 540}, 2);
+}
+
 #else
+
+TEST_F(NvrecWall, ACameraThatAnswersLateJoinsTheOthers)
+{
+    GTEST_SKIP() << "built without libgstrtspserver-1.0-dev: no network camera to show";
+}
 
 TEST_F(NvrecWall, ShowsANetworkCameraAndComesBackAfterItsSessionEnds)
 {

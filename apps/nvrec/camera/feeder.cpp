@@ -18,6 +18,8 @@ constexpr auto kFirstRetry = std::chrono::seconds(1);
 constexpr auto kLongestRetry = std::chrono::seconds(16);
 constexpr auto kSilence = std::chrono::seconds(10); /* a live input gives up a silent line after this */
 constexpr int kDecoderPatience_ms = 2000;           /* for one unit, when feeding as fast as it goes */
+constexpr double kCatchUp = 1.5;                    /* times a camera's rate, while it is behind       */
+constexpr int64_t kLongestPace_us = 100'000;        /* whatever a camera's clock says                  */
 
 uint32_t shared_word(uint32_t &word)
 {
@@ -113,6 +115,7 @@ void Feeder::feed()
         promise_until(Clock::now());
         pass_sound(unit.due_us);
         if (events_.unit) events_.unit(channel_, unit, input_.facts());
+        const bool kept_out = is_kept_out(channel_);
         const bool accepted = send(unit) == 0;
         {
             const std::scoped_lock guard(lock_);
@@ -120,7 +123,7 @@ void Feeder::feed()
             counters_.refused += !accepted;
             counters_.bytes += accepted ? unit.bytes.size() : 0;
         }
-        if (!accepted && !refused_before && !is_kept_out(channel_))
+        if (!accepted && !refused_before && !kept_out && !is_kept_out(channel_))
             report("the library refused a frame of " + std::to_string(unit.bytes.size()) + " bytes");
         refused_before = !accepted;
         /* Only now: the library changes the decoder when it sees the new codec. */
@@ -219,7 +222,10 @@ bool Feeder::wait_until(Clock::time_point when)
 
 void Feeder::wait_due(const AccessUnit &unit)
 {
-    if (input_.live()) return;                           /* the camera paces */
+    if (input_.live()) {
+        pace(unit);
+        return;
+    }
     if (options_.as_fast_as_can && events_.sink) return; /* the sink paces */
     if (options_.as_fast_as_can) {
         promise_until(Clock::now() + std::chrono::milliseconds(kDecoderPatience_ms));
@@ -229,6 +235,20 @@ void Feeder::wait_due(const AccessUnit &unit)
     const auto due =
         std::chrono::duration<double, std::micro>(static_cast<double>(unit.due_us) / options_.speed);
     wait_until(started_at_ + std::chrono::duration_cast<Clock::duration>(due));
+}
+
+/*
+ * The camera paces. But what has waited on the line, because the network stood still or the others
+ * were not ready, comes all at once: the decoder and the pools have no room for seconds of it.
+ */
+void Feeder::pace(const AccessUnit &unit)
+{
+    const auto apart_us = static_cast<int64_t>(static_cast<double>(unit.due_us - paced_due_us_) / kCatchUp);
+    const auto when =
+        paced_at_ + std::chrono::microseconds(std::clamp<int64_t>(apart_us, 0, kLongestPace_us));
+    wait_until(std::max(when, Clock::now())); /* a promise of the past would be a broken one */
+    paced_due_us_ = unit.due_us;
+    paced_at_ = Clock::now();
 }
 
 int32_t Feeder::send(const AccessUnit &unit)

@@ -106,6 +106,7 @@ private:
     bool reconnect(const std::string &why);
     bool wait_until(std::chrono::steady_clock::time_point when);
     void wait_due(const AccessUnit &unit);
+    void pace(const AccessUnit &unit);
     int32_t send(const AccessUnit &unit);
     int32_t send_to_decoder(const AccessUnit &unit);
     void pass_sound(int64_t until_us);
@@ -126,6 +127,8 @@ private:
     std::atomic<bool> broken_ = false; /* it ended by a failure, not by its own end */
     std::atomic<std::chrono::steady_clock::rep> promise_ = INT64_MAX; /* ticks of the clock        */
     std::chrono::steady_clock::time_point started_at_;
+    std::chrono::steady_clock::time_point paced_at_; /* live: when the last unit went on    */
+    int64_t paced_due_us_ = 0;                       /* and when it was due                 */
     bool decoder_changes_ = false; /* the next unit sent gives the channel another decoder */
 
     std::mutex sleep_lock_; /* with sleep_, only to wake a waiting thread at stop */

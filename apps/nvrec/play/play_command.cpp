@@ -67,6 +67,7 @@ int run_play(PlayCommand command)
     command.wall.channels =
         static_cast<int>(std::min<size_t>(command.player.files.size(), Playback::kPlayers));
     command.wall.feed.loop = true; /* cameras that are files do not end */
+    command.wall.wait_for_all = true;
     command.player.output = command.wall.output;
 
     auto script = std::make_unique<Script>();

@@ -85,6 +85,7 @@ int run_snapshot(SnapshotCommand command)
     playback.heard = -1;
     playback.output = command.wall.output;
     command.wall.feed.loop = true; /* cameras that are files go on until the picture is taken */
+    command.wall.wait_for_all = true;
     command.wall.channels = static_cast<int>(std::min<size_t>(playback.files.size(), Playback::kPlayers));
 
     Wall wall(command.wall);

@@ -14,6 +14,7 @@ namespace
 
 constexpr auto kLongWait = std::chrono::hours(1);
 constexpr auto kWindowPeriod = std::chrono::milliseconds(16);
+constexpr auto kLateCamera = std::chrono::seconds(3); /* the others wait for a camera no longer */
 constexpr int kDrain_ms = 3000; /* for what the decoders still hold when the inputs have ended */
 
 bool screen_is_there()
@@ -42,8 +43,12 @@ Wall::Wall(const WallOptions &options) : options_(options), reporter_(feeders_)
 int Wall::run()
 {
     if (!terminal_.send_log_to(options_.log_path)) return kExitOutputFailed;
-    if (!open_inputs()) return exit_code_;
+    if (!open_inputs()) {
+        stop_cameras();
+        return exit_code_;
+    }
     if (!show()) {
+        stop_cameras();
         terminal_.complain("the library did not start; its log says why: " + options_.log_path);
         return kExitBoardFailed;
     }
@@ -57,39 +62,73 @@ int Wall::run()
     return exit_code_;
 }
 
-/* All at once: a camera that does not answer costs the others nothing. False when none opened. */
+/*
+ * All at once. A camera that takes long to answer is left to its thread, and joins the others when
+ * it has: the frames that these send meanwhile would be lost. False when none opened.
+ */
 bool Wall::open_inputs()
 {
-    std::atomic<size_t> pending = feeders_.size();
-    std::vector<std::thread> openers;
     for (const auto &feeder : feeders_) {
-        openers.emplace_back([&, camera = feeder.get()] {
-            camera->hold();
-            --pending;
+        Opening &opening = openings_.emplace_back();
+        opening.camera = feeder.get();
+        opening.thread = std::thread([this, &opening] {
+            opening.camera->hold();
+            opening.done = true;
             wakeup_.ring();
         });
     }
-    while (pending > 0 && !wakeup_.end_wanted())
-        wakeup_.wait_until(Clock::now() + kLongWait);
-    if (wakeup_.end_wanted()) {
-        for (const auto &feeder : feeders_)
-            feeder->ask_to_stop();
-    }
-    for (std::thread &opener : openers)
-        opener.join();
-    if (wakeup_.end_wanted()) return false;
-    if (feeders_.empty()) return true; /* the companions have pictures of their own */
-
     size_t opened = 0;
-    for (const auto &feeder : feeders_) {
-        opened += feeder->opened();
-        if (feeder->opened()) continue;
-        terminal_.complain("channel " + std::to_string(feeder->channel()) + ": " + feeder->input().address() +
-                           ": " + feeder->trouble());
-        worse(kExitInputFailed);
+    Clock::time_point begin_at = Clock::now() + kLongWait;
+    while (!openings_.empty() && !wakeup_.end_wanted() && Clock::now() < begin_at) {
+        wakeup_.wait_until(begin_at);
+        opened += finish_openings([](Feeder &) {});
+        if (opened > 0 && !options_.wait_for_all && only_live_are_opening())
+            begin_at = std::min(begin_at, Clock::now() + kLateCamera);
     }
-    if (opened == 0) terminal_.complain("no input could be opened");
-    return opened > 0;
+    if (opened == 0 && openings_.empty() && !feeders_.empty()) terminal_.complain("no input could be opened");
+    if (wakeup_.end_wanted()) return false;
+    return opened > 0 || feeders_.empty(); /* the companions have pictures of their own */
+}
+
+bool Wall::only_live_are_opening() const
+{
+    return std::all_of(openings_.begin(), openings_.end(),
+                       [](const Opening &opening) { return opening.camera->input().live(); });
+}
+
+/* What has been opened or could not be is off the list. @return how many were opened. */
+size_t Wall::finish_openings(const std::function<void(Feeder &)> &then)
+{
+    size_t opened = 0;
+    for (auto opening = openings_.begin(); opening != openings_.end();) {
+        if (!opening->done) {
+            ++opening;
+            continue;
+        }
+        Feeder &camera = *opening->camera;
+        opening->thread.join();
+        opening = openings_.erase(opening);
+        opened += camera.opened();
+        if (!camera.opened()) {
+            terminal_.complain("channel " + std::to_string(camera.channel()) + ": " +
+                               camera.input().address() + ": " + camera.trouble());
+            worse(kExitInputFailed);
+        }
+        then(camera);
+    }
+    return opened;
+}
+
+/* A camera that comes while the others run. */
+void Wall::admit(Feeder &camera)
+{
+    if (camera.opened()) {
+        const BoardCounters before = board_counters(camera.channel());
+        prime(camera);
+        lay_out();
+        reporter_.leave_out(camera.channel(), board_counters(camera.channel()) - before);
+    }
+    start_feeding(camera);
 }
 
 /* The board up, every decoder of its stream's codec, and the panes on the screen. */
@@ -98,12 +137,21 @@ bool Wall::show()
     const int channels = std::max(options_.channels, static_cast<int>(feeders_.size()));
     if (!session_.start(*output_mode_named(options_.output), channels)) return false;
     for (const auto &feeder : feeders_) {
-        if (feeder->opened() && feeder->prime() != 0) {
-            terminal_.complain("channel " + std::to_string(feeder->channel()) +
-                               ": its first frame was refused");
-        }
+        if (!is_opening(*feeder) && feeder->opened()) prime(*feeder);
     }
     return lay_out();
+}
+
+void Wall::prime(Feeder &camera)
+{
+    if (camera.prime() == 0) return;
+    terminal_.complain("channel " + std::to_string(camera.channel()) + ": its first frame was refused");
+}
+
+bool Wall::is_opening(const Feeder &camera) const
+{
+    return std::any_of(openings_.begin(), openings_.end(),
+                       [&camera](const Opening &opening) { return opening.camera == &camera; });
 }
 
 /* Bring the panes on the screen as they are wanted now. */
@@ -193,30 +241,35 @@ void Wall::start_feeding()
     reporter_.mark();
     began_at_ = Clock::now();
     for (const auto &feeder : feeders_) {
-        if (!feeder->opened() && !feeder->input().live()) continue;
-        ++running_;
-        Feeder::Events events;
-        events.trouble = [this](int channel, const std::string &line) {
-            terminal_.complain("channel " + std::to_string(channel) + ": " + line);
-        };
-        events.decoder_changed = [this](int) {
-            layout_stale_ = true;
-            wakeup_.ring();
-        };
-        events.ended = [this](int) {
-            --running_;
-            wakeup_.ring();
-        };
-        events.unit = [this](int channel, const AccessUnit &unit, const StreamFacts &facts) {
-            for (const auto &companion : companions_)
-                companion->on_unit(channel, unit, facts);
-        };
-        events.sound = [this](int channel, const SoundBlock &block) {
-            for (const auto &companion : companions_)
-                companion->on_audio(channel, block);
-        };
-        feeder->start(std::move(events));
+        if (!is_opening(*feeder)) start_feeding(*feeder);
     }
+}
+
+void Wall::start_feeding(Feeder &camera)
+{
+    if (!camera.opened() && !camera.input().live()) return;
+    ++running_;
+    Feeder::Events events;
+    events.trouble = [this](int channel, const std::string &line) {
+        terminal_.complain("channel " + std::to_string(channel) + ": " + line);
+    };
+    events.decoder_changed = [this](int) {
+        layout_stale_ = true;
+        wakeup_.ring();
+    };
+    events.ended = [this](int) {
+        --running_;
+        wakeup_.ring();
+    };
+    events.unit = [this](int channel, const AccessUnit &unit, const StreamFacts &facts) {
+        for (const auto &companion : companions_)
+            companion->on_unit(channel, unit, facts);
+    };
+    events.sound = [this](int channel, const SoundBlock &block) {
+        for (const auto &companion : companions_)
+            companion->on_audio(channel, block);
+    };
+    camera.start(std::move(events));
 }
 
 /* The main thread's work while the cameras run. */
@@ -236,6 +289,7 @@ void Wall::watch()
         wakeup_.wait_until(next);
 
         if (window_open_ && vboard_window_poll() != VBOARD_WINDOW_OPEN) end_wanted_ = true;
+        finish_openings([this](Feeder &camera) { admit(camera); });
         if (layout_stale_.exchange(false)) lay_out();
         take_due_pictures(seconds(), false);
         if (Clock::now() >= progress_at) {
@@ -291,14 +345,24 @@ void Wall::wait_for_decoders()
     }
 }
 
+void Wall::stop_cameras()
+{
+    for (const auto &feeder : feeders_)
+        feeder->ask_to_stop();
+    for (Opening &opening : openings_) {
+        opening.thread.join();
+        worse(kExitInputFailed); /* it never answered */
+    }
+    openings_.clear();
+    for (const auto &feeder : feeders_)
+        feeder->join();
+}
+
 void Wall::close()
 {
     const bool ran_out = running_ == 0;
     lasted_s_ = seconds();
-    for (const auto &feeder : feeders_)
-        feeder->ask_to_stop();
-    for (const auto &feeder : feeders_)
-        feeder->join();
+    stop_cameras();
     if (ran_out) wait_for_decoders();
     take_due_pictures(lasted_s_, true);
     for (size_t i = started_; i-- > 0;)
@@ -339,7 +403,7 @@ double Wall::seconds() const
 bool Wall::ended() const
 {
     if (end_wanted_ || wakeup_.end_wanted()) return true;
-    if (running_ == 0 && !companion_busy()) return true;
+    if (running_ == 0 && openings_.empty() && !companion_busy()) return true;
     return options_.duration_s > 0 && seconds() >= options_.duration_s;
 }
 

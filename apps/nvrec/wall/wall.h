@@ -1,8 +1,9 @@
 /*
  * wall.h - live cameras on one screen, from opened inputs to the closing table.
  *
- *   open all inputs -> start the library -> one frame a channel -> layout -> feed
- *     -> (pictures, progress, window, layout again where a camera came back with another codec)
+ *   open the inputs -> start the library -> one frame a channel -> layout -> feed
+ *     -> (cameras that answer later than the others, pictures, progress, window, layout again where a camera
+ * came back with another codec)
  *     -> end of inputs, time or Ctrl-C -> last pictures -> table
  *
  * Whatever else the recorder does while the wall stands is a Companion.
@@ -13,8 +14,11 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
+#include <list>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "camera/feeder.h"
@@ -40,7 +44,8 @@ struct WallOptions {
     std::string log_path = "out/nvrec.log";
     std::string json_path;
     FeedOptions feed;
-    int channels = 0; /* at least so many, for companions that show pictures of their own */
+    bool wait_for_all = false; /* do not begin without the cameras that answer late */
+    int channels = 0;          /* at least so many, for companions that show pictures of their own */
 };
 
 class Wall final : private WallControl
@@ -75,7 +80,20 @@ private:
     bool recording() const override { return recording_; }
     void end(int exit_code) override;
 
+    /* A camera that is being opened. */
+    struct Opening {
+        Feeder *camera = nullptr;
+        std::thread thread;
+        std::atomic<bool> done = false;
+    };
+
     bool open_inputs();
+    bool only_live_are_opening() const;
+    size_t finish_openings(const std::function<void(Feeder &)> &then);
+    void admit(Feeder &camera);
+    void prime(Feeder &camera);
+    bool is_opening(const Feeder &camera) const;
+    void start_feeding(Feeder &camera);
     bool show();
     void open_window();
     bool start_companions();
@@ -87,6 +105,7 @@ private:
     bool companion_busy() const;
     void take_due_pictures(double now_s, bool at_end);
     void wait_for_decoders();
+    void stop_cameras();
     void close();
     void write_reports();
     double seconds() const;
@@ -101,6 +120,7 @@ private:
     int enlarged_ = -1; /* the channel that has the screen to itself, or -1 */
     int selected_ = 0;
     std::vector<std::unique_ptr<Feeder>> feeders_;
+    std::list<Opening> openings_; /* not finished yet */
     Reporter reporter_;
     std::vector<PictureOrder> orders_;
     std::vector<std::unique_ptr<Companion>> companions_;
