@@ -87,6 +87,7 @@ TEST(UnbindDecoder, SaysWhatFailed)
     EXPECT_EQ(vdec_unbind_vpss(4, 7), -1);
     EXPECT_EQ(vdec_unbind_vo(4, 1, 9), -1);
     EXPECT_EQ(recording::times_printed("HI_MPI_SYS_UnBind failed with 0xa0010005!"), 2u);
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "HI_MPI_SYS_UnBind failed with 0xa0010005!");
 }
 
 TEST(UnbindWhateverFeedsAPort, PassesTheResultOn)

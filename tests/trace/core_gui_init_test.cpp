@@ -43,6 +43,9 @@ TEST(GuiInit, FailsAtFullHdBecauseTheTimingCodeIsNoOutputValue)
         vo_start failed with ffffffff!
         gui init failed with -1!
     )");
+    for (const char *text : {"vo enIntfSync not support!", "vo_start_devlayer failed!",
+                             "vo_start failed with ffffffff!", "gui init failed with -1!"})
+        EXPECT_PRINTED_AS_ERROR("sdk3531Lib.c", text);
     EXPECT_EQ(platform.calls({"MI_HDMI_"}), "");
 }
 

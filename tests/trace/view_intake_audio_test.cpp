@@ -54,6 +54,7 @@ TEST(AudioIntake, GoesOnAfterAFailingFrame)
     EXPECT_EQ(send_audio(bytes), 0);
     EXPECT_EQ(platform.count("MI_AO_SendFrame"), 3u);
     EXPECT_EQ(recording::times_printed("MI_AO_SendFrame fail=0xa005000f"), 1u);
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "MI_AO_SendFrame fail=0xa005000f");
 }
 
 TEST(AudioIntake, LooksAtNeitherChannelNorPlaybackNorMask)

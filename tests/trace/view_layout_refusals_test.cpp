@@ -112,7 +112,8 @@ TEST(LayoutFailure, OfTheDisplayReturnsAtOnceWithTheLockHeld)
             bool saved = old_global_bindarg[0].chn_num != 0x55555555;
             bool stopped = platform.count("MI_DISP_GetInputPortAttr 0 2") == 0;
             return result == -1 && !saved && stopped && lock_is_held() &&
-                   recording::times_printed(row.message) == 1;
+                   recording::times_printed(row.message) == 1 &&
+                   recording::printed_as_error("vdec_venc.c", row.message);
         });
         EXPECT_TRUE(outcome.finished) << outcome.death;
         EXPECT_EQ(outcome.result, 1);

@@ -187,7 +187,8 @@ TEST(SecondaryLayout, FailsAtOnceWithTheLockHeld)
             bool saved = saved_secondary_layout().chn_num != 0;
             bool held = pthread_mutex_trylock(&global_bindargLock) == EBUSY;
             return result == -1 && !saved && held && platform.count(row.call) == 2 &&
-                   recording::times_printed(row.message) == 1;
+                   recording::times_printed(row.message) == 1 &&
+                   recording::printed_as_error("vdec_venc.c", row.message);
         });
         EXPECT_TRUE(outcome.finished) << outcome.death;
         EXPECT_EQ(outcome.result, 1);
