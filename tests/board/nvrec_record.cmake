@@ -8,7 +8,10 @@ add_custom_command(OUTPUT ${nvrec_record_clips}/made
 add_custom_target(nvrec_record_clips DEPENDS ${nvrec_record_clips}/made)
 
 nvrhal_test(nvrec_record_pieces_test
+  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_run.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_record_files.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_record_pieces_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_record_retry_test.cpp
   LIBS nvrec_pieces LABEL board TIMEOUT 60)
 target_compile_definitions(nvrec_record_pieces_test PRIVATE NVREC_CLIPS="${nvrec_record_clips}")
 add_dependencies(nvrec_record_pieces_test nvrec_record_clips)
