@@ -271,6 +271,17 @@ TEST_F(NvrecPlay, CommandLinesThatMakeNoSenseAreRefused)
     EXPECT_NE(errors_.find("unknown verb"), std::string::npos) << errors_;
     EXPECT_EQ(play({"--do", "pause"}), 2);
     EXPECT_EQ(play({"--do", "1:seek"}), 2);
+    for (const char *item :
+         {"1:speed 3", "1:speed 0", "1:speed -1", "1:seek -1", "1:seek 1e300", "1:skip -1e300", "1e300:play",
+          "1:enlarge -1", "1:enlarge 2", "1:enlarge 0.5", "1:hear -2", "1:hear 2", "1:page 0", "1:page 2",
+          "1:snapshot 16", "1:zoom 0 0 0 1 1", "1:zoom 0 -1 0 32 32", "1:zoom 0 1e300 0 32 32"}) {
+        EXPECT_EQ(play({"--do", item}), 2) << item;
+        EXPECT_NE(errors_.find(std::string("--do: \"") + item), std::string::npos) << errors_;
+    }
+    for (const char *seconds : {"1e300", "inf", "nan", "-1"}) {
+        EXPECT_EQ(play({"-d", seconds}), 2) << seconds;
+        EXPECT_EQ(play({"--seek", seconds}), 2) << seconds;
+    }
     EXPECT_EQ(play({"--zoom", "1,2,3"}), 2);
     EXPECT_EQ(play({}, std::vector<std::string>(17, kFiles[0])), 2);
 }

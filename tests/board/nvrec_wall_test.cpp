@@ -175,6 +175,16 @@ TEST_F(NvrecWall, CommandLinesThatMakeNoSenseAreRefused)
     EXPECT_NE(errors_.find("17 inputs"), std::string::npos) << errors_;
 }
 
+TEST_F(NvrecWall, APictureWithoutATimeBehindItsCommaIsRefused)
+{
+    for (const char *when : {"", "abc", "-1", "1s", "nan", "1e300"}) {
+        EXPECT_EQ(wall({"-p", scratch_.file("x.png,") + when, clip("colour0.h264")}), 2) << when;
+        EXPECT_NE(errors_.find("behind the comma"), std::string::npos) << errors_;
+    }
+    EXPECT_EQ(wall({"-p", scratch_.file("front, left.png"), "--as-fast-as-can", clip("colour0.h264")}), 0);
+    expect_pane_shows(read_picture(scratch_.file("front, left.png")), {0, 0, 1920, 1080}, 0);
+}
+
 TEST_F(NvrecWall, NothingToShowIsAnError)
 {
     EXPECT_EQ(wall({clip("absent.mp4"), clip("empty.h264")}), 3);

@@ -26,37 +26,51 @@ struct PlayCommand {
     std::string snapshot_dir = "out";
 };
 
+/* Of a part of a picture, either way. */
+constexpr int kFewestPixels = 2;
+constexpr int kMostPixels = 65535;
+
 int whole(double number)
 {
     return static_cast<int>(number);
 }
 
 /* The verbs of --do. */
-void teach(Script &script, Player &player, Zoom &zoom, Snapshots &snapshots)
+void teach(Script &script, int files, Player &player, Zoom &zoom, Snapshots &snapshots)
 {
     using Arguments = Script::Arguments;
-    script.offer("play", 0, 0, [&](const Arguments &) { player.play(); });
-    script.offer("pause", 0, 0, [&](const Arguments &) { player.pause(true); });
-    script.offer("resume", 0, 0, [&](const Arguments &) { player.pause(false); });
-    script.offer("seek", 1, 1, [&](const Arguments &to) { player.seek(to[0]); });
-    script.offer("skip", 1, 1, [&](const Arguments &by) { player.skip(by[0]); });
-    script.offer("speed", 1, 1, [&](const Arguments &times) { player.set_speed(times[0]); });
-    script.offer("enlarge", 1, 1, [&](const Arguments &file) { player.enlarge(whole(file[0])); });
-    script.offer("back", 0, 0, [&](const Arguments &) { player.enlarge(-1); });
-    script.offer("page", 1, 1, [&](const Arguments &page) { player.turn_to_page(whole(page[0]) - 1); });
-    script.offer("hear", 1, 1, [&](const Arguments &file) { player.hear(whole(file[0])); });
-    script.offer("live", 0, 0, [&](const Arguments &) { player.live(); });
-    script.offer("snapshot", 1, 1, [&](const Arguments &channel) {
-        const int code = snapshots.take(whole(channel[0]));
+    const auto second = Script::number("a second from 0 on", 0, kLongest_s);
+    const auto seconds = Script::number("seconds", -kLongest_s, kLongest_s);
+    const Script::Kind speed = {"1, 2 or 4", [](double times) { return Player::is_speed(times); }};
+    const auto file = Script::whole_number("a file", 0, files - 1);
+    const auto heard = Script::whole_number("a file", -1, files - 1);
+    const auto page = Script::whole_number("a page", 1, Player::pages_of(files));
+    const auto channel = Script::whole_number("a channel", 0, static_cast<int>(kMostInputs) - 1);
+    const auto place = Script::whole_number("x and y", 0, kMostPixels);
+    const auto size = Script::whole_number("w and h", kFewestPixels, kMostPixels);
+
+    script.offer("play", {}, [&](const Arguments &) { player.play(); });
+    script.offer("pause", {}, [&](const Arguments &) { player.pause(true); });
+    script.offer("resume", {}, [&](const Arguments &) { player.pause(false); });
+    script.offer("seek", {second}, [&](const Arguments &to) { player.seek(to[0]); });
+    script.offer("skip", {seconds}, [&](const Arguments &by) { player.skip(by[0]); });
+    script.offer("speed", {speed}, [&](const Arguments &times) { player.set_speed(times[0]); });
+    script.offer("enlarge", {file}, [&](const Arguments &which) { player.enlarge(whole(which[0])); });
+    script.offer("back", {}, [&](const Arguments &) { player.enlarge(-1); });
+    script.offer("page", {page}, [&](const Arguments &which) { player.turn_to_page(whole(which[0]) - 1); });
+    script.offer("hear", {heard}, [&](const Arguments &which) { player.hear(whole(which[0])); });
+    script.offer("live", {}, [&](const Arguments &) { player.live(); });
+    script.offer("snapshot", {channel}, [&](const Arguments &which) {
+        const int code = snapshots.take(whole(which[0]));
         if (code != kExitDone) player.fail(code, {});
     });
-    script.offer("zoom", 5, 5, [&](const Arguments &part) {
+    script.offer("zoom", {channel, place, place, size, size}, [&](const Arguments &part) {
         const std::string problem = zoom.begin(
             whole(part[0]), ZoomRect{whole(part[1]), whole(part[2]), whole(part[3]), whole(part[4])});
         if (!problem.empty()) player.fail(kExitUsage, "zoom: " + problem);
     });
-    script.offer("unzoom", 0, 0, [&](const Arguments &) { zoom.end(); });
-    script.offer("end", 0, 0, [&](const Arguments &) { player.end(); });
+    script.offer("unzoom", {}, [&](const Arguments &) { zoom.end(); });
+    script.offer("end", {}, [&](const Arguments &) { player.end(); });
 }
 
 int run_play(PlayCommand command)
@@ -76,7 +90,7 @@ int run_play(PlayCommand command)
     auto zoom = std::make_unique<Zoom>(
         command.zoom, [files = player.get()](int channel) { return files->picture_size(channel); });
     auto snapshots = std::make_unique<Snapshots>(command.snapshot_dir);
-    teach(*script, *player, *zoom, *snapshots);
+    teach(*script, static_cast<int>(command.player.files.size()), *player, *zoom, *snapshots);
     const std::string problem = script->parse(command.script);
     if (!problem.empty()) {
         std::fprintf(stderr, "nvrec: --do: %s\n", problem.c_str());

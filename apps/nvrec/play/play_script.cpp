@@ -2,14 +2,31 @@
 #include "play/play_script.h"
 
 #include <algorithm>
+#include <cmath>
 #include <sstream>
+#include <utility>
+
+#include "wall/command.h"
 
 namespace nvrec
 {
 
-void Script::offer(const std::string &verb, size_t least, size_t most, Deed deed)
+Script::Kind Script::number(const std::string &name, double least, double most)
 {
-    verbs_[verb] = {least, most, std::move(deed)};
+    return {name, [least, most](double value) { return value >= least && value <= most; }};
+}
+
+Script::Kind Script::whole_number(const std::string &name, int least, int most)
+{
+    const std::string range = " from " + std::to_string(least) + " to " + std::to_string(most);
+    return {name + range, [least, most](double value) {
+                return value >= least && value <= most && std::trunc(value) == value;
+            }};
+}
+
+void Script::offer(const std::string &verb, std::vector<Kind> arguments, Deed deed)
+{
+    verbs_[verb] = {std::move(arguments), std::move(deed)};
 }
 
 std::string Script::parse(const std::string &text)
@@ -29,7 +46,8 @@ std::string Script::parse_item(const std::string &text)
     std::istringstream words(text);
     Item item = {};
     char colon = 0;
-    if (!(words >> item.at_s >> colon >> item.verb) || colon != ':' || !(item.at_s >= 0))
+    if (!(words >> item.at_s >> colon >> item.verb) || colon != ':' || !(item.at_s >= 0) ||
+        item.at_s > kLongest_s)
         return "not SECONDS:VERB";
     const auto verb = verbs_.find(item.verb);
     if (verb == verbs_.end()) {
@@ -41,12 +59,19 @@ std::string Script::parse_item(const std::string &text)
     for (double number = 0; words >> number;)
         item.arguments.push_back(number);
     if (!words.eof()) return "arguments are numbers";
-    const size_t count = item.arguments.size();
-    if (count < verb->second.least || count > verb->second.most)
-        return item.verb + " takes " + std::to_string(verb->second.least) +
-               (verb->second.least == verb->second.most ? "" : " to " + std::to_string(verb->second.most)) +
-               " arguments";
+    const std::string problem = complaint_about(item, verb->second.arguments);
+    if (!problem.empty()) return problem;
     items_.push_back(std::move(item));
+    return {};
+}
+
+std::string Script::complaint_about(const Item &item, const std::vector<Kind> &kinds)
+{
+    if (item.arguments.size() != kinds.size())
+        return item.verb + " takes " + std::to_string(kinds.size()) + " arguments";
+    for (size_t i = 0; i < kinds.size(); ++i) {
+        if (!kinds[i].fits(item.arguments[i])) return item.verb + " takes " + kinds[i].name;
+    }
     return {};
 }
 

@@ -26,8 +26,18 @@ public:
     using Arguments = std::vector<double>;
     using Deed = std::function<void(const Arguments &)>;
 
-    /** Know a verb, with so many arguments at least and at most. Before parse(). */
-    void offer(const std::string &verb, size_t least, size_t most, Deed deed);
+    /** What may stand in the place of an argument. */
+    struct Kind {
+        std::string name; /* as a complaint says it */
+        std::function<bool(double)> fits;
+    };
+
+    /** Numbers from `least` to `most`, and whole ones only. */
+    static Kind number(const std::string &name, double least, double most);
+    static Kind whole_number(const std::string &name, int least, int most);
+
+    /** Know a verb and its arguments. Before parse(). */
+    void offer(const std::string &verb, std::vector<Kind> arguments, Deed deed);
 
     /** Take items up. @return empty, or what is wrong with them. */
     std::string parse(const std::string &text);
@@ -43,7 +53,7 @@ public:
 
 private:
     struct Verb {
-        size_t least, most;
+        std::vector<Kind> arguments;
         Deed deed;
     };
     struct Item {
@@ -52,6 +62,7 @@ private:
         Arguments arguments;
     };
     std::string parse_item(const std::string &text);
+    static std::string complaint_about(const Item &item, const std::vector<Kind> &kinds);
 
     std::map<std::string, Verb> verbs_;
     std::vector<Item> items_; /* by time             */

@@ -75,10 +75,19 @@ Companion::Clock::time_point Player::take_turn(Clock::time_point /*now*/)
     return Clock::time_point::max();
 }
 
+int Player::pages_of(int files)
+{
+    return (files + Playback::kPlayers - 1) / Playback::kPlayers;
+}
+
+bool Player::is_speed(double times)
+{
+    return std::find(std::begin(kSpeeds), std::end(kSpeeds), times) != std::end(kSpeeds);
+}
+
 int Player::pages() const
 {
-    const int files = static_cast<int>(options_.files.size());
-    return (files + Playback::kPlayers - 1) / Playback::kPlayers;
+    return pages_of(static_cast<int>(options_.files.size()));
 }
 
 std::vector<size_t> Player::lanes_of(int page) const

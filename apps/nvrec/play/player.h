@@ -70,6 +70,10 @@ public:
     /** Something beside went wrong: how nvrec is to end. */
     void fail(int exit_code, const std::string &line);
 
+    /** How many pages so many files make, and whether they can be played at that speed. */
+    static int pages_of(int files);
+    static bool is_speed(double times);
+
     bool playing() const { return playing_; }
     /** Width and height of the file that plays on a channel; zeros = none does. */
     std::pair<uint32_t, uint32_t> picture_size(int channel) const;

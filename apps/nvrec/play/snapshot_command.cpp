@@ -7,6 +7,7 @@
 #include "play/player.h"
 #include "play/snapshot.h"
 #include "wall/command.h"
+#include "wall/pictures.h"
 #include "wall/screen_options.h"
 
 namespace nvrec
@@ -126,7 +127,8 @@ Command snapshot_command(CLI::App &app)
         ->capture_default_str();
     snapshot->add_option("-p,--picture", command->wall.pictures, "Write a PNG picture of the wall too: FILE")
         ->take_all()
-        ->allow_extra_args(false);
+        ->allow_extra_args(false)
+        ->check(picture_problem);
     snapshot->add_option("--log", command->wall.log_path, "Where the library's log goes; - = standard output")
         ->capture_default_str();
 

@@ -23,7 +23,10 @@ struct Command {
     std::function<int()> run;
 };
 
-/** A number of 0 or more; infinity and "nan" are none. */
+/** Seconds that a user may ask for: what the clocks can count. */
+constexpr double kLongest_s = 1e9;
+
+/** A number from 0 to kLongest_s. */
 CLI::Validator from_zero_on();
 
 Command wall_command(CLI::App &app);

@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "vboard.h"
+#include "wall/command.h"
 
 namespace nvrec
 {
@@ -19,9 +20,18 @@ PictureOrder picture_order(const std::string &text)
         const char *begin = text.data() + comma + 1;
         const char *end = text.data() + text.size();
         const auto [stop, error] = std::from_chars(begin, end, seconds);
-        if (error == std::errc() && stop == end && seconds >= 0) return {text.substr(0, comma), seconds};
+        if (error == std::errc() && stop == end && seconds >= 0 && seconds <= kLongest_s)
+            return {text.substr(0, comma), seconds};
     }
     return {text, std::nullopt};
+}
+
+std::string picture_problem(const std::string &text)
+{
+    const size_t comma = text.rfind(',');
+    if (comma == std::string::npos || picture_order(text).at_s) return {};
+    if (!text.substr(0, comma).ends_with(".png")) return {};
+    return "no number of seconds, 0 or more, behind the comma: " + text;
 }
 
 std::string take_picture(const std::string &path)

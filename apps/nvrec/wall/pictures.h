@@ -17,6 +17,9 @@ struct PictureOrder {
 /** "FILE" or "FILE,SECONDS". */
 PictureOrder picture_order(const std::string &text);
 
+/** What is wrong with such a text: "x.png,soon" was hardly meant as a file's name. Empty = nothing. */
+std::string picture_problem(const std::string &text);
+
 /**
  * Write what the monitor shows. Missing directories are made.
  * @return an empty text, or why there is no picture.

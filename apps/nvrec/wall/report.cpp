@@ -1,30 +1,13 @@
 /* report.cpp - see report.h. */
 #include "wall/report.h"
 
-#include <cstdarg>
-#include <cstdio>
 #include <fstream>
 
 #include "vboard.h"
+#include "wall/text.h"
 
 namespace nvrec
 {
-namespace
-{
-
-__attribute__((format(printf, 1, 2))) std::string text(const char *format, ...)
-{
-    char line[512];
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(line, sizeof line, format, arguments);
-    va_end(arguments);
-    return line;
-}
-
-using Count = unsigned long long; /* what %llu prints */
-
-} // namespace
 
 std::string json_string(const std::string &value)
 {

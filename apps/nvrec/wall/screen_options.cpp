@@ -1,11 +1,11 @@
 /* screen_options.cpp - see screen_options.h. */
 #include "wall/screen_options.h"
 
-#include <cmath>
 #include <cstdio>
 #include <map>
 
 #include "wall/command.h"
+#include "wall/pictures.h"
 
 namespace nvrec
 {
@@ -25,8 +25,8 @@ CLI::Validator from_zero_on()
     return CLI::Validator(
         [](const std::string &text) -> std::string {
             double value = 0;
-            if (CLI::detail::lexical_cast(text, value) && std::isfinite(value) && value >= 0) return {};
-            return text + " is not a number of 0 or more";
+            if (CLI::detail::lexical_cast(text, value) && value >= 0 && value <= kLongest_s) return {};
+            return text + " is not a number of 0 or more, or far too large";
         },
         "NUMBER>=0");
 }
@@ -40,7 +40,8 @@ void add_screen_options(CLI::App &command, WallOptions &options)
         .add_option("-p,--picture", options.pictures,
                     "Write a PNG picture of the wall: FILE (at the end) or FILE,SECONDS; may be repeated")
         ->take_all()
-        ->allow_extra_args(false);
+        ->allow_extra_args(false)
+        ->check(picture_problem);
     command
         .add_option("-d,--duration", options.duration_s, "End after so many seconds; 0 = when the inputs end")
         ->check(from_zero_on())
