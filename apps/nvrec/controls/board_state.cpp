@@ -3,15 +3,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdarg>
 #include <cstdint>
-#include <cstdio>
 
 #include "nvrhal.h"
 #include "vboard.h"
 #include "vboard_devices.h"
 #include "wall/companion.h"
 #include "wall/session.h"
+#include "wall/text.h"
 
 namespace nvrec
 {
@@ -29,18 +28,6 @@ struct LineName {
 constexpr LineName kLines[] = {
     {25, "25 Wi-Fi power"}, {26, "26 Wi-Fi reset"}, {28, "28 buzzer"}, {34, "34 record"}, {90, "90 disk LED"},
 };
-
-__attribute__((format(printf, 1, 2))) std::string text(const char *format, ...)
-{
-    char line[256];
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(line, sizeof line, format, arguments);
-    va_end(arguments);
-    return line;
-}
-
-using Count = unsigned long long; /* what %llu prints */
 
 std::string level_text(uint32_t line)
 {
