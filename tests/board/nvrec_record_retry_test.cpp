@@ -131,6 +131,17 @@ TEST_F(NvrecRecordRetry, ADirectoryThatComesBackIsWrittenToTenSecondsLater)
     EXPECT_EQ(picture_checksums(files[0]).size(), 2u * kFramesPerKey);
 }
 
+TEST_F(NvrecRecordRetry, NothingIsLeftOfAFileThatCouldNotBeBegun)
+{
+    std::filesystem::create_directories(directory_);
+    limit_files(0);
+    begin();
+    put_group();
+    wait_for_complaint();
+    EXPECT_TRUE(finish().files.empty());
+    EXPECT_TRUE(std::filesystem::is_empty(directory_));
+}
+
 TEST_F(NvrecRecordRetry, AFullDiskIsSaidOnceAndTriedAgain)
 {
     std::filesystem::create_directories(directory_);

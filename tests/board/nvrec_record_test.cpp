@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -267,6 +268,20 @@ TEST_F(NvrecRecord, ADirectoryThatCannotBeMadeLeavesTheWallRunning)
     EXPECT_EQ(process.wait(), 5);
     EXPECT_NE(process.errors.find("nothing is recorded: /proc/none"), std::string::npos) << process.errors;
     EXPECT_EQ(reported(file_text(scratch_.file("report.json")), 0, "sent"), kClipFrames);
+}
+
+TEST_F(NvrecRecord, ADirectoryThatComesLateIsRecordedTo)
+{
+    std::ofstream(files()) << "a file is in its place";
+    Process process(
+        command({"--loop", "-d", "13", "-p", scratch_.file("first.png,1")}, {clip("camera0.mp4")}));
+    ASSERT_TRUE(scratch_.wait_for("first.png"));
+    std::filesystem::remove(files());
+    std::filesystem::create_directory(files());
+    EXPECT_EQ(process.wait(), 5) << process.errors;
+    EXPECT_NE(process.errors.find("nothing is recorded: " + files()), std::string::npos) << process.errors;
+    ASSERT_EQ(files_of_channel(0).size(), 1u) << process.errors;
+    EXPECT_FALSE(picture_checksums(files_of_channel(0)[0]).empty());
 }
 
 TEST_F(NvrecRecord, AFileThatCannotBeWrittenAnyMoreLeavesTheWallRunning)

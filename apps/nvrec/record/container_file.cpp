@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 
 extern "C" {
@@ -110,11 +111,17 @@ bool ContainerFile::open(const std::string &path, Container container, const Tra
     for (const Setting &setting : row.settings)
         av_dict_set(&settings, setting.name, setting.value, 0);
     code = avio_open(&format_->pb, path.c_str(), AVIO_FLAG_WRITE);
-    if (code >= 0) code = avformat_write_header(format_, &settings);
+    const bool made = code >= 0;
+    if (made) code = avformat_write_header(format_, &settings);
+    if (code >= 0) {
+        avio_flush(format_->pb); /* some containers keep their header for later */
+        code = format_->pb->error;
+    }
     av_dict_free(&settings);
     if (code >= 0) return true;
     fail(code);
     discard();
+    if (made) std::remove(path.c_str()); /* a full disk would fill with empty files, try after try */
     return false;
 }
 

@@ -15,7 +15,7 @@ Recorder::Recorder(RecorderOptions options) : options_(std::move(options)) {}
 bool Recorder::start(WallControl &wall)
 {
     wall_ = &wall;
-    if (!make_directory()) return true; /* the wall shows what it can */
+    make_directory();
     for (size_t channel = 0; channel < wall.cameras().size(); ++channel)
         main_.push_back(make_recording(static_cast<int>(channel), PoolStream::kMain));
     for (const auto &recording : main_)
@@ -26,13 +26,14 @@ bool Recorder::start(WallControl &wall)
     return true;
 }
 
-bool Recorder::make_directory()
+/* Without one the files fail, and are tried again: it may only be late, as a disk can be. */
+void Recorder::make_directory()
 {
     std::error_code error;
     std::filesystem::create_directories(options_.record.directory, error);
-    if (!error) return true;
+    if (!error) return;
+    directory_failed_ = true;
     wall_->terminal().complain("nothing is recorded: " + options_.record.directory + ": " + error.message());
-    return false;
 }
 
 std::unique_ptr<Recording> Recorder::make_recording(int channel, PoolStream stream)
@@ -93,7 +94,7 @@ void Recorder::stop()
         stream.feeder->ask_to_stop();
     for (const NetworkStream &stream : network_)
         stream.feeder->join();
-    bool failed = main_.empty();
+    bool failed = directory_failed_;
     for (const auto &recording : main_) {
         recording->finish();
         failed |= recording->failed();

@@ -45,14 +45,15 @@ public:
     std::string json() const override;
 
 private:
-    bool make_directory();
+    void make_directory();
     std::vector<RecordingReport> rows() const;
     std::unique_ptr<Recording> make_recording(int channel, PoolStream stream);
     void start_network(int channel, const std::string &address);
 
     const RecorderOptions options_;
     WallControl *wall_ = nullptr;
-    std::vector<std::unique_ptr<Recording>> main_; /* by channel; empty when nothing can be recorded */
+    bool directory_failed_ = false;
+    std::vector<std::unique_ptr<Recording>> main_; /* by channel */
     struct NetworkStream {
         std::unique_ptr<Recording> recording;
         std::unique_ptr<Feeder> feeder;
