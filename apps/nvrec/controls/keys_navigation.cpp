@@ -105,19 +105,11 @@ bool Navigation::on_key(Key key)
     }
 }
 
-int Navigation::pane_at(int x, int y) const
-{
-    for (const DispAttrib &pane : wall_->session().panes()) {
-        if (x >= pane.x && x < pane.x + pane.w && y >= pane.y && y < pane.y + pane.h) return pane.channel;
-    }
-    return -1;
-}
-
 bool Navigation::on_pointer(const PointerEvent &event)
 {
     if (event.pressed & MOUSE_BUTTON_RIGHT) wall_->enlarge(-1);
     if (!(event.pressed & MOUSE_BUTTON_LEFT)) return event.pressed != 0;
-    const int channel = pane_at(event.x, event.y);
+    const int channel = channel_at(wall_->session().panes(), event.x, event.y);
     const Clock::time_point now = Clock::now();
     const bool second = channel >= 0 && channel == clicked_ && now - clicked_at_ <= kDoubleClick;
     clicked_ = second ? -1 : channel;

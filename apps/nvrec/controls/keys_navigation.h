@@ -27,7 +27,6 @@ private:
     bool choose(int channel);
     bool move(int dx, int dy);
     bool next_layout();
-    int pane_at(int x, int y) const;
 
     WallControl *wall_ = nullptr;
     int clicked_ = -1; /* the channel of the last click, for the second one */
