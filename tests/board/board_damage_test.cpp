@@ -2,9 +2,6 @@
  * board_damage_test.cpp - what bad data does to a decoder channel: nothing to the board, nothing to
  * the other channels, and the damaged channel shows good pictures again from its next key frame on.
  */
-#include <algorithm>
-#include <random>
-
 #include "board_rig.h"
 
 using namespace rig;
@@ -34,23 +31,6 @@ protected:
 Bytes halved(const Bytes &frame)
 {
     return Bytes(frame.begin(), frame.begin() + static_cast<ptrdiff_t>(frame.size() / 2));
-}
-
-Bytes noise(size_t size, uint32_t seed)
-{
-    std::mt19937 generator(seed);
-    Bytes bytes(size);
-    for (uint8_t &byte : bytes)
-        byte = static_cast<uint8_t>(generator());
-    return bytes;
-}
-
-Bytes with_flipped_bits(Bytes frame, uint32_t seed, int flips)
-{
-    std::mt19937 generator(seed);
-    for (int i = 0; i < flips; ++i)
-        frame[generator() % frame.size()] ^= static_cast<uint8_t>(1u << generator() % 8);
-    return frame;
 }
 
 // Whatever happened before: from a key frame on the pane equals the reference again.

@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 #include <iterator>
+#include <random>
 
 #include "host/scaler.h"
 
@@ -78,6 +79,23 @@ Stream load_stream(const std::string &name)
     EXPECT_EQ(at, all.size()) << path;
     EXPECT_FALSE(stream.frames.empty()) << path;
     return stream;
+}
+
+Bytes noise(size_t size, uint32_t seed)
+{
+    std::mt19937 generator(seed);
+    Bytes bytes(size);
+    for (uint8_t &byte : bytes)
+        byte = static_cast<uint8_t>(generator());
+    return bytes;
+}
+
+Bytes with_flipped_bits(Bytes frame, uint32_t seed, int flips)
+{
+    std::mt19937 generator(seed);
+    for (int i = 0; i < flips; ++i)
+        frame[generator() % frame.size()] ^= static_cast<uint8_t>(1u << generator() % 8);
+    return frame;
 }
 
 const uint8_t *Picture::chroma(int plane) const

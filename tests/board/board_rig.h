@@ -37,6 +37,10 @@ struct Stream {
 };
 Stream load_stream(const std::string &name);
 
+/* Bad data: random bytes, and a frame with random bits of it turned over. */
+Bytes noise(size_t size, uint32_t seed);
+Bytes with_flipped_bits(Bytes frame, uint32_t seed, int flips);
+
 /* An I420 picture without padding. */
 struct Picture {
     int width = 0, height = 0;

@@ -4,37 +4,21 @@
  */
 #include <algorithm>
 #include <cstring>
-#include <random>
 
 #include "wall_session.h"
 
 using namespace wall;
 using rig::Bytes;
 using rig::look;
+using rig::noise;
 using rig::Picture;
+using rig::with_flipped_bits;
 
 namespace
 {
 
 constexpr uint32_t kCameras = 16;
 constexpr size_t kDamaged = 3, kNextKey = 10; // frames
-
-Bytes noise(size_t size, uint32_t seed)
-{
-    std::mt19937 generator(seed);
-    Bytes bytes(size);
-    for (uint8_t &byte : bytes)
-        byte = static_cast<uint8_t>(generator());
-    return bytes;
-}
-
-Bytes with_flipped_bits(Bytes frame, uint32_t seed, int flips)
-{
-    std::mt19937 generator(seed);
-    for (int i = 0; i < flips; ++i)
-        frame[generator() % frame.size()] ^= static_cast<uint8_t>(1u << generator() % 8);
-    return frame;
-}
 
 Bytes first_part(const Bytes &frame, size_t size)
 {
