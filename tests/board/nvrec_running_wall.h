@@ -70,7 +70,7 @@ public:
             const std::scoped_lock guard(lock_);
             end_asked_ = true;
         }
-        wall_->ring();
+        if (wall_) wall_->ring(); /* none = it did not come up */
     }
 
 private:
