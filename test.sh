@@ -2,8 +2,8 @@
 # Build and test everything, from a bare Debian 12.
 #
 #   ./test.sh          optimised build, every test, the seam checks
-#   ./test.sh --all    and: address, undefined-behaviour and thread sanitizers, 32-bit ARM under an
-#                      emulator, house format, static analysis
+#   ./test.sh --all    and: address, undefined-behaviour and thread sanitizers, 32-bit on this PC and
+#                      on ARM under an emulator, house format, static analysis
 #
 # Every leg runs even when one before it failed; the last line sums all tests up, and the exit
 # status is 0 only when every leg passed.
@@ -106,6 +106,8 @@ tsan_leg() {
     build tsan && run_tests tsan $prefix env "TSAN_OPTIONS=$options"
 }
 
+m32_leg() { build m32 && run_tests m32; }
+
 armhf_leg() { build armhf && run_tests armhf; }
 
 format_leg() {
@@ -128,6 +130,7 @@ leg "seams" tools/check_seams.sh build/dev
 if [ $all = yes ]; then
     leg "asan: build and tests" asan_leg
     leg "tsan: build and tests" tsan_leg
+    leg "m32: build and tests" m32_leg
     leg "armhf: build and tests" armhf_leg
     leg "format" format_leg
     leg "lint" lint_leg
