@@ -16,12 +16,10 @@
 #include "controls/key_names.h"
 #include "controls/keys.h"
 #include "controls/keys_navigation.h"
+#include "nvrec_stand_in_wall.h"
 #include "nvrhal.h"
 #include "vboard.h"
 #include "vboard_devices.h"
-#include "wall/report.h"
-#include "wall/session.h"
-#include "wall/terminal.h"
 
 namespace
 {
@@ -33,31 +31,11 @@ constexpr uint32_t kBuzzer = 28;
 constexpr int32_t kPatience_ms = 20000;
 constexpr int64_t kSecond_us = 1000000;
 
-/* A wall without a screen: it takes down what it is asked for, and can be waited for. */
-class FakeWall final : public WallControl
+/* A wall without a screen, whose rings can be waited for. */
+class FakeWall final : public nvrec_test::StandInWall
 {
 public:
-    explicit FakeWall(int cameras)
-    {
-        for (int channel = 0; channel < cameras; ++channel)
-            cameras_.push_back(std::make_unique<Feeder>(channel, "none", FeedOptions()));
-    }
-
-    Session &session() override { return session_; }
-    Terminal &terminal() override { return terminal_; }
-    Reporter &reporter() override { return reporter_; }
-    const std::vector<std::unique_ptr<Feeder>> &cameras() const override { return cameras_; }
-    void show_layout(Layout layout) override { layout_ = layout; }
-    Layout layout() const override { return layout_; }
-    void enlarge(int channel) override { enlarged_ = channel; }
-    int enlarged() const override { return enlarged_; }
-    void select(int channel) override { selected_ = channel; }
-    int selected() const override { return selected_; }
-    void key(Key key) override { keys.push_back(key); }
-    void pointer(const PointerEvent &event) override { pointers.push_back(event); }
-    void set_recording(bool on) override { recording_ = on; }
-    bool recording() const override { return recording_; }
-    void end(int) override {}
+    using StandInWall::StandInWall;
 
     void ring() override
     {
@@ -78,18 +56,7 @@ public:
         }
     }
 
-    std::vector<Key> keys;
-    std::vector<PointerEvent> pointers;
-
 private:
-    Terminal terminal_;
-    Session session_;
-    std::vector<std::unique_ptr<Feeder>> cameras_;
-    Reporter reporter_{cameras_};
-    Layout layout_ = Layout::kGrid2;
-    int enlarged_ = -1;
-    int selected_ = 0;
-    bool recording_ = false;
     std::mutex lock_;
     std::condition_variable rung_;
     int rings_ = 0;

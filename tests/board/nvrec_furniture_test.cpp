@@ -12,11 +12,9 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
+#include "nvrec_stand_in_wall.h"
 #include "nvrhal.h"
 #include "screen/furniture.h"
-#include "wall/report.h"
-#include "wall/session.h"
-#include "wall/terminal.h"
 
 using namespace nvrec;
 
@@ -26,56 +24,35 @@ namespace
 constexpr int kCameras = 4;
 constexpr auto kSomeTime = std::chrono::seconds(1790000000); /* whole seconds of the epoch */
 
-class NotingWall final : public WallControl
+/* A wall whose layouts are on the board's screen. */
+class NotingWall final : public nvrec_test::StandInWall
 {
 public:
-    Session &session() override { return session_; }
-    Terminal &terminal() override { return terminal_; }
-    Reporter &reporter() override { return reporter_; }
-    const std::vector<std::unique_ptr<Feeder>> &cameras() const override { return cameras_; }
     void show_layout(Layout layout) override
     {
-        layout_ = layout;
-        enlarged_ = -1;
+        StandInWall::show_layout(layout);
         lay_out();
     }
-    Layout layout() const override { return layout_; }
     void enlarge(int channel) override
     {
-        enlarged_ = channel;
+        StandInWall::enlarge(channel);
         lay_out();
     }
-    int enlarged() const override { return enlarged_; }
     void select(int channel) override
     {
-        selected_ = channel;
+        StandInWall::select(channel);
         if (companion) companion->on_layout();
     }
-    int selected() const override { return selected_; }
-    void key(Key key) override { keys.push_back(key); }
-    void pointer(const PointerEvent &) override {}
     void ring() override { ++rings; }
-    void end(int exit_code) override { ends.push_back(exit_code); }
 
     void lay_out()
     {
-        ASSERT_TRUE(enlarged_ >= 0 ? session_.apply_single(enlarged_) : session_.apply(layout_));
+        ASSERT_TRUE(enlarged() >= 0 ? session().apply_single(enlarged()) : session().apply(layout()));
         if (companion) companion->on_layout();
     }
 
     Companion *companion = nullptr;
-    std::vector<Key> keys;
-    std::vector<int> ends;
     int rings = 0;
-
-private:
-    Session session_;
-    Terminal terminal_;
-    std::vector<std::unique_ptr<Feeder>> cameras_;
-    Reporter reporter_{cameras_};
-    Layout layout_ = Layout::kGrid2;
-    int enlarged_ = -1;
-    int selected_ = 0;
 };
 
 class NvrecFurniture : public testing::Test
