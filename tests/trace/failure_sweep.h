@@ -114,4 +114,37 @@ inline unsigned fail_every_call(const std::function<void()> &prepare, const std:
     return failures;
 }
 
+/** The same failures with a code above 0, which is a failure as well, must lead the same way. */
+inline void fail_every_call_positively(const std::function<void()> &prepare,
+                                       const std::function<int64_t()> &act)
+{
+    constexpr int32_t kPositive = 0x2A0900EE;
+    const auto run = [&](unsigned failure, int32_t code) {
+        return recording::in_fresh_process([&] {
+            prepare();
+            recording::platform.forget();
+            recording::platform.fail_call(failure, code);
+            return act();
+        });
+    };
+    for (unsigned failure = 1;; ++failure) {
+        recording::Outcome negative = run(failure, kFailure);
+        if (negative.failed_call.empty()) {
+            EXPECT_GT(failure, 1u) << "no call was made";
+            return;
+        }
+        SCOPED_TRACE("failing with a positive code: " + negative.failed_call);
+        recording::Outcome positive = run(failure, kPositive);
+        if (negative.result == kFailure) negative.result = kPositive;
+        for (std::string &line : negative.printed)
+            for (const auto &[from, to] : {std::pair{kFailureText, std::string("2a0900ee")},
+                                           std::pair{std::to_string(kFailure), std::to_string(kPositive)}})
+                if (size_t at = line.find(from); at != std::string::npos) line.replace(at, from.size(), to);
+        EXPECT_TRUE(positive.finished) << positive.death;
+        EXPECT_EQ(positive.result, negative.result);
+        EXPECT_EQ(positive.calls, negative.calls);
+        EXPECT_EQ(positive.printed, negative.printed);
+    }
+}
+
 } // namespace sweep

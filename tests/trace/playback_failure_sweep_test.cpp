@@ -92,4 +92,11 @@ TEST(FailureSweep, DoubleRateVideoBuffer)
     EXPECT_EQ(sweep::fail_every_call(prepare_decoders, act, expect), 4u);
 }
 
+TEST(FailureSweep, PlaybackTakesPositiveCodesForFailuresToo)
+{
+    sweep::fail_every_call_positively(prepare_decoders, [] { return ext_playback_start(0, 0); });
+    sweep::fail_every_call_positively(prepare_decoders, [] { return ext_playback_exit(); });
+    sweep::fail_every_call_positively(prepare_decoders, [] { return ext_signal_spilt_exit(1); });
+}
+
 } // namespace

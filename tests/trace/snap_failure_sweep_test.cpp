@@ -111,6 +111,12 @@ TEST(FailureSweep, SnapshotDuringPlayback)
     EXPECT_EQ(failures, kRebuildCalls + kBuildCalls + kFetchCalls - 1 + kTakeDown.size() + 1);
 }
 
+TEST(FailureSweep, SnapshotTakesPositiveCodesForFailuresToo)
+{
+    sweep::fail_every_call_positively(prepare_live, take_snapshot);
+    sweep::fail_every_call_positively(prepare_playback, take_snapshot);
+}
+
 TEST(FailureSweep, BuildingThePipeline)
 {
     auto act = []() -> int64_t {

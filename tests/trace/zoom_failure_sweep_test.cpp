@@ -62,4 +62,14 @@ TEST(FailureSweep, PictureInPicture)
     EXPECT_EQ(sweep::fail_every_call([] {}, [] { return local_unbind_pip(0); }, expect), 2u);
 }
 
+TEST(FailureSweep, ZoomTakesPositiveCodesForFailuresToo)
+{
+    DispAttrib panes[] = {pane(0, 0, 0, 64, 64), pane(1, 64, 0, 64, 64)};
+    sweep::fail_every_call_positively(prepare_cameras, [] { return ext_vidoe_image_zoom(0, 0, 0, 64, 64); });
+    sweep::fail_every_call_positively(prepare_cameras, [&] { return ext_change_zoom_format(panes, 2); });
+    sweep::fail_every_call_positively(prepare_cameras, [&] { return ext_change_zoom_slave(panes, 2); });
+    sweep::fail_every_call_positively([] {}, [] { return local_bind_pip(1, 0, 0, 64, 64); });
+    sweep::fail_every_call_positively([] {}, [] { return local_unbind_pip(1); });
+}
+
 } // namespace
