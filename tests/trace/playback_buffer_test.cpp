@@ -81,9 +81,12 @@ TEST(PlaybackSetBuf, AFlushThatFailsIsSaid)
 {
     std::vector<uint8_t> bytes;
     platform.script("MI_DISP_ClearInputPortBuffer").returns(kRefused);
-    FrameInfo rec = video_of(1, bytes);
-    EXPECT_EQ(deliver(rec), -1);
-    EXPECT_PRINTED("[vdec_venc.c-#] Vo fault to clear buffer errno is 0xa00f0003");
+    platform.script("MI_DISP_ClearInputPortBuffer").nth(2).returns(5); // any code but 0
+    for (const char *code : {"a00f0003", "5"}) {
+        FrameInfo rec = video_of(1, bytes);
+        EXPECT_EQ(deliver(rec), -1);
+        EXPECT_PRINTED("[vdec_venc.c-#] Vo fault to clear buffer errno is 0x" + std::string(code));
+    }
 }
 
 TEST(PlaybackSetBuf, SendsVideoToItsDecoder)
@@ -175,6 +178,17 @@ TEST(PlaybackSetBuf, SaysNothingOfPositiveResults)
         }
     }
     EXPECT_EQ(recording::printed_text(), "");
+}
+
+TEST(PlaybackSetBuf, DoublesTheRateOfARecordReadWithAPositiveResult)
+{
+    std::vector<uint8_t> bytes(5);
+    platform.script("MI_DISP_GetPubAttr").returns(5).fills([](recording::Args &call) {
+        call.record<MI_DISP_PubAttr>(1) = {0x112233, 5, 8, 30};
+    });
+    FrameInfo rec = video_of(0, bytes, 2);
+    EXPECT_EQ(deliver(rec), 0);
+    EXPECT_EQ(platform.count("MI_DISP_SetPubAttr 0 {background 0x112233 interface 5 timing 8 rate 60}"), 1u);
 }
 
 /* Once doubled, the display keeps its rate: no other mode writes it back. */

@@ -101,6 +101,16 @@ TEST_P(SingleSwitch, UsesAnAttemptUpForStatisticsThatCannotBeRead)
     EXPECT_EQ(recording::times_printed("[vdec_venc.c-#] MI_VDEC_GetChnStat errno is 0xa0080005"), 10u);
 }
 
+/* Any code but 0: an empty decoder cannot be concluded from it. */
+TEST_P(SingleSwitch, TakesPositiveCodesForStatisticsThatCannotBeRead)
+{
+    create_decoders(4);
+    platform.script("MI_VDEC_GetChnStat").nth(1).returns(3);
+    EXPECT_EQ(GetParam().call(2), 0);
+    EXPECT_EQ(platform.count("MI_VDEC_GetChnStat 2"), 2u);
+    EXPECT_PRINTED("[vdec_venc.c-#] MI_VDEC_GetChnStat errno is 0x3");
+}
+
 TEST_P(SingleSwitch, ReturnsZeroWhenTheFlushFails)
 {
     create_decoders(4);

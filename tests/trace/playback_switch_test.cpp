@@ -70,6 +70,20 @@ TEST(PlaybackStart, PutsTheAudioControlIntoPlayback)
     EXPECT_EQ(audio_ctrl.zero_5[1], 4u);
 }
 
+/* Live intake and the audio thread see playback before the first port changes hands. */
+TEST(PlaybackStart, OwnsTheDisplayBeforeItTouchesThePorts)
+{
+    start_decoders(1);
+    uint32_t status = 0, audio = 0;
+    platform.script("MI_SYS_UnBindChnPort").once().fills([&](recording::Args &) {
+        status = playback_status;
+        audio = audio_ctrl.mode;
+    });
+    EXPECT_EQ(ext_playback_start(0, 0), 0);
+    EXPECT_EQ(status, 1u);
+    EXPECT_EQ(audio, 2u);
+}
+
 TEST(PlaybackStart, GoesOnWhenAPortWasNotBoundBefore)
 {
     start_decoders(1);
@@ -165,6 +179,27 @@ TEST(PlaybackExit, ResetsTheDecodersAndClearsEveryPortOfTheCurrentDevice)
         MI_DISP_ClearInputPortBuffer###chn=0
         MI_DISP_ClearInputPortBuffer###chn=1
     )");
+}
+
+/* Live intake runs beside it: frames come in before the reset, and hidden channels only behind it. */
+TEST(PlaybackExit, IsLiveBeforeTheDecodersAreResetAndShowsEveryChannelAfterwards)
+{
+    g_vi_chn_num = 1;
+    playback_status = 1;
+    cur_display_chnn = 0x02;
+    uint32_t status_at_reset = 9;
+    int32_t shown_at_reset = 0, shown_at_clear = 0;
+    platform.script("MI_VDEC_StopChn").fills([&](recording::Args &) {
+        status_at_reset = playback_status;
+        shown_at_reset = cur_display_chnn;
+    });
+    platform.script("MI_DISP_ClearInputPortBuffer").fills([&](recording::Args &) {
+        shown_at_clear = cur_display_chnn;
+    });
+    EXPECT_EQ(ext_playback_exit(), 0);
+    EXPECT_EQ(status_at_reset, 0u);
+    EXPECT_EQ(shown_at_reset, 0x02);
+    EXPECT_EQ(shown_at_clear, 255);
 }
 
 TEST(PlaybackStop, GivesTheAudioControlBackToLiveAndStaysInPlayback)
