@@ -43,6 +43,13 @@ TEST(PictureInPicture, HasThePixelFormatOfTheDevice)
     EXPECT_EQ(platform.count("MI_DISP_SetVideoLayerAttr 1 {window 0,0 64x64 size 64x64 format 77}"), 1u);
 }
 
+/* A window has 16-bit coordinates, the layer's size 32-bit ones. */
+TEST(PictureInPicture, CutsItsWindowTo16BitsButNotItsSize)
+{
+    EXPECT_EQ(local_bind_pip(0, 65537, 65538, 70000, 80000), 0);
+    EXPECT_EQ(platform.count("MI_DISP_SetVideoLayerAttr 1 {window 1,2 4464x14464 size 70000x80000 "), 1u);
+}
+
 TEST(PictureInPicture, LeavesTheDeviceItIsToldToLeave)
 {
     EXPECT_EQ(local_unbind_pip(1), 0);

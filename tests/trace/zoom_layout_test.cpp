@@ -68,6 +68,14 @@ TEST(ZoomLayout, OfNoPanesHidesEverything)
     }
 }
 
+TEST(ZoomLayout, HidesThePortOfEveryCamera)
+{
+    g_vi_chn_num = 40; // more than any layout has panes
+    EXPECT_EQ(ext_change_zoom_format(nullptr, 0), 0);
+    EXPECT_EQ(platform.count("MI_DISP_HideInputPort"), 40u);
+    EXPECT_EQ(platform.count("MI_DISP_HideInputPort 0 39"), 1u);
+}
+
 TEST(ZoomLayout, RefusesPanesThatAreNotThere)
 {
     EXPECT_EQ(ext_change_zoom_format(nullptr, 1), -1);

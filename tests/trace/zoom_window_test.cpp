@@ -30,6 +30,9 @@ constexpr Row kRows[] = {
     {1920, 1080, 1920, 1080, {-2, 0, 2, 2}, "8736,0 2x2"},
     // 0x40000000 * 4 wraps to 0.
     {1, 1, 4, 4, {0x40000000, 0x40000001, 1, 20000}, "0,4 4x14464"},
+    // 3000000 * 1920 wraps to 1465032704, a 704th of it 2081012, low 16 bits 49396; the others alike.
+    {704, 576, 1920, 1080, {3000000, 5000000, 7000000, 6000000}, "49396,17914 2058x57906"},
+    {704, 576, 1920, 1080, {-2, -2, 2, 2}, "5952,50968 4x2"},
 };
 
 class ZoomWindow : public testing::TestWithParam<Row>
@@ -97,6 +100,27 @@ TEST(ZoomWindow, IsAskedForTwiceAndFailsWhateverTheSecondGives)
         EXPECT_NE(recording::printed_text().find("]exec function failed\n"), std::string::npos);
         EXPECT_EQ(recording::printed_text().find("exec function pass"), std::string::npos);
     }
+}
+
+/* The text follows what was printed before it on the same line; the code is that of the last call. */
+TEST(ZoomWindow, SaysWhichCodeItFailedWith)
+{
+    const std::string arguments = "(int cropDivp=0, int x=0, int y=0, int w=64, int h=64)";
+    const struct {
+        const char *call;
+        std::string before;
+    } rows[] = {{"MI_VDEC_GetChnAttr", arguments},
+                {"MI_DISP_GetInputPortAttr", arguments},
+                {"MI_DISP_SetZoomInWindow", ")"}};
+    for (const auto &row : rows)
+        for (int32_t code : {-3, 6}) {
+            give_sizes(1920, 1080, 1920, 1080);
+            platform.script(row.call).returns(code);
+            EXPECT_EQ(ext_vidoe_image_zoom(0, 0, 0, 64, 64), 1);
+            EXPECT_PRINTED(row.before + "[ext_vidoe_image_zoom # " + std::to_string(code) +
+                           "]exec function failed");
+            platform.script(row.call).returns(0);
+        }
 }
 
 TEST(ZoomWindow, ForPortsThatDoNotExistIsThePlatformsToRefuse)
