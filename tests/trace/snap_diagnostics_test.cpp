@@ -103,6 +103,12 @@ TEST_F(SavedJpeg, DumpsTheFirst100BytesOfAPack)
     EXPECT_EQ(test_save_jpeg_to_file(&stream), 0);
     EXPECT_EQ(contents().size(), 250u);
     EXPECT_EQ(bytes_dumped(), 100u);
+    std::string line, dump;
+    for (int i = 0; i < 10; ++i)
+        line += "pu8Addr_data[78] ";
+    for (int i = 0; i < 10; ++i)
+        dump += line + "\n";
+    EXPECT_NE(recording::printed_text().find("success\n" + dump), std::string::npos);
 }
 
 TEST_F(SavedJpeg, WritesOverAnExistingFileWithoutShorteningIt)
@@ -115,6 +121,15 @@ TEST_F(SavedJpeg, WritesOverAnExistingFileWithoutShorteningIt)
     stream.pack_count = 1;
     EXPECT_EQ(test_save_jpeg_to_file(&stream), 0);
     EXPECT_EQ(contents(), "abc3456789");
+}
+
+TEST_F(SavedJpeg, IsNamedByTheFullYearOfAClockThatWasNeverSet)
+{
+    platform.set_time_us(0);
+    MI_VENC_Stream stream = {};
+    EXPECT_EQ(test_save_jpeg_to_file(&stream), 0);
+    EXPECT_PRINTED("open ./1970_00_01-05_30_00.jpg success");
+    EXPECT_EQ(unlink("./1970_00_01-05_30_00.jpg"), 0);
 }
 
 TEST_F(SavedJpeg, SaysThatTheFileCannotBeCreated)
@@ -160,6 +175,8 @@ TEST(EncoderThread, IsStartedInRealTimeAndGivenTwoSeconds)
     EXPECT_EQ(snap_refusal::asked_policy, SCHED_RR);
     EXPECT_EQ(snap_refusal::asked_priority, 75);
     EXPECT_TRUE(snap_refusal::asked_explicitly);
+    EXPECT_EQ(snap_refusal::given[0], 1u); // running
+    EXPECT_EQ(snap_refusal::given[1], 3u);
     EXPECT_PRINTED_IN_ORDER(R"(
         EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEsnap.c,venc_start_getstream,#
         ----------priority max=99,min=1-------------- !

@@ -44,12 +44,15 @@ TEST(SnapshotFetch, CopiesThePackWithWhatLiesBeforeItsOffset)
 TEST(SnapshotFetch, NeverReadsMorePacksThanItHasRoomFor)
 {
     std::vector<uint8_t> bytes = {1, 2, 3};
-    deliver(bytes, 0, 1000);
-    FrameInfo frame = {};
-    EXPECT_EQ(venc_snap_process(2, &frame), 0);
-    EXPECT_EQ(frame.length, 3u);
-    EXPECT_EQ(recording::times_printed("jpeg_size=3"), 1u);
-    ext_release_jpeg_buf(&frame);
+    for (uint32_t count : {2u, 1000u}) {
+        platform.forget();
+        deliver(bytes, 0, count);
+        FrameInfo frame = {};
+        EXPECT_EQ(venc_snap_process(2, &frame), 0);
+        EXPECT_EQ(frame.length, 3u);
+        EXPECT_EQ(recording::times_printed("jpeg_size=3"), 1u);
+        ext_release_jpeg_buf(&frame);
+    }
 }
 
 /* A failing encoder may have changed the descriptor: it is prepared anew for every attempt. */
@@ -161,6 +164,8 @@ TEST(SnapshotFetch, FreesTheBufferWhenTheReleaseFailsAndKeepsItsAddress)
     platform.script("MI_VENC_ReleaseStream").returns(kRefused);
     FrameInfo frame = {};
     EXPECT_EQ(venc_snap_process(2, &frame), -1);
+    const void *freed = snap_refusal::last_freed;
+    EXPECT_EQ(frame.data, freed);
     EXPECT_PRINTED_AS_ERROR("snap.c", "MI_VENC_ReleaseStream failed with 0xa0020010!");
     EXPECT_NE(frame.data, nullptr);
     EXPECT_EQ(platform.count("MI_VENC_ResetChn"), 1u);

@@ -3,20 +3,30 @@
 
 #include <cerrno>
 #include <cstddef>
+#include <cstring>
 #include <pthread.h>
 
 bool snap_refusal::memory, snap_refusal::thread;
 int snap_refusal::asked_policy, snap_refusal::asked_priority;
 bool snap_refusal::asked_explicitly;
+uint32_t snap_refusal::given[2];
+const void *snap_refusal::last_freed;
 
 extern "C" {
 
 void *__real_malloc(size_t size);
+void __real_free(void *memory);
 int __real_pthread_create(pthread_t *, const pthread_attr_t *, void *(*)(void *), void *);
 
 void *__wrap_malloc(size_t size)
 {
     return snap_refusal::memory ? nullptr : __real_malloc(size);
+}
+
+void __wrap_free(void *memory)
+{
+    snap_refusal::last_freed = memory;
+    __real_free(memory);
 }
 
 int __wrap_pthread_create(pthread_t *thread, const pthread_attr_t *attr, void *(*body)(void *),
@@ -31,6 +41,7 @@ int __wrap_pthread_create(pthread_t *thread, const pthread_attr_t *attr, void *(
         pthread_attr_getschedparam(attr, &priority);
         snap_refusal::asked_explicitly = inherit == PTHREAD_EXPLICIT_SCHED;
         snap_refusal::asked_priority = priority.sched_priority;
+        std::memcpy(snap_refusal::given, argument, sizeof snap_refusal::given);
     }
     return __real_pthread_create(thread, nullptr, body, argument);
 }

@@ -2,6 +2,7 @@
 #include <cstring>
 
 #include "media_call_count.h"
+#include "snap_refusal.h"
 #include "snap_request.h"
 
 using namespace snap_test;
@@ -169,6 +170,30 @@ TEST(Snapshot, ReportsAFetchThatFails)
     EXPECT_EQ(cur_snap_chnn, 255);
 }
 
+TEST(Snapshot, TapsTheLiveDecoderInEveryStateButPlayback)
+{
+    for (uint32_t state : {0u, 2u}) {
+        prepare();
+        playback_status = state;
+        FrameInfo frame = request(2);
+        EXPECT_EQ(ext_get_jpeg_stream(&frame), 0);
+        EXPECT_EQ(platform.count("MI_VDEC_StopChn"), 0u);
+        EXPECT_EQ(platform.count("MI_SYS_BindChnPort {vdec,0,2,0} {divp,0,0,0}"), 1u);
+        ext_release_jpeg_buf(&frame);
+    }
+}
+
+TEST(Snapshot, DuringPlaybackUnbindsTheSpareDecoderWhenThePipelineFails)
+{
+    prepare();
+    playback_status = 1;
+    platform.script("MI_DIVP_StartChn").returns(kRefused);
+    FrameInfo frame = request(2);
+    EXPECT_EQ(ext_get_jpeg_stream(&frame), -1);
+    EXPECT_EQ(platform.count("MI_SYS_UnBindChnPort {vdec,0,4,0} {divp,0,0,0}"), 1u);
+    EXPECT_EQ(platform.count("MI_VENC_DestroyChn 2"), 1u);
+}
+
 /* During playback the result is that of the stop, whatever became of the picture. */
 TEST(Snapshot, DuringPlaybackAnswersForTheStopAlone)
 {
@@ -260,6 +285,9 @@ TEST(Snapshot, GuardsItsRecords)
     EXPECT_EQ(venc_snap_process(0, nullptr), -1);
     EXPECT_EQ(ext_release_jpeg_buf(nullptr), 0);
     EXPECT_EQ(platform.calls(), "");
+    for (const char *function :
+         {"ext_get_jpeg_stream", "venc_snap_start", "venc_snap_process", "ext_release_jpeg_buf"})
+        EXPECT_PRINTED("EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEsnap.c," + std::string(function) + ",#");
 }
 
 TEST(Snapshot, BufferIsReleasedOnce)
@@ -270,7 +298,10 @@ TEST(Snapshot, BufferIsReleasedOnce)
     FrameInfo frame = request(0);
     EXPECT_EQ(ext_get_jpeg_stream(&frame), 0);
     ASSERT_NE(frame.data, nullptr);
+    const void *data = frame.data;
     EXPECT_EQ(ext_release_jpeg_buf(&frame), 0);
+    const void *freed = snap_refusal::last_freed;
+    EXPECT_EQ(freed, data);
     EXPECT_EQ(frame.data, nullptr);
     EXPECT_EQ(ext_release_jpeg_buf(&frame), 0);
     EXPECT_EQ(recording::times_printed("EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEsnap.c,ext_release_jpeg_buf,#"),
