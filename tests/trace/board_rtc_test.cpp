@@ -101,7 +101,7 @@ TEST(Clock, RefusesANullRecord)
 {
     for (const uint32_t set : {0u, 1u})
         EXPECT_EQ(ext_rtc_time_system(nullptr, set), -1);
-    EXPECT_PRINTED("Invalid RTC Parameter!");
+    EXPECT_PRINTED_AS_ERROR("misc.c", "Invalid RTC Parameter!");
     EXPECT_EQ(platform.calls({"board_ioctl"}), "");
     EXPECT_EQ(platform.node("/dev/rtc0").open_count(), 0u);
 }
@@ -112,6 +112,7 @@ TEST(Clock, ClosesTheNodeAfterARefusedSet)
     Time time = {{1, 2, 3, 4, 5, 2006, 0, 0, 0}};
     EXPECT_EQ(ext_rtc_time_system(time.fields, 1), -1);
     EXPECT_PRINTED_IN_ORDER("RTC Time:106-4-4 3:2:1 0 0 0\nSet RTC Time Failed!");
+    EXPECT_PRINTED_AS_ERROR("misc.c", "Set RTC Time Failed!");
     EXPECT_EQ(platform.node("/dev/rtc0").open_count(), 0u);
 }
 
@@ -123,5 +124,6 @@ TEST(Clock, ConvertsAndPrintsWhatARefusedReadLeft)
     EXPECT_EQ(ext_rtc_time_system(time.fields, 0), -1);
     EXPECT_EQ(time, (Time{{1, 2, 3, 4, 6, 1906, 7, 8, 9}}));
     EXPECT_PRINTED_IN_ORDER("RTC Time:1906-6-4 3:2:1 7 8 9\nGet RTC Time Failed!");
+    EXPECT_PRINTED_AS_ERROR("misc.c", "Get RTC Time Failed!");
     EXPECT_EQ(platform.node("/dev/rtc0").open_count(), 0u);
 }

@@ -6,6 +6,7 @@
 
 bool thread_refusal::create, thread_refusal::attr_init, thread_refusal::attr_scope,
     thread_refusal::attr_detach, thread_refusal::attr_destroy;
+int thread_refusal::scope = -1, thread_refusal::detach_state = -1;
 
 extern "C" {
 
@@ -18,7 +19,9 @@ int __real_pthread_attr_destroy(pthread_attr_t *);
 int __wrap_pthread_create(pthread_t *thread, const pthread_attr_t *attr, void *(*body)(void *),
                           void *argument)
 {
-    return thread_refusal::create ? EAGAIN : __real_pthread_create(thread, attr, body, argument);
+    if (!thread_refusal::create) return __real_pthread_create(thread, attr, body, argument);
+    *thread = 4713; // what a refused call leaves in the handle is undefined
+    return EAGAIN;
 }
 
 int __wrap_pthread_attr_init(pthread_attr_t *attr)
@@ -28,11 +31,13 @@ int __wrap_pthread_attr_init(pthread_attr_t *attr)
 
 int __wrap_pthread_attr_setscope(pthread_attr_t *attr, int scope)
 {
+    thread_refusal::scope = scope;
     return thread_refusal::attr_scope ? ENOTSUP : __real_pthread_attr_setscope(attr, scope);
 }
 
 int __wrap_pthread_attr_setdetachstate(pthread_attr_t *attr, int state)
 {
+    thread_refusal::detach_state = state;
     return thread_refusal::attr_detach ? EINVAL : __real_pthread_attr_setdetachstate(attr, state);
 }
 

@@ -9,4 +9,7 @@ namespace thread_refusal
 
 extern bool create, attr_init, attr_scope, attr_detach, attr_destroy;
 
+/* What was asked for last; -1 while nothing was. */
+extern int scope, detach_state;
+
 } // namespace thread_refusal

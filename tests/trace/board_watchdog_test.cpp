@@ -55,7 +55,7 @@ TEST(Watchdog, IsOpenedQuietedEnabledAndFedAtStart)
         board_ioctl /dev/watchdog 0xc0045706 {100}
         board_ioctl /dev/watchdog 0x80045705 0
     )"));
-    EXPECT_PRINTED("misc.c,#,--------------------------init watchdog success!");
+    EXPECT_PRINTED_WITHOUT_PREFIX("misc.c,#,--------------------------init watchdog success!");
     EXPECT_NOT_PRINTED("When Open Watchdog,Disable Watchdog Failed!");
     EXPECT_EQ(watchdog().open_count(), 1u);
 }
@@ -74,7 +74,7 @@ TEST(Watchdog, CannotStartWithoutADevice)
     EXPECT_EQ(local_wdg_open(), -1);
     platform.forget();
     EXPECT_EQ(local_wdg_init(), kFailed);
-    EXPECT_PRINTED("open WDG Failed!");
+    EXPECT_PRINTED_AS_ERROR("misc.c", "open WDG Failed!");
     EXPECT_EQ(platform.calls(), "board_open /dev/watchdog rdwr");
     EXPECT_NOT_PRINTED("misc.c,#,--------------------------init watchdog success!");
 }
@@ -99,7 +99,7 @@ TEST(Watchdog, IsOnlyFedAtStartWhenItRefusedToBeQuieted)
         board_ioctl /dev/watchdog 0xc0045706 {100}
         board_ioctl /dev/watchdog 0x80045705 0
     )"));
-    EXPECT_PRINTED("watchdog enable/disable (0) fail!");
+    EXPECT_PRINTED_AS_ERROR("misc.c", "watchdog enable/disable (0) fail!");
 }
 
 TEST(Watchdog, StartFailsWhenItCouldNotBeEnabled)
@@ -116,7 +116,7 @@ TEST(Watchdog, StartFailsWithTheTimeout)
 {
     watchdog().ioctl(WDIOC_SETTIMEOUT).returns(-1);
     EXPECT_EQ(local_wdg_init(), kFailed);
-    EXPECT_PRINTED("watchdog set timeout Failed!!");
+    EXPECT_PRINTED_AS_ERROR("misc.c", "watchdog set timeout Failed!!");
     EXPECT_EQ(feeds(), 0u);
 }
 
@@ -140,6 +140,36 @@ TEST(Watchdog, IsFedWhenItIsEnabledTwice)
     EXPECT_EQ(platform.calls(), "board_ioctl /dev/watchdog 0x80045705 0");
     EXPECT_EQ(ext_wdg_set(1), 1u);
     EXPECT_EQ(feeds(), 2u);
+}
+
+TEST(Watchdog, IsEnabledTwiceThoughTheFeedFails)
+{
+    enable();
+    watchdog().ioctl(WDIOC_KEEPALIVE).returns(-5);
+    EXPECT_EQ(local_wdg_set(1), 0);
+    EXPECT_EQ(feeds(), 1u);
+}
+
+TEST(Watchdog, AFeedIsTakenOrNot)
+{
+    enable();
+    watchdog().ioctl(WDIOC_KEEPALIVE).once().returns(-5);
+    EXPECT_EQ(local_wdg_feed(), -1);
+    watchdog().ioctl(WDIOC_KEEPALIVE).once().returns(3);
+    EXPECT_EQ(local_wdg_feed(), 0);
+}
+
+TEST(Watchdog, TheFlagIsClearedBeforeTheSwitch)
+{
+    enable();
+    Set_Wdt_Fing(1);
+    int flag_when_switched = -1;
+    platform.describe_request(WDIOC_SETOPTIONS, [&](const void *) {
+        flag_when_switched = Wdt_Fing;
+        return std::string("switched");
+    });
+    EXPECT_EQ(ext_wdg_set(0), 1u);
+    EXPECT_EQ(flag_when_switched, 0);
 }
 
 TEST(Watchdog, IsDisabledWhateverItCountsAs)
@@ -191,7 +221,7 @@ TEST(Watchdog, CannotBeFedWhileDisabled)
     local_wdg_set(0);
     platform.forget();
     EXPECT_EQ(local_wdg_feed(), -1);
-    EXPECT_PRINTED("watchdog not enabled!");
+    EXPECT_PRINTED_AS_ERROR("misc.c", "watchdog not enabled!");
     EXPECT_EQ(platform.calls(), "");
 }
 
@@ -284,6 +314,15 @@ TEST(WatchdogFeeder, EndsSilentlyWhenAFeedFails)
         std::this_thread::yield();
     EXPECT_EQ(platform.calls(), "board_ioctl /dev/watchdog 0x80045705 0");
     EXPECT_EQ(recording::printed_text(), "");
+}
+
+TEST(WatchdogFeeder, IsADetachedThreadOfSystemScope)
+{
+    enable();
+    EXPECT_EQ(wdt_feed_pt(), 0);
+    EXPECT_EQ(thread_refusal::scope, PTHREAD_SCOPE_SYSTEM);
+    EXPECT_EQ(thread_refusal::detach_state, PTHREAD_CREATE_DETACHED);
+    EXPECT_TRUE(platform.wait_for_sleepers(1));
 }
 
 TEST(WatchdogFeeder, NeedsAThread)
