@@ -23,6 +23,15 @@ void *sleep_for_ever(void *)
         board_sleep_us(1000000);
 }
 
+/* Ends only when it is cancelled, and says so. */
+void *sleep_until_cancelled(void *ended)
+{
+    pthread_cleanup_push([](void *flag) { static_cast<std::atomic<bool> *>(flag)->store(true); }, ended);
+    sleep_for_ever(nullptr);
+    pthread_cleanup_pop(0);
+    return nullptr;
+}
+
 pthread_t sleeping_thread()
 {
     pthread_t thread = 0;
@@ -56,8 +65,12 @@ TEST(Keyboard, OpensThePanelOnce)
 TEST(Keyboard, GoesOnWithoutAPanel)
 {
     platform.node("/dev/KeyBoard").fails_to_open();
+    key_que.read_index = 5;
+    key_que.write_index = 9;
     EXPECT_EQ(ext_keyboard_initial(), 0);
-    EXPECT_PRINTED("Open BUTTON_irq dev error!");
+    EXPECT_EQ(key_que.read_index, 0u);
+    EXPECT_EQ(key_que.write_index, 0u);
+    EXPECT_PRINTED_AS_ERROR("misc.c", "Open BUTTON_irq dev error!");
     EXPECT_PRINTED("Open hi_stop_record_proc dev ok!");
 }
 
@@ -69,7 +82,7 @@ TEST(Keyboard, FailsWithoutThreadAttributes)
         platform.forget();
         EXPECT_EQ(hi_start_key_proc(), -1);
         EXPECT_EQ(ext_keyboard_initial(), -1);
-        EXPECT_PRINTED("Open hi_stop_record_proc dev error!");
+        EXPECT_PRINTED_AS_ERROR("misc.c", "Open hi_stop_record_proc dev error!");
         EXPECT_NOT_PRINTED("Open hi_stop_record_proc dev ok!");
         *refused = false;
     }
@@ -84,6 +97,19 @@ TEST(Keyboard, WorksOnDescriptorZero)
     uint32_t event[5] = {};
     EXPECT_EQ(ext_keyboard_value(event), -1);
     EXPECT_EQ(platform.count("board_ioctl /dev/KeyBoard 0x610a"), 1u);
+    EXPECT_EQ(ext_keyboard_initial(), 0);
+    EXPECT_EQ(platform.count("board_open"), 1u);
+    ext_keyboard_close();
+    EXPECT_EQ(platform.count("board_close /dev/KeyBoard"), 1u);
+}
+
+TEST(Keyboard, ClosesAReceiverOnDescriptorZero)
+{
+    platform.node("/dev/Hi_IR").opens_as(0);
+    input_test::RemoteReader().run();
+    EXPECT_EQ(ext_keyboard_close(), 0);
+    EXPECT_EQ(platform.count("board_close /dev/Hi_IR"), 1u);
+    EXPECT_EQ(nvrhal::remoteFd, -1);
 }
 
 TEST(Keyboard, ClosingStopsTheKeyThreads)
@@ -159,11 +185,13 @@ TEST(KeyThreads, StartingIsRefusedOnlyWhenBothRun)
                             "not allow to create thread of layer=, there is still a thread 4711 running");
 }
 
-TEST(KeyThreads, StoppingEndsTheLocalThread)
+TEST(KeyThreads, StoppingWaitsForTheLocalThreadsEnd)
 {
-    nvrhal::localkeyThread = sleeping_thread();
+    std::atomic<bool> ended{false};
+    ASSERT_EQ(pthread_create(&nvrhal::localkeyThread, nullptr, sleep_until_cancelled, &ended), 0);
     ASSERT_TRUE(platform.wait_for_sleepers(1));
     hi_stop_key_proc();
+    EXPECT_TRUE(ended.load());
     EXPECT_EQ(nvrhal::localkeyThread, 0u);
 }
 
@@ -196,7 +224,7 @@ TEST(Mouse, HandsAnEventOutOnce)
 {
     const uint32_t sent[5] = {1, 0x80000000, 0xFFFFFFFF, 4, 5};
     std::copy(std::begin(sent), std::end(sent), g_s32KeyValue);
-    g_bMouseEvent = 1;
+    g_bMouseEvent = 7; // any value but 0
     std::array<uint32_t, 5> event = {};
     EXPECT_EQ(ext_mouse_get_status(event.data()), 0);
     EXPECT_TRUE(std::equal(std::begin(sent), std::end(sent), event.begin()));

@@ -107,6 +107,7 @@ TEST(LocalReader, StartsWithOneAndFailsWithMinusOne)
 TEST(LocalReader, PollsEveryMillisecondAndPublishesTheLastKnownKey)
 {
     open_receiver();
+    key = {9, 9};
     ASSERT_EQ(localKey_init(), 1);
     let_poll();
     EXPECT_TRUE(published() == (LocalKey{0, 0})); // nothing yet, and that is published

@@ -78,6 +78,19 @@ TEST(KeyQueue, TellsThePanelAtEveryPollThatItIsEmpty)
     )"));
 }
 
+TEST(KeyQueue, TellsThePanelBeforeItTakesTheKey)
+{
+    uint32_t index_when_told = 99;
+    platform.describe_request(KEYBOARD_KEY_POLLED, [&](const void *) {
+        index_when_told = key_que.read_index;
+        return std::string("told");
+    });
+    put(105, 1);
+    EXPECT_EQ(take(1), sequence(105, 1));
+    EXPECT_EQ(index_when_told, 0u);
+    EXPECT_EQ(key_que.read_index, 1u);
+}
+
 TEST(KeyQueue, DoesNotMindAPanelThatRefusesToListen)
 {
     platform.node(KEYBOARD_NODE).ioctl(KEYBOARD_KEY_POLLED).returns(-1);
