@@ -94,6 +94,8 @@ const Command kCommands[] = {
      "ioctl VC0725_SET_AUDIO_FORMAT err !!! "},
     {"audio_mode_1", [] { return ad_audio_work_mode(1); }, "0x4008760e {02 00 00 00 00 00 00 00}",
      "ioctl VC0725_SET_AUDIO_FORMAT err !!! "},
+    {"audio_mode_3", [] { return ad_audio_work_mode(3); }, "0x4008760e {02 00 00 00 00 00 00 00}",
+     "ioctl VC0725_SET_AUDIO_FORMAT err !!! "},
     {"bitwidth", [] { return ad_set_audio_bitwidth(0); }, "0x4008760f {02 00 00 00 00 00 00 00}",
      "bitwidth = 0 video SET_AUDIO_BITWIDTH fail"},
     {"mute", [] { return ad_set_mute(1); }, "0x40087610 {02 00 00 00 01 00 00 00}",
@@ -133,6 +135,14 @@ TEST_P(ChipCommand, FailsWithoutADriver)
 
 INSTANTIATE_TEST_SUITE_P(Each, ChipCommand, testing::ValuesIn(kCommands),
                          [](const auto &param) { return std::string(param.param.name); });
+
+TEST_P(ChipCommand, WorksOnDescriptorZeroAndTakesEveryResultButAnError)
+{
+    platform.node(kNode).opens_as(0);
+    platform.script("board_ioctl").returns(3);
+    EXPECT_EQ(GetParam().call(), 0);
+    EXPECT_EQ(platform.node(kNode).open_count(), 0u);
+}
 
 TEST(Chips, GiveTheNormAsOneByte)
 {
@@ -217,11 +227,22 @@ TEST(ChipStart, UsesModeThreeWhenOneMainStreamIs960By576)
     EXPECT_EQ(platform.count("board_ioctl /dev/vc0725dev 0x40087607 {02 00 00 00 01 00 00 00}"), 1u);
 }
 
+TEST(ChipStart, LooksAtTheLastMainStreamToo)
+{
+    show_records();
+    g_vi_chn_num = 17;
+    major_stream[16].size_class = 5;
+    EXPECT_EQ(Init_AD(1), 0);
+    EXPECT_EQ(platform.count("board_ioctl /dev/vc0725dev 0x40037609"), 17u);
+    EXPECT_EQ(platform.count("board_ioctl /dev/vc0725dev 0x40037609 {00 03 00}"), 1u);
+    EXPECT_EQ(platform.count("board_ioctl /dev/vc0725dev 0x40037609 {04 03 00}"), 1u);
+}
+
 TEST(ChipStart, StopsAtTheFirstRefusedInput)
 {
-    platform.script("board_ioctl").nth(6).returns(-1);
+    platform.script("board_ioctl").nth(7).returns(-1); // chip 1, input 2
     EXPECT_EQ(Init_AD(1), -1);
-    EXPECT_EQ(platform.count("board_ioctl"), 6u);
+    EXPECT_EQ(platform.count("board_ioctl"), 7u);
     EXPECT_PRINTED("set vc0725(1) video work mode fail");
     EXPECT_EQ(platform.node(kNode).open_count(), 0u);
 }
@@ -231,7 +252,7 @@ TEST(ChipStart, PrintsTheChannelCountWhenTheNormIsRefused)
 {
     platform.node(kNode).ioctl(AD_SET_NORM).returns(-1);
     EXPECT_EQ(Init_AD(1), -1);
-    EXPECT_PRINTED("set VC0725(8) video mode fail");
+    EXPECT_PRINTED_AS_ERROR("vc0725.c", "set VC0725(8) video mode fail");
     EXPECT_EQ(platform.node(kNode).open_count(), 0u);
 }
 
@@ -239,5 +260,5 @@ TEST(ChipStart, FailsWithoutADriver)
 {
     platform.node(kNode).fails_to_open();
     EXPECT_EQ(Init_AD(1), -1);
-    EXPECT_PRINTED("open VC0725 (/dev/vc0725dev) fail");
+    EXPECT_PRINTED_AS_ERROR("vc0725.c", "open VC0725 (/dev/vc0725dev) fail");
 }

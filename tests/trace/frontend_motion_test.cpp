@@ -75,9 +75,9 @@ TEST(ChipMotion, StopsAtEachRefusal)
         EXPECT_EQ(platform.count("board_ioctl"), nth);
         EXPECT_EQ(platform.node(kNode).open_count(), 0u);
     }
-    EXPECT_PRINTED("ioctl Set motion area failure");
-    EXPECT_PRINTED("set motion sensivity fail");
-    EXPECT_PRINTED("open motion failure");
+    EXPECT_PRINTED_AS_ERROR("vc0725.c", "ioctl Set motion area failure");
+    EXPECT_PRINTED_AS_ERROR("vc0725.c", "set motion sensivity fail");
+    EXPECT_PRINTED_AS_ERROR("vc0725.c", "open motion failure");
     platform.reset();
     platform.node(kNode).fails_to_open();
     EXPECT_EQ(InitMotion(), -1);
@@ -89,6 +89,13 @@ TEST(ChipMotion, PassesTheCallersRecords)
     AdMotionArea area = {1, 2, {0xFF}};
     AdMotionSensitivity sensitivity = {1, 2, {}, 9};
     AdMotionQuery query = {};
+    const auto same = [](const auto &sent) {
+        return [&sent](const void *record) {
+            return std::string(std::memcmp(record, &sent, sizeof sent) == 0 ? "the caller's" : "another");
+        };
+    };
+    platform.describe_request(AD_MOTION_SET_AREA, same(area));
+    platform.describe_request(AD_MOTION_SET_SENSITIVITY, same(sensitivity));
     platform.node(kNode).ioctl(AD_MOTION_GET_AREA).fills([](recording::Args &call) {
         call.record<AdMotionQuery>(2).result = 5;
     });
@@ -97,8 +104,8 @@ TEST(ChipMotion, PassesTheCallersRecords)
     EXPECT_EQ(GetMotionArea(&query), 0);
     EXPECT_EQ(query.result, 5u);
     EXPECT_EQ(platform.calls({"board_ioctl"}), recording::trace(R"(
-        board_ioctl /dev/vc0725dev 0x42827612 *
-        board_ioctl /dev/vc0725dev 0x40087611 *
+        board_ioctl /dev/vc0725dev 0x42827612 the caller's
+        board_ioctl /dev/vc0725dev 0x40087611 the caller's
         board_ioctl /dev/vc0725dev 0xc0087613 *
     )"));
     platform.script("board_ioctl").returns(-1);
@@ -207,6 +214,15 @@ TEST(MotionMap, AnAreaTooSmallForItsPercentageNeedsTwoBlocks)
     set_size(0, 352, 240); // a cell counts 4 blocks, 3 percent of which are none
     ext_set_motion_area(0, Area().cell(0, 0).bytes.data());
     EXPECT_EQ(vda_chn[0].threshold, 2u);
+}
+
+TEST(MotionMap, AThresholdOfOneStaysOne)
+{
+    set_size(0, 960, 576);
+    EXPECT_EQ(g_sensitive, 0u);
+    ext_set_motion_sensitive(0, 2);
+    ext_set_motion_area(0, Area().cell(0, 0).bytes.data());
+    EXPECT_EQ(vda_chn[0].threshold, 1u); // 21 blocks, 5 percent
 }
 
 // The divisor of the count is not that of the map's rows.
