@@ -26,8 +26,8 @@ struct SizeRow {
 
 constexpr SizeRow kSizes[] = {
     {720, 576, 7},    {720, 480, 6},    {720, 0, 6},    {800, 600, 18}, {800, 1, 18},    {1024, 768, 19},
-    {1024, 0, 19},    {1280, 1024, 20}, {1280, 720, 9}, {1280, 800, 9}, {1440, 900, 22}, {1920, 1080, 20},
-    {2560, 1440, 20}, {0, 0, 20},       {-1, -1, 20},   {721, 576, 20},
+    {1024, 0, 19},    {1280, 1024, 20}, {1280, 720, 9}, {1280, 800, 9}, {1440, 900, 22}, {1440, 0, 22},
+    {1920, 1080, 20}, {2560, 1440, 20}, {0, 0, 20},     {-1, -1, 20},   {721, 576, 20},
 };
 
 void PrintTo(const SizeRow &row, std::ostream *out)
@@ -40,7 +40,8 @@ void lose(uint64_t channels)
 {
     platform.node("/dev/vc0725dev").ioctl(AD_GET_LOSS).fills([channels](recording::Args &call) {
         auto &record = call.record<AdVideoLoss>(2);
-        record.lost = channels >> (record.chip * 4 + record.input) & 1 ? 77 : 0;
+        const uint32_t channel = record.chip * 4 + record.input;
+        record.lost = channels >> channel & 1 ? channel + 1 : 0; // any value but 0 says so
     });
 }
 
@@ -72,7 +73,19 @@ TEST(OutputSwitch, TypeThreeIsTheSecondaryOutputAndKeepsTheTiming)
     EXPECT_EQ(globalVoDev, -1);
     EXPECT_EQ(enNorm_vga, 4u);
     EXPECT_EQ(DdvrInputParam.vo_dev_type, 3);
+    EXPECT_EQ(DdvrInputParam.gui_width, 1280);
+    EXPECT_EQ(DdvrInputParam.gui_height, 720);
     EXPECT_EQ(platform.calls({"MI_"}), ""); // the further output is not taken down
+}
+
+TEST(OutputSwitch, TakesNothingDownWhenItComesFromAnotherDevice)
+{
+    for (const int32_t device : {-1, 0, 1, 3}) {
+        globalVoDev = device;
+        EXPECT_EQ(change_device(2, 1280, 720), 0);
+        EXPECT_EQ(globalVoDev, 0); // whatever the type, but for 3
+    }
+    EXPECT_EQ(platform.calls({"MI_"}), "");
 }
 
 TEST(OutputSwitch, TakesTheFurtherOutputDownFirst)
@@ -100,8 +113,8 @@ TEST(OutputSwitch, GoesOnWhenTheFurtherOutputFails)
     platform.script("MI_DISP_DisableInputPort").returns(-5);
     platform.script("MI_SYS_BindChnPort").nth(1).returns(-6);
     EXPECT_EQ(change_device(1, 1024, 768), 0);
-    EXPECT_PRINTED("vo_stop_chn failed!");
-    EXPECT_PRINTED("vdec(vdch=0) bind vpss(vpssg=0) failed!");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "vo_stop_chn failed!");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "vdec(vdch=0) bind vpss(vpssg=0) failed!");
     EXPECT_NOT_PRINTED("vdec(vdch=1) bind vpss(vpssg=1) failed!");
     EXPECT_EQ(platform.count("MI_SYS_BindChnPort"), 2u);
     EXPECT_EQ(globalVoDev, 0);
@@ -148,6 +161,15 @@ TEST(ClearDisplay, FlushesEightDecodersWhateverN)
     EXPECT_EQ(platform.calls() + "\n", expected);
 }
 
+TEST(PortBuffers, Clear2ClearsOnTheCurrentDeviceAndReportsOnlyErrors)
+{
+    globalVoDev = 2;
+    platform.script("MI_DISP_ClearInputPortBuffer").returns(3);
+    EXPECT_EQ(ext_vo_buffer_clear2(4), 0);
+    EXPECT_EQ(platform.calls(), "MI_DISP_ClearInputPortBuffer 2 3 1");
+    EXPECT_EQ(recording::printed_text(), "");
+}
+
 TEST(PortBuffers, Clear2CountsChannelsFromOne)
 {
     EXPECT_EQ(ext_vo_buffer_clear2(1), 0);
@@ -159,7 +181,7 @@ TEST(PortBuffers, Clear2CountsChannelsFromOne)
     EXPECT_EQ(platform.count("MI_DISP_ClearInputPortBuffer 0 4294967295 1") +
                   platform.count("MI_DISP_ClearInputPortBuffer 0 -1 1"),
               1u);
-    EXPECT_PRINTED("File:vdec_venc.c,Line:#    MI_VDEC_ReleaseUserData exe error [-3]");
+    EXPECT_PRINTED_WITHOUT_PREFIX("File:vdec_venc.c,Line:#    MI_VDEC_ReleaseUserData exe error [-3]");
 }
 
 // The decoder that is reset has the display device's number, not the channel's.
@@ -175,6 +197,11 @@ TEST(PortBuffers, Clear3ResetsTheDecoderWithTheDevicesNumber)
     globalVoDev = 2;
     EXPECT_EQ(ext_vo_buffer_clear3(5, 0), 0);
     EXPECT_EQ(platform.calls(), "MI_VDEC_StopChn 2\nMI_VDEC_StartChn 2");
+    platform.forget();
+    ext_vo_buffer_clear3(5, 1);
+    ext_vo_buffer_clear3(5, 2); // clears nothing: only 1 does
+    EXPECT_EQ(platform.calls({"MI_DISP_"}), "MI_DISP_ClearInputPortBuffer 2 5 1");
+    EXPECT_EQ(platform.count("MI_VDEC_StopChn 2"), 2u);
 }
 
 TEST(PortBuffers, Clear3DoesNothingOutsideLiveView)
@@ -204,6 +231,7 @@ TEST(PortBuffers, Clear3ReportsARefusedClear)
 
 TEST(PortBuffers, CreateBindsTheDecoderOrTheOneBehindTheSpare)
 {
+    globalVoDev = 2; // the ports are the main output's all the same
     EXPECT_EQ(ext_vo_buffer_create1(7), 0);
     EXPECT_EQ(ext_vo_buffer_create2(7), 0);
     EXPECT_EQ(ext_vo_buffer_create1(8), 0);
@@ -246,7 +274,7 @@ TEST(RecordOutput, ReportsFailuresAndAnswersZero)
         platform.script(call).returns(-3);
     EXPECT_EQ(ext_record_enable(3, 9), 0);
     EXPECT_EQ(ext_record_enable(3, 0), 0);
-    EXPECT_PRINTED("vo_unbind_vpss failed!");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "vo_unbind_vpss failed!");
     EXPECT_PRINTED("File:vdec_venc.c,Line:#    MI_VDEC_ReleaseUserData exe error [-3]");
     EXPECT_EQ(platform.count("MI_DISP_ClearInputPortBuffer 2 3 1"), 1u);
 }
@@ -285,7 +313,7 @@ TEST(VideoLoss, KeepsTheBitsFoundBeforeAFailure)
     EXPECT_EQ(ext_get_video_loss_status(mask), -1);
     EXPECT_EQ(mask[0], 3u);
     EXPECT_EQ(mask[1], 0u);
-    EXPECT_PRINTED("ad_get_loss Failed!!");
+    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "ad_get_loss Failed!!");
     EXPECT_EQ(ext_get_video_loss_status(nullptr), -1);
 }
 
@@ -344,6 +372,7 @@ TEST(PictureSettings, ShareOneTextAndChangeNothing)
     EXPECT_EQ(ext_set_voutdev_hue(1, 50), 0);
     EXPECT_EQ(ext_set_voutdev_contrast(1, 50), 0);
     EXPECT_EQ(ext_set_voutdev_saturation(1, 50), 0);
+    EXPECT_PRINTED_WITHOUT_PREFIX("SetHuePlus channel 1 is 50!!!");
     EXPECT_EQ(recording::times_printed("SetHuePlus channel 1 is 50!!!"), 3u);
     EXPECT_EQ(platform.calls(), "");
 }
