@@ -129,6 +129,7 @@ inline void fail_every_call_positively(const std::function<void()> &prepare,
     };
     for (unsigned failure = 1;; ++failure) {
         recording::Outcome negative = run(failure, kFailure);
+        EXPECT_TRUE(negative.finished) << negative.death;
         if (negative.failed_call.empty()) {
             EXPECT_GT(failure, 1u) << "no call was made";
             return;
