@@ -177,6 +177,7 @@ TEST(EncoderThread, IsStartedInRealTimeAndGivenTwoSeconds)
     EXPECT_TRUE(snap_refusal::asked_explicitly);
     EXPECT_EQ(snap_refusal::given[0], 1u); // running
     EXPECT_EQ(snap_refusal::given[1], 3u);
+    EXPECT_EQ(snap_refusal::joined, 1u); // its parameter ends with the call
     EXPECT_PRINTED_IN_ORDER(R"(
         EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEsnap.c,venc_start_getstream,#
         ----------priority max=99,min=1-------------- !
@@ -188,6 +189,7 @@ TEST(EncoderThread, FailsWhenThereIsNone)
 {
     snap_refusal::thread = true;
     EXPECT_EQ(venc_start_getstream(3), -1);
+    EXPECT_EQ(snap_refusal::joined, 0u);
     EXPECT_EQ(platform.calls(), "");
 }
 

@@ -10,6 +10,7 @@ bool snap_refusal::memory, snap_refusal::thread;
 int snap_refusal::asked_policy, snap_refusal::asked_priority;
 bool snap_refusal::asked_explicitly;
 uint32_t snap_refusal::given[2];
+unsigned snap_refusal::joined;
 const void *snap_refusal::last_freed;
 
 extern "C" {
@@ -17,6 +18,7 @@ extern "C" {
 void *__real_malloc(size_t size);
 void __real_free(void *memory);
 int __real_pthread_create(pthread_t *, const pthread_attr_t *, void *(*)(void *), void *);
+int __real_pthread_join(pthread_t, void **);
 
 void *__wrap_malloc(size_t size)
 {
@@ -44,6 +46,12 @@ int __wrap_pthread_create(pthread_t *thread, const pthread_attr_t *attr, void *(
         std::memcpy(snap_refusal::given, argument, sizeof snap_refusal::given);
     }
     return __real_pthread_create(thread, nullptr, body, argument);
+}
+
+int __wrap_pthread_join(pthread_t thread, void **result)
+{
+    ++snap_refusal::joined;
+    return __real_pthread_join(thread, result);
 }
 
 } // extern "C"

@@ -17,6 +17,8 @@ extern int asked_policy, asked_priority;
 extern bool asked_explicitly;
 /** The first two words of what it was given. */
 extern uint32_t given[2];
+/** How many threads were waited for to their end. */
+extern unsigned joined;
 
 /** What was freed last. */
 extern const void *last_freed;

@@ -107,6 +107,22 @@ TEST(Snapshot, DuringPlaybackUsesTheSpareDecoderRebuiltAndStopsItAfterwards)
     ext_release_jpeg_buf(&frame);
 }
 
+TEST(Snapshot, DuringPlaybackFindsTheSpareDecoderBehindTheCameras)
+{
+    for (int32_t cameras : {1, 3}) {
+        prepare();
+        g_vi_chn_num = cameras;
+        playback_status = 1;
+        FrameInfo frame = request(0);
+        EXPECT_EQ(ext_get_jpeg_stream(&frame), 0);
+        const std::string spare = std::to_string(cameras);
+        EXPECT_EQ(platform.count("MI_VDEC_CreateChn " + spare), 1u);
+        EXPECT_EQ(platform.count("MI_SYS_BindChnPort {vdec,0," + spare + ",0} {divp,0,0,0}"), 1u);
+        EXPECT_EQ(platform.count("MI_VDEC_StopChn " + spare), 2u);
+        ext_release_jpeg_buf(&frame);
+    }
+}
+
 /* The channel is marked while the snapshot runs, so that intake decodes it though it is not shown. */
 TEST(Snapshot, LetsAHiddenChannelsFramesIn)
 {
