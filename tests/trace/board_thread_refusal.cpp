@@ -7,10 +7,12 @@
 bool thread_refusal::create, thread_refusal::attr_init, thread_refusal::attr_scope,
     thread_refusal::attr_detach, thread_refusal::attr_destroy;
 int thread_refusal::scope = -1, thread_refusal::detach_state = -1;
+unsigned thread_refusal::joined;
 
 extern "C" {
 
 int __real_pthread_create(pthread_t *, const pthread_attr_t *, void *(*)(void *), void *);
+int __real_pthread_join(pthread_t, void **);
 int __real_pthread_attr_init(pthread_attr_t *);
 int __real_pthread_attr_setscope(pthread_attr_t *, int);
 int __real_pthread_attr_setdetachstate(pthread_attr_t *, int);
@@ -22,6 +24,12 @@ int __wrap_pthread_create(pthread_t *thread, const pthread_attr_t *attr, void *(
     if (!thread_refusal::create) return __real_pthread_create(thread, attr, body, argument);
     *thread = 4713; // what a refused call leaves in the handle is undefined
     return EAGAIN;
+}
+
+int __wrap_pthread_join(pthread_t thread, void **result)
+{
+    ++thread_refusal::joined;
+    return __real_pthread_join(thread, result);
 }
 
 int __wrap_pthread_attr_init(pthread_attr_t *attr)

@@ -12,4 +12,7 @@ extern bool create, attr_init, attr_scope, attr_detach, attr_destroy;
 /* What was asked for last; -1 while nothing was. */
 extern int scope, detach_state;
 
+/* How many threads were joined. */
+extern unsigned joined;
+
 } // namespace thread_refusal

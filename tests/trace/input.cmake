@@ -8,5 +8,5 @@ nvrhal_test(trace_input
   LABEL trace)
 target_include_directories(trace_input PRIVATE ${CMAKE_SOURCE_DIR}/src)
 target_link_options(trace_input PRIVATE
-  -Wl,--wrap=pthread_create,--wrap=pthread_attr_init,--wrap=pthread_attr_setscope
+  -Wl,--wrap=pthread_create,--wrap=pthread_join,--wrap=pthread_attr_init,--wrap=pthread_attr_setscope
   -Wl,--wrap=pthread_attr_setdetachstate,--wrap=pthread_attr_destroy)

@@ -191,6 +191,7 @@ TEST(KeyThreads, StoppingWaitsForTheLocalThreadsEnd)
     ASSERT_EQ(pthread_create(&nvrhal::localkeyThread, nullptr, sleep_until_cancelled, &ended), 0);
     ASSERT_TRUE(platform.wait_for_sleepers(1));
     hi_stop_key_proc();
+    EXPECT_EQ(thread_refusal::joined, 1u);
     EXPECT_TRUE(ended.load());
     EXPECT_EQ(nvrhal::localkeyThread, 0u);
 }
