@@ -59,8 +59,7 @@ std::string Script::parse_item(const std::string &text)
     for (double number = 0; words >> number;)
         item.arguments.push_back(number);
     if (!words.eof()) return "arguments are numbers";
-    const std::string problem = complaint_about(item, verb->second.arguments);
-    if (!problem.empty()) return problem;
+    if (std::string problem = complaint_about(item, verb->second.arguments); !problem.empty()) return problem;
     items_.push_back(std::move(item));
     return {};
 }

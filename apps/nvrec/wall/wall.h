@@ -2,8 +2,8 @@
  * wall.h - live cameras on one screen, from opened inputs to the closing table.
  *
  *   open the inputs -> start the library -> one frame a channel -> layout -> feed
- *     -> (cameras that answer later than the others, pictures, progress, window, layout again where a camera
- * came back with another codec)
+ *     -> (late cameras, pictures, progress, window, layout again where a camera came back with
+ *        another codec)
  *     -> end of inputs, time or Ctrl-C -> last pictures -> table
  *
  * Whatever else the recorder does while the wall stands is a Companion.
