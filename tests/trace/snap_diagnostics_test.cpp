@@ -95,7 +95,7 @@ TEST_F(SavedJpeg, HoldsEveryPackFromItsOffset)
 
 TEST_F(SavedJpeg, DumpsTheFirst100BytesOfAPack)
 {
-    std::string bytes(250, 'x');
+    std::string bytes(250, 5); // one digit
     MI_VENC_Pack packs[] = {pack_of(bytes, 0)};
     MI_VENC_Stream stream = {};
     stream.packs = packs;
@@ -105,7 +105,7 @@ TEST_F(SavedJpeg, DumpsTheFirst100BytesOfAPack)
     EXPECT_EQ(bytes_dumped(), 100u);
     std::string line, dump;
     for (int i = 0; i < 10; ++i)
-        line += "pu8Addr_data[78] ";
+        line += "pu8Addr_data[5] ";
     for (int i = 0; i < 10; ++i)
         dump += line + "\n";
     EXPECT_NE(recording::printed_text().find("success\n" + dump), std::string::npos);

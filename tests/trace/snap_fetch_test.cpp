@@ -95,6 +95,10 @@ TEST(SnapshotFetch, TriesAgainTenMillisecondsAfterEachFailure)
 {
     platform.script("MI_VENC_GetStream").returns(kRefused);
     platform.script("MI_VENC_GetStream").from(4).returns(0);
+    unsigned said_before_the_pause = 9;
+    platform.script("board_sleep_us").once().fills([&](recording::Args &) {
+        said_before_the_pause = recording::times_printed("MI_VENC_GetStream wait");
+    });
     FrameInfo frame = {};
     EXPECT_EQ(venc_snap_process(2, &frame), 0);
     EXPECT_EQ(platform.calls(), trace(R"(
@@ -112,6 +116,7 @@ TEST(SnapshotFetch, TriesAgainTenMillisecondsAfterEachFailure)
         MI_VENC_StopRecvPic 2
     )"));
     EXPECT_EQ(recording::times_printed("MI_VENC_GetStream wait"), 3u);
+    EXPECT_EQ(said_before_the_pause, 0u);
     ext_release_jpeg_buf(&frame);
 }
 
