@@ -18,6 +18,4 @@ endif()
 nvrhal_test(board_playback
   ${CMAKE_CURRENT_LIST_DIR}/playback_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/playback_audio_test.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/audio_speaker.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/audio_tone.cpp
-  LIBS board_session LABEL board TIMEOUT 120)
+  LIBS board_session board_speaker LABEL board TIMEOUT 120)

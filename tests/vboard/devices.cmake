@@ -1,4 +1,4 @@
-nvrhal_test(board_devices
+nvrhal_test(vboard_devices
   ${CMAKE_CURRENT_LIST_DIR}/devices_test.cpp
   LIBS nvrhal vboard
-  LABEL board)
+  LABEL vboard)

@@ -1,8 +1,8 @@
 # Playback, snapshots and zoom in the recorder, on the clips that nvrec.cmake makes.
 
 nvrhal_test(nvrec_play_seek_test
-  ${CMAKE_CURRENT_LIST_DIR}/nvrec_play_seek_test.cpp
-  LIBS nvrec_pieces LABEL board TIMEOUT 60)
+  ${CMAKE_CURRENT_LIST_DIR}/play_seek_test.cpp
+  LIBS nvrec_run nvrec_pieces LABEL nvrec TIMEOUT 60)
 target_compile_definitions(nvrec_play_seek_test PRIVATE NVREC_CLIPS="${nvrec_clips}")
 add_dependencies(nvrec_play_seek_test nvrec_clips)
 
@@ -16,9 +16,8 @@ stamped_stream(play_camera_1.h264 --codec h264 --frames 40 --gop 10 --channel 2 
 
 foreach(name nvrec_play_test nvrec_snapshot_test nvrec_zoom_test)
   nvrhal_test(${name}
-    ${CMAKE_CURRENT_LIST_DIR}/nvrec_run.cpp
-    ${CMAKE_CURRENT_LIST_DIR}/${name}.cpp
-    LIBS stamp LABEL board TIMEOUT 120)
+      ${CMAKE_CURRENT_LIST_DIR}/${name}.cpp
+    LIBS nvrec_run stamp LABEL nvrec TIMEOUT 120)
   target_compile_definitions(${name} PRIVATE
     NVREC_STREAMS="${STAMPED_STREAM_DIR}" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
   add_dependencies(${name} nvrec stream_play_0.h264 stream_play_1.h265 stream_play_camera_0.h265
@@ -37,18 +36,17 @@ add_custom_command(OUTPUT ${play_sound}
 add_custom_target(nvrec_play_sound DEPENDS ${play_sound})
 
 nvrhal_test(nvrec_playback_test
-  ${CMAKE_CURRENT_LIST_DIR}/nvrec_playback_test.cpp
-  LIBS nvrec_pieces board_session LABEL board TIMEOUT 120)
+  ${CMAKE_CURRENT_LIST_DIR}/playback_test.cpp
+  LIBS nvrec_run nvrec_pieces board_session LABEL nvrec TIMEOUT 120)
 target_compile_definitions(nvrec_playback_test PRIVATE NVREC_STREAMS="${STAMPED_STREAM_DIR}")
 add_dependencies(nvrec_playback_test nvrec_play_sound stream_play_1.h265)
 add_dependencies(nvrec_play_test nvrec_play_sound)
 
 # The wall in one process with the test, which moves the mouse and follows the screen.
 nvrhal_test(nvrec_running_wall_test
-  ${CMAKE_CURRENT_LIST_DIR}/nvrec_run.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/nvrec_mouse_test.cpp
-  ${CMAKE_CURRENT_LIST_DIR}/nvrec_play_loop_test.cpp
-  LIBS nvrec_pieces platform_api stamp LABEL board TIMEOUT 120)
+  ${CMAKE_CURRENT_LIST_DIR}/mouse_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/play_loop_test.cpp
+  LIBS nvrec_run nvrec_pieces platform_api stamp LABEL nvrec TIMEOUT 120)
 target_compile_definitions(nvrec_running_wall_test PRIVATE NVREC_STREAMS="${STAMPED_STREAM_DIR}")
 add_dependencies(nvrec_running_wall_test stream_play_0.h264 stream_play_1.h265 stream_play_camera_0.h265
   stream_play_camera_1.h264)

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "nvrec_run.h"
-#include "nvrec_stamps.h"
+#include "stamps.h"
 
 namespace
 {

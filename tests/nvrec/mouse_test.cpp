@@ -9,10 +9,10 @@
 #include "controls/controls.h"
 #include "mouse_driver.h"
 #include "nvrec_run.h"
-#include "nvrec_running_wall.h"
 #include "nvrhal.h"
 #include "play/player.h"
 #include "play/zoom.h"
+#include "running_wall.h"
 #include "vboard.h"
 #include "vboard_devices.h"
 

@@ -1,26 +1,24 @@
 # The recorder: cameras into files, by the program and piece by piece.
 set(nvrec_record_clips ${CMAKE_BINARY_DIR}/clips/nvrec_record)
 add_custom_command(OUTPUT ${nvrec_record_clips}/made
-  COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_record_clips.sh ${nvrec_record_clips}
+  COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/record_clips.sh ${nvrec_record_clips}
   COMMAND ${CMAKE_COMMAND} -E touch ${nvrec_record_clips}/made
-  DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_record_clips.sh
+  DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/record_clips.sh
   COMMENT "Encoding cameras for the recorder's tests")
 add_custom_target(nvrec_record_clips DEPENDS ${nvrec_record_clips}/made)
 
 nvrhal_test(nvrec_record_pieces_test
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_run.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_record_files.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_record_pieces_test.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_record_retry_test.cpp
-  LIBS nvrec_pieces LABEL board TIMEOUT 60)
+  ${CMAKE_CURRENT_SOURCE_DIR}/record_files.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/record_pieces_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/record_retry_test.cpp
+  LIBS nvrec_run nvrec_pieces LABEL nvrec TIMEOUT 60)
 target_compile_definitions(nvrec_record_pieces_test PRIVATE NVREC_CLIPS="${nvrec_record_clips}")
 add_dependencies(nvrec_record_pieces_test nvrec_record_clips)
 
 nvrhal_test(nvrec_record_test
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_run.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_record_files.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_record_test.cpp
-  LABEL board TIMEOUT 180)
+  ${CMAKE_CURRENT_SOURCE_DIR}/record_files.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/record_test.cpp
+  LIBS nvrec_run LABEL nvrec TIMEOUT 180)
 target_compile_definitions(nvrec_record_test PRIVATE
   NVREC_CLIPS="${nvrec_record_clips}" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
 add_dependencies(nvrec_record_test nvrec nvrec_record_clips)
@@ -30,9 +28,8 @@ if(TARGET nvrec_rtsp_camera)
 endif()
 
 nvrhal_test(nvrec_listen_test
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_run.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_listen_test.cpp
-  LABEL board TIMEOUT 120)
+  ${CMAKE_CURRENT_SOURCE_DIR}/listen_test.cpp
+  LIBS nvrec_run LABEL nvrec TIMEOUT 120)
 target_compile_definitions(nvrec_listen_test PRIVATE
   NVREC_CLIPS="${nvrec_record_clips}" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
 add_dependencies(nvrec_listen_test nvrec nvrec_record_clips)

@@ -9,8 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include "nvrec_running_wall.h"
 #include "play/player.h"
+#include "running_wall.h"
 #include "stamp.h"
 #include "vboard.h"
 #include "wall/command.h"

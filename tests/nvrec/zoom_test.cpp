@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "nvrec_run.h"
-#include "nvrec_stamps.h"
 #include "play/zoom.h"
+#include "stamps.h"
 
 namespace
 {

@@ -12,9 +12,9 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
-#include "nvrec_stand_in_wall.h"
 #include "nvrhal.h"
 #include "screen/furniture.h"
+#include "stand_in_wall.h"
 
 using namespace nvrec;
 

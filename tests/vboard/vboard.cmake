@@ -20,7 +20,9 @@ foreach(channel RANGE 15)
   endif()
 endforeach()
 
-add_library(board_rig STATIC ${CMAKE_CURRENT_SOURCE_DIR}/board_rig.cpp)
+add_library(board_rig STATIC
+  ${CMAKE_CURRENT_SOURCE_DIR}/board_rig.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/snap_pictures.cpp)
 target_include_directories(board_rig PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
 target_compile_definitions(board_rig PUBLIC STREAM_DIR="${STAMPED_STREAM_DIR}")
 target_link_libraries(board_rig PUBLIC vboard platform_api stamp GTest::gtest
@@ -43,15 +45,15 @@ string(REPLACE "board_time_us\n" "" platform_calls "${platform_calls}")
 file(WRITE ${CMAKE_BINARY_DIR}/platform_calls.txt "${platform_calls}")
 
 nvrhal_test(vboard_test
-  ${CMAKE_CURRENT_SOURCE_DIR}/board_control_test.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/board_damage_test.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/board_decoder_test.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/board_display_test.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/board_graph_test.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/board_hdmi_test.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/board_misuse_test.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/board_race_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/control_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/damage_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/decoder_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/display_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/graph_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/hdmi_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/misuse_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/race_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/scaler_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/stamp_test.cpp
-  LIBS board_rig vboard_host LABEL board TIMEOUT 300)
+  LIBS board_rig vboard_host LABEL vboard TIMEOUT 300)
 target_compile_definitions(vboard_test PRIVATE PLATFORM_CALLS="${CMAKE_BINARY_DIR}/platform_calls.txt")

@@ -13,10 +13,10 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
-#include "nvrec_record_files.h"
 #include "nvrec_run.h"
 #include "nvrhal.h"
 #include "record/recording.h"
+#include "record_files.h"
 #include "vboard.h"
 
 namespace

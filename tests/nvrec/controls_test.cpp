@@ -16,8 +16,8 @@
 #include "controls/key_names.h"
 #include "controls/keys.h"
 #include "controls/keys_navigation.h"
-#include "nvrec_stand_in_wall.h"
 #include "nvrhal.h"
+#include "stand_in_wall.h"
 #include "vboard.h"
 #include "vboard_devices.h"
 

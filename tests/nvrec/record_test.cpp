@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 
-#include "nvrec_record_files.h"
 #include "nvrec_run.h"
+#include "record_files.h"
 
 namespace
 {

@@ -3,32 +3,30 @@ find_package(PkgConfig REQUIRED)
 
 set(nvrec_clips ${CMAKE_BINARY_DIR}/clips/nvrec)
 add_custom_command(OUTPUT ${nvrec_clips}/made
-  COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_clips.sh ${nvrec_clips}
+  COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/clips.sh ${nvrec_clips}
   COMMAND ${CMAKE_COMMAND} -E touch ${nvrec_clips}/made
-  DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_clips.sh
+  DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/clips.sh
   COMMENT "Encoding clips for the recorder's tests")
 add_custom_target(nvrec_clips DEPENDS ${nvrec_clips}/made)
 
 nvrhal_test(nvrec_pieces_test
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_run.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_feeder_test.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_input_test.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_layout_test.cpp
-  LIBS nvrec_pieces LABEL board TIMEOUT 60)
+  ${CMAKE_CURRENT_SOURCE_DIR}/feeder_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/input_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/layout_test.cpp
+  LIBS nvrec_run nvrec_pieces LABEL nvrec TIMEOUT 60)
 target_compile_definitions(nvrec_pieces_test PRIVATE NVREC_CLIPS="${nvrec_clips}")
 add_dependencies(nvrec_pieces_test nvrec_clips)
 
 nvrhal_test(nvrec_wall_test
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_run.cpp
-  ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_wall_test.cpp
-  LABEL board TIMEOUT 120)
+  ${CMAKE_CURRENT_SOURCE_DIR}/wall_test.cpp
+  LIBS nvrec_run LABEL nvrec TIMEOUT 120)
 target_compile_definitions(nvrec_wall_test PRIVATE
   NVREC_CLIPS="${nvrec_clips}" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
 add_dependencies(nvrec_wall_test nvrec nvrec_clips)
 
 pkg_check_modules(NVREC_RTSP IMPORTED_TARGET gstreamer-rtsp-server-1.0)
 if(NVREC_RTSP_FOUND)
-  add_executable(nvrec_rtsp_camera ${CMAKE_CURRENT_SOURCE_DIR}/nvrec_rtsp_camera.c)
+  add_executable(nvrec_rtsp_camera ${CMAKE_CURRENT_SOURCE_DIR}/rtsp_camera.c)
   target_link_libraries(nvrec_rtsp_camera PRIVATE PkgConfig::NVREC_RTSP)
   # The other end of the line is not under test, and its libraries are not built for sanitizers.
   target_compile_options(nvrec_rtsp_camera PRIVATE -fno-sanitize=all)

@@ -1,5 +1,5 @@
 /* nvrec_record_files.cpp - see nvrec_record_files.h. */
-#include "nvrec_record_files.h"
+#include "record_files.h"
 
 #include <algorithm>
 #include <cstdlib>
