@@ -14,13 +14,13 @@ stamped_stream(play_1.h265 --codec h265 --frames 125 --gop 25 --channel 21 ${pla
 stamped_stream(play_camera_0.h265 --codec h265 --frames 40 --gop 10 --channel 1 ${play_stream})
 stamped_stream(play_camera_1.h264 --codec h264 --frames 40 --gop 10 --channel 2 ${play_stream})
 
-foreach(name nvrec_play_test nvrec_snapshot_test nvrec_zoom_test)
-  nvrhal_test(${name}
-      ${CMAKE_CURRENT_LIST_DIR}/${name}.cpp
+foreach(name play_test snapshot_test zoom_test)
+  nvrhal_test(nvrec_${name}
+    ${CMAKE_CURRENT_LIST_DIR}/${name}.cpp
     LIBS nvrec_run stamp LABEL nvrec TIMEOUT 120)
-  target_compile_definitions(${name} PRIVATE
+  target_compile_definitions(nvrec_${name} PRIVATE
     NVREC_STREAMS="${STAMPED_STREAM_DIR}" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
-  add_dependencies(${name} nvrec stream_play_0.h264 stream_play_1.h265 stream_play_camera_0.h265
+  add_dependencies(nvrec_${name} nvrec stream_play_0.h264 stream_play_1.h265 stream_play_camera_0.h265
     stream_play_camera_1.h264)
 endforeach()
 # The zoom's arithmetic, too.
