@@ -18,5 +18,6 @@ nvrhal_test(board_wall
   ${CMAKE_CURRENT_LIST_DIR}/wall_damage_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/wall_bad_call_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/wall_leak_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/wall_quiet_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/wall_race_test.cpp
   LIBS board_session LABEL board TIMEOUT 300)

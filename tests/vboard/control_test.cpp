@@ -234,6 +234,7 @@ TEST_F(Control, TheTraceHoldsEveryCallWithArgumentsAndResult)
     ASSERT_EQ(vboard_trace_start(path.c_str()), 0);
     power_up();
     start_channel(0, MI_VDEC_CODEC_H264);
+    unbind(0, 3);
     bind(0, 3);
     bind(0, 3);
     MI_VDEC_ChnStat stat;
@@ -257,6 +258,7 @@ MI_DISP_SetVideoLayerAttr 0 {x=0 y=0 w=1920 h=1080 width=1920 height=1080 format
 MI_DISP_EnableVideoLayer 0 = 0
 MI_VDEC_CreateChn 0 {codec=0 buffer=1048576 priority=0 max_width=1920 max_height=1080 mode=1 references=2 buffers=2} = 0
 MI_VDEC_StartChn 0 = 0
+MI_SYS_UnBindChnPort {module=8 device=0 channel=0 port=0} {module=15 device=0 channel=3 port=0} = 0xa0010005 (absent)
 MI_SYS_BindChnPort {module=8 device=0 channel=0 port=0} {module=15 device=0 channel=3 port=0} 15 15 = 0
 MI_SYS_BindChnPort {module=8 device=0 channel=0 port=0} {module=15 device=0 channel=3 port=0} 15 15 = 0xa0010004
 MI_VDEC_GetChnStat 0 {bytes=0 frames=0 pictures=0} = 0

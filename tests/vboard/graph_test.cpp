@@ -61,6 +61,20 @@ TEST_F(Graph, UnbindsOnlyWhatIsBoundThisWay)
     EXPECT_EQ(unbind(0, 0), absent);
 }
 
+TEST_F(Graph, UnbindingWhatIsNotBoundIsNeitherPrintedNorCounted)
+{
+    power_up();
+    start_channel(0, MI_VDEC_CODEC_H264);
+    const uint64_t refusals = vboard_refusal_count();
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(unbind(0, 0), code(MI_MODULE_SYS, MI_REASON_ABSENT));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(vboard_refusal_count(), refusals);
+    EXPECT_EQ(unbind(1, 0), code(MI_MODULE_SYS, MI_REASON_ABSENT)); // no such decoder: a mistake
+    EXPECT_EQ(unbind(0, 16), code(MI_MODULE_SYS, MI_REASON_ABSENT));
+    EXPECT_EQ(vboard_refusal_count(), refusals + 2);
+}
+
 TEST_F(Graph, TheDecoderIsOneDeviceWhateverNumberTheSourceNames)
 {
     power_up();

@@ -101,6 +101,7 @@ namespace call_detail
 
 std::atomic<unsigned> hooks{0};
 thread_local const CallSite *current_call = nullptr;
+thread_local const char *declined = nullptr;
 
 bool take_fault(const CallSite &site, int32_t &code)
 {
@@ -122,8 +123,9 @@ void trace_line(const CallSite &site, const std::string &arguments, const std::s
     const int64_t now_us = clock_now_us();
     const std::lock_guard guard(calls.mutex);
     if (calls.trace == nullptr) return;
-    fprintf(calls.trace.get(), "%lld %s%s = %s\n", static_cast<long long>(now_us), site.name,
-            arguments.c_str(), result.c_str());
+    const std::string reason = declined != nullptr ? std::string(" (") + declined + ")" : "";
+    fprintf(calls.trace.get(), "%lld %s%s = %s%s\n", static_cast<long long>(now_us), site.name,
+            arguments.c_str(), result.c_str(), reason.c_str());
 }
 
 int32_t out_of_memory(const CallSite &)
@@ -141,6 +143,12 @@ int32_t refuse(MI_ModuleId module, MI_Reason reason, const char *format, ...)
     const std::string text = format_text(format, arguments);
     va_end(arguments);
     note_refusal(text + " (" + reason_text(reason) + ")");
+    return MI_ERROR(module, reason);
+}
+
+int32_t decline(MI_ModuleId module, MI_Reason reason)
+{
+    call_detail::declined = reason_text(reason);
     return MI_ERROR(module, reason);
 }
 

@@ -46,6 +46,7 @@ enum Hook : unsigned { kTrace = 1, kFault = 2 };
 
 extern std::atomic<unsigned> hooks;                   // Hook bits that are on
 extern thread_local const CallSite *current_call;     // for refusal lines
+extern thread_local const char *declined;             // why the current call was declined, or null
 bool take_fault(const CallSite &site, int32_t &code); // counts the call
 void trace_line(const CallSite &site, const std::string &arguments, const std::string &result);
 int32_t out_of_memory(const CallSite &site);
@@ -77,7 +78,11 @@ template <typename Result> std::string result_text(Result result)
 class Scope
 {
 public:
-    explicit Scope(const CallSite &site) : outer_(current_call) { current_call = &site; }
+    explicit Scope(const CallSite &site) : outer_(current_call)
+    {
+        current_call = &site;
+        declined = nullptr;
+    }
     ~Scope() { current_call = outer_; }
     Scope(const Scope &) = delete;
     Scope &operator=(const Scope &) = delete;
@@ -117,6 +122,12 @@ auto platform_call(const CallSite &site, Body body, const Arguments &...argument
  * To be used as `return refuse(MI_MODULE_VDEC, MI_REASON_ABSENT, "channel %u is not created", c);`.
  */
 [[gnu::format(printf, 3, 4)]] int32_t refuse(MI_ModuleId module, MI_Reason reason, const char *format, ...);
+
+/*
+ * Give the current call a failure code without counting or printing it, for a request that finds
+ * nothing to do and that a sound application makes as a matter of course. The trace line says why.
+ */
+int32_t decline(MI_ModuleId module, MI_Reason reason);
 
 /* As refuse, for calls whose failure is a plain -1. */
 [[gnu::format(printf, 1, 2)]] int refuse_plainly(const char *format, ...);

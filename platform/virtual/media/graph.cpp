@@ -168,10 +168,14 @@ int32_t graph_unbind(const MI_SYS_ChnPort *source, const MI_SYS_ChnPort *sink)
     const auto found = std::find_if(all.edges.begin(), all.edges.end(), [&](const Edge &edge) {
         return same_source(edge.source, *source) && same_sink(edge.sink, *sink);
     });
-    if (found == all.edges.end())
+    if (found == all.edges.end()) {
+        // An application that unbinds before it binds anew does nothing wrong. Ends that this board
+        // does not have are a mistake all the same.
+        if (source_exists(*source) && sink_exists(*sink)) return decline(MI_MODULE_SYS, MI_REASON_ABSENT);
         return refuse(MI_MODULE_SYS, MI_REASON_ABSENT, "{%u, %d, %u, %u} does not feed {%u, %d, %u, %u}",
                       source->module, static_cast<int32_t>(source->device), source->channel, source->port,
                       sink->module, static_cast<int32_t>(sink->device), sink->channel, sink->port);
+    }
     tell_sink(found->sink, nullptr);
     all.edges.erase(found);
     return MI_SUCCESS;
