@@ -1,0 +1,15 @@
+/* snapshot.h - a JPEG picture of one camera in a file. UI thread. */
+#ifndef SNAPSHOT_H
+#define SNAPSHOT_H
+
+#include <stdbool.h>
+
+#include "stream_file.h"
+
+/* Allow snapshots, once. */
+void snapshot_allow(void);
+
+/* Take one, 352 x 288. Waits up to 2.5 s. `cameras` is their number: the spare decoder's channel. */
+bool snapshot_take(int channel, enum codec codec, int cameras, const char *path);
+
+#endif

@@ -1,0 +1,128 @@
+/*
+ * virtual_board.c - see virtual_board.h and nodes.h. The only file here that knows of the board in
+ * software: leave it out for a board, and put nodes.c in its place.
+ */
+#include "virtual_board.h"
+
+#include <fcntl.h>
+#include <stdint.h>
+#include <stdio.h>
+#include <string.h>
+
+#include "board_io.h"
+#include "camera.h"
+#include "controls.h"
+#include "nodes.h"
+#include "vboard.h"
+#include "vboard_audio.h"
+#include "vboard_devices.h"
+
+#define MOST_ORDERS 64
+#define LOUDSPEAKER 3 /* the audio output that the library plays on */
+#define BUZZER_LINE 28
+
+static struct order {
+    double at_s;
+    char what[16];
+    char argument[256];
+} orders[MOST_ORDERS];
+static int order_count, next_order;
+static int64_t began_at_us;
+
+/* The remote control's buttons: name, key code, and what the button sends. */
+static const struct button {
+    const char *name;
+    enum key key;
+    uint32_t ir_code;
+} buttons[] = {
+    {"up", KEY_UP, 0x6699FF00},       {"down", KEY_DOWN, 0x6E91FF00},
+    {"left", KEY_LEFT, 0x6996FF00},   {"right", KEY_RIGHT, 0x6B94FF00},
+    {"enter", KEY_ENTER, 0x6A95FF00}, {"play", KEY_PLAY, 0x649BFF00},
+    {"pause", KEY_PAUSE, 0x738CFF00}, {"stop", KEY_STOP, 0x6897FF00},
+    {"zoom", KEY_ZOOM, 0x619EFF00},   {"snapshot", KEY_SNAPSHOT, 0x639CFF00},
+};
+
+int node_open(const char *path)
+{
+    return board_open(path, O_RDONLY);
+}
+
+int node_read(int node, void *record, size_t size)
+{
+    return board_read(node, record, size);
+}
+
+void node_close(int node)
+{
+    if (node >= 0) board_close(node);
+}
+
+static const struct button *button_named(const char *name)
+{
+    for (size_t i = 0; i < sizeof buttons / sizeof buttons[0]; ++i)
+        if (strcmp(buttons[i].name, name) == 0) return &buttons[i];
+    return NULL;
+}
+
+bool virtual_board_order(const char *text)
+{
+    if (order_count == MOST_ORDERS) return false;
+    struct order *order = &orders[order_count++];
+    order->argument[0] = 0;
+    return sscanf(text, "%lf:%15[^=]=%255s", &order->at_s, order->what, order->argument) >= 2;
+}
+
+static bool write_state(const char *path)
+{
+    vboard_watchdog_stat watchdog;
+    vboard_panel_stat panel;
+    FILE *file = fopen(path, "w");
+    if (!file) return false;
+    vboard_watchdog_get_stat(&watchdog);
+    vboard_panel_get_stat(&panel);
+    fprintf(file, "watchdog %s\nfeeds %llu\nlamp changes %llu\nbuzzer %d\n", watchdog.enabled ? "on" : "off",
+            (unsigned long long)watchdog.feeds, (unsigned long long)panel.lamp_changes,
+            vboard_gpio_level(BUZZER_LINE));
+    return fclose(file) == 0;
+}
+
+static bool carry_out(const struct order *order)
+{
+    const struct button *button = button_named(order->argument);
+    int x, y;
+    if (strcmp(order->what, "press") == 0 && button) {
+        vboard_ir_press(button->ir_code);
+    } else if (strcmp(order->what, "panel") == 0 && button) {
+        vboard_panel_press(button->key);
+    } else if (strcmp(order->what, "click") == 0 && sscanf(order->argument, "%d,%d", &x, &y) == 2) {
+        vboard_mouse_move(x, y);
+        vboard_mouse_buttons(1);
+        vboard_mouse_buttons(0);
+    } else if (strcmp(order->what, "picture") == 0) {
+        return vboard_display_save_png(0, order->argument) == 0;
+    } else if (strcmp(order->what, "state") == 0) {
+        return write_state(order->argument);
+    } else if (strcmp(order->what, "wav") == 0) {
+        return vboard_audio_open_wav(LOUDSPEAKER, order->argument) == 0;
+    } else {
+        return false;
+    }
+    return true;
+}
+
+bool virtual_board_turn(void)
+{
+    if (began_at_us == 0) began_at_us = now_us();
+    while (next_order < order_count) {
+        const struct order *order = &orders[next_order];
+        if ((double)(now_us() - began_at_us) < order->at_s * 1e6) return true;
+        if (strcmp(order->what, "quit") == 0) {
+            vboard_audio_close(LOUDSPEAKER);
+            return false;
+        }
+        if (!carry_out(order))
+            fprintf(stderr, "recorder: cannot do \"%s=%s\"\n", order->what, order->argument);
+        ++next_order;
+    }
+    return true;
+}
