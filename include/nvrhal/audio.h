@@ -80,8 +80,7 @@ NVRHAL_API int32_t ext_audio_speek_stop(void);
 /** Store the boot audio format; the library does not read it. @return 0. Thread: any. */
 NVRHAL_API int32_t ext_change_boot_audio_format(uint32_t format);
 
-/** Place of the HDMI audio path, which needs nothing here. audio_stop_hdmi returns its argument. */
-NVRHAL_API void audio_start_hdmi(void);
+/** End of the HDMI audio path, which needs nothing here. @return its argument. */
 NVRHAL_API int32_t audio_stop_hdmi(int32_t argument);
 
 #ifdef __cplusplus

@@ -115,10 +115,6 @@ NVRHAL_API int32_t local_irkey_status_get(LocalKey *status);
 NVRHAL_API int32_t hi_start_key_proc(void);
 NVRHAL_API void hi_stop_key_proc(void);
 
-/** Do nothing. */
-NVRHAL_API void translateKey(void);
-NVRHAL_API void hi_localkey_proc(void);
-
 #ifdef __cplusplus
 }
 #endif

@@ -221,7 +221,7 @@ AUDIO_STUB(ext_audio_speek_get_buf)
 AUDIO_STUB(ext_release_audio_speek_buf)
 AUDIO_STUB(ext_set_audio_input_volume)
 
-void audio_start_hdmi(void)
+void audio_start_hdmi(...)
 {
     log_entry(kSource);
 }

@@ -79,6 +79,6 @@ int32_t hi_remotekey_proc(void)
     }
 }
 
-void translateKey(void) {}
+void translateKey(...) {}
 
-void hi_localkey_proc(void) {}
+void hi_localkey_proc(...) {}
