@@ -85,7 +85,7 @@ double write_ns(Store &store, Source &source, int readers)
 double read_ns(PoolStore &pool, Source &source, int readers)
 {
     constexpr int kPasses = 2000;
-    const int ready = std::max(1, static_cast<int>(0x60000 / source.length())); // well within the ring
+    const int ready = std::max(1, static_cast<int>(NVRHAL_MAIN_FRAME_BYTES / source.length())); // well within the ring
     for (int reader = 0; reader < readers; ++reader)
         while (pool.take(reader) != 0) {
         }

@@ -18,7 +18,7 @@ namespace bench_pool
 {
 
 /** The main stream's rings, as start-up sizes them. */
-constexpr StreamRingSizes kRing = {0x60000, 0xF0000, 768};
+constexpr StreamRingSizes kRing = {NVRHAL_MAIN_FRAME_BYTES, NVRHAL_MAIN_RING_BYTES, NVRHAL_MAIN_RING_FRAMES};
 
 class Store
 {

@@ -8,6 +8,15 @@
 
 #include "nvrhal/api.h"
 
+/** The board's output lines, by number of the GPIO driver. All are set up by start-up. */
+enum BoardLine {
+    BOARD_LINE_WIFI_POWER = 25, /* low after start-up: the module has power */
+    BOARD_LINE_WIFI_RESET = 26, /* low after start-up                       */
+    BOARD_LINE_BUZZER = 28,     /* high after start-up; ext_buzzer_set      */
+    BOARD_LINE_RECORD = 34,     /* high after start-up                      */
+    BOARD_LINE_DISK_LED = 90,   /* high after start-up                      */
+};
+
 #ifdef __cplusplus
 extern "C" {
 #endif

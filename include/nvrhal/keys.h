@@ -8,6 +8,8 @@
 #include <stdint.h>
 
 #include "nvrhal/api.h"
+#include "nvrhal/input_nodes.h"
+#include "nvrhal/key_codes.h"
 
 #ifdef __cplusplus
 extern "C" {

@@ -3,15 +3,17 @@
 
 #include <cstdint>
 
+#include "nvrhal.h"
+
 namespace nvrhal
 {
 
 enum OutputLine : uint32_t {
-    kWifiPowerLine = 25,
-    kWifiResetLine = 26,
-    kBuzzerLine = 28,
-    kRecordLine = 34,
-    kDiskLedLine = 90,
+    kWifiPowerLine = BOARD_LINE_WIFI_POWER,
+    kWifiResetLine = BOARD_LINE_WIFI_RESET,
+    kBuzzerLine = BOARD_LINE_BUZZER,
+    kRecordLine = BOARD_LINE_RECORD,
+    kDiskLedLine = BOARD_LINE_DISK_LED,
 };
 
 } // namespace nvrhal

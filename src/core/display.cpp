@@ -27,7 +27,8 @@ constexpr uint32_t kMainLayer = 0;
 constexpr uint32_t kFurtherDeviceLayer = 3;
 constexpr uint32_t kStartBackground = 0x800080; // black as the display's registers take it
 constexpr int32_t kHdmiOnlyGuiWidth = 2560;     // more than the VGA converter can do
-constexpr int32_t kMostPorts = 16;
+constexpr int32_t kMostPorts = NVRHAL_DISPLAY_PORTS;
+static_assert(kMostPorts == MI_DISP_INPUT_PORTS);
 constexpr int32_t kFlagDevices = 16; // devices that have started and laid-out flags
 constexpr uint32_t kStartFailed = static_cast<uint32_t>(-1);
 constexpr uint32_t kPlatformCallFailed = 1;

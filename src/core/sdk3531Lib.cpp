@@ -47,9 +47,15 @@ constexpr StreamAttr kMainStreamDefaults = {
     .format = kVideoFormat,
 };
 
-constexpr StreamRingSizes kSubPool = {.max_frame_len = 0x20000, .data_size = 0x50000, .index_num = 256};
-constexpr StreamRingSizes kMainPool = {.max_frame_len = 0x60000, .data_size = 0xF0000, .index_num = 768};
-constexpr StreamRingSizes kAudioPool = {.max_frame_len = 340, .data_size = 13600, .index_num = 40};
+constexpr StreamRingSizes kSubPool = {.max_frame_len = NVRHAL_SUB_FRAME_BYTES,
+                                      .data_size = NVRHAL_SUB_RING_BYTES,
+                                      .index_num = NVRHAL_SUB_RING_FRAMES};
+constexpr StreamRingSizes kMainPool = {.max_frame_len = NVRHAL_MAIN_FRAME_BYTES,
+                                       .data_size = NVRHAL_MAIN_RING_BYTES,
+                                       .index_num = NVRHAL_MAIN_RING_FRAMES};
+constexpr StreamRingSizes kAudioPool = {.max_frame_len = NVRHAL_AUDIO_FRAME_BYTES,
+                                        .data_size = NVRHAL_AUDIO_RING_BYTES,
+                                        .index_num = NVRHAL_AUDIO_RING_FRAMES};
 
 // Sizes of the three pools, written at start-up.
 StreamPoolConfig stream_param_sub;

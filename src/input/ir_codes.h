@@ -9,12 +9,15 @@
 
 #include <cstdint>
 
+#include "nvrhal.h"
+
 namespace nvrhal
 {
 
-constexpr uint32_t kNoKey = 0;        // the reader does not know the code
-constexpr uint32_t kZoomKey = 96;     // the key that the zoom gate treats on its own
-constexpr uint32_t kUnknownKey = 122; // what the local reader reports for a code it does not know
+constexpr uint32_t kNoKey = 0;               // the reader does not know the code
+constexpr uint32_t kZoomKey = KEY_CODE_ZOOM; // the key that the zoom gate treats on its own
+constexpr uint32_t kUnknownKey =
+    KEY_CODE_UNKNOWN; // what the local reader reports for a code it does not know
 
 /** The remote-key reader's key for a code, or kNoKey. */
 uint32_t remote_key(uint32_t ir_code);

@@ -4,11 +4,20 @@
 #include "board_io.h"
 #include "core/abi.h"
 #include "core/shared_word.h"
+#include "ir_driver.h"
 #include "keyboard_driver.h"
 
 #include <fcntl.h>
 
 ABI_SIZE(LocalKey, 8);
+ABI_SIZE(PanelKey, 4);
+static_assert(__builtin_strcmp(NVRHAL_PANEL_NODE, KEYBOARD_NODE) == 0);
+
+// What applications know of the receiver is what its driver says.
+ABI_SIZE(RemoteFrame, sizeof(IrFrame));
+ABI_AT(RemoteFrame, code, offsetof(IrFrame, code));
+ABI_AT(RemoteFrame, state, offsetof(IrFrame, state));
+static_assert(__builtin_strcmp(NVRHAL_REMOTE_NODE, IR_NODE) == 0);
 
 // Written by the application, through ext_keyboard_zoom_flag or directly; read by the gate.
 int32_t keyboard_zoom_flag_m = 1;

@@ -2,10 +2,26 @@
  * The mouse event: one slot between the application's mouse reader, which fills it and sets the
  * flag, and its user interface, which takes it here. Both hold g_mouse_lock meanwhile.
  */
+#include "core/abi.h"
 #include "core/log.h"
+#include "mouse_driver.h"
 #include "nvrhal.h"
 
 #include <cstring>
+
+// What applications know of the mouse is what its driver says.
+ABI_SIZE(MouseRecord, sizeof(MouseEvent));
+ABI_AT(MouseRecord, type, offsetof(MouseEvent, type));
+ABI_AT(MouseRecord, buttons, offsetof(MouseEvent, buttons));
+ABI_AT(MouseRecord, x, offsetof(MouseEvent, x));
+ABI_AT(MouseRecord, y, offsetof(MouseEvent, y));
+ABI_AT(MouseRecord, wheel, offsetof(MouseEvent, wheel));
+ABI_SIZE(MouseRecord, sizeof g_s32KeyValue);
+static_assert(MOUSE_MOVED + 0 == MOUSE_EVENT_MOVE + 0 && MOUSE_BUTTONS_CHANGED + 0 == MOUSE_EVENT_BUTTON + 0);
+static_assert(MOUSE_WHEEL_TURNED + 0 == MOUSE_EVENT_WHEEL + 0);
+static_assert(MOUSE_LEFT_DOWN + 0 == MOUSE_BUTTON_LEFT + 0 && MOUSE_RIGHT_DOWN + 0 == MOUSE_BUTTON_RIGHT + 0);
+static_assert(MOUSE_MIDDLE_DOWN + 0 == MOUSE_BUTTON_MIDDLE + 0);
+static_assert(__builtin_strcmp(NVRHAL_MOUSE_NODE, MOUSE_NODE) == 0);
 
 // Written by the application's mouse reader; the event is taken and the flag cleared here.
 int32_t g_mouse_fd = -1;

@@ -95,7 +95,7 @@ constexpr int32_t kSmallestMaxFrame_bytes = 80;
 constexpr int32_t kDefaultDataSize_bytes = 0x370000;
 constexpr int32_t kDefaultIndexNum = 45056;
 constexpr int32_t kResyncStep = 12;
-constexpr int32_t kHighestChannel = 7; // that a producer may write to
+constexpr int32_t kHighestChannel = NVRHAL_STORED_CHANNELS - 1; // that a producer may write to
 
 StreamPoolConfig g_config; // of the latest initialisation
 StreamChannel *g_pools[kPoolCount];

@@ -23,8 +23,8 @@ namespace
 
 constexpr char kSource[] = "vdec_venc.c";
 
-constexpr uint32_t kMostBytes = 0xA0000;  // of one send, any kind
-constexpr uint32_t kDecoderChannels = 17; // 16 cameras and the spare one
+constexpr uint32_t kMostBytes = NVRHAL_MAX_SEND_BYTES; // of one send, any kind
+constexpr uint32_t kDecoderChannels = NVRHAL_MAX_DECODERS;
 
 // Codec code with which each channel's decoder was created last; every decoder starts as H.265.
 uint32_t vdec_chan_type[kDecoderChannels] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};

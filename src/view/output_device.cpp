@@ -25,7 +25,7 @@ constexpr int32_t kRecordDevice = 2; // the further output
 constexpr int32_t kSecondaryOutput = -1;
 constexpr int32_t kSecondaryType = 3;
 constexpr uint32_t kClearAtOnce = 1;
-constexpr int32_t kClearedChannels = 8; // whatever N is
+constexpr int32_t kClearedChannels = NVRHAL_PLAYBACK_CHANNELS; // whatever N is
 constexpr int32_t kMaskBits = 32;
 
 struct OutputSizeRow {

@@ -26,12 +26,12 @@ namespace
 constexpr char kSource[] = "vdec_venc.c";
 
 constexpr int32_t kDropAll = 1;
-constexpr uint32_t kPlaybackChannels = 8;
+constexpr uint32_t kPlaybackChannels = NVRHAL_PLAYBACK_CHANNELS;
 constexpr uint32_t kControlBytes = 8;
 constexpr uint8_t kControlMark = 1; // both of the first two bytes
 constexpr uint32_t kDoubleRate = 2;
 constexpr int32_t kStandard25 = 1; // of the video standard code; any other means 30
-constexpr uint32_t kAudioDivisor = 324;
+constexpr uint32_t kAudioDivisor = kAudioHeaderBytes + kAudioFrameBytes;
 
 constexpr char kGetRateFailure[] = "File:%s,Line:%d    MI_DISP_GetPubAttr exe error [%d]\n";
 constexpr char kSetRateFailure[] = "File:%s,Line:%d    MI_DISP_SetPubAttr exe error [%d]\n";

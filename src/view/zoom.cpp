@@ -25,7 +25,7 @@ constexpr char kSource[] = "vdec_venc.c";
 
 constexpr int32_t kMainDevice = 0;
 constexpr uint32_t kPictureSizeChannel = 0; // its picture size stands for all channels'
-constexpr uint32_t kRectsPerBank = 16;
+constexpr uint32_t kRectsPerBank = NVRHAL_DISPLAY_PORTS;
 // Rectangles from the secondary output's bank on: its own and the spare bank behind it.
 constexpr int32_t kSecondaryRects = 2 * kRectsPerBank;
 static_assert(sizeof set_bind_para / sizeof(PaneRect) == (kSecondaryOutputBank + 2) * kRectsPerBank);

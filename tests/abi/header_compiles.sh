@@ -52,10 +52,16 @@ if "$c" -std=c11 $warnings -I "$include" -fsyntax-only "$dir/after.c" 2>/dev/nul
     exit 1
 fi
 
+# A source for every header, which may hold nothing but macros.
+for header in nvrhal.h $(cd "$include" && ls nvrhal/*.h); do
+    alone=$dir/alone_$(basename "$header" .h)
+    printf '#include "%s"\nextern int something;\n' "$header" | tee "$alone.c" >"$alone.cpp"
+done
+
 for standard in c11 c17 c2x; do
     compiles "$standard: calls with any arguments" "$c" -std=$standard "$dir/calls.c"
-    compiles "$standard: each header alone" "$c" -std=$standard -x c "$include/nvrhal.h" "$include"/nvrhal/*.h
+    compiles "$standard: each header alone" "$c" -std=$standard "$dir"/alone_*.c
 done
 compiles "c++20: calls with any arguments" "$cxx" -std=c++20 "$dir/calls.cpp"
-compiles "c++20: each header alone" "$cxx" -std=c++20 -x c++ "$include/nvrhal.h" "$include"/nvrhal/*.h
+compiles "c++20: each header alone" "$cxx" -std=c++20 "$dir"/alone_*.cpp
 exit $status

@@ -142,6 +142,22 @@ TEST(AbiRecord, FramebufferStateHasTheStatedOrderOnTheTarget)
     EXPECT_AT(OsdInfo, fixed, 68);
 }
 
+TEST(AbiRecord, InputNodesGiveWholeWords)
+{
+    EXPECT_SIZE(RemoteFrame, 12);
+    EXPECT_AT(RemoteFrame, code, 4);
+    EXPECT_AT(RemoteFrame, state, 8);
+    EXPECT_SIZE(PanelKey, 4);
+    EXPECT_SIZE(MouseRecord, 20);
+    EXPECT_AT(MouseRecord, buttons, 4);
+    EXPECT_AT(MouseRecord, x, 8);
+    EXPECT_AT(MouseRecord, y, 12);
+    EXPECT_AT(MouseRecord, wheel, 16);
+    EXPECT_SIZE(KeyEvent, 20);
+    EXPECT_AT(KeyEvent, code, 8);
+    EXPECT_SIZE(LocalKey, 8);
+}
+
 TEST(AbiRecord, LooksTheSameFromBothLanguages)
 {
     size_t c[kSeenSizes] = {}, cxx[kSeenSizes] = {};

@@ -27,7 +27,7 @@ namespace
 using namespace nvrec;
 using namespace std::chrono_literals;
 
-constexpr uint32_t kBuzzer = 28;
+constexpr uint32_t kBuzzer = BOARD_LINE_BUZZER;
 constexpr int32_t kPatience_ms = 20000;
 constexpr int64_t kSecond_us = 1000000;
 

@@ -17,7 +17,7 @@ namespace
 using namespace nvrec;
 
 constexpr int kChannels = 2;
-constexpr uint32_t kLargestMainFrame_bytes = 0x60000;
+constexpr uint32_t kLargestMainFrame_bytes = NVRHAL_MAIN_FRAME_BYTES;
 constexpr int kKeyInterval = 5;
 
 /* A main pool as start-up makes it, and a camera whose frames carry their number. */
@@ -30,7 +30,7 @@ protected:
         StreamPoolConfig config = {};
         config.channel_count = kChannels;
         for (StreamRingSizes &sizes : config.channels)
-            sizes = {kLargestMainFrame_bytes, 0xF0000, 768};
+            sizes = {kLargestMainFrame_bytes, NVRHAL_MAIN_RING_BYTES, NVRHAL_MAIN_RING_FRAMES};
         ASSERT_EQ(kx_stream_init_avstream(&config, STREAM_POOL_MAIN), 0);
         PoolFrame none;
         EXPECT_FALSE(reader_.take(&none)) << "the pool is empty";

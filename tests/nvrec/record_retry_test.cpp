@@ -40,7 +40,7 @@ protected:
         StreamPoolConfig config = {};
         config.channel_count = kChannel + 1;
         for (StreamRingSizes &sizes : config.channels)
-            sizes = {0x20000, 0x50000, 768};
+            sizes = {NVRHAL_SUB_FRAME_BYTES, NVRHAL_SUB_RING_BYTES, NVRHAL_MAIN_RING_FRAMES};
         ASSERT_EQ(kx_stream_init_avstream(&config, STREAM_POOL_SUB), 0);
         ASSERT_TRUE(camera_.open(std::chrono::seconds(10))) << camera_.error();
         vboard_clock_take();

@@ -14,7 +14,7 @@ namespace
 {
 
 constexpr int32_t kRefused = static_cast<int32_t>(0xA00F0003);
-constexpr uint32_t kBufferBytes = 655360;
+constexpr uint32_t kBufferBytes = NVRHAL_MAX_SEND_BYTES;
 
 /** Deliver a record and check that its buffer is free again. */
 int32_t deliver(FrameInfo &rec)

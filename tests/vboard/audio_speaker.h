@@ -15,8 +15,8 @@ namespace speaker
 {
 
 constexpr uint32_t kDevice = 3; // the library's
-constexpr uint32_t kHeaderBytes = 4;
-constexpr uint32_t kFrameBytes = 320;
+constexpr uint32_t kHeaderBytes = NVRHAL_SOUND_HEADER_BYTES;
+constexpr uint32_t kFrameBytes = NVRHAL_SOUND_UNIT_BYTES;
 constexpr uint32_t kFrameSamples = 1920; // of it, at 48 kHz
 constexpr int64_t kFrame_us = 40000;
 constexpr uint32_t kCapacity = 6 * 2048;
