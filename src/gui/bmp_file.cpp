@@ -15,6 +15,7 @@ namespace
 constexpr size_t kMagic_bytes = 2;
 constexpr size_t kRest_bytes = 12; // the file header behind its magic
 constexpr size_t kInfo_bytes = 44; // the info header and the 4 bytes that follow it
+constexpr size_t kNeeded_bytes = kMagic_bytes + kRest_bytes + 40; // both headers without those 4
 
 struct RawHeaders {
     uint8_t magic[kMagic_bytes];
@@ -33,15 +34,17 @@ uint32_t u32_at(const uint8_t *bytes)
     return u16_at(bytes) | u16_at(bytes + 2) << 16;
 }
 
+/** Open a file and read its headers, with 0 for what a short file has not. Null after a message. */
 FILE *open_and_read(const char *path, RawHeaders *headers)
 {
+    *headers = {};
     FILE *file = std::fopen(path, "rb");
     if (!file) {
         log_error(kBmpSource, "Open file faild:%s!\n", path);
         return nullptr;
     }
     std::setvbuf(file, nullptr, _IONBF, 0); // two large reads: a buffer would only be a copy more
-    if (std::fread(headers, sizeof *headers, 1, file) == 1 &&
+    if (std::fread(headers, 1, sizeof *headers, file) >= kNeeded_bytes &&
         std::memcmp(headers->magic, "BM", kMagic_bytes) == 0)
         return file;
     log_error_line(kBmpSource, "not bitmap file");

@@ -3,6 +3,8 @@
  *
  * "BM", 12 further bytes of the file header (size, two reserved words, offset of the pixels), then
  * the 40-byte info header. Little-endian. Rows stand from bottom to top when the height is positive.
+ * Callers get 4 bytes more than the info header has; a file that ends within those is read as if it
+ * went on with zero bytes.
  */
 #pragma once
 

@@ -4,7 +4,8 @@
  * LoadBMP copies pixels as they are; LoadBMPEx converts 24-bit files to the surface's colour
  * format. The pixel area is read in blocks of rows, from the bottom row up, or straight into the
  * surface's rows where nothing is converted. A file that ends early fills the rows that it has; no
- * pixel is written that was not read, and no row beyond its pitch.
+ * pixel is written that was not read, and no row beyond its pitch. Headers may state any size: the
+ * memory that a load takes is bounded by what the file holds.
  * Thread: any; the surface is the caller's.
  */
 #include "nvrhal.h"
@@ -48,6 +49,7 @@ struct Bitmap {
     uint32_t height;       // the header's, cut to 16 bits
     uint64_t row_bytes;    // the pixels of a row
     uint64_t stride_bytes; // from one file row to the next
+    uint64_t held_bytes;   // what the file has, from the first pixel to its end
 };
 
 // File rows first to end - 1, as many bytes of them as the file has.
@@ -95,8 +97,16 @@ uint32_t rows_a_block(const Bitmap &bitmap)
 
 uint8_t *allocate_block(const Bitmap &bitmap, uint32_t rows)
 {
-    const uint64_t size = rows * bitmap.stride_bytes;
-    return static_cast<uint8_t *>(std::malloc(size > 0 ? static_cast<size_t>(size) : 1));
+    const size_t size = smaller(rows * bitmap.stride_bytes, bitmap.held_bytes);
+    return static_cast<uint8_t *>(std::malloc(size > 0 ? size : 1));
+}
+
+// How many bytes a file has from an offset to its end; none when it cannot be positioned.
+uint64_t bytes_from(FILE *file, uint32_t offset)
+{
+    if (std::fseek(file, 0, SEEK_END) != 0) return 0;
+    const long size = std::ftell(file);
+    return size > 0 && static_cast<uint64_t>(size) > offset ? static_cast<uint64_t>(size) - offset : 0;
 }
 
 // Where a file row goes: file rows stand from bottom to top.
@@ -116,9 +126,10 @@ Row row_of(const Bitmap &bitmap, const PixelBlock &block, const OsdSurface &surf
 
 enum class Reading { kComplete, kShort, kNoMemory };
 
+// The area counts in whole rows, also where file rows stand closer together.
 bool is_too_large(const Bitmap &bitmap)
 {
-    return bitmap.header.width < 1 || bitmap.stride_bytes * bitmap.height > kLargestArea_bytes;
+    return bitmap.header.width < 1 || bitmap.row_bytes * bitmap.height > kLargestArea_bytes;
 }
 
 /** Rows that follow one another in the file and fit in the surface need no block in between. */
@@ -154,15 +165,24 @@ template <typename Take> Reading read_rows(const Bitmap &bitmap, const OsdSurfac
     PixelBlock block = {allocate_block(bitmap, rows), 0, 0, 0};
     if (!block.bytes) return Reading::kNoMemory;
 
-    bool complete = std::fseek(bitmap.file, static_cast<long>(bitmap.header.pixel_offset), SEEK_SET) == 0;
-    while (complete && block.end < bitmap.height) {
+    const uint64_t area = bitmap.stride_bytes * bitmap.height;
+    uint64_t left = smaller(area, bitmap.held_bytes);
+    bool complete = left == area;
+    if (std::fseek(bitmap.file, static_cast<long>(bitmap.header.pixel_offset), SEEK_SET) != 0) {
+        complete = false;
+        left = 0;
+    }
+    while (left > 0) {
         block.first = block.end;
         block.end = bitmap.height - block.first < rows ? bitmap.height : block.first + rows;
-        const auto wanted = static_cast<size_t>((block.end - block.first) * bitmap.stride_bytes);
+        const size_t wanted = smaller((block.end - block.first) * bitmap.stride_bytes, left);
         block.size = std::fread(block.bytes, 1, wanted, bitmap.file);
-        complete = block.size == wanted;
         for (uint32_t row = block.first; row < block.end; ++row)
             if (const Row line = row_of(bitmap, block, surface, row); line.bytes > 0) take(line);
+        left -= wanted;
+        if (block.size == wanted) continue;
+        complete = false;
+        left = 0;
     }
     std::free(block.bytes);
     return complete ? Reading::kComplete : Reading::kShort;
@@ -179,6 +199,7 @@ int32_t load_plain(Bitmap &bitmap, OsdSurface *surface)
     const uint32_t to_bytes = is_16_bit ? 2 : 4;
     const uint32_t copied = bitmap.pixel_bytes < to_bytes ? bitmap.pixel_bytes : to_bytes;
     if (surface->pitch == 0) surface->pitch = surface->width * to_bytes;
+    if (bitmap.height == 0) return 0;
 
     const Reading reading = read_rows(bitmap, *surface, [&](Row line) {
         size_t pixels = smaller(line.bytes / bitmap.pixel_bytes, surface->pitch / to_bytes);
@@ -195,20 +216,34 @@ int32_t load_plain(Bitmap &bitmap, OsdSurface *surface)
     return 0;
 }
 
+bool is_32_bit_format(uint32_t color_format)
+{
+    return color_format == 6 || color_format == 7;
+}
+
+bool is_16_bit_format(uint32_t color_format)
+{
+    return color_format == 0 || color_format == 2 || color_format == 3 || color_format == 4;
+}
+
+// 24-bit pixels into a row of the surface; a format without conversion leaves it as it is.
 void convert_row_24(const Row &line, uint32_t pitch, uint32_t color_format)
 {
     const size_t pixels = line.bytes / 3;
-    switch (color_format) {
-    case 6:
-    case 7: return convert_bgr24_to_32(line.from, line.to, smaller(pixels, pitch / 4));
-    case 0:
-    case 2:
-    case 3:
-    case 4: return convert_bgr24_to_16(line.from, line.to, smaller(pixels, pitch / 2), color_format);
-    default:
-        for (size_t pixel = 0; pixel < pixels; ++pixel)
-            log_error(kBmpSource, "file(%s), line(%d), no such format!\n", kBmpSource, __LINE__);
-    }
+    if (is_32_bit_format(color_format))
+        convert_bgr24_to_32(line.from, line.to, smaller(pixels, pitch / 4));
+    else if (is_16_bit_format(color_format))
+        convert_bgr24_to_16(line.from, line.to, smaller(pixels, pitch / 2), color_format);
+}
+
+// Said of every pixel of the picture, also of those that a short file has not.
+void report_missing_conversion(const Bitmap &bitmap, uint32_t color_format)
+{
+    if (bitmap.header.bits_per_pixel != 24) return; // the other depths need none
+    if (is_32_bit_format(color_format) || is_16_bit_format(color_format)) return;
+    const uint64_t pixels = static_cast<uint64_t>(bitmap.header.width) * bitmap.height;
+    for (uint64_t pixel = 0; pixel < pixels; ++pixel)
+        log_error(kBmpSource, "file(%s), line(%d), no such format!\n", kBmpSource, __LINE__);
 }
 
 Reading read_converted(const Bitmap &bitmap, const OsdSurface &surface, uint32_t color_format)
@@ -228,6 +263,7 @@ int32_t load_converted(Bitmap &bitmap, OsdSurface *surface, uint32_t color_forma
     // Only 16 bits of the row length count, on purpose.
     bitmap.stride_bytes = ((bitmap.row_bytes & 0xFFFFu) + 3) & ~uint64_t{3};
     surface->pitch = surface->width * (color_format < kFirst32BitFormat ? 2 : 4);
+    if (bitmap.height == 0) return 0;
 
     const Reading reading = read_converted(bitmap, *surface, color_format);
     if (reading == Reading::kNoMemory) return refuse("not enough memory to malloc!");
@@ -236,6 +272,7 @@ int32_t load_converted(Bitmap &bitmap, OsdSurface *surface, uint32_t color_forma
                   static_cast<int>(bitmap.stride_bytes), __LINE__);
         std::perror("fread:");
     }
+    report_missing_conversion(bitmap, color_format);
     return 0;
 }
 
@@ -253,6 +290,7 @@ template <typename Load> int32_t load_file(const char *path, OsdSurface *surface
         bitmap.pixel_bytes = bitmap.header.bits_per_pixel / 8;
         bitmap.height = static_cast<uint32_t>(bitmap.header.height) & 0xFFFFu;
         bitmap.row_bytes = static_cast<uint64_t>(bitmap.header.width) * bitmap.pixel_bytes;
+        bitmap.held_bytes = bytes_from(bitmap.file, bitmap.header.pixel_offset);
         surface->width = static_cast<uint32_t>(bitmap.header.width);
         surface->height = bitmap.height;
         result = load(bitmap);

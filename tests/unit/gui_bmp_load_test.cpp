@@ -185,16 +185,41 @@ TEST(LoadBmpEx, SkipsPixelsOfOtherDepths)
 TEST(LoadBmpEx, AnEmptyPictureIsASuccess)
 {
     BmpFile bitmap = test_bitmap(4, 1, 24);
-    for (int32_t height : {0, 65536}) { // only 16 bits of the height count
+    for (int32_t height : {0, 65536, 65536 * 3}) { // only 16 bits of the height count
         bitmap.height = height;
-        FileOnDisk file(bitmap);
+        std::vector<uint8_t> bytes = bitmap.bytes();
+        for (size_t size : {bytes.size(), size_t{54}}) { // with some pixels, and as headers alone
+            bytes.resize(size);
+            FileOnDisk file(bytes);
+            for (uint32_t format : {1u, 3u, 7u}) {
+                recording::forget_printed();
+                Surface surface(1);
+                EXPECT_EQ(LoadBMPEx(file.path(), &surface.record, format), 0);
+                EXPECT_EQ(surface.record.height, 0u);
+                EXPECT_EQ(surface.record.width, 4u);
+                EXPECT_EQ(LoadBMP(file.path(), &surface.record), 0);
+                EXPECT_TRUE(surface.untouched());
+                EXPECT_EQ(recording::printed_text(), "");
+            }
+        }
+    }
+}
+
+// Nothing is read, so that neither the width nor the place of the pixels matters.
+TEST(LoadBmpEx, AnEmptyPictureMayHaveAnyWidthAndOffset)
+{
+    for (int32_t width : {0, -1, 1, 3000000, INT32_MAX, INT32_MIN}) {
+        BmpFile bitmap;
+        bitmap.width = width;
+        std::vector<uint8_t> bytes = bitmap.bytes();
+        ASSERT_EQ(bytes.size(), 54u);
+        for (size_t i = 10; i < 14; ++i)
+            bytes[i] = 0xFF;
+        FileOnDisk file(bytes);
         Surface surface(1);
-        EXPECT_EQ(LoadBMPEx(file.path(), &surface.record, 3), 0);
-        EXPECT_EQ(surface.record.height, 0u);
-        EXPECT_EQ(surface.record.width, 4u);
+        EXPECT_EQ(LoadBMPEx(file.path(), &surface.record, 7), 0) << width;
         EXPECT_TRUE(surface.untouched());
-        EXPECT_EQ(LoadBMP(file.path(), &surface.record), 0);
-        EXPECT_TRUE(surface.untouched());
+        EXPECT_EQ(recording::printed_text(), "");
     }
 }
 
@@ -306,6 +331,50 @@ TEST(ShortBitmap, FillsTheRowsThatItHas)
             EXPECT_EQ(bytes[i], Surface::kOld);
         for (size_t i = 0; i < 16; ++i)
             EXPECT_EQ(bytes[i], Surface::kOld);
+    }
+}
+
+// The smallest file with a pixel: what the header reader asks for behind the info header is already
+// the pixel's, and the row's padding is not there.
+TEST(ShortBitmap, OfOnePixelLoadsIt)
+{
+    for (uint16_t bits : {uint16_t{16}, uint16_t{24}, uint16_t{32}}) {
+        recording::forget_printed();
+        std::vector<uint8_t> bytes = test_bitmap(1, 1, bits).bytes();
+        const size_t pixel_bytes = bits / 8;
+        bytes.resize(54 + pixel_bytes);
+        FileOnDisk file(bytes);
+        Surface surface(4);
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(LoadBMPEx(file.path(), &surface.record, bits == 16 ? 3 : 7), 0) << bits;
+        const std::string reason = testing::internal::GetCapturedStderr();
+        for (size_t i = 0; i < pixel_bytes; ++i)
+            EXPECT_EQ(surface.bytes()[i], test_byte(0, 0, static_cast<uint32_t>(i))) << bits;
+        const unsigned short_reads = recording::times_printed("fread (1*4)error!line:#");
+        EXPECT_EQ(short_reads, bits == 32 ? 0u : 1u) << "a row of whole words is all there";
+        EXPECT_EQ(reason.rfind("fread:: ", 0) == 0, bits != 32);
+    }
+}
+
+// Every pixel of the picture is reported, whether the file holds it or not, behind the short read.
+TEST(ShortBitmap, ReportsEveryPixelOfAFormatWithoutConversion)
+{
+    BmpFile bitmap = test_bitmap(3, 4, 24);
+    for (size_t held : {size_t{0}, size_t{1}, size_t{12 + 4}}) {
+        std::vector<uint8_t> bytes = bitmap.bytes();
+        bytes.resize(54 + held);
+        FileOnDisk file(bytes);
+        for (uint32_t format : {1u, 5u}) {
+            recording::forget_printed();
+            Surface surface(3 * 4 * 4);
+            testing::internal::CaptureStderr();
+            EXPECT_EQ(LoadBMPEx(file.path(), &surface.record, format), 0);
+            testing::internal::GetCapturedStderr();
+            EXPECT_TRUE(surface.untouched());
+            EXPECT_EQ(recording::times_printed("file(load_bmp.c), line(#), no such format!"), 12u) << held;
+            ASSERT_EQ(recording::printed_lines().size(), 13u);
+            EXPECT_EQ(recording::printed_lines()[0].rfind("[load_bmp.c]-#: fread (4*12)error!line:", 0), 0u);
+        }
     }
 }
 

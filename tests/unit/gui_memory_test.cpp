@@ -2,11 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <sys/mman.h>
 #include <unistd.h>
 
 #include "gui_bmp_file.h"
 #include "printed.h"
 
+using gui_test::BmpFile;
 using gui_test::FileOnDisk;
 using gui_test::Surface;
 using gui_test::test_bitmap;
@@ -35,6 +37,27 @@ void *__wrap_malloc(size_t size)
 
 namespace
 {
+
+// Address space for a large surface, of which only the written pages take memory. All 0 at first.
+class Reservation
+{
+public:
+    explicit Reservation(size_t size)
+        : size_(size), bytes_(mmap(nullptr, size, PROT_READ | PROT_WRITE,
+                                   MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0))
+    {
+        if (bytes_ == MAP_FAILED) std::abort();
+    }
+    ~Reservation() { munmap(bytes_, size_); }
+    Reservation(const Reservation &) = delete;
+    Reservation &operator=(const Reservation &) = delete;
+
+    uint8_t *bytes() const { return static_cast<uint8_t *>(bytes_); }
+
+private:
+    size_t size_;
+    void *bytes_;
+};
 
 constexpr size_t kPalette_bytes = 1024; // the smaller of the two buffers of a QR image
 
@@ -73,6 +96,46 @@ TEST(GuiMemory, CopiedRowsNeedNoBuffer)
     EXPECT_EQ(LoadBMPEx(file.path(), &surface.record, 7), 0);
     failing_from_bytes = 0;
     EXPECT_EQ(surface.bytes()[0], gui_test::test_byte(0, 2, 0));
+}
+
+// Headers may state any size; memory is asked for as much as the file has bytes for.
+TEST(GuiMemory, ASmallFileNeedsLittleMemoryWhateverItsHeadersSay)
+{
+    struct Case {
+        int32_t width, height;
+        uint16_t bits;
+        bool plain_too; // LoadBMP wants rows of whole words
+    };
+    // A row of 100 MB; rows that LoadBMPEx reads 64 KiB apart, 65 MB of them; many short rows.
+    for (const Case &stated :
+         {Case{25000000, 1, 32, true}, Case{43690, 1000, 24, false}, Case{4, 65535, 24, true}}) {
+        BmpFile bitmap = test_bitmap(4, 1, stated.bits);
+        bitmap.width = stated.width;
+        bitmap.height = stated.height;
+        FileOnDisk file(bitmap);
+        for (bool converted : {false, true}) {
+            if (!converted && !stated.plain_too) continue;
+            // The file's pixels are the first of its lowest row, which is the surface's last one.
+            const size_t pitch = static_cast<size_t>(stated.width) * 4;
+            Reservation surface(pitch * static_cast<size_t>(stated.height));
+            OsdSurface record = {0, 0, 0, surface.bytes()};
+            recording::forget_printed();
+            testing::internal::CaptureStderr();
+            failing_from_bytes = 4096;
+            const int32_t result =
+                converted ? LoadBMPEx(file.path(), &record, 7) : LoadBMP(file.path(), &record);
+            failing_from_bytes = 0;
+            testing::internal::GetCapturedStderr();
+            EXPECT_EQ(result, 0) << stated.width << " x " << stated.height;
+            EXPECT_NE(recording::printed_text().find("error!line:"), std::string::npos) << "a short read";
+            const uint8_t *row = surface.bytes() + pitch * static_cast<size_t>(stated.height - 1);
+            for (size_t x = 0; x < 4; ++x)
+                EXPECT_EQ(row[4 * x], gui_test::test_byte(static_cast<int32_t>(x), 0, 0)) << x;
+            if (stated.width > 4) {
+                EXPECT_EQ(row[4 * 4], 0) << "behind the last pixel of the file";
+            }
+        }
+    }
 }
 
 TEST(GuiMemoryExits, AQrImageWithoutItsPixelsOrItsPaletteEndsTheProcess)
