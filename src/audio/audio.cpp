@@ -132,9 +132,8 @@ int32_t audio_start_ao(uint32_t device, uint32_t, const MI_AO_PubAttr *attr)
 {
     log_entry(kSource);
     if (device == kHdmiAudioDevice) audio_start_hdmi();
-    if (failed_call(kSource, "MI_AO_SetPubAttr faile =0x%x\n", MI_AO_SetPubAttr(device, attr))) return -1;
-    if (failed_call(kSource, "MI_AO_Enable faile =0x%x\n", MI_AO_Enable(device))) return -1;
-    return 0;
+    if (MI_AO_SetPubAttr(device, attr) != 0) return -1;
+    return MI_AO_Enable(device) == 0 ? 0 : -1;
 }
 
 int32_t audio_create_adec_chn(uint32_t device, uint32_t channel, uint32_t payload_type, uint32_t mode)
@@ -150,10 +149,7 @@ int32_t audio_create_adec_chn(uint32_t device, uint32_t channel, uint32_t payloa
         .sound_mode = payload_type == kForcedModePayload ? kForcedMode : mode,
     };
     const int32_t set = MI_AO_SetAdecAttr(device, channel, &attr);
-    if (failed_call(kSource, "MI_AO_SetAdecAttr faile =0x%x\n", set)) return set;
-    const int32_t enabled = MI_AO_EnableAdec(device, channel);
-    (void)failed_call(kSource, "MI_AO_EnableAdec faile =0x%x\n", enabled);
-    return enabled;
+    return set != 0 ? set : MI_AO_EnableAdec(device, channel);
 }
 
 int32_t ext_set_audio_live_channel(int32_t open, int32_t channel)

@@ -1,6 +1,7 @@
 /*
  * The analog decoder chips' own motion detection: watched areas, sensitivity, start. Two chips of
- * four inputs each, whatever the number of cameras. Thread: any.
+ * four inputs each, whatever the number of cameras. The start prints what failed; a single request
+ * of the application's only says so by its result. Thread: any.
  */
 #include "ad_driver.h"
 #include "core/log.h"
@@ -14,16 +15,6 @@ namespace
 
 constexpr uint8_t kChips = 2;
 constexpr uint32_t kStartSensitivity = 6;
-constexpr char kAreaFailure[] = "ioctl Set motion area failure";
-constexpr char kSensitivityFailure[] = "set motion sensivity fail";
-
-/** True when the node could not be opened, after saying so. */
-bool open_failed(const AdNode &node)
-{
-    if (node.is_open()) return false;
-    log_error(kAdSource, "open VC0725 (%s) fail\n", AD_NODE);
-    return true;
-}
 
 /** Send one record to every input of every chip, chip by chip. False, and the text, at the first failure. */
 template <typename Record>
@@ -42,14 +33,11 @@ bool send_to_all(const AdNode &node, unsigned long request, Record record, const
 }
 
 /** One request with the caller's record. 0 or -1. */
-template <typename Record> int32_t send_one(unsigned long request, Record *record, const char *failure)
+template <typename Record> int32_t send_one(unsigned long request, Record *record)
 {
     if (record == nullptr) return -1;
     const AdNode node;
-    if (open_failed(node)) return -1;
-    if (node.request(request, record)) return 0;
-    log_error_line(kAdSource, failure);
-    return -1;
+    return node.is_open() && node.request(request, record) ? 0 : -1;
 }
 
 } // namespace
@@ -57,11 +45,14 @@ template <typename Record> int32_t send_one(unsigned long request, Record *recor
 int32_t InitMotion(void)
 {
     const AdNode node;
-    if (open_failed(node)) return -1;
-    if (!send_to_all(node, AD_MOTION_SET_AREA, AdMotionArea{}, kAreaFailure)) return -1;
+    if (!node.is_open()) {
+        log_error(kAdSource, "open VC0725 (%s) fail\n", AD_NODE);
+        return -1;
+    }
+    if (!send_to_all(node, AD_MOTION_SET_AREA, AdMotionArea{}, "ioctl Set motion area failure")) return -1;
     AdMotionSensitivity sensitivity = {};
     sensitivity.sensitivity = kStartSensitivity;
-    if (!send_to_all(node, AD_MOTION_SET_SENSITIVITY, sensitivity, kSensitivityFailure)) return -1;
+    if (!send_to_all(node, AD_MOTION_SET_SENSITIVITY, sensitivity, "set motion sensivity fail")) return -1;
     if (node.request(AD_MOTION_START, nullptr)) return 0;
     log_error_line(kAdSource, "open motion failure");
     return -1;
@@ -69,16 +60,15 @@ int32_t InitMotion(void)
 
 int32_t SetMotionArea(const AdMotionArea *area)
 {
-    return send_one(AD_MOTION_SET_AREA, const_cast<AdMotionArea *>(area), kAreaFailure); // it is only read
+    return send_one(AD_MOTION_SET_AREA, const_cast<AdMotionArea *>(area)); // it is only read
 }
 
 int32_t GetMotionArea(AdMotionQuery *query)
 {
-    return send_one(AD_MOTION_GET_AREA, query, "ioctl Get motion area failure");
+    return send_one(AD_MOTION_GET_AREA, query);
 }
 
 int32_t SetMotionSensivity(const AdMotionSensitivity *sensitivity)
 {
-    return send_one(AD_MOTION_SET_SENSITIVITY, const_cast<AdMotionSensitivity *>(sensitivity),
-                    kSensitivityFailure);
+    return send_one(AD_MOTION_SET_SENSITIVITY, const_cast<AdMotionSensitivity *>(sensitivity));
 }

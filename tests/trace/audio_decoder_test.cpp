@@ -61,6 +61,7 @@ TEST(AudioDecoder, PassesThePlatformsCodeThrough)
     platform.script("MI_AO_EnableAdec").once().returns(5);
     EXPECT_EQ(audio_create_adec_chn(3, 0, 0, 0), 5);
     EXPECT_EQ(platform.count("MI_AO_EnableAdec"), 1u);
+    EXPECT_EQ(recording::printed_lines().size(), 2u) << "the two entries: the code says it all";
 }
 
 } // namespace

@@ -108,14 +108,29 @@ TEST(ChipMotion, PassesTheCallersRecords)
         board_ioctl /dev/vc0725dev 0x40087611 the caller's
         board_ioctl /dev/vc0725dev 0xc0087613 *
     )"));
-    platform.script("board_ioctl").returns(-1);
-    EXPECT_EQ(SetMotionArea(&area), -1);
-    EXPECT_PRINTED_AS_ERROR("vc0725.c", "ioctl Set motion area failure");
-    EXPECT_EQ(SetMotionSensivity(&sensitivity), -1);
-    EXPECT_PRINTED_AS_ERROR("vc0725.c", "set motion sensivity fail");
-    EXPECT_EQ(GetMotionArea(&query), -1);
-    EXPECT_PRINTED_AS_ERROR("vc0725.c", "ioctl Get motion area failure");
     EXPECT_EQ(platform.node(kNode).open_count(), 0u);
+}
+
+/* The texts about motion are the chip start's; a single request that fails only says so by its result. */
+TEST(ChipMotion, SingleRequestsFailSilently)
+{
+    AdMotionArea area = {};
+    AdMotionSensitivity sensitivity = {};
+    AdMotionQuery query = {};
+    for (const bool opens : {true, false}) {
+        platform.reset();
+        recording::forget_printed();
+        if (opens)
+            platform.script("board_ioctl").returns(-1);
+        else
+            platform.node(kNode).fails_to_open();
+        EXPECT_EQ(SetMotionArea(&area), -1);
+        EXPECT_EQ(SetMotionSensivity(&sensitivity), -1);
+        EXPECT_EQ(GetMotionArea(&query), -1);
+        EXPECT_EQ(platform.count("board_open /dev/vc0725dev"), 3u);
+        EXPECT_EQ(platform.node(kNode).open_count(), 0u);
+        EXPECT_EQ(recording::printed_text(), "");
+    }
 }
 
 TEST(ChipMotion, AsksNothingOfADriverThatIsNotThere)
@@ -130,7 +145,8 @@ TEST(ChipMotion, AsksNothingOfADriverThatIsNotThere)
     EXPECT_EQ(InitMotion(), -1);
     EXPECT_EQ(platform.count("board_open /dev/vc0725dev"), 4u);
     EXPECT_EQ(platform.calls({"board_ioctl", "board_close"}), "");
-    EXPECT_EQ(recording::times_printed("[vc0725.c]-#: open VC0725 (/dev/vc0725dev) fail"), 4u);
+    EXPECT_EQ(recording::times_printed("[vc0725.c]-#: open VC0725 (/dev/vc0725dev) fail"), 1u)
+        << "the chip start's";
 }
 
 TEST(ChipMotion, RefusesNullRecordsWithoutOpening)
