@@ -4,6 +4,7 @@
  * A binding is a pair of records {module, device, channel, port}: the decoder channel's output port
  * 0 and the display's input port, which stands in the channel word. Thread: as the caller's.
  */
+#include "core/decoder.h"
 #include "core/log.h"
 #include "mi_sys.h"
 #include "nvrhal.h"
@@ -66,16 +67,18 @@ int32_t vo_unbind_vi(int32_t dev, uint32_t disp_port)
     return MI_SYS_UnBindChnPort(&source, &sink);
 }
 
+int32_t nvrhal::bind_decoder(uint32_t channel)
+{
+    const MI_SYS_ChnPort source = decoder_port(0, channel);
+    const MI_SYS_ChnPort sink = display_port(0, channel);
+    const int32_t result = MI_SYS_BindChnPort(&source, &sink, kBindFrameRate, kBindFrameRate);
+    return failed_call(kSource, "HI_MPI_SYS_Bind failed with %#x!\n", result) ? -1 : 0;
+}
+
 int32_t vdec_bind_vpss(int32_t count)
 {
-    for (int32_t i = 0; i < count; ++i) {
-        const MI_SYS_ChnPort source = decoder_port(0, static_cast<uint32_t>(i));
-        const MI_SYS_ChnPort sink = display_port(0, static_cast<uint32_t>(i));
-        const int32_t result = MI_SYS_BindChnPort(&source, &sink, kBindFrameRate, kBindFrameRate);
-        if (result == 0) continue;
-        log_error(kSource, "HI_MPI_SYS_Bind failed with %#x!\n", static_cast<unsigned>(result));
-        return -1;
-    }
+    for (int32_t channel = 0; channel < count; ++channel)
+        if (bind_decoder(static_cast<uint32_t>(channel)) != 0) return -1;
     return 0;
 }
 

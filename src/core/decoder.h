@@ -1,4 +1,4 @@
-/* decoder.h - decoder state beside the exported calls. */
+/* decoder.h - decoder state and bindings beside the exported calls. */
 #pragma once
 
 #include <cstdint>
@@ -8,5 +8,8 @@ namespace nvrhal
 
 /** How many decoder channels start-up asked for: N + 1. */
 extern int32_t vdec_chnn;
+
+/** Bind decoder `channel` to port `channel` of the main output. 0, or -1 after a message. */
+int32_t bind_decoder(uint32_t channel);
 
 } // namespace nvrhal

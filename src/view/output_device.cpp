@@ -8,6 +8,7 @@
  * No lock: UI thread, not while a layout changes. Live intake reads globalVoDev word by word.
  */
 #include "ad_driver.h"
+#include "core/decoder.h"
 #include "core/device_state.h"
 #include "core/log.h"
 #include "core/selection_state.h"
@@ -68,8 +69,7 @@ void leave_further_output()
         vo_unbind_vi(kRecordDevice, static_cast<uint32_t>(channel));
     if (vo_stop_chn(kRecordDevice, count) != 0) log_error_line(kSource, "vo_stop_chn failed!");
     for (int32_t channel = 0; channel < count; ++channel) {
-        const uint32_t index = static_cast<uint32_t>(channel);
-        if (vo_bind_vpss(kMainDevice, index, index, 0) != 0)
+        if (bind_decoder(static_cast<uint32_t>(channel)) != 0)
             log_error(kSource, "vdec(vdch=%d) bind vpss(vpssg=%d) failed!\n", channel, channel);
     }
 }

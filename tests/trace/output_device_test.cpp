@@ -114,7 +114,11 @@ TEST(OutputSwitch, GoesOnWhenTheFurtherOutputFails)
     platform.script("MI_SYS_BindChnPort").nth(1).returns(-6);
     EXPECT_EQ(change_device(1, 1024, 768), 0);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "vo_stop_chn failed!");
-    EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "vdec(vdch=0) bind vpss(vpssg=0) failed!");
+    EXPECT_PRINTED_IN_ORDER(R"(
+        [vdec_venc.c]-#: HI_MPI_SYS_Bind failed with 0xfffffffa!
+        [vdec_venc.c]-#: vdec(vdch=0) bind vpss(vpssg=0) failed!
+    )");
+    EXPECT_NOT_PRINTED("failed with 0xfffffffa!");
     EXPECT_NOT_PRINTED("vdec(vdch=1) bind vpss(vpssg=1) failed!");
     EXPECT_EQ(platform.count("MI_SYS_BindChnPort"), 2u);
     EXPECT_EQ(globalVoDev, 0);
