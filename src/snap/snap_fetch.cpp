@@ -84,6 +84,7 @@ int32_t fetch(uint32_t channel, FrameInfo &frame)
     if (failed_call(kSnapSource, "MI_VENC_ReleaseStream failed with %#x!\n",
                     MI_VENC_ReleaseStream(channel, &stream))) {
         std::free(frame.data); // frame.data keeps the address, on purpose
+        frame.length = 0;      // what tells the caller that there is no picture
         return -1;
     }
     return 0;

@@ -163,7 +163,7 @@ TEST(SnapshotFetch, FailsOnAnEmptyPictureWithoutReleasingIt)
     }
 }
 
-/* The data field keeps the freed address. */
+/* The data field keeps the freed address; a length of 0 tells that there is no picture. */
 TEST(SnapshotFetch, FreesTheBufferWhenTheReleaseFailsAndKeepsItsAddress)
 {
     platform.script("MI_VENC_ReleaseStream").returns(kRefused);
@@ -173,6 +173,7 @@ TEST(SnapshotFetch, FreesTheBufferWhenTheReleaseFailsAndKeepsItsAddress)
     EXPECT_EQ(frame.data, freed);
     EXPECT_PRINTED_AS_ERROR("snap.c", "MI_VENC_ReleaseStream failed with 0xa0020010!");
     EXPECT_NE(frame.data, nullptr);
+    EXPECT_EQ(frame.length, 0u);
     EXPECT_EQ(platform.count("MI_VENC_ResetChn"), 1u);
     EXPECT_EQ(platform.count("MI_VENC_StopRecvPic"), 1u);
 }

@@ -219,6 +219,7 @@ TEST(Snapshot, DuringPlaybackAnswersForTheStopAlone)
     FrameInfo lost = request(2);
     EXPECT_EQ(ext_get_jpeg_stream(&lost), 0);
     EXPECT_EQ(lost.data, nullptr);
+    EXPECT_EQ(lost.length, 0u);
 
     platform.script("MI_VDEC_StopChn").nth(2).returns(kRefused);
     FrameInfo taken = request(2);
@@ -226,6 +227,20 @@ TEST(Snapshot, DuringPlaybackAnswersForTheStopAlone)
     EXPECT_NE(taken.data, nullptr);
     EXPECT_PRINTED_AS_ERROR("snap.c", "MI_VDEC_StartChn failed errno 0xa0020003 "); // so on purpose
     ext_release_jpeg_buf(&taken);
+}
+
+/* The result is 0 then as well, and the address is not: only the length tells. */
+TEST(Snapshot, OfAPictureThatCouldNotBeReleasedHasNoLength)
+{
+    for (uint32_t state : {0u, 1u}) {
+        prepare();
+        playback_status = state;
+        platform.script("MI_VENC_ReleaseStream").once().returns(kRefused);
+        FrameInfo frame = request(2);
+        EXPECT_EQ(ext_get_jpeg_stream(&frame), state == 1 ? 0 : -1);
+        EXPECT_NE(frame.data, nullptr);
+        EXPECT_EQ(frame.length, 0u);
+    }
 }
 
 TEST(Snapshot, DuringPlaybackStartsTheSpareDecoderWithWhatCouldBeRead)
