@@ -103,11 +103,10 @@ int Snapshots::take(int channel, const std::string &path, std::chrono::milliseco
         frame = {};
         frame.channel = static_cast<uint32_t>(channel);
         if (playback_status == 1) match_spare_decoder(channel);
-        /* During playback the result speaks of the spare decoder, not of the picture. */
-        const int32_t result = ext_get_jpeg_stream(&frame);
-        if (result != 0 && playback_status != 1) frame.data = nullptr; /* not ours after a failure */
-    } while (!frame.data && Clock::now() < give_up_at);
-    if (!frame.data) return complain(kExitBoardFailed, name + " gave no picture");
+        /* During playback the result speaks of the spare decoder; the length always of the picture. */
+        ext_get_jpeg_stream(&frame);
+    } while (frame.length == 0 && Clock::now() < give_up_at);
+    if (frame.length == 0) return complain(kExitBoardFailed, name + " gave no picture");
 
     const bool written = write_file(path, frame.data, frame.length);
     ext_release_jpeg_buf(&frame);
