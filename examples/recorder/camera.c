@@ -78,11 +78,11 @@ static void store(struct camera *camera, const struct stream_frame *frame, uint3
 static void store_sound(struct camera *camera, uint32_t number)
 {
     if (!camera->sound) return;
-    uint8_t block[SOUND_HEADER_BYTES + SOUND_BLOCK_BYTES] = {0};
-    const size_t blocks = camera->sound_size / SOUND_BLOCK_BYTES;
+    uint8_t block[NVRHAL_SOUND_HEADER_BYTES + NVRHAL_SOUND_UNIT_BYTES] = {0};
+    const size_t blocks = camera->sound_size / NVRHAL_SOUND_UNIT_BYTES;
     if (blocks == 0) return;
-    memcpy(block + SOUND_HEADER_BYTES, camera->sound + number % blocks * SOUND_BLOCK_BYTES,
-           SOUND_BLOCK_BYTES);
+    memcpy(block + NVRHAL_SOUND_HEADER_BYTES, camera->sound + number % blocks * NVRHAL_SOUND_UNIT_BYTES,
+           NVRHAL_SOUND_UNIT_BYTES);
     const FrameInfo info = {.length = sizeof block, .data = block, .pts = number};
     ext_set_audio_stream((uint32_t)camera->channel, &info);
 }

@@ -10,10 +10,8 @@
 
 #include "stream_file.h"
 
-#define FRAMES_PER_SECOND  25
-#define FRAME_PERIOD_US    (1000000 / FRAMES_PER_SECOND)
-#define SOUND_HEADER_BYTES 4   /* in front of every block of sound; skipped by the library, left 0 here */
-#define SOUND_BLOCK_BYTES  320 /* 40 ms of A-law, 8000 samples a second                                 */
+#define FRAMES_PER_SECOND 25
+#define FRAME_PERIOD_US   (1000000 / FRAMES_PER_SECOND) /* of a block of sound, too: 320 bytes, 40 ms */
 
 struct camera {
     int channel;

@@ -17,7 +17,6 @@
 
 #include "camera.h"
 #include "nodes.h"
-#include "nvrhal.h"
 
 #define PANEL_PERIOD_US 20000
 #define PANEL_KEYS      16 /* that may wait for the UI thread */
@@ -41,14 +40,14 @@ static void *read_remote(void *ignored)
 static void *read_panel(void *ignored)
 {
     (void)ignored;
-    const int panel = node_open(PANEL_NODE);
+    const int panel = node_open(NVRHAL_PANEL_NODE);
     while (panel >= 0 && !atomic_load(&stopped)) {
-        uint32_t code;
-        const int length = node_read(panel, &code, sizeof code);
+        PanelKey event;
+        const int length = node_read(panel, &event, sizeof event);
         if (length < 0) break;
-        if (length == (int)sizeof code) {
+        if (length == (int)sizeof event) {
             pthread_mutex_lock(&panel_lock);
-            if (panel_count < PANEL_KEYS) panel_keys[panel_count++] = code;
+            if (panel_count < PANEL_KEYS) panel_keys[panel_count++] = event.code;
             pthread_mutex_unlock(&panel_lock);
         } else {
             sleep_until_us(now_us() + PANEL_PERIOD_US);
@@ -60,10 +59,10 @@ static void *read_panel(void *ignored)
 
 /* [mouse] */
 /* The library has room for one event: a move may replace a move, anything else waits for its turn. */
-static bool hand_over(const struct mouse_event *event)
+static bool hand_over(const MouseRecord *event)
 {
     pthread_mutex_lock(&g_mouse_lock);
-    const bool free = g_bMouseEvent == 0 || (event->type == 1 && g_s32KeyValue[0] == 1);
+    const bool free = g_bMouseEvent == 0 || (event->type == MOUSE_MOVED && g_s32KeyValue[0] == MOUSE_MOVED);
     if (free) {
         memcpy(g_s32KeyValue, event, sizeof *event);
         __atomic_store_n(&g_bMouseEvent, 1, __ATOMIC_RELAXED); /* the UI thread looks without the lock */
@@ -76,10 +75,9 @@ static bool hand_over(const struct mouse_event *event)
 static void *read_mouse(void *ignored)
 {
     (void)ignored;
-    _Static_assert(sizeof(struct mouse_event) == sizeof g_s32KeyValue, "handed over as it is");
-    const int mouse = node_open(MOUSE_NODE);
+    const int mouse = node_open(NVRHAL_MOUSE_NODE);
     while (mouse >= 0 && !atomic_load(&stopped)) {
-        struct mouse_event event;
+        MouseRecord event;
         const int length = node_read(mouse, &event, sizeof event);
         if (length < 0) break;
         while (length == (int)sizeof event && !hand_over(&event) && !atomic_load(&stopped))
@@ -111,12 +109,12 @@ void controls_stop(void)
     ext_keyboard_close(); /* only now: the reader would go on with a closed receiver */
 }
 
-static enum key next_panel_key(void)
+static uint32_t next_panel_key(void)
 {
-    enum key taken = KEY_NONE;
+    uint32_t taken = NO_KEY;
     pthread_mutex_lock(&panel_lock);
     if (panel_count > 0) {
-        taken = (enum key)panel_keys[0];
+        taken = panel_keys[0];
         memmove(panel_keys, panel_keys + 1, --panel_count * sizeof panel_keys[0]);
     }
     pthread_mutex_unlock(&panel_lock);
@@ -124,20 +122,20 @@ static enum key next_panel_key(void)
 }
 
 /* [keys] */
-enum key controls_next_key(void)
+uint32_t controls_next_key(void)
 {
     /* Every call of ext_keyboard_value writes a line into the log and tells the panel: look first. */
     uint32_t event[5] = {0};
     while (__atomic_load_n(&key_que.read_index, __ATOMIC_RELAXED) !=
            __atomic_load_n(&key_que.write_index, __ATOMIC_RELAXED)) {
         if (ext_keyboard_value(event) != 0) break;
-        if (event[2] != KEY_NONE) return (enum key)event[2]; /* slots that nobody writes hold 0 */
+        if (event[2] != NO_KEY) return event[2]; /* slots that nobody writes hold 0 */
     }
     return next_panel_key();
 }
 /* [/keys] */
 
-bool controls_next_mouse_event(struct mouse_event *event)
+bool controls_next_mouse_event(MouseRecord *event)
 {
     if (__atomic_load_n(&g_bMouseEvent, __ATOMIC_RELAXED) == 0) return false;
     uint32_t words[5];

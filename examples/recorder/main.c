@@ -30,11 +30,10 @@
 #include "virtual_board.h"
 #include "zoom.h"
 
-#define MOST_CAMERAS   8 /* the frame pools have room for so many */
 #define TURN_PERIOD_US 20000
 
-static struct camera cameras[MOST_CAMERAS];
-static struct recording recordings[MOST_CAMERAS];
+static struct camera cameras[NVRHAL_STORED_CHANNELS];
+static struct recording recordings[NVRHAL_STORED_CHANNELS];
 static int camera_count;
 static int selected, enlarged = -1; /* channels; -1 = the grid */
 static const char *directory;
@@ -142,23 +141,23 @@ static void toggle_zoom(void)
     lay_out();
 }
 
-static void on_key(enum key pressed)
+static void on_key(uint32_t pressed)
 {
-    const int right = (pressed == KEY_RIGHT) - (pressed == KEY_LEFT),
-              down = (pressed == KEY_DOWN) - (pressed == KEY_UP);
-    if (pressed == KEY_SNAPSHOT) {
+    const int right = (pressed == KEY_CODE_RIGHT) - (pressed == KEY_CODE_LEFT),
+              down = (pressed == KEY_CODE_DOWN) - (pressed == KEY_CODE_UP);
+    if (pressed == KEY_CODE_SNAPSHOT) {
         take_snapshot();
     } else if (playback_is_on()) { /* the recording has the keys */
-        if (pressed == KEY_PAUSE || pressed == KEY_PLAY)
-            playback_pause(pressed == KEY_PAUSE && !playback_is_paused());
-        if (pressed == KEY_STOP) back_to_cameras();
-    } else if (pressed == KEY_PLAY) {
+        if (pressed == KEY_CODE_PAUSE || pressed == KEY_CODE_PLAY)
+            playback_pause(pressed == KEY_CODE_PAUSE && !playback_is_paused());
+        if (pressed == KEY_CODE_STOP) back_to_cameras();
+    } else if (pressed == KEY_CODE_PLAY) {
         play_selected();
-    } else if (pressed == KEY_ZOOM) {
+    } else if (pressed == KEY_CODE_ZOOM) {
         toggle_zoom();
     } else if (zoom_is_on()) { /* and so has the zoom */
         zoom_move(right, down);
-    } else if (pressed == KEY_ENTER) {
+    } else if (pressed == KEY_CODE_ENTER) {
         enlarged = enlarged < 0 ? selected : -1;
         lay_out();
     } else if (right != 0 || down != 0) {
@@ -167,13 +166,13 @@ static void on_key(enum key pressed)
     }
 }
 
-static void on_mouse(const struct mouse_event *event)
+static void on_mouse(const MouseRecord *event)
 {
     static uint32_t down_before;
     const uint32_t pressed = event->buttons & ~down_before;
     down_before = event->buttons;
     gui_move_cursor(event->x, event->y);
-    if ((pressed & 1) != 0 && !playback_is_on() && !zoom_is_on())
+    if ((pressed & MOUSE_LEFT_DOWN) != 0 && !playback_is_on() && !zoom_is_on())
         select_channel(screen_channel_at(event->x, event->y));
 }
 
@@ -191,9 +190,9 @@ static void draw_clock(void)
 /* [turns] */
 static void run(void)
 {
-    struct mouse_event event;
+    MouseRecord event;
     while (!asked_to_end) {
-        for (enum key pressed; (pressed = controls_next_key()) != KEY_NONE;)
+        for (uint32_t pressed; (pressed = controls_next_key()) != NO_KEY;)
             on_key(pressed);
         while (controls_next_mouse_event(&event))
             on_mouse(&event);
@@ -213,7 +212,7 @@ static bool read_arguments(int argc, char **argv)
     for (int i = 2; i < argc; ++i) {
         if (argv[i][0] >= '0' && argv[i][0] <= '9' && strchr(argv[i], ':')) {
             if (!virtual_board_order(argv[i])) return false;
-        } else if (camera_count == MOST_CAMERAS ||
+        } else if (camera_count == NVRHAL_STORED_CHANNELS ||
                    !camera_open(&cameras[camera_count], camera_count, argv[i])) {
             fprintf(stderr, "recorder: cannot open \"%s\"\n", argv[i]);
             return false;

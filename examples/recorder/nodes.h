@@ -1,5 +1,6 @@
 /*
  * nodes.h - the device nodes that the application reads itself: the front panel's keys and the mouse.
+ * nvrhal/input_nodes.h has their names and what a read gives.
  *
  * On a board these are files like any others (nodes.c). On a PC they belong to the virtual board
  * (virtual_board.c), so that the application reaches them through the board's own calls.
@@ -8,9 +9,6 @@
 #define NODES_H
 
 #include <stddef.h>
-
-#define PANEL_NODE "/dev/KeyBoard" /* a read gives 4 bytes, a key code, or 0 bytes at once              */
-#define MOUSE_NODE "/dev/mouse"    /* a read waits a tenth of a second and gives 20 bytes, or 0 bytes   */
 
 /* A descriptor, or -1. */
 int node_open(const char *path);

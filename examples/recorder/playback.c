@@ -53,13 +53,13 @@ static void deliver(const struct stream_frame *frame)
 
 static void deliver_sound(uint32_t number)
 {
-    const size_t at = (size_t)number * SOUND_BLOCK_BYTES;
-    if (!player.sound || at + SOUND_BLOCK_BYTES > player.sound_size) return;
+    const size_t at = (size_t)number * NVRHAL_SOUND_UNIT_BYTES;
+    if (!player.sound || at + NVRHAL_SOUND_UNIT_BYTES > player.sound_size) return;
     FrameInfo buffer = {0};
     if (ext_playback_get_buf(&buffer) != 0) return;
-    memset(buffer.data, 0, SOUND_HEADER_BYTES);
-    memcpy((uint8_t *)buffer.data + SOUND_HEADER_BYTES, player.sound + at, SOUND_BLOCK_BYTES);
-    buffer.length = SOUND_HEADER_BYTES + SOUND_BLOCK_BYTES;
+    memset(buffer.data, 0, NVRHAL_SOUND_HEADER_BYTES);
+    memcpy((uint8_t *)buffer.data + NVRHAL_SOUND_HEADER_BYTES, player.sound + at, NVRHAL_SOUND_UNIT_BYTES);
+    buffer.length = NVRHAL_SOUND_HEADER_BYTES + NVRHAL_SOUND_UNIT_BYTES;
     buffer.media = FRAME_MEDIA_AUDIO;
     ext_playback_set_buf(&buffer); /* waits for room in the audio output */
 }

@@ -13,16 +13,16 @@
 #include "nvrhal.h"
 
 #define LOOK_PERIOD_US 10000
-#define LARGEST_FRAME  0x60000 /* bytes: the main pool's largest frame, which is its safe distance too */
-#define SAFE_FRAMES    12      /* a pool keeps this many entries of its index apart, likewise */
+#define SAFE_FRAMES    12 /* a pool keeps this many frames between its writer and what readers are given */
 
 /* [torn] */
-/* Bytes count twice: the ring's end may have been left empty for as much as was written. */
+/* NVRHAL_MAIN_FRAME_BYTES is the ring's safe distance, too. Bytes count twice, as the ring's end may have
+   been left empty for as much as was written. */
 static bool was_overwritten(const struct camera *camera, uint32_t frames_before, uint32_t bytes_before)
 {
     const uint32_t frames = atomic_load(&camera->frames_begun) - frames_before;
     const uint32_t bytes = atomic_load(&camera->bytes_begun) - bytes_before;
-    return frames >= SAFE_FRAMES || bytes > LARGEST_FRAME / 2;
+    return frames >= SAFE_FRAMES || bytes > NVRHAL_MAIN_FRAME_BYTES / 2;
 }
 /* [/torn] */
 
@@ -45,7 +45,7 @@ static void write_frame(struct recording *recording, const FrameInfo *info, cons
 /* [fetch] */
 static bool take_frame(struct recording *recording)
 {
-    static _Thread_local uint8_t copy[LARGEST_FRAME];
+    static _Thread_local uint8_t copy[NVRHAL_MAIN_FRAME_BYTES];
     struct camera *camera = recording->camera;
     const uint32_t frames_before = atomic_load(&camera->frames_begun);
     const uint32_t bytes_before = atomic_load(&camera->bytes_begun);
@@ -62,9 +62,9 @@ static bool take_sound(struct recording *recording)
 {
     FrameInfo info = {0};
     if (ext_get_audio_stream((uint32_t)recording->camera->channel, &info) != 0) return false;
-    if (info.length > SOUND_HEADER_BYTES && recording->sound) {
-        const uint8_t *samples = (const uint8_t *)info.data + SOUND_HEADER_BYTES;
-        fwrite(samples, 1, info.length - SOUND_HEADER_BYTES, recording->sound);
+    if (info.length > NVRHAL_SOUND_HEADER_BYTES && recording->sound) {
+        const uint8_t *samples = (const uint8_t *)info.data + NVRHAL_SOUND_HEADER_BYTES;
+        fwrite(samples, 1, info.length - NVRHAL_SOUND_HEADER_BYTES, recording->sound);
         fflush(recording->sound);
     }
     return true;

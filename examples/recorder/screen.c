@@ -3,15 +3,13 @@
 
 #include "nvrhal.h"
 
-#define MOST_PANES 16
-
-static struct pane shown[MOST_PANES];
+static struct pane shown[NVRHAL_DISPLAY_PORTS];
 static int shown_count;
 
 /* [layout] */
 static bool apply(void)
 {
-    DispAttrib panes[MOST_PANES];
+    DispAttrib panes[NVRHAL_DISPLAY_PORTS];
     for (int i = 0; i < shown_count; ++i) {
         const struct pane *pane = &shown[i];
         panes[i] = (DispAttrib){.bind_status = 1,

@@ -27,7 +27,7 @@ static void play_next(int channel, StreamReader *reader)
         sleep_until_us(now_us() + FRAME_PERIOD_US / 4);
         return;
     }
-    uint8_t block[SOUND_HEADER_BYTES + SOUND_BLOCK_BYTES];
+    uint8_t block[NVRHAL_SOUND_HEADER_BYTES + NVRHAL_SOUND_UNIT_BYTES];
     if ((size_t)length > sizeof block) return;
     memcpy(block, reader->p_buf_data + reader->data_start, (size_t)length);
     const FrameInfo info = {.media = FRAME_MEDIA_AUDIO,

@@ -12,6 +12,7 @@
 #include "board_io.h"
 #include "camera.h"
 #include "controls.h"
+#include "ir_buttons.h"
 #include "nodes.h"
 #include "vboard.h"
 #include "vboard_audio.h"
@@ -19,7 +20,6 @@
 
 #define MOST_ORDERS 64
 #define LOUDSPEAKER 3 /* the audio output that the library plays on */
-#define BUZZER_LINE 28
 
 static struct order {
     double at_s;
@@ -29,18 +29,27 @@ static struct order {
 static int order_count, next_order;
 static int64_t began_at_us;
 
-/* The remote control's buttons: name, key code, and what the button sends. */
+/* The remote control's buttons that this recorder knows, and the keys that they are. */
 static const struct button {
     const char *name;
-    enum key key;
-    uint32_t ir_code;
+    uint32_t key;
 } buttons[] = {
-    {"up", KEY_UP, 0x6699FF00},       {"down", KEY_DOWN, 0x6E91FF00},
-    {"left", KEY_LEFT, 0x6996FF00},   {"right", KEY_RIGHT, 0x6B94FF00},
-    {"enter", KEY_ENTER, 0x6A95FF00}, {"play", KEY_PLAY, 0x649BFF00},
-    {"pause", KEY_PAUSE, 0x738CFF00}, {"stop", KEY_STOP, 0x6897FF00},
-    {"zoom", KEY_ZOOM, 0x619EFF00},   {"snapshot", KEY_SNAPSHOT, 0x639CFF00},
+    {"up", KEY_CODE_UP},       {"down", KEY_CODE_DOWN},
+    {"left", KEY_CODE_LEFT},   {"right", KEY_CODE_RIGHT},
+    {"enter", KEY_CODE_ENTER}, {"play", KEY_CODE_PLAY},
+    {"pause", KEY_CODE_PAUSE}, {"stop", KEY_CODE_STOP},
+    {"zoom", KEY_CODE_ZOOM},   {"snapshot", KEY_CODE_SNAPSHOT},
 };
+
+/* What a button sends to the receiver; 0 = there is no such button. */
+static uint32_t ir_code_of(const char *name)
+{
+#define IF_NAMED(button, code)                                                                               \
+    if (strcmp(name, button) == 0) return code;
+    IR_BUTTONS(IF_NAMED)
+#undef IF_NAMED
+    return 0;
+}
 
 int node_open(const char *path)
 {
@@ -82,7 +91,7 @@ static bool write_state(const char *path)
     vboard_panel_get_stat(&panel);
     fprintf(file, "watchdog %s\nfeeds %llu\nlamp changes %llu\nbuzzer %d\n", watchdog.enabled ? "on" : "off",
             (unsigned long long)watchdog.feeds, (unsigned long long)panel.lamp_changes,
-            vboard_gpio_level(BUZZER_LINE));
+            vboard_gpio_level(BOARD_LINE_BUZZER));
     return fclose(file) == 0;
 }
 
@@ -91,7 +100,7 @@ static bool carry_out(const struct order *order)
     const struct button *button = button_named(order->argument);
     int x, y;
     if (strcmp(order->what, "press") == 0 && button) {
-        vboard_ir_press(button->ir_code);
+        vboard_ir_press(ir_code_of(button->name));
     } else if (strcmp(order->what, "panel") == 0 && button) {
         vboard_panel_press(button->key);
     } else if (strcmp(order->what, "click") == 0 && sscanf(order->argument, "%d,%d", &x, &y) == 2) {

@@ -10,8 +10,8 @@
 #include "nvrhal.h"
 #include "screen.h"
 
-#define PART_WIDTH  (SCREEN_WIDTH / 2)
-#define PART_HEIGHT (SCREEN_HEIGHT / 2)
+#define PART_WIDTH  (NVRHAL_ZOOM_WIDTH / 2)
+#define PART_HEIGHT (NVRHAL_ZOOM_HEIGHT / 2)
 
 static int part_x, part_y;
 static bool on;
@@ -35,8 +35,8 @@ static bool apply(void)
 /* [zoom] */
 bool zoom_begin(int channel)
 {
-    part_x = (SCREEN_WIDTH - PART_WIDTH) / 2;
-    part_y = (SCREEN_HEIGHT - PART_HEIGHT) / 2;
+    part_x = (NVRHAL_ZOOM_WIDTH - PART_WIDTH) / 2;
+    part_y = (NVRHAL_ZOOM_HEIGHT - PART_HEIGHT) / 2;
     on = screen_show_single(channel); /* tells the library which channel is zoomed */
     if (!on) return false;
     set_zoomed(1); /* from now on the other cameras' frames are refused */
@@ -62,7 +62,7 @@ bool zoom_is_on(void)
 void zoom_move(int right, int down)
 {
     if (!on) return;
-    part_x = within(part_x + right * SCREEN_WIDTH / 8, SCREEN_WIDTH - PART_WIDTH);
-    part_y = within(part_y + down * SCREEN_HEIGHT / 8, SCREEN_HEIGHT - PART_HEIGHT);
+    part_x = within(part_x + right * NVRHAL_ZOOM_WIDTH / 8, NVRHAL_ZOOM_WIDTH - PART_WIDTH);
+    part_y = within(part_y + down * NVRHAL_ZOOM_HEIGHT / 8, NVRHAL_ZOOM_HEIGHT - PART_HEIGHT);
     apply();
 }
