@@ -65,7 +65,7 @@ void compare(FILE *report, const Picture &picture, uint32_t color_format, uint32
              SDL_FreeSurface(loaded);
          }},
     };
-    // One work a turn where it takes milliseconds: a turn that nothing interrupts is then found.
+    // Work that takes milliseconds is done once a turn, so that some turns are not interrupted.
     const bool is_large = picture.width > 1000;
     run(contestants, is_large ? 60 : 20, is_large ? 1 : 50);
     unlink(path.c_str());

@@ -1,6 +1,6 @@
 /*
- * contest.h - the same work by several hands in one run: they take turns, so that a disturbance
- * of the machine meets all of them, and each one's best turn counts.
+ * contest.h - several implementations of the same work, measured in one run. They take turns, so that
+ * a disturbance of the machine affects all of them, and the best turn of each counts.
  */
 #pragma once
 

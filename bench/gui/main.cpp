@@ -12,7 +12,7 @@
 
 int main(int count, char **arguments)
 {
-    // The library prints what it encodes: that goes nowhere, the report to the real output.
+    // The library prints what it encodes. That is discarded; the report goes to the original output.
     FILE *report = fdopen(dup(STDOUT_FILENO), "w");
     if (!report || !std::freopen("/dev/null", "w", stdout)) return 1;
 

@@ -85,7 +85,8 @@ double write_ns(Store &store, Source &source, int readers)
 double read_ns(PoolStore &pool, Source &source, int readers)
 {
     constexpr int kPasses = 2000;
-    const int ready = std::max(1, static_cast<int>(NVRHAL_MAIN_FRAME_BYTES / source.length())); // well within the ring
+    const int ready =
+        std::max(1, static_cast<int>(NVRHAL_MAIN_FRAME_BYTES / source.length())); // well within the ring
     for (int reader = 0; reader < readers; ++reader)
         while (pool.take(reader) != 0) {
         }
@@ -170,7 +171,7 @@ void compare_reading(FILE *report)
 
 int main()
 {
-    // The library tells of each position: that goes nowhere, the report to the real output.
+    // The library prints each position. That is discarded; the report goes to the original output.
     FILE *report = fdopen(dup(STDOUT_FILENO), "w");
     if (!report || !std::freopen("/dev/null", "w", stdout)) return 1;
     compare_bookkeeping(report);

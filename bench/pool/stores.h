@@ -1,5 +1,5 @@
 /*
- * stores.h - three ways to hand frames from one writer to several readers, behind one face.
+ * stores.h - three ways to hand frames from one writer to several readers, behind one interface.
  *
  * A store is written by one thread; take() is called by reader threads, each with its own number.
  */

@@ -11,7 +11,7 @@
 
 int main(int count, char **arguments)
 {
-    // The library prints what it converts: that goes nowhere, the report to the real output.
+    // The library prints what it converts. That is discarded; the report goes to the original output.
     FILE *report = fdopen(dup(STDOUT_FILENO), "w");
     if (!report || !std::freopen("/dev/null", "w", stdout)) return 1;
 

@@ -1,4 +1,4 @@
-/* The text conversions against the C library and against the plain telling, over all there is. */
+/* The text conversions against the C library and against a plain implementation, over all characters. */
 #include "nvrhal.h"
 #include "printed.h"
 #include "text_buffers.h"

@@ -1,4 +1,4 @@
-/* The text conversions told again, plainly; see text_reference.h. */
+/* A plain implementation of the text conversions; see text_reference.h. */
 #include "text_reference.h"
 
 #include "nvrhal.h"

@@ -1,5 +1,5 @@
 /*
- * text_reference.h - the text conversions told again, as plainly as can be, for comparison.
+ * text_reference.h - a second implementation of the text conversions, as plain as can be, to compare with.
  *
  * Same tables, one step after the other, no care for speed. A conversion here returns all it
  * writes; the library's output buffer must hold the same and nothing must have touched what lies
