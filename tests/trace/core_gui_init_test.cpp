@@ -1,5 +1,5 @@
 /* The display path for the GUI, and the probe for boot-logo layers. */
-#include "core/lifecycle.h"
+#include "start/lifecycle.h"
 
 #include "core_start.h"
 #include "gui_screen.h"

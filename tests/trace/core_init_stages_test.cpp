@@ -1,5 +1,5 @@
 /* Start-up stage by stage: a failing stage says so, ends start-up, and rolls nothing back. */
-#include "core/lifecycle.h"
+#include "start/lifecycle.h"
 
 #include "core_start.h"
 

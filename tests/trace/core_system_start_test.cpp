@@ -1,7 +1,7 @@
 /* ST_Sys_Init: the media system and its clock. */
 #include <string>
 
-#include "core/lifecycle.h"
+#include "start/lifecycle.h"
 
 #include "core_start.h"
 

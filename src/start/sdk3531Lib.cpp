@@ -11,7 +11,7 @@
  */
 #include "board_io.h"
 #include "core/device_state.h"
-#include "core/lifecycle.h"
+#include "start/lifecycle.h"
 #include "core/log.h"
 #include "mi_disp.h"
 #include "mi_sys.h"
