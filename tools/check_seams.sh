@@ -51,9 +51,34 @@ while read -r file; do
         violation "$file calls the operating system behind board_io.h"
 done < <(sources src)
 
+# 4. Between the rooms of the library dependencies run one way, too: a room uses itself and the rooms
+#    that stand here behind it. Start-up uses all of them, and none uses it.
+declare -A uses=(
+    [start]="core view stream snap audio gui text input board frontend"
+    [view]="core audio gui frontend"
+    [board]="core input"
+    [stream]=core [snap]=core [audio]=core [gui]=core [text]=core [input]=core [frontend]=core
+    [core]=
+)
+may_use() { [ "$1" = "$2" ] || [[ " ${uses[$1]} " == *" $2 "* ]]; } # ROOM ROOM
+for directory in src/*/; do
+    room=$(basename "$directory")
+    [ -n "${uses[$room]+known}" ] || violation "src/$room is a room whose dependencies are not stated"
+done
+while IFS=: read -r file include; do
+    room=$(echo "$file" | cut -d/ -f2)
+    used=$(echo "$include" | sed -E 's/.*"([a-z]+)\/.*/\1/')
+    may_use "$room" "$used" || violation "$file reaches up into src/$used"
+done < <(grep -rE '^[[:space:]]*#[[:space:]]*include[[:space:]]*"('"$(echo "${!uses[@]}" | tr ' ' '|')"')/' src)
+
 if [ -n "$build" ]; then
     [ -d "$build/src" ] || violation "$build holds no build of the library"
-    objects=$(find "$build/src" -path '*nvrhal_objects*' -name '*.o')
+    # An object whose source was moved or removed stays in the build directory: it is no part of the library.
+    objects=$(find "$build/src" -path '*nvrhal_objects.dir/*' -name '*.o' |
+        while read -r object; do
+            source=${object##*nvrhal_objects.dir/}
+            [ -e "src/${source%.o}" ] && echo "$object"
+        done)
     [ -n "$objects" ] || violation "$build holds no object of the library"
     while read -r symbol; do
         violation "an object of the library calls $symbol"
@@ -63,6 +88,16 @@ if [ -n "$build" ]; then
     while read -r symbol; do
         violation "an object of the library needs the C++ run-time library: $symbol"
     done < <(nm -u $objects 2>/dev/null | awk '$1 == "U" { print $2 }' | sort -u | grep -E '^(_ZSt|_ZNSt|_ZNKSt|_Zn[wa]|_Zd[la]|__cxa_|__gxx|_ZTV)')
+    # What one room's objects define and another's want, exported functions and data included.
+    rooms_symbols() { # KINDS: symbol and room, a line each
+        nm -A $objects 2>/dev/null | awk -v kinds="$1" '$(NF - 1) ~ kinds {
+            match($0, /nvrhal_objects\.dir\/[a-z]+\//)
+            print $NF, substr($0, RSTART + 19, RLENGTH - 20)
+        }' | sort -u
+    }
+    while read -r symbol defined wanted; do
+        may_use "$wanted" "$defined" || violation "src/$wanted reaches up into src/$defined for $symbol"
+    done < <(join <(rooms_symbols '^[TDBRC]$') <(rooms_symbols '^U$'))
 fi
 
 [ $violations -eq 0 ] || { echo "seams: $violations violations" >&2; exit 1; }

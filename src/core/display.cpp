@@ -8,9 +8,9 @@
  */
 #include "core/checked_call.h"
 #include "core/device_state.h"
-#include "core/display_layout.h"
 #include "core/log.h"
 #include "core/output_timing.h"
+#include "core/selection_state.h"
 #include "mi_disp.h"
 #include "mi_vdec.h"
 

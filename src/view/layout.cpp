@@ -14,7 +14,6 @@
  */
 #include "board_io.h"
 #include "core/device_state.h"
-#include "core/display_layout.h"
 #include "core/log.h"
 #include "core/output_timing.h"
 #include "core/selection_state.h"

@@ -1,14 +1,11 @@
 /*
- * Saved layouts and pane rectangles.
- *
- * Pane rectangles and marks: UI thread. Saved layouts: written under global_bindargLock, and only
- * written: nothing in the library reads them back.
+ * Saved layouts, which the library writes under global_bindargLock and never reads back, and marks of
+ * the UI thread.
  */
 #include "view/layout_state.h"
 
 #include "core/abi.h"
 #include "core/output_timing.h"
-#include "core/selection_state.h"
 
 ABI_SIZE(DispAttrib, 16);
 ABI_AT(DispAttrib, channel, 2);
@@ -18,9 +15,7 @@ ABI_SIZE(BindArgs, 136);
 ABI_AT(BindArgs, vo_dev, 64);
 ABI_AT(BindArgs, chn_num, 68);
 ABI_AT(BindArgs, bind_status, 72);
-ABI_SIZE(PaneRect, 16);
 
-PaneRect set_bind_para[4][nvrhal::kPaneChannels];
 BindArgs global_bindarg;
 pthread_mutex_t global_bindargLock = PTHREAD_MUTEX_INITIALIZER;
 uint32_t nvrhal::spare_pane_marks[nvrhal::kSparePaneMarks];

@@ -8,7 +8,6 @@
  * port's source. UI thread; zoom_channel and vo_for_ezoom are read by live intake without a lock.
  */
 #include "core/device_state.h"
-#include "core/display_layout.h"
 #include "core/log.h"
 #include "core/output_timing.h"
 #include "core/selection_state.h"
