@@ -62,13 +62,13 @@ static int32_t send_to_decoder(struct camera *camera, const struct stream_frame 
 /* [store] */
 static void store(struct camera *camera, const struct stream_frame *frame, uint32_t number)
 {
+    /* Of pts the pool keeps 32 bits. A frame number in it lets the recording find gaps. */
     const FrameInfo info = {.frame_type = frame->key ? 1 : 0,
                             .length = frame->length,
                             .width = camera->width,
                             .height = camera->height,
                             .data = frame->bytes,
-                            .pts =
-                                number}; /* of which the pool keeps 32 bits: the recording finds gaps by it */
+                            .pts = number};
     atomic_fetch_add(&camera->frames_begun, 1);
     atomic_fetch_add(&camera->bytes_begun, frame->length);
     ext_set_primary_video_stream((uint32_t)camera->channel, &info);

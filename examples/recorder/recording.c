@@ -20,6 +20,7 @@
    been left empty for as much as was written. */
 static bool was_overwritten(const struct camera *camera, uint32_t frames_before, uint32_t bytes_before)
 {
+    atomic_thread_fence(memory_order_acquire); /* the copy is made before the counts are read */
     const uint32_t frames = atomic_load(&camera->frames_begun) - frames_before;
     const uint32_t bytes = atomic_load(&camera->bytes_begun) - bytes_before;
     return frames >= SAFE_FRAMES || bytes > NVRHAL_MAIN_FRAME_BYTES / 2;

@@ -30,11 +30,9 @@ static void play_next(int channel, StreamReader *reader)
     uint8_t block[NVRHAL_SOUND_HEADER_BYTES + NVRHAL_SOUND_UNIT_BYTES];
     if ((size_t)length > sizeof block) return;
     memcpy(block, reader->p_buf_data + reader->data_start, (size_t)length);
-    const FrameInfo info = {.media = FRAME_MEDIA_AUDIO,
-                            .length = (uint32_t)length,
-                            .data = block,
-                            .channel =
-                                (uint32_t)channel}; /* counts only while that or another one is zoomed */
+    /* The channel counts only while one is zoomed: the others' sound is refused then. */
+    const FrameInfo info = {
+        .media = FRAME_MEDIA_AUDIO, .length = (uint32_t)length, .data = block, .channel = (uint32_t)channel};
     ext_send_stream(&info, 0, 0, 0);
 }
 /* [/follow] */
