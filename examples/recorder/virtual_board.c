@@ -41,13 +41,20 @@ static const struct button {
     {"zoom", KEY_CODE_ZOOM},   {"snapshot", KEY_CODE_SNAPSHOT},
 };
 
-/* What a button sends to the receiver; 0 = there is no such button. */
-static uint32_t ir_code_of(const char *name)
+/* What each button of the remote control sends to the receiver. */
+static const struct sent_code {
+    const char *name;
+    uint32_t code;
+} sent_codes[] = {
+#define ROW(name, code) {name, code},
+    IR_BUTTONS(ROW)
+#undef ROW
+};
+
+static uint32_t sent_by(const char *name)
 {
-#define IF_NAMED(button, code)                                                                               \
-    if (strcmp(name, button) == 0) return code;
-    IR_BUTTONS(IF_NAMED)
-#undef IF_NAMED
+    for (size_t i = 0; i < sizeof sent_codes / sizeof sent_codes[0]; ++i)
+        if (strcmp(sent_codes[i].name, name) == 0) return sent_codes[i].code;
     return 0;
 }
 
@@ -100,7 +107,7 @@ static bool carry_out(const struct order *order)
     const struct button *button = button_named(order->argument);
     int x, y;
     if (strcmp(order->what, "press") == 0 && button) {
-        vboard_ir_press(ir_code_of(button->name));
+        vboard_ir_press(sent_by(button->name));
     } else if (strcmp(order->what, "panel") == 0 && button) {
         vboard_panel_press(button->key);
     } else if (strcmp(order->what, "click") == 0 && sscanf(order->argument, "%d,%d", &x, &y) == 2) {
