@@ -11,6 +11,18 @@ stamped_stream(h264_1920x1080 --codec h264 --size 1920x1080 --frames 6 --channel
 stamped_stream(h264_bframes --codec h264 --size 640x360 --frames 24 --channel 5 --b-frames 2)
 stamped_stream(h264_slices --codec h264 --size 640x360 --frames 30 --channel 6 --slices 4)
 stamped_stream(jpeg_320x240 --codec jpeg --size 320x240 --frames 5 --channel 7)
+# Streams whose pictures are decoded in another order than they are shown in, and some that are not.
+set(reordered --codec h264 --size 320x180 --frames 60 --gop 20 --preset medium --channel 9)
+stamped_stream(order_pyramid ${reordered} --b-frames 3 --params b-adapt=0:b-pyramid=normal)
+stamped_stream(order_adaptive ${reordered} --b-frames 7 --params b-adapt=2:b-pyramid=normal)
+stamped_stream(order_flat ${reordered} --b-frames 2 --params b-adapt=0:b-pyramid=none)
+stamped_stream(order_open_gop ${reordered} --b-frames 3 --params b-adapt=0:b-pyramid=normal:open-gop=1)
+stamped_stream(order_slices ${reordered} --slices 4 --b-frames 3 --params b-adapt=0:b-pyramid=strict)
+stamped_stream(order_interlaced ${reordered} --b-frames 3 --params b-adapt=0:b-pyramid=normal:tff=1)
+stamped_stream(order_none ${reordered})
+stamped_stream(order_none_type_0 ${reordered} --params fake-interlaced=1)
+stamped_stream(order_intra --codec h264 --size 320x180 --frames 20 --gop 1 --channel 9)
+stamped_stream(order_h265_pyramid --codec h265 --size 320x180 --frames 60 --gop 20 --preset ultrafast --channel 9 --b-frames 4)
 foreach(channel RANGE 15)
   math(EXPR odd "${channel} % 2")
   if(odd)
@@ -52,6 +64,8 @@ nvrhal_test(vboard_test
   ${CMAKE_CURRENT_SOURCE_DIR}/graph_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/hdmi_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/misuse_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/order_rule_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/order_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/race_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/scaler_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/stamp_test.cpp

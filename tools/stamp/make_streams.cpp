@@ -25,6 +25,7 @@ struct Options {
     std::string codec = "h264";
     std::string out;
     std::string preset = "veryfast";
+    std::string params; // for the encoder itself, as it spells them
     int width = 640;
     int height = 360;
     int fps = 25;
@@ -83,14 +84,15 @@ ContextPtr open_encoder(const Options &options)
     }
     const std::string slices = std::to_string(options.slices);
     const std::string b_frames = std::to_string(options.b_frames);
+    const std::string more = options.params.empty() ? "" : ":" + options.params;
     if (options.codec == "h264")
         av_opt_set(context->priv_data, "x264-params",
-                   ("scenecut=0:repeat-headers=1:annexb=1:slices=" + slices).c_str(), 0);
+                   ("scenecut=0:repeat-headers=1:annexb=1:slices=" + slices + more).c_str(), 0);
     if (options.codec == "h265")
         av_opt_set(
             context->priv_data, "x265-params",
             ("log-level=none:pools=none:frame-threads=1:scenecut=0:open-gop=0:repeat-headers=1:slices=" +
-             slices + ":bframes=" + b_frames)
+             slices + ":bframes=" + b_frames + more)
                 .c_str(),
             0);
     return avcodec_open2(context.get(), codec, nullptr) >= 0 ? std::move(context) : nullptr;
@@ -178,6 +180,7 @@ int main(int argc, char **argv)
     app.add_option("--crf", options.quality, "constant rate factor")->capture_default_str();
     app.add_option("--noise", options.noise, "luma noise, steps")->capture_default_str();
     app.add_option("--preset", options.preset, "encoder preset")->capture_default_str();
+    app.add_option("--params", options.params, "more options of x264 or x265: name=value:name=value");
     app.add_option("--channel", options.channel, "stamped channel, 0 to 63")->capture_default_str();
     app.add_option("--first-frame", options.first_frame, "stamped number of the first frame")
         ->capture_default_str();

@@ -2,11 +2,14 @@
 #include "host/stream_decoder.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <new>
 
 #include "host/av_handles.h"
+#include "host/display_order.h"
 #include "host/frame_memory.h"
+#include "host/h264_headers.h"
 
 namespace vboard
 {
@@ -80,6 +83,7 @@ public:
           packet_(av_packet_alloc()), frame_(av_frame_alloc())
     {
         if (packet_ == nullptr || frame_ == nullptr) throw std::bad_alloc();
+        begin_order();
     }
 
     DecodeReport decode(const EncodedBytes &bytes, uint64_t pts, bool end_of_frame, bool end_of_stream,
@@ -102,6 +106,7 @@ public:
         avcodec_flush_buffers(context_.get());
         wait_for_key_ = true;
         if (parser_ != nullptr) begin_anew();
+        begin_order();
     }
 
 private:
@@ -172,17 +177,57 @@ private:
         decode_unit(unit_.get(), unit_->data, size, pts);
     }
 
+    void begin_order()
+    {
+        if (codec_ != StreamCodec::h264) return;
+        order_.forget();
+        order_parser_.reset(av_parser_init(AV_CODEC_ID_H264));
+        if (order_parser_ == nullptr) throw std::bad_alloc();
+        order_parser_->flags |= PARSER_FLAG_COMPLETE_FRAMES;
+    }
+
+    // Tell libavcodec how many pictures it is to keep back behind this H.264 access unit.
+    void set_order(const uint8_t *bytes, size_t size)
+    {
+        const H264UnitHeaders headers = read_h264_headers(bytes, size);
+        if (headers.is_idr && order_.drains_before_idr()) {
+            avcodec_send_packet(context_.get(), nullptr);
+            receive_all();
+            avcodec_flush_buffers(context_.get());
+            order_.forget();
+        }
+        if (headers.sequence) order_.set_sequence(*headers.sequence);
+        uint8_t *unit = nullptr;
+        int unit_size = 0;
+        av_parser_parse2(order_parser_.get(), context_.get(), &unit, &unit_size, bytes,
+                         static_cast<int>(size), AV_NOPTS_VALUE, AV_NOPTS_VALUE, 0);
+        if (order_parser_->picture_structure == AV_PICTURE_STRUCTURE_UNKNOWN) return; // no readable slice
+        const DisplayOrder::Coded coded =
+            order_parser_->picture_structure == AV_PICTURE_STRUCTURE_TOP_FIELD
+                ? DisplayOrder::Coded::top_field
+            : order_parser_->picture_structure == AV_PICTURE_STRUCTURE_BOTTOM_FIELD
+                ? DisplayOrder::Coded::bottom_field
+                : DisplayOrder::Coded::frame;
+        context_->has_b_frames = static_cast<int>(
+            order_.goes_in(unit_number_, order_parser_->output_picture_number, headers.is_idr, coded));
+    }
+
     // `buffer` holds the bytes and keeps them alive for the decoder.
     void decode_unit(AVBufferRef *buffer, const uint8_t *bytes, size_t size, int64_t pts)
     {
+        // The decoder is given numbers instead of the sender's time stamps, which need not differ.
+        pts_[++unit_number_ % pts_.size()] = pts;
+        if (order_parser_ != nullptr) set_order(bytes, size);
         packet_->buf = av_buffer_ref(buffer);
         packet_->data = const_cast<uint8_t *>(bytes); // the decoder only reads
         packet_->size = static_cast<int>(size);
-        packet_->pts = pts;
+        packet_->pts = static_cast<int64_t>(unit_number_);
         const int sent = avcodec_send_packet(context_.get(), packet_.get());
         av_packet_unref(packet_.get());
         bool failed = sent < 0 && sent != AVERROR_EOF;
         if (receive_all() < 0) failed = true;
+        order_.done(static_cast<unsigned>(context_->has_b_frames), failed);
+        report_.late += order_.take_late();
         if (failed && !holds_only_side_data(codec_, bytes, size)) {
             ++report_.errors;
             wait_for_key_ = true;
@@ -194,6 +239,7 @@ private:
         avcodec_send_packet(context_.get(), nullptr);
         receive_all();
         avcodec_flush_buffers(context_.get());
+        order_.forget();
         wait_for_key_ = true;
     }
 
@@ -204,6 +250,9 @@ private:
             const int result = avcodec_receive_frame(context_.get(), frame_.get());
             if (result == AVERROR(EAGAIN) || result == AVERROR_EOF) return 0;
             if (result < 0) return result;
+            const auto number = static_cast<uint64_t>(frame_->pts);
+            order_.came_out(number);
+            frame_->pts = pts_[number % pts_.size()];
             hand_on();
             av_frame_unref(frame_.get());
         }
@@ -269,6 +318,10 @@ private:
     FramePtr frame_;
     BufferPtr unit_; // a parsed frame
     SwsPtr converter_;
+    DisplayOrder order_;               // of H.264 pictures
+    ParserPtr order_parser_;           // reads their order counts; null for the other codecs
+    uint64_t unit_number_ = 0;         // of the access unit that went in last
+    std::array<int64_t, 64> pts_ = {}; // the senders' time stamps of the newest units
     const Deliver *deliver_ = nullptr;
     DecodeReport report_;
     size_t open_bytes_ = 0; // taken by the parser, not yet given out

@@ -3,7 +3,8 @@
  *
  * Only good pictures come out. After damage (the decoder reports an error, or marks a picture as
  * concealed or corrupt) pictures are withheld until the next key frame; so are pictures before the
- * first key frame. Not thread-safe: one thread at a time.
+ * first key frame. H.264 pictures come out in display order, and at once where their order allows it
+ * (display_order.h). Not thread-safe: one thread at a time.
  */
 #ifndef VBOARD_STREAM_DECODER_H
 #define VBOARD_STREAM_DECODER_H
@@ -46,6 +47,7 @@ private:
 struct DecodeReport {
     unsigned errors = 0;   // errors that the decoder reported
     unsigned withheld = 0; // pictures that were damaged, or came before a key frame
+    unsigned late = 0;     // pictures decoded after one that is shown later: lost
 };
 
 class StreamDecoder

@@ -166,6 +166,7 @@ typedef struct vboard_decoder_stat {
     uint64_t decode_errors;    /* errors that the decoder reported                               */
     uint64_t resets;           /* stops of a started channel                                     */
     uint64_t recreations;      /* creations after the first                                      */
+    uint64_t late;             /* pictures lost: decoded after one that is shown later            */
 } vboard_decoder_stat;
 
 /** Read a channel's counters; channel 0 to 63, created or not. 0, or -1. */

@@ -119,7 +119,7 @@ DecodeReport decode(Channel &channel, const QueuedSend &send, const StreamDecode
     if (channel.decoder == nullptr)
         channel.decoder = StreamDecoder::open(stream_codec(channel.attr.codec),
                                               channel.attr.video_mode == MI_VDEC_MODE_FRAME);
-    if (channel.decoder == nullptr) return {.errors = 1, .withheld = 0}; // no memory
+    if (channel.decoder == nullptr) return {.errors = 1}; // no memory
     return channel.decoder->decode(send.bytes, send.pts, send.end_of_frame, send.end_of_stream, take);
 }
 
@@ -150,6 +150,7 @@ void run_worker(Channel &channel, uint32_t number)
         --channel.left_frames;
         channel.counters.decode_errors += report.errors;
         channel.counters.damaged += report.withheld;
+        channel.counters.late += report.late;
         channel.changed.notify_all();
     }
 }
