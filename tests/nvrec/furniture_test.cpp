@@ -348,14 +348,14 @@ TEST_F(NvrecFurniture, AutoWithoutAWindowDrawsNothing)
 
 TEST(NvrecTexts, NamesComeInUtf8AndGb2312AndBothScripts)
 {
-    EXPECT_EQ(units_of("Camera 1", Script::kAsTyped), u"Camera 1");
-    EXPECT_EQ(units_of("前门", Script::kAsTyped), u"前门");
-    EXPECT_EQ(units_of("\xC7\xB0\xC3\xC5", Script::kAsTyped), u"前门") << "GB2312 bytes";
-    EXPECT_EQ(units_of("前门", Script::kTraditional), u"前門");
-    EXPECT_EQ(units_of("\xC7\xB0\xC3\xC5", Script::kTraditional), u"前門");
-    EXPECT_EQ(units_of("a\nb", Script::kAsTyped), u"a b");
-    EXPECT_EQ(units_of("\xFF", Script::kAsTyped), u"") << "neither of both";
-    EXPECT_EQ(units_of("", Script::kTraditional), u"");
+    EXPECT_EQ(units_of("Camera 1", ChineseScript::kAsTyped), u"Camera 1");
+    EXPECT_EQ(units_of("前门", ChineseScript::kAsTyped), u"前门");
+    EXPECT_EQ(units_of("\xC7\xB0\xC3\xC5", ChineseScript::kAsTyped), u"前门") << "GB2312 bytes";
+    EXPECT_EQ(units_of("前门", ChineseScript::kTraditional), u"前門");
+    EXPECT_EQ(units_of("\xC7\xB0\xC3\xC5", ChineseScript::kTraditional), u"前門");
+    EXPECT_EQ(units_of("a\nb", ChineseScript::kAsTyped), u"a b");
+    EXPECT_EQ(units_of("\xFF", ChineseScript::kAsTyped), u"") << "neither of both";
+    EXPECT_EQ(units_of("", ChineseScript::kTraditional), u"");
 }
 
 TEST(NvrecCanvas, NoColourIsTheColourKey)

@@ -34,9 +34,9 @@ Rect ClockFace::set(Time time, const Rect &screen)
     shown_ = second;
     const int rim = size_px_ / 12;
     const int margin = size_px_ * 3 / 4;
-    tile_ =
-        rimmed(font_.render(units_of(clock_text(second, language_), Script::kAsTyped), size_px_, screen.w),
-               kLetters, rim);
+    tile_ = rimmed(
+        font_.render(units_of(clock_text(second, language_), ChineseScript::kAsTyped), size_px_, screen.w),
+        kLetters, rim);
     const Rect before = place_;
     place_ = {screen.right() - margin - tile_.width, screen.y + margin, tile_.width, tile_.height};
     return around(before, place_);

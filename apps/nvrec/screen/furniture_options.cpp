@@ -50,7 +50,7 @@ std::optional<std::pair<int, std::string>> camera_name(const std::string &text)
     if (error != std::errc() || stop != text.data() + equals) return std::nullopt;
     const std::string name = text.substr(equals + 1);
     if (channel < 0 || channel >= kMostChannels || name.empty()) return std::nullopt;
-    if (units_of(name, Script::kAsTyped).empty()) return std::nullopt;
+    if (units_of(name, ChineseScript::kAsTyped).empty()) return std::nullopt;
     return std::pair(channel, name);
 }
 
@@ -93,7 +93,7 @@ std::shared_ptr<FurnitureOptions> add_furniture_options(CLI::App &command)
         ->transform(CLI::CheckedTransformer(kLanguages, CLI::ignore_case))
         ->default_str("locale");
     command.add_flag_callback(
-        "--traditional", [options] { options->names.script = Script::kTraditional; },
+        "--traditional", [options] { options->names.script = ChineseScript::kTraditional; },
         "Show Chinese texts in traditional characters");
     command.add_option("--font", options->font_path, "Font file (default: the system's for Chinese)")
         ->check(CLI::ExistingFile);

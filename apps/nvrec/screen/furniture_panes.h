@@ -26,7 +26,7 @@ constexpr Colour kHighlightColour = 0x2090F8;
 struct CameraNames {
     std::map<int, std::string> given; /* by channel */
     Language language = Language::kEnglish;
-    Script script = Script::kAsTyped;
+    ChineseScript script = ChineseScript::kAsTyped;
 
     std::u16string of(int channel) const;
 };

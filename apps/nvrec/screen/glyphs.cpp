@@ -91,10 +91,10 @@ bool is_utf8(const std::string &text)
     return true;
 }
 
-std::u16string units_of(const std::string &text, Script script)
+std::u16string units_of(const std::string &text, ChineseScript script)
 {
     const std::string utf8 = is_utf8(text) ? text : utf8_of(unicode_of_gb2312(text));
-    return joined(unicode_of_utf8(script == Script::kTraditional ? traditional(utf8) : utf8));
+    return joined(unicode_of_utf8(script == ChineseScript::kTraditional ? traditional(utf8) : utf8));
 }
 
 } // namespace nvrec

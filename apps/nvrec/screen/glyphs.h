@@ -9,7 +9,7 @@
 namespace nvrec
 {
 
-enum class Script { kAsTyped, kTraditional };
+enum class ChineseScript { kAsTyped, kTraditional };
 
 /** Whether the bytes are well-formed UTF-8 of the basic plane. */
 bool is_utf8(const std::string &text);
@@ -18,6 +18,6 @@ bool is_utf8(const std::string &text);
  * The text as code units, control characters as blanks. Bytes that are not UTF-8 are taken for
  * GB2312. @return empty when they are neither.
  */
-std::u16string units_of(const std::string &text, Script script);
+std::u16string units_of(const std::string &text, ChineseScript script);
 
 } // namespace nvrec

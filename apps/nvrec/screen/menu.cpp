@@ -40,7 +40,7 @@ constexpr bool begins_a_group(MenuAction action)
 
 } // namespace
 
-Menu::Menu(Font &font, Language language, Script script, int text_size_px) : text_size_px_(text_size_px)
+Menu::Menu(Font &font, Language language, ChineseScript script, int text_size_px)
 {
     constexpr int kWidest_px = 700;
     const int in = static_cast<int>(language);

@@ -34,7 +34,7 @@ public:
         Tile lit, unlit;
     };
 
-    Menu(Font &font, Language language, Script script, int text_size_px);
+    Menu(Font &font, Language language, ChineseScript script, int text_size_px);
 
     /** Open in the middle of the screen, or with its corner at a place as near as it fits. */
     void open(const Rect &screen, const MenuState &state);
@@ -63,7 +63,6 @@ private:
     void paint_icon(Canvas &canvas, const Item &item, const Rect &place, Colour colour) const;
     Rect light(size_t index);
 
-    const int text_size_px_;
     Tile title_;
     std::vector<Item> items_;
     int row_px_ = 0;   /* height of a row and of the title */
