@@ -14,8 +14,8 @@ std::vector<std::string> xstack_command(const Mix &mix)
         const std::string number = std::to_string(pane);
         graph += "[" + number + ":v]scale=" + size + ":flags=bilinear[p" + number + "];";
         stacked += "[p" + number + "]";
-        layout += (pane == 0 ? "" : "|") + std::to_string(mix.pane_x(pane)) + "_" +
-                  std::to_string(mix.pane_y(pane));
+        if (pane > 0) layout += "|";
+        layout += std::to_string(mix.pane_x(pane)) + "_" + std::to_string(mix.pane_y(pane));
     }
     graph += stacked + "xstack=inputs=" + std::to_string(mix.panes()) + ":layout=" + layout + "[wall]";
     command.insert(command.end(), {"-filter_complex", graph, "-map", "[wall]", "-f", "null", "-"});

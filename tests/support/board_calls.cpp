@@ -184,8 +184,8 @@ int board_unmap(void *address, size_t size)
 
 int board_run_command(const char *command)
 {
-    Platform::Verdict verdict =
-        platform.record("board_run_command", command ? "\"" + std::string(command) + "\"" : "null");
+    Platform::Verdict verdict = platform.record(
+        "board_run_command", command ? std::string("\"").append(command).append("\"") : "null");
     return verdict.value.value_or(0);
 }
 

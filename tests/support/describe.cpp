@@ -61,22 +61,22 @@ std::string decoder_codec_name(uint32_t codec)
 
 std::string describe(const MI_Rect &rect)
 {
-    return "{" + size_and_place(rect) + "}";
+    return format("{%s}", size_and_place(rect).c_str());
 }
 
 std::string describe(const MI_SYS_ChnPort &port)
 {
     // Signed: a device of -1 reads better than 4294967295.
-    return "{" + module_name(port.module) +
-           format(",%d,%u,%u}", static_cast<int32_t>(port.device), port.channel, port.port);
+    return format("{%s,%d,%u,%u}", module_name(port.module).c_str(), static_cast<int32_t>(port.device),
+                  port.channel, port.port);
 }
 
 std::string describe(const MI_VDEC_ChnAttr &attr)
 {
-    return "{" + decoder_codec_name(attr.codec) +
-           format(" buffer %u priority %u max %ux%u mode %u references %u buffers %u}",
-                  attr.stream_buffer_bytes, attr.priority, attr.max_width, attr.max_height, attr.video_mode,
-                  attr.reference_frames, attr.decode_buffers);
+    return format("{%s buffer %u priority %u max %ux%u mode %u references %u buffers %u}",
+                  decoder_codec_name(attr.codec).c_str(), attr.stream_buffer_bytes, attr.priority,
+                  attr.max_width, attr.max_height, attr.video_mode, attr.reference_frames,
+                  attr.decode_buffers);
 }
 
 std::string describe(const MI_VDEC_Stream &stream)

@@ -16,7 +16,9 @@ void show_lines()
     for (const unsigned long request : {GPIO_CONFIGURE_OUTPUT, GPIO_DRIVE})
         platform.describe_request(request, [](const void *argument) {
             const GpioLine &line = *static_cast<const GpioLine *>(argument);
-            return "{" + std::to_string(line.line) + " " + std::to_string(line.value) + "}";
+            std::string text = "{";
+            text += std::to_string(line.line) + " " + std::to_string(line.value);
+            return text + "}";
         });
 }
 

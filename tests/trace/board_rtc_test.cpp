@@ -22,8 +22,10 @@ struct Time {
 std::string text_of(const void *argument)
 {
     std::string text = "{";
-    for (int i = 0; i < 9; ++i)
-        text += (i == 0 ? "" : " ") + std::to_string(static_cast<const int32_t *>(argument)[i]);
+    for (int i = 0; i < 9; ++i) {
+        if (i > 0) text += " ";
+        text += std::to_string(static_cast<const int32_t *>(argument)[i]);
+    }
     return text + "}";
 }
 

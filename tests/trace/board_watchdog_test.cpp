@@ -21,7 +21,9 @@ constexpr int64_t kFeedPeriodUs = 3000000;
 void show_requests()
 {
     platform.describe_request(WDIOC_SETTIMEOUT, [](const void *seconds) {
-        return "{" + std::to_string(*static_cast<const int32_t *>(seconds)) + "}";
+        std::string text = "{";
+        text += std::to_string(*static_cast<const int32_t *>(seconds));
+        return text + "}";
     });
 }
 
