@@ -1,6 +1,6 @@
 include_guard(GLOBAL)
 # A recorder's session on the virtual board: cameras, recordings, playback.
-include(${CMAKE_SOURCE_DIR}/tools/stamp/streams.cmake)
+include(${PROJECT_SOURCE_DIR}/tools/stamp/streams.cmake)
 foreach(channel RANGE 3)
   math(EXPR recorded "${channel} + 20")
   stamped_stream(session_live_${channel}_h265 --codec h265 --size 640x360 --frames 30 --gop 10

@@ -9,5 +9,5 @@ nvrhal_test(nvrec_furniture_wall_test
   ${CMAKE_CURRENT_LIST_DIR}/furniture_wall_test.cpp
   LIBS nvrec_run LABEL nvrec TIMEOUT 120)
 target_compile_definitions(nvrec_furniture_wall_test PRIVATE
-  NVREC_CLIPS="${CMAKE_BINARY_DIR}/clips/nvrec" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
+  NVREC_CLIPS="${PROJECT_BINARY_DIR}/clips/nvrec" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
 add_dependencies(nvrec_furniture_wall_test nvrec nvrec_clips)

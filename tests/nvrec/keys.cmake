@@ -8,5 +8,5 @@ nvrhal_test(nvrec_keys_test
   ${CMAKE_CURRENT_SOURCE_DIR}/keys_test.cpp
   LIBS nvrec_run LABEL nvrec TIMEOUT 120)
 target_compile_definitions(nvrec_keys_test PRIVATE
-  NVREC_CLIPS="${CMAKE_BINARY_DIR}/clips/nvrec" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
+  NVREC_CLIPS="${PROJECT_BINARY_DIR}/clips/nvrec" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
 add_dependencies(nvrec_keys_test nvrec nvrec_clips)

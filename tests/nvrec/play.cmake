@@ -7,7 +7,7 @@ target_compile_definitions(nvrec_play_seek_test PRIVATE NVREC_CLIPS="${nvrec_cli
 add_dependencies(nvrec_play_seek_test nvrec_clips)
 
 # Recordings of five seconds with a key frame a second, and cameras to come back to.
-include(${CMAKE_SOURCE_DIR}/tools/stamp/streams.cmake)
+include(${PROJECT_SOURCE_DIR}/tools/stamp/streams.cmake)
 set(play_stream --size 640x360 --fps 25 --preset ultrafast)
 stamped_stream(play_0.h264 --codec h264 --frames 125 --gop 25 --channel 20 ${play_stream})
 stamped_stream(play_1.h265 --codec h265 --frames 125 --gop 25 --channel 21 ${play_stream})

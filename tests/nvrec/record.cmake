@@ -1,5 +1,5 @@
 # The recorder: cameras into files, by the program and piece by piece.
-set(nvrec_record_clips ${CMAKE_BINARY_DIR}/clips/nvrec_record)
+set(nvrec_record_clips ${PROJECT_BINARY_DIR}/clips/nvrec_record)
 add_custom_command(OUTPUT ${nvrec_record_clips}/made
   COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/record_clips.sh ${nvrec_record_clips}
   COMMAND ${CMAKE_COMMAND} -E touch ${nvrec_record_clips}/made

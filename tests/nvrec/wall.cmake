@@ -1,7 +1,7 @@
 # The recorder: its pieces, and the program on files and on a network camera.
 find_package(PkgConfig REQUIRED)
 
-set(nvrec_clips ${CMAKE_BINARY_DIR}/clips/nvrec)
+set(nvrec_clips ${PROJECT_BINARY_DIR}/clips/nvrec)
 add_custom_command(OUTPUT ${nvrec_clips}/made
   COMMAND ${CMAKE_CURRENT_SOURCE_DIR}/clips.sh ${nvrec_clips}
   COMMAND ${CMAKE_COMMAND} -E touch ${nvrec_clips}/made

@@ -4,4 +4,4 @@ set(core_trace_sources
 list(TRANSFORM core_trace_sources PREPEND ${CMAKE_CURRENT_LIST_DIR}/core_)
 list(TRANSFORM core_trace_sources APPEND _test.cpp)
 nvrhal_test(trace_core ${core_trace_sources} LIBS nvrhal_objects recording_platform LABEL trace TIMEOUT 300)
-target_include_directories(trace_core PRIVATE ${CMAKE_SOURCE_DIR}/src)
+target_include_directories(trace_core PRIVATE ${PROJECT_SOURCE_DIR}/src)

@@ -1,5 +1,5 @@
 # The board in software by itself, through its two faces.
-include(${CMAKE_SOURCE_DIR}/tools/stamp/streams.cmake)
+include(${PROJECT_SOURCE_DIR}/tools/stamp/streams.cmake)
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(RIG_FFMPEG REQUIRED IMPORTED_TARGET libavcodec libavutil)
 
@@ -42,9 +42,9 @@ target_link_libraries(board_rig PUBLIC vboard platform_api stamp GTest::gtest
 add_dependencies(board_rig stamped_streams)
 
 # Every call that the two seams declare, read from their headers.
-file(GLOB seam_headers CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/platform/include/mi_*.h)
+file(GLOB seam_headers CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/platform/include/mi_*.h)
 set(platform_calls "")
-foreach(header ${seam_headers} ${CMAKE_SOURCE_DIR}/platform/include/board_io.h)
+foreach(header ${seam_headers} ${PROJECT_SOURCE_DIR}/platform/include/board_io.h)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${header})
   file(STRINGS ${header} declarations REGEX "^[a-z][a-z0-9_]* \\*?(MI|board)_[A-Za-z_]+\\(")
   foreach(declaration ${declarations})
@@ -54,7 +54,7 @@ foreach(header ${seam_headers} ${CMAKE_SOURCE_DIR}/platform/include/board_io.h)
 endforeach()
 # The wall clock cannot fail.
 string(REPLACE "board_time_us\n" "" platform_calls "${platform_calls}")
-file(WRITE ${CMAKE_BINARY_DIR}/platform_calls.txt "${platform_calls}")
+file(WRITE ${PROJECT_BINARY_DIR}/platform_calls.txt "${platform_calls}")
 
 nvrhal_test(vboard_test
   ${CMAKE_CURRENT_SOURCE_DIR}/control_test.cpp
@@ -70,4 +70,4 @@ nvrhal_test(vboard_test
   ${CMAKE_CURRENT_SOURCE_DIR}/scaler_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/stamp_test.cpp
   LIBS board_rig vboard_host LABEL vboard TIMEOUT 300)
-target_compile_definitions(vboard_test PRIVATE PLATFORM_CALLS="${CMAKE_BINARY_DIR}/platform_calls.txt")
+target_compile_definitions(vboard_test PRIVATE PLATFORM_CALLS="${PROJECT_BINARY_DIR}/platform_calls.txt")

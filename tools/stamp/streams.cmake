@@ -2,9 +2,9 @@
 # and again only when its options or the program change. Two lists may ask for the same stream.
 # Targets that need streams depend on `stamped_streams`.
 include_guard(GLOBAL)
-set(STAMPED_STREAM_DIR ${CMAKE_BINARY_DIR}/streams CACHE INTERNAL "")
+set(STAMPED_STREAM_DIR ${PROJECT_BINARY_DIR}/streams CACHE INTERNAL "")
 if(NOT TARGET make_streams)
-  add_subdirectory(${CMAKE_CURRENT_LIST_DIR} ${CMAKE_BINARY_DIR}/tools/stamp)
+  add_subdirectory(${CMAKE_CURRENT_LIST_DIR} ${PROJECT_BINARY_DIR}/tools/stamp)
 endif()
 add_custom_target(stamped_streams ALL)
 file(MAKE_DIRECTORY ${STAMPED_STREAM_DIR})
