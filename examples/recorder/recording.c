@@ -17,12 +17,11 @@
 
 /* [torn] */
 /* NVRHAL_MAIN_FRAME_BYTES is the ring's safe distance, too. Bytes count twice, as the ring's end may have
-   been left empty for as much as was written. */
-static bool was_overwritten(const struct camera *camera, uint32_t frames_before, uint32_t bytes_before)
+   been left empty for as much as was written. Adding 0 reads a count after the copy was made, not before. */
+static bool was_overwritten(struct camera *camera, uint32_t frames_before, uint32_t bytes_before)
 {
-    atomic_thread_fence(memory_order_acquire); /* the copy is made before the counts are read */
-    const uint32_t frames = atomic_load(&camera->frames_begun) - frames_before;
-    const uint32_t bytes = atomic_load(&camera->bytes_begun) - bytes_before;
+    const uint32_t frames = atomic_fetch_add(&camera->frames_begun, 0) - frames_before;
+    const uint32_t bytes = atomic_fetch_add(&camera->bytes_begun, 0) - bytes_before;
     return frames >= SAFE_FRAMES || bytes > NVRHAL_MAIN_FRAME_BYTES / 2;
 }
 /* [/torn] */
