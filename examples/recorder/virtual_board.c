@@ -131,7 +131,8 @@ bool virtual_board_turn(void)
     if (began_at_us == 0) began_at_us = now_us();
     while (next_order < order_count) {
         const struct order *order = &orders[next_order];
-        if ((double)(now_us() - began_at_us) < order->at_s * 1e6) return true;
+        const int64_t due_us = began_at_us + (int64_t)(order->at_s * 1e6);
+        if (now_us() < due_us) return true;
         if (strcmp(order->what, "quit") == 0) {
             vboard_audio_close(LOUDSPEAKER);
             return false;
@@ -139,6 +140,7 @@ bool virtual_board_turn(void)
         if (!carry_out(order))
             fprintf(stderr, "recorder: cannot do \"%s=%s\"\n", order->what, order->argument);
         ++next_order;
+        began_at_us += now_us() - due_us; /* a picture that took long does not hurry what follows */
     }
     return true;
 }

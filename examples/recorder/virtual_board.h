@@ -16,7 +16,7 @@
  *   state=FILE      watchdog, lamp and buzzer, a line each
  *   wav=FILE        from now on, what the loudspeaker plays
  *   quit            end
- * Items are in the order of their seconds. False: not understood.
+ * Items are in the order of their seconds; one that comes late moves those behind it. False: not understood.
  */
 bool virtual_board_order(const char *text);
 

@@ -31,6 +31,13 @@ std::string camera_file(int channel)
            (channel % 2 == 0 ? ".h264" : ".h265");
 }
 
+/* From one frame of a camera on to another. The cameras' files begin again after 1000 frames. */
+unsigned frames_between(const stamp::Stamp &from, const stamp::Stamp &to)
+{
+    constexpr unsigned kFramesOfAFile = 1000;
+    return (to.frame + kFramesOfAFile - from.frame) % kFramesOfAFile;
+}
+
 class RecorderExample : public testing::Test
 {
 protected:
@@ -137,7 +144,8 @@ TEST_F(RecorderExample, PlaysARecordingOfAnotherCodecAndComesBackToTheCameras)
 
     const Picture grid = picture("grid.png");
     expect_every_camera(grid);
-    EXPECT_GT(pane_stamp(grid, 0)->frame, 5 * kFramesPerSecond) << "the cameras went on meanwhile";
+    EXPECT_GT(frames_between(*on, *pane_stamp(grid, 1)), 2 * kFramesPerSecond)
+        << "the cameras went on meanwhile";
 
     for (const char *name : {"snapshot0.jpg", "snapshot1.jpg"}) {
         const Picture jpeg = read_picture(scratch_.file(name));
@@ -146,7 +154,8 @@ TEST_F(RecorderExample, PlaysARecordingOfAnotherCodecAndComesBackToTheCameras)
         const auto stamp = nvrec_test::stamp_in(jpeg, 0, 0, 352, 288);
         ASSERT_TRUE(stamp.has_value()) << name;
         EXPECT_EQ(stamp->channel, 1u) << name;
-        EXPECT_GT(stamp->frame, on->frame) << name << ": the camera's picture, not the recording's";
+        EXPECT_GT(frames_between(*on, *stamp), kFramesPerSecond)
+            << name << ": the camera's picture, not the recording's";
     }
 }
 
@@ -157,7 +166,7 @@ TEST_F(RecorderExample, RecordsWhatTheCamerasSendAndPlaysTheirSound)
         const std::string sent = file_text(camera_file(channel));
         const std::string name = "channel" + std::to_string(channel) + (channel % 2 == 0 ? ".h264" : ".h265");
         const std::string written = file_text(scratch_.file(name));
-        EXPECT_GT(written.size(), sent.size() / 9) << name << ": two seconds of eighteen at the least";
+        EXPECT_GT(written.size(), sent.size() / 20) << name << ": two seconds of forty at the least";
         EXPECT_EQ(sent.compare(0, written.size(), written), 0) << name << ": the camera's own bytes";
     }
     const std::string tone = file_text(RECORDER_TONE), sound = file_text(scratch_.file("channel0.alaw"));
