@@ -13,6 +13,7 @@
 
 #include "board_io.h"
 #include "core/abi.h"
+#include "core/checked_call.h"
 #include "core/device_state.h"
 #include "core/log.h"
 #include "mi_ao.h"
@@ -97,27 +98,29 @@ void nvrhal::send_audio_frames(const uint8_t *block, uint32_t frames, const char
         MI_AO_Frame frame = {};
         frame.data[0] = block + kAudioHeaderBytes + i * kAudioFrameBytes;
         frame.length_bytes = kAudioFrameBytes;
-        const int32_t sent = MI_AO_SendFrame(kAudioDevice, kAudioChannel, &frame, kWaitForEver);
-        if (sent != 0)
-            log_text("[%s]-%d: MI_AO_SendFrame fail=0x%x\n", source, line, static_cast<unsigned>(sent));
+        log_failure(MI_AO_SendFrame(kAudioDevice, kAudioChannel, &frame, kWaitForEver),
+                    log_text("[%s]-%d: MI_AO_SendFrame fail=0x%x\n", source, line, failed_code));
     }
 }
 
 int32_t audio_init(void)
 {
     log_entry(kSource);
-    if (failed_call(kSource, "MI_AO_SetPubAttr faile =0x%x\n", MI_AO_SetPubAttr(kAudioDevice, &kOutput)))
+    if (failed_call(MI_AO_SetPubAttr(kAudioDevice, &kOutput),
+                    log_code(kSource, "MI_AO_SetPubAttr faile =0x%x\n")))
         return -1;
-    if (failed_call(kSource, "MI_AO_Enable faile =0x%x\n", MI_AO_Enable(kAudioDevice))) return -1;
-    if (failed_call(kSource, "MI_AO_EnableChn faile =0x%x\n", MI_AO_EnableChn(kAudioDevice, kAudioChannel)))
+    if (failed_call(MI_AO_Enable(kAudioDevice), log_code(kSource, "MI_AO_Enable faile =0x%x\n"))) return -1;
+    if (failed_call(MI_AO_EnableChn(kAudioDevice, kAudioChannel),
+                    log_code(kSource, "MI_AO_EnableChn faile =0x%x\n")))
         return -1;
-    if (failed_call(kSource, "MI_AO_SetAdecAttr faile =0x%x\n",
-                    MI_AO_SetAdecAttr(kAudioDevice, kAudioChannel, &kDecoder)))
+    if (failed_call(MI_AO_SetAdecAttr(kAudioDevice, kAudioChannel, &kDecoder),
+                    log_code(kSource, "MI_AO_SetAdecAttr faile =0x%x\n")))
         return -1;
-    if (failed_call(kSource, "MI_AO_EnableAdec faile =0x%x\n", MI_AO_EnableAdec(kAudioDevice, kAudioChannel)))
+    if (failed_call(MI_AO_EnableAdec(kAudioDevice, kAudioChannel),
+                    log_code(kSource, "MI_AO_EnableAdec faile =0x%x\n")))
         return -1;
-    if (failed_call(kSource, "MI_AO_EnableReSmp faile =0x%x\n",
-                    MI_AO_EnableReSmp(kAudioDevice, kAudioChannel, kInputRateHz)))
+    if (failed_call(MI_AO_EnableReSmp(kAudioDevice, kAudioChannel, kInputRateHz),
+                    log_code(kSource, "MI_AO_EnableReSmp faile =0x%x\n")))
         return -1;
     set_audio_use(AUDIO_USE_OFF);
     for (uint32_t &word : audio_ctrl.zero_5)
@@ -168,7 +171,8 @@ int32_t ext_set_audio_output_volume(uint32_t volume)
     // Unsigned on purpose: a volume far beyond 100 wraps, nothing is limited.
     const int32_t level_db = static_cast<int32_t>(kVolumeSpanDb * volume / kFullVolume) + kSilenceDb;
     log_text("readvolume=%d\n", level_db);
-    if (failed_call(kSource, "MI_AO_SetVolume] err 0x%x\n", MI_AO_SetVolume(kAudioDevice, level_db)))
+    if (failed_call(MI_AO_SetVolume(kAudioDevice, level_db),
+                    log_code(kSource, "MI_AO_SetVolume] err 0x%x\n")))
         return -1;
     store_word(audio_ctrl.mode, volume == 0 ? AUDIO_USE_OFF : AUDIO_USE_LIVE);
     return 0;

@@ -4,6 +4,7 @@
  * A binding is a pair of records {module, device, channel, port}: the decoder channel's output port
  * 0 and the display's input port, which stands in the channel word. Thread: as the caller's.
  */
+#include "core/checked_call.h"
 #include "core/decoder.h"
 #include "core/log.h"
 #include "mi_sys.h"
@@ -29,10 +30,10 @@ MI_SYS_ChnPort display_port(int32_t dev, uint32_t disp_port)
 
 int32_t unbind(const MI_SYS_ChnPort &source, const MI_SYS_ChnPort &sink)
 {
-    const int32_t result = MI_SYS_UnBindChnPort(&source, &sink);
-    if (result == 0) return 0;
-    log_error(kSource, "HI_MPI_SYS_UnBind failed with %#x!\n", static_cast<unsigned>(result));
-    return -1;
+    if (failed_call(MI_SYS_UnBindChnPort(&source, &sink),
+                    log_code(kSource, "HI_MPI_SYS_UnBind failed with %#x!\n")))
+        return -1;
+    return 0;
 }
 
 } // namespace
@@ -41,23 +42,19 @@ int32_t vo_bind_vpss(int32_t dev, uint32_t disp_port, uint32_t channel, uint32_t
 {
     const MI_SYS_ChnPort source = decoder_port(dev, channel);
     const MI_SYS_ChnPort sink = display_port(dev, disp_port);
-    const int32_t result = MI_SYS_BindChnPort(&source, &sink, kBindFrameRate, kBindFrameRate);
-    if (result == 0) return 0;
-    log_error(kSource, "failed with %#x!\n", static_cast<unsigned>(result));
-    return -1;
+    if (failed_call(MI_SYS_BindChnPort(&source, &sink, kBindFrameRate, kBindFrameRate),
+                    log_code(kSource, "failed with %#x!\n")))
+        return -1;
+    return 0;
 }
 
 int32_t vo_unbind_vpss(int32_t dev, uint32_t disp_port, uint32_t channel, uint32_t)
 {
     const MI_SYS_ChnPort source = decoder_port(dev, channel);
     const MI_SYS_ChnPort sink = display_port(dev, disp_port);
-    const int32_t result = MI_SYS_UnBindChnPort(&source, &sink);
-    if (result == 0) {
-        log_line("unbind vpss success! ");
-        return 0;
-    }
-    log_error(kSource, "failed with %#x!\n", static_cast<unsigned>(result));
-    return -1;
+    if (failed_call(MI_SYS_UnBindChnPort(&source, &sink), log_code(kSource, "failed with %#x!\n"))) return -1;
+    log_line("unbind vpss success! ");
+    return 0;
 }
 
 int32_t vo_unbind_vi(int32_t dev, uint32_t disp_port)
@@ -71,8 +68,10 @@ int32_t nvrhal::bind_decoder(uint32_t channel)
 {
     const MI_SYS_ChnPort source = decoder_port(0, channel);
     const MI_SYS_ChnPort sink = display_port(0, channel);
-    const int32_t result = MI_SYS_BindChnPort(&source, &sink, kBindFrameRate, kBindFrameRate);
-    return failed_call(kSource, "HI_MPI_SYS_Bind failed with %#x!\n", result) ? -1 : 0;
+    if (failed_call(MI_SYS_BindChnPort(&source, &sink, kBindFrameRate, kBindFrameRate),
+                    log_code(kSource, "HI_MPI_SYS_Bind failed with %#x!\n")))
+        return -1;
+    return 0;
 }
 
 int32_t vdec_bind_vpss(int32_t count)

@@ -1,8 +1,24 @@
 /*
- * checked_call.h - the bring-up's convention for a platform call that must succeed.
+ * checked_call.h - calls whose failure is printed: call, test, report and way out stand in one line.
  *
- * Each call is announced with its text, then either reported as failed with its code or as passed.
- * The "AUDIO_TEST" wording is the convention's own, in display code too.
+ * failed_call(call, report)    any call that answers 0 for success. Otherwise the report is made, in
+ *                              which failed_code is the code. The value is the code, 0 for success:
+ *                                  if (failed_call(...)) return -1;    the sequence ends here
+ *                                  return failed_call(...);            the caller gets the code
+ * log_failure(call, report)    the same where the sequence goes on.
+ * log_negative(call, report)   where only a negative code counts as a failure; the sequence goes on.
+ * failed_test(text, call)      bring-up of display and HDMI: the call is announced with its text, then
+ *                              reported as failed with its code or as passed. True when it failed.
+ * failed_exec(call)            start of the media system: a call that failed is made again, and the
+ *                              code of that second attempt is printed. True when it failed.
+ * log_exec_failure(code)       the line that failed_exec prints, where other code follows its habit.
+ *
+ * A report is one of log.h's forms: log_error for a text behind the prefix of its source, log_text
+ * for one that names its own place; or
+ *
+ * log_code(source, text)       log_error of a text whose one conversion is the code.
+ *
+ * All of these are macros, so that source lines in the texts are those of the call.
  */
 #pragma once
 
@@ -10,22 +26,45 @@
 
 #include "core/log.h"
 
-namespace nvrhal
-{
+#define failed_call(call, report)                                                                            \
+    __extension__({                                                                                          \
+        const int32_t failed_code = static_cast<int32_t>(call);                                              \
+        if (failed_code != 0) report;                                                                        \
+        failed_code;                                                                                         \
+    })
 
-/** Make the call and log it. True when it failed; the caller then stops. */
-template <typename Call> bool failed_test(const char *text, Call call, int line = __builtin_LINE())
-{
-    log_text("%d Start test: %s\n", line, text);
-    const int32_t result = call();
-    if (result != 0) {
-        log_text("AUDIO_TEST [%d] %s exec function failed, result:0x%x\n", line, text,
-                 static_cast<unsigned>(result));
-        return true;
-    }
-    log_text("AUDIO_TEST [%d] %s  exec function pass\n", line, text);
-    log_text("%d End test: %s\n", line, text);
-    return false;
-}
+#define log_failure(call, report) static_cast<void>(failed_call(call, report))
 
-} // namespace nvrhal
+#define log_negative(call, report)                                                                           \
+    do {                                                                                                     \
+        const int32_t failed_code = (call);                                                                  \
+        if (failed_code < 0) report;                                                                         \
+    } while (false)
+
+#define log_code(source, text) log_error(source, text, failed_code)
+
+// The "AUDIO_TEST" wording is the convention's own, in display code too.
+#define failed_test(text, call)                                                                              \
+    __extension__({                                                                                          \
+        log_text("%d Start test: %s\n", __LINE__, text);                                                     \
+        const int32_t failed_code = (call);                                                                  \
+        if (failed_code != 0) {                                                                              \
+            log_text("AUDIO_TEST [%d] %s exec function failed, result:0x%x\n", __LINE__, text, failed_code); \
+        } else {                                                                                             \
+            log_text("AUDIO_TEST [%d] %s  exec function pass\n", __LINE__, text);                            \
+            log_text("%d End test: %s\n", __LINE__, text);                                                   \
+        }                                                                                                    \
+        failed_code != 0;                                                                                    \
+    })
+
+#define log_exec_failure(code) log_text("[%s %d %d]exec function failed\n", __func__, __LINE__, (code))
+
+#define failed_exec(call)                                                                                    \
+    __extension__({                                                                                          \
+        const bool failed_at_first = (call) != 0;                                                            \
+        if (failed_at_first)                                                                                 \
+            log_exec_failure(call);                                                                          \
+        else                                                                                                 \
+            log_text("(%s %d)exec function pass\n", __func__, __LINE__);                                     \
+        failed_at_first;                                                                                     \
+    })

@@ -10,6 +10,7 @@
  */
 #include "core/decoder.h"
 #include "board_io.h"
+#include "core/checked_call.h"
 #include "core/device_state.h"
 #include "core/log.h"
 #include "core/output_timing.h"
@@ -71,16 +72,16 @@ int32_t vdec_open_chn(uint32_t channel, const uint16_t *width, const uint16_t *h
     default: log_error_line(kSource, "err type "); return -1;
     }
 
-    const int32_t created = MI_VDEC_CreateChn(channel, &attr);
-    if (created != 0) {
-        log_error(kSource, "HI_MPI_VDEC_CreateChn failed errno 0x%x,chnid:%d \n",
-                  static_cast<unsigned>(created), static_cast<int>(channel));
-        return created;
-    }
+    if (const int32_t code =
+            failed_call(MI_VDEC_CreateChn(channel, &attr),
+                        log_error(kSource, "HI_MPI_VDEC_CreateChn failed errno 0x%x,chnid:%d \n", failed_code,
+                                  static_cast<int>(channel))))
+        return code;
     log_text("MI_VDEC_CreateChn chnn=%d MI_SUCCESS\n", static_cast<int>(channel));
 
-    const int32_t started = MI_VDEC_StartChn(channel);
-    if (failed_call(kSource, "MI_VDEC_StartChn failed errno 0x%x \n", started)) return started;
+    if (const int32_t code = failed_call(MI_VDEC_StartChn(channel),
+                                         log_code(kSource, "MI_VDEC_StartChn failed errno 0x%x \n")))
+        return code;
     log_text("MI_VDEC_StartChn chnn=%d MI_SUCCESS\n", static_cast<int>(channel));
     return 0;
 }
@@ -106,12 +107,11 @@ int32_t vdec_create(uint32_t codec_type, int32_t count)
         log_text("stVdecOutAttr.u16Width=%d,stVdecOutAttr.u16Height=%d,stVdispOutRect.u16PicW=%d,"
                  "stVdispOutRect.u16PicH=%d\n",
                  output.width, output.height, static_cast<int>(pane.w), static_cast<int>(pane.h));
-        const int32_t result = MI_VDEC_SetOutputPortAttr(index, &output);
-        if (result != 0) {
-            log_error(kSource, "MI_VDEC_SetOutputPortAttr failed errno 0x%lx \n",
-                      static_cast<unsigned long>(static_cast<uint32_t>(result)));
-            return result;
-        }
+        if (const int32_t code =
+                failed_call(MI_VDEC_SetOutputPortAttr(index, &output),
+                            log_error(kSource, "MI_VDEC_SetOutputPortAttr failed errno 0x%lx \n",
+                                      static_cast<unsigned long>(static_cast<uint32_t>(failed_code)))))
+            return code;
     }
     return 0;
 }
@@ -128,19 +128,20 @@ int32_t vdec_create_chnn(uint32_t codec_type, uint32_t channel)
 
 int32_t vdec_recreate(uint32_t channel, uint32_t codec_code)
 {
-    const int32_t stopped = MI_VDEC_StopChn(channel);
-    if (failed_call(kSource, "stopRecvStream VDEC fail for %#x!\n", stopped)) return stopped;
-    const int32_t destroyed = MI_VDEC_DestroyChn(channel);
-    if (failed_call(kSource, " VDEC DestroyChn fail for %#x!\n", destroyed)) return destroyed;
+    if (const int32_t code =
+            failed_call(MI_VDEC_StopChn(channel), log_code(kSource, "stopRecvStream VDEC fail for %#x!\n")))
+        return code;
+    if (const int32_t code =
+            failed_call(MI_VDEC_DestroyChn(channel), log_code(kSource, " VDEC DestroyChn fail for %#x!\n")))
+        return code;
     return vdec_create_chnn(codec_code == kRecreateAsH265 ? MI_VDEC_CODEC_H265 : MI_VDEC_CODEC_H264, channel);
 }
 
 int32_t vdec_resetchn(uint32_t channel)
 {
     vdec_stopdecrecv(channel); // discards what is queued; a failure does not keep it from starting
-    const int32_t started = MI_VDEC_StartChn(channel);
-    (void)failed_call(kSource, "HI_MPI_VDEC_StartRecvStream failed errno 0x%x\n", started);
-    return started;
+    return failed_call(MI_VDEC_StartChn(channel),
+                       log_code(kSource, "HI_MPI_VDEC_StartRecvStream failed errno 0x%x\n"));
 }
 
 int32_t vdec_resetallchn(void)
@@ -148,19 +149,17 @@ int32_t vdec_resetallchn(void)
     const int32_t count = camera_count();
     for (int32_t channel = 0; channel < count; ++channel) {
         vdec_stopdecrecv(static_cast<uint32_t>(channel));
-        const int32_t started = MI_VDEC_StartChn(static_cast<uint32_t>(channel));
-        if (started != 0)
-            log_error(kSource, "HI_MPI_VDEC_StartRecvStream failed errno %#x, %d\n",
-                      static_cast<unsigned>(started), channel);
+        log_failure(
+            MI_VDEC_StartChn(static_cast<uint32_t>(channel)),
+            log_error(kSource, "HI_MPI_VDEC_StartRecvStream failed errno %#x, %d\n", failed_code, channel));
     }
     return 0;
 }
 
 int32_t vdec_stopdecrecv(uint32_t channel)
 {
-    const int32_t stopped = MI_VDEC_StopChn(channel);
-    (void)failed_call(kSource, "HI_MPI_VDEC_StopRecvStream failed errno 0x%x\n", stopped);
-    return stopped;
+    return failed_call(MI_VDEC_StopChn(channel),
+                       log_code(kSource, "HI_MPI_VDEC_StopRecvStream failed errno 0x%x\n"));
 }
 
 void vdec_stopalldecchn(void)
@@ -172,30 +171,32 @@ void vdec_stopalldecchn(void)
 
 int32_t vdec_wait_destroy_chn(uint32_t channel, int32_t wait, uint32_t)
 {
-    const int32_t stopped = MI_VDEC_StopChn(channel);
-    if (failed_call(kSource, "MI_VDEC_StopChn failed errno 0x%x \n", stopped)) return stopped;
+    if (const int32_t code =
+            failed_call(MI_VDEC_StopChn(channel), log_code(kSource, "MI_VDEC_StopChn failed errno 0x%x \n")))
+        return code;
 
     bool drained = wait != 1;
     while (!drained) {
         board_sleep_us(kDrainPollUs);
         MI_VDEC_ChnStat stat = {};
-        const int32_t asked = MI_VDEC_GetChnStat(channel, &stat);
-        if (failed_call(kSource, "MI_VDEC_GetChnStat failed errno 0x%x \n", asked)) return asked;
+        if (const int32_t code = failed_call(MI_VDEC_GetChnStat(channel, &stat),
+                                             log_code(kSource, "MI_VDEC_GetChnStat failed errno 0x%x \n")))
+            return code;
         drained = stat.left_pictures == 0 && stat.left_stream_frames == 0;
         if (drained) log_line("had no stream and pic left");
     }
 
-    const int32_t destroyed = MI_VDEC_DestroyChn(channel);
-    (void)failed_call(kSource, "MI_VDEC_DestroyChn failed errno 0x%x \n", destroyed);
-    return destroyed;
+    return failed_call(MI_VDEC_DestroyChn(channel),
+                       log_code(kSource, "MI_VDEC_DestroyChn failed errno 0x%x \n"));
 }
 
 int32_t vdec_send_stream(uint32_t channel, const MI_VDEC_Stream *stream)
 {
-    const int32_t sent = MI_VDEC_SendStream(channel, stream, kSendTimeoutMs);
-    if (sent == 0) return 0;
-    log_text("Chnn = %d MI_VDEC_SendStream failed errno 0x%x  %s %d\n", static_cast<int>(channel),
-             static_cast<unsigned>(sent), kSource, __LINE__);
-    vdec_resetchn(channel);
-    return -1;
+    if (failed_call(MI_VDEC_SendStream(channel, stream, kSendTimeoutMs),
+                    log_text("Chnn = %d MI_VDEC_SendStream failed errno 0x%x  %s %d\n",
+                             static_cast<int>(channel), failed_code, kSource, __LINE__))) {
+        vdec_resetchn(channel);
+        return -1;
+    }
+    return 0;
 }

@@ -63,41 +63,35 @@ bool start_grid_port(uint32_t port, const PaneRect &pane)
     MI_VDEC_OutputPortAttr decoder_output = {};
 
     if (failed_test("MI_DISP_GetInputPortAttr(0, u32InputPort, &stInputPortAttr)",
-                    [&] { return MI_DISP_GetInputPortAttr(kMainDevice, port, &attr); }))
+                    MI_DISP_GetInputPortAttr(kMainDevice, port, &attr)))
         return false;
     attr.window = window_of(pane);
     if (MI_VDEC_GetOutputPortAttr(port, &decoder_output) != 0) decoder_output = {};
     attr.source_width = decoder_output.width;
     attr.source_height = decoder_output.height;
     if (failed_test("MI_DISP_SetInputPortAttr(0, u32InputPort, &stInputPortAttr)",
-                    [&] { return MI_DISP_SetInputPortAttr(kMainDevice, port, &attr); }))
+                    MI_DISP_SetInputPortAttr(kMainDevice, port, &attr)))
         return false;
     if (failed_test("MI_DISP_GetInputPortAttr(0, u32InputPort, &stInputPortAttr)",
-                    [&] { return MI_DISP_GetInputPortAttr(kMainDevice, port, &attr); }))
+                    MI_DISP_GetInputPortAttr(kMainDevice, port, &attr)))
         return false;
     log_line("ENABLE");
-    if (failed_test("MI_DISP_EnableInputPort(0, u32InputPort)",
-                    [&] { return MI_DISP_EnableInputPort(kMainDevice, port); }))
+    if (failed_test("MI_DISP_EnableInputPort(0, u32InputPort)", MI_DISP_EnableInputPort(kMainDevice, port)))
         return false;
-    if (failed_test("MI_DISP_SetInputPortSyncMode(0, u32InputPort, E_MI_DISP_SYNC_MODE_FREE_RUN)", [&] {
-            return MI_DISP_SetInputPortSyncMode(kMainDevice, port, E_MI_DISP_SYNC_MODE_FREE_RUN);
-        }))
+    if (failed_test("MI_DISP_SetInputPortSyncMode(0, u32InputPort, E_MI_DISP_SYNC_MODE_FREE_RUN)",
+                    MI_DISP_SetInputPortSyncMode(kMainDevice, port, E_MI_DISP_SYNC_MODE_FREE_RUN)))
         return false;
     if (failed_test("MI_DISP_ClearInputPortBuffer(0, u32InputPort, TRUE)",
-                    [&] { return MI_DISP_ClearInputPortBuffer(kMainDevice, port, 1); }))
+                    MI_DISP_ClearInputPortBuffer(kMainDevice, port, 1)))
         return false;
     log_text("port %u source %ux%u window %u,%u %ux%u\n", port, attr.source_width, attr.source_height,
              attr.window.x, attr.window.y, attr.window.width, attr.window.height);
     return true;
 }
 
-/** Log a failed call on a port of vo_start_chn. True when it failed. */
-bool port_failed(int32_t result, int line = __builtin_LINE())
-{
-    if (result == 0) return false;
-    log_text("%s(%d):failed with %#x!\n", "vo_start_chn", line, static_cast<unsigned>(result));
-    return true;
-}
+/** A call on a port of vo_start_chn, under whose name a failure is printed. The call's code. */
+#define failed_port_call(call)                                                                               \
+    failed_call(call, log_text("%s(%d):failed with %#x!\n", "vo_start_chn", __LINE__, failed_code))
 
 /** Write one pane's window to its port; the source size 0 stands for "as delivered". */
 int32_t set_port_window(int32_t dev, int32_t port, const PaneRect &pane)
@@ -113,9 +107,9 @@ int32_t lay_ports_out(int32_t dev, int32_t port_count, uint32_t width, uint32_t 
     PaneRect(&panes)[kPaneChannels] = set_bind_para[pane_bank(dev)];
     for (int32_t port = 0; port < port_count; ++port) {
         panes[port] = grid_pane(grid_side(port_count), static_cast<uint32_t>(port), width, height);
-        if (port_failed(set_port_window(dev, port, panes[port]))) return -1;
+        if (failed_port_call(set_port_window(dev, port, panes[port]))) return -1;
         log_line("ENABLE");
-        if (port_failed(MI_DISP_EnableInputPort(dev, static_cast<uint32_t>(port)))) return -1;
+        if (failed_port_call(MI_DISP_EnableInputPort(dev, static_cast<uint32_t>(port)))) return -1;
     }
     mark(vo_setxy_flag, dev);
     return 0;
@@ -129,8 +123,8 @@ int32_t reapply_ports(int32_t dev, int32_t port_count)
     const bool stops = dev == kMainDevice || dev == -1;
     const PaneRect(&panes)[kPaneChannels] = set_bind_para[pane_bank(dev)];
     for (int32_t port = 0; port < port_count; ++port) {
-        if (port_failed(set_port_window(dev, port, panes[port])) && stops) return -1;
-        if (port_failed(MI_DISP_EnableInputPort(dev, static_cast<uint32_t>(port))) && stops) return -1;
+        if (failed_port_call(set_port_window(dev, port, panes[port])) && stops) return -1;
+        if (failed_port_call(MI_DISP_EnableInputPort(dev, static_cast<uint32_t>(port))) && stops) return -1;
     }
     return 0;
 }
@@ -153,11 +147,9 @@ uint32_t start_disp(int32_t port_count)
     pub.background = kStartBackground;
     pub.interface_type = MI_DISP_INTERFACE_DEFAULT;
     pub.timing = D_DispTiming;
-    if (failed_test("MI_DISP_SetPubAttr(DispDev, &stPubAttr)",
-                    [&] { return MI_DISP_SetPubAttr(kMainDevice, &pub); }))
+    if (failed_test("MI_DISP_SetPubAttr(DispDev, &stPubAttr)", MI_DISP_SetPubAttr(kMainDevice, &pub)))
         return kPlatformCallFailed;
-    if (failed_test("MI_DISP_Enable(DispDev)", [] { return MI_DISP_Enable(kMainDevice); }))
-        return kPlatformCallFailed;
+    if (failed_test("MI_DISP_Enable(DispDev)", MI_DISP_Enable(kMainDevice))) return kPlatformCallFailed;
 
     MI_DISP_VideoLayerAttr layer = {};
     layer.window = {0, 0, screen.width, screen.height};
@@ -165,27 +157,24 @@ uint32_t start_disp(int32_t port_count)
     layer.height = screen.height;
     layer.pixel_format = MI_PIXEL_YUV420_LAYER;
     if (failed_test("MI_DISP_BindVideoLayer(DispLayer, DispDev)",
-                    [] { return MI_DISP_BindVideoLayer(kMainLayer, kMainDevice); }))
+                    MI_DISP_BindVideoLayer(kMainLayer, kMainDevice)))
         return kPlatformCallFailed;
     if (failed_test("MI_DISP_SetVideoLayerAttr(DispLayer, &stLayerAttr)",
-                    [&] { return MI_DISP_SetVideoLayerAttr(kMainLayer, &layer); }))
+                    MI_DISP_SetVideoLayerAttr(kMainLayer, &layer)))
         return kPlatformCallFailed;
     if (failed_test("MI_DISP_GetVideoLayerAttr(DispLayer, &stLayerAttr)",
-                    [&] { return MI_DISP_GetVideoLayerAttr(kMainLayer, &layer); }))
+                    MI_DISP_GetVideoLayerAttr(kMainLayer, &layer)))
         return kPlatformCallFailed;
     log_text("[%s %d]Get Video Layer Size [%d, %d] !!!\n", __func__, __LINE__, static_cast<int>(layer.width),
              static_cast<int>(layer.height));
     log_text("[%s %d]Get Video Layer DispWin [%d, %d, %d, %d] !!!\n", __func__, __LINE__, layer.window.x,
              layer.window.y, layer.window.width, layer.window.height);
-    if (failed_test("MI_DISP_EnableVideoLayer(DispLayer)",
-                    [] { return MI_DISP_EnableVideoLayer(kMainLayer); }))
+    if (failed_test("MI_DISP_EnableVideoLayer(DispLayer)", MI_DISP_EnableVideoLayer(kMainLayer)))
         return kPlatformCallFailed;
 
-    if (ST_Hdmi_Start(0, D_HdmiTiming) != 0) {
-        // The code in the message is that of a second attempt.
-        log_text("[%s %d %d]exec function failed\n", __func__, __LINE__, ST_Hdmi_Start(0, D_HdmiTiming));
+    // The code in the message is that of a second attempt.
+    if (failed_call(ST_Hdmi_Start(0, D_HdmiTiming), log_exec_failure(ST_Hdmi_Start(0, D_HdmiTiming))))
         return kPlatformCallFailed;
-    }
 
     log_text("InputPortNum=%d\n", port_count);
     for (int32_t port = 0; port < port_count; ++port) {
@@ -232,10 +221,10 @@ int32_t vo_enable(int32_t dev, const MI_DISP_PubAttr *attr, uint32_t frame_rate,
     if (dev == kFurtherDevice) log_text("DSD0 the vo dev is %d \n", dev);
     log_text("the vo dev is %d ,vo layer is %d!!!!!!!!!!!!!!\n", dev, static_cast<int>(layer));
 
-    if (failed_call(kSource, "failed with %#x!\n", MI_DISP_DisableVideoLayer(layer))) return -1;
-    if (failed_call(kSource, "failed with %#x!\n", MI_DISP_Disable(dev))) return -1;
-    if (failed_call(kSource, "failed with %#x!\n", MI_DISP_SetPubAttr(dev, attr))) return -1;
-    if (failed_call(kSource, "failed with %#x!\n", MI_DISP_Enable(dev))) return -1;
+    if (failed_call(MI_DISP_DisableVideoLayer(layer), log_code(kSource, "failed with %#x!\n"))) return -1;
+    if (failed_call(MI_DISP_Disable(dev), log_code(kSource, "failed with %#x!\n"))) return -1;
+    if (failed_call(MI_DISP_SetPubAttr(dev, attr), log_code(kSource, "failed with %#x!\n"))) return -1;
+    if (failed_call(MI_DISP_Enable(dev), log_code(kSource, "failed with %#x!\n"))) return -1;
 
     uint32_t width = 0, height = 0, rate = 0;
     const int32_t known = vo_get_wh(attr->timing, &width, &height, &rate);
@@ -248,20 +237,18 @@ int32_t vo_enable(int32_t dev, const MI_DISP_PubAttr *attr, uint32_t frame_rate,
     layer_attr.width = width;
     layer_attr.height = height;
     layer_attr.pixel_format = pixel_format;
-    const int32_t set = MI_DISP_SetVideoLayerAttr(layer, &layer_attr);
-    if (set != 0) {
-        log_error(kSource, "failed with %#x %d,%d,%d,%d !\n", static_cast<unsigned>(set),
-                  static_cast<int>(rate), static_cast<int>(width), static_cast<int>(height), dev);
+    if (failed_call(MI_DISP_SetVideoLayerAttr(layer, &layer_attr),
+                    log_error(kSource, "failed with %#x %d,%d,%d,%d !\n", failed_code, static_cast<int>(rate),
+                              static_cast<int>(width), static_cast<int>(height), dev)))
         return -1;
-    }
-    if (failed_call(kSource, "failed with %#x!\n", MI_DISP_EnableVideoLayer(layer))) return -1;
+    if (failed_call(MI_DISP_EnableVideoLayer(layer), log_code(kSource, "failed with %#x!\n"))) return -1;
     return 0;
 }
 
 int32_t vo_disable(int32_t dev, uint32_t layer)
 {
-    if (failed_call(kSource, "failed with %#x!\n", MI_DISP_DisableVideoLayer(layer))) return -1;
-    if (failed_call(kSource, "failed with %#x!\n", MI_DISP_Disable(dev))) return -1;
+    if (failed_call(MI_DISP_DisableVideoLayer(layer), log_code(kSource, "failed with %#x!\n"))) return -1;
+    if (failed_call(MI_DISP_Disable(dev), log_code(kSource, "failed with %#x!\n"))) return -1;
     return 0;
 }
 
@@ -283,10 +270,9 @@ int32_t vo_stop_chn(int32_t dev, int32_t port_count)
     int32_t result = 0;
     for (int32_t port = 0; port < port_count; ++port) {
         log_line("DISENABLE");
-        result = MI_DISP_DisableInputPort(dev, static_cast<uint32_t>(port));
-        if (result != 0)
-            log_text("[%s-%d] Vo fault to unbind vpss errno is 0x%x\n", kSource, __LINE__,
-                     static_cast<unsigned>(result));
+        result = failed_call(
+            MI_DISP_DisableInputPort(dev, static_cast<uint32_t>(port)),
+            log_text("[%s-%d] Vo fault to unbind vpss errno is 0x%x\n", kSource, __LINE__, failed_code));
     }
     return result;
 }

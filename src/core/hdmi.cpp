@@ -51,12 +51,8 @@ struct ParamText {
     }
 };
 
-bool failed_event(int32_t result)
-{
-    if (result == 0) return false;
-    log_error(kSource, "return value is not MI_SUCCESS, 0x%x!\n", static_cast<unsigned>(result));
-    return true;
-}
+/** A call in the monitor's callback: what was called is not printed. The call's code. */
+#define failed_event(call) failed_call(call, log_code(kSource, "return value is not MI_SUCCESS, 0x%x!\n"))
 
 /** A monitor came: what it can do is only reported, and the attributes in force are written again. */
 void apply_to_new_monitor(uint32_t device)
@@ -75,10 +71,8 @@ uint32_t vo_hdmi_start(uint32_t)
 {
     g_stCallbackFunc.callback = Hdmi_callback;
     g_stCallbackFunc.user_param = nullptr;
-    const int32_t init = MI_HDMI_Init(&g_stCallbackFunc);
-    if (init != 0) log_error(kSource, "MI_HDMI_Init fail =%x\n", static_cast<unsigned>(init));
-    const int32_t open = MI_HDMI_Open(kHdmiDevice);
-    if (open != 0) log_error(kSource, "MI_HDMI_Open fail =%x\n", static_cast<unsigned>(open));
+    log_failure(MI_HDMI_Init(&g_stCallbackFunc), log_code(kSource, "MI_HDMI_Init fail =%x\n"));
+    log_failure(MI_HDMI_Open(kHdmiDevice), log_code(kSource, "MI_HDMI_Open fail =%x\n"));
     log_line("HDMI start success."); // whatever happened: an open transmitter refuses both calls
     return 0;
 }
@@ -101,9 +95,8 @@ int32_t ST_Hdmi_Start(uint32_t hdmi_dev, uint32_t hdmi_timing)
     attr.audio_enabled = 1;
     attr.audio_sample_rate = kAudioRate48kHz;
     attr.audio_bit_depth = kAudioBits;
-    if (failed_test("MI_HDMI_SetAttr(eHdmi, &stAttr)", [&] { return MI_HDMI_SetAttr(hdmi_dev, &attr); }))
-        return 1;
-    if (failed_test("MI_HDMI_Start(eHdmi)", [&] { return MI_HDMI_Start(hdmi_dev); })) return 1;
+    if (failed_test("MI_HDMI_SetAttr(eHdmi, &stAttr)", MI_HDMI_SetAttr(hdmi_dev, &attr))) return 1;
+    if (failed_test("MI_HDMI_Start(eHdmi)", MI_HDMI_Start(hdmi_dev))) return 1;
 
     log_text("MI_HDMI_SetAvMute[%s][%d]\n", __func__, __LINE__);
     MI_HDMI_SetAvMute(kHdmiDevice, 0);

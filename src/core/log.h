@@ -6,8 +6,9 @@
  * log_error  the same behind the prefix "[source]-line: ". `source` is the C-style name of the
  *            subsystem's chief file ("vdec_venc.c"), under which field engineers search their logs.
  * log_error_line  a whole line behind that prefix.
- * failed_call  true, and the text with the code behind the prefix, when a platform call failed.
  * log_entry  the entry trace of an exported call.
+ *
+ * checked_call.h has the forms of a call whose failure is printed.
  */
 #pragma once
 
@@ -27,13 +28,6 @@ inline void log_line(const char *text)
     std::printf("[%s]-%d: " format, (source), __LINE__ __VA_OPT__(, ) __VA_ARGS__)
 
 #define log_error_line(source, text) log_error(source, "%s\n", (text))
-
-#define failed_call(source, format, call)                                                                    \
-    __extension__({                                                                                          \
-        const int failed_code_ = (call);                                                                     \
-        if (failed_code_ != 0) log_error(source, format, static_cast<unsigned>(failed_code_));               \
-        failed_code_ != 0;                                                                                   \
-    })
 
 #define log_entry(source)                                                                                    \
     std::printf("EEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEEE%s,%s,%d\n", (source), __func__, __LINE__)

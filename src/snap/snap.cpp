@@ -13,6 +13,7 @@
  */
 #include <cstdlib>
 
+#include "core/checked_call.h"
 #include "core/device_state.h"
 #include "core/log.h"
 #include "core/selection_state.h"
@@ -32,30 +33,20 @@ int snap_en; // 1 once snapshots are allowed; the application's thread sets it, 
 int32_t rebuild_decoder(uint32_t channel)
 {
     const int chn = static_cast<int>(channel);
-    const int32_t stopped = MI_VDEC_StopChn(channel);
-    if (stopped != 0)
-        log_error(kSnapSource, "MI_VDEC_StopChn failed errno 0x%x,chnid:%d \n",
-                  static_cast<unsigned>(stopped), chn);
+    log_failure(MI_VDEC_StopChn(channel),
+                log_error(kSnapSource, "MI_VDEC_StopChn failed errno 0x%x,chnid:%d \n", failed_code, chn));
     MI_VDEC_ChnAttr attr = {};
-    const int32_t got = MI_VDEC_GetChnAttr(channel, &attr);
-    if (got != 0)
-        log_error(kSnapSource, "MI_VDEC_GetChnAttr failed errno 0x%x,chnid:%d \n", static_cast<unsigned>(got),
-                  chn);
-    const int32_t destroyed = MI_VDEC_DestroyChn(channel);
-    if (destroyed != 0)
-        log_error(kSnapSource, "MI_VDEC_DestroyChn failed errno 0x%x,chnid:%d \n",
-                  static_cast<unsigned>(destroyed), chn);
-    const int32_t created = MI_VDEC_CreateChn(channel, &attr);
-    if (created != 0) {
-        log_error(kSnapSource, "MI_VDEC_CreateChn failed errno 0x%x,chnid:%d \n",
-                  static_cast<unsigned>(created), chn);
-        return created;
-    }
-    const int32_t started = MI_VDEC_StartChn(channel);
-    if (started != 0) // the text names the creation, on purpose
-        log_error(kSnapSource, "MI_VDEC_CreateChn failed errno 0x%x,chnid:%d \n",
-                  static_cast<unsigned>(started), chn);
-    return started;
+    log_failure(MI_VDEC_GetChnAttr(channel, &attr),
+                log_error(kSnapSource, "MI_VDEC_GetChnAttr failed errno 0x%x,chnid:%d \n", failed_code, chn));
+    log_failure(MI_VDEC_DestroyChn(channel),
+                log_error(kSnapSource, "MI_VDEC_DestroyChn failed errno 0x%x,chnid:%d \n", failed_code, chn));
+    if (const int32_t code = failed_call(
+            MI_VDEC_CreateChn(channel, &attr),
+            log_error(kSnapSource, "MI_VDEC_CreateChn failed errno 0x%x,chnid:%d \n", failed_code, chn)))
+        return code;
+    return failed_call( // the text names the creation, on purpose
+        MI_VDEC_StartChn(channel),
+        log_error(kSnapSource, "MI_VDEC_CreateChn failed errno 0x%x,chnid:%d \n", failed_code, chn));
 }
 
 } // namespace
@@ -83,9 +74,8 @@ int32_t ext_get_jpeg_stream(FrameInfo *frame)
     }
 
     SnapSize size = {};
-    const int32_t built = venc_snap_start(decoder, channel, &size);
-    if (built != 0) {
-        log_error(kSnapSource, "venc_snap_start fail=%d\n", built);
+    if (failed_call(venc_snap_start(decoder, channel, &size),
+                    log_code(kSnapSource, "venc_snap_start fail=%d\n"))) {
         venc_snap_stop(decoder, channel);
         return -1;
     }
@@ -98,15 +88,13 @@ int32_t ext_get_jpeg_stream(FrameInfo *frame)
     venc_snap_stop(decoder, channel);
     store_word(cur_snap_chnn, kNoSnapChannel);
 
-    if (in_playback) {
-        const int32_t stopped = MI_VDEC_StopChn(decoder); // its result stands for the fetch's, too
-        (void)failed_call(kSnapSource, "MI_VDEC_StartChn failed errno 0x%x \n", stopped);
-        return stopped;
-    }
-    if (fetched == 0) return 0;
-    log_error(kSnapSource, "venc_snap_process[%d] err 0x%x\n", static_cast<int>(channel),
-              static_cast<unsigned>(fetched));
-    return -1;
+    if (in_playback) // the stop's result stands for the fetch's, too
+        return failed_call(MI_VDEC_StopChn(decoder),
+                           log_code(kSnapSource, "MI_VDEC_StartChn failed errno 0x%x \n"));
+    if (failed_call(fetched, log_error(kSnapSource, "venc_snap_process[%d] err 0x%x\n",
+                                       static_cast<int>(channel), failed_code)))
+        return -1;
+    return 0;
 }
 
 int32_t ext_release_jpeg_buf(FrameInfo *frame)

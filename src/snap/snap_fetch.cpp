@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "board_io.h"
+#include "core/checked_call.h"
 #include "core/log.h"
 #include "mi_venc.h"
 #include "nvrhal.h"
@@ -34,7 +35,7 @@ int32_t wait_for_picture(uint32_t channel, MI_VENC_Stream &stream)
         board_sleep_us(kRetryPauseUs);
         log_line("MI_VENC_GetStream wait");
     }
-    (void)failed_call(kSnapSource, "MI_VENC_GetStream failed with %#x!\n", got);
+    log_failure(got, log_code(kSnapSource, "MI_VENC_GetStream failed with %#x!\n"));
     return got;
 }
 
@@ -81,8 +82,8 @@ int32_t fetch(uint32_t channel, FrameInfo &frame)
     if (stream.pack_count > kPackRoom) stream.pack_count = kPackRoom;
 
     if (copy_picture(stream, got, frame) != 0) return -1; // the reset that follows drops the stream
-    if (failed_call(kSnapSource, "MI_VENC_ReleaseStream failed with %#x!\n",
-                    MI_VENC_ReleaseStream(channel, &stream))) {
+    if (failed_call(MI_VENC_ReleaseStream(channel, &stream),
+                    log_code(kSnapSource, "MI_VENC_ReleaseStream failed with %#x!\n"))) {
         std::free(frame.data); // frame.data keeps the address, on purpose
         frame.length = 0;      // what tells the caller that there is no picture
         return -1;
@@ -102,10 +103,11 @@ int32_t venc_snap_process(uint32_t encoder_channel, FrameInfo *frame)
     log_entry(kSnapSource);
     if (frame == nullptr) return -1;
 
-    const bool receiving = !failed_call(kSnapSource, "MI_VENC_StartRecvPic faild with%#x!\n",
-                                        MI_VENC_StartRecvPic(encoder_channel));
+    const bool receiving = !failed_call(MI_VENC_StartRecvPic(encoder_channel),
+                                        log_code(kSnapSource, "MI_VENC_StartRecvPic faild with%#x!\n"));
     const int32_t result = receiving ? fetch(encoder_channel, *frame) : -1;
     MI_VENC_ResetChn(encoder_channel);
-    (void)failed_call(kSnapSource, "MI_VENC_StopRecvPic fail = 0x%x\n", MI_VENC_StopRecvPic(encoder_channel));
+    log_failure(MI_VENC_StopRecvPic(encoder_channel),
+                log_code(kSnapSource, "MI_VENC_StopRecvPic fail = 0x%x\n"));
     return result;
 }

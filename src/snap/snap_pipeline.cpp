@@ -7,6 +7,7 @@
  */
 #include "snap/snap_pipeline.h"
 
+#include "core/checked_call.h"
 #include "core/log.h"
 #include "core/selection_state.h"
 #include "mi_divp.h"
@@ -46,19 +47,20 @@ bool scaler_failed(const MI_VDEC_ChnAttr &source, uint32_t width, uint32_t heigh
     MI_DIVP_ChnAttr attr = {}; // no crop: the whole picture
     attr.max_width = source.max_width;
     attr.max_height = source.max_height;
-    if (failed_call(kSnapSource, "MI_DIVP_CreateChn fail=0x%x\n", MI_DIVP_CreateChn(kScalerChannel, &attr)))
+    if (failed_call(MI_DIVP_CreateChn(kScalerChannel, &attr),
+                    log_code(kSnapSource, "MI_DIVP_CreateChn fail=0x%x\n")))
         return true;
 
     MI_DIVP_OutputPortAttr output = {};
-    if (failed_call(kSnapSource, "MI_DIVP_GetOutputPortAttr fail=0x%x\n",
-                    MI_DIVP_GetOutputPortAttr(kScalerChannel, kScalerPort, &output)))
+    if (failed_call(MI_DIVP_GetOutputPortAttr(kScalerChannel, kScalerPort, &output),
+                    log_code(kSnapSource, "MI_DIVP_GetOutputPortAttr fail=0x%x\n")))
         return true;
     output.width = width;
     output.height = height;
     output.pixel_format = MI_PIXEL_YUV420_SEMIPLANAR;
     output.compression = 0;
-    return failed_call(kSnapSource, "MI_DIVP_SetOutputPortAttr fail=0x%x\n",
-                       MI_DIVP_SetOutputPortAttr(kScalerChannel, kScalerPort, &output));
+    return failed_call(MI_DIVP_SetOutputPortAttr(kScalerChannel, kScalerPort, &output),
+                       log_code(kSnapSource, "MI_DIVP_SetOutputPortAttr fail=0x%x\n"));
 }
 
 /** The JPEG encoder. True = failed. */
@@ -71,29 +73,32 @@ bool encoder_failed(uint32_t channel, uint32_t width, uint32_t height)
     attr.stream_buffer_bytes = whole_macroblocks(width) * whole_macroblocks(height);
     attr.by_frame = 1;
     attr.restart_rows = kRestartRows;
-    if (failed_call(kSnapSource, "MI_VENC_CreateChn fail=0x%x\n", MI_VENC_CreateChn(channel, &attr)))
+    if (failed_call(MI_VENC_CreateChn(channel, &attr),
+                    log_code(kSnapSource, "MI_VENC_CreateChn fail=0x%x\n")))
         return true;
 
     MI_VENC_JpegParam param = {};
-    if (failed_call(kSnapSource, "MI_VENC_GetJpegParam fail=0x%x\n", MI_VENC_GetJpegParam(channel, &param)))
+    if (failed_call(MI_VENC_GetJpegParam(channel, &param),
+                    log_code(kSnapSource, "MI_VENC_GetJpegParam fail=0x%x\n")))
         return true;
     param.quality = kQuality;
-    return failed_call(kSnapSource, "MI_VENC_SetJpegParam fail=0x%x\n",
-                       MI_VENC_SetJpegParam(channel, &param));
+    return failed_call(MI_VENC_SetJpegParam(channel, &param),
+                       log_code(kSnapSource, "MI_VENC_SetJpegParam fail=0x%x\n"));
 }
 
 /** Queue pictures behind the scaler and send them to the encoder. True = failed. */
 bool encoder_binding_failed(uint32_t channel)
 {
-    if (failed_call(kSnapSource, "MI_SYS_SetChnOutputPortDepth fail=0x%x\n",
-                    MI_SYS_SetChnOutputPortDepth(&kScaler, kUserDepth, kQueueDepth)))
+    if (failed_call(MI_SYS_SetChnOutputPortDepth(&kScaler, kUserDepth, kQueueDepth),
+                    log_code(kSnapSource, "MI_SYS_SetChnOutputPortDepth fail=0x%x\n")))
         return true;
     uint32_t device = 0;
-    if (failed_call(kSnapSource, "MI_VENC_GetChnDevid fail=0x%x\n", MI_VENC_GetChnDevid(channel, &device)))
+    if (failed_call(MI_VENC_GetChnDevid(channel, &device),
+                    log_code(kSnapSource, "MI_VENC_GetChnDevid fail=0x%x\n")))
         return true;
     const MI_SYS_ChnPort encoder = encoder_port(device, channel);
-    return failed_call(kSnapSource, "MI_SYS_BindChnPort fail=0x%x\n",
-                       MI_SYS_BindChnPort(&kScaler, &encoder, kBindFrameRate, kBindFrameRate));
+    return failed_call(MI_SYS_BindChnPort(&kScaler, &encoder, kBindFrameRate, kBindFrameRate),
+                       log_code(kSnapSource, "MI_SYS_BindChnPort fail=0x%x\n"));
 }
 
 } // namespace
@@ -104,8 +109,8 @@ int32_t venc_snap_start(uint32_t decoder_channel, uint32_t encoder_channel, Snap
     if (size == nullptr) return -1;
 
     MI_VDEC_ChnAttr source = {};
-    if (failed_call(kSnapSource, "MI_VDEC_GetChnAttr fail=0x%x\n",
-                    MI_VDEC_GetChnAttr(decoder_channel, &source)))
+    if (failed_call(MI_VDEC_GetChnAttr(decoder_channel, &source),
+                    log_code(kSnapSource, "MI_VDEC_GetChnAttr fail=0x%x\n")))
         return -1;
     *size = {kSnapWidth, kSnapHeight};
     if (size->width > source.max_width || size->height > source.max_height) {
@@ -119,11 +124,12 @@ int32_t venc_snap_start(uint32_t decoder_channel, uint32_t encoder_channel, Snap
     if (scaler_failed(source, width, height)) return -1;
     if (encoder_failed(encoder_channel, width, height)) return -1;
     if (encoder_binding_failed(encoder_channel)) return -1;
-    if (failed_call(kSnapSource, "MI_DIVP_StartChn faild with%#x!\n", MI_DIVP_StartChn(kScalerChannel)))
+    if (failed_call(MI_DIVP_StartChn(kScalerChannel),
+                    log_code(kSnapSource, "MI_DIVP_StartChn faild with%#x!\n")))
         return -1;
     const MI_SYS_ChnPort decoder = decoder_port(decoder_channel);
-    if (failed_call(kSnapSource, "MI_SYS_BindChnPort faild with%#x!\n",
-                    MI_SYS_BindChnPort(&decoder, &kScaler, kBindFrameRate, kBindFrameRate)))
+    if (failed_call(MI_SYS_BindChnPort(&decoder, &kScaler, kBindFrameRate, kBindFrameRate),
+                    log_code(kSnapSource, "MI_SYS_BindChnPort faild with%#x!\n")))
         return -1;
     return 0;
 }
@@ -134,27 +140,23 @@ int32_t venc_snap_stop(uint32_t decoder_channel, uint32_t encoder_channel)
     const int vechn = static_cast<int>(encoder_channel);
 
     uint32_t device = 0;
-    (void)failed_call(kSnapSource, "MI_VENC_GetChnDevid fail=0x%x\n",
-                      MI_VENC_GetChnDevid(encoder_channel, &device));
+    log_failure(MI_VENC_GetChnDevid(encoder_channel, &device),
+                log_code(kSnapSource, "MI_VENC_GetChnDevid fail=0x%x\n"));
     const MI_SYS_ChnPort encoder = encoder_port(device, encoder_channel);
-    (void)failed_call(kSnapSource, "MI_SYS_UnBindChnPort fail=0x%x\n",
-                      MI_SYS_UnBindChnPort(&kScaler, &encoder));
+    log_failure(MI_SYS_UnBindChnPort(&kScaler, &encoder),
+                log_code(kSnapSource, "MI_SYS_UnBindChnPort fail=0x%x\n"));
     const MI_SYS_ChnPort decoder = decoder_port(decoder_channel);
-    (void)failed_call(kSnapSource, "MI_SYS_UnBindChnPort fail=0x%x\n",
-                      MI_SYS_UnBindChnPort(&decoder, &kScaler));
+    log_failure(MI_SYS_UnBindChnPort(&decoder, &kScaler),
+                log_code(kSnapSource, "MI_SYS_UnBindChnPort fail=0x%x\n"));
 
-    const int32_t encoder_destroyed = MI_VENC_DestroyChn(encoder_channel);
-    if (encoder_destroyed != 0)
-        log_error(kSnapSource, "MI_VENC_DestroyChn vechn[%d] failed with %#x!\n", vechn,
-                  static_cast<unsigned>(encoder_destroyed));
-    const int32_t scaler_stopped = MI_DIVP_StopChn(kScalerChannel);
-    if (scaler_stopped != 0)
-        log_error(kSnapSource, "MI_DIVP_StopChn vechn[%d] failed with %#x!\n", vechn,
-                  static_cast<unsigned>(scaler_stopped));
-    const int32_t scaler_destroyed = MI_DIVP_DestroyChn(kScalerChannel);
-    if (scaler_destroyed != 0)
-        log_error(kSnapSource, "MI_DIVP_DestroyChn vechn[%d] failed with %#x!\n", vechn,
-                  static_cast<unsigned>(scaler_destroyed));
+    log_failure(
+        MI_VENC_DestroyChn(encoder_channel),
+        log_error(kSnapSource, "MI_VENC_DestroyChn vechn[%d] failed with %#x!\n", vechn, failed_code));
+    log_failure(MI_DIVP_StopChn(kScalerChannel),
+                log_error(kSnapSource, "MI_DIVP_StopChn vechn[%d] failed with %#x!\n", vechn, failed_code));
+    log_failure(
+        MI_DIVP_DestroyChn(kScalerChannel),
+        log_error(kSnapSource, "MI_DIVP_DestroyChn vechn[%d] failed with %#x!\n", vechn, failed_code));
 
     store_word(cur_snap_chnn, kNoSnapChannel);
     return 0;

@@ -10,11 +10,12 @@
  * rolled back; only the watchdog may fail. UI thread.
  */
 #include "board_io.h"
+#include "core/checked_call.h"
 #include "core/device_state.h"
-#include "start/lifecycle.h"
 #include "core/log.h"
 #include "mi_disp.h"
 #include "mi_sys.h"
+#include "start/lifecycle.h"
 #include "view/layout_state.h"
 
 #include <cstring>
@@ -124,22 +125,6 @@ int32_t init_pools()
     return 0;
 }
 
-/** Report the outcome of a start-up stage. True when it failed. */
-#define STAGE_FAILED(format, result)                                                                         \
-    ((result) != 0 && (log_error(kSource, format, static_cast<int>(result)), true))
-
-/** One call of the media system's start; a failing one is made again for the code in the message. */
-template <typename Call>
-bool exec_failed(Call call, const char *function = __builtin_FUNCTION(), int line = __builtin_LINE())
-{
-    if (call() == 0) {
-        log_text("(%s %d)exec function pass\n", function, line);
-        return false;
-    }
-    log_text("[%s %d %d]exec function failed\n", function, line, call());
-    return true;
-}
-
 } // namespace
 
 int32_t ext_device_init(const DeviceParams *params)
@@ -153,10 +138,8 @@ int32_t ext_device_init(const DeviceParams *params)
         store_word(globalVoDev, 0);
         store_word(enNorm_vga, timing_for_gui(DdvrInputParam.gui_width));
     }
-    const int32_t result = sdk_init(params);
-    if (result == 0) return 0;
-    log_error(kSource, "system init failed with %d!\n", result);
-    return -1;
+    if (failed_call(sdk_init(params), log_code(kSource, "system init failed with %d!\n"))) return -1;
+    return 0;
 }
 
 int32_t nvrhal::sdk_init(const DeviceParams *params)
@@ -176,33 +159,30 @@ int32_t nvrhal::sdk_init(const DeviceParams *params)
     set_pool_sizes(stream_param_mian, kMainPool, count);
     set_pool_sizes(stream_param_audio, kAudioPool, count);
     log_text("channel count %d\n", count);
-    const int32_t pools = init_pools();
-    if (STAGE_FAILED("stream init failed with %d!\n", pools)) return -1;
+    if (failed_call(init_pools(), log_code(kSource, "stream init failed with %d!\n"))) return -1;
 
-    const uint32_t media = ST_Sys_Init(params);
-    if (STAGE_FAILED("system init failed with %d!\n", media)) return -1;
+    if (failed_call(ST_Sys_Init(params), log_code(kSource, "system init failed with %d!\n"))) return -1;
 
-    const uint32_t hdmi = vo_hdmi_start(load_word(enNorm_vga));
-    if (STAGE_FAILED("vo_hdmi_start failed with %d!\n", hdmi)) return -1;
+    if (failed_call(vo_hdmi_start(load_word(enNorm_vga)),
+                    log_code(kSource, "vo_hdmi_start failed with %d!\n")))
+        return -1;
 
-    log_line("vdec_create");
-    const int32_t decoders = vdec_create(kStartCodec, count + 1);
-    if (STAGE_FAILED("vdec_start failed with %d!\n", decoders)) return -1; // names the start, on purpose
+    log_line("vdec_create"); // the failure's text names the start instead, on purpose
+    if (failed_call(vdec_create(kStartCodec, count + 1), log_code(kSource, "vdec_start failed with %d!\n")))
+        return -1;
 
     log_line("start disp");
-    const uint32_t display = start_disp(count);
-    if (STAGE_FAILED("disp_create failed with %d!\n", display)) return -1;
+    if (failed_call(start_disp(count), log_code(kSource, "disp_create failed with %d!\n"))) return -1;
 
     log_line("vdec bind"); // binds nothing: the first layout does
-    const int32_t framebuffer =
-        fb_init(static_cast<uint32_t>(load_word(globalVoDev)), params->gui_width, params->gui_height);
-    if (STAGE_FAILED("fb_init err %d!\n", framebuffer)) return -1;
+    if (failed_call(
+            fb_init(static_cast<uint32_t>(load_word(globalVoDev)), params->gui_width, params->gui_height),
+            log_code(kSource, "fb_init err %d!\n")))
+        return -1;
 
-    const int32_t audio = audio_init();
-    if (STAGE_FAILED("audio init err %d!\n", audio)) return -1;
+    if (failed_call(audio_init(), log_code(kSource, "audio init err %d!\n"))) return -1;
 
-    const int32_t gpio = local_gpio_init();
-    if (STAGE_FAILED("local_gpio_init err %d!\n", gpio)) return -1;
+    if (failed_call(local_gpio_init(), log_code(kSource, "local_gpio_init err %d!\n"))) return -1;
 
     // A recorder without its watchdog still records.
     log_line(local_wdg_init() != 0 ? "wacthdog init error!!!" : "wacthdog init success!!!");
@@ -215,34 +195,36 @@ uint32_t nvrhal::ST_Sys_Init(const void *)
     MI_SYS_Version version = {};
     uint64_t pts = 0;
 
-    if (exec_failed([] { return MI_SYS_Init(); })) return 1;
-    if (exec_failed([&] { return MI_SYS_GetVersion(&version); })) return 1;
+    if (failed_exec(MI_SYS_Init())) return 1;
+    if (failed_exec(MI_SYS_GetVersion(&version))) return 1;
     log_text("(%d) u8Version:%.*s\n", __LINE__, static_cast<int>(sizeof version.text), version.text);
-    if (exec_failed([&] { return MI_SYS_GetCurPts(&pts); })) return 1;
+    if (failed_exec(MI_SYS_GetCurPts(&pts))) return 1;
     log_text("(%d) u64Pts:0x%llx\n", __LINE__, static_cast<unsigned long long>(pts));
-    if (exec_failed([] { return MI_SYS_InitPtsBase(kPtsBase); })) return 1;
-    if (exec_failed([] { return MI_SYS_SyncPts(kPtsSync); })) return 1;
+    if (failed_exec(MI_SYS_InitPtsBase(kPtsBase))) return 1;
+    if (failed_exec(MI_SYS_SyncPts(kPtsSync))) return 1;
     return 0;
 }
 
 int32_t ext_gui_init(void)
 {
-    const int32_t result = vo_start_init();
-    if (STAGE_FAILED("gui init failed with %d!\n", result)) return -1;
+    if (failed_call(vo_start_init(), log_code(kSource, "gui init failed with %d!\n"))) return -1;
     return 0;
 }
 
 int32_t nvrhal::vo_start_init()
 {
-    const uint32_t display = vo_start(0, 0, load_word(globalFrmRate), kVideoFormat, camera_count());
-    if (STAGE_FAILED("vo_start failed with %x!\n", display)) return -1;
+    if (failed_call(vo_start(0, 0, load_word(globalFrmRate), kVideoFormat, camera_count()),
+                    log_code(kSource, "vo_start failed with %x!\n")))
+        return -1;
 
-    const uint32_t hdmi = vo_hdmi_start(load_word(enNorm_vga));
-    if (STAGE_FAILED("vo_hdmi_start failed with %d!\n", hdmi)) return -1;
+    if (failed_call(vo_hdmi_start(load_word(enNorm_vga)),
+                    log_code(kSource, "vo_hdmi_start failed with %d!\n")))
+        return -1;
 
-    const int32_t framebuffer = fb_init(static_cast<uint32_t>(load_word(globalVoDev)),
-                                        DdvrInputParam.gui_width, DdvrInputParam.gui_height);
-    if (STAGE_FAILED("fb_init err %d!\n", framebuffer)) return -1;
+    if (failed_call(fb_init(static_cast<uint32_t>(load_word(globalVoDev)), DdvrInputParam.gui_width,
+                            DdvrInputParam.gui_height),
+                    log_code(kSource, "fb_init err %d!\n")))
+        return -1;
 
     close_logo();
     return 0;
@@ -267,11 +249,10 @@ uint32_t ext_device_quit(void)
     for (int32_t channel = 0; channel < count; ++channel) {
         const uint32_t index = static_cast<uint32_t>(channel);
         vo_unbind_vpss(0, index, index, 0);
-        const int32_t cleared = MI_DISP_ClearInputPortBuffer(0, index, 1);
         // The text names another call; log searches rely on it as it is.
-        if (cleared < 0)
-            log_text("File:%s,Line:%d    MI_VDEC_ReleaseUserData exe error [%d]\n", kSource, __LINE__,
-                     cleared);
+        log_negative(MI_DISP_ClearInputPortBuffer(0, index, 1),
+                     log_text("File:%s,Line:%d    MI_VDEC_ReleaseUserData exe error [%d]\n", kSource,
+                              __LINE__, failed_code));
     }
     return 0;
 }

@@ -13,12 +13,14 @@
  * UI thread.
  */
 #include "board_io.h"
+#include "core/checked_call.h"
 #include "core/device_state.h"
 #include "core/log.h"
 #include "core/output_timing.h"
 #include "core/selection_state.h"
 #include "mi_disp.h"
 #include "mi_vdec.h"
+#include "view/display_port.h"
 #include "view/layout_state.h"
 
 using namespace nvrhal;
@@ -33,6 +35,17 @@ constexpr int32_t kSecondaryOutput = -1;
 constexpr int32_t kSavedDevices = 3;
 constexpr uint32_t kPaneSettleUs = 100000; // a flushed decoder needs its first picture
 constexpr uint32_t kNoChannel = static_cast<uint32_t>(-1);
+
+constexpr PortTexts kPaneTexts = {
+    .get = PORT_TEXT("Get channel %d attr failed with errno %#x!\n"),
+    .set = PORT_TEXT("Set channel %d attr failed with errno %#x!\n"),
+    .show = nullptr, // enabled instead
+};
+constexpr PortTexts kSecondaryPaneTexts = {
+    .get = PORT_TEXT("Get channel %d attr failed with errno %#x!\n"),
+    .set = PORT_TEXT("Set channel %d attr failed with errno 0x%x!\n"),
+    .show = PORT_TEXT("vo show channel %d failed with errno 0x%x!\n"),
+};
 
 uint32_t single_view_chn = kNoChannel; // channel of the last single-pane layout, main device
 uint32_t last_pane_count;              // of the last layout request; kept for debuggers
@@ -86,9 +99,8 @@ void take_live_channels_off(int32_t dev)
         const uint32_t port = static_cast<uint32_t>(channel);
         vo_unbind_vpss(kMainDevice, port, port, 0); // first: no picture may follow the clearing
         MI_DISP_ClearInputPortBuffer(dev, port, 1);
-        const int32_t disabled = MI_DISP_DisableInputPort(dev, port);
-        if (disabled != 0)
-            log_error(kSource, "vo hide channel %d failed with errno %d!\n", channel, disabled);
+        log_failure(MI_DISP_DisableInputPort(dev, port),
+                    log_error(kSource, "vo hide channel %d failed with errno %d!\n", channel, failed_code));
     }
 }
 
@@ -105,20 +117,19 @@ void prepare_decoder(uint32_t channel, PaneRect &rect, bool single)
 
     MI_VDEC_OutputPortAttr output = {};
     MI_VDEC_ChnAttr attr = {};
-    if (MI_VDEC_GetOutputPortAttr(channel, &output) != 0)
-        log_text("MI_VDEC_GetOutputPortAttr,%s,%d\n", kSource, __LINE__);
-    if (MI_VDEC_GetChnAttr(channel, &attr) != 0) {
-        log_text("MI_VDEC_GetChnAttr,%s,%d\n", kSource, __LINE__);
+    log_failure(MI_VDEC_GetOutputPortAttr(channel, &output),
+                log_text("MI_VDEC_GetOutputPortAttr,%s,%d\n", kSource, __LINE__));
+    if (failed_call(MI_VDEC_GetChnAttr(channel, &attr),
+                    log_text("MI_VDEC_GetChnAttr,%s,%d\n", kSource, __LINE__)))
         attr = {};
-    }
     if (single) {
         rect.w = attr.max_width;
         rect.h = attr.max_height;
     }
     output.width = static_cast<uint16_t>(smaller(attr.max_width, rect.w));
     output.height = static_cast<uint16_t>(smaller(attr.max_height, rect.h));
-    if (MI_VDEC_SetOutputPortAttr(channel, &output) != 0)
-        log_text("MI_VDEC_SetOutputPortAttr,%s,%d\n", kSource, __LINE__);
+    log_failure(MI_VDEC_SetOutputPortAttr(channel, &output),
+                log_text("MI_VDEC_SetOutputPortAttr,%s,%d\n", kSource, __LINE__));
 }
 
 /** Record and prepare every pane of the main device, channels ascending, panes in array order. */
@@ -145,30 +156,16 @@ void prepare_panes(const DispAttrib *panes, int32_t count, BindArgs &record)
 int32_t show_pane(int32_t dev, uint32_t channel, uint32_t bind_status, const PaneRect &rect)
 {
     const int chn = static_cast<int>(channel);
+    const MI_Rect window = window_of(rect);
     log_text("SHOW TYPE%d\n", static_cast<int>(bind_status));
 
-    MI_DISP_InputPortAttr attr = {};
-    const int32_t got = MI_DISP_GetInputPortAttr(dev, channel, &attr);
-    if (got != 0) {
-        log_error(kSource, "Get channel %d attr failed with errno %#x!\n", chn, static_cast<unsigned>(got));
-        return -1;
-    }
-    attr.window = window_of(rect);
-    attr.source_width = attr.window.width;
-    attr.source_height = attr.window.height;
-    const int32_t set = MI_DISP_SetInputPortAttr(dev, channel, &attr);
-    if (set != 0) {
-        log_error(kSource, "Set channel %d attr failed with errno %#x!\n", chn, static_cast<unsigned>(set));
-        return -1;
-    }
+    if (move_port(dev, channel, window, PortSource::kAsWindow, kPaneTexts) != 0) return -1;
     log_text("DISENABLE %d\n", chn);
-    log_text(" VoChnAttr.u16Width=%d, VoChnAttr.u16Hidth=%d\n", attr.window.width, attr.window.height);
-    const int32_t enabled = MI_DISP_EnableInputPort(dev, channel);
-    if (enabled != 0) {
-        log_error(kSource, "MI_DISP_EnableInputPort channel %d failed with errno %#x!\n", chn,
-                  static_cast<unsigned>(enabled));
+    log_text(" VoChnAttr.u16Width=%d, VoChnAttr.u16Hidth=%d\n", window.width, window.height);
+    if (failed_call(MI_DISP_EnableInputPort(dev, channel),
+                    log_error(kSource, "MI_DISP_EnableInputPort channel %d failed with errno %#x!\n", chn,
+                              failed_code)))
         return -1;
-    }
     vo_bind_vpss(kMainDevice, channel, channel, 0);
     return 0;
 }
@@ -176,25 +173,9 @@ int32_t show_pane(int32_t dev, uint32_t channel, uint32_t bind_status, const Pan
 /** The secondary output's part: the window only; the source size stays. 0, or -1 after a message. */
 int32_t show_secondary_pane(uint32_t channel, const PaneRect &rect)
 {
-    const int chn = static_cast<int>(channel);
-    MI_DISP_InputPortAttr attr = {};
-    const int32_t got = MI_DISP_GetInputPortAttr(kSecondaryOutput, channel, &attr);
-    if (got != 0) {
-        log_error(kSource, "Get channel %d attr failed with errno %#x!\n", chn, static_cast<unsigned>(got));
+    if (move_port(kSecondaryOutput, channel, window_of(rect), PortSource::kKept, kSecondaryPaneTexts) != 0)
         return -1;
-    }
-    attr.window = window_of(rect);
-    const int32_t set = MI_DISP_SetInputPortAttr(kSecondaryOutput, channel, &attr);
-    if (set != 0) {
-        log_error(kSource, "Set channel %d attr failed with errno 0x%x!\n", chn, static_cast<unsigned>(set));
-        return -1;
-    }
-    const int32_t shown = MI_DISP_ShowInputPort(kSecondaryOutput, channel);
-    if (shown != 0) {
-        log_error(kSource, "vo show channel %d failed with errno 0x%x!\n", chn, static_cast<unsigned>(shown));
-        return -1;
-    }
-    return 0;
+    return show_port(kSecondaryOutput, channel, kSecondaryPaneTexts);
 }
 
 /** Record every pane of the secondary output; the rectangles are printed as they were given. */
@@ -225,38 +206,29 @@ int32_t re_create_vdec(uint32_t channel)
 {
     const int chn = static_cast<int>(channel);
     MI_VDEC_OutputPortAttr output = {};
-    if (MI_VDEC_GetOutputPortAttr(channel, &output) != 0) {
-        log_text("MI_VDEC_GetOutputPortAttr,%s,%d\n", kSource, __LINE__);
+    if (failed_call(MI_VDEC_GetOutputPortAttr(channel, &output),
+                    log_text("MI_VDEC_GetOutputPortAttr,%s,%d\n", kSource, __LINE__)))
         output = {};
-    }
     MI_VDEC_StopChn(channel);
     vo_unbind_vpss(kMainDevice, channel, channel, 0);
 
     MI_VDEC_ChnAttr attr = {};
-    const int32_t got = MI_VDEC_GetChnAttr(channel, &attr);
-    if (got != 0) {
-        log_error(kSource, "MI_VDEC_GetChnAttr failed errno 0x%x,chnid:%d \n", static_cast<unsigned>(got),
-                  chn);
-        return got;
-    }
-    const int32_t destroyed = MI_VDEC_DestroyChn(channel);
-    if (destroyed != 0) {
-        log_error(kSource, "MI_VDEC_DestroyChn failed errno 0x%x,chnid:%d \n",
-                  static_cast<unsigned>(destroyed), chn);
-        return destroyed;
-    }
-    const int32_t created = MI_VDEC_CreateChn(channel, &attr);
-    if (created != 0) {
-        log_error(kSource, "MI_VDEC_CreateChn failed errno 0x%x,chnid:%d \n", static_cast<unsigned>(created),
-                  chn);
-        return created;
-    }
-    if (MI_VDEC_SetOutputPortAttr(channel, &output) != 0)
-        log_text("MI_VDEC_SetOutputPortAttr,%s,%d\n", kSource, __LINE__);
+    if (const int32_t code = failed_call(
+            MI_VDEC_GetChnAttr(channel, &attr),
+            log_error(kSource, "MI_VDEC_GetChnAttr failed errno 0x%x,chnid:%d \n", failed_code, chn)))
+        return code;
+    if (const int32_t code = failed_call(
+            MI_VDEC_DestroyChn(channel),
+            log_error(kSource, "MI_VDEC_DestroyChn failed errno 0x%x,chnid:%d \n", failed_code, chn)))
+        return code;
+    if (const int32_t code = failed_call(
+            MI_VDEC_CreateChn(channel, &attr),
+            log_error(kSource, "MI_VDEC_CreateChn failed errno 0x%x,chnid:%d \n", failed_code, chn)))
+        return code;
+    log_failure(MI_VDEC_SetOutputPortAttr(channel, &output),
+                log_text("MI_VDEC_SetOutputPortAttr,%s,%d\n", kSource, __LINE__));
     vo_bind_vpss(kMainDevice, channel, channel, 0);
-    const int32_t started = MI_VDEC_StartChn(channel);
-    (void)failed_call(kSource, "MI_VDEC_StartChn failed errno 0x%x \n", started);
-    return started;
+    return failed_call(MI_VDEC_StartChn(channel), log_code(kSource, "MI_VDEC_StartChn failed errno 0x%x \n"));
 }
 
 int32_t ext_change_display_format(const DispAttrib *panes, int32_t count)
@@ -273,8 +245,9 @@ int32_t ext_change_display_format(const DispAttrib *panes, int32_t count)
         store_word(zoom_channel, panes[0].channel);
         log_text("File:%s, zoom_channel:%d\n", kSource, static_cast<int>(panes[0].channel));
         if (single_view_chn != kNoChannel) {
-            const int32_t flushed = re_create_vdec(single_view_chn);
-            if (failed_call(kSource, "MI_VDEC_StartChn failed errno 0x%x \n", flushed)) return flushed;
+            if (const int32_t code = failed_call(re_create_vdec(single_view_chn),
+                                                 log_code(kSource, "MI_VDEC_StartChn failed errno 0x%x \n")))
+                return code;
         }
         single_view_chn = panes[0].channel; // unchecked: an absent one fails every single pane after it
     } else {
@@ -320,11 +293,10 @@ int32_t ext_change_display_slave(const DispAttrib *panes, int32_t count)
     pthread_mutex_lock(&global_bindargLock);
     const int32_t cameras = camera_count();
     for (int32_t channel = 0; channel < cameras; ++channel) {
-        const int32_t hidden = MI_DISP_HideInputPort(kSecondaryOutput, static_cast<uint32_t>(channel));
-        if (hidden == 0) continue;
-        log_error(kSource, "vo hide channel %d failed with errno 0x%x!\n", channel,
-                  static_cast<unsigned>(hidden));
-        return -1; // the lock stays held, on purpose
+        if (failed_call(
+                MI_DISP_HideInputPort(kSecondaryOutput, static_cast<uint32_t>(channel)),
+                log_error(kSource, "vo hide channel %d failed with errno 0x%x!\n", channel, failed_code)))
+            return -1; // the lock stays held, on purpose
     }
     for (uint32_t channel = 0; channel < pane_channels(); ++channel) {
         if (!shows(record.bind_status[channel])) continue;

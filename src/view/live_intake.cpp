@@ -11,6 +11,7 @@
  * accepts that. vdec_chan_type: one word a channel, used by that channel's thread only.
  */
 #include "audio/audio.h"
+#include "core/checked_call.h"
 #include "core/device_state.h"
 #include "core/log.h"
 #include "core/selection_state.h"
@@ -64,12 +65,12 @@ template <uint32_t channels> void note_picture_size(StreamAttr (&attrs)[channels
 void check_backlog(uint32_t channel, int32_t link_quality, int32_t rate_class, int32_t recreate_result)
 {
     MI_VDEC_ChnStat stat = {};
-    if (MI_VDEC_GetChnStat(channel, &stat) != 0) {
-        // The code printed is the recreation's: it tells why there is no channel to ask.
-        log_text("Chnn = %d MI_VDEC_GetChnStat failed errno 0x%x  %s %d\n", static_cast<int>(channel),
-                 static_cast<unsigned>(recreate_result), kSource, __LINE__);
+    // The code printed is the recreation's: it tells why there is no channel to ask.
+    if (failed_call(MI_VDEC_GetChnStat(channel, &stat),
+                    log_text("Chnn = %d MI_VDEC_GetChnStat failed errno 0x%x  %s %d\n",
+                             static_cast<int>(channel), static_cast<unsigned>(recreate_result), kSource,
+                             __LINE__)))
         return;
-    }
     const uint32_t limit = backlog_limit(link_quality, rate_class);
     if (link_quality == 0 || stat.left_stream_bytes <= limit) return;
     log_text("11111Chnn = %d,u32LeftStreamBytes[%d],LeftStreamBytes[%d],wifi_strengh[%d]\n",
@@ -125,9 +126,10 @@ int32_t send_video(const FrameInfo &frame, uint32_t codec, int32_t link_quality,
 
     const Destination destination = destination_of(channel);
     if (!destination.has_decoder) return destination.result;
-    if (vdec_send_stream(destination.decoder, &stream) == 0) return 0;
-    log_text("vdec_send_stream fail!%s,%d\n", kSource, __LINE__);
-    return -1;
+    if (failed_call(vdec_send_stream(destination.decoder, &stream),
+                    log_text("vdec_send_stream fail!%s,%d\n", kSource, __LINE__)))
+        return -1;
+    return 0;
 }
 
 /** Play a block. One without bytes, or shorter than its header, holds no frame. */

@@ -8,6 +8,7 @@
  * No lock: UI thread, not while a layout changes. Live intake reads globalVoDev word by word.
  */
 #include "ad_driver.h"
+#include "core/checked_call.h"
 #include "core/decoder.h"
 #include "core/device_state.h"
 #include "core/log.h"
@@ -50,9 +51,9 @@ uint32_t output_value_of(int32_t width, int32_t height)
 /** Drop a port's waiting pictures. The text names another call; log searches rely on it as it is. */
 void clear_port(int32_t dev, uint32_t port)
 {
-    const int32_t cleared = MI_DISP_ClearInputPortBuffer(dev, port, kClearAtOnce);
-    if (cleared < 0)
-        log_text("File:%s,Line:%d    MI_VDEC_ReleaseUserData exe error [%d]\n", kSource, __LINE__, cleared);
+    log_negative(MI_DISP_ClearInputPortBuffer(dev, port, kClearAtOnce),
+                 log_text("File:%s,Line:%d    MI_VDEC_ReleaseUserData exe error [%d]\n", kSource, __LINE__,
+                          failed_code));
 }
 
 bool is_live(uint32_t channel)
@@ -67,10 +68,10 @@ void leave_further_output()
     const int32_t count = camera_count();
     for (int32_t channel = 0; channel < count; ++channel)
         vo_unbind_vi(kRecordDevice, static_cast<uint32_t>(channel));
-    if (vo_stop_chn(kRecordDevice, count) != 0) log_error_line(kSource, "vo_stop_chn failed!");
+    log_failure(vo_stop_chn(kRecordDevice, count), log_error_line(kSource, "vo_stop_chn failed!"));
     for (int32_t channel = 0; channel < count; ++channel) {
-        if (bind_decoder(static_cast<uint32_t>(channel)) != 0)
-            log_error(kSource, "vdec(vdch=%d) bind vpss(vpssg=%d) failed!\n", channel, channel);
+        log_failure(bind_decoder(static_cast<uint32_t>(channel)),
+                    log_error(kSource, "vdec(vdch=%d) bind vpss(vpssg=%d) failed!\n", channel, channel));
     }
 }
 
@@ -110,10 +111,10 @@ int32_t ext_change_output_device(const int32_t *type, const int32_t *width, cons
     store_word(globalVoDev, dev);
 
     fb_uninit();
-    const int32_t result = fb_init(static_cast<uint32_t>(dev), *width, *height);
-    if (result == 0) return 0;
-    log_error(kSource, "fb_init err %d!\n", result);
-    return -1;
+    if (failed_call(fb_init(static_cast<uint32_t>(dev), *width, *height),
+                    log_code(kSource, "fb_init err %d!\n")))
+        return -1;
+    return 0;
 }
 
 int32_t ext_clear_disp(void)
@@ -161,8 +162,8 @@ int32_t ext_record_enable(uint32_t channel, uint32_t enable)
         vo_bind_vpss(kRecordDevice, channel, channel, 0);
         return 0;
     }
-    if (vo_unbind_vpss(kRecordDevice, channel, channel, 0) != 0)
-        log_error_line(kSource, "vo_unbind_vpss failed!");
+    log_failure(vo_unbind_vpss(kRecordDevice, channel, channel, 0),
+                log_error_line(kSource, "vo_unbind_vpss failed!"));
     clear_port(kRecordDevice, channel);
     return 0;
 }
@@ -176,10 +177,7 @@ int32_t ext_get_video_loss_status(uint32_t mask[2])
     for (int32_t channel = 0; channel < count; ++channel) {
         AdVideoLoss loss = {static_cast<uint32_t>(channel) / AD_INPUTS_PER_CHIP,
                             static_cast<uint32_t>(channel) % AD_INPUTS_PER_CHIP, 0};
-        if (ad_get_loss(&loss) != 0) {
-            log_error_line(kSource, "ad_get_loss Failed!!");
-            return -1;
-        }
+        if (failed_call(ad_get_loss(&loss), log_error_line(kSource, "ad_get_loss Failed!!"))) return -1;
         if (loss.lost == 0 || channel >= kMaskBits) continue;
         mask[0] |= 1u << channel;
         // The bit is a signed 32-bit value that is widened to 64: channel 31's sign fills the word.

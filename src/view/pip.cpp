@@ -5,6 +5,7 @@
  *
  * UI thread.
  */
+#include "core/checked_call.h"
 #include "core/device_state.h"
 #include "core/log.h"
 #include "mi_disp.h"
@@ -34,15 +35,14 @@ int32_t local_bind_pip(uint32_t dev, int32_t x, int32_t y, int32_t w, int32_t h)
 {
     if (device_is_bad(dev)) return -1;
     // Device 0 whichever was asked for, on purpose.
-    const int32_t bound = MI_DISP_BindVideoLayer(kPipLayer, kPipDevice);
-    if (bound != 0) {
-        log_error(kSource, "Pip video layer bind to dev %d failed with errno %#x!\n", static_cast<int>(dev),
-                  static_cast<unsigned>(bound));
+    if (failed_call(MI_DISP_BindVideoLayer(kPipLayer, kPipDevice),
+                    log_error(kSource, "Pip video layer bind to dev %d failed with errno %#x!\n",
+                              static_cast<int>(dev), failed_code)))
         return -1;
-    }
     MI_DISP_VideoLayerAttr attr = {};
-    const int32_t got = MI_DISP_GetVideoLayerAttr(kPipLayer, &attr);
-    if (failed_call(kSource, "Get pip video layer attributes failed with errno %#x!\n", got)) return -1;
+    if (failed_call(MI_DISP_GetVideoLayerAttr(kPipLayer, &attr),
+                    log_code(kSource, "Get pip video layer attributes failed with errno %#x!\n")))
+        return -1;
 
     log_text(" -----x = %d, y = %d, uw = %d, uh = %d,w = %d, h = %d\n", x, y, w, h, w, h);
     attr.window = {static_cast<uint16_t>(x), static_cast<uint16_t>(y), static_cast<uint16_t>(w),
@@ -50,23 +50,24 @@ int32_t local_bind_pip(uint32_t dev, int32_t x, int32_t y, int32_t w, int32_t h)
     attr.width = static_cast<uint32_t>(w);
     attr.height = static_cast<uint32_t>(h);
     attr.pixel_format = load_word(global_format_e);
-    const int32_t set = MI_DISP_SetVideoLayerAttr(kPipLayer, &attr);
-    if (failed_call(kSource, "Set pip video layer attributes failed with errno %#x!\n", set)) return -1;
-    const int32_t enabled = MI_DISP_EnableVideoLayer(kPipLayer);
-    if (failed_call(kSource, "Enable pip video layer failed with errno %#x!\n", enabled)) return -1;
+    if (failed_call(MI_DISP_SetVideoLayerAttr(kPipLayer, &attr),
+                    log_code(kSource, "Set pip video layer attributes failed with errno %#x!\n")))
+        return -1;
+    if (failed_call(MI_DISP_EnableVideoLayer(kPipLayer),
+                    log_code(kSource, "Enable pip video layer failed with errno %#x!\n")))
+        return -1;
     return 0;
 }
 
 int32_t local_unbind_pip(uint32_t dev)
 {
     if (device_is_bad(dev)) return -1;
-    const int32_t disabled = MI_DISP_DisableVideoLayer(kPipLayer);
-    if (failed_call(kSource, "Disable pip video layer failed with errno %#x!\n", disabled)) return -1;
-    const int32_t unbound = MI_DISP_UnBindVideoLayer(kPipLayer, static_cast<int32_t>(dev));
-    if (unbound != 0) {
-        log_error(kSource, "Pip video layer unbind to dev %d failed with errno %#x!\n", static_cast<int>(dev),
-                  static_cast<unsigned>(unbound));
+    if (failed_call(MI_DISP_DisableVideoLayer(kPipLayer),
+                    log_code(kSource, "Disable pip video layer failed with errno %#x!\n")))
         return -1;
-    }
+    if (failed_call(MI_DISP_UnBindVideoLayer(kPipLayer, static_cast<int32_t>(dev)),
+                    log_error(kSource, "Pip video layer unbind to dev %d failed with errno %#x!\n",
+                              static_cast<int>(dev), failed_code)))
+        return -1;
     return 0;
 }

@@ -10,6 +10,7 @@
  */
 #include "audio/audio.h"
 #include "board_io.h"
+#include "core/checked_call.h"
 #include "core/decoder.h"
 #include "core/device_state.h"
 #include "core/log.h"
@@ -47,10 +48,9 @@ void bind_players(uint32_t port)
     const int32_t decoders = load_word(vdec_chnn); // counts the spare one, which has no entry
     for (uint32_t i = 0; i < live_channels() && static_cast<int32_t>(i) < decoders; ++i) {
         if (playback_chn[i] != port) continue;
-        const int32_t bound = vo_bind_vpss(kMainDevice, port, i, 0);
-        if (bound != 0)
-            log_text("[%s-%d] Vo:%d fault to bind vpss:%d errno is 0x%x\n", kSource, __LINE__,
-                     static_cast<int>(port), static_cast<int>(i), static_cast<unsigned>(bound));
+        log_failure(vo_bind_vpss(kMainDevice, port, i, 0),
+                    log_text("[%s-%d] Vo:%d fault to bind vpss:%d errno is 0x%x\n", kSource, __LINE__,
+                             static_cast<int>(port), static_cast<int>(i), failed_code));
     }
 }
 
@@ -58,16 +58,12 @@ void bind_players(uint32_t port)
 bool take_over_port(uint32_t channel)
 {
     const int chn = static_cast<int>(channel);
-    const int32_t unbound = vo_unbind_vpss(kMainDevice, channel, channel, 0);
-    if (unbound != 0)
-        log_text("[%s-%d] Vo fault to unbind vpss errno is 0x%x\n", kSource, __LINE__,
-                 static_cast<unsigned>(unbound));
-    const int32_t bound = vo_bind_vpss(kMainDevice, channel, channel, 0);
-    if (bound != 0) {
-        log_text("[%s-%d] Vo fault to bind vpss errno is 0x%x\n", kSource, __LINE__,
-                 static_cast<unsigned>(bound));
+    log_failure(vo_unbind_vpss(kMainDevice, channel, channel, 0),
+                log_text("[%s-%d] Vo fault to unbind vpss errno is 0x%x\n", kSource, __LINE__, failed_code));
+    if (failed_call(
+            vo_bind_vpss(kMainDevice, channel, channel, 0),
+            log_text("[%s-%d] Vo fault to bind vpss errno is 0x%x\n", kSource, __LINE__, failed_code)))
         return false;
-    }
     log_text("[%s-%d] Vo :%d sucess to bind vpss:%d \n", kSource, __LINE__, chn, chn);
     MI_DISP_ClearInputPortBuffer(load_word(globalVoDev), channel, kDropAll);
     vo_unbind_vpss(kMainDevice, channel, channel, 0);
@@ -84,12 +80,10 @@ void drain_channel(uint32_t channel)
     for (int attempt = 0; attempt < kDrainAttempts; ++attempt) {
         MI_DISP_ClearInputPortBuffer(load_word(globalVoDev), channel, kDropAll);
         MI_VDEC_ChnStat stat = {};
-        const int32_t asked = MI_VDEC_GetChnStat(channel, &stat);
-        if (asked != 0) {
-            log_text("[%s-%d] MI_VDEC_GetChnStat errno is 0x%x\n", kSource, __LINE__,
-                     static_cast<unsigned>(asked));
+        if (failed_call(
+                MI_VDEC_GetChnStat(channel, &stat),
+                log_text("[%s-%d] MI_VDEC_GetChnStat errno is 0x%x\n", kSource, __LINE__, failed_code)))
             continue;
-        }
         if (stat.left_stream_bytes == 0) break;
         board_sleep_us(kDrainPollUs);
     }

@@ -12,6 +12,7 @@
  * Playback thread of the application.
  */
 #include "audio/audio.h"
+#include "core/checked_call.h"
 #include "core/device_state.h"
 #include "core/log.h"
 #include "core/selection_state.h"
@@ -38,11 +39,11 @@ constexpr char kSetRateFailure[] = "File:%s,Line:%d    MI_DISP_SetPubAttr exe er
 
 int32_t flush_port(uint32_t channel)
 {
-    const int32_t cleared = MI_DISP_ClearInputPortBuffer(load_word(globalVoDev), channel, kDropAll);
-    if (cleared == 0) return 1;
-    log_text("[%s-%d] Vo fault to clear buffer errno is 0x%x\n", kSource, __LINE__,
-             static_cast<unsigned>(cleared));
-    return -1;
+    if (failed_call(
+            MI_DISP_ClearInputPortBuffer(load_word(globalVoDev), channel, kDropAll),
+            log_text("[%s-%d] Vo fault to clear buffer errno is 0x%x\n", kSource, __LINE__, failed_code)))
+        return -1;
+    return 1;
 }
 
 /**
@@ -62,8 +63,7 @@ void apply_display_rate(uint32_t mode)
     }
     if (got < 0) attr = {};
     attr.frame_rate = 2 * base_rate;
-    const int32_t set = MI_DISP_SetPubAttr(dev, &attr);
-    if (set < 0) log_text(kSetRateFailure, kSource, __LINE__, set);
+    log_negative(MI_DISP_SetPubAttr(dev, &attr), log_text(kSetRateFailure, kSource, __LINE__, failed_code));
 }
 
 bool is_control_buffer(const FrameInfo &rec)
@@ -78,11 +78,10 @@ int32_t play_video(const FrameInfo &rec)
     apply_display_rate(rec.display_rate); // before any test, also for a frame that is dropped
     if (rec.channel >= kPlaybackChannels) return 0;
     if (is_control_buffer(rec)) {
-        const int32_t cleared = MI_DISP_ClearInputPortBuffer(load_word(globalVoDev), rec.channel, kDropAll);
         // The text names another call; logs are searched for it.
-        if (cleared < 0)
-            log_text("File:%s,Line:%d    MI_VDEC_ReleaseUserData exe error [%d]\n", kSource, __LINE__,
-                     cleared);
+        log_negative(MI_DISP_ClearInputPortBuffer(load_word(globalVoDev), rec.channel, kDropAll),
+                     log_text("File:%s,Line:%d    MI_VDEC_ReleaseUserData exe error [%d]\n", kSource,
+                              __LINE__, failed_code));
         return 0;
     }
 

@@ -7,12 +7,14 @@
  * A zoom rectangle comes in coordinates of the decoded picture and leaves in those of the display
  * port's source. UI thread; zoom_channel and vo_for_ezoom are read by live intake without a lock.
  */
+#include "core/checked_call.h"
 #include "core/device_state.h"
 #include "core/log.h"
 #include "core/output_timing.h"
 #include "core/selection_state.h"
 #include "mi_disp.h"
 #include "mi_vdec.h"
+#include "view/display_port.h"
 #include "view/layout_state.h"
 
 using namespace nvrhal;
@@ -41,12 +43,17 @@ uint16_t map_to_source(int32_t value, uint32_t source_size, uint32_t picture_siz
     return static_cast<uint16_t>(even(static_cast<uint32_t>(value) * source_size / picture_size));
 }
 
-/** The exec convention's line for a call that failed. 1. */
-int32_t exec_failed(const char *function, int line, int32_t code)
-{
-    log_text("[%s %d %d]exec function failed\n", function, line, code);
-    return 1;
-}
+// Zoom prints the same steps as a layout does, with the code written in other ways.
+constexpr PortTexts kZoomTexts = {
+    .get = PORT_TEXT("Get channel %d attr failed with errno 0x%x!\n"),
+    .set = PORT_TEXT("Set channel %d attr failed with errno %#x!\n"),
+    .show = PORT_TEXT("vo show channel %d failed with errno 0x%x!\n"),
+};
+constexpr PortTexts kSecondaryZoomTexts = {
+    .get = kZoomTexts.get,
+    .set = kZoomTexts.set,
+    .show = PORT_TEXT("vo show channel %d failed with errno %#x!\n"),
+};
 
 } // namespace
 
@@ -55,13 +62,13 @@ int32_t ext_vidoe_image_zoom(int32_t cropDivp, int32_t x, int32_t y, int32_t w, 
     log_text("(int cropDivp=%d, int x=%d, int y=%d, int w=%d, int h=%d)", cropDivp, x, y, w, h);
 
     MI_VDEC_ChnAttr picture = {};
-    const int32_t got_picture = MI_VDEC_GetChnAttr(kPictureSizeChannel, &picture);
-    if (got_picture != 0) return exec_failed(__func__, __LINE__, got_picture);
+    if (failed_call(MI_VDEC_GetChnAttr(kPictureSizeChannel, &picture), log_exec_failure(failed_code)))
+        return 1;
 
     const uint32_t port = load_word(zoom_channel);
     MI_DISP_InputPortAttr source = {};
-    const int32_t got_source = MI_DISP_GetInputPortAttr(kMainDevice, port, &source);
-    if (got_source != 0) return exec_failed(__func__, __LINE__, got_source);
+    if (failed_call(MI_DISP_GetInputPortAttr(kMainDevice, port, &source), log_exec_failure(failed_code)))
+        return 1;
 
     const MI_Rect window = {
         map_to_source(x, source.source_width, picture.max_width),
@@ -73,12 +80,8 @@ int32_t ext_vidoe_image_zoom(int32_t cropDivp, int32_t x, int32_t y, int32_t w, 
              window.width, window.height);
     log_text("( zoom_channel=%d\n)", static_cast<int>(port));
 
-    if (MI_DISP_SetZoomInWindow(kMainDevice, port, &window) != 0) {
-        // Tried once more, and reported as failed whatever that gives, on purpose.
-        return exec_failed(__func__, __LINE__, MI_DISP_SetZoomInWindow(kMainDevice, port, &window));
-    }
-    log_text("(%s %d)exec function pass\n", __func__, __LINE__);
-    return 0;
+    // Tried once more, and reported as failed whatever that gives, on purpose.
+    return failed_exec(MI_DISP_SetZoomInWindow(kMainDevice, port, &window)) ? 1 : 0;
 }
 
 int32_t ext_change_zoom_format(const DispAttrib *panes, int32_t count)
@@ -87,32 +90,17 @@ int32_t ext_change_zoom_format(const DispAttrib *panes, int32_t count)
     const int32_t dev = load_word(globalVoDev);
     const int32_t cameras = camera_count();
     for (int32_t channel = 0; channel < cameras; ++channel) {
-        const int32_t hidden = MI_DISP_HideInputPort(dev, static_cast<uint32_t>(channel));
-        if (hidden != 0)
-            log_error(kSource, "vo hide channel %d failed with errno 0x%x!\n", channel,
-                      static_cast<unsigned>(hidden));
+        log_failure(MI_DISP_HideInputPort(dev, static_cast<uint32_t>(channel)),
+                    log_error(kSource, "vo hide channel %d failed with errno 0x%x!\n", channel, failed_code));
     }
 
     // A pane's channel is not read, on purpose: pane i places port i.
     for (int32_t i = 0; i < count; ++i) {
         const uint32_t port = static_cast<uint32_t>(i);
-        MI_DISP_InputPortAttr attr = {};
-        const int32_t got = MI_DISP_GetInputPortAttr(dev, port, &attr);
-        if (got != 0) {
-            log_error(kSource, "Get channel %d attr failed with errno 0x%x!\n", i,
-                      static_cast<unsigned>(got));
-            return -1;
-        }
-        attr.window = {panes[i].x, panes[i].y, panes[i].w, panes[i].h}; // not rounded, unlike a layout's
-        const int32_t set = MI_DISP_SetInputPortAttr(dev, port, &attr);
-        if (set != 0) {
-            log_error(kSource, "Set channel %d attr failed with errno %#x!\n", i, static_cast<unsigned>(set));
-            return -1;
-        }
-        const int32_t shown = MI_DISP_ShowInputPort(dev, port);
-        if (shown != 0)
-            log_error(kSource, "vo show channel %d failed with errno 0x%x!\n", i,
-                      static_cast<unsigned>(shown));
+        // Not rounded, unlike a layout's window.
+        const MI_Rect window = {panes[i].x, panes[i].y, panes[i].w, panes[i].h};
+        if (move_port(dev, port, window, PortSource::kKept, kZoomTexts) != 0) return -1;
+        show_port(dev, port, kZoomTexts); // a port that stays hidden does not keep the others from showing
     }
     return 0;
 }
@@ -129,38 +117,17 @@ int32_t ext_change_zoom_slave(const DispAttrib *panes, int32_t count)
 
     const int32_t dev = load_word(globalVoDev);
     const uint32_t last_channel = count < 1 ? 0 : panes[count - 1].channel;
-    const int32_t hidden = MI_DISP_HideInputPort(dev, last_channel);
-    if (hidden != 0) {
-        log_error(kSource, "vo hide channel %d failed with errno %#x!\n", static_cast<int>(last_channel),
-                  static_cast<unsigned>(hidden));
+    if (failed_call(MI_DISP_HideInputPort(dev, last_channel),
+                    log_error(kSource, "vo hide channel %d failed with errno %#x!\n",
+                              static_cast<int>(last_channel), failed_code)))
         return -1;
-    }
 
     // Port and rectangle number `count`, one behind the panes just stored, on purpose: an earlier
     // layout left that rectangle.
     const uint32_t port = count < 1 ? 0 : static_cast<uint32_t>(count);
-    const int port_number = static_cast<int>(port);
     const PaneRect rect = secondary_rect(port);
-    MI_DISP_InputPortAttr attr = {};
-    const int32_t got = MI_DISP_GetInputPortAttr(dev, port, &attr);
-    if (got != 0) {
-        log_error(kSource, "Get channel %d attr failed with errno 0x%x!\n", port_number,
-                  static_cast<unsigned>(got));
-        return -1;
-    }
-    attr.window = {static_cast<uint16_t>(rect.x), static_cast<uint16_t>(rect.y),
-                   static_cast<uint16_t>(rect.w), static_cast<uint16_t>(rect.h)};
-    const int32_t set = MI_DISP_SetInputPortAttr(dev, port, &attr);
-    if (set != 0) {
-        log_error(kSource, "Set channel %d attr failed with errno %#x!\n", port_number,
-                  static_cast<unsigned>(set));
-        return -1;
-    }
-    const int32_t shown = MI_DISP_ShowInputPort(dev, port);
-    if (shown != 0) {
-        log_error(kSource, "vo show channel %d failed with errno %#x!\n", port_number,
-                  static_cast<unsigned>(shown));
-        return -1;
-    }
-    return 0;
+    const MI_Rect window = {static_cast<uint16_t>(rect.x), static_cast<uint16_t>(rect.y),
+                            static_cast<uint16_t>(rect.w), static_cast<uint16_t>(rect.h)};
+    if (move_port(dev, port, window, PortSource::kKept, kSecondaryZoomTexts) != 0) return -1;
+    return show_port(dev, port, kSecondaryZoomTexts);
 }
