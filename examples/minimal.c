@@ -3,6 +3,7 @@
 #include <stdlib.h>
 
 #include "nvrhal.h"
+#include "vboard.h" /* the PC's board */
 
 int main(int argc, char **argv)
 {
@@ -21,6 +22,7 @@ int main(int argc, char **argv)
     frame.length = (unsigned)fread(bytes, 1, sizeof bytes, file);
     fclose(file);
     int32_t sent = ext_send_stream(&frame, 1, 0, 0); /* codec 1 = H.265; the link was not measured */
+    vboard_monitor_save_settled("screen.png", 5000); /* the PC's board */
 
     ext_device_quit();
     return sent == 0 ? 0 : 1;

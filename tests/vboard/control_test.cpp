@@ -74,6 +74,23 @@ TEST_F(Control, APngHoldsTheSizeOfTheWall)
     remove(path.c_str());
 }
 
+TEST_F(Control, ASettledPictureWaitsForTheDecoders)
+{
+    const Stream stream = show("h264_640x360");
+    const std::string path = scratch("settled.png");
+    ASSERT_EQ(vboard_display_set_pacing(0, VBOARD_PACING_STEP), 0);
+    for (size_t frame = 0; frame < 3; ++frame) // more than the display takes before it is stepped
+        ASSERT_EQ(send(0, stream.frames[frame]), MI_SUCCESS);
+    EXPECT_EQ(vboard_monitor_save_settled(path.c_str(), 10), -1);
+    EXPECT_EQ(last_refusal(), "board: decoder channel 0 is still at work");
+    EXPECT_FALSE(std::ifstream(path).good());
+    ASSERT_EQ(vboard_display_set_pacing(0, VBOARD_PACING_REALTIME), 0);
+    EXPECT_EQ(vboard_monitor_save_settled(path.c_str(), kPatience_ms), 0);
+    EXPECT_TRUE(std::ifstream(path).good());
+    EXPECT_EQ(counters(0).decoded, 3u);
+    remove(path.c_str());
+}
+
 TEST_F(Control, ALentPictureStandsStill)
 {
     const Stream stream = show("h264_640x360");

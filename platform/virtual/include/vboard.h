@@ -200,6 +200,13 @@ int vboard_monitor_capture(uint32_t format, vboard_image *image);
 /** As vboard_monitor_capture, written to a PNG file. */
 int vboard_monitor_save_png(const char *path);
 
+/**
+ * Wait until every decoder has consumed what it was sent (vboard_decoder_wait_idle), then write what
+ * the monitor shows to a PNG file.
+ * @return 0, or -1 (time-out: nothing is written; file cannot be written)
+ */
+int vboard_monitor_save_settled(const char *path, int32_t timeout_ms);
+
 /* ---------------------------------------------------------------------- a window on the desk --- */
 
 enum vboard_window_event {

@@ -16,6 +16,7 @@
 #include "media/display.h"
 #include "media/follow.h"
 #include "media/modules.h"
+#include "media/vdec_channel.h"
 #include "vboard.h"
 #include "vboard_devices.h"
 
@@ -193,6 +194,12 @@ int vboard_monitor_save_png(const char *path)
     vboard_image image;
     if (vboard_monitor_capture(VBOARD_FORMAT_RGB24, &image) != 0) return -1;
     return save(image, path);
+}
+
+int vboard_monitor_save_settled(const char *path, int32_t timeout_ms)
+{
+    if (vdec_wait_all_idle(timeout_ms) != 0) return -1;
+    return vboard_monitor_save_png(path);
 }
 
 void vboard_image_free(vboard_image *image)

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <cstdio>
 #include <deque>
 #include <memory>
@@ -187,6 +188,13 @@ void end_worker(Channel &channel)
         channel.work.notify_all();
     }
     if (worker.joinable()) worker.join();
+}
+
+bool wait_idle(Channel &channel, int32_t timeout_ms)
+{
+    std::unique_lock lock(channel.mutex);
+    return wait_real(channel.changed, lock, timeout_ms,
+                     [&] { return channel.queue.empty() && !channel.busy; });
 }
 
 int32_t check_attr(const MI_VDEC_ChnAttr &attr)
@@ -383,11 +391,21 @@ int vdec_read_counters(uint32_t number, vboard_decoder_stat *stat)
 int vdec_wait_idle(uint32_t number, int32_t timeout_ms)
 {
     if (!vdec_exists(number)) return refuse_plainly("decoder channel %u is not created", number);
-    Channel &channel = channels()[number];
-    std::unique_lock lock(channel.mutex);
-    const bool idle =
-        wait_real(channel.changed, lock, timeout_ms, [&] { return channel.queue.empty() && !channel.busy; });
-    return idle ? 0 : -1;
+    return wait_idle(channels()[number], timeout_ms) ? 0 : -1;
+}
+
+int vdec_wait_all_idle(int32_t timeout_ms)
+{
+    using std::chrono::steady_clock;
+    const auto until = steady_clock::now() + std::chrono::milliseconds(std::max(timeout_ms, 0));
+    for (uint32_t number = 0; number < kDecoderChannels; ++number) {
+        if (!vdec_exists(number)) continue;
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(until - steady_clock::now());
+        const auto left_ms = static_cast<int32_t>(std::max<int64_t>(left.count(), 0));
+        if (!wait_idle(channels()[number], timeout_ms < 0 ? timeout_ms : left_ms))
+            return refuse_plainly("decoder channel %u is still at work", number);
+    }
+    return 0;
 }
 
 void vdec_reset()
