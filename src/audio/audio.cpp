@@ -190,7 +190,7 @@ int32_t ext_audio_speek_stop(void)
 {
     log_entry(kSource);
     store_word(speak_flag, 0);
-    board_sleep_us(kTalkbackDrainUs); // what the far end has sent is still to be heard
+    board_sleep_us(kTalkbackDrainUs); // time to play what the far end has sent
     store_word(audio_ctrl.mode, AUDIO_USE_OFF);
     return 0;
 }
@@ -202,7 +202,7 @@ int32_t ext_change_boot_audio_format(uint32_t format)
     return 0;
 }
 
-// Capture, and switching the output off, are not to be had on this board.
+// This board has no audio capture, and its output is never switched off.
 #define AUDIO_STUB(name)                                                                                     \
     int name(...)                                                                                            \
     {                                                                                                        \

@@ -4,7 +4,6 @@
  * The set-up is one list in one order: the Wi-Fi module is powered before it is reset. It leaves
  * the buzzer line high. UI thread; the buzzer: any.
  */
-#include "board/gpio_lines.h"
 #include "board_io.h"
 #include "core/abi.h"
 #include "core/log.h"
@@ -23,6 +22,15 @@ namespace
 {
 
 constexpr char kSource[] = "misc.c";
+
+enum OutputLine : uint32_t {
+    kWifiPowerLine = BOARD_LINE_WIFI_POWER,
+    kWifiResetLine = BOARD_LINE_WIFI_RESET,
+    kBuzzerLine = BOARD_LINE_BUZZER,
+    kRecordLine = BOARD_LINE_RECORD,
+    kDiskLedLine = BOARD_LINE_DISK_LED,
+};
+
 constexpr uint32_t kModuleLoadUs = 1000; // until the driver's node is there
 
 // Written by start-up; read by the buzzer. Below 1 = not open: a descriptor of 0 does not count.

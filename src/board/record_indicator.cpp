@@ -4,8 +4,8 @@
  *   steady -> hi_start_record_proc -> blinking -> hi_stop_record_proc -> steady
  *
  * One thread of the library. It is stopped by cancelling it, and can be cancelled only while it
- * sleeps: then it holds neither a lock nor half a request, and a platform whose sleep cannot be
- * interrupted ends it when the sleep is over. It is created joinable so that stopping it can wait
+ * sleeps: there it holds no lock and has no request under way. On a platform whose sleep cannot be
+ * interrupted it ends when the sleep is over. It is created joinable so that stopping it can wait
  * for its end. Start and stop: any thread, one after the other under record_thread_lock.
  */
 #include "board_io.h"

@@ -4,8 +4,9 @@
  *   closed -> local_wdg_open -> disabled -> local_wdg_init -> enabled, 100 s, fed once
  *   enabled <-> disabled: ext_wdg_set, which also tells the feeding thread to end
  *
- * Nothing closes the device. "Enabled" is what the library believes: before the first switch it
- * believes yes, so a device that refuses to be disabled at first is fed from then on, not enabled.
+ * Nothing closes the device. The driver cannot be asked whether it is enabled: wdtEnable holds the last
+ * switch that it took, and counts as enabled before the first one. A device that refuses to be
+ * disabled at start-up is therefore fed from then on instead of being enabled.
  * A refused switch is reported in the log and not to the caller. Feeding: any thread, without a
  * lock; the driver takes feeds as they come.
  */
@@ -92,7 +93,7 @@ int32_t local_wdg_open(void)
         }
         store_word(wdtFd, opened);
     }
-    // It may run already, from a boot loader or a process that died: start from a quiet one.
+    // It may be running already, from a boot loader or a process that died.
     if (local_wdg_set(0) != 0) log_error_line(kSource, "When Open Watchdog,Disable Watchdog Failed!");
     return 0;
 }
@@ -106,7 +107,7 @@ int32_t local_wdg_set(int32_t on)
     }
     if (switch_device(on) < 0) {
         log_error(kSource, "watchdog enable/disable (%d) fail!\n", on);
-        if (load_word(wdtEnable) != 0) local_wdg_feed(); // whoever believes it runs keeps it quiet
+        if (load_word(wdtEnable) != 0) local_wdg_feed(); // it counts as enabled: it must not expire
         return 0;
     }
     store_word(wdtEnable, on);

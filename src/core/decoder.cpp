@@ -35,6 +35,26 @@ constexpr int32_t kSendTimeoutMs = 20;
 constexpr uint32_t kDrainPollUs = 40000;
 constexpr uint32_t kRecreateAsH265 = 1; // the application's codec code; any other means H.264
 
+/** What a decoder of each codec keeps at hand. */
+struct CodecNeeds {
+    uint32_t codec; // the platform's code
+    uint32_t reference_frames, decode_buffers;
+};
+
+constexpr CodecNeeds kCodecNeeds[] = {
+    {MI_VDEC_CODEC_H264, 2, 2},
+    {MI_VDEC_CODEC_H265, 2, 2},
+    {MI_VDEC_CODEC_JPEG, 0, 0}, // every picture stands alone
+};
+
+/** Null for a codec that decoders do not take. */
+const CodecNeeds *needs_of(uint32_t codec)
+{
+    for (const CodecNeeds &row : kCodecNeeds)
+        if (row.codec == codec) return &row;
+    return nullptr;
+}
+
 uint32_t stream_buffer_bytes(uint32_t width, uint32_t height)
 {
     const uint32_t pixels = width * height;
@@ -55,6 +75,11 @@ int32_t vdec_open_chn(uint32_t channel, const uint16_t *width, const uint16_t *h
                       uint32_t video_mode)
 {
     if (width == nullptr || height == nullptr) return -1;
+    const CodecNeeds *needs = needs_of(codec_type);
+    if (needs == nullptr) {
+        log_error_line(kSource, "err type ");
+        return -1;
+    }
 
     MI_VDEC_ChnAttr attr = {};
     attr.codec = codec_type;
@@ -62,15 +87,8 @@ int32_t vdec_open_chn(uint32_t channel, const uint16_t *width, const uint16_t *h
     attr.max_width = *width;
     attr.max_height = *height;
     attr.video_mode = video_mode;
-    switch (codec_type) {
-    case MI_VDEC_CODEC_H264:
-    case MI_VDEC_CODEC_H265:
-        attr.reference_frames = 2;
-        attr.decode_buffers = 2;
-        break;
-    case MI_VDEC_CODEC_JPEG: break; // every picture stands alone
-    default: log_error_line(kSource, "err type "); return -1;
-    }
+    attr.reference_frames = needs->reference_frames;
+    attr.decode_buffers = needs->decode_buffers;
 
     if (const int32_t code =
             failed_call(MI_VDEC_CreateChn(channel, &attr),

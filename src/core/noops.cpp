@@ -1,6 +1,6 @@
 /*
- * Operations that this hardware does not need: inputs, processing groups and overlay regions are
- * the application's words for units that are absent here. They take anything and answer 0.
+ * Operations for units that this hardware does not have: video inputs, processing groups and overlay
+ * regions. Applications call them all the same. They take anything and answer 0.
  */
 #include "nvrhal.h"
 

@@ -24,8 +24,8 @@ uint32_t load_word32(const uint8_t *bytes)
 // last one that byte must be there, hence the loops end before the last pixel.
 typedef uint32_t FourPixels __attribute__((vector_size(16)));
 
-// Four pixels, `step` pixels from one to the next. Vectors go by reference: without vector
-// registers, passing one is no matter of a stable ABI.
+// Four pixels, `step` pixels from one to the next. Vectors are passed by reference: passing one by
+// value has no stable calling convention on machines without vector registers.
 inline void load_four(const uint8_t *from, size_t step, FourPixels *pixels)
 {
     const size_t next = 3 * step;

@@ -34,7 +34,7 @@ uint32_t u32_at(const uint8_t *bytes)
     return u16_at(bytes) | u16_at(bytes + 2) << 16;
 }
 
-/** Open a file and read its headers, with 0 for what a short file has not. Null after a message. */
+/** Open a file and read its headers, with zero bytes for what a short file lacks. Null after a message. */
 FILE *open_and_read(const char *path, RawHeaders *headers)
 {
     *headers = {};
@@ -43,7 +43,7 @@ FILE *open_and_read(const char *path, RawHeaders *headers)
         log_error(kBmpSource, "Open file faild:%s!\n", path);
         return nullptr;
     }
-    std::setvbuf(file, nullptr, _IONBF, 0); // two large reads: a buffer would only be a copy more
+    std::setvbuf(file, nullptr, _IONBF, 0); // the reads are large: a buffer would only add a copy
     if (std::fread(headers, 1, sizeof *headers, file) >= kNeeded_bytes &&
         std::memcmp(headers->magic, "BM", kMagic_bytes) == 0)
         return file;

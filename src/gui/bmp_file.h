@@ -23,7 +23,7 @@ struct BmpHeader {
     uint32_t compression; // 0 = none
 };
 
-/** Open a file and take its headers apart. Null after a message. The caller closes it. */
+/** Open a file and read the fields of its headers. Null after a message. The caller closes it. */
 FILE *open_bmp(const char *path, BmpHeader *header);
 
 } // namespace nvrhal

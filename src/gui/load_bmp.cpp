@@ -86,7 +86,7 @@ int32_t check_header(const BmpHeader &header)
     return 0;
 }
 
-// Rows a block holds. Rows that overlap, as those of a length that was cut do, are one block.
+// Rows a block holds. When the row length was cut, rows overlap: they are read as one block.
 uint32_t rows_a_block(const Bitmap &bitmap)
 {
     if (bitmap.stride_bytes < bitmap.row_bytes) return bitmap.height;
@@ -190,7 +190,7 @@ template <typename Take> Reading read_rows(const Bitmap &bitmap, const OsdSurfac
 
 int32_t load_plain(Bitmap &bitmap, OsdSurface *surface)
 {
-    // Padded rows are not this loader's business: a row is followed by the next one at once.
+    // This loader knows no padding: a row is followed by the next one at once.
     bitmap.stride_bytes = bitmap.row_bytes;
     if (bitmap.header.width >= 1 && bitmap.stride_bytes % 4 != 0)
         return refuse("bitmap format not supported!");
@@ -236,7 +236,7 @@ void convert_row_24(const Row &line, uint32_t pitch, uint32_t color_format)
         convert_bgr24_to_16(line.from, line.to, smaller(pixels, pitch / 2), color_format);
 }
 
-// Said of every pixel of the picture, also of those that a short file has not.
+// Printed for every pixel of the picture, including those that a short file does not hold.
 void report_missing_conversion(const Bitmap &bitmap, uint32_t color_format)
 {
     if (bitmap.header.bits_per_pixel != 24) return; // the other depths need none

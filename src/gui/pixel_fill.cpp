@@ -32,8 +32,8 @@ constexpr uint32_t repeated(uint16_t pixel)
     return static_cast<uint32_t>(pixel) << 16 | pixel;
 }
 
-// An unaligned store, aligned ones, and one that reaches back over them: every place where a pixel
-// may begin fits the pattern.
+// First an unaligned store, then aligned ones, then one that overlaps the last of them. The pattern
+// reads the same from every place where a pixel may begin.
 inline void fill_small(uint8_t *at, size_t bytes, const Pattern &pattern)
 {
     uint8_t *const last = at + bytes - kStore_bytes;
@@ -54,7 +54,7 @@ template <size_t kBytes> inline void store(uint8_t **at, const Pattern &pattern)
     *at += kBytes;
 }
 
-// Pixels begin at even addresses, and a pattern that begins anywhere on one is the same.
+// Pixels begin at even addresses, so the pattern reads the same from each of these steps on.
 inline void fill_short(uint8_t *at, size_t bytes, const Pattern &pattern)
 {
     uint8_t *const end = at + bytes;

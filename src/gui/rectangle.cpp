@@ -15,7 +15,7 @@ namespace nvrhal
 namespace
 {
 
-// Format codes of the painters. The driver's codes and those of s_OSDCompInfo count otherwise.
+// Format codes of the painters. The driver's codes and those of s_OSDCompInfo number them differently.
 enum PaintFormat : int32_t {
     kPaintRgb565 = 1,
     kPaintArgb4444 = 2,

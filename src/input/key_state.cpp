@@ -13,7 +13,7 @@ ABI_SIZE(LocalKey, 8);
 ABI_SIZE(PanelKey, 4);
 static_assert(__builtin_strcmp(NVRHAL_PANEL_NODE, KEYBOARD_NODE) == 0);
 
-// What applications know of the receiver is what its driver says.
+// The public record and name of the receiver are those of its driver.
 ABI_SIZE(RemoteFrame, sizeof(IrFrame));
 ABI_AT(RemoteFrame, code, offsetof(IrFrame, code));
 ABI_AT(RemoteFrame, state, offsetof(IrFrame, state));
@@ -31,8 +31,8 @@ LocalKey key;
 int32_t nvrhal::keyFd = -1;
 int32_t nvrhal::remoteFd = -1;
 
-// Nothing in the library starts a thread that these name: they stay 0 and what tests them stays
-// for the day that something does.
+// Nothing in the library starts the threads of these handles, so they stay 0; the operations that test
+// them behave as with no thread running.
 pthread_t nvrhal::localkeyThread;
 pthread_t nvrhal::remotekeyThread;
 pthread_mutex_t nvrhal::key_threads_lock = PTHREAD_MUTEX_INITIALIZER;

@@ -26,14 +26,14 @@ enum KeyPoll : uint32_t {
     kQueueEmpty = 1,
 };
 
-/** Tell the panel what a poll found; whether it listens does not matter. */
+/** Tell the panel what a poll found. The result is not looked at. */
 void report_poll(int32_t panel, KeyPoll poll)
 {
     uint32_t value = poll;
     board_ioctl(panel, KEYBOARD_KEY_POLLED, &value);
 }
 
-/** Whether the attribute of a detached, system-scope thread can be had. */
+/** Whether attributes for a detached thread of system scope can be set up. */
 bool thread_attributes_are_available()
 {
     pthread_attr_t attr;

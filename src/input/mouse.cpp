@@ -9,7 +9,7 @@
 
 #include <cstring>
 
-// What applications know of the mouse is what its driver says.
+// The public record and name of the mouse are those of its driver.
 ABI_SIZE(MouseRecord, sizeof(MouseEvent));
 ABI_AT(MouseRecord, type, offsetof(MouseEvent, type));
 ABI_AT(MouseRecord, buttons, offsetof(MouseEvent, buttons));

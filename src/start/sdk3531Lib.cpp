@@ -3,7 +3,7 @@
  *
  *   unstarted -> ext_device_init -> running -> ext_device_quit -> running, display detached
  *
- * Start-up is one fixed order, because each stage feeds on the one before it: the pools need only
+ * Start-up is one fixed order, because each stage needs what came before it: the pools need only
  * memory; decoders and display need the media system; the display reads the decoders' output
  * sizes; the framebuffer lies over the display; GPIO and watchdog come last so that a recorder that
  * cannot show pictures is not kept alive. The first failing stage ends start-up and nothing is

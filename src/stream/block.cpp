@@ -116,7 +116,7 @@ int32_t gather(const StreamChannel &channel, const NewestEntry &newest, const St
 
     for (;; previous_index = index, index = next_entry(channel, index)) {
         const StreamIndexEntry entry = load_entry(channel.p_stream_index[index]);
-        // A batch cannot begin with a jump: there would be nothing to end before it.
+        // A jump ends the batch with the frame before it; the first frame has none before it.
         if (index != first_index && is_time_jump(entry.timestamp)) {
             const StreamIndexEntry previous = load_entry(channel.p_stream_index[previous_index]);
             const int32_t result = end_block(channel, first, previous_index, previous, reader, kBlockToJump);

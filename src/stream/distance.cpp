@@ -20,8 +20,8 @@ uint32_t reader_lap(const StreamReader &reader)
 }
 
 /**
- * The reader was not given the entry yet. Where a search begins 12 entries ahead of the writer that
- * is so by itself; a ring of fewer entries brings the search round to what was delivered.
+ * True when the reader has not been given the entry yet. A search that begins 12 entries ahead of the
+ * writer meets no other; in a ring of fewer entries it comes round to entries that were delivered.
  */
 bool is_ahead_of(const StreamReader &reader, const StreamChannel &channel, const NewestEntry &newest,
                  uint32_t index)

@@ -31,8 +31,8 @@
  *       distance that the reader computes from k would be worth nothing.
  *   P2  a pool is stored when it is complete. Pairs with A2, find_stream_channel.
  *
- * Readers do not look again after they have read, so the distance is the whole protection: what a
- * reader was given stays whole while, since A1, the writer has advanced by no more than safe_diff
+ * Readers do not check again after they have read, so the distance alone protects them: what a
+ * reader was given stays whole as long as, since A1, the writer has advanced by no more than safe_diff
  * bytes of ring (the unused rest of a lap counts) and has begun fewer than resync_step frames.
  * Entries are relaxed words, so that a reader that stays away longer meets values that do not
  * belong together, never half a word.

@@ -65,8 +65,8 @@ uint32_t entry_in_step(const StreamChannel &channel, const NewestEntry &newest, 
 {
     uint32_t key_frame = 0;
     const auto backlog = static_cast<int32_t>(backlog_frames(channel, newest, reader));
-    // A negative limit is exceeded without a backlog as well: then there is nothing to search, and the
-    // search would come round to frames from before the reader's.
+    // A negative limit is exceeded even without a backlog. There is nothing to search then: the search
+    // would come round to frames older than the reader's.
     if (skip_limit != 0 && backlog > skip_limit && backlog > 0 &&
         find_key_frame_behind(channel, newest, reader, &key_frame))
         return key_frame;

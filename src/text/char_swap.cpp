@@ -141,7 +141,8 @@ extern "C" int FromGb2312ToUnicode(const uint8_t *gb2312, int length, uint8_t *o
             return -1;
         }
     }
-    // Not checked against the room, on purpose: a last unit at the limit has its end behind it.
+    // Not checked against the room, on purpose: when the last unit ends at the limit, the zero unit is
+    // written behind the limit.
     put_big_endian(out + written, 0);
     return 0;
 }
@@ -161,7 +162,7 @@ extern "C" int GetUnicodeToGB2312Length(const uint8_t *unicode)
     const int length = GetUnicodeLength(unicode);
     if (length < 0) return -1;
 
-    // Not the units but the bytes are walked, on purpose: a bound that may be too large.
+    // This walks bytes, not units, on purpose: the result is an upper bound and may be too large.
     int index = 0;
     while (index < length)
         index += unicode[index] == 0 ? 1 : 2;
@@ -197,7 +198,7 @@ extern "C" int FromUnicodeToGb2312(const uint8_t *unicode, uint32_t length, uint
         put_big_endian(out + written, row->gb2312);
         written += 2;
     }
-    // Not checked against the room either: it stands behind a text that fills it.
+    // Not checked against the room either: the zero byte of a text that fills it is written behind it.
     out[written] = 0;
     return 0;
 }

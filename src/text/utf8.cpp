@@ -2,7 +2,7 @@
  * utf8.cpp - Unicode units (two bytes, high byte first, ended by a zero unit) and UTF-8.
  *
  * A UTF-8 character is as long as its lead byte has leading ones; the bytes after the lead byte
- * are taken for what they are. A character that the end of the text cuts off ends there.
+ * are not checked. A character that the end of the text cuts off ends there.
  * Threads: any.
  */
 #include "text/utf8.h"
@@ -107,7 +107,7 @@ extern "C" int UTF8ToUnicode(const char *utf8, uint8_t *out, int out_size)
 
     int written = 0;
     while (*utf8 != '\0') {
-        // Not "written + 2 > out_size", on purpose: one unit past the room is written first.
+        // Not "written + 2 > out_size", on purpose: the last unit may begin at the end of the room.
         if (written > out_size) return no_room();
         const int bytes = leading_ones(static_cast<uint8_t>(*utf8));
         const int present = utf8_character_bytes(utf8, bytes);

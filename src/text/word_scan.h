@@ -2,11 +2,11 @@
  * word_scan.h - the first 4-byte word of a table that carries a key: the linear scan of the
  * character tables.
  *
- * The tables belong to the application too, which may reorder them, so no order and no index can
- * be relied on: every look-up reads words from the first one on. What can be had is width. Blocks
- * of 64 words are compared as vectors of 16 bytes, all hits of a block are gathered without a
- * branch, and only the block that has one is searched word by word; so the first match wins.
- * Where the compiler has no vectors for the machine, the plain loop is the fastest there is.
+ * The application may reorder the tables, so neither an order nor an index can be relied on: every
+ * look-up reads words from the first one on. It is fast because it compares many words at once.
+ * Blocks of 64 words are compared as vectors of 16 bytes, all hits of a block are gathered without a
+ * branch, and only a block with a hit is searched word by word; so the first match wins. Where the
+ * compiler has no vectors for the machine, every word is compared by itself.
  */
 #pragma once
 

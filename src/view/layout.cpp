@@ -8,8 +8,8 @@
  *   any layout -> ext_change_display_format -> all channels hidden -> panes prepared -> panes shown
  *                                          (refused: hidden until the next layout that succeeds)
  *
- * A display failure while panes are shown returns with the lock held, so that the next layout waits
- * for ever: nobody lays out on a half-shown screen.
+ * A display failure while panes are shown returns with the lock held. The next layout then waits for
+ * ever instead of working on a half-shown screen.
  * UI thread.
  */
 #include "board_io.h"
@@ -249,7 +249,7 @@ int32_t ext_change_display_format(const DispAttrib *panes, int32_t count)
                                                  log_code(kSource, "MI_VDEC_StartChn failed errno 0x%x \n")))
                 return code;
         }
-        single_view_chn = panes[0].channel; // unchecked: an absent one fails every single pane after it
+        single_view_chn = panes[0].channel; // not checked: while it does not exist, single-pane layouts fail
     } else {
         single_view_chn = kNoChannel;
     }

@@ -1,5 +1,5 @@
 /*
- * Picture and stream settings that the application may make and this hardware does not need. They
+ * Picture and stream settings that applications make and that have no effect on this hardware. They
  * take anything and answer 0.
  */
 #include "nvrhal.h"
