@@ -3,10 +3,10 @@
 
 #include <sstream>
 
+#include "commands/command.h"
 #include "controls/board_state.h"
 #include "controls/key_names.h"
 #include "controls/keys.h"
-#include "wall/command.h"
 #include "wall/terminal.h"
 
 namespace nvrec

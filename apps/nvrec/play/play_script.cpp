@@ -6,7 +6,7 @@
 #include <sstream>
 #include <utility>
 
-#include "wall/command.h"
+#include "commands/command.h"
 
 namespace nvrec
 {

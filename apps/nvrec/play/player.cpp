@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "commands/command.h"
 #include "nvrhal.h"
 #include "vboard.h"
 #include "vboard_audio.h"
-#include "wall/command.h"
 #include "wall/session.h"
 #include "wall/terminal.h"
 

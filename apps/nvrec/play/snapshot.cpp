@@ -6,9 +6,9 @@
 #include <fstream>
 #include <system_error>
 
+#include "commands/command.h"
 #include "nvrhal.h"
 #include "vboard.h"
-#include "wall/command.h"
 #include "wall/session.h"
 #include "wall/terminal.h"
 

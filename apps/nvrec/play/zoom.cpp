@@ -6,8 +6,8 @@
 #include <cmath>
 #include <cstdio>
 
+#include "commands/command.h"
 #include "nvrhal.h"
-#include "wall/command.h"
 #include "wall/session.h"
 #include "wall/terminal.h"
 

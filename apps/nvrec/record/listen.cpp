@@ -6,9 +6,9 @@
 #include <cmath>
 #include <utility>
 
+#include "commands/command.h"
 #include "nvrhal.h"
 #include "vboard_audio.h"
-#include "wall/command.h"
 #include "wall/terminal.h"
 
 namespace nvrec

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "wall/command.h"
+#include "commands/command.h"
 #include "wall/terminal.h"
 
 namespace nvrec

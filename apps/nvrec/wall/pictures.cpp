@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "commands/command.h"
 #include "vboard.h"
-#include "wall/command.h"
 
 namespace nvrec
 {

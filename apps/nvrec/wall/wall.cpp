@@ -4,8 +4,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "commands/command.h"
 #include "vboard.h"
-#include "wall/command.h"
 
 namespace nvrec
 {

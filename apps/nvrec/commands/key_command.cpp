@@ -2,9 +2,9 @@
 #include <cstdio>
 #include <memory>
 
+#include "commands/command.h"
 #include "controls/control_socket.h"
 #include "controls/key_names.h"
-#include "wall/command.h"
 
 namespace nvrec
 {

@@ -2,9 +2,9 @@
 #include <cstdio>
 #include <memory>
 
+#include "commands/command.h"
 #include "controls/board_state.h"
 #include "controls/control_socket.h"
-#include "wall/command.h"
 #include "wall/session.h"
 #include "wall/terminal.h"
 

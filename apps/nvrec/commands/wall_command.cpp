@@ -2,14 +2,14 @@
 #include <cstdio>
 #include <memory>
 
+#include "commands/command.h"
+#include "commands/furniture_options.h"
+#include "commands/screen_options.h"
+#include "commands/wall_options.h"
+#include "commands/zoom_options.h"
 #include "controls/controls.h"
 #include "play/snapshot.h"
-#include "play/zoom_options.h"
 #include "record/listen.h"
-#include "screen/furniture_options.h"
-#include "wall/command.h"
-#include "wall/screen_options.h"
-#include "wall/wall_options.h"
 
 namespace nvrec
 {

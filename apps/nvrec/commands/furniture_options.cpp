@@ -1,5 +1,5 @@
 /* furniture_options.cpp - see furniture_options.h. */
-#include "screen/furniture_options.h"
+#include "commands/furniture_options.h"
 
 #include <charconv>
 #include <cstdlib>

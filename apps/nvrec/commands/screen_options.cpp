@@ -1,10 +1,10 @@
 /* screen_options.cpp - see screen_options.h. */
-#include "wall/screen_options.h"
+#include "commands/screen_options.h"
 
 #include <cstdio>
 #include <map>
 
-#include "wall/command.h"
+#include "commands/command.h"
 #include "wall/pictures.h"
 
 namespace nvrec

@@ -8,7 +8,7 @@ extern "C" {
 #include <libavutil/log.h>
 }
 
-#include "wall/command.h"
+#include "commands/command.h"
 
 namespace
 {

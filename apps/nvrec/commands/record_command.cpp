@@ -6,9 +6,9 @@
 #include <optional>
 #include <utility>
 
+#include "commands/command.h"
+#include "commands/wall_options.h"
 #include "record/recorder.h"
-#include "wall/command.h"
-#include "wall/wall_options.h"
 
 namespace nvrec
 {

@@ -4,11 +4,11 @@
 #include <memory>
 #include <utility>
 
+#include "commands/command.h"
+#include "commands/screen_options.h"
 #include "play/player.h"
 #include "play/snapshot.h"
-#include "wall/command.h"
 #include "wall/pictures.h"
-#include "wall/screen_options.h"
 
 namespace nvrec
 {

@@ -3,13 +3,13 @@
 #include <cstdio>
 #include <memory>
 
+#include "commands/command.h"
+#include "commands/screen_options.h"
+#include "commands/zoom_options.h"
 #include "controls/controls.h"
 #include "play/play_script.h"
 #include "play/player.h"
 #include "play/snapshot.h"
-#include "play/zoom_options.h"
-#include "wall/command.h"
-#include "wall/screen_options.h"
 #include "wall/terminal.h"
 
 namespace nvrec

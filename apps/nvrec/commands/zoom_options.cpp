@@ -1,7 +1,7 @@
 /* zoom_options.cpp - see zoom_options.h. */
-#include "play/zoom_options.h"
+#include "commands/zoom_options.h"
 
-#include "wall/command.h"
+#include "commands/command.h"
 
 namespace nvrec
 {
