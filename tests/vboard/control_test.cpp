@@ -4,6 +4,7 @@
 #include <fstream>
 #include <sstream>
 #include <thread>
+#include <vector>
 
 #include "board_io.h"
 #include "board_rig.h"
@@ -326,6 +327,48 @@ TEST_F(Control, ASleeperWakesWhenTheClockIsReleased)
     ASSERT_EQ(vboard_clock_wait_sleepers(1, kPatience_ms), 0);
     vboard_clock_release();
     sleeper.join();
+}
+
+TEST_F(Control, AFollowerIsToldOfEveryJumpOfTheClock)
+{
+    std::vector<int64_t> told;
+    const auto follower = [](void *user) {
+        static_cast<std::vector<int64_t> *>(user)->push_back(vboard_clock_us());
+    };
+    EXPECT_EQ(vboard_clock_is_taken(), 0);
+    ASSERT_EQ(vboard_clock_follow(follower, &told), 0);
+    EXPECT_EQ(vboard_clock_follow(follower, &told), -1);
+    vboard_clock_take();
+    EXPECT_EQ(vboard_clock_is_taken(), 1);
+    const int64_t taken_at = vboard_clock_us();
+    const int64_t wall = vboard_clock_wall_us();
+    ASSERT_EQ(vboard_clock_step_us(40000), 0);
+    EXPECT_EQ(vboard_clock_wall_us(), wall + 40000);
+    EXPECT_EQ(told, (std::vector<int64_t>{taken_at, taken_at + 40000}));
+    vboard_clock_release();
+    EXPECT_EQ(told.size(), 3u);
+    ASSERT_EQ(vboard_clock_follow(nullptr, nullptr), 0);
+    vboard_clock_take();
+    EXPECT_EQ(told.size(), 3u);
+    vboard_clock_release();
+}
+
+TEST_F(Control, AnApplicationsOwnSleepersCountUntilTheirTimeOrTheirWaking)
+{
+    vboard_clock_take();
+    const int64_t now = vboard_clock_us();
+    EXPECT_EQ(vboard_clock_wait_sleepers(1, 0), -1);
+    vboard_clock_add_sleeper(now + 10);
+    vboard_clock_add_sleeper(now + 20);
+    EXPECT_EQ(vboard_clock_wait_sleepers(2, 0), 0);
+    ASSERT_EQ(vboard_clock_step_us(10), 0);
+    EXPECT_EQ(vboard_clock_wait_sleepers(2, 0), -1) << "its time has come, so it is awake";
+    EXPECT_EQ(vboard_clock_wait_sleepers(1, 0), 0);
+    vboard_clock_remove_sleeper(now + 20);
+    EXPECT_EQ(vboard_clock_wait_sleepers(1, 0), -1);
+    vboard_clock_remove_sleeper(now + 10);
+    vboard_clock_remove_sleeper(now + 10); // accepted
+    vboard_clock_release();
 }
 
 TEST_F(Control, TheMediaClockRunsFromItsBaseAndNeverBackwards)

@@ -301,6 +301,32 @@ int vboard_clock_step_us(int64_t microseconds);
  */
 int vboard_clock_wait_sleepers(uint32_t count, int32_t timeout_ms);
 
+/** 1 while the clock is taken. */
+int vboard_clock_is_taken(void);
+
+/** Called after every take, step and release of the clock, on the thread that did it. */
+typedef void (*vboard_clock_follower)(void *user);
+
+/**
+ * For an application that waits on the board's clock by means of its own: be told when the clock
+ * has jumped. The follower wakes whoever waits, and calls nothing that moves the clock. One
+ * follower; a null one ends it, and returns when no call is running any more.
+ *
+ * @return 0, or -1 (followed already)
+ */
+int vboard_clock_follow(vboard_clock_follower follower, void *user);
+
+/**
+ * Such an application's thread begins to wait until a time on the board clock: it counts as one of
+ * the sleepers of vboard_clock_wait_sleepers until it is removed, by whoever wakes it, with the same
+ * time. Removing what was not added is accepted.
+ */
+void vboard_clock_add_sleeper(int64_t deadline_us);
+void vboard_clock_remove_sleeper(int64_t deadline_us);
+
+/** The board's wall clock: microseconds since 1970-01-01 00:00 UTC. It stands and steps with the clock. */
+int64_t vboard_clock_wall_us(void);
+
 /* ------------------------------------------------------------------------------------ the board --- */
 
 /**

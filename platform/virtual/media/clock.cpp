@@ -45,6 +45,13 @@ struct WaitableList {
     std::vector<Waitable *> all;
 };
 
+// The mutex is held during a call, so that ending it waits for the call.
+struct FollowState {
+    std::mutex mutex;
+    ClockFollower follower = nullptr;
+    void *user = nullptr;
+};
+
 // Function-local so that they exist before any static Waitable and outlive them all.
 ClockState &state()
 {
@@ -56,6 +63,12 @@ WaitableList &waitables()
 {
     static WaitableList *list = new WaitableList;
     return *list;
+}
+
+FollowState &follow()
+{
+    static FollowState *state = new FollowState;
+    return *state;
 }
 
 int64_t now_locked(const ClockState &clock)
@@ -80,6 +93,20 @@ void wake_everyone()
         }
         waitable->changed.notify_all();
     }
+}
+
+void tell_follower()
+{
+    FollowState &state = follow();
+    const std::lock_guard guard(state.mutex);
+    if (state.follower != nullptr) state.follower(state.user);
+}
+
+// The clock has jumped.
+void tell_everyone()
+{
+    wake_everyone();
+    tell_follower();
 }
 
 } // namespace
@@ -134,7 +161,7 @@ void clock_take()
         clock.taken_wall_us = wall_locked(clock);
         clock.taken = true;
     }
-    wake_everyone();
+    tell_everyone();
 }
 
 void clock_release()
@@ -147,7 +174,7 @@ void clock_release()
         clock.wall_offset_us = clock.taken_wall_us - system_wall_us();
         clock.taken = false;
     }
-    wake_everyone();
+    tell_everyone();
 }
 
 int clock_step_us(int64_t microseconds)
@@ -159,7 +186,7 @@ int clock_step_us(int64_t microseconds)
         clock.taken_now_us += microseconds;
         clock.taken_wall_us += microseconds;
     }
-    wake_everyone();
+    tell_everyone();
     return 0;
 }
 
@@ -175,21 +202,41 @@ int clock_wait_sleepers(uint32_t count, int32_t timeout_ms)
     return wait_real(clock.sleepers_changed, lock, timeout_ms, asleep) ? 0 : -1;
 }
 
-SleeperMark::SleeperMark(int64_t deadline_us) : deadline_us_(deadline_us)
+int clock_follow(ClockFollower follower, void *user)
 {
-    if (deadline_us_ == kForever_us) return;
+    FollowState &state = follow();
+    const std::lock_guard guard(state.mutex);
+    if (follower != nullptr && state.follower != nullptr) return -1;
+    state.follower = follower;
+    state.user = user;
+    return 0;
+}
+
+void clock_add_sleeper(int64_t deadline_us)
+{
+    if (deadline_us == kForever_us) return;
     ClockState &clock = state();
     const std::lock_guard guard(clock.mutex);
-    clock.sleepers_us.insert(deadline_us_);
+    clock.sleepers_us.insert(deadline_us);
     clock.sleepers_changed.notify_all();
+}
+
+void clock_remove_sleeper(int64_t deadline_us)
+{
+    ClockState &clock = state();
+    const std::lock_guard guard(clock.mutex);
+    const auto found = clock.sleepers_us.find(deadline_us);
+    if (found != clock.sleepers_us.end()) clock.sleepers_us.erase(found);
+}
+
+SleeperMark::SleeperMark(int64_t deadline_us) : deadline_us_(deadline_us)
+{
+    clock_add_sleeper(deadline_us_);
 }
 
 SleeperMark::~SleeperMark()
 {
-    if (deadline_us_ == kForever_us) return;
-    ClockState &clock = state();
-    const std::lock_guard guard(clock.mutex);
-    clock.sleepers_us.erase(clock.sleepers_us.find(deadline_us_));
+    clock_remove_sleeper(deadline_us_);
 }
 
 void clock_wait_once(Waitable &waitable, std::unique_lock<std::mutex> &lock, int64_t deadline_us)

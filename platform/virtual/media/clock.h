@@ -44,7 +44,15 @@ void clock_release();
 int clock_step_us(int64_t microseconds);
 int clock_wait_sleepers(uint32_t count, int32_t timeout_ms);
 
-/* Marks a thread as waiting until a deadline, for clock_wait_sleepers. */
+/* Told of every take, step and release, by the thread that did it; null ends it. -1 = there is one. */
+using ClockFollower = void (*)(void *user);
+int clock_follow(ClockFollower follower, void *user);
+
+/* A thread waits until a deadline, for clock_wait_sleepers; and waits no more. */
+void clock_add_sleeper(int64_t deadline_us);
+void clock_remove_sleeper(int64_t deadline_us);
+
+/* The same for as long as it lives. */
 class SleeperMark
 {
 public:

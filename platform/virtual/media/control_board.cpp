@@ -105,6 +105,32 @@ int vboard_clock_wait_sleepers(uint32_t count, int32_t timeout_ms)
     return clock_wait_sleepers(count, timeout_ms);
 }
 
+int vboard_clock_is_taken(void)
+{
+    return clock_is_taken() ? 1 : 0;
+}
+
+int vboard_clock_follow(vboard_clock_follower follower, void *user)
+{
+    if (clock_follow(follower, user) != 0) return refuse_plainly("the clock is followed already");
+    return 0;
+}
+
+void vboard_clock_add_sleeper(int64_t deadline_us)
+{
+    clock_add_sleeper(deadline_us);
+}
+
+void vboard_clock_remove_sleeper(int64_t deadline_us)
+{
+    clock_remove_sleeper(deadline_us);
+}
+
+int64_t vboard_clock_wall_us(void)
+{
+    return clock_wall_us();
+}
+
 void vboard_reset(void)
 {
     fault_clear(nullptr);
