@@ -110,6 +110,8 @@ m32_leg() { build m32 && run_tests m32; }
 
 armhf_leg() { build armhf && run_tests armhf; }
 
+linux_nvrec_leg() { quietly linux-nvrec tools/linux_nvrec.sh $jobs; }
+
 format_leg() {
     find include src platform apps tests bench tools examples -type f \( -name '*.h' -o -name '*.c' -o -name '*.cpp' \) -print0 |
         xargs -0 clang-format --dry-run -Werror
@@ -132,6 +134,7 @@ if [ $all = yes ]; then
     leg "tsan: build and tests" tsan_leg
     leg "m32: build and tests" m32_leg
     leg "armhf: build and tests" armhf_leg
+    leg "linux-nvrec: the recorder without the board in software" linux_nvrec_leg
     leg "format" format_leg
     leg "lint" lint_leg
 fi

@@ -31,9 +31,19 @@ while read -r file; do
     grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"](libswscale/|libyuv|turbojpeg|jpeglib|SDL)' "$file" >/dev/null &&
         violation "$file includes a media library beyond libavformat, libavcodec and libswresample"
     grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*"(mi_|board_io)' "$file" >/dev/null &&
-        [ "$file" != apps/nvrec/controls/device_node.cpp ] && # the mouse and the panel's keys: the application's own
+        [[ $file != apps/nvrec/host/* ]] &&
         violation "$file reaches below the library"
 done < <(sources apps)
+
+# The recorder knows what stands under the library, and the machine's clocks, in its host room alone.
+clocks='steady_clock|system_clock::now|clock_gettime|gettimeofday|[^_[:alnum:]]time\((nullptr|NULL|0)\)'
+clocks+='|sleep_for|sleep_until|[^_[:alnum:]](usleep|nanosleep|sleep)\(|condition_variable|std::future'
+while read -r file; do
+    grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*"(vboard|[a-z]+_driver)' "$file" &&
+        violation "$file includes a header of what stands under the library; only apps/nvrec/host may"
+    bare_code "$file" | grep -nE "$clocks" &&
+        violation "$file reads a clock or waits on one by itself; apps/nvrec/host/clock.h does"
+done < <(sources apps/nvrec | grep -v '^apps/nvrec/host/')
 
 # 2. The library includes its own headers, include/ and platform/include/, and of the system only
 #    what a target without the C++ run-time library has.
@@ -98,6 +108,16 @@ if [ -n "$build" ]; then
     while read -r symbol defined wanted; do
         may_use "$wanted" "$defined" || violation "src/$wanted reaches up into src/$defined for $symbol"
     done < <(join <(rooms_symbols '^[TDBRC]$') <(rooms_symbols '^U$'))
+fi
+
+# A recorder that was built beside the library needs nothing of the board by name.
+if [ -n "$build" ] && [ -d "$build/apps/nvrec" ]; then
+    pieces="$build/apps/nvrec/libnvrec_pieces.a $(find "$build/apps/nvrec/CMakeFiles/nvrec.dir" -name '*.o')"
+    [ -f "${pieces%% *}" ] || violation "$build holds no object of the recorder"
+    while read -r symbol; do
+        violation "an object of the recorder beside its host room calls $symbol"
+    done < <(nm -u $pieces /dev/null 2>/dev/null | awk '$1 == "U" { print $2 }' | sort -u |
+        grep -E '^(vboard_|MI_|board_)')
 fi
 
 [ $violations -eq 0 ] || { echo "seams: $violations violations" >&2; exit 1; }

@@ -12,6 +12,7 @@ stamped_stream(session_large_h265 --codec h265 --size 1920x1080 --frames 6 --gop
 
 if(NOT TARGET board_session)
   add_library(board_session STATIC ${CMAKE_CURRENT_LIST_DIR}/playback_session.cpp)
+  target_include_directories(board_session PUBLIC ${CMAKE_CURRENT_LIST_DIR})
   target_link_libraries(board_session PUBLIC nvrhal board_rig)
 endif()
 

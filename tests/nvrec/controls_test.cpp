@@ -48,7 +48,7 @@ public:
     template <typename Done> bool turn_until(Companion &companion, Done done)
     {
         for (;;) {
-            companion.take_turn(Companion::Clock::now());
+            companion.take_turn(Clock::now());
             if (done()) return true;
             std::unique_lock guard(lock_);
             if (!rung_.wait_for(guard, 20s, [this] { return rings_ > 0; })) return false;
@@ -178,7 +178,7 @@ TEST(RecorderKeys, ARecorderWithoutPanelReceiverAndMouseGoesOn)
     Keys keys;
     EXPECT_TRUE(keys.start(wall));
     vboard_ir_press(button_named("menu")->ir_code);
-    keys.take_turn(Companion::Clock::now());
+    keys.take_turn(Clock::now());
     EXPECT_TRUE(wall.keys.empty());
     EXPECT_FALSE(keys.press(*button_named("menu"), Keys::Way::kRemote, 50ms));
     keys.stop();
@@ -229,7 +229,7 @@ TEST_F(RecorderIndicators, TheBuzzerSoundsForALossAndNotForEver)
 {
     ASSERT_TRUE(indicators_.start(wall_));
     EXPECT_EQ(vboard_gpio_level(kBuzzer), 0) << "nothing is lost yet";
-    auto now = Companion::Clock::now();
+    auto now = Clock::now();
     indicators_.take_turn(now);
     EXPECT_EQ(vboard_gpio_level(kBuzzer), 0);
 
@@ -254,7 +254,7 @@ TEST_F(RecorderIndicators, AnInputBeyondTheCamerasIsNobodysLoss)
 {
     ASSERT_TRUE(indicators_.start(wall_));
     ASSERT_EQ(vboard_ad_set_loss(4, 1), 0);
-    indicators_.take_turn(Companion::Clock::now());
+    indicators_.take_turn(Clock::now());
     EXPECT_EQ(vboard_gpio_level(kBuzzer), 0);
 }
 
@@ -263,7 +263,7 @@ TEST_F(RecorderIndicators, TheLampBlinksWhileItRecords)
     ASSERT_TRUE(indicators_.start(wall_));
     vboard_clock_take();
     wall_.set_recording(true);
-    indicators_.take_turn(Companion::Clock::now());
+    indicators_.take_turn(Clock::now());
     for (int i = 0; i < 4; ++i) {
         ASSERT_EQ(vboard_clock_wait_sleepers(1, kPatience_ms), 0);
         ASSERT_EQ(vboard_clock_step_us(kSecond_us / 2), 0);
@@ -274,7 +274,7 @@ TEST_F(RecorderIndicators, TheLampBlinksWhileItRecords)
     EXPECT_EQ(panel.lamp_changes, 4u) << "dark at first, so the first half second changes nothing";
 
     wall_.set_recording(false);
-    indicators_.take_turn(Companion::Clock::now());
+    indicators_.take_turn(Clock::now());
     ASSERT_EQ(vboard_panel_get_stat(&panel), 0);
     EXPECT_EQ(panel.record_lamp, 1u) << "steady";
     vboard_clock_release();
@@ -320,7 +320,6 @@ protected:
 
 TEST_F(RecorderHealth, AThreadThatHangsStarvesTheWatchdog)
 {
-    using Clock = Companion::Clock;
     vboard_clock_take();
     const Clock::time_point begin = Clock::now();
     std::atomic<Clock::rep> promise = (begin + 1h).time_since_epoch().count();
@@ -351,7 +350,6 @@ TEST_F(RecorderHealth, AThreadThatHangsStarvesTheWatchdog)
 /* The health's own thread looks too, at the real time, which is before all of these. */
 TEST_F(RecorderHealth, AMainThreadWithoutATurnStarvesTheWatchdogUntilItHasOneAgain)
 {
-    using Clock = Companion::Clock;
     vboard_clock_take();
     const Clock::time_point begin = Clock::now() + 1h;
     Health health(kWatchdog_s, 1s);

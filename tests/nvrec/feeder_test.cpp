@@ -15,7 +15,6 @@ namespace
 
 using namespace nvrec;
 using namespace std::chrono_literals;
-using Clock = std::chrono::steady_clock;
 
 #ifdef NVREC_RTSP_CAMERA
 

@@ -203,7 +203,7 @@ TEST_F(NvrecFurniture, TheClockTicksOnceASecondAndTouchesOnlyItsPlace)
 {
     start();
     const Rect before_place = furniture_->clock()->place();
-    const auto now = Companion::Clock::now();
+    const auto now = Clock::now();
     const auto first = screen();
 
     time_ += std::chrono::milliseconds(400);
@@ -312,7 +312,7 @@ TEST_F(NvrecFurniture, TheCursorPutsBackWhatItCovered)
             }
         }
     }
-    furniture_->take_turn(Companion::Clock::now() + std::chrono::seconds(6));
+    furniture_->take_turn(Clock::now() + std::chrono::seconds(6));
     EXPECT_EQ(difference(before, screen()), Rect{}) << "a mouse at rest goes out of the way";
 }
 
@@ -326,7 +326,7 @@ TEST_F(NvrecFurniture, WithoutAFontThereAreStillBorders)
     EXPECT_EQ(furniture_->menu(), nullptr);
     expect_frame({0, 0, 960, 540}, kHighlight_px, kHighlightColour);
     EXPECT_FALSE(furniture_->on_key(Key::kMenu));
-    furniture_->take_turn(Companion::Clock::now());
+    furniture_->take_turn(Clock::now());
 }
 
 TEST_F(NvrecFurniture, LeavesAnEmptyScreen)
@@ -342,7 +342,7 @@ TEST_F(NvrecFurniture, AutoWithoutAWindowDrawsNothing)
     start();
     EXPECT_FALSE(furniture_->on_key(Key::kMenu));
     EXPECT_FALSE(furniture_->on_pointer({5, 5, 2, 2, 0}));
-    EXPECT_EQ(furniture_->take_turn(Companion::Clock::now()), Companion::Clock::time_point::max());
+    EXPECT_EQ(furniture_->take_turn(Clock::now()), Clock::time_point::max());
     EXPECT_EQ(difference(screen(), std::vector<uint16_t>(1920 * 1080, 0)), Rect{});
 }
 

@@ -7,9 +7,9 @@
 #include <gtest/gtest.h>
 
 #include "controls/controls.h"
-#include "mouse_driver.h"
 #include "nvrec_run.h"
 #include "nvrhal.h"
+#include "nvrhal/input_nodes.h"
 #include "play/player.h"
 #include "play/zoom.h"
 #include "running_wall.h"
@@ -89,7 +89,7 @@ protected:
     {
         return wall_->after([=] { vboard_mouse_move(x, y); });
     }
-    auto click(uint32_t button = MOUSE_BUTTON_LEFT)
+    auto click(uint32_t button = MOUSE_LEFT_DOWN)
     {
         return wall_->after([=] { press(button); }, 2);
     }
@@ -97,8 +97,8 @@ protected:
     {
         return wall_->after(
             [] {
-                press(MOUSE_BUTTON_LEFT);
-                press(MOUSE_BUTTON_LEFT);
+                press(MOUSE_LEFT_DOWN);
+                press(MOUSE_LEFT_DOWN);
             },
             4);
     }
@@ -159,7 +159,7 @@ TEST_F(NvrecMouse, AClickSelectsAndTwoShowTheCameraAlone)
     EXPECT_EQ(click_twice().enlarged, 1);
     EXPECT_EQ(click_twice().enlarged, -1) << "and back";
     EXPECT_EQ(click_twice().enlarged, 1);
-    EXPECT_EQ(click(MOUSE_BUTTON_RIGHT).enlarged, -1) << "without a menu, the layout";
+    EXPECT_EQ(click(MOUSE_RIGHT_DOWN).enlarged, -1) << "without a menu, the layout";
 }
 
 TEST_F(NvrecMouse, TwoClicksShowAFileAloneWhileFilesPlay)
@@ -199,7 +199,7 @@ TEST_F(NvrecMouse, DraggingMovesTheZoomedPartWithinThePicture)
     move(1440, 270);
     EXPECT_EQ(part_after_wheel(2), (Part{518, 96, 1228, 690})) << "0.27, 0.09, 0.64 x 0.64";
     move(960, 540);
-    EXPECT_EQ(part_after([] { vboard_mouse_buttons(MOUSE_BUTTON_LEFT); }), kNoCall);
+    EXPECT_EQ(part_after([] { vboard_mouse_buttons(MOUSE_LEFT_DOWN); }), kNoCall);
     EXPECT_EQ(part_after_move(1056, 540), (Part{456, 96, 1228, 690})) << "the picture goes with the pointer";
     EXPECT_EQ(part_after_move(1056, 648), (Part{456, 28, 1228, 690}));
     EXPECT_EQ(part_after_move(1056, 1079), (Part{456, 0, 1228, 690})) << "and ends at its edge";

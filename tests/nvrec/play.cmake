@@ -42,12 +42,13 @@ target_compile_definitions(nvrec_playback_test PRIVATE NVREC_STREAMS="${STAMPED_
 add_dependencies(nvrec_playback_test nvrec_play_sound stream_play_1.h265)
 add_dependencies(nvrec_play_test nvrec_play_sound)
 
-# The wall in one process with the test, which moves the mouse and follows the screen.
+# The wall in one process with the test, which moves the mouse, follows the screen and steps the clock.
 nvrhal_test(nvrec_running_wall_test
   ${CMAKE_CURRENT_LIST_DIR}/mouse_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/play_loop_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/play_snapshot_test.cpp
-  LIBS nvrec_run nvrec_pieces platform_api stamp LABEL nvrec TIMEOUT 120)
+  ${CMAKE_CURRENT_LIST_DIR}/stepped_wall_test.cpp
+  LIBS nvrec_run nvrec_pieces vboard stamp LABEL nvrec TIMEOUT 120)
 target_compile_definitions(nvrec_running_wall_test PRIVATE NVREC_STREAMS="${STAMPED_STREAM_DIR}")
 add_dependencies(nvrec_running_wall_test stream_play_0.h264 stream_play_1.h265 stream_play_camera_0.h265
   stream_play_camera_1.h264)

@@ -9,11 +9,11 @@
 
 #include <gtest/gtest.h>
 
-#include "commands/command.h"
 #include "play/player.h"
 #include "running_wall.h"
 #include "stamp.h"
 #include "vboard.h"
+#include "wall/exit_code.h"
 
 namespace
 {

@@ -5,12 +5,12 @@
 
 #include <gtest/gtest.h>
 
-#include "commands/command.h"
 #include "nvrec_run.h"
 #include "play/player.h"
 #include "play/snapshot.h"
 #include "stamps.h"
 #include "vboard.h"
+#include "wall/exit_code.h"
 #include "wall/wall.h"
 
 namespace

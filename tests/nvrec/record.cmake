@@ -11,7 +11,7 @@ nvrhal_test(nvrec_record_pieces_test
   ${CMAKE_CURRENT_SOURCE_DIR}/record_files.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_pieces_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_retry_test.cpp
-  LIBS nvrec_run nvrec_pieces LABEL nvrec TIMEOUT 60)
+  LIBS nvrec_run nvrec_pieces vboard LABEL nvrec TIMEOUT 60)
 target_compile_definitions(nvrec_record_pieces_test PRIVATE NVREC_CLIPS="${nvrec_record_clips}")
 add_dependencies(nvrec_record_pieces_test nvrec_record_clips)
 

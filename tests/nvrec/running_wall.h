@@ -1,5 +1,5 @@
 /*
- * nvrec_running_wall.h - the recorder's wall with its companions in this process, on a thread of its
+ * running_wall.h - the recorder's wall with its companions in this process, on a thread of its
  * own, while the test moves the mouse on the board. For tests.
  *
  * Threads: the wall's main thread is the one started here; all functions belong to the test's.
@@ -34,8 +34,16 @@ class Witness final : public nvrec::Companion
 public:
     bool start(nvrec::WallControl &wall) override
     {
+        const std::scoped_lock guard(lock_);
         wall_ = &wall;
         return true;
+    }
+
+    /** What the cameras were sent so far. */
+    uint64_t sent(size_t channel)
+    {
+        const std::scoped_lock guard(lock_);
+        return wall_->cameras().at(channel)->counters().sent;
     }
 
     bool on_pointer(const nvrec::PointerEvent &) override
@@ -44,14 +52,14 @@ public:
         return false;
     }
 
-    Clock::time_point take_turn(Clock::time_point) override
+    nvrec::Clock::time_point take_turn(nvrec::Clock::time_point) override
     {
         const std::scoped_lock guard(lock_);
         state_ = {pointers_, wall_->enlarged(), wall_->selected()};
         seen_ = true;
         if (end_asked_) wall_->end(0);
         changed_.notify_all();
-        return Clock::time_point::max();
+        return nvrec::Clock::time_point::max();
     }
 
     /** Wait for the turn after so many mouse events. @return whether it came. */
@@ -74,10 +82,10 @@ public:
     }
 
 private:
-    nvrec::WallControl *wall_ = nullptr;
     int pointers_ = 0; /* the wall's thread only */
     std::mutex lock_;  /* guards what follows */
     std::condition_variable changed_;
+    nvrec::WallControl *wall_ = nullptr;
     WallState state_;
     bool seen_ = false, end_asked_ = false;
 };
@@ -106,12 +114,22 @@ public:
         return witness_->wait_for(0, &state_);
     }
 
+    /** What a camera was sent so far. */
+    uint64_t sent(size_t channel) { return witness_->sent(channel); }
+
     /** Do something that is so many mouse events, and wait until the wall has acted on the last one. */
     WallState after(const std::function<void()> &hand, int events = 1)
     {
         hand();
         if (!witness_->wait_for(state_.pointers + events, &state_)) state_ = {-1, -2, -2};
         return state_;
+    }
+
+    /** Wait until it ends by itself. @return the wall's exit code. */
+    int wait_for_end()
+    {
+        thread_.join();
+        return exit_code_;
     }
 
     /** @return the wall's exit code. */

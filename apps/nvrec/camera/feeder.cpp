@@ -4,33 +4,36 @@
 #include <algorithm>
 #include <utility>
 
+#include "camera/decoder_codec.h"
+#include "host/host.h"
 #include "nvrhal.h"
-#include "vboard.h"
 
 namespace nvrec
 {
 namespace
 {
 
-using Clock = std::chrono::steady_clock;
-
 constexpr auto kFirstRetry = std::chrono::seconds(1);
 constexpr auto kLongestRetry = std::chrono::seconds(16);
 constexpr auto kSilence = std::chrono::seconds(10); /* a live input gives up a silent line after this */
-constexpr int kDecoderPatience_ms = 2000;           /* for one unit, when feeding as fast as it goes */
-constexpr double kCatchUp = 1.5;                    /* times a camera's rate, while it is behind       */
-constexpr int64_t kLongestPace_us = 100'000;        /* whatever a camera's clock says                  */
+constexpr auto kDecoderPatience = std::chrono::seconds(2); /* for one unit, when feeding as fast as it goes */
+constexpr double kCatchUp = 1.5;             /* times a camera's rate, while it is behind       */
+constexpr int64_t kLongestPace_us = 100'000; /* whatever a camera's clock says                  */
 
 uint32_t shared_word(uint32_t &word)
 {
     return std::atomic_ref<uint32_t>(word).load(std::memory_order_relaxed);
 }
 
+bool is_kept_out_by_zoom(int channel)
+{
+    return shared_word(vo_for_ezoom) == 1 && shared_word(zoom_channel) != static_cast<uint32_t>(channel);
+}
+
 /* The screen belongs to recordings, or to another camera's zoom: refusals are as they should be. */
 bool is_kept_out(int channel)
 {
-    if (shared_word(playback_status) == 1) return true;
-    return shared_word(vo_for_ezoom) == 1 && shared_word(zoom_channel) != static_cast<uint32_t>(channel);
+    return shared_word(playback_status) == 1 || is_kept_out_by_zoom(channel);
 }
 
 } // namespace
@@ -82,7 +85,7 @@ void Feeder::ask_to_stop()
     stop_.store(true, std::memory_order_relaxed);
     input_.interrupt();
     const std::scoped_lock guard(sleep_lock_);
-    sleep_.notify_all();
+    sleep_.notify();
 }
 
 void Feeder::join()
@@ -228,8 +231,8 @@ void Feeder::wait_due(const AccessUnit &unit)
     }
     if (options_.as_fast_as_can && events_.sink) return; /* the sink paces */
     if (options_.as_fast_as_can) {
-        promise_until(Clock::now() + std::chrono::milliseconds(kDecoderPatience_ms));
-        vboard_decoder_wait_idle(static_cast<uint32_t>(channel_), kDecoderPatience_ms);
+        promise_until(Clock::now() + kDecoderPatience);
+        host::wait_for_decoder(channel_, kDecoderPatience);
         return;
     }
     const auto due =
@@ -268,8 +271,11 @@ int32_t Feeder::send_to_decoder(const AccessUnit &unit)
     frame.data = const_cast<uint8_t *>(unit.bytes.data()); /* only read by the library */
     frame.channel = static_cast<uint32_t>(channel_);
     frame.pts = static_cast<uint64_t>(unit.pts_us);
-    return ext_send_stream(&frame, static_cast<uint32_t>(facts.codec), options_.link_quality,
-                           options_.rate_class);
+    const int32_t result = ext_send_stream(&frame, static_cast<uint32_t>(facts.codec), options_.link_quality,
+                                           options_.rate_class);
+    const bool looked_at = !is_kept_out_by_zoom(channel_) && frame.length <= NVRHAL_MAX_SEND_BYTES;
+    if (result == 0 || looked_at) note_live_codec(channel_, facts.codec);
+    return result;
 }
 
 void Feeder::promise_until(Clock::time_point when)

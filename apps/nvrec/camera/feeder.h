@@ -13,7 +13,6 @@
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -22,6 +21,7 @@
 #include <thread>
 
 #include "camera/input.h"
+#include "host/clock.h"
 
 namespace nvrec
 {
@@ -92,7 +92,7 @@ public:
      * that may take its time. A promise that is past means that the thread hangs. max() = it does not
      * run, or has ended.
      */
-    std::chrono::steady_clock::time_point promise() const;
+    Clock::time_point promise() const;
 
     /** Codec, size and frame rate as last learned. */
     StreamFacts facts() const;
@@ -104,7 +104,7 @@ private:
     void feed();
     bool next(AccessUnit *unit);
     bool reconnect(const std::string &why);
-    bool wait_until(std::chrono::steady_clock::time_point when);
+    bool wait_until(Clock::time_point when);
     void wait_due(const AccessUnit &unit);
     void pace(const AccessUnit &unit);
     int32_t send(const AccessUnit &unit);
@@ -112,7 +112,7 @@ private:
     void pass_sound(int64_t until_us);
     void note_facts();
     void report(const std::string &line);
-    void promise_until(std::chrono::steady_clock::time_point when);
+    void promise_until(Clock::time_point when);
     bool stopping() const { return stop_.load(std::memory_order_relaxed); }
 
     const int channel_;
@@ -123,16 +123,16 @@ private:
     Events events_;
     std::thread thread_;
     std::atomic<bool> stop_ = false;
-    std::atomic<bool> opened_ = false; /* the input was opened at least once        */
-    std::atomic<bool> broken_ = false; /* it ended by a failure, not by its own end */
-    std::atomic<std::chrono::steady_clock::rep> promise_ = INT64_MAX; /* ticks of the clock        */
-    std::chrono::steady_clock::time_point started_at_;
-    std::chrono::steady_clock::time_point paced_at_; /* live: when the last unit went on    */
-    int64_t paced_due_us_ = 0;                       /* and when it was due                 */
+    std::atomic<bool> opened_ = false;            /* the input was opened at least once        */
+    std::atomic<bool> broken_ = false;            /* it ended by a failure, not by its own end */
+    std::atomic<Clock::rep> promise_ = INT64_MAX; /* ticks of the clock        */
+    Clock::time_point started_at_;
+    Clock::time_point paced_at_;   /* live: when the last unit went on    */
+    int64_t paced_due_us_ = 0;     /* and when it was due                 */
     bool decoder_changes_ = false; /* the next unit sent gives the channel another decoder */
 
     std::mutex sleep_lock_; /* with sleep_, only to wake a waiting thread at stop */
-    std::condition_variable sleep_;
+    Condition sleep_;
 
     mutable std::mutex lock_; /* guards what follows */
     StreamFacts facts_;

@@ -128,7 +128,7 @@ int Input::stop_asked(void *input)
 {
     const auto *self = static_cast<const Input *>(input);
     if (self->interrupted_.load(std::memory_order_relaxed)) return 1;
-    return std::chrono::steady_clock::now() > self->give_up_at_;
+    return Clock::now() > self->give_up_at_;
 }
 
 bool Input::open(std::chrono::milliseconds limit)
@@ -137,12 +137,12 @@ bool Input::open(std::chrono::milliseconds limit)
     error_.clear();
     units_in_pass_ = 0;
     first_dts_us_ = INT64_MIN;
-    if (live_ && last_unit_at_ != std::chrono::steady_clock::time_point{}) {
+    if (live_ && last_unit_at_ != Clock::time_point{}) {
         /* A camera that comes back counts from anew; its time goes on with the time it was away. */
-        const auto away = std::chrono::steady_clock::now() - last_unit_at_;
+        const auto away = Clock::now() - last_unit_at_;
         pass_start_us_ = last_due_us_ + std::chrono::duration_cast<std::chrono::microseconds>(away).count();
     }
-    give_up_at_ = std::chrono::steady_clock::now() + limit;
+    give_up_at_ = Clock::now() + limit;
     if (open_stream()) return true;
     close();
     return false;
@@ -233,7 +233,7 @@ int Input::read_packet()
 {
     Packet packet(av_packet_alloc());
     if (!packet) return AVERROR(ENOMEM);
-    give_up_at_ = std::chrono::steady_clock::now() + kReadLimit;
+    give_up_at_ = Clock::now() + kReadLimit;
     const int code = av_read_frame(demuxer_->format, packet.get());
     if (code < 0) return code;
     if (demuxer_->sound && packet->stream_index == demuxer_->sound->stream_index())
@@ -279,8 +279,7 @@ Input::Read Input::next_packet()
         }
         const int end = std::exchange(demuxer_->ahead_end, 0);
         if (end != AVERROR_EOF) {
-            fail(std::chrono::steady_clock::now() > give_up_at_ ? "nothing came for ten seconds" : "reading",
-                 end);
+            fail(Clock::now() > give_up_at_ ? "nothing came for ten seconds" : "reading", end);
             return Read::kFailed;
         }
         if (demuxer_->filter_drained) return Read::kEnd;
@@ -352,7 +351,7 @@ void Input::stamp(AccessUnit *unit)
     unit->due_us = last_due_us_;
     unit->pts_us = std::max<int64_t>(0, last_due_us_ + pts_offset_us);
     ++units_in_pass_;
-    last_unit_at_ = std::chrono::steady_clock::now();
+    last_unit_at_ = Clock::now();
 }
 
 /* Sound read before the first unit waits for that unit: it is what all times count from. */

@@ -21,6 +21,7 @@
 #include <vector>
 
 #include "camera/sound.h"
+#include "host/clock.h"
 
 struct AVCodecParameters;
 
@@ -125,7 +126,7 @@ private:
     const std::string address_;
     const bool live_;
     std::atomic<bool> interrupted_ = false;
-    std::chrono::steady_clock::time_point give_up_at_; /* of the blocking call under way */
+    Clock::time_point give_up_at_; /* of the blocking call under way */
     std::unique_ptr<Demuxer> demuxer_;
     StreamFacts facts_;
     std::string error_;
@@ -135,7 +136,7 @@ private:
     int64_t first_dts_us_ = INT64_MIN; /* the pass's first decoding time stamp      */
     int64_t first_pts_us_ = INT64_MIN; /* the file's first presentation time stamp   */
     int64_t last_due_us_ = 0;
-    std::chrono::steady_clock::time_point last_unit_at_; /* when the last unit was read, if ever */
+    Clock::time_point last_unit_at_; /* when the last unit was read, if ever */
 
     bool sound_wanted_ = false;
     std::vector<SoundBlock> sound_; /* not taken yet; times on the clock of due_us */

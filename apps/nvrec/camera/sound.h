@@ -13,14 +13,16 @@
 #include <memory>
 #include <vector>
 
+#include "nvrhal/limits.h"
+
 struct AVFormatContext;
 struct AVPacket;
 
 namespace nvrec
 {
 
-constexpr int kSoundRate_hz = 8000;
-constexpr size_t kSoundBlock_bytes = 320;
+constexpr int kSoundRate_hz = NVRHAL_SOUND_RATE_HZ;
+constexpr size_t kSoundBlock_bytes = NVRHAL_SOUND_UNIT_BYTES;
 constexpr int64_t kSoundBlock_us = 40'000;
 
 /** 40 ms of sound. */

@@ -2,6 +2,8 @@
 #include <cstdio>
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include "commands/command.h"
 #include "controls/board_state.h"
 #include "controls/control_socket.h"

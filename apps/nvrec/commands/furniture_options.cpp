@@ -8,14 +8,15 @@
 #include <string_view>
 #include <utility>
 
+#include <CLI/CLI.hpp>
+
+#include "nvrhal/limits.h"
 #include "screen/qr_code.h"
 
 namespace nvrec
 {
 namespace
 {
-
-constexpr int kMostChannels = 16;
 
 const std::map<std::string, FurnitureWish> kWishes = {
     {"auto", FurnitureWish::kAuto},
@@ -49,7 +50,7 @@ std::optional<std::pair<int, std::string>> camera_name(const std::string &text)
     const auto [stop, error] = std::from_chars(text.data(), text.data() + equals, channel);
     if (error != std::errc() || stop != text.data() + equals) return std::nullopt;
     const std::string name = text.substr(equals + 1);
-    if (channel < 0 || channel >= kMostChannels || name.empty()) return std::nullopt;
+    if (channel < 0 || channel >= NVRHAL_MAX_CAMERAS || name.empty()) return std::nullopt;
     if (units_of(name, ChineseScript::kAsTyped).empty()) return std::nullopt;
     return std::pair(channel, name);
 }

@@ -3,9 +3,12 @@
 
 #include <memory>
 
-#include <CLI/CLI.hpp>
-
 #include "screen/furniture.h"
+
+namespace CLI
+{
+class App;
+} // namespace CLI
 
 namespace nvrec
 {

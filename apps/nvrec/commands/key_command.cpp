@@ -2,6 +2,8 @@
 #include <cstdio>
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include "commands/command.h"
 #include "controls/control_socket.h"
 #include "controls/key_names.h"

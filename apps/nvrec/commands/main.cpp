@@ -8,6 +8,8 @@ extern "C" {
 #include <libavutil/log.h>
 }
 
+#include <CLI/CLI.hpp>
+
 #include "commands/command.h"
 
 namespace

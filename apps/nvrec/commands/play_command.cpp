@@ -3,13 +3,16 @@
 #include <cstdio>
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include "commands/command.h"
+#include "commands/module_options.h"
 #include "commands/screen_options.h"
-#include "commands/zoom_options.h"
 #include "controls/controls.h"
 #include "play/play_script.h"
 #include "play/player.h"
 #include "play/snapshot.h"
+#include "play/zoom.h"
 #include "wall/terminal.h"
 
 namespace nvrec

@@ -6,6 +6,8 @@
 #include <optional>
 #include <utility>
 
+#include <CLI/CLI.hpp>
+
 #include "commands/command.h"
 #include "commands/wall_options.h"
 #include "record/recorder.h"

@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <map>
 
+#include <CLI/CLI.hpp>
+
 #include "commands/command.h"
 #include "wall/pictures.h"
 

@@ -1,14 +1,18 @@
 /* screen_options.h - the options that every subcommand with a screen has. */
 #pragma once
 
-#include <CLI/CLI.hpp>
-
+#include "nvrhal/limits.h"
 #include "wall/wall.h"
+
+namespace CLI
+{
+class App;
+} // namespace CLI
 
 namespace nvrec
 {
 
-constexpr size_t kMostInputs = 16;
+constexpr size_t kMostInputs = NVRHAL_MAX_CAMERAS;
 
 /** Output, pictures, duration, window and log. `options` lives as long as the parser. */
 void add_screen_options(CLI::App &command, WallOptions &options);

@@ -4,6 +4,8 @@
 #include <memory>
 #include <utility>
 
+#include <CLI/CLI.hpp>
+
 #include "commands/command.h"
 #include "commands/screen_options.h"
 #include "play/player.h"

@@ -2,21 +2,22 @@
 #include <cstdio>
 #include <memory>
 
+#include <CLI/CLI.hpp>
+
 #include "commands/command.h"
 #include "commands/furniture_options.h"
+#include "commands/module_options.h"
 #include "commands/screen_options.h"
 #include "commands/wall_options.h"
-#include "commands/zoom_options.h"
 #include "controls/controls.h"
 #include "play/snapshot.h"
+#include "play/zoom.h"
 #include "record/listen.h"
 
 namespace nvrec
 {
 namespace
 {
-
-constexpr size_t kMostShown = 16;
 
 /* What looks closer at one camera. */
 struct CloserLook {
@@ -100,7 +101,7 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
 Command wall_command(CLI::App &app)
 {
     CLI::App *wall = app.add_subcommand("wall", "Show 1 to 16 cameras on one screen");
-    const WallCommandLine line = add_wall_options(*wall, kMostShown);
+    const WallCommandLine line = add_wall_options(*wall, kMostInputs);
     return {wall, [line] { return line.run({}); }};
 }
 

@@ -5,9 +5,12 @@
 #include <memory>
 #include <vector>
 
-#include <CLI/CLI.hpp>
-
 #include "wall/wall.h"
+
+namespace CLI
+{
+class App;
+} // namespace CLI
 
 namespace nvrec
 {

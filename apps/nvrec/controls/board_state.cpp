@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <optional>
 
+#include "host/host.h"
 #include "nvrhal.h"
-#include "vboard.h"
-#include "vboard_devices.h"
 #include "wall/companion.h"
 #include "wall/session.h"
 #include "wall/text.h"
@@ -17,8 +17,7 @@ namespace nvrec
 namespace
 {
 
-constexpr double kSecond_us = 1e6;
-constexpr uint32_t kInputsPerChip = 4;
+constexpr size_t kInputsPerChip = 4;
 
 struct LineName {
     uint32_t line;
@@ -26,43 +25,44 @@ struct LineName {
 };
 
 constexpr LineName kLines[] = {
-    {25, "25 Wi-Fi power"}, {26, "26 Wi-Fi reset"}, {28, "28 buzzer"}, {34, "34 record"}, {90, "90 disk LED"},
+    {BOARD_LINE_WIFI_POWER, "25 Wi-Fi power"}, {BOARD_LINE_WIFI_RESET, "26 Wi-Fi reset"},
+    {BOARD_LINE_BUZZER, "28 buzzer"},          {BOARD_LINE_RECORD, "34 record"},
+    {BOARD_LINE_DISK_LED, "90 disk LED"},
 };
 
 std::string level_text(uint32_t line)
 {
-    const int level = vboard_gpio_level(line);
-    return level < 0 ? "not configured" : level == 1 ? "high" : "low";
+    const std::optional<int> level = host::output_line_level(line);
+    return !level ? "not configured" : *level == 1 ? "high" : "low";
 }
 
-void add_panel(std::vector<BoardRow> *rows)
+void add_lines(std::vector<BoardRow> *rows)
 {
-    vboard_panel_stat panel;
-    if (vboard_panel_get_stat(&panel) != 0) return;
+    for (const LineName &line : kLines)
+        rows->push_back({"line", line.name, level_text(line.line)});
+}
+
+void add_panel(const host::BoardState::Panel &panel, std::vector<BoardRow> *rows)
+{
     rows->push_back({"lamp", "record",
-                     text("%s, %llu changes", panel.record_lamp != 0 ? "lit" : "dark",
+                     text("%s, %llu changes", panel.record_lamp_lit ? "lit" : "dark",
                           static_cast<Count>(panel.lamp_changes))});
     rows->push_back({"panel", "keys",
                      text("%llu taken, %llu empty polls", static_cast<Count>(panel.keys_taken),
                           static_cast<Count>(panel.empty_polls))});
 }
 
-void add_watchdog(std::vector<BoardRow> *rows)
+void add_watchdog(const host::BoardState::Watchdog &watchdog, std::vector<BoardRow> *rows)
 {
-    vboard_watchdog_stat watchdog;
-    if (vboard_watchdog_get_stat(&watchdog) != 0) return;
     std::string state = "disabled";
-    if (watchdog.expired != 0) {
-        const int64_t ago_us = vboard_clock_us() - watchdog.expired_at_us;
-        state = text("expired %.1f s ago", static_cast<double>(ago_us) / kSecond_us);
-    } else if (watchdog.enabled != 0) {
-        state = text("enabled, %.1f of %u s left", static_cast<double>(watchdog.remaining_us) / kSecond_us,
-                     watchdog.timeout_s);
+    if (watchdog.expired) {
+        state = text("expired %.1f s ago", watchdog.expired_ago_s);
+    } else if (watchdog.enabled) {
+        state = text("enabled, %.1f of %u s left", watchdog.left_s, watchdog.timeout_s);
     }
     rows->push_back({"watchdog", "state", state});
     rows->push_back({"watchdog", "feeds", text("%llu", static_cast<Count>(watchdog.feeds))});
-    rows->push_back(
-        {"watchdog", "last boot", watchdog.boot_reason == VBOARD_BOOT_WATCHDOG ? "watchdog" : "power on"});
+    rows->push_back({"watchdog", "last boot", watchdog.reset_the_board ? "watchdog" : "power on"});
 }
 
 /* As an application sees it: one that lost its time cannot be read. */
@@ -76,33 +76,29 @@ void add_clock(std::vector<BoardRow> *rows)
                          : "lost (battery)"});
 }
 
-void add_chips(std::vector<BoardRow> *rows)
+void add_chips(const host::BoardState::Chips &chips, std::vector<BoardRow> *rows)
 {
-    vboard_ad_stat chips;
-    if (vboard_ad_get_stat(&chips) != 0) return;
-    rows->push_back(
-        {"chips", "video",
-         text("norm %u, motion detection %s", chips.norm, chips.motion_started != 0 ? "on" : "off")});
+    rows->push_back({"chips", "video",
+                     text("norm %u, motion detection %s", chips.norm, chips.detects_motion ? "on" : "off")});
     rows->push_back(
         {"chips", "audio",
          text("rate code %u, playback %u, volume %u, format %u, bit width %u, mute %u", chips.rate_code,
               chips.playback, chips.volume, chips.format, chips.bitwidth, chips.mute)});
-    for (uint32_t first = 0; first < VBOARD_AD_CHANNELS; first += kInputsPerChip) {
+    for (size_t first = 0; first < chips.inputs.size(); first += kInputsPerChip) {
         std::string state;
-        for (uint32_t channel = first; channel < first + kInputsPerChip; ++channel) {
-            vboard_ad_input input = {};
-            vboard_ad_get_input(channel, &input);
-            state += text("%s%u %s", state.empty() ? "" : ", ", channel, input.lost != 0 ? "lost" : "signal");
-            if (input.moving != 0) state += text(" (%u blocks move)", input.moving);
+        for (size_t i = first; i < std::min(first + kInputsPerChip, chips.inputs.size()); ++i) {
+            const host::BoardState::ChipInput &input = chips.inputs[i];
+            state += text("%s%zu %s", state.empty() ? "" : ", ", i, input.lost ? "lost" : "signal");
+            if (input.moving_blocks != 0) state += text(" (%u blocks move)", input.moving_blocks);
         }
-        rows->push_back({"chips", text("inputs of %u", first / kInputsPerChip), state});
+        rows->push_back({"chips", text("inputs of %zu", first / kInputsPerChip), state});
     }
 }
 
-void add_monitor(std::vector<BoardRow> *rows)
+void add_monitor(const host::BoardState::Monitor &monitor, std::vector<BoardRow> *rows)
 {
-    rows->push_back({"monitor", "plug", vboard_monitor_is_plugged() == 1 ? "plugged in" : "unplugged"});
-    rows->push_back({"monitor", "signal", vboard_monitor_has_signal() == 1 ? "yes" : "no"});
+    rows->push_back({"monitor", "plug", monitor.plugged_in ? "plugged in" : "unplugged"});
+    rows->push_back({"monitor", "signal", monitor.has_signal ? "yes" : "no"});
 }
 
 } // namespace
@@ -110,14 +106,19 @@ void add_monitor(std::vector<BoardRow> *rows)
 std::vector<BoardRow> board_rows()
 {
     std::vector<BoardRow> rows;
-    for (const LineName &line : kLines)
-        rows.push_back({"line", line.name, level_text(line.line)});
-    add_panel(&rows);
-    add_watchdog(&rows);
+    const std::optional<host::BoardState> board = host::board_state();
+    if (!board) {
+        add_clock(&rows);
+        rows.push_back({"board", "devices", "they cannot be read back on this board"});
+        return rows;
+    }
+    add_lines(&rows);
+    add_panel(board->panel, &rows);
+    add_watchdog(board->watchdog, &rows);
     add_clock(&rows);
-    add_chips(&rows);
-    add_monitor(&rows);
-    rows.push_back({"board", "refused calls", text("%llu", static_cast<Count>(vboard_refusal_count()))});
+    add_chips(board->chips, &rows);
+    add_monitor(board->monitor, &rows);
+    rows.push_back({"board", "refused calls", text("%llu", static_cast<Count>(board->refused_calls))});
     return rows;
 }
 

@@ -3,10 +3,10 @@
 
 #include <sstream>
 
-#include "commands/command.h"
 #include "controls/board_state.h"
 #include "controls/key_names.h"
 #include "controls/keys.h"
+#include "wall/exit_code.h"
 #include "wall/terminal.h"
 
 namespace nvrec
@@ -84,30 +84,32 @@ std::string ControlDesk::press(const std::vector<std::string> &words)
 
 std::string ControlDesk::on_main_thread(std::function<std::string()> work)
 {
-    std::packaged_task<std::string()> task(std::move(work));
-    std::future<std::string> result = task.get_future();
-    {
-        const std::scoped_lock guard(lock_);
-        if (stopped_) return "error: the recorder is ending\n";
-        work_.push_back(std::move(task));
-    }
+    const auto job = std::make_shared<Job>(Job{std::move(work), {}});
+    std::unique_lock guard(lock_);
+    if (stopped_) return "error: the recorder is ending\n";
+    jobs_.push_back(job);
     wall_->ring();
-    if (result.wait_for(kMainLimit) != std::future_status::ready) return "error: the recorder is busy\n";
-    return result.get();
+    if (!done_.wait_for(guard, kMainLimit, [&] { return job->answer.has_value(); }))
+        return "error: the recorder is busy\n";
+    return *job->answer;
 }
 
 void ControlDesk::do_work()
 {
-    std::vector<std::packaged_task<std::string()>> work;
+    std::vector<std::shared_ptr<Job>> jobs;
     {
         const std::scoped_lock guard(lock_);
-        work.swap(work_);
+        jobs.swap(jobs_);
     }
-    for (auto &task : work)
-        task();
+    for (const auto &job : jobs) {
+        std::string answer = job->work();
+        const std::scoped_lock guard(lock_);
+        job->answer = std::move(answer);
+        done_.notify();
+    }
 }
 
-Companion::Clock::time_point ControlDesk::take_turn(Clock::time_point)
+Clock::time_point ControlDesk::take_turn(Clock::time_point)
 {
     do_work();
     return Clock::time_point::max();

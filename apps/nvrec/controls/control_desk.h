@@ -9,12 +9,15 @@
  */
 #pragma once
 
-#include <future>
+#include <functional>
+#include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "controls/control_socket.h"
+#include "host/clock.h"
 #include "wall/companion.h"
 
 namespace nvrec
@@ -37,6 +40,12 @@ public:
     void stop() override;
 
 private:
+    /* A question to the main thread, and its answer once it has one. */
+    struct Job {
+        std::function<std::string()> work;
+        std::optional<std::string> answer;
+    };
+
     std::string answer(const std::string &request);
     std::string press(const std::vector<std::string> &words);
     std::string on_main_thread(std::function<std::string()> work);
@@ -48,7 +57,8 @@ private:
     ControlServer server_;
 
     std::mutex lock_; /* guards what follows */
-    std::vector<std::packaged_task<std::string()>> work_;
+    Condition done_;
+    std::vector<std::shared_ptr<Job>> jobs_;
     bool stopped_ = false;
 };
 

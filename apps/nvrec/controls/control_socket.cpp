@@ -17,6 +17,8 @@
 #include <sys/un.h>
 #include <unistd.h>
 
+#include "host/clock.h"
+
 namespace nvrec
 {
 namespace
@@ -24,9 +26,9 @@ namespace
 
 constexpr size_t kLongestRequest_bytes = 255;
 constexpr size_t kLongestReply_bytes = 1 << 20;
-constexpr int kSilence_ms = 2000;  /* of a client */
-constexpr int kAnswer_ms = 20'000; /* of a recorder, which may be laying panes out */
-constexpr int kWaiting = 8;        /* connections */
+constexpr auto kSilence = std::chrono::seconds(2); /* of a client */
+constexpr auto kAnswer = std::chrono::seconds(20); /* of a recorder, which may be laying panes out */
+constexpr int kWaiting = 8;                        /* connections */
 constexpr mode_t kOwnerOnly = 0600;
 
 std::string error_text()
@@ -52,18 +54,12 @@ bool is_private_directory(const std::string &path)
            (found.st_mode & 077) == 0;
 }
 
-bool wait_readable(int descriptor, int timeout_ms)
-{
-    pollfd source = {descriptor, POLLIN, 0};
-    return poll(&source, 1, timeout_ms) > 0;
-}
-
 /* Read until the line end; nothing when the line is too long, cut off or too slow. */
 std::optional<std::string> read_request(int connection)
 {
     std::string line;
     char letter;
-    while (line.size() <= kLongestRequest_bytes && wait_readable(connection, kSilence_ms) &&
+    while (line.size() <= kLongestRequest_bytes && wait_readable(connection, Clock::now() + kSilence) &&
            recv(connection, &letter, 1, 0) == 1) {
         if (letter == '\n') return line;
         line += letter;
@@ -85,7 +81,7 @@ std::string read_reply(int connection)
 {
     std::string text;
     char bytes[4096];
-    while (text.size() < kLongestReply_bytes && wait_readable(connection, kAnswer_ms)) {
+    while (text.size() < kLongestReply_bytes && wait_readable(connection, Clock::now() + kAnswer)) {
         const ssize_t count = recv(connection, bytes, sizeof bytes, 0);
         if (count <= 0) break;
         text.append(bytes, static_cast<size_t>(count));
@@ -168,7 +164,7 @@ void ControlServer::run()
 
 void ControlServer::serve(int connection)
 {
-    const timeval patience = {kSilence_ms / 1000, 0}; /* a client that does not read */
+    const timeval patience = {kSilence.count(), 0}; /* a client that does not read */
     setsockopt(connection, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
     const std::optional<std::string> request = read_request(connection);
     send_all(connection, request ? handler_(*request)

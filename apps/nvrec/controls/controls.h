@@ -7,8 +7,6 @@
 #include <chrono>
 #include <string>
 
-#include <CLI/CLI.hpp>
-
 namespace nvrec
 {
 
@@ -19,9 +17,6 @@ struct ControlOptions {
     int watchdog_s = 100;     /* time-out of the board's watchdog; 0 = it is switched off             */
     double hung_after_s = 10; /* a thread that is so late hangs                                   */
 };
-
-/** The options on a subcommand's command line. `options` outlives the parsing. */
-void add_control_options(CLI::App &parser, ControlOptions &options);
 
 /** The companions; to be added before all others, which then get keys first. */
 void add_controls(Wall &wall, const ControlOptions &options);

@@ -3,8 +3,8 @@
 
 #include <utility>
 
+#include "host/host.h"
 #include "nvrhal.h"
-#include "vboard_devices.h"
 #include "wall/terminal.h"
 
 namespace nvrec
@@ -56,7 +56,7 @@ void Health::feed()
     if (!feeding_) wall_->terminal().complain("watchdog: there is no thread to feed it");
 }
 
-Companion::Clock::time_point Health::take_turn(Clock::time_point now)
+Clock::time_point Health::take_turn(Clock::time_point now)
 {
     main_promise_.store((now + kMainPromise).time_since_epoch().count());
     return watchdog_s_ == 0 ? Clock::time_point::max() : now + kMainPeriod;
@@ -89,8 +89,7 @@ void Health::look(Clock::time_point now)
 
 void Health::tell_expiry()
 {
-    vboard_watchdog_stat stat;
-    if (expiry_told_ || vboard_watchdog_get_stat(&stat) != 0 || stat.expired == 0) return;
+    if (expiry_told_ || !host::watchdog_has_expired()) return;
     expiry_told_ = true;
     wall_->terminal().complain("watchdog: it has expired; a board of metal resets now");
 }
@@ -112,7 +111,7 @@ void Health::stop()
     {
         const std::scoped_lock guard(lock_);
         stop_ = true;
-        changed_.notify_one();
+        changed_.notify();
     }
     thread_.join();
     ext_wdg_set(0);

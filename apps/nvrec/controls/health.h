@@ -13,7 +13,6 @@
 #pragma once
 
 #include <atomic>
-#include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <optional>
@@ -75,7 +74,7 @@ private:
 
     std::thread thread_;
     std::mutex lock_; /* guards stop_ */
-    std::condition_variable changed_;
+    Condition changed_;
     bool stop_ = false;
 };
 

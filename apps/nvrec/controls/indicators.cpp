@@ -23,7 +23,7 @@ constexpr uint32_t kMaskBits = 32; /* channels with a loss bit */
 /* As the library's clock takes it: full year, months from 1. */
 std::array<int32_t, 9> system_time()
 {
-    const std::time_t now = std::time(nullptr);
+    const std::time_t now = std::chrono::system_clock::to_time_t(wall_time());
     std::tm utc = {};
     gmtime_r(&now, &utc);
     return {utc.tm_sec,  utc.tm_min,     utc.tm_hour,
@@ -111,7 +111,7 @@ void Indicators::drive_buzzer(Clock::time_point now)
     ext_buzzer_set(sounds ? 1 : 0);
 }
 
-Companion::Clock::time_point Indicators::take_turn(Clock::time_point now)
+Clock::time_point Indicators::take_turn(Clock::time_point now)
 {
     drive_lamp();
     if (now >= look_at_) {

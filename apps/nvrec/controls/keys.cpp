@@ -1,10 +1,8 @@
 /* keys.cpp - see keys.h. */
 #include "controls/keys.h"
 
-#include "keyboard_driver.h"
-#include "mouse_driver.h"
+#include "host/host.h"
 #include "nvrhal.h"
-#include "vboard_devices.h"
 #include "wall/terminal.h"
 
 namespace nvrec
@@ -37,7 +35,7 @@ void enqueue_panel_key(uint32_t code)
 
 bool KeyWatch::start(WallControl &wall)
 {
-    const bool has_panel = panel_.open(KEYBOARD_NODE);
+    const bool has_panel = panel_.open(NVRHAL_PANEL_NODE, {});
     stop_ = false;
     thread_ = std::thread([this, &wall] { run(wall); });
     return has_panel;
@@ -46,11 +44,11 @@ bool KeyWatch::start(WallControl &wall)
 void KeyWatch::read_panel()
 {
     while (panel_.is_open()) {
-        uint32_t code;
-        const int read = panel_.read(&code, sizeof code);
+        PanelKey key;
+        const int read = panel_.read(&key, sizeof key);
         if (read < 0) panel_.close(); /* unplugged: it is not asked again */
-        if (read != sizeof code) return;
-        enqueue_panel_key(code);
+        if (read != sizeof key) return;
+        enqueue_panel_key(key.code);
     }
 }
 
@@ -77,7 +75,7 @@ void KeyWatch::stop()
     {
         const std::scoped_lock guard(lock_);
         stop_ = true;
-        changed_.notify_one();
+        changed_.notify();
     }
     thread_.join();
     panel_.close();
@@ -113,7 +111,7 @@ void *Keys::read_remote(void *self)
     return nullptr;
 }
 
-Companion::Clock::time_point Keys::take_turn(Clock::time_point)
+Clock::time_point Keys::take_turn(Clock::time_point)
 {
     take_keys();
     take_pointer();
@@ -139,16 +137,16 @@ void Keys::take_pointer()
 {
     while (__atomic_load_n(&g_bMouseEvent, __ATOMIC_RELAXED) != 0) {
         uint32_t words[5];
-        static_assert(sizeof words == sizeof(MouseEvent));
+        static_assert(sizeof words == sizeof(MouseRecord));
         if (ext_mouse_get_status(words) != 0) return;
         mouse_.taken();
-        const MouseEvent event = __builtin_bit_cast(MouseEvent, words);
+        const MouseRecord event = __builtin_bit_cast(MouseRecord, words);
         PointerEvent pointer;
         pointer.x = event.x;
         pointer.y = event.y;
         pointer.buttons = event.buttons;
         pointer.pressed = event.buttons & ~buttons_down_;
-        pointer.wheel = event.type == MOUSE_EVENT_WHEEL ? event.wheel : 0;
+        pointer.wheel = event.type == MOUSE_WHEEL_TURNED ? event.wheel : 0;
         buttons_down_ = event.buttons;
         wall_->pointer(pointer);
     }
@@ -158,7 +156,7 @@ void Keys::note(uint32_t key_code)
 {
     const std::scoped_lock guard(lock_);
     ++seen_.at(key_code);
-    came_.notify_all();
+    came_.notify();
 }
 
 bool Keys::press(const Button &button, Way way, std::chrono::milliseconds limit)
@@ -166,11 +164,9 @@ bool Keys::press(const Button &button, Way way, std::chrono::milliseconds limit)
     std::unique_lock guard(lock_);
     if (stopped_) return false;
     const uint64_t before = seen_.at(button.key_code);
-    if (way == Way::kPanel) {
-        vboard_panel_press(button.key_code);
-    } else {
-        vboard_ir_press(button.ir_code);
-    }
+    const std::string problem = way == Way::kPanel ? host::press_panel_key(button.key_code)
+                                                   : host::press_remote_button(button.ir_code);
+    if (!problem.empty()) return false;
     came_.wait_for(guard, limit, [&] { return stopped_ || seen_.at(button.key_code) != before; });
     return seen_.at(button.key_code) != before;
 }
@@ -181,7 +177,7 @@ void Keys::stop()
     {
         const std::scoped_lock guard(lock_);
         stopped_ = true;
-        came_.notify_all();
+        came_.notify();
     }
     mouse_.stop();
     watch_.stop();

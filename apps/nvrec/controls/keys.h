@@ -12,7 +12,6 @@
 #pragma once
 
 #include <array>
-#include <condition_variable>
 #include <cstdint>
 #include <mutex>
 #include <optional>
@@ -20,9 +19,10 @@
 
 #include <pthread.h>
 
-#include "controls/device_node.h"
 #include "controls/key_names.h"
 #include "controls/mouse_reader.h"
+#include "host/clock.h"
+#include "host/device_node.h"
 #include "wall/companion.h"
 
 namespace nvrec
@@ -48,7 +48,7 @@ private:
     DeviceNode panel_;
     std::thread thread_;
     std::mutex lock_; /* guards stop_ */
-    std::condition_variable changed_;
+    Condition changed_;
     bool stop_ = false;
 };
 
@@ -84,7 +84,7 @@ private:
     uint32_t buttons_down_ = 0; /* of the mouse, after the last event */
 
     std::mutex lock_; /* guards what follows */
-    std::condition_variable came_;
+    Condition came_;
     std::array<uint64_t, kKeyCodes> seen_ = {}; /* how often each code was handed to the wall */
     bool stopped_ = true;
 };

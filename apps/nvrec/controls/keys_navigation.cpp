@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstdlib>
 
-#include "mouse_driver.h"
+#include "nvrhal/input_nodes.h"
 #include "wall/session.h"
 
 namespace nvrec
@@ -107,8 +107,8 @@ bool Navigation::on_key(Key key)
 
 bool Navigation::on_pointer(const PointerEvent &event)
 {
-    if (event.pressed & MOUSE_BUTTON_RIGHT) wall_->enlarge(-1);
-    if (!(event.pressed & MOUSE_BUTTON_LEFT)) return event.pressed != 0;
+    if (event.pressed & MOUSE_RIGHT_DOWN) wall_->enlarge(-1);
+    if (!(event.pressed & MOUSE_LEFT_DOWN)) return event.pressed != 0;
     const int channel = channel_at(wall_->session().panes(), event.x, event.y);
     const Clock::time_point now = Clock::now();
     const bool second = channel >= 0 && channel == clicked_ && now - clicked_at_ <= kDoubleClick;

@@ -4,7 +4,6 @@
 #include <cstring>
 #include <utility>
 
-#include "mouse_driver.h"
 #include "nvrhal.h"
 
 namespace nvrec
@@ -12,7 +11,9 @@ namespace nvrec
 namespace
 {
 
-static_assert(sizeof(MouseEvent) == sizeof g_s32KeyValue, "the library hands the event over as it is");
+constexpr auto kMouseWaits = std::chrono::milliseconds(100); /* so soon the reader sees that it is to end */
+
+static_assert(sizeof(MouseRecord) == sizeof g_s32KeyValue, "the library hands the event over as it is");
 
 class MouseLock
 {
@@ -27,7 +28,7 @@ public:
 
 bool MouseReader::start(std::function<void()> ring)
 {
-    if (!mouse_.open(MOUSE_NODE)) return false;
+    if (!mouse_.open(NVRHAL_MOUSE_NODE, kMouseWaits)) return false;
     g_mouse_fd = mouse_.descriptor();
     ring_ = std::move(ring);
     stop_ = false;
@@ -40,22 +41,22 @@ bool MouseReader::is_free(bool for_a_move) const
 {
     const MouseLock guard;
     if (g_bMouseEvent == 0) return true;
-    MouseEvent waiting;
+    MouseRecord waiting;
     std::memcpy(&waiting, g_s32KeyValue, sizeof waiting);
-    return for_a_move && waiting.type == MOUSE_EVENT_MOVE;
+    return for_a_move && waiting.type == MOUSE_MOVED;
 }
 
 void MouseReader::run()
 {
-    MouseEvent event;
+    MouseRecord event;
     std::unique_lock guard(lock_);
     while (!stop_) {
         guard.unlock();
-        const int read = mouse_.read(&event, sizeof event); /* waits a tenth of a second */
+        const int read = mouse_.read(&event, sizeof event);
         guard.lock();
         if (read < 0) return; /* the mouse is gone */
         if (read != sizeof event) continue;
-        changed_.wait(guard, [&] { return stop_ || is_free(event.type == MOUSE_EVENT_MOVE); });
+        changed_.wait(guard, [&] { return stop_ || is_free(event.type == MOUSE_MOVED); });
         if (stop_) return;
         {
             const MouseLock slot;
@@ -70,7 +71,7 @@ void MouseReader::run()
 void MouseReader::taken()
 {
     const std::scoped_lock guard(lock_); /* the reader does not look at the slot between test and wait */
-    changed_.notify_one();
+    changed_.notify();
 }
 
 void MouseReader::stop()
@@ -79,7 +80,7 @@ void MouseReader::stop()
     {
         const std::scoped_lock guard(lock_);
         stop_ = true;
-        changed_.notify_one();
+        changed_.notify();
     }
     thread_.join();
     g_mouse_fd = -1;

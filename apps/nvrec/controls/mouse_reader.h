@@ -7,12 +7,12 @@
  */
 #pragma once
 
-#include <condition_variable>
 #include <functional>
 #include <mutex>
 #include <thread>
 
-#include "controls/device_node.h"
+#include "host/clock.h"
+#include "host/device_node.h"
 
 namespace nvrec
 {
@@ -43,7 +43,7 @@ private:
     std::function<void()> ring_;
     std::thread thread_;
     std::mutex lock_; /* guards stop_, and that no one misses changed_; taken before g_mouse_lock */
-    std::condition_variable changed_;
+    Condition changed_;
     bool stop_ = false;
 };
 

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <utility>
 
-#include "commands/command.h"
+#include "wall/exit_code.h"
 
 namespace nvrec
 {
@@ -79,7 +79,7 @@ bool Script::says(const std::string &verb) const
     return std::any_of(items_.begin(), items_.end(), [&](const Item &item) { return item.verb == verb; });
 }
 
-Companion::Clock::time_point Script::take_turn(Clock::time_point now)
+Clock::time_point Script::take_turn(Clock::time_point now)
 {
     if (began_at_ == Clock::time_point::max()) began_at_ = now;
     while (done_ < items_.size()) {

@@ -47,7 +47,7 @@ void Playback::stop()
     if (!frozen_.owns_lock()) frozen_ = std::unique_lock(lock_);
     quit_ = true;
     frozen_.unlock();
-    wake_.notify_all();
+    wake_.notify();
     thread_.join();
 }
 
@@ -70,7 +70,7 @@ void Playback::thaw(const std::vector<size_t> &lanes)
     shown_ = lanes;
     place_lanes();
     frozen_.unlock();
-    wake_.notify_all();
+    wake_.notify();
 }
 
 void Playback::pause(bool paused)
@@ -81,7 +81,7 @@ void Playback::pause(bool paused)
     paused_ = paused;
     if (paused) wait_for_decoders(); /* what is on the screen now stays there */
     orders_ = true;
-    wake_.notify_all();
+    wake_.notify();
 }
 
 int64_t Playback::seek(int64_t place_us)
@@ -96,7 +96,7 @@ int64_t Playback::seek(int64_t place_us)
     }
     anchor(reached_us == INT64_MIN ? 0 : reached_us);
     catch_up();
-    wake_.notify_all();
+    wake_.notify();
     return anchor_us_;
 }
 
@@ -110,7 +110,7 @@ void Playback::set_speed(double speed)
     /* Pictures refer to those before them: all of them again from the last key frame on. */
     if (had_gaps && !key_frames_only()) place_lanes();
     orders_ = true;
-    wake_.notify_all();
+    wake_.notify();
 }
 
 void Playback::listen_to(int lane)

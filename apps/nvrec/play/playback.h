@@ -16,7 +16,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <condition_variable>
 #include <cstdint>
 #include <functional>
 #include <memory>
@@ -25,6 +24,8 @@
 #include <thread>
 #include <vector>
 
+#include "host/clock.h"
+#include "nvrhal/limits.h"
 #include "play/playback_lane.h"
 
 namespace nvrec
@@ -33,10 +34,8 @@ namespace nvrec
 class Playback
 {
 public:
-    using Clock = std::chrono::steady_clock;
-
     /** The library plays on decoder channels 0 to 7: that many files run at once. */
-    static constexpr int kPlayers = 8;
+    static constexpr int kPlayers = NVRHAL_PLAYBACK_CHANNELS;
 
     explicit Playback(const std::vector<std::string> &files);
     ~Playback();
@@ -102,7 +101,7 @@ private:
     std::thread thread_;
 
     mutable std::mutex lock_; /* guards the lanes and what follows */
-    std::condition_variable wake_;
+    Condition wake_;
     std::unique_lock<std::mutex> frozen_; /* main thread: holds the lock between freeze and thaw */
     std::vector<size_t> shown_;           /* lanes on the screen                                 */
     int heard_ = -1;

@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "nvrhal.h"
-#include "vboard.h"
 
 namespace nvrec
 {
@@ -13,10 +12,8 @@ namespace
 {
 
 constexpr auto kOpenLimit = std::chrono::seconds(10);
-constexpr int kDecoderPatience_ms = 2000;
+constexpr auto kDecoderPatience = std::chrono::seconds(2);
 constexpr uint32_t kDoubleRate = 2; /* FrameInfo::display_rate */
-
-constexpr size_t kSoundHeader_bytes = 4; /* in front of the samples of a block; the library skips them */
 
 /*
  * An access unit delimiter: the beginning of the next picture. A decoder that takes the byte stream
@@ -114,7 +111,7 @@ void PlaybackLane::flush() const
 void PlaybackLane::deliver_sound(int64_t until_us)
 {
     for (const SoundBlock &block : input_.take_sound(until_us)) {
-        constexpr std::array<uint8_t, kSoundHeader_bytes> kHeader = {};
+        constexpr std::array<uint8_t, NVRHAL_SOUND_HEADER_BYTES> kHeader = {};
         FrameInfo buffer = empty_buffer(decoder_);
         buffer.length = 0;
         append(&buffer, kHeader.data(), kHeader.size());
@@ -125,16 +122,23 @@ void PlaybackLane::deliver_sound(int64_t until_us)
     }
 }
 
-BoardCounters PlaybackLane::end_count()
+void PlaybackLane::begin_count()
 {
-    const BoardCounters counted = board_counters(decoder_) - counted_from_;
+    counted_from_ = host::decoder_counters(decoder_);
+}
+
+host::DecoderCounters PlaybackLane::end_count()
+{
+    const auto now = host::decoder_counters(decoder_);
+    if (!now || !counted_from_) return {};
+    const host::DecoderCounters counted = *now - *counted_from_;
     counted_ += counted;
     return counted;
 }
 
 void PlaybackLane::wait_for_decoder() const
 {
-    vboard_decoder_wait_idle(static_cast<uint32_t>(decoder_), kDecoderPatience_ms);
+    host::wait_for_decoder(decoder_, kDecoderPatience);
 }
 
 ChannelReport PlaybackLane::report(int number) const
@@ -145,11 +149,8 @@ ChannelReport PlaybackLane::report(int number) const
     report.opened = opened_;
     report.facts = input_.facts();
     report.fed = fed_;
-    report.decoded = counted_.decoded;
-    report.shown = counted_.shown;
-    report.dropped = counted_.dropped;
-    report.damaged = counted_.damaged;
-    report.resets = counted_.resets;
+    report.counted = host::decoder_counters(decoder_).has_value();
+    report.decoder = counted_;
     report.trouble = trouble_;
     return report;
 }

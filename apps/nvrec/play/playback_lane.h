@@ -9,9 +9,11 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "camera/input.h"
+#include "host/host.h"
 #include "wall/report.h"
 
 namespace nvrec
@@ -49,9 +51,9 @@ public:
     /** Let the sound up to a place go by unheard. */
     void drop_sound(int64_t until_us) { input_.take_sound(until_us); }
 
-    /** Begin and end to count what the board decodes on this channel for the file. */
-    void begin_count() { counted_from_ = board_counters(decoder_); }
-    BoardCounters end_count();
+    /** Begin and end to count what is decoded on this channel for the file. */
+    void begin_count();
+    host::DecoderCounters end_count();
 
     /** Wait until the decoder has handed on what it was sent. */
     void wait_for_decoder() const;
@@ -71,8 +73,8 @@ private:
     bool opened_ = false;
     bool at_end_ = true;
     FeedCounters fed_;
-    BoardCounters counted_from_ = {};
-    BoardCounters counted_ = {};
+    std::optional<host::DecoderCounters> counted_from_; /* nothing = decoders do not tell */
+    host::DecoderCounters counted_;
     std::string trouble_;
 };
 

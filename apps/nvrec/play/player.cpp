@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "commands/command.h"
+#include "camera/decoder_codec.h"
+#include "host/host.h"
 #include "nvrhal.h"
-#include "vboard.h"
-#include "vboard_audio.h"
+#include "wall/exit_code.h"
 #include "wall/session.h"
 #include "wall/terminal.h"
 
@@ -18,22 +18,12 @@ namespace
 
 constexpr double kSkip_s = 10;
 constexpr auto kDoubleClick = std::chrono::milliseconds(400);
-constexpr uint32_t kLoudspeaker = 3; /* the audio output that the library plays on */
-constexpr int kLastSound_ms = 2000;
+constexpr auto kLastSound = std::chrono::seconds(2);
 constexpr double kSpeeds[] = {1, 2, 4};
 
 int64_t microseconds(double seconds)
 {
     return static_cast<int64_t>(seconds * 1e6);
-}
-
-/* Give a decoder channel another codec. It is bound to no pane then: a layout comes next. */
-void match_decoder(int channel, Codec codec)
-{
-    const auto number = static_cast<uint32_t>(channel);
-    vboard_decoder_stat stat = {};
-    if (vboard_decoder_get_stat(number, &stat) != 0 || stat.codec == static_cast<uint32_t>(codec)) return;
-    vdec_recreate(number, static_cast<uint32_t>(codec));
 }
 
 } // namespace
@@ -56,16 +46,19 @@ bool Player::start(WallControl &wall)
         wall.end(kExitInputFailed);
         return false;
     }
-    if (!options_.wav_path.empty() && vboard_audio_open_wav(kLoudspeaker, options_.wav_path.c_str()) != 0) {
-        wall.terminal().complain("cannot write " + options_.wav_path);
-        wall.end(kExitOutputFailed);
-        return false;
+    if (!options_.wav_path.empty()) {
+        const std::string problem = host::open_sound_file(options_.wav_path);
+        if (!problem.empty()) {
+            wall.terminal().complain(problem);
+            wall.end(kExitOutputFailed);
+            return false;
+        }
     }
     playback_.start([&wall] { wall.ring(); });
     return true;
 }
 
-Companion::Clock::time_point Player::take_turn(Clock::time_point /*now*/)
+Clock::time_point Player::take_turn(Clock::time_point /*now*/)
 {
     if (!begun_ && !wait_) play();
     if (playing_ && playback_.ended()) {
@@ -380,8 +373,8 @@ void Player::stop()
         if (!lane->trouble().empty()) fail(kExitInputFailed, {});
     }
     if (!options_.wav_path.empty()) {
-        vboard_audio_wait_played(kLoudspeaker, kLastSound_ms);
-        vboard_audio_close(kLoudspeaker);
+        host::wait_for_sound(kLastSound);
+        host::close_sound();
     }
     if (exit_code_ != kExitDone) wall_->end(exit_code_);
 }

@@ -6,9 +6,10 @@
 #include <fstream>
 #include <system_error>
 
-#include "commands/command.h"
+#include "camera/decoder_codec.h"
+#include "host/clock.h"
 #include "nvrhal.h"
-#include "vboard.h"
+#include "wall/exit_code.h"
 #include "wall/session.h"
 #include "wall/terminal.h"
 
@@ -31,7 +32,7 @@ bool write_file(const std::string &path, const void *bytes, size_t size)
 }
 
 /* "channel3-20240131-174502.250.jpg", local time; sorts by time. */
-std::string file_name(int channel, std::chrono::system_clock::time_point now)
+std::string file_name(int channel, WallTime now)
 {
     const auto since_1970 = std::chrono::duration_cast<std::chrono::milliseconds>(now.time_since_epoch());
     const std::time_t seconds = since_1970.count() / 1000;
@@ -65,7 +66,7 @@ bool Snapshots::on_key(Key key)
 
 int Snapshots::take(int channel)
 {
-    const std::string name = file_name(channel, std::chrono::system_clock::now());
+    const std::string name = file_name(channel, wall_time());
     const std::string path = (std::filesystem::path(directory_) / name).string();
     const int result = take(channel, path, kKeyPatience);
     if (result == kExitDone)
@@ -82,10 +83,7 @@ int Snapshots::complain(int exit_code, const std::string &line)
 /* While recordings play, the camera's picture is decoded on the channel behind the last camera's. */
 void Snapshots::match_spare_decoder(int channel)
 {
-    const auto spare = static_cast<uint32_t>(wall_->session().channels());
-    const auto codec = static_cast<uint32_t>(wall_->cameras()[static_cast<size_t>(channel)]->facts().codec);
-    vboard_decoder_stat stat = {};
-    if (vboard_decoder_get_stat(spare, &stat) == 0 && stat.codec != codec) vdec_recreate(spare, codec);
+    match_decoder(wall_->session().channels(), wall_->cameras()[static_cast<size_t>(channel)]->facts().codec);
 }
 
 int Snapshots::take(int channel, const std::string &path, std::chrono::milliseconds patience)

@@ -6,8 +6,8 @@
 #include <cmath>
 #include <cstdio>
 
-#include "commands/command.h"
 #include "nvrhal.h"
+#include "wall/exit_code.h"
 #include "wall/session.h"
 #include "wall/terminal.h"
 
@@ -101,7 +101,7 @@ bool Zoom::begin_as_asked()
 }
 
 /* Recordings stand by the first turn. */
-Companion::Clock::time_point Zoom::take_turn(Clock::time_point /*now*/)
+Clock::time_point Zoom::take_turn(Clock::time_point /*now*/)
 {
     begin_as_asked();
     return Clock::time_point::max();

@@ -6,9 +6,9 @@
 #include <cmath>
 #include <utility>
 
-#include "commands/command.h"
+#include "host/host.h"
 #include "nvrhal.h"
-#include "vboard_audio.h"
+#include "wall/exit_code.h"
 #include "wall/terminal.h"
 
 namespace nvrec
@@ -16,22 +16,12 @@ namespace nvrec
 namespace
 {
 
-constexpr uint32_t kOutputDevice = 3; /* the library plays on it */
-constexpr size_t kMostQueued = 50;    /* blocks: two seconds     */
-constexpr size_t kHeader_bytes = 4;   /* in front of a block; the library passes over it */
-constexpr int kPlayOut_ms = 3000;
+constexpr size_t kMostQueued = 50; /* blocks: two seconds     */
+constexpr auto kPlayOut = std::chrono::seconds(3);
 constexpr int kVolumeOf0dB = 67; /* of 100, where the output stands at power-on */
 constexpr int kVolumeStep = 5;
 
 } // namespace
-
-void add_listen_options(CLI::App &command, ListenOptions &options)
-{
-    auto *listen = command.add_option("--listen", options.channel, "Play the sound of this channel")
-                       ->check(from_zero_on());
-    command.add_option("--listen-wav", options.wav_path, "Write it to a WAV file instead of the sound card")
-        ->needs(listen);
-}
 
 Listener::Listener(ListenOptions options) : options_(std::move(options)), volume_(kVolumeOf0dB) {}
 
@@ -56,11 +46,9 @@ bool Listener::start(WallControl &wall)
 void Listener::open_sink()
 {
     const bool to_file = !options_.wav_path.empty();
-    sink_open_ = (to_file ? vboard_audio_open_wav(kOutputDevice, options_.wav_path.c_str())
-                          : vboard_audio_open_sound(kOutputDevice)) == 0;
-    if (sink_open_) return;
-    wall_->terminal().complain(to_file ? "cannot write " + options_.wav_path
-                                       : "no sound card; nothing will be heard");
+    const std::string problem = to_file ? host::open_sound_file(options_.wav_path) : host::open_loudspeaker();
+    sink_open_ = problem.empty();
+    if (!sink_open_) wall_->terminal().complain(problem);
 }
 
 void Listener::on_audio(int channel, const SoundBlock &block)
@@ -73,7 +61,7 @@ void Listener::on_audio(int channel, const SoundBlock &block)
         ++dropped_;
     }
     queue_.push_back(block);
-    changed_.notify_one();
+    changed_.notify();
 }
 
 void Listener::run()
@@ -97,8 +85,8 @@ bool Listener::next(SoundBlock *block)
 
 void Listener::play(const SoundBlock &block)
 {
-    std::array<uint8_t, kHeader_bytes + kSoundBlock_bytes> bytes = {};
-    std::copy(block.samples.begin(), block.samples.end(), bytes.begin() + kHeader_bytes);
+    std::array<uint8_t, NVRHAL_SOUND_HEADER_BYTES + kSoundBlock_bytes> bytes = {};
+    std::copy(block.samples.begin(), block.samples.end(), bytes.begin() + NVRHAL_SOUND_HEADER_BYTES);
     FrameInfo frame = {};
     frame.media = FRAME_MEDIA_AUDIO;
     frame.length = static_cast<uint32_t>(bytes.size());
@@ -131,8 +119,8 @@ void Listener::stop()
 {
     finish();
     if (sink_open_) {
-        vboard_audio_wait_played(kOutputDevice, kPlayOut_ms);
-        vboard_audio_close(kOutputDevice);
+        host::wait_for_sound(kPlayOut);
+        host::close_sound();
     } else if (!options_.wav_path.empty()) {
         wall_->end(kExitOutputFailed);
     }
@@ -145,7 +133,7 @@ void Listener::finish()
     {
         const std::scoped_lock guard(lock_);
         ended_ = true;
-        changed_.notify_one();
+        changed_.notify();
     }
     if (thread_.joinable()) thread_.join();
 }

@@ -11,15 +11,13 @@
  */
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <mutex>
 #include <string>
 #include <thread>
 
-#include <CLI/CLI.hpp>
-
+#include "host/clock.h"
 #include "wall/companion.h"
 
 namespace nvrec
@@ -29,9 +27,6 @@ struct ListenOptions {
     int channel = -1;     /* -1 = to none                                   */
     std::string wav_path; /* empty = the sound card, if there is one         */
 };
-
-/** Give a subcommand the options; they are filled when it is parsed. */
-void add_listen_options(CLI::App &command, ListenOptions &options);
 
 class Listener final : public Companion
 {
@@ -61,7 +56,7 @@ private:
     std::thread thread_;
 
     std::mutex lock_; /* guards what follows */
-    std::condition_variable changed_;
+    Condition changed_;
     std::deque<SoundBlock> queue_;
     bool ended_ = false;
     uint64_t played_ = 0;

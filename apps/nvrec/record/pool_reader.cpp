@@ -14,12 +14,13 @@ struct RingRow {
     uint32_t ring_bytes;
 };
 constexpr RingRow kRings[] = {
-    {0x60000, 0xF0000}, /* kMain    */
-    {0x20000, 0x50000}, /* kNetwork */
-    {340, 13600},       /* kSound   */
+    {NVRHAL_MAIN_FRAME_BYTES, NVRHAL_MAIN_RING_BYTES},   /* kMain    */
+    {NVRHAL_SUB_FRAME_BYTES, NVRHAL_SUB_RING_BYTES},     /* kNetwork */
+    {NVRHAL_AUDIO_FRAME_BYTES, NVRHAL_AUDIO_RING_BYTES}, /* kSound   */
 };
 
-constexpr size_t kMostNotes = 1024;   /* the longest index ring holds 768 frames      */
+constexpr size_t kMostNotes = 1024; /* more than the longest index ring holds        */
+static_assert(kMostNotes > NVRHAL_MAIN_RING_FRAMES);
 constexpr size_t kNearlyCaughtUp = 4; /* frames that may wait when a producer may too */
 constexpr auto kPatience = std::chrono::seconds(1);
 
@@ -34,14 +35,14 @@ void PoolBell::ring()
 {
     const std::scoped_lock guard(lock_);
     pending_ = true;
-    rung_.notify_one();
+    rung_.notify();
 }
 
 void PoolBell::close()
 {
     const std::scoped_lock guard(lock_);
     closed_ = true;
-    rung_.notify_one();
+    rung_.notify();
 }
 
 bool PoolBell::wait()
@@ -156,7 +157,7 @@ bool PoolReader::take(PoolFrame *frame)
             gap_ = true; /* the entry was rewritten while it was read */
             continue;
         }
-        reader_came_.notify_one();
+        reader_came_.notify();
         /* All that was begun behind it, and what a wrap leaves unused, must fit beside it. */
         const RingRow &ring = ring_of(stream_);
         if (noted_bytes_ + note.length_bytes + ring.largest_frame_bytes > ring.ring_bytes) {
@@ -222,7 +223,7 @@ void PoolReader::give_up()
     gave_up_ = true;
     while (!notes_.empty())
         lose_note();
-    reader_came_.notify_all();
+    reader_came_.notify();
 }
 
 PoolCounters PoolReader::counters() const

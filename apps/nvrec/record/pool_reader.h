@@ -17,13 +17,13 @@
  */
 #pragma once
 
-#include <condition_variable>
 #include <cstdint>
 #include <deque>
 #include <mutex>
 #include <vector>
 
 #include "camera/feeder.h"
+#include "host/clock.h"
 #include "nvrhal.h"
 
 namespace nvrec
@@ -45,7 +45,7 @@ public:
 
 private:
     std::mutex lock_;
-    std::condition_variable rung_;
+    Condition rung_;
     bool pending_ = false;
     bool closed_ = false;
 };
@@ -117,7 +117,7 @@ private:
     PoolBell &bell_;
 
     mutable std::mutex lock_; /* guards what follows */
-    std::condition_variable reader_came_;
+    Condition reader_came_;
     std::deque<Note> notes_;   /* frames put or just being put and not yet taken, oldest first */
     uint64_t noted_bytes_ = 0; /* of them                                                      */
     bool refused_last_ = false;

@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <utility>
 
-#include "commands/command.h"
+#include "wall/exit_code.h"
 #include "wall/terminal.h"
 
 namespace nvrec

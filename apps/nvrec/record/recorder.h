@@ -16,6 +16,7 @@
 #include <string>
 #include <vector>
 
+#include "nvrhal/limits.h"
 #include "record/recording.h"
 #include "wall/companion.h"
 
@@ -23,7 +24,7 @@ namespace nvrec
 {
 
 /** The pools have room for so many cameras. */
-constexpr int kMostRecorded = 8;
+constexpr int kMostRecorded = NVRHAL_STORED_CHANNELS;
 
 struct RecorderOptions {
     RecordOptions record;

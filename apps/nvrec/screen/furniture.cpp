@@ -83,7 +83,7 @@ void Furniture::tell_cameras()
         soil(panes_->set_live(camera->channel(), camera->opened() && !camera->broken()));
 }
 
-Furniture::Clock::time_point Furniture::take_turn(Clock::time_point now)
+Clock::time_point Furniture::take_turn(Clock::time_point now)
 {
     if (!drawing_) return Clock::time_point::max();
     tell_cameras();
@@ -94,7 +94,7 @@ Furniture::Clock::time_point Furniture::take_turn(Clock::time_point now)
         cursor_moved_ = true;
     }
     paint();
-    return now + ClockFace::until_next(time);
+    return now + std::chrono::ceil<Clock::duration>(ClockFace::until_next(time));
 }
 
 void Furniture::on_layout()

@@ -37,7 +37,7 @@ struct FurnitureOptions {
     std::string font_path;     /* empty = the host's font for Chinese  */
     std::string address;       /* empty = this machine's               */
     bool show_address = false; /* from the start                       */
-    std::function<ClockFace::Time()> wall_time = std::chrono::system_clock::now;
+    std::function<ClockFace::Time()> wall_time = nvrec::wall_time;
 };
 
 class Furniture final : public Companion

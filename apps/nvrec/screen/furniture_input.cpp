@@ -1,7 +1,7 @@
 /* furniture_input.cpp - what keys and the mouse do with the furniture; see furniture.h. */
 #include "screen/furniture.h"
 
-#include "commands/command.h"
+#include "wall/exit_code.h"
 #include "wall/session.h"
 
 namespace nvrec

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "camera/feeder.h"
+#include "host/clock.h"
 #include "wall/layout.h"
 
 namespace nvrec
@@ -106,8 +107,6 @@ public:
 class Companion
 {
 public:
-    using Clock = std::chrono::steady_clock;
-
     virtual ~Companion() = default;
 
     /**

@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <system_error>
 
-#include "commands/command.h"
-#include "vboard.h"
+#include "host/host.h"
+#include "wall/exit_code.h"
 
 namespace nvrec
 {
@@ -40,16 +40,7 @@ std::string take_picture(const std::string &path)
     const std::filesystem::path directory = std::filesystem::path(path).parent_path();
     if (!directory.empty()) std::filesystem::create_directories(directory, ignored);
 
-    vboard_image image = {};
-    if (vboard_monitor_capture(VBOARD_FORMAT_RGB24, &image) != 0) return "the board gave no picture";
-    std::string problem;
-    if (vboard_image_save_png(&image, path.c_str()) != 0) {
-        problem = "cannot write it";
-    } else if (image.blank) {
-        problem = "the monitor has no signal: the picture is black";
-    }
-    vboard_image_free(&image);
-    return problem;
+    return host::save_monitor_picture(path);
 }
 
 std::optional<double> next_picture_s(const std::vector<PictureOrder> &orders)

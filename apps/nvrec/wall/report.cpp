@@ -3,7 +3,6 @@
 
 #include <fstream>
 
-#include "vboard.h"
 #include "wall/text.h"
 
 namespace nvrec
@@ -26,37 +25,35 @@ std::string json_string(const std::string &value)
     return quoted + '"';
 }
 
-BoardCounters &BoardCounters::operator+=(const BoardCounters &more)
+namespace
 {
-    decoded += more.decoded;
-    shown += more.shown;
-    dropped += more.dropped;
-    damaged += more.damaged;
-    resets += more.resets;
-    return *this;
+
+host::DecoderCounters counters_now(int channel)
+{
+    return host::decoder_counters(channel).value_or(host::DecoderCounters{});
 }
 
-BoardCounters BoardCounters::operator-(const BoardCounters &earlier) const
+/* A decoder's counter in the table and in JSON; empty where it is not known. */
+std::string in_table(const ChannelReport &channel, uint64_t count)
 {
-    return {decoded - earlier.decoded, shown - earlier.shown, dropped - earlier.dropped,
-            damaged - earlier.damaged, resets - earlier.resets};
+    return channel.counted ? text("%llu", static_cast<Count>(count)) : "-";
 }
 
-BoardCounters board_counters(int channel)
+std::string in_json(const ChannelReport &channel, uint64_t count)
 {
-    vboard_decoder_stat stat = {};
-    if (vboard_decoder_get_stat(static_cast<uint32_t>(channel), &stat) != 0) return {};
-    return {stat.decoded, stat.shown, stat.dropped, stat.damaged, stat.resets};
+    return channel.counted ? text("%llu", static_cast<Count>(count)) : "null";
 }
+
+} // namespace
 
 void Reporter::mark()
 {
     baselines_.clear();
     for (const auto &feeder : feeders_)
-        baselines_.push_back(board_counters(feeder->channel()));
+        baselines_.push_back(counters_now(feeder->channel()));
 }
 
-void Reporter::leave_out(int channel, const BoardCounters &foreign)
+void Reporter::leave_out(int channel, const host::DecoderCounters &foreign)
 {
     const auto index = static_cast<size_t>(channel);
     if (index < baselines_.size()) baselines_[index] += foreign;
@@ -67,19 +64,16 @@ std::vector<ChannelReport> Reporter::collect() const
     std::vector<ChannelReport> channels;
     for (size_t i = 0; i < feeders_.size(); ++i) {
         const Feeder &feeder = *feeders_[i];
-        const BoardCounters from = i < baselines_.size() ? baselines_[i] : BoardCounters{};
-        const BoardCounters counted = board_counters(feeder.channel()) - from;
+        const host::DecoderCounters from = i < baselines_.size() ? baselines_[i] : host::DecoderCounters{};
         ChannelReport report;
         report.channel = feeder.channel();
         report.address = feeder.input().address();
         report.opened = feeder.opened();
         report.facts = feeder.facts();
         report.fed = feeder.counters();
-        report.decoded = counted.decoded;
-        report.shown = counted.shown;
-        report.dropped = counted.dropped;
-        report.damaged = counted.damaged;
-        report.resets = counted.resets;
+        const auto counters = host::decoder_counters(feeder.channel());
+        report.counted = counters.has_value();
+        if (counters) report.decoder = *counters - from;
         report.trouble = feeder.trouble();
         channels.push_back(std::move(report));
     }
@@ -91,17 +85,17 @@ std::string Reporter::progress_line(double seconds, int running) const
     ChannelReport sum;
     for (const ChannelReport &channel : collect()) {
         sum.fed.sent += channel.fed.sent;
-        sum.decoded += channel.decoded;
-        sum.shown += channel.shown;
-        sum.dropped += channel.dropped;
-        sum.resets += channel.resets;
+        sum.decoder += channel.decoder;
+        sum.counted &= channel.counted;
     }
     const double rate = seconds > 0 ? static_cast<double>(sum.fed.sent) / seconds : 0;
-    return text(
-        "%7.1f s  %d of %zu cameras  sent %llu (%.1f/s)  decoded %llu  shown %llu  dropped %llu  resets %llu",
-        seconds, running, feeders_.size(), static_cast<Count>(sum.fed.sent), rate,
-        static_cast<Count>(sum.decoded), static_cast<Count>(sum.shown), static_cast<Count>(sum.dropped),
-        static_cast<Count>(sum.resets));
+    std::string line = text("%7.1f s  %d of %zu cameras  sent %llu (%.1f/s)", seconds, running,
+                            feeders_.size(), static_cast<Count>(sum.fed.sent), rate);
+    if (sum.counted)
+        line += text("  decoded %llu  shown %llu  dropped %llu  resets %llu",
+                     static_cast<Count>(sum.decoder.decoded), static_cast<Count>(sum.decoder.shown),
+                     static_cast<Count>(sum.decoder.dropped), static_cast<Count>(sum.decoder.resets));
+    return line;
 }
 
 std::vector<std::string> table_of(const std::vector<ChannelReport> &channels)
@@ -117,11 +111,13 @@ std::vector<std::string> table_of(const std::vector<ChannelReport> &channels)
             continue;
         }
         const std::string size = text("%ux%u", channel.facts.width_px, channel.facts.height_px);
-        lines.push_back(text("%3d  %-5s  %-9s  %6.2f  %8llu %8llu %8llu %8llu %8llu %7llu  ", channel.channel,
+        lines.push_back(text("%3d  %-5s  %-9s  %6.2f  %8llu %8llu %8s %8s %8s %7s  ", channel.channel,
                              codec_name(channel.facts.codec), size.c_str(), channel.facts.frame_rate,
                              static_cast<Count>(channel.fed.sent), static_cast<Count>(channel.fed.refused),
-                             static_cast<Count>(channel.decoded), static_cast<Count>(channel.shown),
-                             static_cast<Count>(channel.dropped), static_cast<Count>(channel.resets)) +
+                             in_table(channel, channel.decoder.decoded).c_str(),
+                             in_table(channel, channel.decoder.shown).c_str(),
+                             in_table(channel, channel.decoder.dropped).c_str(),
+                             in_table(channel, channel.decoder.resets).c_str()) +
                         channel.address + (channel.trouble.empty() ? "" : " (" + channel.trouble + ")"));
     }
     return lines;
@@ -148,11 +144,11 @@ std::string json_of(const std::vector<ChannelReport> &channels, const std::strin
             static_cast<Count>(channel.fed.sent), static_cast<Count>(channel.fed.refused),
             static_cast<Count>(channel.fed.bytes), static_cast<Count>(channel.fed.passes),
             static_cast<Count>(channel.fed.reconnects));
-        json += text(
-            ", \"decoded\": %llu, \"shown\": %llu, \"dropped\": %llu, \"damaged\": %llu, \"resets\": %llu",
-            static_cast<Count>(channel.decoded), static_cast<Count>(channel.shown),
-            static_cast<Count>(channel.dropped), static_cast<Count>(channel.damaged),
-            static_cast<Count>(channel.resets));
+        json += ", \"decoded\": " + in_json(channel, channel.decoder.decoded) +
+                ", \"shown\": " + in_json(channel, channel.decoder.shown) +
+                ", \"dropped\": " + in_json(channel, channel.decoder.dropped) +
+                ", \"damaged\": " + in_json(channel, channel.decoder.damaged) +
+                ", \"resets\": " + in_json(channel, channel.decoder.resets);
         json += ", \"trouble\": " + json_string(channel.trouble) + "}";
     }
     json += "\n  ]";

@@ -1,8 +1,9 @@
 /*
  * report.h - what happened to every camera's frames: progress line, closing table, JSON.
  *
- * "Sent" and "refused" are counted by the feeders, all else by the board, from the moment the wall
- * stood (mark()): the frames that only gave the decoders their codec do not count.
+ * "Sent" and "refused" are counted by the feeders, all else by the decoders, from the moment the wall
+ * stood (mark()): the frames that only gave the decoders their codec do not count. On a board whose
+ * decoders do not tell, the columns are empty.
  */
 #pragma once
 
@@ -12,6 +13,7 @@
 #include <vector>
 
 #include "camera/feeder.h"
+#include "host/host.h"
 
 namespace nvrec
 {
@@ -23,24 +25,10 @@ struct ChannelReport {
     bool opened = false;
     StreamFacts facts;
     FeedCounters fed;
-    uint64_t decoded = 0;
-    uint64_t shown = 0;
-    uint64_t dropped = 0; /* decoded and never on screen */
-    uint64_t damaged = 0; /* withheld by the decoder     */
-    uint64_t resets = 0;  /* decoder resets              */
-    std::string trouble;  /* the last one, if any        */
+    bool counted = true;           /* decoders tell what follows */
+    host::DecoderCounters decoder; /* of the channel's frames    */
+    std::string trouble;           /* the last one, if any       */
 };
-
-/** A decoder channel's counters, of whatever it was sent. */
-struct BoardCounters {
-    uint64_t decoded, shown, dropped, damaged, resets;
-
-    BoardCounters &operator+=(const BoardCounters &more);
-    BoardCounters operator-(const BoardCounters &earlier) const;
-};
-
-/** The board's counters of a channel now. */
-BoardCounters board_counters(int channel);
 
 class Reporter
 {
@@ -51,7 +39,7 @@ public:
     void mark();
 
     /** Leave out what another source, not the camera, had decoded on the channel. */
-    void leave_out(int channel, const BoardCounters &foreign);
+    void leave_out(int channel, const host::DecoderCounters &foreign);
 
     /** Every channel's counters now. */
     std::vector<ChannelReport> collect() const;
@@ -61,7 +49,7 @@ public:
 
 private:
     const std::vector<std::unique_ptr<Feeder>> &feeders_;
-    std::vector<BoardCounters> baselines_;
+    std::vector<host::DecoderCounters> baselines_;
 };
 
 /** The closing table, one text a line. */

@@ -1,10 +1,10 @@
 /* wakeup.cpp - see wakeup.h. */
 #include "wall/wakeup.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <system_error>
+#include <utility>
 
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -32,38 +32,50 @@ Wakeup::Wakeup()
     const sigset_t set = end_signals();
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
     signals_ = signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
-    bell_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-    if (signals_ < 0 || bell_ < 0)
+    closing_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    if (signals_ < 0 || closing_ < 0)
         throw std::system_error(errno, std::generic_category(), "signalfd or eventfd");
+    signal_thread_ = std::thread([this] { take_signals(); });
 }
 
 Wakeup::~Wakeup()
 {
+    eventfd_write(closing_, 1);
+    signal_thread_.join();
     close(signals_);
-    close(bell_);
+    close(closing_);
 }
 
-void Wakeup::wait_until(std::chrono::steady_clock::time_point when)
+void Wakeup::take_signals()
 {
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(when - std::chrono::steady_clock::now());
-    const auto timeout = std::clamp<int64_t>(left.count(), 0, 60'000);
-    pollfd sources[] = {{signals_, POLLIN, 0}, {bell_, POLLIN, 0}};
-    if (poll(sources, 2, static_cast<int>(timeout)) <= 0) return;
-
-    if (sources[0].revents & POLLIN) {
-        signalfd_siginfo received;
-        while (read(signals_, &received, sizeof received) == sizeof received)
-            end_wanted_ = true;
-        const sigset_t set = end_signals();
-        pthread_sigmask(SIG_UNBLOCK, &set, nullptr); /* of this thread: it takes the second one */
+    pollfd sources[] = {{closing_, POLLIN, 0}, {signals_, POLLIN, 0}};
+    while (poll(sources, 2, -1) < 0 && errno == EINTR) {
     }
-    eventfd_t rings;
-    if (sources[1].revents & POLLIN) eventfd_read(bell_, &rings);
+    if (sources[0].revents != 0) return;
+
+    signalfd_siginfo received;
+    while (read(signals_, &received, sizeof received) == sizeof received) {
+    }
+    end_wanted_ = true;
+    ring();
+    const sigset_t set = end_signals();
+    pthread_sigmask(SIG_UNBLOCK, &set, nullptr); /* of this thread: it takes the second one */
+    while (poll(sources, 1, -1) < 0 && errno == EINTR) {
+    }
+}
+
+void Wakeup::wait_until(Clock::time_point when)
+{
+    std::unique_lock guard(lock_);
+    woken_.wait_until(guard, when, [this] { return rung_; });
+    rung_ = false;
 }
 
 void Wakeup::ring()
 {
-    eventfd_write(bell_, 1);
+    const std::scoped_lock guard(lock_);
+    rung_ = true;
+    woken_.notify();
 }
 
 } // namespace nvrec

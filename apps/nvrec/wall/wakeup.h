@@ -2,11 +2,15 @@
  * wakeup.h - what ends the main thread's sleep: Ctrl-C, a call of ring(), or time.
  *
  * Made before any other thread, so that every thread inherits the blocked signals and only this
- * object receives them.
+ * object receives them, on a thread of its own.
  */
 #pragma once
 
-#include <chrono>
+#include <atomic>
+#include <mutex>
+#include <thread>
+
+#include "host/clock.h"
 
 namespace nvrec
 {
@@ -20,7 +24,7 @@ public:
     Wakeup &operator=(const Wakeup &) = delete;
 
     /** Sleep until someone rings, the user wants to end, or the time has come. */
-    void wait_until(std::chrono::steady_clock::time_point when);
+    void wait_until(Clock::time_point when);
 
     /** End the sleep, or the next one. Any thread. */
     void ring();
@@ -29,9 +33,16 @@ public:
     bool end_wanted() const { return end_wanted_; }
 
 private:
-    int signals_ = -1; /* signalfd of SIGINT and SIGTERM */
-    int bell_ = -1;    /* eventfd                        */
-    bool end_wanted_ = false;
+    void take_signals();
+
+    int signals_ = -1; /* signalfd of SIGINT and SIGTERM     */
+    int closing_ = -1; /* eventfd: the thread is to end       */
+    std::thread signal_thread_;
+    std::atomic<bool> end_wanted_ = false;
+
+    std::mutex lock_; /* guards rung_ */
+    Condition woken_;
+    bool rung_ = false;
 };
 
 } // namespace nvrec

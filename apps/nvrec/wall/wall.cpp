@@ -2,10 +2,9 @@
 #include "wall/wall.h"
 
 #include <algorithm>
-#include <cstdlib>
 
-#include "commands/command.h"
-#include "vboard.h"
+#include "host/host.h"
+#include "wall/exit_code.h"
 
 namespace nvrec
 {
@@ -15,17 +14,7 @@ namespace
 constexpr auto kLongWait = std::chrono::hours(1);
 constexpr auto kWindowPeriod = std::chrono::milliseconds(16);
 constexpr auto kLateCamera = std::chrono::seconds(3); /* the others wait for a camera no longer */
-constexpr int kDrain_ms = 3000; /* for what the decoders still hold when the inputs have ended */
-
-bool screen_is_there()
-{
-    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY"}) {
-        const char *value =
-            std::getenv(name); // NOLINT(concurrency-mt-unsafe): nothing writes the environment
-        if (value && *value) return true;
-    }
-    return false;
-}
+constexpr auto kDrain = std::chrono::seconds(3);      /* for what decoders still hold at the inputs' end */
 
 } // namespace
 
@@ -123,10 +112,11 @@ size_t Wall::finish_openings(const std::function<void(Feeder &)> &then)
 void Wall::admit(Feeder &camera)
 {
     if (camera.opened()) {
-        const BoardCounters before = board_counters(camera.channel());
+        const auto before = host::decoder_counters(camera.channel());
         prime(camera);
         lay_out();
-        reporter_.leave_out(camera.channel(), board_counters(camera.channel()) - before);
+        const auto after = host::decoder_counters(camera.channel());
+        if (before && after) reporter_.leave_out(camera.channel(), *after - *before);
     }
     start_feeding(camera);
 }
@@ -226,10 +216,11 @@ bool Wall::start_companions()
 void Wall::open_window()
 {
     if (options_.window == WindowWish::kOff) return;
-    if (options_.window == WindowWish::kAuto && !screen_is_there()) return;
-    window_open_ = vboard_window_open("nvrec wall") == 0;
+    if (options_.window == WindowWish::kAuto && !host::has_desktop()) return;
+    const std::string problem = host::open_window("nvrec wall");
+    window_open_ = problem.empty();
     if (window_open_) return;
-    terminal_.complain("no window could be opened");
+    terminal_.complain(problem);
     if (options_.window == WindowWish::kOn) {
         worse(kExitBoardFailed);
         end_wanted_ = true;
@@ -278,8 +269,7 @@ void Wall::watch()
     const auto period = std::chrono::milliseconds(terminal_.progress_period_ms());
     Clock::time_point progress_at = began_at_ + period;
     auto after = [this](double offset_s) {
-        return began_at_ +
-               std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(offset_s));
+        return began_at_ + std::chrono::ceil<Clock::duration>(std::chrono::duration<double>(offset_s));
     };
     while (!ended()) {
         Clock::time_point next = std::min(progress_at, take_turns());
@@ -288,7 +278,7 @@ void Wall::watch()
         if (window_open_) next = std::min(next, Clock::now() + kWindowPeriod);
         wakeup_.wait_until(next);
 
-        if (window_open_ && vboard_window_poll() != VBOARD_WINDOW_OPEN) end_wanted_ = true;
+        if (window_open_ && !host::refresh_window()) end_wanted_ = true;
         finish_openings([this](Feeder &camera) { admit(camera); });
         if (layout_stale_.exchange(false)) lay_out();
         take_due_pictures(seconds(), false);
@@ -300,7 +290,7 @@ void Wall::watch()
 }
 
 /* When the first of them wants the next one. */
-Wall::Clock::time_point Wall::take_turns()
+Clock::time_point Wall::take_turns()
 {
     Clock::time_point next = Clock::time_point::max();
     for (const auto &companion : companions_)
@@ -341,7 +331,7 @@ void Wall::take_due_pictures(double now_s, bool at_end)
 void Wall::wait_for_decoders()
 {
     for (const auto &feeder : feeders_) {
-        if (feeder->opened()) vboard_decoder_wait_idle(static_cast<uint32_t>(feeder->channel()), kDrain_ms);
+        if (feeder->opened()) host::wait_for_decoder(feeder->channel(), kDrain);
     }
 }
 
@@ -375,7 +365,7 @@ void Wall::close()
 void Wall::write_reports()
 {
     const std::vector<ChannelReport> channels = reporter_.collect();
-    if (window_open_) vboard_window_close();
+    if (window_open_) host::close_window();
     session_.stop();
     if (!channels.empty()) {
         for (const std::string &line : table_of(channels))

@@ -60,8 +60,6 @@ public:
     int run();
 
 private:
-    using Clock = std::chrono::steady_clock;
-
     Session &session() override { return session_; }
     Terminal &terminal() override { return terminal_; }
     Reporter &reporter() override { return reporter_; }

@@ -1,0 +1,27 @@
+/*
+ * decoder_codec.h - which codec each of the library's decoder channels was made for.
+ *
+ * The library makes all of them for H.265 at start-up. Live intake makes a channel's decoder anew
+ * when its camera comes with another codec than before, and remembers only that. A decoder that is to
+ * take something else - a recording, a snapshot during playback, the camera afterwards - is made anew
+ * by the recorder. Both are noted here, since the library has no call that tells.
+ *
+ * The library is the process's, and so are these notes. Threads: any.
+ */
+#pragma once
+
+#include "camera/input.h"
+
+namespace nvrec
+{
+
+/** Live intake has seen a frame of that codec. Called after every frame that got so far. */
+void note_live_codec(int channel, Codec codec);
+
+/**
+ * Give a decoder that codec, unless it has it. It is bound to no pane then: a layout comes next.
+ * Main thread.
+ */
+void match_decoder(int channel, Codec codec);
+
+} // namespace nvrec

@@ -1,0 +1,143 @@
+/* host_vboard.cpp - host.h and device_node.h over the board in software: screen, sound, keys, decoders. */
+#include <cstdlib>
+
+#include <fcntl.h>
+
+#include "board_io.h"
+#include "host/device_node.h"
+#include "host/host.h"
+#include "vboard.h"
+#include "vboard_audio.h"
+#include "vboard_devices.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr uint32_t kLoudspeaker = 3; /* the audio output that the library plays on */
+
+} // namespace
+
+namespace host
+{
+
+bool has_desktop()
+{
+    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY"}) {
+        const char *value =
+            std::getenv(name); // NOLINT(concurrency-mt-unsafe): nothing writes the environment
+        if (value && *value) return true;
+    }
+    return false;
+}
+
+bool has_own_monitor()
+{
+    return false;
+}
+
+void set_window_keys(const std::vector<WindowKey> &keys)
+{
+    std::vector<vboard_window_key> board_keys;
+    board_keys.reserve(keys.size());
+    for (const WindowKey &key : keys)
+        board_keys.push_back({key.pc_key, key.ir_code});
+    vboard_window_set_keys(board_keys.data(), board_keys.size());
+}
+
+std::string open_window(const char *title)
+{
+    return vboard_window_open(title) == 0 ? "" : "no window could be opened";
+}
+
+bool refresh_window()
+{
+    return vboard_window_poll() == VBOARD_WINDOW_OPEN;
+}
+
+void close_window()
+{
+    vboard_window_close();
+}
+
+std::string save_monitor_picture(const std::string &path)
+{
+    vboard_image image = {};
+    if (vboard_monitor_capture(VBOARD_FORMAT_RGB24, &image) != 0) return "the board gave no picture";
+    std::string problem;
+    if (vboard_image_save_png(&image, path.c_str()) != 0) {
+        problem = "cannot write it";
+    } else if (image.blank) {
+        problem = "the monitor has no signal: the picture is black";
+    }
+    vboard_image_free(&image);
+    return problem;
+}
+
+std::string open_sound_file(const std::string &path)
+{
+    return vboard_audio_open_wav(kLoudspeaker, path.c_str()) == 0 ? "" : "cannot write " + path;
+}
+
+std::string open_loudspeaker()
+{
+    return vboard_audio_open_sound(kLoudspeaker) == 0 ? "" : "no sound card; nothing will be heard";
+}
+
+void wait_for_sound(std::chrono::milliseconds limit)
+{
+    vboard_audio_wait_played(kLoudspeaker, static_cast<int32_t>(limit.count()));
+}
+
+void close_sound()
+{
+    vboard_audio_close(kLoudspeaker);
+}
+
+std::string press_remote_button(uint32_t ir_code)
+{
+    vboard_ir_press(ir_code);
+    return {};
+}
+
+std::string press_panel_key(uint32_t key_code)
+{
+    vboard_panel_press(key_code);
+    return {};
+}
+
+std::optional<DecoderCounters> decoder_counters(int channel)
+{
+    vboard_decoder_stat stat = {};
+    if (vboard_decoder_get_stat(static_cast<uint32_t>(channel), &stat) != 0) return std::nullopt;
+    return DecoderCounters{stat.decoded, stat.shown, stat.dropped, stat.damaged, stat.resets};
+}
+
+void wait_for_decoder(int channel, std::chrono::milliseconds limit)
+{
+    vboard_decoder_wait_idle(static_cast<uint32_t>(channel), static_cast<int32_t>(limit.count()));
+}
+
+} // namespace host
+
+bool DeviceNode::open(const char *path, std::chrono::milliseconds patience)
+{
+    close();
+    patience_ = patience;
+    descriptor_ = board_open(path, O_RDONLY);
+    return is_open();
+}
+
+int DeviceNode::read(void *record, size_t size) const
+{
+    return board_read(descriptor_, record, size);
+}
+
+void DeviceNode::close()
+{
+    if (is_open()) board_close(descriptor_);
+    descriptor_ = -1;
+}
+
+} // namespace nvrec
