@@ -1,17 +1,21 @@
 /*
  * The operating system of the recording platform: device nodes by path, a stepped clock.
  *
- * An open descriptor is recorded as its node's path, any other as its number.
+ * An open descriptor is recorded as its node's path, any other as its number; what is asked of the
+ * latter fails with EBADF, unless a script answers.
  */
 #include <fcntl.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "board_io.h"
+#include "node_answers.h"
 #include "recording_platform.h"
 
 namespace recording
@@ -50,6 +54,12 @@ int32_t after_filler(const Platform::Verdict &verdict, std::vector<Args::Argumen
     return args.result;
 }
 
+int refuse_descriptor()
+{
+    errno = EBADF;
+    return -1;
+}
+
 } // namespace
 
 void Node::fails_to_open()
@@ -66,12 +76,35 @@ void Node::reads(std::vector<uint8_t> bytes)
 {
     std::lock_guard lock(platform.mutex);
     platform.queued_reads[path_].emplace_back(std::move(bytes));
+    platform.reads_moved.notify_all();
 }
 
 void Node::read_fails()
 {
     std::lock_guard lock(platform.mutex);
     platform.queued_reads[path_].emplace_back(std::nullopt);
+    platform.reads_moved.notify_all();
+}
+
+void Node::makes_reads_wait()
+{
+    std::lock_guard lock(platform.mutex);
+    platform.waiting_nodes.insert(path_);
+}
+
+void Node::lets_readers_go()
+{
+    std::lock_guard lock(platform.mutex);
+    platform.waiting_nodes.erase(path_);
+    platform.reads_moved.notify_all();
+}
+
+bool Node::wait_for_readers(unsigned threads)
+{
+    std::unique_lock lock(platform.mutex);
+    return platform.reads_moved.wait_for(lock, std::chrono::seconds(10), [&] {
+        return platform.queued_reads[path_].empty() && platform.waiting_readers[path_] >= threads;
+    });
 }
 
 Script &Node::ioctl(unsigned long request)
@@ -124,18 +157,12 @@ int board_read(int descriptor, void *buffer, size_t size)
 {
     std::string name = platform.node_name(descriptor);
     Platform::Verdict verdict = platform.record("board_read", name + " " + std::to_string(size));
-    int result = 0;
-    if (verdict.value) {
-        result = *verdict.value;
-    } else {
-        std::lock_guard lock(platform.mutex);
-        auto &queue = platform.queued_reads[name];
-        if (!queue.empty()) {
-            auto bytes = std::move(queue.front());
-            queue.pop_front();
-            result = bytes ? static_cast<int>(std::min(size, bytes->size())) : -1;
-            if (result > 0) std::memcpy(buffer, bytes->data(), static_cast<size_t>(result));
-        }
+    int result = verdict.value.value_or(0);
+    if (!verdict.value) {
+        if (!platform.is_open(descriptor)) return recording::refuse_descriptor();
+        auto bytes = platform.next_read(name);
+        result = bytes ? static_cast<int>(std::min(size, bytes->size())) : -1;
+        if (result > 0) std::memcpy(buffer, bytes->data(), static_cast<size_t>(result));
     }
     return after_filler(verdict, {{descriptor, nullptr}, {0, buffer}, {static_cast<int64_t>(size), nullptr}},
                         result);
@@ -143,14 +170,23 @@ int board_read(int descriptor, void *buffer, size_t size)
 
 int board_ioctl(int descriptor, unsigned long request, void *argument)
 {
-    std::string text = platform.node_name(descriptor) + " " + recording::request_text(request);
+    std::string name = platform.node_name(descriptor);
+    std::string text = name + " " + recording::request_text(request);
     std::string shown = platform.describe_argument(request, argument);
     if (!shown.empty()) text += " " + shown;
     Platform::Verdict verdict = platform.record("board_ioctl", text);
     auto value = static_cast<int64_t>(reinterpret_cast<uintptr_t>(argument));
-    return after_filler(verdict,
-                        {{descriptor, nullptr}, {static_cast<int64_t>(request), nullptr}, {value, argument}},
-                        verdict.value.value_or(0));
+    const std::vector<recording::Args::Argument> arguments = {
+        {descriptor, nullptr}, {static_cast<int64_t>(request), nullptr}, {value, argument}};
+    if (verdict.seer) {
+        recording::Args args(arguments);
+        verdict.seer(args);
+    }
+    if (!verdict.value) {
+        if (!platform.is_open(descriptor)) return recording::refuse_descriptor();
+        recording::answer_request(name, request, argument);
+    }
+    return after_filler(verdict, arguments, verdict.value.value_or(0));
 }
 
 /* A scripted value other than 0 makes the mapping fail. */
@@ -159,10 +195,14 @@ void *board_map(int descriptor, size_t size)
     std::string name = platform.node_name(descriptor);
     Platform::Verdict verdict = platform.record("board_map", name + " " + std::to_string(size));
     if (verdict.value.value_or(0) != 0 || size == 0) return nullptr;
+    if (!platform.is_open(descriptor)) {
+        recording::refuse_descriptor();
+        return nullptr;
+    }
     size_t whole_pages = (size + recording::kPageBytes - 1) / recording::kPageBytes * recording::kPageBytes;
     void *address = std::aligned_alloc(recording::kPageBytes, whole_pages);
     if (address == nullptr) return nullptr;
-    std::memset(address, 0, whole_pages);
+    std::memset(address, recording::kHandedOutByte, whole_pages);
     std::lock_guard lock(platform.mutex);
     platform.mappings[address] = {name, size};
     return address;

@@ -37,7 +37,7 @@ std::string first_difference(const std::string &expected, const std::string &act
 
 } // namespace
 
-testing::AssertionResult matches_golden(const std::string &name, const std::string &text)
+Finding matches_golden(const std::string &name, const std::string &text)
 {
     std::filesystem::path golden = std::filesystem::path(NVRHAL_GOLDEN_DIR) / (name + ".txt");
     std::filesystem::path actual = std::filesystem::path(NVRHAL_GOLDEN_DIR) / (name + ".actual");
@@ -45,22 +45,22 @@ testing::AssertionResult matches_golden(const std::string &name, const std::stri
 
     const char *rewrite = std::getenv("NVRHAL_REWRITE_GOLDEN");
     if (rewrite != nullptr && std::string(rewrite) == "1") {
-        if (write_file(golden, seen)) return testing::AssertionSuccess();
-        return testing::AssertionFailure() << "cannot write " << golden;
+        if (write_file(golden, seen)) return {true, ""};
+        return {false, "cannot write " + golden.string()};
     }
 
     std::ifstream in(golden, std::ios::binary);
     if (!in) {
         bool written = write_file(golden, seen);
-        return testing::AssertionFailure() << golden << " was missing and is now "
-                                           << (written ? "written: look at it" : "impossible to write");
+        return {false, golden.string() + " was missing and is now " +
+                           (written ? "written: look at it" : "impossible to write")};
     }
     std::stringstream kept;
     kept << in.rdbuf();
-    if (kept.str() == seen) return testing::AssertionSuccess();
+    if (kept.str() == seen) return {true, ""};
     write_file(actual, seen);
-    return testing::AssertionFailure() << golden << " differs, see " << actual << "\n"
-                                       << first_difference(kept.str(), seen);
+    return {false,
+            golden.string() + " differs, see " + actual.string() + "\n" + first_difference(kept.str(), seen)};
 }
 
 } // namespace recording

@@ -6,15 +6,13 @@
  */
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <string>
+
+#include "finding.h"
 
 namespace recording
 {
 
-testing::AssertionResult matches_golden(const std::string &name, const std::string &text);
+Finding matches_golden(const std::string &name, const std::string &text);
 
 } // namespace recording
-
-#define EXPECT_GOLDEN(name, text) EXPECT_TRUE(recording::matches_golden(name, text))

@@ -7,6 +7,7 @@ using recording::MediaState;
 using recording::platform;
 using recording::record_call;
 using recording::record_plain_call;
+using recording::record_refusable_call;
 
 extern "C" {
 
@@ -20,7 +21,9 @@ int32_t MI_SYS_GetVersion(MI_SYS_Version *version)
     return record_call(
         "MI_SYS_GetVersion",
         [=](MediaState &) {
-            if (version) std::strcpy(version->text, "recording platform");
+            if (!version) return;
+            recording::fill_with_pattern(*version);
+            std::strcpy(version->text, "recording platform");
         },
         version);
 }
@@ -48,12 +51,16 @@ int32_t MI_SYS_SyncPts(uint64_t pts)
 int32_t MI_SYS_BindChnPort(const MI_SYS_ChnPort *source, const MI_SYS_ChnPort *sink, uint32_t source_rate,
                            uint32_t sink_rate)
 {
-    return record_plain_call("MI_SYS_BindChnPort", source, sink, source_rate, sink_rate);
+    return record_refusable_call(
+        "MI_SYS_BindChnPort", [=](const MediaState &media) { return media.refuse_bind(source, sink); },
+        [=](MediaState &media) { media.bind(source, sink); }, source, sink, source_rate, sink_rate);
 }
 
 int32_t MI_SYS_UnBindChnPort(const MI_SYS_ChnPort *source, const MI_SYS_ChnPort *sink)
 {
-    return record_plain_call("MI_SYS_UnBindChnPort", source, sink);
+    return record_refusable_call(
+        "MI_SYS_UnBindChnPort", [=](const MediaState &media) { return media.refuse_unbind(source, sink); },
+        [=](MediaState &media) { media.unbind(source, sink); }, source, sink);
 }
 
 int32_t MI_SYS_SetChnOutputPortDepth(const MI_SYS_ChnPort *port, uint32_t user_depth, uint32_t queue_depth)
@@ -63,10 +70,11 @@ int32_t MI_SYS_SetChnOutputPortDepth(const MI_SYS_ChnPort *port, uint32_t user_d
 
 int32_t MI_VDEC_CreateChn(uint32_t channel, const MI_VDEC_ChnAttr *attr)
 {
-    return record_call(
-        "MI_VDEC_CreateChn",
+    return record_refusable_call(
+        "MI_VDEC_CreateChn", [=](const MediaState &media) { return media.decoders.refuse_create(channel); },
         [=](MediaState &media) {
-            if (attr) media.decoders[channel] = *attr;
+            media.decoders.create(channel);
+            if (attr) media.decoder_attrs[channel] = *attr;
             media.decoder_outputs.erase(channel); // a new channel delivers the stream's own size
         },
         channel, attr);
@@ -74,34 +82,43 @@ int32_t MI_VDEC_CreateChn(uint32_t channel, const MI_VDEC_ChnAttr *attr)
 
 int32_t MI_VDEC_DestroyChn(uint32_t channel)
 {
-    return record_call(
-        "MI_VDEC_DestroyChn", [=](MediaState &media) { media.decoders.erase(channel); }, channel);
+    return record_refusable_call(
+        "MI_VDEC_DestroyChn", [=](const MediaState &media) { return media.decoders.refuse_destroy(channel); },
+        [=](MediaState &media) {
+            media.decoders.destroy(channel);
+            media.decoder_attrs.erase(channel);
+        },
+        channel);
 }
 
 int32_t MI_VDEC_StartChn(uint32_t channel)
 {
-    return record_plain_call("MI_VDEC_StartChn", channel);
+    return record_refusable_call(
+        "MI_VDEC_StartChn", [=](const MediaState &media) { return media.decoders.refuse_use(channel); },
+        [=](MediaState &media) { media.decoders.start(channel, true); }, channel);
 }
 
 int32_t MI_VDEC_StopChn(uint32_t channel)
 {
-    return record_plain_call("MI_VDEC_StopChn", channel);
+    return record_refusable_call(
+        "MI_VDEC_StopChn", [=](const MediaState &media) { return media.decoders.refuse_use(channel); },
+        [=](MediaState &media) { media.decoders.start(channel, false); }, channel);
 }
 
 int32_t MI_VDEC_GetChnAttr(uint32_t channel, MI_VDEC_ChnAttr *attr)
 {
-    return record_call(
-        "MI_VDEC_GetChnAttr",
+    return record_refusable_call(
+        "MI_VDEC_GetChnAttr", [=](const MediaState &media) { return media.decoders.refuse_use(channel); },
         [=](MediaState &media) {
-            if (attr) *attr = media.decoders[channel];
+            if (attr) *attr = media.decoder_attrs[channel];
         },
         channel, attr);
 }
 
 int32_t MI_VDEC_GetChnStat(uint32_t channel, MI_VDEC_ChnStat *stat)
 {
-    return record_call(
-        "MI_VDEC_GetChnStat",
+    return record_refusable_call(
+        "MI_VDEC_GetChnStat", [=](const MediaState &media) { return media.decoders.refuse_use(channel); },
         [=](MediaState &) {
             if (stat) *stat = {};
         },
@@ -111,13 +128,16 @@ int32_t MI_VDEC_GetChnStat(uint32_t channel, MI_VDEC_ChnStat *stat)
 int32_t MI_VDEC_SendStream(uint32_t channel, const MI_VDEC_Stream *stream, int32_t timeout_ms)
 {
     if (stream) platform.keep_bytes("MI_VDEC_SendStream", stream->address, stream->length_bytes);
-    return record_plain_call("MI_VDEC_SendStream", channel, stream, timeout_ms);
+    return record_refusable_call(
+        "MI_VDEC_SendStream", [=](const MediaState &media) { return media.decoders.refuse_send(channel); },
+        [=](MediaState &) {}, channel, stream, timeout_ms);
 }
 
 int32_t MI_VDEC_SetOutputPortAttr(uint32_t channel, const MI_VDEC_OutputPortAttr *attr)
 {
-    return record_call(
+    return record_refusable_call(
         "MI_VDEC_SetOutputPortAttr",
+        [=](const MediaState &media) { return media.decoders.refuse_use(channel); },
         [=](MediaState &media) {
             if (attr) media.decoder_outputs[channel] = *attr;
         },
@@ -126,8 +146,9 @@ int32_t MI_VDEC_SetOutputPortAttr(uint32_t channel, const MI_VDEC_OutputPortAttr
 
 int32_t MI_VDEC_GetOutputPortAttr(uint32_t channel, MI_VDEC_OutputPortAttr *attr)
 {
-    return record_call(
+    return record_refusable_call(
         "MI_VDEC_GetOutputPortAttr",
+        [=](const MediaState &media) { return media.decoders.refuse_use(channel); },
         [=](MediaState &media) {
             if (attr) *attr = media.decoder_outputs[channel];
         },

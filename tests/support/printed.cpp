@@ -9,8 +9,6 @@
 #include <cstdio>
 #include <sstream>
 
-#include "recording_platform.h"
-
 namespace recording
 {
 
@@ -33,53 +31,6 @@ void bound_files()
     limit.rlim_cur = kLargestFileBytes;
     setrlimit(RLIMIT_FSIZE, &limit);
 }
-
-/* Let GoogleTest speak to the real standard output in the middle of a capture. */
-void pause_capture()
-{
-    if (real_stdout < 0) return;
-    std::fflush(stdout);
-    dup2(real_stdout, STDOUT_FILENO);
-}
-
-void resume_capture()
-{
-    if (real_stdout < 0) return;
-    std::fflush(stdout);
-    dup2(capture_file, STDOUT_FILENO);
-}
-
-/* Stands before GoogleTest's own printer in the list of listeners. */
-class BeforePrinter : public testing::EmptyTestEventListener
-{
-    void OnTestPartResult(const testing::TestPartResult &) override { pause_capture(); }
-};
-
-/* Stands after it. End events come in reverse order, so this one sees the end of a test first. */
-class AfterPrinter : public testing::EmptyTestEventListener
-{
-    void OnTestStart(const testing::TestInfo &) override
-    {
-        platform.reset();
-        start_capture();
-    }
-    void OnTestPartResult(const testing::TestPartResult &) override { resume_capture(); }
-    void OnTestEnd(const testing::TestInfo &info) override
-    {
-        std::string text = info.result()->Failed() ? printed_text() : "";
-        stop_capture();
-        if (!text.empty()) std::printf("--- printed ---\n%s--- end ---\n", text.c_str());
-    }
-};
-
-const bool installed = [] {
-    auto &listeners = testing::UnitTest::GetInstance()->listeners();
-    testing::TestEventListener *printer = listeners.Release(listeners.default_result_printer());
-    listeners.Append(new BeforePrinter);
-    if (printer) listeners.Append(printer);
-    listeners.Append(new AfterPrinter);
-    return true;
-}();
 
 bool is_digit(char c)
 {
@@ -143,6 +94,20 @@ std::string without_line_end(const std::string &line)
 
 } // namespace
 
+void pause_capture()
+{
+    if (real_stdout < 0) return;
+    std::fflush(stdout);
+    dup2(real_stdout, STDOUT_FILENO);
+}
+
+void resume_capture()
+{
+    if (real_stdout < 0) return;
+    std::fflush(stdout);
+    dup2(capture_file, STDOUT_FILENO);
+}
+
 void start_capture()
 {
     std::fflush(stdout);
@@ -200,39 +165,37 @@ unsigned times_printed(const std::string &line)
     return times;
 }
 
-testing::AssertionResult printed(const std::string &line)
+Finding printed(const std::string &line)
 {
-    if (times_printed(line) > 0) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "not printed: |" << line << "\nprinted:\n" << all_lines();
+    if (times_printed(line) > 0) return {true, ""};
+    return {false, "not printed: |" + line + "\nprinted:\n" + all_lines()};
 }
 
-testing::AssertionResult not_printed(const std::string &line)
+Finding not_printed(const std::string &line)
 {
-    if (times_printed(line) == 0) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "printed although it should not be: |" << line;
+    if (times_printed(line) == 0) return {true, ""};
+    return {false, "printed although it should not be: |" + line};
 }
 
-testing::AssertionResult printed_as_error(const std::string &source, const std::string &line)
+Finding printed_as_error(const std::string &source, const std::string &line)
 {
     std::string wanted = "[" + source + "]-#: " + without_line_end(line);
     for (const std::string &have : printed_lines())
-        if (fits(wanted.c_str(), have.c_str())) return testing::AssertionSuccess();
-    return testing::AssertionFailure() << "not printed: |" << wanted << "\nprinted:\n" << all_lines();
+        if (fits(wanted.c_str(), have.c_str())) return {true, ""};
+    return {false, "not printed: |" + wanted + "\nprinted:\n" + all_lines()};
 }
 
-testing::AssertionResult printed_without_prefix(const std::string &line)
+Finding printed_without_prefix(const std::string &line)
 {
     std::string wanted = without_line_end(line);
     unsigned bare = 0;
     for (const std::string &have : printed_lines())
         bare += fits(wanted.c_str(), have.c_str());
-    if (bare > 0 && bare == times_printed(line)) return testing::AssertionSuccess();
-    return testing::AssertionFailure()
-           << "not printed, or printed behind a prefix: |" << line << "\nprinted:\n"
-           << all_lines();
+    if (bare > 0 && bare == times_printed(line)) return {true, ""};
+    return {false, "not printed, or printed behind a prefix: |" + line + "\nprinted:\n" + all_lines()};
 }
 
-testing::AssertionResult printed_in_order(const std::string &lines)
+Finding printed_in_order(const std::string &lines)
 {
     std::vector<std::string> have = printed_lines();
     size_t at = 0;
@@ -243,12 +206,10 @@ testing::AssertionResult printed_in_order(const std::string &lines)
         while (at < have.size() && !line_fits(wanted, without_leading_blanks(have[at])))
             ++at;
         if (at == have.size())
-            return testing::AssertionFailure()
-                   << "not printed, or out of order: |" << wanted << "\nprinted:\n"
-                   << all_lines();
+            return {false, "not printed, or out of order: |" + wanted + "\nprinted:\n" + all_lines()};
         ++at;
     }
-    return testing::AssertionSuccess();
+    return {true, ""};
 }
 
 } // namespace recording

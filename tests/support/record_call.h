@@ -41,23 +41,39 @@ template <class T> Args::Argument argument_of(T argument)
         return {static_cast<int64_t>(argument), nullptr};
 }
 
-/** Record a call of the media interface; `effect` runs, under the lock, when it is to succeed. */
-template <class Effect, class... Arguments>
-int32_t record_call(const char *name, Effect effect, Arguments... arguments)
+/**
+ * Record a call of the media interface. `refusal` says, under the lock, what a strict platform
+ * refuses it with, if no script answers; `effect` runs, under the lock, when it is to succeed.
+ */
+template <class Refusal, class Effect, class... Arguments>
+int32_t record_refusable_call(const char *name, Refusal refusal, Effect effect, Arguments... arguments)
 {
     std::string text;
     (append_argument(text, arguments), ...);
     Platform::Verdict verdict = platform.record(name, text);
     Args args(std::vector<Args::Argument>{argument_of(arguments)...});
-    args.result = verdict.value.value_or(MI_SUCCESS);
-    if (args.result == MI_SUCCESS) {
+    if (verdict.seer) verdict.seer(args);
+    {
         std::lock_guard lock(platform.mutex);
-        effect(platform.media);
+        if (verdict.value)
+            args.result = *verdict.value;
+        else if (platform.is_strict())
+            args.result = refusal(platform.media);
+        if (args.result == MI_SUCCESS) effect(platform.media);
     }
     if (verdict.filler) verdict.filler(args);
     return args.result;
 }
 
+/** A call that is never refused. */
+template <class Effect, class... Arguments>
+int32_t record_call(const char *name, Effect effect, Arguments... arguments)
+{
+    return record_refusable_call(
+        name, [](const MediaState &) { return MI_SUCCESS; }, effect, arguments...);
+}
+
+/** A call that is never refused and changes nothing. */
 template <class... Arguments> int32_t record_plain_call(const char *name, Arguments... arguments)
 {
     return record_call(

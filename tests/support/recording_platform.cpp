@@ -70,6 +70,12 @@ Script &Script::returns(int64_t value)
     return *this;
 }
 
+Script &Script::sees(Filler filler)
+{
+    seer_ = std::move(filler);
+    return *this;
+}
+
 Script &Script::fills(Filler filler)
 {
     filler_ = std::move(filler);
@@ -132,11 +138,12 @@ Platform::Verdict Platform::record(const std::string &name, const std::string &a
     for (Script &script : scripts_) { // every fitting script counts the call; the youngest answers
         if (!script.fits(name, arguments)) continue;
         if (script.value_) verdict.value = script.value_;
+        if (script.seer_) verdict.seer = script.seer_;
         if (script.filler_) verdict.filler = script.filler_;
     }
     if (fail_in_ > 0 && can_fail(name) && --fail_in_ == 0) {
         failed_call_ = line_of({name, arguments});
-        verdict = {name.compare(0, 3, "MI_") == 0 ? fail_code_ : -1, {}};
+        verdict = {name.compare(0, 3, "MI_") == 0 ? fail_code_ : -1, {}, {}};
     }
     return verdict;
 }
@@ -209,6 +216,9 @@ void Platform::reset()
     media = {};
     descriptors.clear();
     queued_reads.clear();
+    waiting_nodes.clear();
+    reads_moved.notify_all();
+    strict_ = true;
     for (auto &mapping : mappings)
         std::free(mapping.first);
     mappings.clear();
@@ -288,6 +298,62 @@ std::string Platform::node_name(int descriptor)
     std::lock_guard lock(mutex);
     auto open = descriptors.find(descriptor);
     return open == descriptors.end() ? std::to_string(descriptor) : open->second;
+}
+
+bool Platform::is_open(int descriptor)
+{
+    std::lock_guard lock(mutex);
+    return descriptors.count(descriptor) != 0;
+}
+
+std::optional<std::vector<uint8_t>> Platform::next_read(const std::string &path)
+{
+    std::unique_lock lock(mutex);
+    struct Wait { // left by going on and by being cancelled alike
+        explicit Wait(unsigned &readers) : count(++readers) {}
+        ~Wait() { --count; }
+        unsigned &count;
+    };
+    if (waiting_nodes.count(path) != 0 && queued_reads[path].empty()) {
+        Wait wait(waiting_readers[path]);
+        reads_moved.notify_all();
+        reads_moved.wait(lock, [&] { return waiting_nodes.count(path) == 0 || !queued_reads[path].empty(); });
+    }
+    auto &queue = queued_reads[path];
+    if (queue.empty()) return std::vector<uint8_t>();
+    auto bytes = std::move(queue.front());
+    queue.pop_front();
+    return bytes;
+}
+
+void Platform::be_lenient()
+{
+    std::lock_guard lock(mutex);
+    strict_ = false;
+}
+
+bool Platform::is_strict()
+{
+    std::lock_guard lock(mutex);
+    return strict_;
+}
+
+void Platform::have_decoders(uint32_t count)
+{
+    std::lock_guard lock(mutex);
+    for (uint32_t channel = 0; channel < count; ++channel) {
+        media.decoders.create(channel);
+        media.decoders.start(channel, true);
+    }
+}
+
+void Platform::have_bindings(uint32_t count)
+{
+    std::lock_guard lock(mutex);
+    for (uint32_t channel = 0; channel < count; ++channel) {
+        const MI_SYS_ChnPort source = {MI_MODULE_VDEC, 0, channel, 0}, sink = {MI_MODULE_DISP, 0, channel, 0};
+        media.bind(&source, &sink);
+    }
 }
 
 std::string Platform::describe_argument(unsigned long request, const void *argument)

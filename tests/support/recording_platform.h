@@ -6,13 +6,20 @@
  * records that the platform only fills in are left out. Unscripted calls succeed, getters answer
  * what was set last. Time is stepped and nothing ever sleeps for real.
  *
- * Every test begins with a fresh platform. All members are safe from any thread.
+ * The platform refuses what a real one refuses: requests, reads and mappings on a descriptor that is
+ * not open; and unless a test asks for lenience, calls on channels that were not created, a channel
+ * created twice, a binding that is not there. A scripted result wins over a refusal. Memory that it
+ * hands out is filled with kHandedOutByte wherever the platform does not write something itself.
+ *
+ * It needs no test framework: a program links recording_platform and runs. For GoogleTest,
+ * recording_expect.h begins every test with a fresh platform. All members are safe from any thread.
  */
 #pragma once
 
 #include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <deque>
 #include <functional>
 #include <map>
@@ -31,6 +38,15 @@
 
 namespace recording
 {
+
+/** What memory holds that the platform hands out and did not write. */
+constexpr uint8_t kHandedOutByte = 0xC7;
+
+/** Write kHandedOutByte over a record before the fields that the platform knows are filled in. */
+template <class T> void fill_with_pattern(T &record)
+{
+    std::memset(static_cast<void *>(&record), kHandedOutByte, sizeof record);
+}
 
 /** What a filler sees of a call: the C arguments by position, and the result to be. */
 class Args
@@ -73,6 +89,8 @@ public:
     /** Only the next call. */
     Script &once() { return nth(1); }
     Script &returns(int64_t value);
+    /** Run before the default answer is given: sees what the library handed over. */
+    Script &sees(Filler filler);
     /** Run after the default answer has been given; may change out-records and the result. */
     Script &fills(Filler filler);
 
@@ -83,7 +101,7 @@ private:
     std::string name_, arguments_;
     unsigned first_ = 1, last_ = UINT32_MAX, seen_ = 0;
     std::optional<int32_t> value_;
-    Filler filler_;
+    Filler seer_, filler_;
 };
 
 /** How a driver request's argument is shown in the recording; empty shows nothing. */
@@ -101,6 +119,12 @@ public:
     /** Queue what one read gives; an unscripted read gives 0 bytes. */
     void reads(std::vector<uint8_t> bytes);
     void read_fails();
+    /** From now on a read waits while nothing is queued, as that of a real node may. */
+    void makes_reads_wait();
+    /** End the waiting: those that wait now read 0 bytes, later reads do not wait. */
+    void lets_readers_go();
+    /** Wait (for real, at most 10 s) until that many threads wait in a read. False: they do not. */
+    bool wait_for_readers(unsigned threads);
     /** Script the answer to one driver request. */
     Script &ioctl(unsigned long request);
     /** The memory last mapped from it and not yet unmapped; null and 0 when there is none. */
@@ -131,6 +155,19 @@ public:
 
     /** The call that fail_call made fail; empty while none did. */
     std::string failed_call();
+
+    /**
+     * Lenient: channels and bindings have no life. Every call on them succeeds, whether they were
+     * created or not. For tests of a single operation on a library that was never started.
+     */
+    void be_lenient();
+    bool is_strict();
+
+    /** Decoder channels 0 to count - 1 exist and run from now on, unrecorded: a library that started. */
+    void have_decoders(uint32_t count);
+    /** Decoder channel c feeds port c of display device 0 from now on, for c from 0 to count - 1, unrecorded.
+     */
+    void have_bindings(uint32_t count);
 
     /* The recording. */
 
@@ -168,12 +205,15 @@ public:
 
     struct Verdict {
         std::optional<int32_t> value;
-        Filler filler;
+        Filler seer, filler;
     };
     Verdict record(const std::string &name, const std::string &arguments);
     void keep_bytes(const std::string &name, const void *bytes, size_t size);
     void sleep_us(uint32_t microseconds);
     std::string node_name(int descriptor);
+    bool is_open(int descriptor);
+    /** What a read of the node gives next; nothing = it fails. Waits if the node makes reads wait. */
+    std::optional<std::vector<uint8_t>> next_read(const std::string &path);
     std::string describe_argument(unsigned long request, const void *argument);
 
     struct Mapping {
@@ -184,6 +224,9 @@ public:
     MediaState media;
     std::map<int, std::string> descriptors;
     std::map<std::string, std::deque<std::optional<std::vector<uint8_t>>>> queued_reads;
+    std::set<std::string> waiting_nodes;             // their reads wait while nothing is queued
+    std::map<std::string, unsigned> waiting_readers; // how many threads wait in a read
+    std::condition_variable_any reads_moved;         // a read was queued, begun or let go
     std::map<void *, Mapping> mappings;
     int next_descriptor = 3;
 
@@ -201,6 +244,7 @@ private:
     int64_t now_us_ = 0;
     std::multiset<int64_t> sleep_ends_us_; // of the threads that sleep
     bool all_sleeps_advance_ = false;
+    bool strict_ = true;
     std::thread::id test_thread_ = std::this_thread::get_id();
 };
 

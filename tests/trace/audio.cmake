@@ -1,5 +1,5 @@
 set(audio_trace_sources start decoder use volume stubs failure_sweep)
 list(TRANSFORM audio_trace_sources PREPEND ${CMAKE_CURRENT_LIST_DIR}/audio_)
 list(TRANSFORM audio_trace_sources APPEND _test.cpp)
-nvrhal_test(trace_audio ${audio_trace_sources} LIBS nvrhal_objects recording_platform LABEL trace TIMEOUT 120)
+nvrhal_test(trace_audio ${audio_trace_sources} LIBS nvrhal_objects recording_gtest LABEL trace TIMEOUT 120)
 target_include_directories(trace_audio PRIVATE ${PROJECT_SOURCE_DIR}/src)

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 namespace audio_test
 {

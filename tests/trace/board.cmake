@@ -5,7 +5,7 @@ nvrhal_test(trace_board
   ${CMAKE_CURRENT_LIST_DIR}/board_rtc_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/board_watchdog_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/board_thread_refusal.cpp
-  LIBS nvrhal_objects recording_platform
+  LIBS nvrhal_objects recording_gtest
   LABEL trace)
 target_include_directories(trace_board PRIVATE ${PROJECT_SOURCE_DIR}/src)
 target_link_options(trace_board PRIVATE

@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 using recording::platform;
 

@@ -6,7 +6,7 @@
 #include "board_thread_refusal.h"
 #include "core/shared_word.h"
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 #include "watchdog_driver.h"
 
 using recording::platform;

@@ -3,5 +3,5 @@ set(core_trace_sources
   decoder_channel binding failure_sweep)
 list(TRANSFORM core_trace_sources PREPEND ${CMAKE_CURRENT_LIST_DIR}/core_)
 list(TRANSFORM core_trace_sources APPEND _test.cpp)
-nvrhal_test(trace_core ${core_trace_sources} LIBS nvrhal_objects recording_platform LABEL trace TIMEOUT 300)
+nvrhal_test(trace_core ${core_trace_sources} LIBS nvrhal_objects recording_gtest LABEL trace TIMEOUT 300)
 target_include_directories(trace_core PRIVATE ${PROJECT_SOURCE_DIR}/src)

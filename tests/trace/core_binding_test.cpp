@@ -2,7 +2,7 @@
 #include <string>
 
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 using recording::platform;
 using recording::trace;
@@ -14,6 +14,7 @@ constexpr int32_t kRefused = static_cast<int32_t>(0xA0010005);
 
 TEST(BindPort, ConnectsAChannelToAPortOfTheDevice)
 {
+    platform.have_decoders(6);
     EXPECT_EQ(vo_bind_vpss(0, 3, 5, 99), 0);
     EXPECT_EQ(vo_bind_vpss(2, 0, 1, 0), 0);
     EXPECT_EQ(vo_bind_vpss(-1, 0, 1, 0), 0);
@@ -34,6 +35,9 @@ TEST(BindPort, SaysWhatFailed)
 
 TEST(UnbindPort, DisconnectsWhatBindConnected)
 {
+    platform.have_decoders(6);
+    ASSERT_EQ(vo_bind_vpss(2, 3, 5, 99), 0);
+    platform.forget();
     EXPECT_EQ(vo_unbind_vpss(2, 3, 5, 99), 0);
     EXPECT_EQ(platform.calls(), "MI_SYS_UnBindChnPort {vdec,2,5,0} {disp,2,3,0}");
     EXPECT_PRINTED_WITHOUT_PREFIX("unbind vpss success! ");
@@ -49,6 +53,7 @@ TEST(UnbindPort, SaysWhatFailed)
 
 TEST(BindAll, ConnectsChannelsAndPortsOfTheSameNumber)
 {
+    platform.have_decoders(6);
     EXPECT_EQ(vdec_bind_vpss(2), 0);
     EXPECT_EQ(platform.calls(), trace(R"(
         MI_SYS_BindChnPort {vdec,0,0,0} {disp,0,0,0} 15 15
@@ -58,6 +63,7 @@ TEST(BindAll, ConnectsChannelsAndPortsOfTheSameNumber)
 
 TEST(BindAll, StopsAtTheFirstFailure)
 {
+    platform.have_decoders(6);
     platform.script("MI_SYS_BindChnPort").nth(2).returns(kRefused);
     EXPECT_EQ(vdec_bind_vpss(4), -1);
     EXPECT_EQ(platform.count("MI_SYS_BindChnPort"), 2u);
@@ -73,6 +79,12 @@ TEST(BindAll, OfNothingSucceeds)
 
 TEST(UnbindDecoder, NamesChannelAndPort)
 {
+    platform.have_decoders(5);
+    const MI_SYS_ChnPort first = {MI_MODULE_VDEC, 0, 4, 0}, second = {MI_MODULE_VDEC, 0, 4, 1};
+    const MI_SYS_ChnPort port_7 = {MI_MODULE_DISP, 0, 7, 0}, port_9 = {MI_MODULE_DISP, 0, 9, 0};
+    ASSERT_EQ(MI_SYS_BindChnPort(&first, &port_7, 15, 15), 0);
+    ASSERT_EQ(MI_SYS_BindChnPort(&second, &port_9, 15, 15), 0);
+    platform.forget();
     EXPECT_EQ(vdec_unbind_vpss(4, 7), 0);
     EXPECT_EQ(vdec_unbind_vo(4, 1, 9), 0);
     EXPECT_EQ(platform.calls(), trace(R"(
@@ -92,6 +104,7 @@ TEST(UnbindDecoder, SaysWhatFailed)
 
 TEST(UnbindWhateverFeedsAPort, PassesTheResultOn)
 {
+    platform.script("MI_SYS_UnBindChnPort").nth(1).returns(0); // it knows what an empty source means
     platform.script("MI_SYS_UnBindChnPort").nth(2).returns(kRefused);
     EXPECT_EQ(vo_unbind_vi(2, 6), 0);
     EXPECT_EQ(platform.calls(), "MI_SYS_UnBindChnPort {0,0,0,0} {disp,2,6,0}");

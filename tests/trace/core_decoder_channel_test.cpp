@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 using recording::platform;
 using recording::trace;
@@ -14,6 +14,7 @@ constexpr int32_t kRefused = static_cast<int32_t>(0xA0080009);
 
 TEST(RecreateDecoder, MapsTheCodecCode)
 {
+    platform.have_decoders(4);
     for (uint32_t code : {0u, 1u, 2u, 5u, UINT32_MAX}) {
         SCOPED_TRACE(code);
         platform.forget();
@@ -28,6 +29,7 @@ TEST(RecreateDecoder, MapsTheCodecCode)
 
 TEST(RecreateDecoder, ReturnsTheFirstFailure)
 {
+    platform.have_decoders(4);
     platform.script("MI_VDEC_StopChn").once().returns(kRefused);
     EXPECT_EQ(vdec_recreate(3, 1), kRefused);
     EXPECT_EQ(platform.calls(), "MI_VDEC_StopChn 3");
@@ -59,12 +61,14 @@ TEST(CreateOneDecoder, HasTheScreensSizeAndNoOutputSizeOfItsOwn)
 
 TEST(ResetDecoder, StopsAndStarts)
 {
+    platform.have_decoders(6);
     EXPECT_EQ(vdec_resetchn(5), 0);
     EXPECT_EQ(platform.calls(), "MI_VDEC_StopChn 5\nMI_VDEC_StartChn 5");
 }
 
 TEST(ResetDecoder, StartsEvenWhenTheStopFails)
 {
+    platform.have_decoders(6);
     platform.script("MI_VDEC_StopChn").once().returns(kRefused);
     EXPECT_EQ(vdec_resetchn(5), 0);
     EXPECT_EQ(platform.count("MI_VDEC_StartChn"), 1u);
@@ -76,6 +80,7 @@ TEST(ResetDecoder, StartsEvenWhenTheStopFails)
 
 TEST(ResetDecoder, ResetsAllCamerasButNotTheSpareChannel)
 {
+    platform.have_decoders(6);
     g_vi_chn_num = 3;
     platform.script("MI_VDEC_StopChn").nth(1).returns(kRefused);
     platform.script("MI_VDEC_StartChn").nth(2).returns(kRefused);
@@ -94,6 +99,7 @@ TEST(ResetDecoder, ResetsAllCamerasButNotTheSpareChannel)
 
 TEST(StopDecoder, StopsOneOrAllCameras)
 {
+    platform.have_decoders(6);
     EXPECT_EQ(vdec_stopdecrecv(4), 0);
     EXPECT_EQ(platform.calls(), "MI_VDEC_StopChn 4");
     platform.forget();
@@ -113,6 +119,7 @@ TEST(DestroyDecoder, WithoutWaitingStopsAndDestroys)
 {
     for (int32_t wait : {0, 2, -1}) {
         platform.forget();
+        platform.have_decoders(3);
         EXPECT_EQ(vdec_wait_destroy_chn(2, wait, 0), 0);
         EXPECT_EQ(platform.calls(), "MI_VDEC_StopChn 2\nMI_VDEC_DestroyChn 2");
     }
@@ -120,6 +127,7 @@ TEST(DestroyDecoder, WithoutWaitingStopsAndDestroys)
 
 TEST(DestroyDecoder, DrainsFirstWhenAskedTo)
 {
+    platform.have_decoders(3);
     const std::vector<MI_VDEC_ChnStat> states = {{900, 2, 3}, {0, 0, 1}, {0, 0, 0}};
     size_t asked = 0;
     platform.script("MI_VDEC_GetChnStat").fills([&](recording::Args &args) {
@@ -143,6 +151,7 @@ TEST(DestroyDecoder, DrainsFirstWhenAskedTo)
 
 TEST(DestroyDecoder, WaitsForTheStreamAsWellAsForThePictures)
 {
+    platform.have_decoders(3);
     const std::vector<MI_VDEC_ChnStat> states = {{500, 1, 0}, {0, 0, 0}};
     size_t asked = 0;
     platform.script("MI_VDEC_GetChnStat").fills([&](recording::Args &args) {
@@ -154,6 +163,7 @@ TEST(DestroyDecoder, WaitsForTheStreamAsWellAsForThePictures)
 
 TEST(DestroyDecoder, WaitsWithoutALimit)
 {
+    platform.have_decoders(3);
     unsigned rounds = 0;
     platform.script("MI_VDEC_GetChnStat").fills([&](recording::Args &args) {
         args.record<MI_VDEC_ChnStat>(1).left_pictures = ++rounds < 5000 ? 1 : 0;
@@ -165,6 +175,7 @@ TEST(DestroyDecoder, WaitsWithoutALimit)
 
 TEST(DestroyDecoder, StopsAtItsFirstFailure)
 {
+    platform.have_decoders(3);
     platform.script("MI_VDEC_StopChn").once().returns(kRefused);
     EXPECT_NE(vdec_wait_destroy_chn(2, 1, 0), 0);
     EXPECT_EQ(platform.calls(), "MI_VDEC_StopChn 2");
@@ -182,6 +193,7 @@ TEST(DestroyDecoder, StopsAtItsFirstFailure)
 
 TEST(FeedDecoder, SendsWithTwentyMilliseconds)
 {
+    platform.have_decoders(3);
     const uint8_t bytes[] = {0, 0, 0, 1, 0x65};
     MI_VDEC_Stream stream = {bytes, sizeof bytes, 77, 0, 0};
     EXPECT_EQ(vdec_send_stream(2, &stream), 0);
@@ -190,6 +202,7 @@ TEST(FeedDecoder, SendsWithTwentyMilliseconds)
 
 TEST(FeedDecoder, ResetsTheChannelWhenASendFails)
 {
+    platform.have_decoders(3);
     const uint8_t bytes[] = {1};
     MI_VDEC_Stream stream = {bytes, sizeof bytes, 77, 0, 0};
     platform.script("MI_VDEC_SendStream").returns(0xA008000F);

@@ -3,7 +3,7 @@
 
 #include "core/output_timing.h"
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 using recording::platform;
 using recording::trace;
@@ -47,7 +47,8 @@ TEST(CreateDecoders, SizesTheOutputByTheGridOfTheCount)
     };
     for (const GridRow &row : kRows) {
         SCOPED_TRACE(row.count);
-        platform.forget();
+        platform.reset();
+        recording::forget_printed();
         g_vi_chn_num = row.count - 1;
         EXPECT_EQ(vdec_create(1, row.count), 0);
         EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), static_cast<unsigned>(row.count));
@@ -145,7 +146,7 @@ TEST(CreateDecoders, KeepsTheSizeOfTheLastKnownTiming)
 {
     enNorm_vga = 1;
     ASSERT_EQ(vdec_create(1, 1), 0);
-    platform.forget();
+    platform.reset();
     enNorm_vga = 99;
     EXPECT_EQ(vdec_create(1, 1), 0);
     EXPECT_EQ(platform.count("MI_VDEC_SetOutputPortAttr 0 {1280x720}"), 1u);
@@ -166,7 +167,7 @@ TEST(OpenDecoder, SizesTheStreamBufferByThePicture)
     };
     for (const BufferRow &row : kRows) {
         SCOPED_TRACE(std::to_string(row.width) + "x" + std::to_string(row.height));
-        platform.forget();
+        platform.reset();
         EXPECT_EQ(vdec_open_chn(7, &row.width, &row.height, 0, 1), 0);
         EXPECT_EQ(platform.calls(), "MI_VDEC_CreateChn 7 {h264 buffer " + std::to_string(row.buffer) +
                                         " priority 0 max " + std::to_string(row.width) + "x" +
@@ -182,6 +183,24 @@ TEST(OpenDecoder, KeepsNoReferencesForJpeg)
     EXPECT_EQ(
         platform.calls({"MI_VDEC_CreateChn"}),
         "MI_VDEC_CreateChn 1 {jpeg buffer 524288 priority 0 max 704x576 mode 0 references 0 buffers 0}");
+}
+
+TEST(OpenDecoder, TakesTheVideoModeAsItIsGivenForEveryCodec)
+{
+    uint16_t width = 704, height = 576;
+    constexpr const char *kCodecs[] = {"h264", "h265", "jpeg"};
+    for (uint32_t codec : {0u, 1u, 2u}) {
+        for (uint32_t mode : {0u, 1u}) {
+            SCOPED_TRACE(std::string(kCodecs[codec]) + " in mode " + std::to_string(mode));
+            platform.reset();
+            EXPECT_EQ(vdec_open_chn(1, &width, &height, codec, mode), 0);
+            const std::string frames = codec == 2 ? "0" : "2";
+            EXPECT_EQ(platform.calls({"MI_VDEC_CreateChn"}),
+                      std::string("MI_VDEC_CreateChn 1 {") + kCodecs[codec] +
+                          " buffer 524288 priority 0 max 704x576 mode " + std::to_string(mode) +
+                          " references " + frames + " buffers " + frames + "}");
+        }
+    }
 }
 
 TEST(OpenDecoder, PassesThePlatformsCodeThrough)

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 using recording::platform;
 using recording::trace;

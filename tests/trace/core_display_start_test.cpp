@@ -2,7 +2,7 @@
 #include <string>
 
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 using recording::platform;
 using recording::trace;
@@ -66,6 +66,19 @@ TEST(VoStart, DrivesHdmiOnlyForTheWidestGui)
     EXPECT_EQ(platform.count("MI_DISP_SetPubAttr 0 {background 0x0 interface 5 timing 8 rate 0}"), 1u);
     EXPECT_EQ(platform.count("MI_DISP_SetVideoLayerAttr 0 {window 0,0 1280x720 size 1280x720 format 11}"),
               1u);
+}
+
+TEST(VoStart, DrivesVgaTooForEveryOtherGui)
+{
+    for (int32_t width : {2559, 2561, 3840, INT32_MAX, 0, -2560}) {
+        recording::Outcome outcome = recording::in_fresh_process([width]() -> int64_t {
+            enNorm_vga = 8;
+            DdvrInputParam.gui_width = width;
+            if (vo_start(0, 0, 30, 11, 1) != 0) return -1;
+            return platform.count("MI_DISP_SetPubAttr 0 {background 0x0 interface 7 timing 8 rate 0}");
+        });
+        EXPECT_EQ(outcome.result, 1) << width << " pixels; " << outcome.death;
+    }
 }
 
 TEST(VoStart, FailsForATimingCodeThatIsNoOutputValue)

@@ -2,7 +2,7 @@
 #include <string>
 
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 using recording::platform;
 using recording::trace;
@@ -107,6 +107,7 @@ TEST(StartDisplay, UsesTheLastKnownTimingForAnUnknownCode)
 TEST(StartDisplay, BringsAPortUpInOrder)
 {
     enNorm_vga = 4;
+    platform.have_decoders(1);
     platform.script("MI_VDEC_GetOutputPortAttr").fills([](recording::Args &args) {
         args.record<MI_VDEC_OutputPortAttr>(1) = {704, 576};
     });

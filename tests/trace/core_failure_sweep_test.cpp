@@ -113,14 +113,19 @@ TEST(FailureSweep, SecondGuiStart)
 
 TEST(FailureSweep, Quit)
 {
-    unsigned failures =
-        sweep::fail_every_call([] { g_vi_chn_num = 4; }, []() -> int64_t { return ext_device_quit(); },
-                               [](const Undisturbed &run, size_t index) -> Expectation {
-                                   bool clear = run.names[index] == "MI_DISP_ClearInputPortBuffer";
-                                   std::string text = clear ? "    MI_VDEC_ReleaseUserData exe error ["
-                                                            : "failed with 0x" + kFailureText;
-                                   return {0, run.from(index + 1), {text}, false};
-                               });
+    unsigned failures = sweep::fail_every_call(
+        [] {
+            g_vi_chn_num = 4;
+            recording::platform.have_decoders(5);
+            recording::platform.have_bindings(4);
+        },
+        []() -> int64_t { return ext_device_quit(); },
+        [](const Undisturbed &run, size_t index) -> Expectation {
+            bool clear = run.names[index] == "MI_DISP_ClearInputPortBuffer";
+            std::string text =
+                clear ? "    MI_VDEC_ReleaseUserData exe error [" : "failed with 0x" + kFailureText;
+            return {0, run.from(index + 1), {text}, false};
+        });
     EXPECT_EQ(failures, 8u);
 }
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 namespace sweep
 {

@@ -6,7 +6,7 @@
 
 #include "ad_driver.h"
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 using recording::platform;
 using recording::trace;

@@ -3,5 +3,5 @@ nvrhal_test(trace_gui
   ${CMAKE_CURRENT_LIST_DIR}/gui_init_failure_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/gui_surface_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/gui_draw_test.cpp
-  LIBS nvrhal_objects recording_platform
+  LIBS nvrhal_objects recording_gtest
   LABEL trace)

@@ -8,7 +8,7 @@
 
 #include "fb_driver.h"
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 namespace gui_test
 {

@@ -15,7 +15,7 @@
 
 #include "input/key_state.h"
 #include "ir_driver.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 namespace input_test
 {

@@ -1,7 +1,7 @@
 /* media_call_count.h - the number of platform calls, where the calls themselves stand elsewhere. */
 #pragma once
 
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 namespace recording
 {

@@ -1,4 +1,4 @@
 nvrhal_test(trace_output
   ${CMAKE_CURRENT_LIST_DIR}/output_device_test.cpp
-  LIBS nvrhal_objects recording_platform
+  LIBS nvrhal_objects recording_gtest
   LABEL trace)

@@ -4,7 +4,7 @@
 #include "ad_driver.h"
 #include "gui_screen.h"
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 using recording::platform;
 using recording::trace;
@@ -110,6 +110,7 @@ TEST(OutputSwitch, GoesOnWhenTheFurtherOutputFails)
 {
     globalVoDev = 2;
     g_vi_chn_num = 2;
+    platform.have_decoders(3);
     platform.script("MI_DISP_DisableInputPort").returns(-5);
     platform.script("MI_SYS_BindChnPort").nth(1).returns(-6);
     EXPECT_EQ(change_device(1, 1024, 768), 0);
@@ -262,6 +263,7 @@ TEST(PortBuffers, CreateKnowsTheOnlyChannelAndNoneWithoutChannels)
 
 TEST(RecordOutput, BindsAndUnbindsDeviceTwo)
 {
+    platform.have_decoders(4);
     EXPECT_EQ(ext_record_enable(3, 1), 0);
     EXPECT_EQ(ext_record_enable(3, 0), 0);
     EXPECT_EQ(platform.calls(), trace(R"(

@@ -4,7 +4,7 @@
 #include "core/device_state.h"
 #include "media_call_count.h"
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 using recording::platform;
 using recording::trace;

@@ -1,5 +1,5 @@
 set(playback_trace_sources switch drain buffer failure_sweep)
 list(TRANSFORM playback_trace_sources PREPEND ${CMAKE_CURRENT_LIST_DIR}/playback_)
 list(TRANSFORM playback_trace_sources APPEND _test.cpp)
-nvrhal_test(trace_playback ${playback_trace_sources} LIBS nvrhal_objects recording_platform LABEL trace TIMEOUT 300)
+nvrhal_test(trace_playback ${playback_trace_sources} LIBS nvrhal_objects recording_gtest LABEL trace TIMEOUT 300)
 target_include_directories(trace_playback PRIVATE ${PROJECT_SOURCE_DIR}/src)

@@ -13,6 +13,10 @@ using recording::trace;
 namespace
 {
 
+class PlaybackSetBuf : public RunningDecoders
+{
+};
+
 constexpr int32_t kRefused = static_cast<int32_t>(0xA00F0003);
 constexpr uint32_t kBufferBytes = NVRHAL_MAX_SEND_BYTES;
 
@@ -57,13 +61,13 @@ TEST(PlaybackGetBuf, HandsOutTheOneBuffer)
     EXPECT_EQ(ext_playback_get_buf(nullptr), -1);
 }
 
-TEST(PlaybackSetBuf, RefusesNull)
+TEST_F(PlaybackSetBuf, RefusesNull)
 {
     EXPECT_EQ(ext_playback_set_buf(nullptr), -1);
     EXPECT_EQ(platform.calls(), "");
 }
 
-TEST(PlaybackSetBuf, ABadLengthIsTheFlushSignalWhateverTheKind)
+TEST_F(PlaybackSetBuf, ABadLengthIsTheFlushSignalWhateverTheKind)
 {
     std::vector<uint8_t> bytes(8);
     globalVoDev = 2;
@@ -77,7 +81,7 @@ TEST(PlaybackSetBuf, ABadLengthIsTheFlushSignalWhateverTheKind)
         }
 }
 
-TEST(PlaybackSetBuf, AFlushThatFailsIsSaid)
+TEST_F(PlaybackSetBuf, AFlushThatFailsIsSaid)
 {
     std::vector<uint8_t> bytes;
     platform.script("MI_DISP_ClearInputPortBuffer").returns(kRefused);
@@ -89,7 +93,7 @@ TEST(PlaybackSetBuf, AFlushThatFailsIsSaid)
     }
 }
 
-TEST(PlaybackSetBuf, SendsVideoToItsDecoder)
+TEST_F(PlaybackSetBuf, SendsVideoToItsDecoder)
 {
     std::vector<uint8_t> bytes = {9, 8, 7, 6, 5};
     FrameInfo rec = video_of(7, bytes);
@@ -101,7 +105,7 @@ TEST(PlaybackSetBuf, SendsVideoToItsDecoder)
     EXPECT_EQ(platform.bytes_sent("MI_VDEC_SendStream").at(0), bytes);
 }
 
-TEST(PlaybackSetBuf, TakesTheLongestBuffer)
+TEST_F(PlaybackSetBuf, TakesTheLongestBuffer)
 {
     std::vector<uint8_t> bytes(kBufferBytes);
     FrameInfo rec = video_of(0, bytes);
@@ -109,7 +113,7 @@ TEST(PlaybackSetBuf, TakesTheLongestBuffer)
     EXPECT_EQ(platform.count("MI_VDEC_SendStream 0 {655360 bytes"), 1u);
 }
 
-TEST(PlaybackSetBuf, ASendThatFailsResetsTheDecoder)
+TEST_F(PlaybackSetBuf, ASendThatFailsResetsTheDecoder)
 {
     std::vector<uint8_t> bytes(5);
     platform.script("MI_VDEC_SendStream").returns(kRefused);
@@ -119,7 +123,7 @@ TEST(PlaybackSetBuf, ASendThatFailsResetsTheDecoder)
     EXPECT_EQ(platform.count("MI_VDEC_GetChnStat"), 0u);
 }
 
-TEST(PlaybackSetBuf, DropsVideoOfChannel8ButHasTouchedTheDisplayRate)
+TEST_F(PlaybackSetBuf, DropsVideoOfChannel8ButHasTouchedTheDisplayRate)
 {
     std::vector<uint8_t> bytes(5);
     give_device_0(30);
@@ -134,7 +138,7 @@ TEST(PlaybackSetBuf, DropsVideoOfChannel8ButHasTouchedTheDisplayRate)
     }
 }
 
-TEST(PlaybackSetBuf, ShowsDoubleRateAtTwiceTheStandardsRate)
+TEST_F(PlaybackSetBuf, ShowsDoubleRateAtTwiceTheStandardsRate)
 {
     std::vector<uint8_t> bytes(5);
     give_device_0(30);
@@ -144,7 +148,7 @@ TEST(PlaybackSetBuf, ShowsDoubleRateAtTwiceTheStandardsRate)
     EXPECT_EQ(platform.count("MI_DISP_SetPubAttr 0 {background 0x112233 interface 5 timing 8 rate 60}"), 1u);
 }
 
-TEST(PlaybackSetBuf, DoublesTheRateOfTheVideoStandard)
+TEST_F(PlaybackSetBuf, DoublesTheRateOfTheVideoStandard)
 {
     std::vector<uint8_t> bytes(5);
     const struct {
@@ -165,7 +169,7 @@ TEST(PlaybackSetBuf, DoublesTheRateOfTheVideoStandard)
 }
 
 /* Only negative results are failures; what a platform counts otherwise is not. */
-TEST(PlaybackSetBuf, SaysNothingOfPositiveResults)
+TEST_F(PlaybackSetBuf, SaysNothingOfPositiveResults)
 {
     std::vector<uint8_t> video(5), control = {1, 1, 0, 0, 0, 0, 0, 0};
     for (const int32_t result : {0, 5}) {
@@ -180,7 +184,7 @@ TEST(PlaybackSetBuf, SaysNothingOfPositiveResults)
     EXPECT_EQ(recording::printed_text(), "");
 }
 
-TEST(PlaybackSetBuf, DoublesTheRateOfARecordReadWithAPositiveResult)
+TEST_F(PlaybackSetBuf, DoublesTheRateOfARecordReadWithAPositiveResult)
 {
     std::vector<uint8_t> bytes(5);
     platform.script("MI_DISP_GetPubAttr").returns(5).fills([](recording::Args &call) {
@@ -192,7 +196,7 @@ TEST(PlaybackSetBuf, DoublesTheRateOfARecordReadWithAPositiveResult)
 }
 
 /* Once doubled, the display keeps its rate: no other mode writes it back. */
-TEST(PlaybackSetBuf, LeavesTheDisplayRateInEveryOtherMode)
+TEST_F(PlaybackSetBuf, LeavesTheDisplayRateInEveryOtherMode)
 {
     std::vector<uint8_t> bytes(5);
     give_device_0(60);
@@ -204,7 +208,7 @@ TEST(PlaybackSetBuf, LeavesTheDisplayRateInEveryOtherMode)
     EXPECT_EQ(platform.count("MI_DISP_SetPubAttr"), 0u);
 }
 
-TEST(PlaybackSetBuf, SetsTheRateOnAZeroedRecordWhenTheReadFailed)
+TEST_F(PlaybackSetBuf, SetsTheRateOnAZeroedRecordWhenTheReadFailed)
 {
     std::vector<uint8_t> bytes(5);
     give_device_0(30);
@@ -220,7 +224,7 @@ TEST(PlaybackSetBuf, SetsTheRateOnAZeroedRecordWhenTheReadFailed)
 }
 
 /* Without a write, the second message carries the code of the read. */
-TEST(PlaybackSetBuf, SaysTwiceThatTheReadFailedInOtherModes)
+TEST_F(PlaybackSetBuf, SaysTwiceThatTheReadFailedInOtherModes)
 {
     std::vector<uint8_t> bytes(5);
     platform.script("MI_DISP_GetPubAttr").returns(-9);
@@ -233,7 +237,7 @@ TEST(PlaybackSetBuf, SaysTwiceThatTheReadFailedInOtherModes)
     EXPECT_EQ(platform.count("MI_DISP_SetPubAttr"), 0u);
 }
 
-TEST(PlaybackSetBuf, SaysThatTheRateCouldNotBeWrittenAndSendsTheFrame)
+TEST_F(PlaybackSetBuf, SaysThatTheRateCouldNotBeWrittenAndSendsTheFrame)
 {
     std::vector<uint8_t> bytes(5);
     platform.script("MI_DISP_SetPubAttr").returns(-8);
@@ -243,7 +247,7 @@ TEST(PlaybackSetBuf, SaysThatTheRateCouldNotBeWrittenAndSendsTheFrame)
     EXPECT_EQ(platform.count("MI_VDEC_SendStream 0"), 1u);
 }
 
-TEST(PlaybackSetBuf, EightBytesMarkedOneOneClearThePort)
+TEST_F(PlaybackSetBuf, EightBytesMarkedOneOneClearThePort)
 {
     std::vector<uint8_t> bytes = {1, 1, 3, 4, 5, 6, 7, 8};
     globalVoDev = -1;
@@ -256,7 +260,7 @@ TEST(PlaybackSetBuf, EightBytesMarkedOneOneClearThePort)
 }
 
 /* The text names another call. */
-TEST(PlaybackSetBuf, AControlBufferReturnsZeroWhenTheClearFails)
+TEST_F(PlaybackSetBuf, AControlBufferReturnsZeroWhenTheClearFails)
 {
     std::vector<uint8_t> bytes = {1, 1, 0, 0, 0, 0, 0, 0};
     platform.script("MI_DISP_ClearInputPortBuffer").returns(-5);
@@ -265,7 +269,7 @@ TEST(PlaybackSetBuf, AControlBufferReturnsZeroWhenTheClearFails)
     EXPECT_PRINTED("File:vdec_venc.c,Line:#    MI_VDEC_ReleaseUserData exe error [-5]");
 }
 
-TEST(PlaybackSetBuf, OtherBytesAndLengthsAreVideo)
+TEST_F(PlaybackSetBuf, OtherBytesAndLengthsAreVideo)
 {
     std::vector<std::vector<uint8_t>> frames = {{1, 2, 0, 0, 0, 0, 0, 0},
                                                 {0, 1, 0, 0, 0, 0, 0, 0},
@@ -281,7 +285,7 @@ TEST(PlaybackSetBuf, OtherBytesAndLengthsAreVideo)
     }
 }
 
-TEST(PlaybackSetBuf, VideoWithoutAnAddressIsLeftToTheDecoderToRefuse)
+TEST_F(PlaybackSetBuf, VideoWithoutAnAddressIsLeftToTheDecoderToRefuse)
 {
     FrameInfo rec = {};
     rec.media = FRAME_MEDIA_VIDEO;
@@ -375,7 +379,7 @@ TEST(PlaybackAudio, WithoutAnAddressSendsNothing)
     EXPECT_EQ(platform.calls(), "");
 }
 
-TEST(PlaybackSetBuf, Kind0IsConsumedAndUnknownKindsAreRefused)
+TEST_F(PlaybackSetBuf, Kind0IsConsumedAndUnknownKindsAreRefused)
 {
     std::vector<uint8_t> bytes(100);
     FrameInfo none = frame_of(FRAME_MEDIA_NONE, 0, bytes);
@@ -388,7 +392,7 @@ TEST(PlaybackSetBuf, Kind0IsConsumedAndUnknownKindsAreRefused)
 }
 
 /* Buffers are taken whether or not playback owns the display. */
-TEST(PlaybackSetBuf, WorksInLiveViewToo)
+TEST_F(PlaybackSetBuf, WorksInLiveViewToo)
 {
     std::vector<uint8_t> bytes(100);
     playback_status = 0;

@@ -30,6 +30,7 @@ void expect_audio_words(uint32_t mode)
 TEST(PlaybackStart, RebindsEveryPortAndResetsEveryDecoder)
 {
     start_decoders(2);
+    platform.have_bindings(2);
     globalVoDev = 2;
     EXPECT_EQ(ext_playback_start(0x8000000A, 7), 0);
     EXPECT_EQ(platform.calls(), trace(R"(
@@ -118,6 +119,7 @@ TEST(PlaybackStart, GoesOnWhenTheSecondBindingFails)
 TEST(PlaybackStart, BindsNoDecoderThatWasNeverAskedFor)
 {
     start_decoders(1);
+    platform.have_decoders(3);
     g_vi_chn_num = 3;
     EXPECT_EQ(ext_playback_start(0, 0), 0);
     EXPECT_EQ(platform.count("MI_SYS_BindChnPort {vdec,0,0,0}"), 2u);
@@ -159,6 +161,7 @@ TEST(Playback, LiveFramesStayOutFromStartToExit)
 
 TEST(PlaybackExit, ResetsTheDecodersAndClearsEveryPortOfTheCurrentDevice)
 {
+    platform.have_decoders(2);
     g_vi_chn_num = 2;
     globalVoDev = -1;
     playback_status = 1;

@@ -14,6 +14,13 @@ namespace
 
 constexpr int32_t kRefused = static_cast<int32_t>(0xA0020010);
 
+/** Encoder 2 is there, as the pipeline leaves it. */
+class SnapshotFetch : public testing::Test
+{
+protected:
+    SnapshotFetch() { platform.media.encoders.create(2); }
+};
+
 /** Every stream from now on is one pack of these bytes. */
 void deliver(std::vector<uint8_t> &bytes, uint32_t offset = 0, uint32_t count = 1)
 {
@@ -27,7 +34,7 @@ void deliver(std::vector<uint8_t> &bytes, uint32_t offset = 0, uint32_t count = 
     });
 }
 
-TEST(SnapshotFetch, CopiesThePackWithWhatLiesBeforeItsOffset)
+TEST_F(SnapshotFetch, CopiesThePackWithWhatLiesBeforeItsOffset)
 {
     std::vector<uint8_t> bytes = {1, 2, 3, 4, 5, 6, 7};
     deliver(bytes, 3);
@@ -41,7 +48,7 @@ TEST(SnapshotFetch, CopiesThePackWithWhatLiesBeforeItsOffset)
     ext_release_jpeg_buf(&frame);
 }
 
-TEST(SnapshotFetch, NeverReadsMorePacksThanItHasRoomFor)
+TEST_F(SnapshotFetch, NeverReadsMorePacksThanItHasRoomFor)
 {
     std::vector<uint8_t> bytes = {1, 2, 3};
     for (uint32_t count : {2u, 1000u}) {
@@ -56,7 +63,7 @@ TEST(SnapshotFetch, NeverReadsMorePacksThanItHasRoomFor)
 }
 
 /* A failing encoder may have changed the descriptor: it is prepared anew for every attempt. */
-TEST(SnapshotFetch, OffersRoomForOnePackAtEveryAttempt)
+TEST_F(SnapshotFetch, OffersRoomForOnePackAtEveryAttempt)
 {
     std::vector<uint8_t> bytes = {1, 2, 3};
     deliver(bytes);
@@ -70,7 +77,7 @@ TEST(SnapshotFetch, OffersRoomForOnePackAtEveryAttempt)
 }
 
 /* Like an empty picture: the reset that follows drops the stream. */
-TEST(SnapshotFetch, FailsWithoutMemoryForThePicture)
+TEST_F(SnapshotFetch, FailsWithoutMemoryForThePicture)
 {
     std::vector<uint8_t> bytes = {1, 2, 3};
     deliver(bytes);
@@ -91,7 +98,7 @@ TEST(SnapshotFetch, FailsWithoutMemoryForThePicture)
     )"));
 }
 
-TEST(SnapshotFetch, TriesAgainTenMillisecondsAfterEachFailure)
+TEST_F(SnapshotFetch, TriesAgainTenMillisecondsAfterEachFailure)
 {
     platform.script("MI_VENC_GetStream").returns(kRefused);
     platform.script("MI_VENC_GetStream").from(4).returns(0);
@@ -120,7 +127,7 @@ TEST(SnapshotFetch, TriesAgainTenMillisecondsAfterEachFailure)
     ext_release_jpeg_buf(&frame);
 }
 
-TEST(SnapshotFetch, GivesUpAfterFiftyAttempts)
+TEST_F(SnapshotFetch, GivesUpAfterFiftyAttempts)
 {
     platform.script("MI_VENC_GetStream").returns(kRefused);
     FrameInfo frame = {};
@@ -136,7 +143,7 @@ TEST(SnapshotFetch, GivesUpAfterFiftyAttempts)
     EXPECT_EQ(frame.data, nullptr);
 }
 
-TEST(SnapshotFetch, TakesTheLastOfFiftyAttempts)
+TEST_F(SnapshotFetch, TakesTheLastOfFiftyAttempts)
 {
     platform.script("MI_VENC_GetStream").returns(kRefused);
     platform.script("MI_VENC_GetStream").from(50).returns(0);
@@ -147,7 +154,7 @@ TEST(SnapshotFetch, TakesTheLastOfFiftyAttempts)
 }
 
 /* The reset that follows drops the stream; it is not released. */
-TEST(SnapshotFetch, FailsOnAnEmptyPictureWithoutReleasingIt)
+TEST_F(SnapshotFetch, FailsOnAnEmptyPictureWithoutReleasingIt)
 {
     std::vector<uint8_t> bytes;
     for (uint32_t count : {0u, 1u}) {
@@ -164,7 +171,7 @@ TEST(SnapshotFetch, FailsOnAnEmptyPictureWithoutReleasingIt)
 }
 
 /* The data field keeps the freed address; a length of 0 tells that there is no picture. */
-TEST(SnapshotFetch, FreesTheBufferWhenTheReleaseFailsAndKeepsItsAddress)
+TEST_F(SnapshotFetch, FreesTheBufferWhenTheReleaseFailsAndKeepsItsAddress)
 {
     platform.script("MI_VENC_ReleaseStream").returns(kRefused);
     FrameInfo frame = {};
@@ -178,7 +185,7 @@ TEST(SnapshotFetch, FreesTheBufferWhenTheReleaseFailsAndKeepsItsAddress)
     EXPECT_EQ(platform.count("MI_VENC_StopRecvPic"), 1u);
 }
 
-TEST(SnapshotFetch, ResetsAndStopsAnEncoderThatDidNotStart)
+TEST_F(SnapshotFetch, ResetsAndStopsAnEncoderThatDidNotStart)
 {
     platform.script("MI_VENC_StartRecvPic").returns(kRefused);
     platform.script("MI_VENC_StopRecvPic").returns(kRefused);

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 namespace snap_test
 {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 namespace view_test
 {
@@ -42,6 +42,13 @@ inline DispAttrib pane(uint16_t channel, uint16_t x, uint16_t y, uint16_t w, uin
 {
     return {bind_status, channel, x, y, w, h, {0xDEAD, 0xBEEF}};
 }
+
+/** A library whose decoders run, as many as there can be; nothing was recorded yet. */
+class RunningDecoders : public testing::Test
+{
+protected:
+    RunningDecoders() { recording::platform.have_decoders(17); }
+};
 
 /** Create the decoders of `cameras` channels for streams of that size, unrecorded. */
 inline void create_decoders(int32_t cameras, uint16_t width = 1920, uint16_t height = 1080)

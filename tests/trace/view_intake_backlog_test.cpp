@@ -7,6 +7,10 @@ using recording::platform;
 namespace
 {
 
+class Backlog : public RunningDecoders
+{
+};
+
 constexpr uint32_t kNever = 0; // no reset whatever the backlog
 
 struct LimitRow {
@@ -31,7 +35,7 @@ void report_backlog()
     });
 }
 
-TEST(Backlog, BeyondTheLimitOfTheLinkResetsTheDecoder)
+TEST_F(Backlog, BeyondTheLimitOfTheLinkResetsTheDecoder)
 {
     report_backlog();
     for (const LimitRow &row : kLimits) {
@@ -50,7 +54,7 @@ TEST(Backlog, BeyondTheLimitOfTheLinkResetsTheDecoder)
     }
 }
 
-TEST(Backlog, IsReportedWithItsLimit)
+TEST_F(Backlog, IsReportedWithItsLimit)
 {
     report_backlog();
     backlog = 163841;
@@ -65,7 +69,7 @@ TEST(Backlog, IsReportedWithItsLimit)
     )"));
 }
 
-TEST(Backlog, CountsForHiddenChannelsToo)
+TEST_F(Backlog, CountsForHiddenChannelsToo)
 {
     report_backlog();
     backlog = 98305;
@@ -75,7 +79,7 @@ TEST(Backlog, CountsForHiddenChannelsToo)
     EXPECT_EQ(platform.count("MI_VDEC_SendStream"), 0u);
 }
 
-TEST(Backlog, UnreadableStatisticsNeverStopTheFrame)
+TEST_F(Backlog, UnreadableStatisticsNeverStopTheFrame)
 {
     platform.script("MI_VDEC_GetChnStat").returns(0xA0080005);
     EXPECT_EQ(send_video(2, 10, 0), 0);
@@ -85,7 +89,7 @@ TEST(Backlog, UnreadableStatisticsNeverStopTheFrame)
 }
 
 /* The code printed is that of the recreation in the same call. */
-TEST(Backlog, UnreadableStatisticsPrintTheCodeOfTheRecreation)
+TEST_F(Backlog, UnreadableStatisticsPrintTheCodeOfTheRecreation)
 {
     platform.script("MI_VDEC_StopChn").returns(0xA0080009);
     platform.script("MI_VDEC_GetChnStat").returns(0xA0080005);

@@ -7,9 +7,13 @@ using recording::platform;
 namespace
 {
 
+class IntakeFilter : public RunningDecoders
+{
+};
+
 constexpr const char *kSent = "MI_VDEC_SendStream";
 
-TEST(IntakeFilter, WhileZoomedRefusesAllOtherChannelsBeforeAnythingElse)
+TEST_F(IntakeFilter, WhileZoomedRefusesAllOtherChannelsBeforeAnythingElse)
 {
     vo_for_ezoom = 1;
     zoom_channel = 2;
@@ -26,7 +30,7 @@ TEST(IntakeFilter, WhileZoomedRefusesAllOtherChannelsBeforeAnythingElse)
     EXPECT_EQ(platform.count(kSent), 1u);
 }
 
-TEST(IntakeFilter, OnlyOneMeansZoomed)
+TEST_F(IntakeFilter, OnlyOneMeansZoomed)
 {
     vo_for_ezoom = 2;
     zoom_channel = 2;
@@ -34,7 +38,7 @@ TEST(IntakeFilter, OnlyOneMeansZoomed)
     EXPECT_EQ(platform.count(kSent), 1u);
 }
 
-TEST(IntakeFilter, DecodesTheChannelsOfTheMask)
+TEST_F(IntakeFilter, DecodesTheChannelsOfTheMask)
 {
     cur_display_chnn = 0x05;
     for (uint32_t channel = 0; channel < 8; ++channel) {
@@ -45,7 +49,7 @@ TEST(IntakeFilter, DecodesTheChannelsOfTheMask)
     }
 }
 
-TEST(IntakeFilter, DecodesAHiddenChannelThatIsBeingSnapped)
+TEST_F(IntakeFilter, DecodesAHiddenChannelThatIsBeingSnapped)
 {
     cur_display_chnn = 0x05;
     cur_snap_chnn = 1;
@@ -56,7 +60,7 @@ TEST(IntakeFilter, DecodesAHiddenChannelThatIsBeingSnapped)
     EXPECT_EQ(platform.count("MI_VDEC_SendStream 1"), 1u);
 }
 
-TEST(IntakeFilter, NeverShowsChannelsBeyondTheMask)
+TEST_F(IntakeFilter, NeverShowsChannelsBeyondTheMask)
 {
     g_vi_chn_num = 16;
     cur_display_chnn = 0xFE; // every bit but bit 0, and not the value that means all
@@ -73,7 +77,7 @@ TEST(IntakeFilter, NeverShowsChannelsBeyondTheMask)
     EXPECT_EQ(platform.count("MI_VDEC_SendStream 12"), 1u);
 }
 
-TEST(IntakeFilter, PlaybackRefusesEveryChannelThatIsNotBeingSnapped)
+TEST_F(IntakeFilter, PlaybackRefusesEveryChannelThatIsNotBeingSnapped)
 {
     playback_status = 1;
     for (uint32_t channel = 0; channel < 8; ++channel)
@@ -81,7 +85,7 @@ TEST(IntakeFilter, PlaybackRefusesEveryChannelThatIsNotBeingSnapped)
     EXPECT_EQ(platform.count(kSent), 0u);
 }
 
-TEST(IntakeFilter, PlaybackSendsTheSnappedChannelToTheSpareDecoder)
+TEST_F(IntakeFilter, PlaybackSendsTheSnappedChannelToTheSpareDecoder)
 {
     g_vi_chn_num = 6;
     playback_status = 1;
@@ -94,14 +98,14 @@ TEST(IntakeFilter, PlaybackSendsTheSnappedChannelToTheSpareDecoder)
     EXPECT_EQ(platform.count("MI_VDEC_GetChnStat 3"), 1u) << "the backlog asked for is the live channel's";
 }
 
-TEST(IntakeFilter, OnlyOneMeansPlayback)
+TEST_F(IntakeFilter, OnlyOneMeansPlayback)
 {
     playback_status = 2;
     EXPECT_EQ(send_video(1), 0);
     EXPECT_EQ(platform.count("MI_VDEC_SendStream 1"), 1u);
 }
 
-TEST(IntakeFilter, AFailingSpareDecoderIsResetItself)
+TEST_F(IntakeFilter, AFailingSpareDecoderIsResetItself)
 {
     g_vi_chn_num = 6;
     playback_status = 1;

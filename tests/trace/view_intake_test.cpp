@@ -8,7 +8,15 @@ using recording::trace;
 namespace
 {
 
-TEST(Intake, HandsAFrameToTheDecoderOfItsChannel)
+class Intake : public RunningDecoders
+{
+};
+
+class IntakeCodec : public RunningDecoders
+{
+};
+
+TEST_F(Intake, HandsAFrameToTheDecoderOfItsChannel)
 {
     std::vector<uint8_t> bytes = {0, 0, 0, 1, 0x40, 0x01};
     FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 3, bytes);
@@ -21,7 +29,7 @@ TEST(Intake, HandsAFrameToTheDecoderOfItsChannel)
     EXPECT_EQ(platform.bytes_sent("MI_VDEC_SendStream")[0], bytes);
 }
 
-TEST(Intake, RecordsThePictureSizeForBothStreams)
+TEST_F(Intake, RecordsThePictureSizeForBothStreams)
 {
     ASSERT_EQ(send_video(2), 0);
     EXPECT_EQ(major_stream[2].width, 1280u);
@@ -32,14 +40,14 @@ TEST(Intake, RecordsThePictureSizeForBothStreams)
     EXPECT_EQ(minor_stream[3].width, 0u);
 }
 
-TEST(Intake, RecordsThePictureSizeOfHiddenChannelsToo)
+TEST_F(Intake, RecordsThePictureSizeOfHiddenChannelsToo)
 {
     cur_display_chnn = 0;
     ASSERT_EQ(send_video(2), 0);
     EXPECT_EQ(major_stream[2].width, 1280u);
 }
 
-TEST(Intake, DoesNotRecreateForAChangeOfSize)
+TEST_F(Intake, DoesNotRecreateForAChangeOfSize)
 {
     std::vector<uint8_t> bytes(10);
     FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 0, bytes);
@@ -51,7 +59,7 @@ TEST(Intake, DoesNotRecreateForAChangeOfSize)
     EXPECT_EQ(major_stream[0].width, 640u);
 }
 
-TEST(Intake, RefusesBadLengthsOfEveryKind)
+TEST_F(Intake, RefusesBadLengthsOfEveryKind)
 {
     for (uint32_t media : {0u, 1u, 2u, 3u}) {
         for (uint32_t length : {0u, 655361u, 0x80000000u, UINT32_MAX}) {
@@ -66,7 +74,7 @@ TEST(Intake, RefusesBadLengthsOfEveryKind)
     EXPECT_EQ(recording::printed_text(), "") << "the length is looked at before the kind";
 }
 
-TEST(Intake, AcceptsTheLargestLength)
+TEST_F(Intake, AcceptsTheLargestLength)
 {
     std::vector<uint8_t> bytes(655360, 0x11);
     FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 0, bytes);
@@ -77,7 +85,7 @@ TEST(Intake, AcceptsTheLargestLength)
     EXPECT_EQ(platform.count("MI_AO_SendFrame"), (655360u - 4) / 320);
 }
 
-TEST(Intake, RefusesAnInvalidFrameAloud)
+TEST_F(Intake, RefusesAnInvalidFrameAloud)
 {
     std::vector<uint8_t> bytes(16);
     FrameInfo frame = frame_of(FRAME_MEDIA_NONE, 0, bytes);
@@ -86,7 +94,7 @@ TEST(Intake, RefusesAnInvalidFrameAloud)
     EXPECT_EQ(platform.calls(), "");
 }
 
-TEST(Intake, IgnoresOtherKinds)
+TEST_F(Intake, IgnoresOtherKinds)
 {
     std::vector<uint8_t> bytes(16);
     for (uint32_t media : {3u, 17u, 0x80000001u, UINT32_MAX}) {
@@ -97,13 +105,13 @@ TEST(Intake, IgnoresOtherKinds)
     EXPECT_EQ(major_stream[0].width, 0u);
 }
 
-TEST(Intake, RefusesAMissingRecord)
+TEST_F(Intake, RefusesAMissingRecord)
 {
     EXPECT_EQ(ext_send_stream(nullptr, 1, 0, 0), -1);
     EXPECT_EQ(platform.calls(), "");
 }
 
-TEST(Intake, RefusesVideoOfChannelsThatDoNotExist)
+TEST_F(Intake, RefusesVideoOfChannelsThatDoNotExist)
 {
     for (uint32_t channel : {17u, 18u, 255u, 0x7FFFFFFFu, 0x80000000u, UINT32_MAX}) {
         SCOPED_TRACE(channel);
@@ -112,7 +120,7 @@ TEST(Intake, RefusesVideoOfChannelsThatDoNotExist)
     EXPECT_EQ(platform.calls(), "");
 }
 
-TEST(Intake, ServesChannelsUpToSixteen)
+TEST_F(Intake, ServesChannelsUpToSixteen)
 {
     g_vi_chn_num = 16;
     for (uint32_t channel = 0; channel <= 16; ++channel)
@@ -121,7 +129,7 @@ TEST(Intake, ServesChannelsUpToSixteen)
     EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), 0u) << "all channels start with codec code 1";
 }
 
-TEST(IntakeCodec, AChangeRecreatesTheDecoderOnce)
+TEST_F(IntakeCodec, AChangeRecreatesTheDecoderOnce)
 {
     std::vector<uint8_t> bytes(8);
     FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 4, bytes);
@@ -144,7 +152,7 @@ TEST(IntakeCodec, AChangeRecreatesTheDecoderOnce)
               1u);
 }
 
-TEST(IntakeCodec, CountsEveryNewCodeAsAChange)
+TEST_F(IntakeCodec, CountsEveryNewCodeAsAChange)
 {
     std::vector<uint8_t> bytes(8);
     FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 4, bytes);
@@ -153,8 +161,9 @@ TEST(IntakeCodec, CountsEveryNewCodeAsAChange)
     EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), 4u);
 }
 
-TEST(IntakeCodec, RemembersTheCodeEvenWhenTheDecoderCannotBeRecreated)
+TEST_F(IntakeCodec, RemembersTheCodeEvenWhenTheDecoderCannotBeRecreated)
 {
+    platform.be_lenient(); // the decoder is gone, and would take no frame
     std::vector<uint8_t> bytes(8);
     FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 4, bytes);
     platform.script("MI_VDEC_CreateChn").returns(0xA008000C);
@@ -165,8 +174,9 @@ TEST(IntakeCodec, RemembersTheCodeEvenWhenTheDecoderCannotBeRecreated)
 }
 
 /* The code is noted before the decoder is recreated: a frame that comes meanwhile changes nothing. */
-TEST(IntakeCodec, NotesTheCodeBeforeTheRecreation)
+TEST_F(IntakeCodec, NotesTheCodeBeforeTheRecreation)
 {
+    platform.be_lenient(); // a frame is sent to a decoder that is being recreated
     std::vector<uint8_t> bytes(8);
     FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 4, bytes);
     platform.script("MI_VDEC_DestroyChn").once().fills([&](recording::Args &) {
@@ -177,7 +187,7 @@ TEST(IntakeCodec, NotesTheCodeBeforeTheRecreation)
     EXPECT_EQ(platform.count("MI_VDEC_SendStream"), 2u);
 }
 
-TEST(IntakeCodec, KeepsChannelsApart)
+TEST_F(IntakeCodec, KeepsChannelsApart)
 {
     std::vector<uint8_t> bytes(8);
     FrameInfo frame = frame_of(FRAME_MEDIA_VIDEO, 4, bytes);
@@ -189,7 +199,7 @@ TEST(IntakeCodec, KeepsChannelsApart)
 }
 
 /* The codec is looked at before the display filter: a hidden channel's decoder follows too. */
-TEST(IntakeCodec, FollowsTheStreamOfAHiddenChannel)
+TEST_F(IntakeCodec, FollowsTheStreamOfAHiddenChannel)
 {
     cur_display_chnn = 0;
     std::vector<uint8_t> bytes(8);
@@ -199,7 +209,7 @@ TEST(IntakeCodec, FollowsTheStreamOfAHiddenChannel)
     EXPECT_EQ(platform.count("MI_VDEC_SendStream"), 0u);
 }
 
-TEST(Intake, ReportsAFailingDecoder)
+TEST_F(Intake, ReportsAFailingDecoder)
 {
     platform.script("MI_VDEC_SendStream").returns(0xA008000F);
     EXPECT_EQ(send_video(3), -1);

@@ -47,6 +47,7 @@ TEST(FlushDecoder, GoesOnWithoutTheOutputSize)
 
 TEST(FlushDecoder, DoesNotCheckTheStopNorTheBindings)
 {
+    platform.be_lenient(); // a decoder that would not stop cannot be destroyed
     create_decoders(1);
     platform.script("MI_VDEC_StopChn").returns(kRefused);
     platform.script("MI_SYS_UnBindChnPort").returns(kRefused);
@@ -71,6 +72,7 @@ TEST(FlushDecoder, ReturnsTheCodeOfWhatCannotBeDone)
     for (const StopRow &row : kRows) {
         SCOPED_TRACE(row.call);
         platform.forget();
+        platform.have_decoders(3); // the row before may have destroyed it
         platform.script(row.call).once().returns(kRefused);
         EXPECT_EQ(re_create_vdec(2), kRefused);
         EXPECT_PRINTED_AS_ERROR("vdec_venc.c", row.message);

@@ -2,7 +2,7 @@
 #include <cstring>
 
 #include "nvrhal.h"
-#include "recording_platform.h"
+#include "recording_expect.h"
 
 namespace
 {

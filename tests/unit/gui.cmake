@@ -6,7 +6,7 @@ nvrhal_test(unit_gui
   ${CMAKE_CURRENT_LIST_DIR}/gui_bmp_refusal_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/gui_qr_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/gui_memory_test.cpp
-  LIBS nvrhal_objects recording_platform
+  LIBS nvrhal_objects recording_gtest
   LABEL unit TIMEOUT 180)
 target_compile_definitions(unit_gui PRIVATE NVRHAL_ZBARIMG="${NVRHAL_ZBARIMG}")
 # Allocations go through the test, which makes them fail.

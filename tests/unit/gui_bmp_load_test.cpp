@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "gui_bmp_file.h"
-#include "printed.h"
+#include "recording_expect.h"
 
 using gui_test::BmpFile;
 using gui_test::FileOnDisk;

@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include "gui_bmp_file.h"
-#include "printed.h"
+#include "recording_expect.h"
 
 using gui_test::BmpFile;
 using gui_test::FileOnDisk;

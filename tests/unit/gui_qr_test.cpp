@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "nvrhal.h"
-#include "printed.h"
+#include "recording_expect.h"
 
 namespace
 {

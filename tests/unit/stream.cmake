@@ -7,7 +7,7 @@ nvrhal_test(stream_test
   ${stream_dir}/stream_reader_test.cpp
   ${stream_dir}/stream_block_test.cpp
   ${stream_dir}/stream_exchange_test.cpp
-  LIBS nvrhal_objects recording_platform LABEL unit TIMEOUT 30)
+  LIBS nvrhal_objects recording_gtest LABEL unit TIMEOUT 30)
 # Allocations go through the test, which makes them fail.
 target_link_options(stream_test PRIVATE -Wl,--wrap=malloc -Wl,--wrap=calloc)
 
@@ -26,9 +26,9 @@ target_include_directories(stream_interleaving_test PRIVATE ${stream_dir}/../../
 
 nvrhal_test(stream_model_test ${stream_dir}/stream_model_test.cpp ${stream_dir}/stream_model.cpp
   ${stream_dir}/stream_block_model_test.cpp
-  LIBS nvrhal_objects recording_platform LABEL unit TIMEOUT 300)
+  LIBS nvrhal_objects recording_gtest LABEL unit TIMEOUT 300)
 target_include_directories(stream_model_test PRIVATE ${stream_dir}/../../src)
 
 nvrhal_test(stream_threads_test ${stream_dir}/stream_threads_test.cpp
-  LIBS nvrhal_objects recording_platform LABEL unit TIMEOUT 300)
+  LIBS nvrhal_objects recording_gtest LABEL unit TIMEOUT 300)
 target_include_directories(stream_threads_test PRIVATE ${stream_dir}/../../src)

@@ -1,5 +1,5 @@
 /* What the pools refuse: a defined failure, and nothing stored anywhere. */
-#include "recording_platform.h"
+#include "recording_expect.h"
 #include "stream_support.h"
 
 using namespace stream_test;

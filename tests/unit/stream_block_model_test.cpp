@@ -3,7 +3,7 @@
  * run of whole frames, in order and never twice, after a gap first a key frame, ended by what the
  * request and the rings demand. Frame numbers are the time stamps, which never jump.
  */
-#include "recording_platform.h"
+#include "recording_expect.h"
 #include "stream_support.h"
 
 #include <random>

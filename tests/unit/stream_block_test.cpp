@@ -1,5 +1,5 @@
 /* Gathering blocks. The module's skip and time words outlive a test only within one process. */
-#include "recording_platform.h"
+#include "recording_expect.h"
 #include "stream_support.h"
 
 using namespace stream_test;

@@ -1,5 +1,5 @@
 /* The ext_ functions: one FrameInfo in, one out. */
-#include "recording_platform.h"
+#include "recording_expect.h"
 #include "stream_support.h"
 
 #include <cstdio>

@@ -5,7 +5,7 @@
  * checked for its result, every word of the reader, the frame's bytes, and the promises made to
  * readers: in order, never twice, after a gap first a key frame.
  */
-#include "recording_platform.h"
+#include "recording_expect.h"
 #include "stream_model.h"
 #include "stream_support.h"
 

@@ -1,5 +1,5 @@
 /* Allocation of the pools, and the writer's side. */
-#include "recording_platform.h"
+#include "recording_expect.h"
 #include "stream_support.h"
 
 #include <cstdlib>

@@ -1,5 +1,5 @@
 /* Positioning readers and reading frame by frame. */
-#include "recording_platform.h"
+#include "recording_expect.h"
 #include "stream_support.h"
 
 #include <cstdio>

@@ -4,7 +4,7 @@ nvrhal_test(text_unit
   text_gb2312_test.cpp text_utf8_test.cpp text_font_test.cpp
   text_exhaustive_test.cpp
   text_buffers.cpp text_reference.cpp
-  LIBS nvrhal_objects recording_platform
+  LIBS nvrhal_objects recording_gtest
   LABEL unit TIMEOUT 120)
 
 # The checked-in tables are what their inputs give. Only where the inputs are installed.

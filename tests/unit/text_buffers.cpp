@@ -2,7 +2,7 @@
 #include "text_buffers.h"
 
 #include "nvrhal.h"
-#include "printed.h"
+#include "recording_expect.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,6 +1,6 @@
 /* The text conversions against the C library and against a plain implementation, over all characters. */
 #include "nvrhal.h"
-#include "printed.h"
+#include "recording_expect.h"
 #include "text_buffers.h"
 
 #include <gtest/gtest.h>

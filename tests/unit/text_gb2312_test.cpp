@@ -1,7 +1,7 @@
 /* GB2312 and Unicode: the table, the conversions byte for byte, their bounds and messages. */
 #include "fresh_process.h"
 #include "nvrhal.h"
-#include "printed.h"
+#include "recording_expect.h"
 #include "text_buffers.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 /* Unicode units and UTF-8: the conversions byte for byte, their bounds and messages. */
 #include "nvrhal.h"
-#include "printed.h"
+#include "recording_expect.h"
 #include "text_buffers.h"
 
 #include <gtest/gtest.h>
