@@ -219,6 +219,38 @@ TEST_F(StreamBlock, EndsBeforeATimeJumpAndGoesOnAtTheKeyFrameAfterIt)
     EXPECT_EQ(platform.count("board_sleep_us"), 0u);
 }
 
+TEST_F(StreamBlock, StepsOverTheFramesAfterAJumpOnlyOnce)
+{
+    ASSERT_EQ(put_at(0, 50, 1), 0);
+    for (uint32_t i = 1; i < 9; ++i) // the jump is at frame 1, the next key frame is frame 3
+        ASSERT_EQ(put_at(1000, 50, i == 3), 0);
+    ASSERT_EQ(block(kManyBytes), 4);
+    expect_block(0, 50, 0);
+    for (uint32_t i = 3; i < 9; i += 2) {
+        EXPECT_EQ(block(100), 2);
+        EXPECT_EQ(reader_.index, i) << "nothing is left out behind the key frame";
+        expect_block(i * 50, (i + 2) * 50, i + 1);
+    }
+}
+
+TEST_F(StreamBlock, ABatchThatIsBegunAndNotFullStandsAtTheEndOfTheOneBefore)
+{
+    for (uint32_t i = 0; i < 4; ++i)
+        ASSERT_EQ(put_at(i, 50), 0);
+    ASSERT_EQ(block(100), 2);
+    expect_block(0, 100, 1);
+    EXPECT_EQ(block(kManyBytes), 0);
+    EXPECT_EQ(reader_.data_start, 100u) << "start and end are equal: the batch is not taken yet";
+    EXPECT_EQ(reader_.data_end, 100u);
+    EXPECT_EQ(reader_.index, 2u);
+    EXPECT_EQ(reader_.block_index, 3u);
+    EXPECT_EQ(reader_.block_count, 1u);
+    ASSERT_EQ(put_at(4, 50), 0);
+    EXPECT_EQ(block(kManyBytes), 0);
+    EXPECT_EQ(reader_.block_index, 4u) << "the scan goes on where it stopped";
+    EXPECT_EQ(reader_.block_count, 2u);
+}
+
 TEST_F(StreamBlock, ATimeJumpMayStandAtTheStartOfTheIndexRing)
 {
     // Frames 0 to 57 in blocks of one, so that the next batch begins with entry 58 of 60.
