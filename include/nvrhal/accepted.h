@@ -36,7 +36,12 @@
 extern "C" {
 #endif
 
-/* Decoders and bindings. */
+/**
+ * Memory, bindings and overlay regions, which the platform manages by itself.
+ * @return 0
+ * Errors: none.
+ * Thread: any.
+ */
 NVRHAL_API int vo_mem_config(NVRHAL_ANYTHING);
 NVRHAL_API int vo_bindvowbc(NVRHAL_ANYTHING);
 NVRHAL_API int vo_unbindvowbc(NVRHAL_ANYTHING);
@@ -65,15 +70,35 @@ NVRHAL_API int rgn_destroy(NVRHAL_ANYTHING);
 NVRHAL_API int rgn_show_or_hide(NVRHAL_ANYTHING);
 NVRHAL_API int rgn_overlay_chg_color(NVRHAL_ANYTHING);
 
-/* Pausing playback is not delivering. Ignore the result. */
+/**
+ * Pausing playback: it is the application that stops delivering.
+ * @return 0
+ * Errors: none.
+ * Thread: any.
+ */
 NVRHAL_API int ext_playback_set_pause_flag(NVRHAL_ANYTHING);
 
-/* Keys. Without a result. */
+/**
+ * Keys: the readers translate them (keys.h).
+ * Errors: none.
+ * Thread: any.
+ */
 NVRHAL_API void translateKey(NVRHAL_ANYTHING);
 NVRHAL_API void hi_localkey_proc(NVRHAL_ANYTHING);
 
-/* Audio. audio_start_hdmi, which has no result, stands for the HDMI sound path's start-up. */
+/**
+ * The HDMI audio path, which needs no start. It prints its entry trace.
+ * Errors: none.
+ * Thread: any.
+ */
 NVRHAL_API void audio_start_hdmi(NVRHAL_ANYTHING);
+
+/**
+ * Sound capture and switching the output off, which this board does not have. They print an entry trace.
+ * @return 0
+ * Errors: none.
+ * Thread: any.
+ */
 NVRHAL_API int audio_aenc_proc(NVRHAL_ANYTHING);
 NVRHAL_API int audio_ai_proc(NVRHAL_ANYTHING);
 NVRHAL_API int audio_enable_ai(NVRHAL_ANYTHING);
@@ -85,7 +110,12 @@ NVRHAL_API int ext_audio_speek_get_buf(NVRHAL_ANYTHING);
 NVRHAL_API int ext_release_audio_speek_buf(NVRHAL_ANYTHING);
 NVRHAL_API int ext_set_audio_input_volume(NVRHAL_ANYTHING);
 
-/* Display and pictures. */
+/**
+ * Settings of pictures and streams, which are the cameras' own.
+ * @return 0
+ * Errors: none.
+ * Thread: any.
+ */
 NVRHAL_API int ext_vo_buffer_clear1(NVRHAL_ANYTHING);
 NVRHAL_API int ext_get_video_md_alarm(NVRHAL_ANYTHING);
 NVRHAL_API int ext_change_local_frame_quality(NVRHAL_ANYTHING);
@@ -102,7 +132,13 @@ NVRHAL_API int ext_set_video_contrast(NVRHAL_ANYTHING);
 NVRHAL_API int ext_set_video_saturation(NVRHAL_ANYTHING);
 NVRHAL_API int ext_change_spot_display(NVRHAL_ANYTHING);
 
-/* Accepted, with any arguments, and not needed on this board: an entry trace. These return 1 ... */
+/**
+ * Capture, overlays, water marks, lamps and flash, which this board does not have. They print an entry
+ * trace. The result is what applications were written against.
+ * @return 1
+ * Errors: none.
+ * Thread: any.
+ */
 NVRHAL_API int ext_capture_start(NVRHAL_ANYTHING);
 NVRHAL_API int ext_capture_stop(NVRHAL_ANYTHING);
 NVRHAL_API int ext_chagne_system_time_flag(NVRHAL_ANYTHING);
@@ -120,7 +156,13 @@ NVRHAL_API int ext_rec_osd_print(NVRHAL_ANYTHING);
 NVRHAL_API int ext_rec_osd_clean(NVRHAL_ANYTHING);
 NVRHAL_API int ext_set_cover_area(NVRHAL_ANYTHING);
 NVRHAL_API int ext_clean_cover_area(NVRHAL_ANYTHING);
-/* ... and these 0. */
+
+/**
+ * Alarm outputs and the order of the layers, likewise. They print an entry trace.
+ * @return 0
+ * Errors: none.
+ * Thread: any.
+ */
 NVRHAL_API int ext_alarm_output_set(NVRHAL_ANYTHING);
 NVRHAL_API int ext_change_display_zorder(NVRHAL_ANYTHING);
 

@@ -8,8 +8,9 @@
  *                  the panel                                      once more, read-only
  *   "/dev/mouse"   the application, into g_mouse_fd               the application
  *
- * On a board they are opened and read with the system's own calls. Every opening of a node is given
- * every event. Words are in the machine's byte order.
+ * On a board they are opened and read with the system's own calls; a node may be open more than once.
+ * Words are in the machine's byte order. How long a read waits is the driver's choice: what is said of it
+ * here is true of the board in software, elsewhere poll the descriptor.
  */
 #ifndef NVRHAL_INPUT_NODES_H
 #define NVRHAL_INPUT_NODES_H
@@ -21,8 +22,8 @@
 #define NVRHAL_MOUSE_NODE  "/dev/mouse"
 
 /**
- * What a read of the receiver gives: 12 bytes, or nothing while a button is held and after a time
- * without one. Reads wait about 108 ms, the repeat period of a remote control.
+ * What a read of the receiver gives: 12 bytes; or nothing after about 108 ms, the repeat period of a
+ * remote control, in which no button was pressed or released.
  */
 typedef struct RemoteFrame {
     uint32_t unused; /* 0                                                                        */
@@ -31,8 +32,8 @@ typedef struct RemoteFrame {
 } RemoteFrame;
 
 /**
- * What a read of the panel gives: 4 bytes a key press, or nothing. Reads do not wait. The library
- * does not read the panel: its keys do not come out of ext_keyboard_value.
+ * What a read of the panel gives: 4 bytes a key press, or nothing, at once. The library does not read
+ * the panel: its keys do not come out of ext_keyboard_value.
  */
 typedef struct PanelKey {
     uint32_t code; /* 0  enum KeyCode */

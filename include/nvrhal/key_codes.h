@@ -10,6 +10,7 @@
 #ifndef NVRHAL_KEY_CODES_H
 #define NVRHAL_KEY_CODES_H
 
+/** Codes of keys. */
 enum KeyCode {
     KEY_CODE_ZOOM_OUT = 84,
     KEY_CODE_STOP = 85,

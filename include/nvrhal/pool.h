@@ -7,6 +7,7 @@
 #include <stdint.h>
 
 #include "nvrhal/api.h"
+#include "nvrhal/limits.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -22,6 +23,8 @@ extern "C" {
  * more than max_frame_len bytes of ring (bytes left unused at the ring's end count) and has begun
  * fewer than 12 frames.
  */
+
+/** Numbers of the pools. */
 enum StreamPoolNumber {
     STREAM_POOL_MAIN = 0,  /* filled by ext_set_primary_video_stream */
     STREAM_POOL_SUB = 1,   /* filled by ext_set_network_video_stream */
@@ -51,7 +54,7 @@ typedef struct StreamPoolConfig {
 typedef struct StreamIndexEntry {
     uint8_t frame_type;    /*  0  the producer's, 1 = key frame             */
     uint8_t zero[3];       /*  1  always 0                                  */
-    uint32_t timestamp;    /*  4  the producer's, as given                  */
+    uint32_t timestamp;    /*  4  as given, in the producer's own unit      */
     uint32_t reserved;     /*  8  always 0                                  */
     uint32_t data_start;   /* 12  offset of the first byte in the data ring */
     uint32_t data_end;     /* 16  offset one past the last byte             */
@@ -81,61 +84,104 @@ typedef struct StreamReader {
 
 /** One frame to store, in pieces that are stored one behind the other. 820 bytes on the target. */
 typedef struct StreamProducerFrame {
-    int32_t channel;                                 /*   0  0 to 7                                 */
+    int32_t channel;                                 /*   0  below NVRHAL_STORED_CHANNELS           */
     uint32_t frame_type;                             /*   4  1 = key frame; the low 8 bits are kept */
     int32_t piece_count;                             /*   8  0 to 100                               */
     uint32_t reserved;                               /*  12  not read                               */
     uint32_t piece_lengths[STREAM_FRAME_MAX_PIECES]; /*  16  bytes; pieces of length 0 are skipped  */
     const void *pieces[STREAM_FRAME_MAX_PIECES];     /* 416                                         */
-    uint32_t timestamp;                              /* 816  stored as given                        */
+    uint32_t timestamp;                              /* 816  stored as given, in any unit           */
 } StreamProducerFrame;
 
 /**
- * Allocate a pool's rings; start-up does it for all three. What an earlier call allocated for the
- * same pool stays allocated, for the threads that still use it.
- * @param pool  0 to 2; for any other number the rings are allocated and belong to no pool
- * @return 0, or -1: null, a channel count outside 1 to 43, or no memory. Thread: one.
+ * Allocate a pool's rings; start-up does it for all three. What an earlier call allocated for the same
+ * pool stays allocated, for the threads that still use it.
+ * @param config  sizes in bytes and entries, see StreamPoolConfig
+ * @param pool    enum StreamPoolNumber, 0 to 2; for any other number the rings are allocated and belong
+ *                to no pool
+ * @return 0, or -1
+ * Errors: null, a channel count outside 1 to 43, or no memory: what has been allocated by then stays.
+ * Thread: one.
+ * Ownership: config is copied; the rings are the library's.
  */
 NVRHAL_API int32_t kx_stream_init_avstream(const StreamPoolConfig *config, int32_t pool);
 
-/** Free what was allocated last; no thread may use it any more. @return 0. Thread: one. */
+/**
+ * Free what was allocated last; no thread may use it any more.
+ * @return 0
+ * Errors: none.
+ * Thread: one.
+ */
 NVRHAL_API int32_t kx_stream_destroy_avstream(void);
 
 /**
- * Store a frame: one copy, no waiting. @return 0; -1 = refused and nothing changed: null, a bad
- * channel, pool, piece count or piece, no bytes, more bytes than max_frame_len or than the ring.
- * Thread: one per channel and pool.
+ * Store a frame: one copy, no waiting.
+ * @param frame  its pieces make 1 byte to max_frame_len bytes together
+ * @param pool   enum StreamPoolNumber, 0 to 2
+ * @return 0, or -1
+ * Errors: -1 = nothing changed: null, a bad channel, pool, piece count or piece, no bytes, more bytes
+ *         than max_frame_len or than the ring.
+ * Thread: one a channel and pool.
+ * Ownership: the bytes are copied during the call.
  */
 NVRHAL_API int32_t kx_stream_sendFrameToPool(const StreamProducerFrame *frame, int32_t pool);
 
-/** Position a reader at the newest frame; the next read delivers it. @return 0, -1 = bad argument. Thread:
- * any. */
+/**
+ * Position a reader at the newest frame; the next read delivers it.
+ * @param channel  0 to 42, one that is configured
+ * @param reader   out: the position
+ * @param pool     enum StreamPoolNumber, 0 to 2
+ * @return 0, or -1
+ * Errors: -1 for a bad channel or pool, or null.
+ * Thread: the reader's.
+ * Ownership: reader is the caller's; it points into the rings, which are the library's.
+ */
 NVRHAL_API int32_t kx_stream_getLastPos(int32_t channel, StreamReader *reader, int32_t pool);
 
 /**
- * Position a reader at the oldest frame that is still safe, key frame or not; the next read
- * delivers it. @return 0; -1 = bad argument, or no frame at a safe distance. Thread: any.
+ * Position a reader at the oldest frame that is still safe, key frame or not; the next read delivers
+ * it.
+ * @param channel  0 to 42, one that is configured
+ * @param reader   out: the position
+ * @param pool     enum StreamPoolNumber, 0 to 2
+ * @return 0, or -1
+ * Errors: -1 for a bad channel or pool, null, or when no frame stands at a safe distance.
+ * Thread: the reader's.
+ * Ownership: reader is the caller's; it points into the rings, which are the library's.
  */
 NVRHAL_API int32_t kx_stream_getStartPos(int32_t channel, StreamReader *reader, int32_t pool);
 
 /**
- * Deliver the next frame, in order and never twice. A reader that the writer has overrun, or is
- * about to, goes on at the oldest safe key frame instead.
- * @param skip_limit  0 = every frame; otherwise a backlog of more frames skips to the next key frame
- * @return bytes; 0 = nothing to be had, or a bad argument (the reader stays as it is). Thread: the reader's.
+ * Deliver the next frame, in order and never twice. A reader that the writer has overrun, or is about
+ * to, goes on at the oldest safe key frame instead.
+ * @param channel     0 to 42, the one that reader was positioned on
+ * @param skip_limit  0 = every frame; otherwise a backlog of more than so many frames skips to the next
+ *                    key frame
+ * @param reader      in and out: the position
+ * @param pool        enum StreamPoolNumber, 0 to 2
+ * @return the frame's bytes, or 0
+ * Errors: 0 when there is nothing new or safe, or for a bad argument: the reader stays as it is.
+ * Thread: the reader's.
+ * Ownership: the bytes are the library's and are overwritten in time: see above how long they stay.
  */
 NVRHAL_API int32_t kx_stream_getOneFrame(int32_t channel, int32_t skip_limit, StreamReader *reader,
                                          int32_t pool);
 
 /**
- * Gather consecutive frames of one lap into one range of bytes, at most index_num / 3 + 1 frames.
- * A jump of the time stamps by more than 59 ends the block before the jump; the call then waits,
- * without limit, for the key frame at which the next block starts. A reader serves either this
- * function or kx_stream_getOneFrame.
- * @param byte_target  bytes after which the block ends, or STREAM_BLOCK_WHOLE_LAP
- * @return 2 = a block; 3 = whole-lap request: up to the newest frame; 4 = a block that ends at a
- *         jump; 0 = not yet, or a bad argument. Pool 2 judges the position by the audio ring and
- *         gathers from the sub ring. Thread: one for all channels and pools together.
+ * Gather consecutive frames of one lap into one range of bytes, at most index_num / 3 + 1 frames. A
+ * jump of the time stamps by more than 59, in the producer's unit, ends the block before the jump; the
+ * call then waits, without limit, for the key frame at which the next block starts. A reader serves
+ * either this function or kx_stream_getOneFrame.
+ * @param channel      0 to 42, the one that reader was positioned on
+ * @param byte_target  any number of bytes after which the block ends, or STREAM_BLOCK_WHOLE_LAP
+ * @param reader       in and out: the position
+ * @param pool         enum StreamPoolNumber, 0 to 2. Pool 2 judges the position by the audio ring and
+ *                     gathers from the sub ring.
+ * @return 2 = a block; 3 = whole-lap request: up to the newest frame; 4 = a block that ends at a jump;
+ *         0 = not yet
+ * Errors: 0 for a bad argument.
+ * Thread: one for all channels and pools together.
+ * Ownership: the bytes are the library's and are overwritten in time: see above how long they stay.
  */
 NVRHAL_API int32_t kx_stream_getBlock(int32_t channel, uint32_t byte_target, StreamReader *reader,
                                       int32_t pool);

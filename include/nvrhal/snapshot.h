@@ -16,49 +16,102 @@ extern "C" {
 /* Opaque here: platform/include has it. */
 struct MI_VENC_Stream;
 
-/** Size of a snapshot, pixels. */
+/** Size of a snapshot. */
 typedef struct SnapSize {
-    uint32_t width, height;
+    uint32_t width, height; /* pixels */
 } SnapSize;
 
-/** Allow snapshots, for good. @return 0. Thread: any. */
+/**
+ * Allow snapshots, for good.
+ * @return 0
+ * Errors: none.
+ * Thread: any.
+ */
 NVRHAL_API int32_t ext_set_snap_channel_enable(void);
 
 /**
  * Take one 352 x 288 JPEG of a channel. Waits up to 2.5 s for a picture; the channel's frames must
  * keep coming in through ext_send_stream meanwhile, also when it is not shown. During playback the
- * picture is decoded from the next key frame on.
- * @param frame  in: channel. Out: frame_type 1, media FRAME_MEDIA_JPEG, width, height, length, data,
- *               local_time. data is the caller's until ext_release_jpeg_buf.
- * @return 0 = taken, or snapshots are not enabled (nothing is filled); -1 or a platform code. After
- *         a failure data is not to be released. During playback the result is that of stopping the
- *         spare decoder: check that data has been filled.
- *         The spare decoder keeps its codec: for H.264 cameras call vdec_recreate(N, 0) once before.
+ * picture is decoded by the spare decoder from the next key frame on; that decoder keeps its codec:
+ * for H.264 cameras call vdec_recreate(N, 0) once before.
+ *
+ * Clear the record first, but for its channel. A picture is there when length is not 0 afterwards,
+ * whatever the result: it is 0 also when snapshots are not enabled, when nothing is filled; and during
+ * playback it is that of stopping the spare decoder.
+ *
+ * @param frame  in: channel, 0 to N - 1. Out: frame_type 1, media FRAME_MEDIA_JPEG, width and height in
+ *               pixels, length in bytes, data, local_time in microseconds.
+ * @return 0, -1, or a platform code
+ * Errors: -1 for null, a decoder whose pictures are smaller than the snapshot (its width or height), a
+ *         pipeline that cannot be built, no picture in time, no memory; a platform code for a spare
+ *         decoder that cannot be rebuilt or stopped. Data may be an address that has been freed
+ *         already: never give ext_release_jpeg_buf a record whose length is 0 after a failure.
  * Thread: any, one snapshot at a time.
+ * Ownership: data is the caller's until ext_release_jpeg_buf.
  */
 NVRHAL_API int32_t ext_get_jpeg_stream(FrameInfo *frame);
 
-/** Free a snapshot's data and set it to null; null data is accepted. @return 0. Thread: any. */
+/**
+ * Free a snapshot's data and set it to null.
+ * @param frame  a record that ext_get_jpeg_stream filled; null, and null data, are accepted
+ * @return 0
+ * Errors: none.
+ * Thread: any.
+ * Ownership: data goes back to the library.
+ */
 NVRHAL_API int32_t ext_release_jpeg_buf(FrameInfo *frame);
 
 /**
- * The snapshot's steps, in the order ext_get_jpeg_stream takes them: build the pipeline from a
- * decoder channel (@return 0, -1, or 31 for pictures smaller than the snapshot), fetch one picture
- * (@return 0 or -1), take the pipeline down (@return 0).
+ * First step of ext_get_jpeg_stream: build the pipeline from a decoder channel.
+ * @param decoder_channel  0 to N
+ * @param encoder_channel  0 to N - 1
+ * @param size             out: 352 x 288 pixels
+ * @return 0, -1, or 31
+ * Errors: 31 for a decoder whose pictures are smaller than the snapshot, -1 when the platform refused:
+ *         what has been built stays until venc_snap_stop.
+ * Thread: any, one snapshot at a time.
+ * Ownership: size is the caller's.
  */
 NVRHAL_API int32_t venc_snap_start(uint32_t decoder_channel, uint32_t encoder_channel, SnapSize *size);
+
+/**
+ * Second step: fetch one picture.
+ * @param encoder_channel  0 to N - 1
+ * @param frame            out: media, length in bytes, data, local_time in microseconds
+ * @return 0, or -1
+ * Errors: as ext_get_jpeg_stream.
+ * Thread: any, one snapshot at a time.
+ * Ownership: data is the caller's until ext_release_jpeg_buf.
+ */
 NVRHAL_API int32_t venc_snap_process(uint32_t encoder_channel, FrameInfo *frame);
+
+/**
+ * Third step: take the pipeline down.
+ * @param decoder_channel  0 to N
+ * @param encoder_channel  0 to N - 1
+ * @return 0
+ * Errors: only printed.
+ * Thread: any, one snapshot at a time.
+ */
 NVRHAL_API int32_t venc_snap_stop(uint32_t decoder_channel, uint32_t encoder_channel);
 
 /**
- * Write an encoder stream to "./YEAR_MM_DD-hh_mm_ss.jpg" (local time, MM from 00) and print the head
- * of each pack. @return 0.
+ * A diagnosis: write an encoder stream to "./YEAR_MM_DD-hh_mm_ss.jpg" (local time, MM from 00) and
+ * print the head of each pack.
+ * @param stream  the platform's record
+ * @return 0
+ * Errors: a file that cannot be created is only printed.
+ * Thread: any.
+ * Ownership: used during the call only.
  */
 NVRHAL_API int32_t test_save_jpeg_to_file(const struct MI_VENC_Stream *stream);
 
 /**
- * Start a real-time thread that does nothing, and wait 2 s. @return 0, or -1 when it could not be
- * created, for want of the privilege for one.
+ * A diagnosis: start a real-time thread that does nothing, and wait 2 s.
+ * @param value  any; handed to the thread
+ * @return 0, or -1
+ * Errors: -1 when the thread could not be created, for want of the privilege for one.
+ * Thread: any.
  */
 NVRHAL_API int32_t venc_start_getstream(uint32_t value);
 
