@@ -44,9 +44,9 @@ struct Stages {
 
 void draw_pane(const Pane &pane, Stages &stages, const MutablePlanarView &canvas)
 {
-    const PlanarView &stream = pane.ticket->picture().view;
-    const int width = pane.ticket->width();
-    const int height = pane.ticket->height();
+    const PlanarView &stream = pane.ref->picture().view;
+    const int width = pane.ref->width();
+    const int height = pane.ref->height();
     const Rect &to = pane.window;
     const Rect &crop = pane.crop;
     const bool whole = crop == Rect{0, 0, width, height};
@@ -145,7 +145,7 @@ public:
         const Scene scene = display_scene(device);
         DrawnPanes next = {};
         for (const Pane &pane : scene.panes)
-            next[pane.slot] = {pane.window, pane.crop, pane.ticket->serial()};
+            next[pane.slot] = {pane.window, pane.crop, pane.ref->serial()};
         uint32_t changed = 0;
         for (const Pane &pane : scene.panes)
             if (!(next[pane.slot] == shown_[pane.slot])) changed |= 1u << pane.slot;
@@ -178,7 +178,7 @@ public:
         if (!slot_lock.owns_lock() || !sheet.has_place_for(ahead)) return;
         draw_pane(pane, slot.stages, sheet.picture.view());
         sheet.drawn[pane.slot].crop = pane.crop;
-        sheet.drawn[pane.slot].serial = pane.ticket->serial();
+        sheet.drawn[pane.slot].serial = pane.ref->serial();
     }
 
     void forget()

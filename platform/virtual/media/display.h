@@ -12,7 +12,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "media/ticket.h"
+#include "media/picture_ref.h"
 #include "mi_disp.h"
 #include "vboard.h"
 
@@ -61,7 +61,7 @@ void display_port_unbind(int32_t device, uint32_t port);
  * A picture for a port. Ignored when the port is off or fed by another source by now. Under step
  * pacing waits while the port's queue is full, until `abandoned`.
  */
-void display_take(int32_t device, uint32_t port, PictureSource source, const TicketPtr &ticket,
+void display_take(int32_t device, uint32_t port, PictureSource source, const PictureRefPtr &ref,
                   const std::atomic<bool> &abandoned);
 
 /*
@@ -88,7 +88,7 @@ struct Pane {
     uint32_t slot; // the device's ports, then those of the picture in picture
     Rect window;
     Rect crop; // part of the delivered picture
-    TicketPtr ticket;
+    PictureRefPtr ref;
 };
 
 /* A pane that will be visible after a step to come, on an output of this size. */

@@ -49,11 +49,11 @@ void mark_seen(InputPort &port)
     port.current->mark_seen();
 }
 
-void put_on_screen(const DisplayState &display, const Device &device, InputPort &port, TicketPtr ticket)
+void put_on_screen(const DisplayState &display, const Device &device, InputPort &port, PictureRefPtr ref)
 {
     settle(display, device, port);
     if (port.current != nullptr && !port.current_seen) ++port.dropped;
-    port.current = std::move(ticket);
+    port.current = std::move(ref);
     port.current_seen = false;
     port.current_since_us = clock_now_us();
 }
@@ -113,7 +113,7 @@ void set_output_size(const Device &device, Scene &scene)
  * nothing else may lie in its window.
  */
 std::optional<PaneAhead> pane_ahead(const DisplayState &display, const Device &device, uint32_t port,
-                                    const TicketPtr &ticket)
+                                    const PictureRefPtr &ref)
 {
     const PortPlace place = place_of_ports(display, device);
     const InputPort &input = device.ports[port];
@@ -129,9 +129,9 @@ std::optional<PaneAhead> pane_ahead(const DisplayState &display, const Device &d
     for (const InputPort &other : device.ports)
         if (&other != &input && is_visible(display, device, other) && overlap(window_of(other), window))
             return std::nullopt;
-    const Rect crop = picture_crop(input.zoom, input.attr, ticket->width(), ticket->height());
+    const Rect crop = picture_crop(input.zoom, input.attr, ref->width(), ref->height());
     return PaneAhead{
-        {port, window, crop, ticket}, size.width, size.height, device.steps + 1 + input.queue.size()};
+        {port, window, crop, ref}, size.width, size.height, device.steps + 1 + input.queue.size()};
 }
 
 } // namespace
@@ -184,7 +184,7 @@ void display_wait_room(int32_t device, uint32_t port, PictureSource source,
     input.room.wait(lock, [&] { return !is_wanted(input, source, abandoned) || !is_full(unit, input); });
 }
 
-void display_take(int32_t device, uint32_t port, PictureSource source, const TicketPtr &ticket,
+void display_take(int32_t device, uint32_t port, PictureSource source, const PictureRefPtr &ref,
                   const std::atomic<bool> &abandoned)
 {
     DisplayState &display = display_state();
@@ -194,7 +194,7 @@ void display_take(int32_t device, uint32_t port, PictureSource source, const Tic
     input.room.wait(lock, [&] { return !is_wanted(input, source, abandoned) || !is_full(unit, input); });
     if (!is_wanted(input, source, abandoned)) return;
     if (unit.pacing == VBOARD_PACING_STEP) {
-        if (const auto ahead = pane_ahead(display, unit, port, ticket)) {
+        if (const auto ahead = pane_ahead(display, unit, port, ref)) {
             // Drawn by the worker that has just decoded it, while it is in the processor's cache. Should
             // anything change meanwhile, the step draws it again.
             lock.unlock();
@@ -205,9 +205,9 @@ void display_take(int32_t device, uint32_t port, PictureSource source, const Tic
     }
     ++input.taken;
     if (unit.pacing == VBOARD_PACING_STEP)
-        input.queue.push_back(ticket);
+        input.queue.push_back(ref);
     else
-        put_on_screen(display, unit, input, ticket);
+        put_on_screen(display, unit, input, ref);
     tell_waiters(display);
 }
 

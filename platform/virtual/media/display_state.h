@@ -24,11 +24,11 @@ struct InputPort {
     bool hidden = false;
     std::optional<PictureSource> source;
 
-    TicketPtr current;            // on screen
-    bool current_seen = false;    // by a refresh, a step or a look
-    int64_t current_since_us = 0; // board clock
-    std::deque<TicketPtr> queue;  // step pacing: next ones, oldest first
-    std::condition_variable room; // a place in `queue`, or a reason to stop waiting for one
+    PictureRefPtr current;           // on screen
+    bool current_seen = false;       // by a refresh, a step or a look
+    int64_t current_since_us = 0;    // board clock
+    std::deque<PictureRefPtr> queue; // step pacing: next ones, oldest first
+    std::condition_variable room;    // a place in `queue`, or a reason to stop waiting for one
 
     uint64_t taken = 0;
     uint64_t shown = 0;

@@ -117,15 +117,15 @@ void list_sinks(MI_ModuleId module, uint32_t channel, SinkList &list, Passes pas
             list.sinks[list.count++] = edge.sink;
 }
 
-void hand_to_sink(PictureSource source, const MI_SYS_ChnPort &sink, const TicketPtr &ticket,
+void hand_to_sink(PictureSource source, const MI_SYS_ChnPort &sink, const PictureRefPtr &ref,
                   const std::atomic<bool> &abandoned)
 {
     if (sink.module == MI_MODULE_DISP)
-        display_take(static_cast<int32_t>(sink.device), sink.channel, source, ticket, abandoned);
+        display_take(static_cast<int32_t>(sink.device), sink.channel, source, ref, abandoned);
     else if (sink.module == MI_MODULE_DIVP)
-        scaler_channel_take(sink.channel, ticket, abandoned);
+        scaler_channel_take(sink.channel, ref, abandoned);
     else if (sink.module == MI_MODULE_VENC)
-        venc_channel_take(sink.channel, ticket, abandoned);
+        venc_channel_take(sink.channel, ref, abandoned);
 }
 
 } // namespace
@@ -191,13 +191,13 @@ void graph_wait_room(MI_ModuleId module, uint32_t channel, const std::atomic<boo
                               {module, channel}, abandoned);
 }
 
-void graph_deliver(MI_ModuleId module, uint32_t channel, const TicketPtr &ticket,
+void graph_deliver(MI_ModuleId module, uint32_t channel, const PictureRefPtr &ref,
                    const std::atomic<bool> &abandoned)
 {
     SinkList list;
     list_sinks(module, channel, list, [](Edge &edge) { return edge.passes(); });
     for (size_t i = 0; i < list.count; ++i)
-        hand_to_sink({module, channel}, list.sinks[i], ticket, abandoned);
+        hand_to_sink({module, channel}, list.sinks[i], ref, abandoned);
 }
 
 void graph_reset()

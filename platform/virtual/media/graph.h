@@ -11,7 +11,7 @@
 
 #include <atomic>
 
-#include "media/ticket.h"
+#include "media/picture_ref.h"
 #include "mi_sys.h"
 
 namespace vboard
@@ -28,7 +28,7 @@ void graph_wait_room(MI_ModuleId module, uint32_t channel, const std::atomic<boo
  * Hand a picture to every sink of a source. May wait for a sink that holds its source back, until
  * `abandoned` becomes true and the sink is woken.
  */
-void graph_deliver(MI_ModuleId module, uint32_t channel, const TicketPtr &ticket,
+void graph_deliver(MI_ModuleId module, uint32_t channel, const PictureRefPtr &ref,
                    const std::atomic<bool> &abandoned);
 
 } // namespace vboard

@@ -75,7 +75,7 @@ struct Channel {
     MI_DIVP_ChnAttr attr = {};
     MI_DIVP_OutputPortAttr output = {};
     uint32_t depth = kOwnDepth;
-    std::deque<TicketPtr> queue;
+    std::deque<PictureRefPtr> queue;
 
     // The worker's own.
     Scaler to_delivered; // from the stream's size to the one the decoder's output port delivers
@@ -123,21 +123,21 @@ bool has_part(const MI_Rect &part)
  * The picture at the output's size, or null for want of memory. As in the display, one scaling does
  * where no dimension would be scaled twice.
  */
-std::shared_ptr<ScaledPicture> scale(Channel &channel, const Ticket &ticket, const MI_DIVP_ChnAttr &attr,
+std::shared_ptr<ScaledPicture> scale(Channel &channel, const PictureRef &ref, const MI_DIVP_ChnAttr &attr,
                                      const MI_DIVP_OutputPortAttr &output)
 {
-    const PlanarView &stream = ticket.picture().view;
+    const PlanarView &stream = ref.picture().view;
     const int width = static_cast<int>(output.width);
     const int height = static_cast<int>(output.height);
-    auto result = std::make_shared<ScaledPicture>(width, height, ticket.picture().pts);
-    const bool once_across = ticket.width() == stream.width || ticket.width() == width;
-    const bool once_down = ticket.height() == stream.height || ticket.height() == height;
-    const bool reduced = ticket.width() != stream.width || ticket.height() != stream.height;
+    auto result = std::make_shared<ScaledPicture>(width, height, ref.picture().pts);
+    const bool once_across = ref.width() == stream.width || ref.width() == width;
+    const bool once_down = ref.height() == stream.height || ref.height() == height;
+    const bool reduced = ref.width() != stream.width || ref.height() != stream.height;
 
     std::unique_ptr<ScaledPicture> delivered;
     PlanarView source = stream;
     if (reduced && (has_part(attr.crop) || !once_across || !once_down)) {
-        delivered = std::make_unique<ScaledPicture>(ticket.width(), ticket.height(), 0);
+        delivered = std::make_unique<ScaledPicture>(ref.width(), ref.height(), 0);
         if (!channel.to_delivered.scale(stream, delivered->planes)) return nullptr;
         source = delivered->view;
     }
@@ -150,13 +150,13 @@ std::shared_ptr<ScaledPicture> scale(Channel &channel, const Ticket &ticket, con
     return result;
 }
 
-void scale_and_deliver(Channel &channel, uint32_t number, const TicketPtr &ticket,
+void scale_and_deliver(Channel &channel, uint32_t number, const PictureRefPtr &ref,
                        const MI_DIVP_ChnAttr &attr, const MI_DIVP_OutputPortAttr &output)
 {
-    auto picture = scale(channel, *ticket, attr, output);
+    auto picture = scale(channel, *ref, attr, output);
     if (picture == nullptr || channel.stopping.load(std::memory_order_acquire)) return;
-    auto scaled = std::make_shared<const Ticket>(std::move(picture), static_cast<int>(output.width),
-                                                 static_cast<int>(output.height), number, channel.tally);
+    auto scaled = std::make_shared<const PictureRef>(std::move(picture), static_cast<int>(output.width),
+                                                     static_cast<int>(output.height), number, channel.tally);
     graph_deliver(MI_MODULE_DIVP, number, scaled, channel.stopping);
 }
 
@@ -169,13 +169,13 @@ void run_worker(Channel &channel, uint32_t number)
     for (;;) {
         channel.work.wait(lock, [&] { return channel.quitting || !channel.queue.empty(); });
         if (channel.quitting) return;
-        TicketPtr ticket = std::move(channel.queue.front());
+        PictureRefPtr ref = std::move(channel.queue.front());
         channel.queue.pop_front();
         const MI_DIVP_ChnAttr attr = channel.attr;
         const MI_DIVP_OutputPortAttr output = channel.output;
         lock.unlock();
-        scale_and_deliver(channel, number, ticket, attr, output);
-        ticket.reset();
+        scale_and_deliver(channel, number, ref, attr, output);
+        ref.reset();
         lock.lock();
     }
 }
@@ -333,21 +333,21 @@ int32_t scaler_set_depth(uint32_t number, uint32_t port, uint32_t queue_depth)
     });
 }
 
-void scaler_channel_take(uint32_t number, const TicketPtr &ticket, const std::atomic<bool> &)
+void scaler_channel_take(uint32_t number, const PictureRefPtr &ref, const std::atomic<bool> &)
 {
     Channel &channel = channels()[number];
     const std::lock_guard guard(channel.mutex);
     if (!channel.started) return;
-    if (static_cast<uint32_t>(ticket->width()) > channel.attr.max_width ||
-        static_cast<uint32_t>(ticket->height()) > channel.attr.max_height) {
+    if (static_cast<uint32_t>(ref->width()) > channel.attr.max_width ||
+        static_cast<uint32_t>(ref->height()) > channel.attr.max_height) {
         if (!channel.told_too_large)
             warn("scaler channel %u was made for pictures up to %u x %u, and gets %d x %d", number,
-                 channel.attr.max_width, channel.attr.max_height, ticket->width(), ticket->height());
+                 channel.attr.max_width, channel.attr.max_height, ref->width(), ref->height());
         channel.told_too_large = true;
         return;
     }
     if (channel.queue.size() >= channel.depth) channel.queue.pop_front();
-    channel.queue.push_back(ticket);
+    channel.queue.push_back(ref);
     channel.work.notify_one();
 }
 

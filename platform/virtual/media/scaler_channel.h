@@ -14,7 +14,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "media/ticket.h"
+#include "media/picture_ref.h"
 #include "mi_divp.h"
 
 namespace vboard
@@ -38,7 +38,7 @@ int32_t scaler_set_depth(uint32_t channel, uint32_t port, uint32_t queue_depth);
 bool scaler_channel_exists(uint32_t channel);
 
 /* A picture for the channel's input; ignored while the channel is stopped. Never waits. */
-void scaler_channel_take(uint32_t channel, const TicketPtr &ticket, const std::atomic<bool> &abandoned);
+void scaler_channel_take(uint32_t channel, const PictureRefPtr &ref, const std::atomic<bool> &abandoned);
 
 } // namespace vboard
 

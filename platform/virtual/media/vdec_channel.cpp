@@ -105,9 +105,9 @@ bool deliver(Channel &channel, uint32_t number, PicturePtr picture)
         width = output_dimension(width, channel.output.width);
         height = output_dimension(height, channel.output.height);
     }
-    auto ticket = std::make_shared<const Ticket>(std::move(picture), width, height, number, channel.tally);
-    graph_deliver(MI_MODULE_VDEC, number, ticket, channel.stopping);
-    ticket.reset();
+    auto ref = std::make_shared<const PictureRef>(std::move(picture), width, height, number, channel.tally);
+    graph_deliver(MI_MODULE_VDEC, number, ref, channel.stopping);
+    ref.reset();
     const std::lock_guard guard(channel.mutex);
     channel.delivering = false;
     return !channel.stopping.load(std::memory_order_relaxed);

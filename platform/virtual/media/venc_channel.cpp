@@ -45,7 +45,7 @@ struct Channel : Waitable { // `changed`: an image, or the state has changed
     uint64_t resets = 0; // an image begun before a reset is thrown away
     MI_VENC_ChnAttr attr = {};
     MI_VENC_JpegParam jpeg = {};
-    TicketPtr input;          // to be encoded next
+    PictureRefPtr input;      // to be encoded next
     std::deque<Image> images; // encoded, oldest first
     std::vector<Image> lent;  // got, not yet released
     uint64_t held_bytes = 0;  // of both
@@ -127,16 +127,16 @@ void run_worker(Channel &channel, uint32_t number)
             return channel.quitting || (channel.input != nullptr && channel.receiving && has_room(channel));
         });
         if (channel.quitting) return;
-        TicketPtr ticket = std::move(channel.input);
+        PictureRefPtr ref = std::move(channel.input);
         const uint64_t resets = channel.resets;
         const int quality = static_cast<int>(channel.jpeg.quality);
         const int restart_rows = static_cast<int>(channel.attr.restart_rows);
         channel.room.notify_one();
         lock.unlock();
-        JpegImage jpeg = encode_jpeg(ticket->picture().view, quality, restart_rows);
+        JpegImage jpeg = encode_jpeg(ref->picture().view, quality, restart_rows);
         lock.lock();
-        if (resets == channel.resets) keep_image(channel, number, std::move(jpeg), ticket->picture().pts);
-        ticket.reset();
+        if (resets == channel.resets) keep_image(channel, number, std::move(jpeg), ref->picture().pts);
+        ref.reset();
     }
 }
 
@@ -329,20 +329,20 @@ int32_t venc_release_stream(uint32_t number, MI_VENC_Stream *stream)
     });
 }
 
-void venc_channel_take(uint32_t number, const TicketPtr &ticket, const std::atomic<bool> &abandoned)
+void venc_channel_take(uint32_t number, const PictureRefPtr &ref, const std::atomic<bool> &abandoned)
 {
     Channel &channel = channels()[number];
     std::unique_lock lock(channel.mutex);
     const auto unwanted = [&] { return !channel.created || abandoned.load(std::memory_order_acquire); };
     channel.room.wait(lock, [&] { return unwanted() || (channel.receiving && channel.input == nullptr); });
     if (unwanted()) return;
-    if (static_cast<uint32_t>(ticket->width()) != channel.attr.width ||
-        static_cast<uint32_t>(ticket->height()) != channel.attr.height) {
+    if (static_cast<uint32_t>(ref->width()) != channel.attr.width ||
+        static_cast<uint32_t>(ref->height()) != channel.attr.height) {
         warn("encoder channel %u was made for %u x %u, and gets %d x %d", number, channel.attr.width,
-             channel.attr.height, ticket->width(), ticket->height());
+             channel.attr.height, ref->width(), ref->height());
         return;
     }
-    channel.input = ticket;
+    channel.input = ref;
     channel.work.notify_one();
 }
 

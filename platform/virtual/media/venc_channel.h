@@ -16,7 +16,7 @@
 #include <atomic>
 #include <cstdint>
 
-#include "media/ticket.h"
+#include "media/picture_ref.h"
 #include "mi_venc.h"
 
 namespace vboard
@@ -41,7 +41,7 @@ int32_t venc_release_stream(uint32_t channel, MI_VENC_Stream *stream);
 bool venc_channel_exists(uint32_t device, uint32_t channel);
 
 /* A picture to encode. Waits while the channel cannot take it, until `abandoned`. */
-void venc_channel_take(uint32_t channel, const TicketPtr &ticket, const std::atomic<bool> &abandoned);
+void venc_channel_take(uint32_t channel, const PictureRefPtr &ref, const std::atomic<bool> &abandoned);
 
 /* Wake sources that wait in venc_channel_take, to look at `abandoned`. */
 void venc_wake_sources();

@@ -1,10 +1,10 @@
 /*
- * ticket.h - a decoded picture on its road through the board, and the book-keeping of its fate: it
- * counts as shown the first time a display shows it, and as dropped when its last owner lets go of
- * it unseen.
+ * picture_ref.h - a decoded picture that the board's stages hand on and share, and the count of what
+ * became of it: it counts as shown the first time a display shows it, and as dropped when its last
+ * owner lets go of it before any display has.
  */
-#ifndef VBOARD_TICKET_H
-#define VBOARD_TICKET_H
+#ifndef VBOARD_PICTURE_REF_H
+#define VBOARD_PICTURE_REF_H
 
 #include <atomic>
 #include <cstdint>
@@ -21,21 +21,21 @@ struct PictureTally {
     std::atomic<uint64_t> dropped{0};
 };
 
-class Ticket
+class PictureRef
 {
 public:
     /* `width` x `height`: the size at which the output port delivers the picture. */
-    Ticket(PicturePtr picture, int width, int height, uint32_t channel, PictureTally &tally)
+    PictureRef(PicturePtr picture, int width, int height, uint32_t channel, PictureTally &tally)
         : picture_(std::move(picture)), width_(width), height_(height), channel_(channel),
           serial_(next_serial()), tally_(tally)
     {
     }
-    ~Ticket()
+    ~PictureRef()
     {
         if (!seen_.load(std::memory_order_relaxed)) tally_.dropped.fetch_add(1);
     }
-    Ticket(const Ticket &) = delete;
-    Ticket &operator=(const Ticket &) = delete;
+    PictureRef(const PictureRef &) = delete;
+    PictureRef &operator=(const PictureRef &) = delete;
 
     void mark_seen() const
     {
@@ -64,7 +64,7 @@ private:
     mutable std::atomic<bool> seen_{false};
 };
 
-using TicketPtr = std::shared_ptr<const Ticket>;
+using PictureRefPtr = std::shared_ptr<const PictureRef>;
 
 } // namespace vboard
 
