@@ -7,7 +7,7 @@
 
 int main(int argc, char **argv)
 {
-    static unsigned char bytes[655360]; /* the largest frame that ext_send_stream takes */
+    static unsigned char bytes[NVRHAL_MAX_SEND_BYTES]; /* the largest frame that ext_send_stream takes */
     FILE *file = argc > 1 ? fopen(argv[1], "rb") : NULL;
     if (!file) return 2;
 

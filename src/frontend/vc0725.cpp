@@ -103,7 +103,7 @@ int32_t send_chip_value(Command command, uint32_t value)
 /** The mode of all inputs: one 960 x 576 main stream switches them together. */
 uint8_t start_mode(int32_t count)
 {
-    for (int32_t channel = 0; channel < 17 && channel < count; ++channel)
+    for (int32_t channel = 0; channel < NVRHAL_MAX_DECODERS && channel < count; ++channel)
         if (load_word(major_stream[channel].size_class) == k960hClass) return k960hMode;
     return kOtherMode;
 }
