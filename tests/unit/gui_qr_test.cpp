@@ -9,9 +9,11 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "nvrhal.h"
@@ -256,6 +258,29 @@ TEST(QrImageExits, WithATextThatNoSymbolHolds)
     const std::string path = directory.file("code.bmp");
     EXPECT_EXIT(qrencode(text_of_length(2954).c_str(), path.c_str()), testing::ExitedWithCode(1), "");
     EXPECT_NE(access(path.c_str(), F_OK), 0);
+}
+
+/* What image.h says of how much fits. */
+TEST(QrImageExits, WithOneByteMoreThanATextOfItsKindMayHave)
+{
+    const struct {
+        std::string_view again_and_again;
+        size_t most_bytes;
+    } kKinds[] = {{"7", 7089}, {"A", 4296}, {"a", 2953}, {"abcdefgh12345678", 2930}, {"a1111K", 2086}};
+    TemporaryDirectory directory;
+    for (const auto &kind : kKinds) {
+        SCOPED_TRACE(kind.again_and_again);
+        std::string text;
+        while (text.size() <= kind.most_bytes)
+            text += kind.again_and_again;
+        text.resize(kind.most_bytes + 1);
+        const std::string path = directory.file("code.bmp");
+        EXPECT_EXIT(qrencode(text.c_str(), path.c_str()), testing::ExitedWithCode(1), "");
+        EXPECT_FALSE(std::filesystem::exists(path));
+        text.pop_back();
+        qrencode(text.c_str(), path.c_str());
+        EXPECT_TRUE(std::filesystem::remove(path));
+    }
 }
 
 TEST(QrImageExits, WhenTheFileCannotBeCreated)
