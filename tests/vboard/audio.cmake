@@ -1,7 +1,7 @@
 # The audio output by its own seam, its control face, and the host side under it.
 
 # A tone sent through the library, and what the board's loudspeaker gave.
-add_library(board_speaker STATIC
+nvrhal_test_library(board_speaker
   ${CMAKE_CURRENT_LIST_DIR}/audio_speaker.cpp
   ${CMAKE_CURRENT_LIST_DIR}/audio_tone.cpp)
 target_link_libraries(board_speaker PUBLIC nvrhal board_rig)

@@ -32,7 +32,7 @@ foreach(channel RANGE 15)
   endif()
 endforeach()
 
-add_library(board_rig STATIC
+nvrhal_test_library(board_rig
   ${CMAKE_CURRENT_SOURCE_DIR}/board_rig.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/snap_pictures.cpp)
 target_include_directories(board_rig PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
