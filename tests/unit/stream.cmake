@@ -14,7 +14,7 @@ target_link_options(stream_test PRIVATE -Wl,--wrap=malloc -Wl,--wrap=calloc)
 target_include_directories(stream_test PRIVATE ${stream_dir}/../../src)
 
 # The pool's own sources, compiled once more over a header that reports every access to shared memory.
-nvrhal_test(stream_interleaving_test
+nvrhal_test(stream_interleaving_test OPTIMISED
   ${stream_dir}/stream_interleaving_test.cpp
   ${stream_dir}/stream_interleaving_probe.cpp
   ${stream_dir}/../../src/stream/pool.cpp

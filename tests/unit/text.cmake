@@ -2,8 +2,7 @@
 # library's iconv and against a plain telling.
 nvrhal_test(text_unit
   text_gb2312_test.cpp text_utf8_test.cpp text_font_test.cpp
-  text_exhaustive_test.cpp
-  text_buffers.cpp text_reference.cpp
+  OPTIMISED text_exhaustive_test.cpp text_buffers.cpp text_reference.cpp
   LIBS nvrhal_objects recording_gtest
   LABEL unit TIMEOUT 120)
 
