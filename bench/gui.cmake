@@ -8,4 +8,4 @@ add_executable(bench_gui
   ${CMAKE_CURRENT_LIST_DIR}/gui/bitmap.cpp
   ${CMAKE_CURRENT_LIST_DIR}/gui/qr_code.cpp
   ${CMAKE_CURRENT_LIST_DIR}/intake/idle_platform.cpp)
-target_link_libraries(bench_gui PRIVATE nvrhal_objects PkgConfig::BENCH_GUI_PIXMAN PkgConfig::BENCH_GUI_SDL2)
+target_link_libraries(bench_gui PRIVATE nvrhal_objects bench_build_kind PkgConfig::BENCH_GUI_PIXMAN PkgConfig::BENCH_GUI_SDL2)

@@ -3,7 +3,7 @@ find_package(PkgConfig REQUIRED)
 pkg_check_modules(BENCH_WALL_FFMPEG REQUIRED IMPORTED_TARGET libavformat libavcodec libavutil)
 add_executable(bench_wall
   wall/bare_loop.cpp wall/clip.cpp wall/contestant.cpp wall/library_wall.cpp wall/main.cpp wall/tools.cpp)
-target_link_libraries(bench_wall PRIVATE nvrhal vboard PkgConfig::BENCH_WALL_FFMPEG)
+target_link_libraries(bench_wall PRIVATE nvrhal vboard bench_build_kind PkgConfig::BENCH_WALL_FFMPEG)
 target_include_directories(bench_wall PRIVATE wall)
 target_link_libraries(bench_wall PRIVATE yuv)
 target_compile_definitions(bench_wall PRIVATE

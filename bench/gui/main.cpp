@@ -8,10 +8,12 @@
 #include <cstring>
 #include <unistd.h>
 
+#include "build_kind.h"
 #include "contest.h"
 
 int main(int count, char **arguments)
 {
+    require_optimised_build();
     // The library prints what it encodes. That is discarded; the report goes to the original output.
     FILE *report = fdopen(dup(STDOUT_FILENO), "w");
     if (!report || !std::freopen("/dev/null", "w", stdout)) return 1;

@@ -5,6 +5,7 @@
  * not count, while what they cost the writer through shared memory does. Contestants take turns and
  * the best turn counts. Reading is timed on one thread over frames that lie ready.
  */
+#include "build_kind.h"
 #include "stores.h"
 
 #include <algorithm>
@@ -171,6 +172,7 @@ void compare_reading(FILE *report)
 
 int main()
 {
+    require_optimised_build();
     // The library prints each position. That is discarded; the report goes to the original output.
     FILE *report = fdopen(dup(STDOUT_FILENO), "w");
     if (!report || !std::freopen("/dev/null", "w", stdout)) return 1;

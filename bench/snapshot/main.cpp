@@ -21,6 +21,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "build_kind.h"
 #include "cameras.h"
 #include "contestant.h"
 #include "vboard.h"
@@ -205,6 +206,7 @@ int compare(const std::string &self, const std::string &clips, int count, int ru
 int main(int argc, char **argv)
 {
     using namespace snapbench;
+    require_optimised_build();
     CLI::App app{"A JPEG of a running channel, beside the ffmpeg tool"};
     std::string clips = "bench-clips", part, clip;
     int count = 100, runs = 11;

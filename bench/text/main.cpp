@@ -9,8 +9,11 @@
 #include <cstring>
 #include <unistd.h>
 
+#include "build_kind.h"
+
 int main(int count, char **arguments)
 {
+    require_optimised_build();
     // The library prints what it converts. That is discarded; the report goes to the original output.
     FILE *report = fdopen(dup(STDOUT_FILENO), "w");
     if (!report || !std::freopen("/dev/null", "w", stdout)) return 1;

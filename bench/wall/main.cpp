@@ -13,6 +13,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "build_kind.h"
 #include "contestant.h"
 #include "walls.h"
 
@@ -108,6 +109,7 @@ void compare(const Mix &mix, const std::string &self, const std::string &clips, 
 int main(int argc, char **argv)
 {
     using namespace wallbench;
+    require_optimised_build();
     CLI::App app{
         "A wall of camera streams as fast as it goes, beside a bare loop, xstack and GStreamer's compositor"};
     std::string clips = "bench-clips", only, as, footage;
