@@ -1,23 +1,45 @@
 #!/bin/bash
 # Build and test everything, from a bare Debian 12.
 #
-#   ./test.sh          optimised build, every test, the seam checks
-#   ./test.sh --all    and: address, undefined-behaviour and thread sanitizers, 32-bit on this PC and
-#                      on ARM under an emulator, house format, static analysis
+#   ./test.sh               the legs dev and seams
+#   ./test.sh --all         every leg
+#   ./test.sh --only LEGS   these legs, in this order, with commas between their names
+#
+# Legs:
+#   dev           optimised build with debug information, every test
+#   seams         dependencies run one way; reads dev's build
+#   format        house format
+#   release       what is shipped, every test, and every benchmark once. The preset sets the build type
+#                 alone, so this is what -DCMAKE_BUILD_TYPE=Release gives as well.
+#   asan          address and undefined-behaviour sanitizers, every test
+#   tsan          thread sanitizer, every test
+#   subdirectory  a project of others that takes the library in
+#   linux-nvrec   the recorder without the board in software
+#   m32           32-bit on this PC: unit, trace and abi tests
+#   armhf         32-bit ARM under an emulator: unit, trace and abi tests
+#   clang         another compiler: everything built; unit, trace and abi tests
+#   lint          static analysis; reads dev's build
 #
 # Every leg runs even when one before it failed; the last line sums all tests up, and the exit
 # status is 0 only when every leg passed.
 set -uo pipefail
 cd "$(dirname "$0")"
 
-case "${1:-}" in
-'') all=no ;;
---all) all=yes ;;
-*) echo "usage: $0 [--all]" >&2; exit 2 ;;
+all_legs=dev,seams,format,release,asan,tsan,subdirectory,linux-nvrec,m32,armhf,clang,lint
+case "$#:${1:-}" in
+0:) legs=dev,seams ;;
+1:--all) legs=$all_legs ;;
+2:--only) legs=$2 ;;
+*) legs= ;;
 esac
-[ $# -le 1 ] || { echo "usage: $0 [--all]" >&2; exit 2; }
+IFS=, read -ra legs <<<"$legs"
+known=${#legs[@]}
+for name in "${legs[@]}"; do
+    [[ ,$all_legs, == *,$name,* ]] || known=0
+done
+[ "$known" -gt 0 ] || { echo "usage: $0 [--all | --only LEG,LEG...]; legs: $all_legs" >&2; exit 2; }
 
-jobs=2
+jobs=$(nproc)
 logs=out/test
 mkdir -p $logs
 passed=0
@@ -52,14 +74,21 @@ build() { # preset, further cmake arguments
     local preset=$1
     shift
     quietly "configure-$preset" cmake --preset "$preset" "$@" &&
-        quietly "build-$preset" cmake --build --preset "$preset" -j $jobs
+        quietly "build-$preset" cmake --build --preset "$preset" -j "$jobs"
 }
 
 # Run a preset's tests behind a command prefix and add its counts to the sum.
 run_tests() { # preset, prefix...
-    local preset=$1 log=$logs/ctest-$1.log status
+    local preset=$1
     shift
-    "$@" ctest --preset "$preset" -j $jobs --no-tests=error >"$log" 2>&1
+    count_tests "$preset" "$@" ctest --preset "$preset" -j "$jobs" --no-tests=error
+}
+
+# Run a ctest command and add its counts to the sum.
+count_tests() { # name of the log, command...
+    local log=$logs/ctest-$1.log status
+    shift
+    "$@" >"$log" 2>&1
     status=$?
     local closing
     closing=$(grep -E '^[0-9]+% tests passed, [0-9]+ tests failed out of [0-9]+' "$log" | tail -n 1)
@@ -79,6 +108,25 @@ run_tests() { # preset, prefix...
 }
 
 dev_leg() { build dev && run_tests dev; }
+
+seams_leg() { tools/check_seams.sh build/dev; }
+
+# The benchmarks in their shortest form, to see that they run; figures want a quiet machine. Their
+# reports are in the log.
+run_benchmarks() {
+    local bin=build/release/bin clips=build/bench-clips
+    $bin/bench_intake && $bin/bench_pool && $bin/bench_text && $bin/bench_gui &&
+        $bin/bench_wall --clips $clips --mix 16x360p-h264 --runs 1 &&
+        $bin/bench_snapshot --clips $clips --count 5 --runs 1
+}
+
+release_leg() {
+    local result=0
+    build release || return 1
+    run_tests release || result=1
+    quietly benchmarks run_benchmarks || result=1
+    return $result
+}
 
 asan_leg() { build asan && run_tests asan env ASAN_OPTIONS=detect_stack_use_after_return=1 UBSAN_OPTIONS=print_stacktrace=1; }
 
@@ -110,7 +158,16 @@ m32_leg() { build m32 && run_tests m32; }
 
 armhf_leg() { build armhf && run_tests armhf; }
 
-linux_nvrec_leg() { quietly linux-nvrec tools/linux_nvrec.sh $jobs; }
+clang_leg() { build clang && run_tests clang; }
+
+linux_nvrec_leg() { quietly linux-nvrec tools/linux_nvrec.sh "$jobs"; }
+
+subdirectory_leg() {
+    local build=build/subdirectory
+    quietly configure-subdirectory cmake -S tests/subdirectory -B $build -G Ninja -DCMAKE_BUILD_TYPE=Debug &&
+        quietly build-subdirectory cmake --build $build -j "$jobs" &&
+        count_tests subdirectory ctest --test-dir $build --output-on-failure --no-tests=error
+}
 
 format_leg() {
     find include src platform apps tests bench tools examples -type f \( -name '*.h' -o -name '*.c' -o -name '*.cpp' \) -print0 |
@@ -119,25 +176,23 @@ format_leg() {
 
 # What is shipped or run by users; tests and benchmarks are held to the compiler's warnings.
 lint_leg() {
-    quietly clang-tidy run-clang-tidy -quiet -p build/dev -j $jobs "^$PWD/(src|platform|apps)/.*"
+    quietly clang-tidy run-clang-tidy -quiet -p build/dev -j "$jobs" "^$PWD/(src|platform|apps)/.*"
 }
 
 begin=$SECONDS
 groups=(build test)
-[ $all = yes ] && groups+=(check)
+for name in "${legs[@]}"; do
+    case $name in
+    dev | seams) ;;
+    release | clang) groups+=(check bench) ;;
+    *) groups+=(check) ;;
+    esac
+done
 tools/setup/install.sh "${groups[@]}" || { echo "test.sh: the set-up failed" >&2; exit 1; }
 
-leg "dev: build and tests" dev_leg
-leg "seams" tools/check_seams.sh build/dev
-if [ $all = yes ]; then
-    leg "asan: build and tests" asan_leg
-    leg "tsan: build and tests" tsan_leg
-    leg "m32: build and tests" m32_leg
-    leg "armhf: build and tests" armhf_leg
-    leg "linux-nvrec: the recorder without the board in software" linux_nvrec_leg
-    leg "format" format_leg
-    leg "lint" lint_leg
-fi
+for name in "${legs[@]}"; do
+    leg "$name" "${name//-/_}_leg"
+done
 
 echo "time: $((SECONDS - begin)) s"
 [ ${#bad_legs[@]} -eq 0 ] || printf 'failed leg: %s\n' "${bad_legs[@]}"
