@@ -1,4 +1,5 @@
 /* board_control_test.cpp - the control face: captures, followers, pacing, faults, traces, the clock. */
+#include <atomic>
 #include <cerrno>
 #include <cstdio>
 #include <fstream>
@@ -8,6 +9,7 @@
 
 #include "board_io.h"
 #include "board_rig.h"
+#include "vboard_devices.h"
 
 using namespace rig;
 
@@ -232,6 +234,43 @@ TEST_F(Control, AFaultedCallIsNotCarriedOut)
     EXPECT_EQ(board_run_command("insmod ms_gpio.ko"), 0);
 }
 
+vboard_fault_stat fault_counts()
+{
+    vboard_fault_stat stat = {};
+    EXPECT_EQ(vboard_fault_get_stat(&stat), 0);
+    return stat;
+}
+
+TEST_F(Control, FaultsThatCatchNothingAndNamesThatAreNoneAreSaidAndCounted)
+{
+    EXPECT_EQ(vboard_fault_get_stat(nullptr), -1);
+    const vboard_fault_stat before = fault_counts();
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(vboard_fault_set("MI_SYS_Innit", 1, 1, -5), -1);
+    ASSERT_EQ(vboard_fault_set("MI_SYS_Init", 1, 2, -5), 0);
+    ASSERT_EQ(vboard_fault_set("MI_VDEC_StartChn", 3, 1, -5), 0);
+    EXPECT_EQ(fault_counts().waiting, 2u);
+    EXPECT_EQ(MI_SYS_Init(), -5);
+    EXPECT_EQ(MI_SYS_Init(), -5);
+    MI_VDEC_StopChn(99);
+    EXPECT_EQ(fault_counts().waiting, 1u);
+    vboard_fault_clear(nullptr);
+    const vboard_fault_stat stat = fault_counts();
+    EXPECT_EQ(stat.refused - before.refused, 1u);
+    EXPECT_EQ(stat.set - before.set, 2u);
+    EXPECT_EQ(stat.fired - before.fired, 2u);
+    EXPECT_EQ(stat.unused - before.unused, 1u);
+    EXPECT_EQ(stat.waiting, 0u);
+    EXPECT_EQ(
+        testing::internal::GetCapturedStderr(),
+        "vboard: board: no platform call is named \"MI_SYS_Innit\"\n"
+        "vboard: MI_VDEC_StopChn: decoder channel 99 (no such channel)\n"
+        "vboard: MI_VDEC_StartChn: the fault set for its call number 3 made no call fail: there were 0\n");
+    ASSERT_EQ(vboard_fault_set("MI_VDEC_StartChn", 1, 1, -5), 0);
+    vboard_reset(); // ends a fault as well
+    EXPECT_EQ(fault_counts().unused - before.unused, 2u);
+}
+
 TEST_F(Control, EveryPlatformCallCanBeMadeToFail)
 {
     std::ifstream names(PLATFORM_CALLS);
@@ -261,6 +300,15 @@ TEST_F(Control, TheTraceHoldsEveryCallWithArgumentsAndResult)
     MI_VDEC_GetChnAttr(0, nullptr);
     board_open("/dev/nothing", 2);
     board_sleep_us(0);
+    const Bytes digits = {'1', '2', '3', '4', '5', '6', '7', '8', '9'};
+    send(0, digits);
+    send(9, digits);
+    vboard_monitor_unplug();
+    vboard_monitor_unplug(); // not plugged in any more: nothing happens
+    vboard_monitor_plug();
+    vboard_mouse_move(3, -4);
+    vboard_panel_press_named("menu");
+    vboard_ir_send(0x12345678, 2);
     vboard_trace_stop();
     MI_SYS_Init();
 
@@ -284,6 +332,13 @@ MI_VDEC_GetChnStat 9 - = 0xa0080005
 MI_VDEC_GetChnAttr 0 null = 0xa0080006
 board_open "/dev/nothing" 2 = -1
 board_sleep_us 0 = 0
+MI_VDEC_SendStream 0 {length=9 pts=0 end_of_frame=0 end_of_stream=0 crc32=cbf43926} -1 = 0
+MI_VDEC_SendStream 9 {length=9 pts=0 end_of_frame=0 end_of_stream=0 crc32=-} -1 = 0xa0080005
+event plug {plugged=0}
+event plug {plugged=1}
+event mouse {type=1 buttons=0 x=3 y=-4 wheel=0}
+event panel {code=109}
+event remote {code=0x12345678 state=2}
 )");
     remove(path.c_str());
 }
@@ -301,6 +356,33 @@ TEST_F(Control, TheClockStandsStillWhenTakenAndMovesByStepsOnly)
     EXPECT_EQ(board_time_us(), wall + 1234567);
     vboard_clock_release();
     EXPECT_GE(vboard_clock_us(), before + 1234567);
+}
+
+TEST_F(Control, AClockTakenAtATimeStandsThere)
+{
+    EXPECT_EQ(vboard_clock_take_at(-1, 0), -1);
+    EXPECT_EQ(vboard_clock_take_at(0, INT64_MAX), -1);
+    ASSERT_EQ(vboard_clock_take_at(5000000, 1700000000000000), 0);
+    EXPECT_EQ(vboard_clock_us(), 5000000);
+    EXPECT_EQ(board_time_us(), 1700000000000000);
+    EXPECT_EQ(vboard_clock_take_at(0, 0), -1); // taken
+    ASSERT_EQ(vboard_clock_step_us(7), 0);
+    EXPECT_EQ(vboard_clock_us(), 5000007);
+    EXPECT_EQ(board_time_us(), 1700000000000007);
+    vboard_clock_release();
+    EXPECT_GE(vboard_clock_us(), 5000007);
+    EXPECT_LT(vboard_clock_us(), 5000007 + 60000000);
+    std::atomic<bool> woke = false;
+    std::thread sleeper([&] {
+        board_sleep_us(4000000);
+        woke = true;
+    });
+    while (vboard_clock_wait_sleepers(1, 1) != 0)
+        ASSERT_FALSE(woke);
+    EXPECT_EQ(vboard_clock_take_at(0, 0), -1); // it would sleep for another time than it asked for
+    vboard_clock_take();
+    ASSERT_EQ(vboard_clock_step_us(4000000), 0);
+    sleeper.join();
 }
 
 TEST_F(Control, ASleepEndsWhenTheClockIsSteppedPastIt)
@@ -350,6 +432,11 @@ TEST_F(Control, AFollowerIsToldOfEveryJumpOfTheClock)
     ASSERT_EQ(vboard_clock_follow(nullptr, nullptr), 0);
     vboard_clock_take();
     EXPECT_EQ(told.size(), 3u);
+    vboard_clock_release();
+    ASSERT_EQ(vboard_clock_follow(follower, &told), 0);
+    ASSERT_EQ(vboard_clock_take_at(5, 6), 0);
+    EXPECT_EQ(told.back(), 5);
+    ASSERT_EQ(vboard_clock_follow(nullptr, nullptr), 0);
     vboard_clock_release();
 }
 

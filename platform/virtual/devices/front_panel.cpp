@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "devices/event_node.h"
+#include "devices/key_names.h"
 #include "devices/peripheral_nodes.h"
 #include "vboard_devices.h"
 
@@ -85,7 +86,19 @@ int vboard_panel_get_stat(vboard_panel_stat *stat)
 
 void vboard_panel_press(uint32_t code)
 {
+    if (!has_code(panel_keys(), code)) warn("the panel has no key of code %u", code);
+    trace_event("panel {code=%u}", code);
     panel().post(code);
+}
+
+int vboard_panel_press_named(const char *name)
+{
+    const auto code = find_code(panel_keys(), name);
+    if (!code)
+        return refuse_plainly("the panel has no key \"%s\": %s", name != nullptr ? name : "",
+                              suggestion(panel_keys(), name).c_str());
+    vboard_panel_press(*code);
+    return 0;
 }
 
 } // extern "C"

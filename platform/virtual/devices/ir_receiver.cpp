@@ -8,6 +8,7 @@
 #include <atomic>
 
 #include "devices/event_node.h"
+#include "devices/key_names.h"
 #include "devices/peripheral_nodes.h"
 #include "vboard_devices.h"
 
@@ -33,14 +34,21 @@ public:
 
     void hold(uint32_t code)
     {
+        if (!has_code(remote_buttons(), code)) warn("no button of a remote control sends 0x%08x", code);
         held_code_ = code;
         is_held_ = true;
-        post({0, code, kPressed});
+        give(code, kPressed);
     }
 
     void release()
     {
-        if (is_held_.exchange(false)) post({0, held_code_, kReleased});
+        if (is_held_.exchange(false)) give(held_code_, kReleased);
+    }
+
+    void give(uint32_t code, uint32_t state)
+    {
+        trace_event("remote {code=0x%08x state=%u}", code, state);
+        post({0, code, state});
     }
 
 private:
@@ -73,6 +81,16 @@ void vboard_ir_press(uint32_t code)
     receiver().release();
 }
 
+int vboard_ir_press_named(const char *name)
+{
+    const auto code = find_code(remote_buttons(), name);
+    if (!code)
+        return refuse_plainly("the remote controls have no button \"%s\": %s", name != nullptr ? name : "",
+                              suggestion(remote_buttons(), name).c_str());
+    vboard_ir_press(*code);
+    return 0;
+}
+
 void vboard_ir_hold(uint32_t code)
 {
     receiver().hold(code);
@@ -85,7 +103,7 @@ void vboard_ir_release(void)
 
 void vboard_ir_send(uint32_t code, uint32_t state)
 {
-    receiver().post({0, code, state});
+    receiver().give(code, state);
 }
 
 } // extern "C"

@@ -33,6 +33,8 @@ public:
         state_.type = type;
         state_.wheel = 0;
         change(state_);
+        trace_event("mouse {type=%u buttons=%u x=%d y=%d wheel=%d}", static_cast<unsigned>(state_.type),
+                    static_cast<unsigned>(state_.buttons), state_.x, state_.y, state_.wheel);
         post(state_);
     }
 

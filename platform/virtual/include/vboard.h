@@ -256,12 +256,26 @@ void vboard_window_close(void);
  */
 int vboard_fault_set(const char *call, uint32_t nth, uint32_t count, int32_t code);
 
-/** Take a fault back; null = all. */
+/** What became of the faults, since the start of the board. */
+typedef struct vboard_fault_stat {
+    uint64_t set;     /* faults that vboard_fault_set accepted                                       */
+    uint64_t refused; /* those it refused: no such call, nth 0                                       */
+    uint64_t fired;   /* calls that a fault made fail                                                */
+    uint64_t unused;  /* faults taken back or replaced before they made any call fail; each said so  */
+    uint32_t waiting; /* faults in force that have not made any call fail yet                        */
+} vboard_fault_stat;
+
+/** Read the counters; they outlive vboard_reset. 0, or -1 (null). */
+int vboard_fault_get_stat(vboard_fault_stat *stat);
+
+/** Take a fault back; null = all. One that has not made any call fail is told on standard error. */
 void vboard_fault_clear(const char *call);
 
 /**
  * Write every platform call to a file from now on, one line each: time in microseconds, name,
- * arguments (records in braces, filled ones after the call), "=" and the result. 0, or -1.
+ * arguments (records in braces, filled ones after the call; encoded bytes and sound as their CRC-32),
+ * "=" and the result. Between them what comes up from the devices: "event" and the plug, a key or the
+ * mouse. 0, or -1.
  */
 int vboard_trace_start(const char *path);
 
@@ -284,6 +298,15 @@ int64_t vboard_clock_us(void);
 
 /** Take the clock: from now on it stands still and moves only by vboard_clock_step_us. */
 void vboard_clock_take(void);
+
+/**
+ * Take the clock and set where it stands: the board clock and the wall clock, microseconds, the
+ * latter since 1970-01-01 00:00 UTC; both 0 to a thousand years. Two runs that begin so and step alike
+ * read the same times. Meant for the start, before anything of the board is in use: a running
+ * watchdog or audio device would see its time jump.
+ * @return 0, or -1 (taken already, somebody waits on the clock, a time out of range)
+ */
+int vboard_clock_take_at(int64_t board_us, int64_t wall_us);
 
 /** Let the clock run again, from where it stands. */
 void vboard_clock_release(void);

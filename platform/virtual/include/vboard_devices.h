@@ -85,8 +85,17 @@ typedef struct vboard_panel_stat {
 /** Read the panel's state. 0, or -1 (null). */
 int vboard_panel_get_stat(vboard_panel_stat *stat);
 
-/** Press a panel key: every opening of the panel reads its code, 4 bytes. */
+/**
+ * Press a panel key: every opening of the panel reads its code, 4 bytes. A code that no key has
+ * (enum KeyCode of nvrhal/key_codes.h) is told on standard error, and delivered all the same.
+ */
 void vboard_panel_press(uint32_t code);
+
+/**
+ * Press a panel key by its name: "menu", "up", "0", "volume-down" (platform/include/panel_keys.h).
+ * @return 0, or -1 (no such name: the line tells the nearest one, or all)
+ */
+int vboard_panel_press_named(const char *name);
 
 /* ---------------------------------------------------------------------------- the IR receiver --- */
 
@@ -94,11 +103,20 @@ void vboard_panel_press(uint32_t code);
  * Buttons of a remote control in front of "/dev/Hi_IR". Every opening is given every frame, and
  * keeps the newest 64. A read waits up to 108 ms of board time, the repeat period, for a frame and
  * then gives 0 bytes; so a held button is one frame and then reads that give nothing. Letting go is
- * a frame with state 1.
+ * a frame with state 1. A code that no button sends is told on standard error, and delivered all the
+ * same.
  */
 void vboard_ir_press(uint32_t code); /* and let go */
-void vboard_ir_hold(uint32_t code);  /* and keep holding */
-void vboard_ir_release(void);        /* without a held button: nothing */
+
+/**
+ * Press a button by its name, and let go: "menu", "up", "0", "small-back" (platform/include/ir_buttons.h).
+ * @return 0, or -1 (no such name: the line tells the nearest one, or all)
+ */
+int vboard_ir_press_named(const char *name);
+
+/* Hold a button, and let go of it. */
+void vboard_ir_hold(uint32_t code); /* and keep holding */
+void vboard_ir_release(void);       /* without a held button: nothing */
 
 /** A frame as it stands, damaged ones and other states included. */
 void vboard_ir_send(uint32_t code, uint32_t state);

@@ -22,7 +22,8 @@ struct Fault {
     uint32_t nth;   // first call that fails, from 1
     uint32_t count; // how many; 0 = all that follow
     int32_t code;
-    uint64_t seen = 0; // calls since the fault was set
+    uint64_t seen = 0;  // calls since the fault was set
+    bool fired = false; // one of them was made to fail
 };
 
 struct CloseFile {
@@ -32,6 +33,7 @@ struct CloseFile {
 struct CallState {
     std::mutex mutex;
     std::map<const CallSite *, Fault> faults;
+    vboard_fault_stat fault_stat = {}; // but for `waiting`, which is counted when asked for
     std::unique_ptr<FILE, CloseFile> trace;
     std::string last_refusal;
     uint64_t refusals = 0;
@@ -81,6 +83,22 @@ void note_refusal(const std::string &text)
     if (calls.loud) print_line(line);
 }
 
+// Take a fault out, if the call has one; the caller holds the mutex. A fault that was set for a call
+// that never came is most often a test that proves nothing.
+void end_fault(CallState &calls, const CallSite *site)
+{
+    const auto found = calls.faults.find(site);
+    if (found == calls.faults.end()) return;
+    if (!found->second.fired) {
+        ++calls.fault_stat.unused;
+        if (calls.loud)
+            print_line(std::string(site->name) + ": the fault set for its call number " +
+                       std::to_string(found->second.nth) + " made no call fail: there were " +
+                       std::to_string(found->second.seen));
+    }
+    calls.faults.erase(found);
+}
+
 void set_hook(unsigned hook, bool on)
 {
     if (on)
@@ -114,6 +132,8 @@ bool take_fault(const CallSite &site, int32_t &code)
     if (fault.seen < fault.nth) return false;
     if (fault.count != 0 && fault.seen >= uint64_t{fault.nth} + fault.count) return false;
     code = fault.code;
+    fault.fired = true;
+    ++calls.fault_stat.fired;
     return true;
 }
 
@@ -146,6 +166,20 @@ int32_t refuse(MI_ModuleId module, MI_Reason reason, const char *format, ...)
     return MI_ERROR(module, reason);
 }
 
+void trace_event(const char *format, ...)
+{
+    if ((call_detail::hooks.load(std::memory_order_relaxed) & call_detail::kTrace) == 0) return;
+    va_list arguments;
+    va_start(arguments, format);
+    const std::string text = format_text(format, arguments);
+    va_end(arguments);
+    CallState &calls = state();
+    const int64_t now_us = clock_now_us();
+    const std::lock_guard guard(calls.mutex);
+    if (calls.trace == nullptr) return;
+    fprintf(calls.trace.get(), "%lld event %s\n", static_cast<long long>(now_us), text.c_str());
+}
+
 int32_t decline(MI_ModuleId module, MI_Reason reason)
 {
     call_detail::declined = reason_text(reason);
@@ -174,12 +208,21 @@ void warn(const char *format, ...)
 
 int fault_set(const char *call, uint32_t nth, uint32_t count, int32_t code)
 {
-    if (call == nullptr || nth == 0) return refuse_plainly("a fault needs a call name and a count from 1");
-    const CallSite *site = find_site(call);
-    if (site == nullptr) return refuse_plainly("no platform call is named \"%s\"", call);
     CallState &calls = state();
+    const CallSite *site = call != nullptr && nth != 0 ? find_site(call) : nullptr;
+    if (site == nullptr) {
+        {
+            const std::lock_guard guard(calls.mutex);
+            ++calls.fault_stat.refused;
+        }
+        if (call == nullptr || nth == 0)
+            return refuse_plainly("a fault needs a call name and a count from 1");
+        return refuse_plainly("no platform call is named \"%s\"", call);
+    }
     const std::lock_guard guard(calls.mutex);
-    calls.faults.insert_or_assign(site, Fault{nth, count, code});
+    ++calls.fault_stat.set;
+    end_fault(calls, site);
+    calls.faults.emplace(site, Fault{nth, count, code});
     set_hook(call_detail::kFault, true);
     return 0;
 }
@@ -188,11 +231,21 @@ void fault_clear(const char *call)
 {
     CallState &calls = state();
     const std::lock_guard guard(calls.mutex);
-    if (call == nullptr)
-        calls.faults.clear();
-    else
-        calls.faults.erase(find_site(call));
+    if (call != nullptr) end_fault(calls, find_site(call));
+    while (call == nullptr && !calls.faults.empty())
+        end_fault(calls, calls.faults.begin()->first);
     set_hook(call_detail::kFault, !calls.faults.empty());
+}
+
+int fault_get_stat(vboard_fault_stat *stat)
+{
+    if (stat == nullptr) return refuse_plainly("no record to fill");
+    CallState &calls = state();
+    const std::lock_guard guard(calls.mutex);
+    *stat = calls.fault_stat;
+    for (const auto &[site, fault] : calls.faults)
+        stat->waiting += fault.fired ? 0 : 1;
+    return 0;
 }
 
 int trace_start(const char *path)

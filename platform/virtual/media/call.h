@@ -24,6 +24,7 @@
 
 #include "media/call_text.h"
 #include "mi_common.h"
+#include "vboard.h"
 
 namespace vboard
 {
@@ -132,12 +133,16 @@ int32_t decline(MI_ModuleId module, MI_Reason reason);
 /* As refuse, for calls whose failure is a plain -1. */
 [[gnu::format(printf, 1, 2)]] int refuse_plainly(const char *format, ...);
 
+/* A line of the trace for something that comes up from a device, while a trace runs. */
+[[gnu::format(printf, 1, 2)]] void trace_event(const char *format, ...);
+
 /* A line on standard error that is no refusal, e.g. a limit of the board. */
 [[gnu::format(printf, 1, 2)]] void warn(const char *format, ...);
 
 /* Behind the control face. */
 int fault_set(const char *call, uint32_t nth, uint32_t count, int32_t code);
 void fault_clear(const char *call);
+int fault_get_stat(vboard_fault_stat *stat);
 int trace_start(const char *path);
 void trace_stop();
 uint64_t refusal_count();

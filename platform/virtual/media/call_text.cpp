@@ -1,6 +1,7 @@
 /* call_text.cpp - arguments and results of platform calls as text. */
 #include "media/call_text.h"
 
+#include <array>
 #include <cinttypes>
 #include <cstdio>
 #include <initializer_list>
@@ -31,6 +32,36 @@ void braces(std::string &text, const void *record, std::initializer_list<Field> 
         gap = " ";
     }
     text += '}';
+}
+
+constexpr std::array<uint32_t, 256> crc_table()
+{
+    std::array<uint32_t, 256> table = {};
+    for (uint32_t byte = 0; byte < table.size(); ++byte) {
+        uint32_t crc = byte;
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc & 1) != 0 ? crc >> 1 ^ 0xEDB88320u : crc >> 1;
+        table[byte] = crc;
+    }
+    return table;
+}
+constexpr std::array<uint32_t, 256> kCrcTable = crc_table();
+
+uint32_t crc32(const void *bytes, size_t size)
+{
+    uint32_t crc = 0xFFFFFFFFu;
+    for (const auto *at = static_cast<const uint8_t *>(bytes); size > 0; --size, ++at)
+        crc = crc >> 8 ^ kCrcTable[(crc ^ *at) & 0xFF];
+    return ~crc;
+}
+
+// In front of a record's closing brace. Only bytes that the call took are read: those of a refused
+// one need not be there.
+void add_checksum(std::string &text, const void *bytes, size_t size, bool taken)
+{
+    char piece[24] = "-";
+    if (taken && bytes != nullptr) snprintf(piece, sizeof piece, "%08" PRIx32, crc32(bytes, size));
+    text.insert(text.size() - 1, std::string(" crc32=") + piece);
 }
 
 } // namespace
@@ -121,8 +152,6 @@ RECORD(MI_SYS_ChnPort, {"module", AT(module)}, {"device", AT(device)}, {"channel
 RECORD(MI_VDEC_ChnAttr, {"codec", AT(codec)}, {"buffer", AT(stream_buffer_bytes)}, {"priority", AT(priority)},
        {"max_width", AT(max_width)}, {"max_height", AT(max_height)}, {"mode", AT(video_mode)},
        {"references", AT(reference_frames)}, {"buffers", AT(decode_buffers)})
-RECORD(MI_VDEC_Stream, {"length", AT(length_bytes)}, {"pts", AT(pts)}, {"end_of_frame", AT(end_of_frame)},
-       {"end_of_stream", AT(end_of_stream)})
 RECORD(MI_VDEC_OutputPortAttr, {"width", AT(width)}, {"height", AT(height)})
 RECORD(MI_VDEC_ChnStat, {"bytes", AT(left_stream_bytes)}, {"frames", AT(left_stream_frames)},
        {"pictures", AT(left_pictures)})
@@ -146,8 +175,6 @@ RECORD(MI_AO_PubAttr, {"sample_rate", AT(sample_rate)}, {"bit_width", AT(bit_wid
        {"work_mode", AT(work_mode)}, {"sound_mode", AT(sound_mode)}, {"frame_count", AT(frame_count)},
        {"samples", AT(samples_per_frame)}, {"channels", AT(channels)}, {"codec_channels", AT(codec_channels)})
 RECORD(MI_AO_AdecAttr, {"codec", AT(codec)}, {"sample_rate", AT(sample_rate)}, {"sound_mode", AT(sound_mode)})
-RECORD(MI_AO_Frame, {"bit_width", AT(bit_width)}, {"sound_mode", AT(sound_mode)}, {"pts", AT(pts)},
-       {"sequence", AT(sequence)}, {"length", AT(length_bytes)})
 RECORD(MI_DIVP_ChnAttr, {"max_width", AT(max_width)}, {"max_height", AT(max_height)},
        {"noise_reduction", AT(noise_reduction)}, {"deinterlace", AT(deinterlace)}, {"rotation", AT(rotation)},
        {"crop_x", AT(crop.x)}, {"crop_y", AT(crop.y)}, {"crop_w", AT(crop.width)},
@@ -159,6 +186,27 @@ RECORD(MI_VENC_ChnAttr, {"codec", AT(codec)}, {"max_width", AT(max_width)}, {"ma
        {"by_frame", AT(by_frame)}, {"restart_rows", AT(restart_rows)})
 RECORD(MI_VENC_JpegParam, {"quality", AT(quality)})
 RECORD(MI_VENC_Stream, {"packs", AT(pack_count)}, {"sequence", AT(sequence)})
+
+void describe(std::string &text, const MI_VDEC_Stream *value, bool filled)
+{
+    braces(text, value,
+           {{"length", AT(length_bytes)},
+            {"pts", AT(pts)},
+            {"end_of_frame", AT(end_of_frame)},
+            {"end_of_stream", AT(end_of_stream)}});
+    if (value != nullptr) add_checksum(text, value->address, value->length_bytes, filled);
+}
+
+void describe(std::string &text, const MI_AO_Frame *value, bool filled)
+{
+    braces(text, value,
+           {{"bit_width", AT(bit_width)},
+            {"sound_mode", AT(sound_mode)},
+            {"pts", AT(pts)},
+            {"sequence", AT(sequence)},
+            {"length", AT(length_bytes)}});
+    if (value != nullptr) add_checksum(text, value->data[0], value->length_bytes, filled);
+}
 
 #undef RECORD
 #undef AT

@@ -1,7 +1,8 @@
 /*
  * call_text.h - arguments and results of platform calls as text, for the call trace. Numbers stand
  * as they are, records in braces, addresses of data as "data". A record that the call fills is
- * written after the call, and as "-" when the call did not fill it.
+ * written after the call, and as "-" when the call did not fill it. Encoded bytes and sound stand as
+ * their CRC-32 (that of zlib and PNG) when the call took them, otherwise as "-".
  */
 #ifndef VBOARD_CALL_TEXT_H
 #define VBOARD_CALL_TEXT_H

@@ -18,6 +18,7 @@ using Steady = std::chrono::steady_clock;
 using Wall = std::chrono::system_clock;
 
 constexpr int64_t kLongestStep_us = int64_t{100} * 365 * 86400 * 1000000; // a hundred years
+constexpr int64_t kLatestTime_us = 10 * kLongestStep_us;
 
 int64_t steady_us()
 {
@@ -162,6 +163,22 @@ void clock_take()
         clock.taken = true;
     }
     tell_everyone();
+}
+
+bool clock_take_at(int64_t board_us, int64_t wall_us)
+{
+    const auto is_sound = [](int64_t time_us) { return time_us >= 0 && time_us <= kLatestTime_us; };
+    ClockState &clock = state();
+    {
+        const std::lock_guard guard(clock.mutex);
+        if (clock.taken || !clock.sleepers_us.empty() || !is_sound(board_us) || !is_sound(wall_us))
+            return false;
+        clock.taken_now_us = board_us;
+        clock.taken_wall_us = wall_us;
+        clock.taken = true;
+    }
+    tell_everyone();
+    return true;
 }
 
 void clock_release()

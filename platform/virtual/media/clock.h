@@ -40,6 +40,12 @@ int64_t clock_deadline_us(int32_t timeout_ms);
 
 bool clock_is_taken();
 void clock_take();
+
+/*
+ * Take the clock and set both times. False when it is taken, when somebody waits on it, or when a
+ * time is negative or beyond a thousand years.
+ */
+bool clock_take_at(int64_t board_us, int64_t wall_us);
 void clock_release();
 int clock_step_us(int64_t microseconds);
 int clock_wait_sleepers(uint32_t count, int32_t timeout_ms);

@@ -53,6 +53,11 @@ void vboard_fault_clear(const char *call)
     fault_clear(call);
 }
 
+int vboard_fault_get_stat(vboard_fault_stat *stat)
+{
+    return fault_get_stat(stat);
+}
+
 int vboard_trace_start(const char *path)
 {
     return trace_start(path);
@@ -86,6 +91,13 @@ int64_t vboard_clock_us(void)
 void vboard_clock_take(void)
 {
     clock_take();
+}
+
+int vboard_clock_take_at(int64_t board_us, int64_t wall_us)
+{
+    if (!clock_take_at(board_us, wall_us))
+        return refuse_plainly("the clock is taken, somebody waits on it, or a time is out of range");
+    return 0;
 }
 
 void vboard_clock_release(void)

@@ -184,6 +184,7 @@ void hdmi_plug(bool plugged)
     const std::lock_guard guard(hdmi.mutex);
     if (hdmi.plugged == plugged) return;
     hdmi.plugged = plugged;
+    trace_event("plug {plugged=%d}", plugged ? 1 : 0);
     // Before the transmitter is initialised nobody hears of it.
     if (hdmi.initialised) hdmi.events.push_back(plugged ? MI_HDMI_EVENT_PLUGGED : MI_HDMI_EVENT_UNPLUGGED);
     hdmi.changed.notify_all();
