@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <iterator>
 #include <new>
 
 #include "host/av_handles.h"
@@ -23,14 +24,35 @@ constexpr int64_t kMaxPicturePixels = int64_t{8192} * 4096;
 // A byte stream that never completes a frame (another codec, noise) is thrown away beyond this.
 constexpr size_t kMaxOpenFrameBytes = size_t{8} << 20;
 
-AVCodecID codec_id(StreamCodec codec)
+/*
+ * What the codecs differ in. Units begin with a start code and a byte that holds their type; those
+ * from `first_side` to `last_side` are parameter sets and messages without picture data.
+ */
+struct CodecTraits {
+    StreamCodec codec;
+    AVCodecID id;
+    unsigned type_shift, type_mask; // of a unit's type; no mask: the stream has no units
+    unsigned first_side, last_side;
+    bool may_hide_order; // reordering need not be stated: display_order.h
+};
+
+constexpr CodecTraits kCodecs[] = {
+    {StreamCodec::h264, AV_CODEC_ID_H264, 0, 0x1f, 6, 12, true},
+    {StreamCodec::h265, AV_CODEC_ID_HEVC, 1, 0x3f, 32, 40, false},
+    {StreamCodec::jpeg, AV_CODEC_ID_MJPEG, 0, 0, 0, 0, false},
+};
+
+consteval bool codecs_stand_by_number()
 {
-    switch (codec) {
-    case StreamCodec::h264: return AV_CODEC_ID_H264;
-    case StreamCodec::h265: return AV_CODEC_ID_HEVC;
-    case StreamCodec::jpeg: return AV_CODEC_ID_MJPEG;
-    }
-    return AV_CODEC_ID_NONE;
+    for (size_t row = 0; row < std::size(kCodecs); ++row)
+        if (kCodecs[row].codec != static_cast<StreamCodec>(row)) return false;
+    return std::size(kCodecs) == kStreamCodecs;
+}
+static_assert(codecs_stand_by_number());
+
+const CodecTraits &traits_of(StreamCodec codec)
+{
+    return kCodecs[static_cast<size_t>(codec)];
 }
 
 /* A picture that lives in the decoder's own frame: nothing is copied. */
@@ -52,35 +74,40 @@ private:
     FramePtr frame_;
 };
 
-// Does this piece of an H.264 or H.265 stream hold coded picture data, or nothing recognisable at
-// all? Parameter sets and messages sent on their own make the decoder complain without any damage.
-bool holds_only_side_data(StreamCodec codec, const uint8_t *bytes, size_t size)
+// Is this piece of a stream nothing but parameter sets and messages? Sent on their own they make the
+// decoder complain without any damage.
+bool holds_only_side_data(const CodecTraits &traits, const uint8_t *bytes, size_t size)
 {
-    if (codec == StreamCodec::jpeg) return false;
+    if (traits.type_mask == 0) return false;
     unsigned units = 0;
     for (size_t at = 0; at + 3 < size; ++at) {
         if (bytes[at] != 0 || bytes[at + 1] != 0 || bytes[at + 2] != 1) continue;
-        const unsigned header = bytes[at + 3];
-        if (codec == StreamCodec::h264) {
-            const unsigned type = header & 0x1f; // 1-5 slices, 6 messages, 7-8 parameter sets, 9 delimiter
-            if (type < 6 || type > 12) return false;
-        } else {
-            const unsigned type = (header >> 1) & 0x3f; // 0-31 slices, 32-40 parameter sets, messages
-            if (type < 32 || type > 40) return false;
-        }
+        const unsigned type = bytes[at + 3] >> traits.type_shift & traits.type_mask;
+        if (type < traits.first_side || type > traits.last_side) return false;
         ++units;
         at += 3;
     }
     return units > 0;
 }
 
+DisplayOrder::Coded coded_as(AVPictureStructure structure)
+{
+    switch (structure) {
+    case AV_PICTURE_STRUCTURE_TOP_FIELD: return DisplayOrder::Coded::top_field;
+    case AV_PICTURE_STRUCTURE_BOTTOM_FIELD: return DisplayOrder::Coded::bottom_field;
+    case AV_PICTURE_STRUCTURE_UNKNOWN:
+    case AV_PICTURE_STRUCTURE_FRAME: break;
+    }
+    return DisplayOrder::Coded::frame;
+}
+
 class AvStreamDecoder final : public StreamDecoder
 {
 public:
-    AvStreamDecoder(StreamCodec codec, std::unique_ptr<FrameMemory> memory, ContextPtr context,
+    AvStreamDecoder(const CodecTraits &traits, std::unique_ptr<FrameMemory> memory, ContextPtr context,
                     ParserPtr parser)
-        : codec_(codec), memory_(std::move(memory)), context_(std::move(context)), parser_(std::move(parser)),
-          packet_(av_packet_alloc()), frame_(av_frame_alloc())
+        : traits_(traits), memory_(std::move(memory)), context_(std::move(context)),
+          parser_(std::move(parser)), packet_(av_packet_alloc()), frame_(av_frame_alloc())
     {
         if (packet_ == nullptr || frame_ == nullptr) throw std::bad_alloc();
         begin_order();
@@ -134,7 +161,7 @@ private:
     void begin_anew()
     {
         open_bytes_ = 0;
-        parser_.reset(av_parser_init(codec_id(codec_)));
+        parser_.reset(av_parser_init(traits_.id));
     }
 
     // One turn of the parser; the bytes it took, or -1 when it can take no more.
@@ -179,9 +206,9 @@ private:
 
     void begin_order()
     {
-        if (codec_ != StreamCodec::h264) return;
+        if (!traits_.may_hide_order) return;
         order_.forget();
-        order_parser_.reset(av_parser_init(AV_CODEC_ID_H264));
+        order_parser_.reset(av_parser_init(traits_.id));
         if (order_parser_ == nullptr) throw std::bad_alloc();
         order_parser_->flags |= PARSER_FLAG_COMPLETE_FRAMES;
     }
@@ -202,14 +229,9 @@ private:
         av_parser_parse2(order_parser_.get(), context_.get(), &unit, &unit_size, bytes,
                          static_cast<int>(size), AV_NOPTS_VALUE, AV_NOPTS_VALUE, 0);
         if (order_parser_->picture_structure == AV_PICTURE_STRUCTURE_UNKNOWN) return; // no readable slice
-        const DisplayOrder::Coded coded =
-            order_parser_->picture_structure == AV_PICTURE_STRUCTURE_TOP_FIELD
-                ? DisplayOrder::Coded::top_field
-            : order_parser_->picture_structure == AV_PICTURE_STRUCTURE_BOTTOM_FIELD
-                ? DisplayOrder::Coded::bottom_field
-                : DisplayOrder::Coded::frame;
-        context_->has_b_frames = static_cast<int>(
-            order_.goes_in(unit_number_, order_parser_->output_picture_number, headers.is_idr, coded));
+        context_->has_b_frames =
+            static_cast<int>(order_.goes_in(unit_number_, order_parser_->output_picture_number,
+                                            headers.is_idr, coded_as(order_parser_->picture_structure)));
     }
 
     // `buffer` holds the bytes and keeps them alive for the decoder.
@@ -228,7 +250,7 @@ private:
         if (receive_all() < 0) failed = true;
         order_.done(static_cast<unsigned>(context_->has_b_frames), failed);
         report_.late += order_.take_late();
-        if (failed && !holds_only_side_data(codec_, bytes, size)) {
+        if (failed && !holds_only_side_data(traits_, bytes, size)) {
             ++report_.errors;
             wait_for_key_ = true;
         }
@@ -310,7 +332,7 @@ private:
                to.height;
     }
 
-    StreamCodec codec_;
+    const CodecTraits &traits_;
     std::unique_ptr<FrameMemory> memory_; // outlives the context
     ContextPtr context_;
     ParserPtr parser_; // null in frame mode
@@ -363,12 +385,13 @@ const uint8_t *EncodedBytes::data() const
 
 bool StreamDecoder::is_available(StreamCodec codec)
 {
-    return avcodec_find_decoder(codec_id(codec)) != nullptr;
+    return avcodec_find_decoder(traits_of(codec).id) != nullptr;
 }
 
 std::unique_ptr<StreamDecoder> StreamDecoder::open(StreamCodec codec, bool whole_frames)
 {
-    const AVCodec *decoder = avcodec_find_decoder(codec_id(codec));
+    const CodecTraits &traits = traits_of(codec);
+    const AVCodec *decoder = avcodec_find_decoder(traits.id);
     if (decoder == nullptr) return nullptr;
     ContextPtr context(avcodec_alloc_context3(decoder));
     if (context == nullptr) return nullptr;
@@ -382,10 +405,11 @@ std::unique_ptr<StreamDecoder> StreamDecoder::open(StreamCodec codec, bool whole
     if (avcodec_open2(context.get(), decoder, nullptr) < 0) return nullptr;
     ParserPtr parser;
     if (!whole_frames) {
-        parser.reset(av_parser_init(codec_id(codec)));
+        parser.reset(av_parser_init(traits.id));
         if (parser == nullptr) return nullptr;
     }
-    return std::make_unique<AvStreamDecoder>(codec, std::move(memory), std::move(context), std::move(parser));
+    return std::make_unique<AvStreamDecoder>(traits, std::move(memory), std::move(context),
+                                             std::move(parser));
 }
 
 } // namespace vboard

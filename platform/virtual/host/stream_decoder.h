@@ -22,6 +22,7 @@ namespace vboard
 {
 
 enum class StreamCodec { h264, h265, jpeg };
+constexpr size_t kStreamCodecs = 3;
 
 /* Encoded bytes with the padding that the decoder reads over. Empty when there was no memory. */
 class EncodedBytes

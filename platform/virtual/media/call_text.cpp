@@ -66,7 +66,7 @@ void add_checksum(std::string &text, const void *bytes, size_t size, bool taken)
 
 } // namespace
 
-const char *reason_text(int reason)
+const char *reason_text(MI_Reason reason)
 {
     switch (reason) {
     case MI_REASON_BAD_DEVICE: return "no such device";
@@ -83,8 +83,8 @@ const char *reason_text(int reason)
     case MI_REASON_BUFFER_FULL: return "buffer full";
     case MI_REASON_TIMEOUT: return "timed out";
     case MI_REASON_FAULT: return "device fault";
-    default: return "unknown reason";
     }
+    return "unknown reason";
 }
 
 std::string code_text(int64_t code)

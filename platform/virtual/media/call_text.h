@@ -22,7 +22,7 @@
 namespace vboard
 {
 
-const char *reason_text(int reason);
+const char *reason_text(MI_Reason reason);
 std::string code_text(int64_t code); // 0 and positive: decimal; negative: -1 or 0x...
 
 void describe(std::string &text, uint32_t value, bool filled);

@@ -23,9 +23,9 @@ namespace vboard
 namespace
 {
 
-constexpr size_t kSheets = 1 + kStepQueue; // on screen, and for the steps that ports queue ahead
+constexpr size_t kBuffers = 1 + kStepQueue; // on screen, and for the steps that ports queue ahead
 
-/* What a sheet shows of a pane slot. An empty window: nothing. */
+/* What a composition buffer shows of a pane slot. An empty window: nothing. */
 struct DrawnPane {
     Rect window;
     Rect crop;
@@ -68,9 +68,9 @@ void draw_pane(const Pane &pane, Stages &stages, const MutablePlanarView &canvas
 
 /*
  * One picture of the output. The looker owns all of it; a worker owns its slot's crop and serial, and
- * the pixels of its window, while it holds the sheet's lock together with the slot's.
+ * the pixels of its window, while it holds the buffer's lock together with the slot's.
  */
-struct Sheet {
+struct CompositionBuffer {
     std::shared_mutex mutex;
     OwnPicture picture;
     DrawnPanes drawn; // by pane slot
@@ -139,8 +139,8 @@ class Canvas
 public:
     std::mutex mutex;
 
-    // Bring the scene's sheet up to date and keep it locked with `sheet_lock`.
-    vboard_picture update(int32_t device, Overlay overlay, std::unique_lock<std::shared_mutex> &sheet_lock)
+    // Bring the scene's buffer up to date and keep it locked with `buffer_lock`.
+    vboard_picture update(int32_t device, Overlay overlay, std::unique_lock<std::shared_mutex> &buffer_lock)
     {
         const Scene scene = display_scene(device);
         DrawnPanes next = {};
@@ -152,42 +152,42 @@ public:
         shown_ = next;
         ++sequence_;
 
-        Sheet &sheet = sheets_[scene.step % kSheets];
-        sheet_lock = std::unique_lock(sheet.mutex);
-        sheet.step = scene.step;
-        sheet.start_afresh(scene);
-        sheet.draw(scene, next, stages_);
+        CompositionBuffer &buffer = buffers_[scene.step % kBuffers];
+        buffer_lock = std::unique_lock(buffer.mutex);
+        buffer.step = scene.step;
+        buffer.start_afresh(scene);
+        buffer.draw(scene, next, stages_);
         if (overlay == Overlay::no || !framebuffer_covers(device, scene.width, scene.height))
-            return describe(sheet.picture.view(), device, changed);
+            return describe(buffer.picture.view(), device, changed);
 
         // The video below stays as it is, so that what did not change need not be drawn again.
         covered_.resize(scene.width, scene.height);
-        copy_picture(read_only(sheet.picture.view()), covered_.view());
+        copy_picture(read_only(buffer.picture.view()), covered_.view());
         framebuffer_draw(covered_.view());
         return describe(covered_.view(), device, changed);
     }
 
     void draw_ahead(const PaneAhead &ahead)
     {
-        Sheet &sheet = sheets_[ahead.step % kSheets];
-        const std::shared_lock sheet_lock(sheet.mutex, std::try_to_lock);
-        if (!sheet_lock.owns_lock()) return; // lent, or being composed
+        CompositionBuffer &buffer = buffers_[ahead.step % kBuffers];
+        const std::shared_lock buffer_lock(buffer.mutex, std::try_to_lock);
+        if (!buffer_lock.owns_lock()) return; // lent, or being composed
         const Pane &pane = ahead.pane;
         Ahead &slot = ahead_[pane.slot];
         const std::unique_lock slot_lock(slot.mutex, std::try_to_lock);
-        if (!slot_lock.owns_lock() || !sheet.has_place_for(ahead)) return;
-        draw_pane(pane, slot.stages, sheet.picture.view());
-        sheet.drawn[pane.slot].crop = pane.crop;
-        sheet.drawn[pane.slot].serial = pane.ref->serial();
+        if (!slot_lock.owns_lock() || !buffer.has_place_for(ahead)) return;
+        draw_pane(pane, slot.stages, buffer.picture.view());
+        buffer.drawn[pane.slot].crop = pane.crop;
+        buffer.drawn[pane.slot].serial = pane.ref->serial();
     }
 
     void forget()
     {
-        for (Sheet &sheet : sheets_) {
-            const std::lock_guard sheet_guard(sheet.mutex);
-            sheet.picture = OwnPicture();
-            sheet.drawn = {};
-            sheet.step = 0;
+        for (CompositionBuffer &buffer : buffers_) {
+            const std::lock_guard buffer_guard(buffer.mutex);
+            buffer.picture = OwnPicture();
+            buffer.drawn = {};
+            buffer.step = 0;
         }
         covered_ = OwnPicture();
         shown_ = {};
@@ -216,11 +216,11 @@ private:
         return picture;
     }
 
-    std::array<Sheet, kSheets> sheets_;            // by step
-    std::array<Stages, kPaneSlots> stages_;        // the looker's, by pane slot
-    std::array<Ahead, MI_DISP_INPUT_PORTS> ahead_; // the workers', by pane slot
-    DrawnPanes shown_;                             // in the composition before
-    OwnPicture covered_;                           // a sheet with the framebuffer over it
+    std::array<CompositionBuffer, kBuffers> buffers_; // by step
+    std::array<Stages, kPaneSlots> stages_;           // the looker's, by pane slot
+    std::array<Ahead, MI_DISP_INPUT_PORTS> ahead_;    // the workers', by pane slot
+    DrawnPanes shown_;                                // in the composition before
+    OwnPicture covered_;                              // a buffer with the framebuffer over it
     uint64_t sequence_ = 0;
 };
 
@@ -233,7 +233,7 @@ Canvas &canvas_of(int32_t device)
 } // namespace
 
 CanvasLook::CanvasLook(int32_t device, Overlay overlay)
-    : lock_(canvas_of(device).mutex), picture_(canvas_of(device).update(device, overlay, sheet_lock_))
+    : lock_(canvas_of(device).mutex), picture_(canvas_of(device).update(device, overlay, buffer_lock_))
 {
 }
 

@@ -2,12 +2,14 @@
  * canvas.h - the composed picture of a display device. It is brought up to date only when someone
  * looks, and only where something has changed since the last look.
  *
- * Under step pacing several sheets take turns, one a step: while one is on screen, decoder workers
- * draw the pictures that their ports queue for the steps to come into the others, in parallel. What
- * they drew counts only if it is what the step wants to show.
+ * Under step pacing a device has several composition buffers and shows them in turn, one a step.
+ * While one is on screen, the decoder workers draw the pictures that their ports have queued for the
+ * next steps into the others, in parallel. A step uses a pane drawn so only if it is the picture that
+ * the step is to show; otherwise it draws the pane itself.
  *
- * Locks, in this order: the canvas (one looker), a sheet (looker alone, workers together), a pane
- * slot (one worker). The display lock is taken inside the canvas's, never inside a sheet's.
+ * Locks, in this order: the canvas (by the thread that looks), a composition buffer (exclusively by
+ * that thread, shared by the workers), a pane slot (by one worker). The display lock is taken inside
+ * the canvas's, never inside a composition buffer's.
  */
 #ifndef VBOARD_CANVAS_H
 #define VBOARD_CANVAS_H
@@ -34,7 +36,7 @@ public:
 
 private:
     std::unique_lock<std::mutex> lock_;
-    std::unique_lock<std::shared_mutex> sheet_lock_;
+    std::unique_lock<std::shared_mutex> buffer_lock_;
     vboard_picture picture_;
 };
 

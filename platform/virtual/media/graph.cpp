@@ -1,4 +1,4 @@
-/* graph.cpp - the table of bindings, and the roads pictures take along it. */
+/* graph.cpp - the table of bindings, and the delivery of pictures along them. */
 #include "media/graph.h"
 
 #include <algorithm>
@@ -69,22 +69,43 @@ bool same_sink(const MI_SYS_ChnPort &a, const MI_SYS_ChnPort &b)
     return same_source(a, b) && a.device == b.device;
 }
 
+// MI_MODULE_SYS, which has neither inputs nor outputs, for a number that is no module.
+MI_ModuleId module_of(const MI_SYS_ChnPort &end)
+{
+    for (const MI_ModuleId module :
+         {MI_MODULE_VENC, MI_MODULE_AO, MI_MODULE_VDEC, MI_MODULE_HDMI, MI_MODULE_DIVP, MI_MODULE_DISP})
+        if (end.module == static_cast<uint32_t>(module)) return module;
+    return MI_MODULE_SYS;
+}
+
 bool source_exists(const MI_SYS_ChnPort &end)
 {
     if (end.port != 0) return false;
-    if (end.module == MI_MODULE_VDEC) return vdec_exists(end.channel);
-    return end.module == MI_MODULE_DIVP && scaler_channel_exists(end.channel);
+    switch (module_of(end)) {
+    case MI_MODULE_VDEC: return vdec_exists(end.channel);
+    case MI_MODULE_DIVP: return scaler_channel_exists(end.channel);
+    case MI_MODULE_SYS:
+    case MI_MODULE_VENC:
+    case MI_MODULE_AO:
+    case MI_MODULE_HDMI:
+    case MI_MODULE_DISP: break; // no outputs
+    }
+    return false;
 }
 
 bool sink_exists(const MI_SYS_ChnPort &end)
 {
     if (end.port != 0) return false;
-    switch (end.module) {
+    switch (module_of(end)) {
     case MI_MODULE_DISP: return display_port_exists(static_cast<int32_t>(end.device), end.channel);
     case MI_MODULE_DIVP: return end.device == 0 && scaler_channel_exists(end.channel);
     case MI_MODULE_VENC: return venc_channel_exists(end.device, end.channel);
-    default: return false;
+    case MI_MODULE_SYS:
+    case MI_MODULE_AO:
+    case MI_MODULE_VDEC:
+    case MI_MODULE_HDMI: break; // no inputs
     }
+    return false;
 }
 
 // Tell the sink who feeds it, or that nobody does (null).

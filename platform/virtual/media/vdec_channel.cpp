@@ -9,7 +9,9 @@
 #include <chrono>
 #include <cstdio>
 #include <deque>
+#include <iterator>
 #include <memory>
+#include <optional>
 #include <thread>
 
 #include "host/stream_decoder.h"
@@ -79,10 +81,23 @@ int32_t not_created(uint32_t number)
     return refuse(MI_MODULE_VDEC, MI_REASON_ABSENT, "decoder channel %u is not created", number);
 }
 
-StreamCodec stream_codec(uint32_t codec)
+struct CodecNumber {
+    uint32_t number; // enum MI_VDEC_Codec
+    StreamCodec codec;
+};
+constexpr CodecNumber kCodecNumbers[] = {
+    {MI_VDEC_CODEC_H264, StreamCodec::h264},
+    {MI_VDEC_CODEC_H265, StreamCodec::h265},
+    {MI_VDEC_CODEC_JPEG, StreamCodec::jpeg},
+};
+static_assert(std::size(kCodecNumbers) == kStreamCodecs);
+
+// None for a number that is no codec.
+std::optional<StreamCodec> stream_codec(uint32_t number)
 {
-    if (codec == MI_VDEC_CODEC_H265) return StreamCodec::h265;
-    return codec == MI_VDEC_CODEC_JPEG ? StreamCodec::jpeg : StreamCodec::h264;
+    for (const CodecNumber &row : kCodecNumbers)
+        if (row.number == number) return row.codec;
+    return std::nullopt;
 }
 
 // The output port only ever makes pictures smaller, each dimension for itself.
@@ -118,7 +133,7 @@ bool deliver(Channel &channel, uint32_t number, PicturePtr picture)
 DecodeReport decode(Channel &channel, const QueuedSend &send, const StreamDecoder::Deliver &take)
 {
     if (channel.decoder == nullptr)
-        channel.decoder = StreamDecoder::open(stream_codec(channel.attr.codec),
+        channel.decoder = StreamDecoder::open(stream_codec(channel.attr.codec).value(),
                                               channel.attr.video_mode == MI_VDEC_MODE_FRAME);
     if (channel.decoder == nullptr) return {.errors = 1}; // no memory
     return channel.decoder->decode(send.bytes, send.pts, send.end_of_frame, send.end_of_stream, take);
@@ -169,7 +184,7 @@ void stop_locked(Channel &channel)
     }
     channel.queue.clear();
     channel.stopping.store(true, std::memory_order_release); // seen by deliver and waiting sinks
-    channel.changed.notify_all();                            // senders that wait for room
+    channel.changed.notify_all(); // senders that wait for room: their send is refused
     lock.unlock();
     display_wake_sources();
     lock.lock();
@@ -199,8 +214,7 @@ bool wait_idle(Channel &channel, int32_t timeout_ms)
 
 int32_t check_attr(const MI_VDEC_ChnAttr &attr)
 {
-    if (attr.codec > MI_VDEC_CODEC_JPEG)
-        return refuse(MI_MODULE_VDEC, MI_REASON_BAD_VALUE, "codec %u", attr.codec);
+    if (!stream_codec(attr.codec)) return refuse(MI_MODULE_VDEC, MI_REASON_BAD_VALUE, "codec %u", attr.codec);
     if (attr.video_mode > MI_VDEC_MODE_FRAME)
         return refuse(MI_MODULE_VDEC, MI_REASON_BAD_VALUE, "video mode %u", attr.video_mode);
     if (attr.stream_buffer_bytes == 0 || attr.stream_buffer_bytes > (64u << 20))
@@ -227,7 +241,7 @@ int32_t vdec_create(uint32_t number, const MI_VDEC_ChnAttr *attr)
     const std::lock_guard control(channel.control);
     if (channel.exists.load(std::memory_order_relaxed))
         return refuse(MI_MODULE_VDEC, MI_REASON_EXISTS, "decoder channel %u", number);
-    if (!StreamDecoder::is_available(stream_codec(attr->codec)))
+    if (!StreamDecoder::is_available(stream_codec(attr->codec).value()))
         return refuse(MI_MODULE_VDEC, MI_REASON_FAULT, "libavcodec has no decoder for codec %u", attr->codec);
     const std::lock_guard guard(channel.mutex);
     if (channel.ever_created) ++channel.counters.recreations;
