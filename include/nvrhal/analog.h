@@ -46,9 +46,9 @@ NVRHAL_API int32_t ad_set_norm(uint32_t norm);
 
 /**
  * Read the video norm.
- * @param norm  out: its low byte
+ * @param norm  out: its low byte; left alone after a failure
  * @return 0, or -1
- * Errors: -1 for no driver, null, or when it refused; printed.
+ * Errors: -1 for null; for no driver, or when it refused, which is printed.
  * Thread: any.
  * Ownership: the record is the caller's.
  */
@@ -67,7 +67,7 @@ NVRHAL_API int32_t ad_work_mode(uint32_t mode);
  * Ask whether an input has lost its signal.
  * @param loss  in: u32 chip, u32 input; out: u32 lost, other than 0 = there is no signal
  * @return 0, or -1
- * Errors: -1 for no driver, null, or when it refused; printed.
+ * Errors: -1 for null; for no driver, or when it refused, which is printed.
  * Thread: any.
  * Ownership: the record is the caller's.
  */
@@ -88,17 +88,17 @@ NVRHAL_API int32_t ad_set_adjust(uint32_t first, uint32_t second, uint32_t third
  * Read the colour adjustment.
  * @param adjust  in and out: three u32
  * @return 0, or -1
- * Errors: -1 for no driver, null, or when it refused; printed.
+ * Errors: -1 for null; for no driver, or when it refused, which is printed.
  * Thread: any.
  * Ownership: the record is the caller's.
  */
 NVRHAL_API int32_t ad_get_adjust(struct AdColorAdjust *adjust);
 
 /**
- * Set the sampling of all audio inputs; any other rate is refused.
+ * Set the sampling of all audio inputs.
  * @param rate  samples a second: 8000, 16000, 32000, 44100 or 48000
  * @return 0, or -1
- * Errors: -1 for no driver, or when it refused; printed.
+ * Errors: -1 for another rate, no driver, or when it refused; printed.
  * Thread: any.
  */
 NVRHAL_API int32_t ad_set_sample_rate(uint32_t rate);
@@ -140,10 +140,10 @@ NVRHAL_API int32_t ad_set_audio_format(uint32_t format);
 NVRHAL_API int32_t ad_audio_work_mode(uint32_t mode);
 
 /**
- * Set the audio bit width; codes other than 0 are refused.
+ * Set the audio bit width.
  * @param code  0
  * @return 0, or -1
- * Errors: -1 for no driver, or when it refused; printed.
+ * Errors: -1 for another code, no driver, or when it refused; printed.
  * Thread: any.
  */
 NVRHAL_API int32_t ad_set_audio_bitwidth(uint32_t code);
@@ -170,7 +170,7 @@ NVRHAL_API int32_t InitMotion(void);
  * Set the part of an input's picture that its chip watches.
  * @param area  u8 chip, u8 input, then 640 bytes, one bit a block
  * @return 0, or -1
- * Errors: -1 for no driver, null, or when it refused; printed.
+ * Errors: -1 for no driver, null, or when it refused; nothing is printed.
  * Thread: any.
  * Ownership: the record is the caller's.
  */
@@ -180,7 +180,7 @@ NVRHAL_API int32_t SetMotionArea(const struct AdMotionArea *area);
  * Ask how many watched blocks of an input move.
  * @param query  in: u8 chip, u8 input, 2 unused bytes; out: u32 blocks
  * @return 0, or -1
- * Errors: -1 for no driver, null, or when it refused; printed.
+ * Errors: -1 for no driver, null, or when it refused; nothing is printed.
  * Thread: any.
  * Ownership: the record is the caller's.
  */
@@ -190,7 +190,7 @@ NVRHAL_API int32_t GetMotionArea(struct AdMotionQuery *query);
  * Set how much of an input's picture must move.
  * @param sensitivity  u8 chip, u8 input, 2 unused bytes, u32 sensitivity
  * @return 0, or -1
- * Errors: -1 for no driver, null, or when it refused; printed.
+ * Errors: -1 for no driver, null, or when it refused; nothing is printed.
  * Thread: any.
  * Ownership: the record is the caller's.
  */

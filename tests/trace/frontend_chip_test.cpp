@@ -178,6 +178,7 @@ TEST(Chips, RefuseNullRecordsOtherRatesAndOtherWidths)
     EXPECT_EQ(ad_get_norm(nullptr), -1);
     EXPECT_EQ(ad_get_loss(nullptr), -1);
     EXPECT_EQ(ad_get_adjust(nullptr), -1);
+    EXPECT_EQ(recording::printed_text(), "");
     for (const uint32_t rate : {0u, 1u, 7999u, 22050u, 0xFFFFFFFFu})
         EXPECT_EQ(ad_set_sample_rate(rate), -1);
     EXPECT_PRINTED_WITHOUT_PREFIX("func(ad_set_sample_rate) line(#): vc0725 not support enSample:22050");
