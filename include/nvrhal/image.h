@@ -24,9 +24,11 @@ typedef struct OsdSurface {
  * The headers of a BMP file.
  * @param path              of the file
  * @param file_header_rest  out: the 12 bytes behind "BM"; the pixels' offset is in the last four
- * @param info              out: the 40-byte info header and the 4 bytes behind it
+ * @param info              out: the 40-byte info header and the 4 bytes behind it; those of the 4 that
+ *                          the file does not have are 0
  * @return 0, or -1
- * Errors: -1 for a file that cannot be opened, is no BMP file, or is cut short.
+ * Errors: -1 for null, and for a file that cannot be opened, is no BMP file, or ends before its info header
+ *         does. The outputs stay as they are.
  * Thread: any.
  * Ownership: the outputs are the caller's.
  */
@@ -34,27 +36,33 @@ NVRHAL_API int32_t GetBmpInfo(const char *path, uint8_t file_header_rest[12], ui
 
 /**
  * Load an uncompressed BMP file of at least 16 bits a pixel whose rows stand from bottom to top: copy
- * 2 bytes a pixel of 16-bit files, otherwise 4 of which the last is set to 128. Rows in the file must be
- * multiples of 4 bytes. A file that ends early fills the rows that it has.
+ * 2 bytes a pixel of 16-bit files, otherwise 4 of which the last is set to 128. The pixels of a row must
+ * make a multiple of 4 bytes in the file. Of the height the low 16 bits count. A file that ends early
+ * fills the rows that it has, which is printed, and the result is 0.
  * @param path     of the file
  * @param surface  its pixels are large enough; width and height are set, and the pitch where it is 0.
  *                 At most a pitch of bytes a row is written.
  * @return 0, or -1
- * Errors: -1 for null, a file that cannot be opened or is not such a file, no memory.
+ * Errors: -1 for null, a file that cannot be opened or is not such a file, no memory; and, unless the
+ *         height counts as 0, for a width below 1 and for 2 GiB of pixels or more. Width, height and pitch
+ *         may be set by then.
  * Thread: any.
  * Ownership: surface and its pixels are the caller's.
  */
 NVRHAL_API int32_t LoadBMP(const char *path, OsdSurface *surface);
 
 /**
- * Load a BMP file as LoadBMP does, and convert it: 24-bit files to color_format, 16- and 32-bit ones
- * are copied. The pitch becomes width * 2 below format 6, else width * 4.
+ * Load a BMP file as LoadBMP does, and convert it: 24-bit files to color_format. 16- and 32-bit ones are
+ * copied, whatever the format; of all others the pixels are left out. The pitch becomes width * 2 below
+ * format 6, else width * 4, and what does not fit in it is cut off: 32-bit files need format 6 or 7.
+ * Rows in the file may have any length and are padded to multiples of 4 bytes; of that length the low 16
+ * bits count, so that rows of 65536 bytes and more are not read right.
  * @param path          of the file
  * @param surface       its pixels are large enough; width, height and pitch are set
  * @param color_format  a row of s_OSDCompInfo, 0 to 7, other than 1 and 5
  * @return 0, or -1
- * Errors: -1 for null, a file that cannot be opened or is not such a file, no memory. Another format
- *         gives 0, leaves the surface's pixels as they are, and prints a line a pixel of a 24-bit file.
+ * Errors: -1 as LoadBMP, but for the length of the rows. Another format gives 0; of a 24-bit file it
+ *         leaves the surface's pixels as they are and prints a line for each.
  * Thread: any.
  * Ownership: surface and its pixels are the caller's.
  */

@@ -132,6 +132,24 @@ TEST(LoadBmpEx, Copies16And32BitFilesUnchanged)
     }
 }
 
+// A copy needs no conversion: formats that have none are as good as any.
+TEST(LoadBmpEx, Copies16BitFilesWhateverTheFormat)
+{
+    FileOnDisk file(test_bitmap(5, 2, 16));
+    for (uint32_t format = 0; format < 10; ++format) {
+        recording::forget_printed();
+        Surface surface(5 * 2 * 4);
+        ASSERT_EQ(LoadBMPEx(file.path(), &surface.record, format), 0) << format;
+        ASSERT_EQ(surface.record.pitch, format < 6 ? 10u : 20u) << format;
+        for (size_t y = 0; y < 2; ++y)
+            for (size_t x = 0; x < 10; ++x)
+                EXPECT_EQ(surface.bytes()[y * surface.record.pitch + x],
+                          test_byte(static_cast<int32_t>(x / 2), static_cast<int32_t>(1 - y), x % 2))
+                    << "format " << format;
+        EXPECT_EQ(recording::printed_text(), "") << format;
+    }
+}
+
 // The pitch comes from the format, not from the file: what does not fit a row is left out.
 TEST(LoadBmpEx, WritesAtMostAPitchOfBytesARow)
 {
