@@ -92,7 +92,7 @@ static void close_files(void)
 /* [leave] */
 static void leave(void)
 {
-    ext_playback_stop(); /* its sound */
+    ext_playback_stop(); /* the output is for live sound again */
     if (player.video.codec != player.camera_codec) vdec_recreate(PLAYING_CHANNEL, player.camera_codec);
     ext_playback_exit();
 }

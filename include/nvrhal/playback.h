@@ -67,7 +67,8 @@ NVRHAL_API int32_t ext_playback_get_buf(FrameInfo *rec);
 NVRHAL_API int32_t ext_playback_set_buf(FrameInfo *rec);
 
 /**
- * Stop playback's sound; the pictures go on.
+ * Give the audio output back to live sound: audio_ctrl.mode becomes AUDIO_USE_LIVE. Nothing else stops:
+ * pictures go on, and sound that is delivered afterwards is still played.
  * @return 0
  * Errors: none.
  * Thread: playback thread.

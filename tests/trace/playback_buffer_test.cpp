@@ -358,6 +358,17 @@ TEST(PlaybackAudio, IsRefusedWhileTheOutputIsOff)
     EXPECT_EQ(platform.calls(), "");
 }
 
+// The stop gives the output back to live sound and closes nothing.
+TEST(PlaybackAudio, IsStillPlayedAfterTheStop)
+{
+    std::vector<uint8_t> bytes(324);
+    audio_ctrl.mode = 2;
+    EXPECT_EQ(ext_playback_stop(), 0);
+    FrameInfo rec = frame_of(FRAME_MEDIA_AUDIO, 0, bytes);
+    EXPECT_EQ(deliver(rec), 0);
+    EXPECT_EQ(platform.count("MI_AO_SendFrame 3 0"), 1u);
+}
+
 TEST(PlaybackAudio, GoesOnAfterAFrameThatFails)
 {
     std::vector<uint8_t> bytes(972);
