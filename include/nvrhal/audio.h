@@ -46,7 +46,7 @@ extern NVRHAL_API uint32_t speak_flag;
 /**
  * Set audio device 3 up for A-law of NVRHAL_SOUND_RATE_HZ, played at 48 kHz; start-up calls it.
  * @return 0, or -1
- * Errors: it stops at the first failure.
+ * Errors: it stops at the first failure, which is printed.
  * Thread: UI thread.
  */
 NVRHAL_API int32_t audio_init(void);
@@ -57,7 +57,7 @@ NVRHAL_API int32_t audio_init(void);
  * @param unused  any value
  * @param attr    null is handed to the platform, which refuses it
  * @return 0, or -1
- * Errors: it stops at the first failure.
+ * Errors: it stops at the first failure; nothing is printed.
  * Thread: UI thread.
  * Ownership: attr is used during the call only.
  */
@@ -70,7 +70,7 @@ NVRHAL_API int32_t audio_start_ao(uint32_t device, uint32_t unused, const struct
  * @param payload_type  the platform's codec code, 0 to 2; 0 = A-law
  * @param mode          sound mode code, 0 = mono; payload type 2 makes it 3
  * @return 0, -1, or the platform's code
- * Errors: -1 for another payload type, the platform's code when it refused.
+ * Errors: -1 for another payload type, which is printed; the platform's code when it refused.
  * Thread: UI thread.
  */
 NVRHAL_API int32_t audio_create_adec_chn(uint32_t device, uint32_t channel, uint32_t payload_type,

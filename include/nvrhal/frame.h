@@ -39,8 +39,8 @@ typedef struct FrameInfo {
     uint32_t display_rate; /* 32  playback buffers: display-rate mode, 2 = double                  */
     uint32_t reserved[2];  /* 36  carried                                                          */
     nvrhal_u64 local_time; /* 44  microseconds since 1970-01-01 00:00 UTC                          */
-    nvrhal_u64 pts;        /* 52  presentation time stamp, in the producer's own unit: the library */
-                           /*     does not compute with it                                        */
+    nvrhal_u64 pts;        /* 52  presentation time stamp, in the producer's own unit: handed on;  */
+                           /*     only kx_stream_getBlock compares those of successive frames     */
 } FrameInfo;
 
 #ifdef __cplusplus

@@ -67,7 +67,8 @@ extern NVRHAL_API const int32_t MOUSE_IMAGE_HEIGHT;
  * @param output_device  any value; ignored
  * @param width          GUI width, pixels, 1 or more
  * @param height         GUI height, pixels, 1 or more
- * @return 0, also when there is no framebuffer device; otherwise -1, or a positive number
+ * @return 0, also when there is no framebuffer device or it does not tell its size; otherwise -1, or a
+ *         positive number
  * Errors: the positive number is the character count of the message that the driver refused the
  *         layer's place. A device that cannot be read again after that ends the process with status 0.
  * Thread: UI thread.

@@ -67,8 +67,9 @@ typedef struct LocalKey {
 extern NVRHAL_API LocalKey key;
 
 /**
- * Which keys of the remote reach the queue: 1 (at load) = all; 0 = all, but the first KEY_CODE_ZOOM
- * after other keys only arms the following ones; any other value = none.
+ * Which keys of the remote reach the queue: 1 (at load) = all; 0 = all, but KEY_CODE_ZOOM is held back
+ * until another key has passed and once more after it; from then on it passes, too, until a key comes
+ * while the value is 1. Any other value = none.
  */
 extern NVRHAL_API int32_t keyboard_zoom_flag_m;
 

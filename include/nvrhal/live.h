@@ -50,9 +50,10 @@ extern NVRHAL_API uint32_t zoom_arg[3];
  * then waits for a key frame. Sending waits for room: video up to 20 ms, sound without limit. Nothing
  * is printed for a frame that goes through.
  *
- * @param frame         reads media, length (1 to NVRHAL_MAX_SEND_BYTES), width, height, data, channel
- *                      and pts, which is handed to the decoder as it is, in the application's own
- *                      unit. Video: channel 0 to NVRHAL_MAX_DECODERS - 1; one from
+ * @param frame         reads media, length (1 to NVRHAL_MAX_SEND_BYTES), data, channel; of video also
+ *                      width and height, pixels, which become those of the channel's main and network
+ *                      stream attributes, and pts, which is handed to the decoder as it is, in the
+ *                      application's own unit. Video: channel 0 to NVRHAL_MAX_DECODERS - 1; one from
  *                      NVRHAL_MASK_CHANNELS on is shown only while cur_display_chnn is 255. Sound: a
  *                      header and units (FrameInfo); a remainder is dropped, and the channel counts
  *                      only while zoomed. Media of other kinds are accepted and ignored.
@@ -63,9 +64,9 @@ extern NVRHAL_API uint32_t zoom_arg[3];
  *                      48 KiB below. Negative tolerates 2 MiB.
  * @param rate_class    any; a class, not a rate: below 5 tolerates the larger backlog of a band
  * @return 0, also when the channel is not shown and the frame was dropped; or -1
- * Errors: -1 for null, a bad length or channel, a frame of kind none, while another channel is zoomed
- *         into, during playback (but for the channel that is snapped), and when the decoder failed or had
- *         no room: it has been reset then.
+ * Errors: -1 for null, a bad length, media none, and while another channel is zoomed into; for video also
+ *         for a bad channel, during playback (but for the channel that is snapped), and when the decoder
+ *         failed or had no room: it has been reset then. A block that the output refuses is only printed.
  * Thread: channel thread.
  * Ownership: the bytes are copied during the call.
  */

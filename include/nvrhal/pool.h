@@ -100,7 +100,8 @@ typedef struct StreamProducerFrame {
  * @param pool    enum StreamPoolNumber, 0 to 2; for any other number the rings are allocated and belong
  *                to no pool
  * @return 0, or -1
- * Errors: null, a channel count outside 1 to 43, or no memory: what has been allocated by then stays.
+ * Errors: -1 for null, a channel count outside 1 to 43, or no memory; the pool stays as it was. What a call
+ *         without enough memory had allocated by then is freed by kx_stream_destroy_avstream.
  * Thread: one.
  * Ownership: config is copied; the rings are the library's.
  */

@@ -100,7 +100,7 @@ NVRHAL_API int32_t venc_snap_stop(uint32_t decoder_channel, uint32_t encoder_cha
  * print the head of each pack.
  * @param stream  the platform's record
  * @return 0
- * Errors: a file that cannot be created is only printed.
+ * Errors: a file that cannot be created is only printed; on a full disk the file ends early.
  * Thread: any.
  * Ownership: used during the call only.
  */
