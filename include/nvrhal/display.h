@@ -192,7 +192,7 @@ NVRHAL_API int32_t Hdmi_callback(uint32_t hdmi_dev, uint32_t event, void *event_
  * Switch the output device and resolution, and set the GUI's framebuffer up anew. The display itself
  * changes when it is started next.
  * @param type    3 = the secondary output, any other = the main output
- * @param width   output pixels, 1 or more; with height it chooses enNorm_vga
+ * @param width   output pixels, 1 or more; with height it chooses enNorm_vga, unless type is 3
  * @param height  output pixels, 1 or more
  * @return 0, or -1
  * Errors: -1 for null, which changes nothing, and for a framebuffer that cannot be set up: the output

@@ -135,9 +135,9 @@ NVRHAL_API int32_t ext_vidoe_image_zoom(int32_t cropDivp, int32_t x, int32_t y, 
 NVRHAL_API int32_t ext_change_zoom_format(const DispAttrib *panes, int32_t count);
 
 /**
- * The same for the secondary output, as it is: the panes are only stored, rounded to even, the last
- * pane's port is hidden, and the port whose number is `count` is shown at the rectangle that an
- * earlier layout left behind the last one stored.
+ * The same for the secondary output, as it is: the panes are only stored, rounded to even; on the current
+ * device the last pane's port is hidden, and the port whose number is `count` is shown at the rectangle
+ * that an earlier layout left behind the last one stored.
  * @param panes  count panes
  * @param count  1 to 31; below 1 stores nothing and uses channel and rectangle 0
  * @return 0, or -1
@@ -163,7 +163,7 @@ NVRHAL_API int32_t local_bind_pip(uint32_t dev, int32_t x, int32_t y, int32_t w,
 
 /**
  * Take video layer 1 off a device.
- * @param dev  0 or 1
+ * @param dev  0 or 1; local_bind_pip puts the layer on device 0, whatever its dev, so give 0
  * @return 0, or -1
  * Errors: -1 for a bad device or a platform call that failed; the layer is disabled first.
  * Thread: UI thread.
