@@ -11,9 +11,8 @@
 
 #include "board_io.h"
 #include "camera.h"
-#include "controls.h"
-#include "ir_buttons.h"
 #include "nodes.h"
+#include "nvrhal.h"
 #include "vboard.h"
 #include "vboard_audio.h"
 #include "vboard_devices.h"
@@ -29,35 +28,6 @@ static struct order {
 static int order_count, next_order;
 static int64_t began_at_us;
 
-/* The remote control's buttons that this recorder knows, and the keys that they are. */
-static const struct button {
-    const char *name;
-    uint32_t key;
-} buttons[] = {
-    {"up", KEY_CODE_UP},       {"down", KEY_CODE_DOWN},
-    {"left", KEY_CODE_LEFT},   {"right", KEY_CODE_RIGHT},
-    {"enter", KEY_CODE_ENTER}, {"play", KEY_CODE_PLAY},
-    {"pause", KEY_CODE_PAUSE}, {"stop", KEY_CODE_STOP},
-    {"zoom", KEY_CODE_ZOOM},   {"snapshot", KEY_CODE_SNAPSHOT},
-};
-
-/* What each button of the remote control sends to the receiver. */
-static const struct sent_code {
-    const char *name;
-    uint32_t code;
-} sent_codes[] = {
-#define ROW(name, code) {name, code},
-    IR_BUTTONS(ROW)
-#undef ROW
-};
-
-static uint32_t sent_by(const char *name)
-{
-    for (size_t i = 0; i < sizeof sent_codes / sizeof sent_codes[0]; ++i)
-        if (strcmp(sent_codes[i].name, name) == 0) return sent_codes[i].code;
-    return 0;
-}
-
 int node_open(const char *path)
 {
     return board_open(path, O_RDONLY);
@@ -71,13 +41,6 @@ int node_read(int node, void *record, size_t size)
 void node_close(int node)
 {
     if (node >= 0) board_close(node);
-}
-
-static const struct button *button_named(const char *name)
-{
-    for (size_t i = 0; i < sizeof buttons / sizeof buttons[0]; ++i)
-        if (strcmp(buttons[i].name, name) == 0) return &buttons[i];
-    return NULL;
 }
 
 bool virtual_board_order(const char *text)
@@ -104,13 +67,10 @@ static bool write_state(const char *path)
 
 static bool carry_out(const struct order *order)
 {
-    const struct button *button = button_named(order->argument);
     int x, y;
-    if (strcmp(order->what, "press") == 0 && button) {
-        vboard_ir_press(sent_by(button->name));
-    } else if (strcmp(order->what, "panel") == 0 && button) {
-        vboard_panel_press(button->key);
-    } else if (strcmp(order->what, "click") == 0 && sscanf(order->argument, "%d,%d", &x, &y) == 2) {
+    if (strcmp(order->what, "press") == 0) return vboard_ir_press_named(order->argument) == 0;
+    if (strcmp(order->what, "panel") == 0) return vboard_panel_press_named(order->argument) == 0;
+    if (strcmp(order->what, "click") == 0 && sscanf(order->argument, "%d,%d", &x, &y) == 2) {
         vboard_mouse_move(x, y);
         vboard_mouse_buttons(1);
         vboard_mouse_buttons(0);

@@ -9,7 +9,7 @@
 
 /*
  * One thing to do: SECONDS:WHAT, the seconds counting from the first turn.
- *   press=NAME      a key of the remote control: up down left right enter play pause stop zoom snapshot
+ *   press=NAME      a key of the remote control: up, enter, play, zoom, snapshot and so on
  *   panel=NAME      the same key of the front panel
  *   click=X,Y       move the mouse there and click its left button
  *   picture=FILE    a PNG of what the screen shows
