@@ -37,18 +37,18 @@ class FakeWall final : public nvrec_test::StandInWall
 public:
     using StandInWall::StandInWall;
 
-    void ring() override
+    void wake() override
     {
         const std::scoped_lock guard(lock_);
         ++rings_;
         rung_.notify_all();
     }
 
-    /* Give a companion turns, one a ring, until it holds; false when nobody rings any more. */
-    template <typename Done> bool turn_until(Companion &companion, Done done)
+    /* Give a module turns, one a ring, until it holds; false when nobody rings any more. */
+    template <typename Done> bool turn_until(Module &module, Done done)
     {
         for (;;) {
-            companion.take_turn(Clock::now());
+            module.take_turn(Clock::now());
             if (done()) return true;
             std::unique_lock guard(lock_);
             if (!rung_.wait_for(guard, 20s, [this] { return rings_ > 0; })) return false;
@@ -99,7 +99,7 @@ TEST(RecorderKeys, EveryButtonOfTheRemoteArrivesThroughTheLibrary)
         for (const Button &button : buttons())
             EXPECT_TRUE(keys.press(button, Keys::Way::kRemote, 20s)) << button.name;
         done = true;
-        wall.ring();
+        wall.wake();
     });
     EXPECT_TRUE(wall.turn_until(keys, [&] { return done.load(); }));
     hand.join();

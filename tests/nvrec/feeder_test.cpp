@@ -26,7 +26,7 @@ TEST(NvrecFeeder, WhatWaitedOnTheLineIsCaughtUpWithoutABurst)
     FeedOptions options;
     options.frames = 50;
     Feeder feeder(0, "rtsp://127.0.0.1:" + std::to_string(port) + "/camera", options);
-    ASSERT_TRUE(feeder.hold()) << feeder.trouble();
+    ASSERT_TRUE(feeder.open()) << feeder.trouble();
     std::this_thread::sleep_for(1s); /* the camera goes on in real time, and nobody reads */
 
     std::vector<Clock::time_point> at;

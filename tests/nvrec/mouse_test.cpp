@@ -65,7 +65,7 @@ protected:
         options.inputs = {clip("play_camera_0.h265"), clip("play_camera_1.h264")};
         options.feed.loop = true;
         wall_ = std::make_unique<RunningWall>(options);
-        add_companions(nullptr);
+        add_modules(nullptr);
     }
 
     void start_files()
@@ -76,7 +76,7 @@ protected:
         PlayerOptions player;
         player.files = {clip("play_0.h264"), clip("play_1.h265")};
         player.loop = true;
-        add_companions(std::make_unique<Player>(player));
+        add_modules(std::make_unique<Player>(player));
     }
 
     void TearDown() override
@@ -132,7 +132,7 @@ protected:
 
 private:
     /* In the order of the recorder itself. */
-    void add_companions(std::unique_ptr<Player> player)
+    void add_modules(std::unique_ptr<Player> player)
     {
         add_controls(wall_->wall(), controls());
         if (player) wall_->wall().add(std::move(player));

@@ -26,7 +26,7 @@ std::string clip(const std::string &name)
 }
 
 /* Takes a picture of camera 0 at the first turn, when the cameras run, and ends the wall. */
-class SnapshotAtOnce final : public Companion
+class SnapshotAtOnce final : public Module
 {
 public:
     SnapshotAtOnce(Snapshots &snapshots, std::string path) : snapshots_(snapshots), path_(std::move(path)) {}
@@ -60,7 +60,7 @@ TEST(NvrecPlaySnapshot, IsTakenAgainWhenTheEncoderKeptItsPicture)
     ScratchDirectory scratch;
     const std::string path = scratch.file("picture.jpg");
     WallOptions options;
-    options.window = WindowWish::kOff;
+    options.window = WindowMode::kOff;
     options.log_path = "-";
     options.inputs = {clip("play_camera_0.h265")};
     options.feed.loop = true;

@@ -26,7 +26,7 @@ protected:
     /* One file alone on the screen, as far as its first picture. */
     void begin(nvrec::Playback &playback, uint32_t codec)
     {
-        ASSERT_EQ(playback.open(), 1U) << playback.lanes()[0]->trouble();
+        ASSERT_EQ(playback.open(), 1U) << playback.tracks()[0]->trouble();
         playback.start([this] { ended_.set_value(); });
         ASSERT_EQ(ext_playback_start(1, 0), 0);
         if (codec != kH265) {

@@ -69,8 +69,8 @@ protected:
     /* Beyond 2^32: the pool keeps the low half only. */
     static constexpr int64_t kFirstStamp_us = 5'000'000'000;
 
-    PoolBell bell_;
-    PoolReader reader_{1, PoolStream::kMain, bell_};
+    PoolEvent event_;
+    PoolReader reader_{1, PoolStream::kMain, event_};
     int64_t number_ = 0, last_taken_ = -1;
     bool refused_ = false;
 };

@@ -1,5 +1,5 @@
 /*
- * running_wall.h - the recorder's wall with its companions in this process, on a thread of its
+ * running_wall.h - the recorder's wall with its modules in this process, on a thread of its
  * own, while the test moves the mouse on the board. For tests.
  *
  * Threads: the wall's main thread is the one started here; all functions belong to the test's.
@@ -29,7 +29,7 @@ struct WallState {
 };
 
 /* Added last, it sees every event before the others and has its turn after them. */
-class Witness final : public nvrec::Companion
+class Witness final : public nvrec::Module
 {
 public:
     bool start(nvrec::WallControl &wall) override
@@ -78,7 +78,7 @@ public:
             const std::scoped_lock guard(lock_);
             end_asked_ = true;
         }
-        if (wall_) wall_->ring(); /* none = it did not come up */
+        if (wall_) wall_->wake(); /* none = it did not come up */
     }
 
 private:
@@ -101,7 +101,7 @@ public:
         if (thread_.joinable()) end();
     }
 
-    /** For its companions, before start(). */
+    /** For its modules, before start(). */
     nvrec::Wall &wall() { return wall_; }
 
     /** @return false = it did not come up. */
@@ -143,7 +143,7 @@ public:
 private:
     static nvrec::WallOptions without_screen(nvrec::WallOptions options)
     {
-        options.window = nvrec::WindowWish::kOff;
+        options.window = nvrec::WindowMode::kOff;
         options.log_path = "-";
         return options;
     }

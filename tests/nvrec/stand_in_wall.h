@@ -1,6 +1,6 @@
 /*
- * nvrec_stand_in_wall.h - what a companion of the recorder knows of the wall, without the wall: it
- * takes down what it is asked for. For tests of a single companion.
+ * nvrec_stand_in_wall.h - what a module of the recorder knows of the wall, without the wall: it
+ * takes down what it is asked for. For tests of a single module.
  */
 #pragma once
 
@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "camera/feeder.h"
-#include "wall/companion.h"
+#include "wall/module.h"
 #include "wall/report.h"
 #include "wall/session.h"
 #include "wall/terminal.h"

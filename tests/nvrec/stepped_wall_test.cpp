@@ -19,7 +19,7 @@ constexpr int64_t kFrame_us = 40'000;    /* of the clip: 25 a second          */
 constexpr uint32_t kThreads = 2;         /* that wait for a time: the wall's and the camera's */
 
 /* Takes the clock when the wall stands and before its camera is fed. */
-class ClockTaker final : public Companion
+class ClockTaker final : public Module
 {
 public:
     bool start(WallControl &) override

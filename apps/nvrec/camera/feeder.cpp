@@ -50,14 +50,14 @@ Feeder::~Feeder()
     join();
 }
 
-bool Feeder::hold()
+bool Feeder::open()
 {
-    hold_tried_ = true;
+    open_tried_ = true;
     if (!input_.open(options_.open_limit)) {
         report(input_.error());
         return false;
     }
-    const Input::Read result = input_.read_key(&held_);
+    const Input::Read result = input_.read_key(&first_unit_);
     if (result != Input::Read::kUnit) {
         report(result == Input::Read::kEnd ? "it holds no key frame" : input_.error());
         return false;
@@ -67,16 +67,16 @@ bool Feeder::hold()
     return true;
 }
 
-int32_t Feeder::prime()
+int32_t Feeder::send_first()
 {
-    return send(held_);
+    return send(first_unit_);
 }
 
 void Feeder::start(Events events)
 {
     events_ = std::move(events);
     started_at_ = Clock::now();
-    promise_until(Clock::now());
+    set_heartbeat_deadline(Clock::now());
     thread_ = std::thread([this] { run(); });
 }
 
@@ -95,19 +95,19 @@ void Feeder::join()
 
 void Feeder::run()
 {
-    if (!hold_tried_) {
-        promise_until(Clock::now() + options_.open_limit);
-        hold();
+    if (!open_tried_) {
+        set_heartbeat_deadline(Clock::now() + options_.open_limit);
+        open();
         started_at_ = Clock::now();
     }
     feed();
-    promise_until(Clock::time_point::max());
+    set_heartbeat_deadline(Clock::time_point::max());
     if (events_.ended) events_.ended(channel_);
 }
 
 void Feeder::feed()
 {
-    AccessUnit unit = std::move(held_);
+    AccessUnit unit = std::move(first_unit_);
     if (!opened_.load() && (!reconnect(trouble()) || !next(&unit))) return;
 
     uint64_t frames = 0;
@@ -115,7 +115,7 @@ void Feeder::feed()
     while (!stopping()) {
         wait_due(unit);
         if (stopping()) return;
-        promise_until(Clock::now());
+        set_heartbeat_deadline(Clock::now());
         pass_sound(unit.due_us);
         if (events_.unit) events_.unit(channel_, unit, input_.facts());
         const bool kept_out = is_kept_out(channel_);
@@ -152,7 +152,7 @@ bool Feeder::next(AccessUnit *unit)
 {
     bool just_rewound = false;
     while (!stopping()) {
-        promise_until(input_.live() ? Clock::now() + kSilence : Clock::now());
+        set_heartbeat_deadline(input_.live() ? Clock::now() + kSilence : Clock::now());
         switch (input_.read(unit)) {
         case Input::Read::kUnit:
             if (unit->key) note_facts();
@@ -198,7 +198,7 @@ bool Feeder::reconnect(const std::string &why)
     const Codec codec_before = input_.facts().codec;
     report(why + "; connecting again");
     while (wait_until(Clock::now() + pause)) {
-        promise_until(Clock::now() + options_.open_limit);
+        set_heartbeat_deadline(Clock::now() + options_.open_limit);
         if (input_.open(options_.open_limit)) {
             const bool first = !opened_.exchange(true);
             note_facts();
@@ -218,7 +218,7 @@ bool Feeder::reconnect(const std::string &why)
 /* False when the recorder stops first. */
 bool Feeder::wait_until(Clock::time_point when)
 {
-    promise_until(when);
+    set_heartbeat_deadline(when);
     std::unique_lock guard(sleep_lock_);
     return !sleep_.wait_until(guard, when, [this] { return stopping(); });
 }
@@ -231,7 +231,7 @@ void Feeder::wait_due(const AccessUnit &unit)
     }
     if (options_.as_fast_as_can && events_.sink) return; /* the sink paces */
     if (options_.as_fast_as_can) {
-        promise_until(Clock::now() + kDecoderPatience);
+        set_heartbeat_deadline(Clock::now() + kDecoderPatience);
         host::wait_for_decoder(channel_, kDecoderPatience);
         return;
     }
@@ -278,14 +278,14 @@ int32_t Feeder::send_to_decoder(const AccessUnit &unit)
     return result;
 }
 
-void Feeder::promise_until(Clock::time_point when)
+void Feeder::set_heartbeat_deadline(Clock::time_point when)
 {
-    promise_.store(when.time_since_epoch().count(), std::memory_order_relaxed);
+    heartbeat_deadline_.store(when.time_since_epoch().count(), std::memory_order_relaxed);
 }
 
-Clock::time_point Feeder::promise() const
+Clock::time_point Feeder::heartbeat_deadline() const
 {
-    return Clock::time_point(Clock::duration(promise_.load(std::memory_order_relaxed)));
+    return Clock::time_point(Clock::duration(heartbeat_deadline_.load(std::memory_order_relaxed)));
 }
 
 void Feeder::note_facts()

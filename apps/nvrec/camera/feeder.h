@@ -1,14 +1,14 @@
 /*
  * feeder.h - one camera's thread: reads access units and hands them to the library in time.
  *
- *      hold()          start()                    stop() or the end of the input
+ *      open()          start()                    stop() or the end of the input
  *  new ------> held ----------> feeding <-----> waiting to reconnect ------> ended
  *
- * hold() reads the first key frame, which the caller sends once so that the library makes the
+ * open() reads the first key frame, which the caller sends once so that the library makes the
  * channel a decoder of its codec; the layout throws that frame away, and the thread sends it again
  * as its first.
  *
- * Threads: hold(), start() and stop() from one thread, the counters from any.
+ * Threads: open(), start() and stop() from one thread, the counters from any.
  */
 #pragma once
 
@@ -67,14 +67,14 @@ public:
     ~Feeder();
 
     /** Open the input and read its first key frame. @return false with the reason in trouble(). */
-    bool hold();
+    bool open();
 
     /** Send the held frame once, so that its decoder is made. @return the library's result. */
-    int32_t prime();
+    int32_t send_first();
 
     /**
-     * Start the thread. A live input that hold() could not open is tried again by it; an input for
-     * which hold() was not called is opened by it.
+     * Start the thread. A live input that open() could not open is tried again by it; an input for
+     * which open() was not called is opened by it.
      */
     void start(Events events);
 
@@ -92,7 +92,7 @@ public:
      * that may take its time. A promise that is past means that the thread hangs. max() = it does not
      * run, or has ended.
      */
-    Clock::time_point promise() const;
+    Clock::time_point heartbeat_deadline() const;
 
     /** Codec, size and frame rate as last learned. */
     StreamFacts facts() const;
@@ -112,20 +112,20 @@ private:
     void pass_sound(int64_t until_us);
     void note_facts();
     void report(const std::string &line);
-    void promise_until(Clock::time_point when);
+    void set_heartbeat_deadline(Clock::time_point when);
     bool stopping() const { return stop_.load(std::memory_order_relaxed); }
 
     const int channel_;
     const FeedOptions options_;
     Input input_;
-    AccessUnit held_;
-    bool hold_tried_ = false;
+    AccessUnit first_unit_;
+    bool open_tried_ = false;
     Events events_;
     std::thread thread_;
     std::atomic<bool> stop_ = false;
-    std::atomic<bool> opened_ = false;            /* the input was opened at least once        */
-    std::atomic<bool> broken_ = false;            /* it ended by a failure, not by its own end */
-    std::atomic<Clock::rep> promise_ = INT64_MAX; /* ticks of the clock        */
+    std::atomic<bool> opened_ = false;                       /* the input was opened at least once        */
+    std::atomic<bool> broken_ = false;                       /* it ended by a failure, not by its own end */
+    std::atomic<Clock::rep> heartbeat_deadline_ = INT64_MAX; /* ticks of the clock        */
     Clock::time_point started_at_;
     Clock::time_point paced_at_;   /* live: when the last unit went on    */
     int64_t paced_due_us_ = 0;     /* and when it was due                 */

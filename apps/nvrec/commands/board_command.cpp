@@ -28,13 +28,13 @@ int show_fresh_board(const std::string &path, const BoardOptions &options)
     if (!terminal.send_log_to(options.log_path)) return kExitOutputFailed;
     Session session;
     if (!session.start(*output_mode_named("1920x1080"), kCameras)) {
-        terminal.complain("the library did not start; its log says why: " + options.log_path);
+        terminal.error("the library did not start; its log says why: " + options.log_path);
         return kExitBoardFailed;
     }
-    terminal.say("a freshly started board; no recorder listens at " + path);
+    terminal.print("a freshly started board; no recorder listens at " + path);
     std::string table = board_text(board_rows());
-    table.pop_back(); /* say() ends the line */
-    terminal.say(table);
+    table.pop_back(); /* print() ends the line */
+    terminal.print(table);
     session.stop();
     return kExitDone;
 }

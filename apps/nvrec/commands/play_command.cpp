@@ -39,12 +39,12 @@ int whole(double number)
 }
 
 /* The verbs of --do. */
-void teach(Script &script, int files, Player &player, Zoom &zoom, Snapshots &snapshots)
+void add_verbs(Script &script, int files, Player &player, Zoom &zoom, Snapshots &snapshots)
 {
     using Arguments = Script::Arguments;
     const auto second = Script::number("a second from 0 on", 0, kLongest_s);
     const auto seconds = Script::number("seconds", -kLongest_s, kLongest_s);
-    const Script::Kind speed = {"1, 2 or 4", [](double times) { return Player::is_speed(times); }};
+    const Script::ArgumentType speed = {"1, 2 or 4", [](double times) { return Player::is_speed(times); }};
     const auto file = Script::whole_number("a file", 0, files - 1);
     const auto heard = Script::whole_number("a file", -1, files - 1);
     const auto page = Script::whole_number("a page", 1, Player::pages_of(files));
@@ -52,28 +52,29 @@ void teach(Script &script, int files, Player &player, Zoom &zoom, Snapshots &sna
     const auto place = Script::whole_number("x and y", 0, kMostPixels);
     const auto size = Script::whole_number("w and h", kFewestPixels, kMostPixels);
 
-    script.offer("play", {}, [&](const Arguments &) { player.play(); });
-    script.offer("pause", {}, [&](const Arguments &) { player.pause(true); });
-    script.offer("resume", {}, [&](const Arguments &) { player.pause(false); });
-    script.offer("seek", {second}, [&](const Arguments &to) { player.seek(to[0]); });
-    script.offer("skip", {seconds}, [&](const Arguments &by) { player.skip(by[0]); });
-    script.offer("speed", {speed}, [&](const Arguments &times) { player.set_speed(times[0]); });
-    script.offer("enlarge", {file}, [&](const Arguments &which) { player.enlarge(whole(which[0])); });
-    script.offer("back", {}, [&](const Arguments &) { player.enlarge(-1); });
-    script.offer("page", {page}, [&](const Arguments &which) { player.turn_to_page(whole(which[0]) - 1); });
-    script.offer("hear", {heard}, [&](const Arguments &which) { player.hear(whole(which[0])); });
-    script.offer("live", {}, [&](const Arguments &) { player.live(); });
-    script.offer("snapshot", {channel}, [&](const Arguments &which) {
+    script.add_verb("play", {}, [&](const Arguments &) { player.play(); });
+    script.add_verb("pause", {}, [&](const Arguments &) { player.pause(true); });
+    script.add_verb("resume", {}, [&](const Arguments &) { player.pause(false); });
+    script.add_verb("seek", {second}, [&](const Arguments &to) { player.seek(to[0]); });
+    script.add_verb("skip", {seconds}, [&](const Arguments &by) { player.skip(by[0]); });
+    script.add_verb("speed", {speed}, [&](const Arguments &times) { player.set_speed(times[0]); });
+    script.add_verb("enlarge", {file}, [&](const Arguments &which) { player.enlarge(whole(which[0])); });
+    script.add_verb("back", {}, [&](const Arguments &) { player.enlarge(-1); });
+    script.add_verb("page", {page},
+                    [&](const Arguments &which) { player.turn_to_page(whole(which[0]) - 1); });
+    script.add_verb("hear", {heard}, [&](const Arguments &which) { player.hear(whole(which[0])); });
+    script.add_verb("live", {}, [&](const Arguments &) { player.live(); });
+    script.add_verb("snapshot", {channel}, [&](const Arguments &which) {
         const int code = snapshots.take(whole(which[0]));
         if (code != kExitDone) player.fail(code, {});
     });
-    script.offer("zoom", {channel, place, place, size, size}, [&](const Arguments &part) {
+    script.add_verb("zoom", {channel, place, place, size, size}, [&](const Arguments &part) {
         const std::string problem = zoom.begin(
             whole(part[0]), ZoomRect{whole(part[1]), whole(part[2]), whole(part[3]), whole(part[4])});
         if (!problem.empty()) player.fail(kExitUsage, "zoom: " + problem);
     });
-    script.offer("unzoom", {}, [&](const Arguments &) { zoom.end(); });
-    script.offer("end", {}, [&](const Arguments &) { player.end(); });
+    script.add_verb("unzoom", {}, [&](const Arguments &) { zoom.end(); });
+    script.add_verb("end", {}, [&](const Arguments &) { player.end(); });
 }
 
 int run_play(PlayCommand command)
@@ -93,13 +94,13 @@ int run_play(PlayCommand command)
     auto zoom = std::make_unique<Zoom>(
         command.zoom, [files = player.get()](int channel) { return files->picture_size(channel); });
     auto snapshots = std::make_unique<Snapshots>(command.snapshot_dir);
-    teach(*script, static_cast<int>(command.player.files.size()), *player, *zoom, *snapshots);
+    add_verbs(*script, static_cast<int>(command.player.files.size()), *player, *zoom, *snapshots);
     const std::string problem = script->parse(command.script);
     if (!problem.empty()) {
         std::fprintf(stderr, "nvrec: --do: %s\n", problem.c_str());
         return kExitUsage;
     }
-    if (script->says("play")) player->wait_for_order();
+    if (script->contains_verb("play")) player->wait_for_order();
     add_controls(wall, command.controls);
     wall.add(std::move(player));
     wall.add(std::move(snapshots));

@@ -79,9 +79,9 @@ Command record_command(CLI::App &app)
                 RecorderOptions recorder = {*options, {}, line.options->feed};
                 if (!read_network_addresses(*network, line.options->inputs.size(), &recorder.network))
                     return static_cast<int>(kExitUsage);
-                std::vector<std::unique_ptr<Companion>> companions;
-                companions.push_back(std::make_unique<Recorder>(std::move(recorder)));
-                return line.run(std::move(companions));
+                std::vector<std::unique_ptr<Module>> modules;
+                modules.push_back(std::make_unique<Recorder>(std::move(recorder)));
+                return line.run(std::move(modules));
             }};
 }
 

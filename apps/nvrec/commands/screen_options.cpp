@@ -14,10 +14,10 @@ namespace nvrec
 namespace
 {
 
-const std::map<std::string, WindowWish> kWindowWishes = {
-    {"auto", WindowWish::kAuto},
-    {"on", WindowWish::kOn},
-    {"off", WindowWish::kOff},
+const std::map<std::string, WindowMode> kWindowModees = {
+    {"auto", WindowMode::kAuto},
+    {"on", WindowMode::kOn},
+    {"off", WindowMode::kOff},
 };
 
 } // namespace
@@ -49,7 +49,7 @@ void add_screen_options(CLI::App &command, WallOptions &options)
         ->check(from_zero_on())
         ->capture_default_str();
     command.add_option("--window", options.window, "Open a window: auto (when there is a screen), on, off")
-        ->transform(CLI::CheckedTransformer(kWindowWishes, CLI::ignore_case))
+        ->transform(CLI::CheckedTransformer(kWindowModees, CLI::ignore_case))
         ->default_str("auto");
     command.add_option("--log", options.log_path, "Where the library's log goes; - = standard output")
         ->capture_default_str();

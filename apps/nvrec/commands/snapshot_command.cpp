@@ -27,7 +27,7 @@ struct SnapshotCommand {
 };
 
 /* Takes the picture at the first turn, when the cameras run, and ends the wall. */
-class SnapshotOnce final : public Companion
+class SnapshotOnce final : public Module
 {
 public:
     SnapshotOnce(const SnapshotCommand &command, Snapshots &snapshots)
@@ -105,7 +105,7 @@ int run_snapshot(SnapshotCommand command)
 Command snapshot_command(CLI::App &app)
 {
     auto command = std::make_shared<SnapshotCommand>();
-    command->wall.window = WindowWish::kOff;
+    command->wall.window = WindowMode::kOff;
     CLI::App *snapshot = app.add_subcommand("snapshot", "Write a JPEG picture, 352 x 288, of one camera");
     snapshot->footer(
         "The channel need not be shown: --layout 1 --channel 3 takes a hidden one. Exit status: 0 written,\n"

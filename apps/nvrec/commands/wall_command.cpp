@@ -5,8 +5,8 @@
 #include <CLI/CLI.hpp>
 
 #include "commands/command.h"
-#include "commands/furniture_options.h"
 #include "commands/module_options.h"
+#include "commands/overlay_options.h"
 #include "commands/screen_options.h"
 #include "commands/wall_options.h"
 #include "controls/controls.h"
@@ -25,17 +25,17 @@ struct CloserLook {
     std::string snapshot_dir = "out";
 };
 
-using Companions = std::vector<std::unique_ptr<Companion>>;
+using Modules = std::vector<std::unique_ptr<Module>>;
 
-int run_wall(const WallOptions &options, const ControlOptions &controls, const FurnitureOptions &furniture,
-             const CloserLook &closer, const ListenOptions &listen, Companions companions)
+int run_wall(const WallOptions &options, const ControlOptions &controls, const OverlayOptions &overlay,
+             const CloserLook &closer, const ListenOptions &listen, Modules modules)
 {
     Wall wall(options);
-    for (std::unique_ptr<Companion> &companion : companions)
-        wall.add(std::move(companion));
+    for (std::unique_ptr<Module> &module : modules)
+        wall.add(std::move(module));
     if (listen.channel >= 0) wall.add(std::make_unique<Listener>(listen));
     add_controls(wall, controls);
-    wall.add(std::make_unique<Furniture>(furniture));
+    wall.add(std::make_unique<Overlay>(overlay));
     wall.add(std::make_unique<Snapshots>(closer.snapshot_dir));
     wall.add(std::make_unique<Zoom>(closer.zoom)); /* last: it wants the arrow keys while it zooms */
     return wall.run();
@@ -74,7 +74,7 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
 
     auto controls = std::make_shared<ControlOptions>();
     add_control_options(*wall, *controls);
-    const auto furniture = add_furniture_options(*wall);
+    const auto overlay = add_overlay_options(*wall);
     auto closer = std::make_shared<CloserLook>();
     add_zoom_options(*wall, closer->zoom);
     wall->add_option("--snapshot-dir", closer->snapshot_dir, "Where the snapshot key's pictures go")
@@ -82,7 +82,7 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
     auto listen = std::make_shared<ListenOptions>();
     add_listen_options(*wall, *listen);
 
-    return {options, [=](Companions companions) {
+    return {options, [=](Modules modules) {
                 if (options->inputs.size() > most_inputs) {
                     std::fprintf(stderr, "nvrec: %zu inputs; it takes at most %zu\n", options->inputs.size(),
                                  most_inputs);
@@ -94,7 +94,7 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
                 }
                 options->wait_for_all = !closer->zoom.rect.empty();
                 if (listen->channel >= 0) options->feed.sound_channels |= 1u << listen->channel;
-                return run_wall(*options, *controls, *furniture, *closer, *listen, std::move(companions));
+                return run_wall(*options, *controls, *overlay, *closer, *listen, std::move(modules));
             }};
 }
 

@@ -19,8 +19,8 @@ namespace nvrec
 struct WallCommandLine {
     std::shared_ptr<WallOptions> options;
 
-    /** @param companions  run beside the wall, before those that the options ask for */
-    std::function<int(std::vector<std::unique_ptr<Companion>> companions)> run;
+    /** @param modules  run beside the wall, before those that the options ask for */
+    std::function<int(std::vector<std::unique_ptr<Module>> modules)> run;
 };
 
 /** Give a subcommand the wall's options. @param most_inputs  more of them are refused */

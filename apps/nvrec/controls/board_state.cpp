@@ -8,7 +8,7 @@
 
 #include "host/host.h"
 #include "nvrhal.h"
-#include "wall/companion.h"
+#include "wall/module.h"
 #include "wall/session.h"
 #include "wall/text.h"
 

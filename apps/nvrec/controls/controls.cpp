@@ -3,14 +3,14 @@
 
 #include <vector>
 
-#include "controls/control_desk.h"
+#include "controls/control_requests.h"
 #include "controls/health.h"
 #include "controls/indicators.h"
 #include "controls/key_names.h"
 #include "controls/keys.h"
 #include "controls/keys_navigation.h"
 #include "host/host.h"
-#include "wall/companion.h"
+#include "wall/module.h"
 #include "wall/wall.h"
 
 namespace nvrec
@@ -43,7 +43,7 @@ void add_controls(Wall &wall, const ControlOptions &options)
     wall.add(std::make_unique<Health>(options.watchdog_s, patience));
     wall.add(std::make_unique<Indicators>());
     wall.add(std::make_unique<Navigation>());
-    wall.add(std::make_unique<ControlDesk>(options.socket, *keys));
+    wall.add(std::make_unique<ControlRequests>(options.socket, *keys));
     wall.add(std::move(keys));
 }
 

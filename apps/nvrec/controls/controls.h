@@ -18,7 +18,7 @@ struct ControlOptions {
     double hung_after_s = 10; /* a thread that is so late hangs                                   */
 };
 
-/** The companions; to be added before all others, which then get keys first. */
+/** The modules; to be added before all others, which then get keys first. */
 void add_controls(Wall &wall, const ControlOptions &options);
 
 } // namespace nvrec

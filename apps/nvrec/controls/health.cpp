@@ -15,15 +15,15 @@ namespace
 using namespace std::chrono_literals;
 
 constexpr auto kLookPeriod = 250ms;
-constexpr auto kMainPeriod = 5s;   /* the main thread has a turn at least so often */
-constexpr auto kMainPromise = 30s; /* sixteen panes, pictures, menus: all in one turn */
-constexpr auto kFeederEnds = 4s;   /* the library's thread looks whether it is to end every 3 s */
+constexpr auto kMainPeriod = 5s;    /* the main thread has a turn at least so often */
+constexpr auto kMainDeadline = 30s; /* sixteen panes, pictures, menus: all in one turn */
+constexpr auto kFeederEnds = 4s;    /* the library's thread looks whether it is to end every 3 s */
 
 } // namespace
 
-void Health::watch(std::string name, Promise promise, Clock::duration patience)
+void Health::watch(std::string name, HeartbeatDeadline deadline, Clock::duration patience)
 {
-    watched_.push_back({std::move(name), std::move(promise), patience});
+    watched_.push_back({std::move(name), std::move(deadline), patience});
 }
 
 bool Health::start(WallControl &wall)
@@ -36,13 +36,13 @@ bool Health::start(WallControl &wall)
     for (const auto &camera : wall.cameras()) {
         watch(
             "the thread of channel " + std::to_string(camera->channel()),
-            [feeder = camera.get()] { return feeder->promise(); }, patience_);
+            [feeder = camera.get()] { return feeder->heartbeat_deadline(); }, patience_);
     }
     take_turn(Clock::now());
     watch(
-        "the main thread", [this] { return Clock::time_point(Clock::duration(main_promise_.load())); },
+        "the main thread", [this] { return Clock::time_point(Clock::duration(main_deadline_.load())); },
         Clock::duration::zero());
-    if (local_wdg_set_timeout(watchdog_s_) < 0) wall.terminal().complain("watchdog: it refused its time-out");
+    if (local_wdg_set_timeout(watchdog_s_) < 0) wall.terminal().error("watchdog: it refused its time-out");
     feed();
     stop_ = false;
     thread_ = std::thread([this] { run(); });
@@ -53,20 +53,20 @@ void Health::feed()
 {
     Set_Wdt_Fing(1);
     feeding_ = wdt_feed_pt() == 0;
-    if (!feeding_) wall_->terminal().complain("watchdog: there is no thread to feed it");
+    if (!feeding_) wall_->terminal().error("watchdog: there is no thread to feed it");
 }
 
 Clock::time_point Health::take_turn(Clock::time_point now)
 {
-    main_promise_.store((now + kMainPromise).time_since_epoch().count());
+    main_deadline_.store((now + kMainDeadline).time_since_epoch().count());
     return watchdog_s_ == 0 ? Clock::time_point::max() : now + kMainPeriod;
 }
 
 std::optional<std::string> Health::late_thread(Clock::time_point now) const
 {
     for (const Watched &one : watched_) {
-        const Clock::time_point promise = one.promise();
-        if (promise < now && now - promise > one.patience) return one.name;
+        const Clock::time_point deadline = one.deadline();
+        if (deadline < now && now - deadline > one.patience) return one.name;
     }
     return std::nullopt;
 }
@@ -79,10 +79,10 @@ void Health::look(Clock::time_point now)
         Set_Wdt_Fing(0);
         feeding_ = false;
         starved_at_ = now;
-        wall_->terminal().complain("watchdog: " + *late + " hangs; it is fed no more");
+        wall_->terminal().error("watchdog: " + *late + " hangs; it is fed no more");
     } else if (!late && !feeding_ && now - starved_at_ >= kFeederEnds) {
         feed(); /* before that, the thread that is to end would go on beside the new one */
-        if (feeding_) wall_->terminal().complain("watchdog: all threads run again; it is fed");
+        if (feeding_) wall_->terminal().error("watchdog: all threads run again; it is fed");
     }
     tell_expiry();
 }
@@ -91,7 +91,7 @@ void Health::tell_expiry()
 {
     if (expiry_told_ || !host::watchdog_has_expired()) return;
     expiry_told_ = true;
-    wall_->terminal().complain("watchdog: it has expired; a board of metal resets now");
+    wall_->terminal().error("watchdog: it has expired; a board of metal resets now");
 }
 
 void Health::run()

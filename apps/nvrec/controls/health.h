@@ -6,9 +6,9 @@
  *                                    +--the watchdog's time-out--> the board resets
  *
  * Every camera's thread promises when it will be heard from, and so does the main thread. The
- * library's thread feeds; it is told to end when a promise is broken for too long.
+ * library's thread feeds; it is told to end when a deadline is broken for too long.
  *
- * Threads: one of its own looks at the others; take_turn() keeps the main thread's promise.
+ * Threads: one of its own looks at the others; take_turn() keeps the main thread's deadline.
  */
 #pragma once
 
@@ -20,27 +20,27 @@
 #include <thread>
 #include <vector>
 
-#include "wall/companion.h"
+#include "wall/module.h"
 
 namespace nvrec
 {
 
-class Health final : public Companion
+class Health final : public Module
 {
 public:
     /** When a thread will have been heard from at the latest; any thread. */
-    using Promise = std::function<Clock::time_point()>;
+    using HeartbeatDeadline = std::function<Clock::time_point()>;
 
     /**
      * @param watchdog_s  the watchdog's time-out; 0 = it is switched off
-     * @param patience    a promise that a camera's thread breaks for so long means that it hangs; the
-     *                    main thread's promise has room of its own
+     * @param patience    a deadline that a camera's thread breaks for so long means that it hangs; the
+     *                    main thread's deadline has room of its own
      */
     Health(int watchdog_s, Clock::duration patience) : watchdog_s_(watchdog_s), patience_(patience) {}
     ~Health() override { stop(); }
 
     /** Before start(): watch one more. @param patience  for how long it may be late */
-    void watch(std::string name, Promise promise, Clock::duration patience);
+    void watch(std::string name, HeartbeatDeadline deadline, Clock::duration patience);
 
     bool start(WallControl &wall) override;
     Clock::time_point take_turn(Clock::time_point now) override;
@@ -52,7 +52,7 @@ public:
 private:
     struct Watched {
         std::string name;
-        Promise promise;
+        HeartbeatDeadline deadline;
         Clock::duration patience;
     };
 
@@ -65,7 +65,7 @@ private:
     const Clock::duration patience_;
     WallControl *wall_ = nullptr;
     std::vector<Watched> watched_;
-    std::atomic<Clock::rep> main_promise_ = 0;
+    std::atomic<Clock::rep> main_deadline_ = 0;
 
     std::mutex looking_; /* guards what follows */
     bool feeding_ = false;

@@ -51,9 +51,8 @@ void Indicators::read_clock()
     }
     tm = system_time();
     const bool set = ext_rtc_time_system(tm.data(), 1) == 0;
-    wall_->terminal().complain(
-        set ? "clock: it had lost its time (is the battery empty?); set from the system's"
-            : "clock: it can be neither read nor set");
+    wall_->terminal().error(set ? "clock: it had lost its time (is the battery empty?); set from the system's"
+                                : "clock: it can be neither read nor set");
 }
 
 void Indicators::on_unit(int channel, const AccessUnit &, const StreamFacts &)
@@ -69,16 +68,16 @@ bool Indicators::is_silent(const Feeder &camera, Clock::time_point now) const
     const Clock::rep unit_at =
         unit_at_[static_cast<size_t>(camera.channel())].load(std::memory_order_relaxed);
     if (unit_at == 0 || now - Clock::time_point(Clock::duration(unit_at)) < kSilence) return false;
-    const Clock::time_point promise = camera.promise();
-    if (promise == Clock::time_point::max()) return camera.broken();
-    return camera.input().live() || promise <= now;
+    const Clock::time_point deadline = camera.heartbeat_deadline();
+    if (deadline == Clock::time_point::max()) return camera.broken();
+    return camera.input().live() || deadline <= now;
 }
 
 void Indicators::look_for_loss(Clock::time_point now)
 {
     uint32_t mask[2] = {};
     const bool failed = ext_get_video_loss_status(mask) != 0;
-    if (failed && !front_end_failed_) wall_->terminal().complain("the analog front end does not answer");
+    if (failed && !front_end_failed_) wall_->terminal().error("the analog front end does not answer");
     front_end_failed_ = failed;
 
     for (const auto &camera : wall_->cameras()) {
@@ -89,7 +88,7 @@ void Indicators::look_for_loss(Clock::time_point now)
         if (lost == lost_[channel]) continue;
         lost_[channel] = lost;
         const std::string name = "channel " + std::to_string(channel) + ": ";
-        wall_->terminal().complain(name + (lost ? "its video is lost" : "its video is back"));
+        wall_->terminal().error(name + (lost ? "its video is lost" : "its video is back"));
         if (lost) buzz_until_ = now + kBuzz;
     }
     if (std::ranges::none_of(lost_, [](bool lost) { return lost; })) buzz_until_ = {};
@@ -100,7 +99,7 @@ void Indicators::drive_lamp()
     if (wall_->recording() == lamp_blinks_) return;
     lamp_blinks_ = wall_->recording();
     const int32_t result = lamp_blinks_ ? hi_start_record_proc() : hi_stop_record_proc();
-    if (result != 0) wall_->terminal().complain("the record lamp does not obey");
+    if (result != 0) wall_->terminal().error("the record lamp does not obey");
 }
 
 void Indicators::drive_buzzer(Clock::time_point now)

@@ -12,12 +12,12 @@
 #include <array>
 #include <atomic>
 
-#include "wall/companion.h"
+#include "wall/module.h"
 
 namespace nvrec
 {
 
-class Indicators final : public Companion
+class Indicators final : public Module
 {
 public:
     bool start(WallControl &wall) override;

@@ -11,7 +11,7 @@
 #include <span>
 #include <string_view>
 
-#include "wall/companion.h"
+#include "wall/module.h"
 
 namespace nvrec
 {

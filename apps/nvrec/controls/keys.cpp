@@ -58,14 +58,14 @@ void KeyWatch::read_panel()
  */
 void KeyWatch::run(WallControl &wall)
 {
-    uint32_t rung_for = 0; /* the queue begins empty */
+    uint32_t woken_for = 0; /* the queue begins empty */
     std::unique_lock guard(lock_);
     while (!changed_.wait_for(guard, kWatchPeriod, [this] { return stop_; })) {
         read_panel();
         const uint32_t written = keys_written();
-        if (written == rung_for) continue;
-        rung_for = written;
-        wall.ring();
+        if (written == woken_for) continue;
+        woken_for = written;
+        wall.wake();
     }
 }
 
@@ -89,16 +89,16 @@ bool Keys::start(WallControl &wall)
         const std::scoped_lock guard(lock_); // the control socket may ask already
         stopped_ = false;
     }
-    if (ext_keyboard_initial() != 0) wall.terminal().complain("keys: the library could not set them up");
+    if (ext_keyboard_initial() != 0) wall.terminal().error("keys: the library could not set them up");
     pthread_t reader;
     if (pthread_create(&reader, nullptr, read_remote, this) == 0) {
         remote_reader_ = reader;
     } else {
-        wall.terminal().complain("keys: no thread for the remote control");
+        wall.terminal().error("keys: no thread for the remote control");
     }
     if (!watch_.start(wall))
-        wall.terminal().complain("keys: there is no front panel, and without it no key is taken");
-    if (!mouse_.start([&wall] { wall.ring(); })) wall.terminal().complain("keys: there is no mouse");
+        wall.terminal().error("keys: there is no front panel, and without it no key is taken");
+    if (!mouse_.start([&wall] { wall.wake(); })) wall.terminal().error("keys: there is no mouse");
     return true;
 }
 
@@ -107,7 +107,7 @@ void *Keys::read_remote(void *self)
 {
     hi_remotekey_proc();
     pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, nullptr);
-    static_cast<Keys *>(self)->wall_->terminal().complain("keys: there is no receiver of the remote control");
+    static_cast<Keys *>(self)->wall_->terminal().error("keys: there is no receiver of the remote control");
     return nullptr;
 }
 

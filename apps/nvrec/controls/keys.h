@@ -23,7 +23,7 @@
 #include "controls/mouse_reader.h"
 #include "host/clock.h"
 #include "host/device_node.h"
-#include "wall/companion.h"
+#include "wall/module.h"
 
 namespace nvrec
 {
@@ -52,7 +52,7 @@ private:
     bool stop_ = false;
 };
 
-class Keys final : public Companion
+class Keys final : public Module
 {
 public:
     enum class Way { kRemote, kPanel };

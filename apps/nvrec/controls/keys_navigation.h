@@ -11,12 +11,12 @@
  */
 #pragma once
 
-#include "wall/companion.h"
+#include "wall/module.h"
 
 namespace nvrec
 {
 
-class Navigation final : public Companion
+class Navigation final : public Module
 {
 public:
     bool start(WallControl &wall) override;

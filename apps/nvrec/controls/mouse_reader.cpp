@@ -26,11 +26,11 @@ public:
 
 } // namespace
 
-bool MouseReader::start(std::function<void()> ring)
+bool MouseReader::start(std::function<void()> on_event)
 {
     if (!mouse_.open(NVRHAL_MOUSE_NODE, kMouseWaits)) return false;
     g_mouse_fd = mouse_.descriptor();
-    ring_ = std::move(ring);
+    on_event_ = std::move(on_event);
     stop_ = false;
     thread_ = std::thread([this] { run(); });
     return true;
@@ -64,7 +64,7 @@ void MouseReader::run()
             __atomic_store_n(&g_bMouseEvent, 1,
                              __ATOMIC_RELAXED); /* whoever takes it looks first without the lock */
         }
-        ring_();
+        on_event_();
     }
 }
 

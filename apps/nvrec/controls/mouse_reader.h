@@ -24,10 +24,10 @@ public:
 
     /**
      * Open the mouse and read it.
-     * @param ring  called for every event that is ready to be taken; the reader's thread
+     * @param on_event  called for every event that is ready to be taken; the reader's thread
      * @return false = there is no mouse
      */
-    bool start(std::function<void()> ring);
+    bool start(std::function<void()> on_event);
 
     /** The waiting event was taken. Any thread. */
     void taken();
@@ -40,7 +40,7 @@ private:
     bool is_free(bool for_a_move) const;
 
     DeviceNode mouse_;
-    std::function<void()> ring_;
+    std::function<void()> on_event_;
     std::thread thread_;
     std::mutex lock_; /* guards stop_, and that no one misses changed_; taken before g_mouse_lock */
     Condition changed_;

@@ -11,12 +11,12 @@
 namespace nvrec
 {
 
-Script::Kind Script::number(const std::string &name, double least, double most)
+Script::ArgumentType Script::number(const std::string &name, double least, double most)
 {
     return {name, [least, most](double value) { return value >= least && value <= most; }};
 }
 
-Script::Kind Script::whole_number(const std::string &name, int least, int most)
+Script::ArgumentType Script::whole_number(const std::string &name, int least, int most)
 {
     const std::string range = " from " + std::to_string(least) + " to " + std::to_string(most);
     return {name + range, [least, most](double value) {
@@ -24,9 +24,9 @@ Script::Kind Script::whole_number(const std::string &name, int least, int most)
             }};
 }
 
-void Script::offer(const std::string &verb, std::vector<Kind> arguments, Deed deed)
+void Script::add_verb(const std::string &verb, std::vector<ArgumentType> arguments, Action action)
 {
-    verbs_[verb] = {std::move(arguments), std::move(deed)};
+    verbs_[verb] = {std::move(arguments), std::move(action)};
 }
 
 std::string Script::parse(const std::string &text)
@@ -59,22 +59,22 @@ std::string Script::parse_item(const std::string &text)
     for (double number = 0; words >> number;)
         item.arguments.push_back(number);
     if (!words.eof()) return "arguments are numbers";
-    if (std::string problem = complaint_about(item, verb->second.arguments); !problem.empty()) return problem;
+    if (std::string problem = problem_with(item, verb->second.arguments); !problem.empty()) return problem;
     items_.push_back(std::move(item));
     return {};
 }
 
-std::string Script::complaint_about(const Item &item, const std::vector<Kind> &kinds)
+std::string Script::problem_with(const Item &item, const std::vector<ArgumentType> &types)
 {
-    if (item.arguments.size() != kinds.size())
-        return item.verb + " takes " + std::to_string(kinds.size()) + " arguments";
-    for (size_t i = 0; i < kinds.size(); ++i) {
-        if (!kinds[i].fits(item.arguments[i])) return item.verb + " takes " + kinds[i].name;
+    if (item.arguments.size() != types.size())
+        return item.verb + " takes " + std::to_string(types.size()) + " arguments";
+    for (size_t i = 0; i < types.size(); ++i) {
+        if (!types[i].fits(item.arguments[i])) return item.verb + " takes " + types[i].name;
     }
     return {};
 }
 
-bool Script::says(const std::string &verb) const
+bool Script::contains_verb(const std::string &verb) const
 {
     return std::any_of(items_.begin(), items_.end(), [&](const Item &item) { return item.verb == verb; });
 }
@@ -88,7 +88,7 @@ Clock::time_point Script::take_turn(Clock::time_point now)
             began_at_ + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(item.at_s));
         if (due > now) return due;
         ++done_;
-        verbs_.at(item.verb).deed(item.arguments);
+        verbs_.at(item.verb).action(item.arguments);
     }
     return Clock::time_point::max();
 }

@@ -15,35 +15,35 @@
 #include <string>
 #include <vector>
 
-#include "wall/companion.h"
+#include "wall/module.h"
 
 namespace nvrec
 {
 
-class Script final : public Companion
+class Script final : public Module
 {
 public:
     using Arguments = std::vector<double>;
-    using Deed = std::function<void(const Arguments &)>;
+    using Action = std::function<void(const Arguments &)>;
 
     /** What may stand in the place of an argument. */
-    struct Kind {
+    struct ArgumentType {
         std::string name; /* as a complaint says it */
         std::function<bool(double)> fits;
     };
 
     /** Numbers from `least` to `most`, and whole ones only. */
-    static Kind number(const std::string &name, double least, double most);
-    static Kind whole_number(const std::string &name, int least, int most);
+    static ArgumentType number(const std::string &name, double least, double most);
+    static ArgumentType whole_number(const std::string &name, int least, int most);
 
     /** Know a verb and its arguments. Before parse(). */
-    void offer(const std::string &verb, std::vector<Kind> arguments, Deed deed);
+    void add_verb(const std::string &verb, std::vector<ArgumentType> arguments, Action action);
 
     /** Take items up. @return empty, or what is wrong with them. */
     std::string parse(const std::string &text);
 
     /** True when an item says this. */
-    bool says(const std::string &verb) const;
+    bool contains_verb(const std::string &verb) const;
 
     bool start(WallControl &) override { return true; }
     Clock::time_point take_turn(Clock::time_point now) override;
@@ -53,8 +53,8 @@ public:
 
 private:
     struct Verb {
-        std::vector<Kind> arguments;
-        Deed deed;
+        std::vector<ArgumentType> arguments;
+        Action action;
     };
     struct Item {
         double at_s;
@@ -62,7 +62,7 @@ private:
         Arguments arguments;
     };
     std::string parse_item(const std::string &text);
-    static std::string complaint_about(const Item &item, const std::vector<Kind> &kinds);
+    static std::string problem_with(const Item &item, const std::vector<ArgumentType> &types);
 
     std::map<std::string, Verb> verbs_;
     std::vector<Item> items_; /* by time             */

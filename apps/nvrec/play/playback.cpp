@@ -17,7 +17,7 @@ constexpr int64_t kLatest_us = 500'000;
 Playback::Playback(const std::vector<std::string> &files)
 {
     for (size_t i = 0; i < files.size(); ++i)
-        lanes_.push_back(std::make_unique<PlaybackLane>(files[i], static_cast<int>(i) % kPlayers));
+        tracks_.push_back(std::make_unique<PlaybackTrack>(files[i], static_cast<int>(i) % kPlayers));
 }
 
 Playback::~Playback()
@@ -28,8 +28,8 @@ Playback::~Playback()
 size_t Playback::open()
 {
     size_t opened = 0;
-    for (const auto &lane : lanes_)
-        opened += lane->open();
+    for (const auto &track : tracks_)
+        opened += track->open();
     return opened;
 }
 
@@ -64,11 +64,11 @@ void Playback::freeze()
     anchor(position_at(Clock::now()));
 }
 
-void Playback::thaw(const std::vector<size_t> &lanes)
+void Playback::thaw(const std::vector<size_t> &tracks)
 {
     if (!frozen_.owns_lock()) return;
-    shown_ = lanes;
-    place_lanes();
+    shown_ = tracks;
+    position_tracks();
     frozen_.unlock();
     wake_.notify();
 }
@@ -84,15 +84,15 @@ void Playback::pause(bool paused)
     wake_.notify();
 }
 
-int64_t Playback::seek(int64_t place_us)
+int64_t Playback::seek(int64_t position_us)
 {
     const auto guard = hold();
     for (const size_t i : shown_)
-        lanes_[i]->flush();
+        tracks_[i]->flush();
     int64_t reached_us = INT64_MIN;
     for (const size_t i : shown_) {
-        if (lanes_[i]->seek(std::max<int64_t>(0, place_us)))
-            reached_us = std::max(reached_us, lanes_[i]->next().due_us);
+        if (tracks_[i]->seek(std::max<int64_t>(0, position_us)))
+            reached_us = std::max(reached_us, tracks_[i]->next().due_us);
     }
     anchor(reached_us == INT64_MIN ? 0 : reached_us);
     catch_up();
@@ -108,15 +108,15 @@ void Playback::set_speed(double speed)
     anchor(position_at(Clock::now()));
     speed_ = speed;
     /* Pictures refer to those before them: all of them again from the last key frame on. */
-    if (had_gaps && !key_frames_only()) place_lanes();
+    if (had_gaps && !key_frames_only()) position_tracks();
     orders_ = true;
     wake_.notify();
 }
 
-void Playback::listen_to(int lane)
+void Playback::listen_to(int track)
 {
     const auto guard = hold();
-    heard_ = lane;
+    heard_ = track;
 }
 
 int64_t Playback::position_us() const
@@ -126,18 +126,18 @@ int64_t Playback::position_us() const
     return position_at(Clock::now());
 }
 
-StreamFacts Playback::facts_of(size_t lane) const
+StreamFacts Playback::facts_of(size_t track) const
 {
     const auto guard = hold();
-    return lanes_[lane]->facts();
+    return tracks_[track]->facts();
 }
 
 uint64_t Playback::sent() const
 {
     const auto guard = hold();
     uint64_t sent = 0;
-    for (const auto &lane : lanes_)
-        sent += lane->sent();
+    for (const auto &track : tracks_)
+        sent += track->sent();
     return sent;
 }
 
@@ -161,21 +161,21 @@ bool Playback::key_frames_only() const
 }
 
 /* Every shown file from the key frame before the position on. */
-void Playback::place_lanes()
+void Playback::position_tracks()
 {
     for (const size_t i : shown_)
-        lanes_[i]->seek(anchor_us_);
+        tracks_[i]->seek(anchor_us_);
     catch_up();
 }
 
 /* The shown file whose picture is due first, up to a place; null = there is none. */
-PlaybackLane *Playback::next_lane(int64_t until_us)
+PlaybackTrack *Playback::next_track(int64_t until_us)
 {
-    PlaybackLane *first = nullptr;
+    PlaybackTrack *first = nullptr;
     for (const size_t i : shown_) {
-        PlaybackLane &lane = *lanes_[i];
-        if (lane.at_end() || lane.next().due_us > until_us) continue;
-        if (!first || lane.next().due_us < first->next().due_us) first = &lane;
+        PlaybackTrack &track = *tracks_[i];
+        if (track.at_end() || track.next().due_us > until_us) continue;
+        if (!first || track.next().due_us < first->next().due_us) first = &track;
     }
     return first;
 }
@@ -183,9 +183,9 @@ PlaybackLane *Playback::next_lane(int64_t until_us)
 /* Deliver what lies before the position at once, and see it on the screen. No time passes meanwhile. */
 void Playback::catch_up()
 {
-    while (PlaybackLane *lane = next_lane(anchor_us_)) {
-        lane->wait_for_decoder(); /* as fast as it decodes, and no faster: its buffer is small */
-        deliver(*lane, false);
+    while (PlaybackTrack *track = next_track(anchor_us_)) {
+        track->wait_for_decoder(); /* as fast as it decodes, and no faster: its buffer is small */
+        deliver(*track, false);
     }
     wait_for_decoders();
     anchor(anchor_us_);
@@ -196,7 +196,7 @@ void Playback::catch_up()
 void Playback::wait_for_decoders() const
 {
     for (const size_t i : shown_)
-        lanes_[i]->wait_for_decoder();
+        tracks_[i]->wait_for_decoder();
 }
 
 void Playback::run()
@@ -205,33 +205,33 @@ void Playback::run()
     auto changed = [this] { return quit_ || orders_; };
     while (!quit_) {
         orders_ = false;
-        PlaybackLane *lane = next_lane(INT64_MAX);
-        if (!lane && !shown_.empty() && !ended_) end();
-        if (!lane || paused_) {
+        PlaybackTrack *track = next_track(INT64_MAX);
+        if (!track && !shown_.empty() && !ended_) end();
+        if (!track || paused_) {
             wake_.wait(guard, changed);
             continue;
         }
-        const int64_t wait_us = lane->next().due_us - position_at(Clock::now());
-        if (wait_us < -kLatest_us) anchor(lane->next().due_us);
+        const int64_t wait_us = track->next().due_us - position_at(Clock::now());
+        if (wait_us < -kLatest_us) anchor(track->next().due_us);
         const auto wait = std::chrono::duration<double, std::micro>(static_cast<double>(wait_us) / speed_);
         if (wait_us > 0 &&
             wake_.wait_until(guard, Clock::now() + std::chrono::duration_cast<Clock::duration>(wait),
                              changed))
             continue;
-        deliver(*lane, true);
+        deliver(*track, true);
     }
 }
 
-void Playback::deliver(PlaybackLane &lane, bool with_sound)
+void Playback::deliver(PlaybackTrack &track, bool with_sound)
 {
-    const int64_t due_us = lane.next().due_us;
-    const bool heard = heard_ >= 0 && lanes_[static_cast<size_t>(heard_)].get() == &lane;
+    const int64_t due_us = track.next().due_us;
+    const bool heard = heard_ >= 0 && tracks_[static_cast<size_t>(heard_)].get() == &track;
     if (heard && with_sound && speed_ == 1.0)
-        lane.deliver_sound(due_us);
+        track.deliver_sound(due_us);
     else
-        lane.drop_sound(due_us);
-    lane.deliver(speed_ >= kDoubleSpeed);
-    if (key_frames_only()) lane.skip_to_key();
+        track.drop_sound(due_us);
+    track.deliver(speed_ >= kDoubleSpeed);
+    if (key_frames_only()) track.skip_to_key();
 }
 
 /* All shown files are through: their last pictures are to be seen before anyone acts on it. */

@@ -26,7 +26,7 @@
 
 #include "host/clock.h"
 #include "nvrhal/limits.h"
-#include "play/playback_lane.h"
+#include "play/playback_track.h"
 
 namespace nvrec
 {
@@ -40,7 +40,7 @@ public:
     explicit Playback(const std::vector<std::string> &files);
     ~Playback();
 
-    /** Open all files. @return how many opened; trouble is in the lanes. */
+    /** Open all files. @return how many opened; trouble is in the tracks. */
     size_t open();
 
     /** Start the thread, frozen. @param changed  called by it when the position has reached the end. */
@@ -53,21 +53,21 @@ public:
     void freeze();
 
     /** Between freeze() and thaw(): go on from another place. */
-    void stand_at(int64_t place_us) { anchor(place_us); }
+    void set_position(int64_t position_us) { anchor(position_us); }
 
     /**
      * Go on after the decoders were flushed, with these files on the screen.
-     * @param lanes  their numbers; other files rest
+     * @param tracks  their numbers; other files rest
      */
-    void thaw(const std::vector<size_t> &lanes);
+    void thaw(const std::vector<size_t> &tracks);
 
     void pause(bool paused);
     /** Go to a place, every shown file to a key frame at or before it; back the position reached. */
-    int64_t seek(int64_t place_us);
+    int64_t seek(int64_t position_us);
     /** Times the recorded rate: 1 or 2, or more, which shows key frames only. */
     void set_speed(double speed);
     /** Hear that file; -1 = none. */
-    void listen_to(int lane);
+    void listen_to(int track);
 
     int64_t position_us() const;
     bool paused() const { return paused_.load(); }
@@ -75,10 +75,10 @@ public:
     /** Every shown file has been played to its end. */
     bool ended() const { return ended_.load(); }
 
-    const std::vector<std::unique_ptr<PlaybackLane>> &lanes() const { return lanes_; }
+    const std::vector<std::unique_ptr<PlaybackTrack>> &tracks() const { return tracks_; }
 
     /** A file's codec, size and rate as last learned. */
-    StreamFacts facts_of(size_t lane) const;
+    StreamFacts facts_of(size_t track) const;
 
     /** Fed pictures of all files so far. */
     uint64_t sent() const;
@@ -86,24 +86,24 @@ public:
 private:
     std::unique_lock<std::mutex> hold() const;
     void run();
-    void place_lanes();
-    PlaybackLane *next_lane(int64_t until_us);
+    void position_tracks();
+    PlaybackTrack *next_track(int64_t until_us);
     void catch_up();
     void wait_for_decoders() const;
-    void deliver(PlaybackLane &lane, bool with_sound);
+    void deliver(PlaybackTrack &track, bool with_sound);
     void end();
     int64_t position_at(Clock::time_point now) const;
     void anchor(int64_t position_us);
     bool key_frames_only() const;
 
-    std::vector<std::unique_ptr<PlaybackLane>> lanes_;
+    std::vector<std::unique_ptr<PlaybackTrack>> tracks_;
     std::function<void()> changed_;
     std::thread thread_;
 
-    mutable std::mutex lock_; /* guards the lanes and what follows */
+    mutable std::mutex lock_; /* guards the tracks and what follows */
     Condition wake_;
     std::unique_lock<std::mutex> frozen_; /* main thread: holds the lock between freeze and thaw */
-    std::vector<size_t> shown_;           /* lanes on the screen                                 */
+    std::vector<size_t> shown_;           /* tracks on the screen                                 */
     int heard_ = -1;
     bool quit_ = false;
     bool orders_ = false;         /* something changed: look again         */

@@ -35,26 +35,26 @@ bool Player::start(WallControl &wall)
     wall_ = &wall;
     const size_t opened = playback_.open();
     for (size_t i = 0; i < options_.files.size(); ++i) {
-        const PlaybackLane &lane = *playback_.lanes()[i];
-        if (lane.opened()) continue;
-        wall.terminal().complain("file " + std::to_string(i) + ": " + options_.files[i] + ": " +
-                                 lane.trouble());
+        const PlaybackTrack &track = *playback_.tracks()[i];
+        if (track.opened()) continue;
+        wall.terminal().error("file " + std::to_string(i) + ": " + options_.files[i] + ": " +
+                              track.trouble());
         exit_code_ = kExitInputFailed;
     }
     if (opened == 0) {
-        wall.terminal().complain("no file could be opened");
+        wall.terminal().error("no file could be opened");
         wall.end(kExitInputFailed);
         return false;
     }
     if (!options_.wav_path.empty()) {
         const std::string problem = host::open_sound_file(options_.wav_path);
         if (!problem.empty()) {
-            wall.terminal().complain(problem);
+            wall.terminal().error(problem);
             wall.end(kExitOutputFailed);
             return false;
         }
     }
-    playback_.start([&wall] { wall.ring(); });
+    playback_.start([&wall] { wall.wake(); });
     return true;
 }
 
@@ -63,7 +63,7 @@ Clock::time_point Player::take_turn(Clock::time_point /*now*/)
     if (!begun_ && !wait_) play();
     if (playing_ && playback_.ended()) {
         at_end_of_page();
-        wall_->ring(); /* the wall has something to decide */
+        wall_->wake(); /* the wall has something to decide */
     }
     return Clock::time_point::max();
 }
@@ -83,15 +83,15 @@ int Player::pages() const
     return pages_of(static_cast<int>(options_.files.size()));
 }
 
-std::vector<size_t> Player::lanes_of(int page) const
+std::vector<size_t> Player::tracks_of(int page) const
 {
     const auto first = static_cast<size_t>(page) * Playback::kPlayers;
-    const size_t end = std::min(first + Playback::kPlayers, playback_.lanes().size());
-    std::vector<size_t> lanes;
+    const size_t end = std::min(first + Playback::kPlayers, playback_.tracks().size());
+    std::vector<size_t> tracks;
     for (size_t i = first; i < end; ++i) {
-        if (playback_.lanes()[i]->opened()) lanes.push_back(i);
+        if (playback_.tracks()[i]->opened()) tracks.push_back(i);
     }
-    return lanes;
+    return tracks;
 }
 
 /* The next page with a file that could be opened; after the last one, the first. */
@@ -99,7 +99,7 @@ int Player::page_after(int page) const
 {
     do {
         page = (page + 1) % pages();
-    } while (lanes_of(page).empty());
+    } while (tracks_of(page).empty());
     return page;
 }
 
@@ -110,7 +110,7 @@ void Player::at_end_of_page()
         playback_.seek(0);
     } else if (next > page_ || options_.loop) {
         playback_.freeze();
-        playback_.stand_at(0);
+        playback_.set_position(0);
         change_page(next);
     } else if (!wall_->cameras().empty()) {
         live();
@@ -122,8 +122,8 @@ void Player::at_end_of_page()
 std::pair<uint32_t, uint32_t> Player::picture_size(int channel) const
 {
     if (!playing_) return {0, 0};
-    for (const size_t i : lanes_of_page()) {
-        if (playback_.lanes()[i]->decoder() != channel) continue;
+    for (const size_t i : tracks_of_page()) {
+        if (playback_.tracks()[i]->decoder() != channel) continue;
         const StreamFacts facts = playback_.facts_of(i);
         return {facts.width_px, facts.height_px};
     }
@@ -140,7 +140,7 @@ void Player::play()
     live_enlarged_ = wall_->enlarged();
     const size_t files = std::min<size_t>(options_.files.size(), Playback::kPlayers);
     if (ext_playback_start((1U << files) - 1, files > 1 ? 1 : 0) != 0) {
-        wall_->terminal().complain("the library did not enter playback");
+        wall_->terminal().error("the library did not enter playback");
         ext_playback_exit();
         done_ = true;
         wall_->end(kExitBoardFailed);
@@ -151,7 +151,7 @@ void Player::play()
     done_ = false;
     began_at_ = Clock::now();
     single_ = -1;
-    if (lanes_of_page().empty()) page_ = page_after(page_);
+    if (tracks_of_page().empty()) page_ = page_after(page_);
     count_from_here();
     show_files();
     if (first) {
@@ -165,30 +165,30 @@ void Player::play()
 
 void Player::show_files()
 {
-    const std::vector<size_t> lanes = lanes_of_page();
-    const int panes = lanes.empty() ? 1 : playback_.lanes()[lanes.back()]->decoder() + 1;
+    const std::vector<size_t> tracks = tracks_of_page();
+    const int panes = tracks.empty() ? 1 : playback_.tracks()[tracks.back()]->decoder() + 1;
     wall_->show_layout(layout_named(options_.layout).value_or(layout_for(panes)));
 }
 
 void Player::count_from_here()
 {
-    for (const size_t i : lanes_of_page())
-        playback_.lanes()[i]->begin_count();
+    for (const size_t i : tracks_of_page())
+        playback_.tracks()[i]->begin_count();
 }
 
 /* What the files had decoded is theirs, and not the cameras' on the same channels. */
 void Player::count_to_here()
 {
-    for (const size_t i : lanes_of_page()) {
-        PlaybackLane &lane = *playback_.lanes()[i];
-        wall_->reporter().leave_out(lane.decoder(), lane.end_count());
+    for (const size_t i : tracks_of_page()) {
+        PlaybackTrack &track = *playback_.tracks()[i];
+        wall_->reporter().leave_out(track.decoder(), track.end_count());
     }
 }
 
 void Player::match_decoders_to_files()
 {
-    for (const size_t i : lanes_of_page())
-        match_decoder(playback_.lanes()[i]->decoder(), playback_.lanes()[i]->facts().codec);
+    for (const size_t i : tracks_of_page())
+        match_decoder(playback_.tracks()[i]->decoder(), playback_.tracks()[i]->facts().codec);
 }
 
 /* Live intake knows which codec it gave a channel, and would not change it again by itself. */
@@ -244,8 +244,8 @@ void Player::on_layout()
     changing_ = false;
     const std::vector<DispAttrib> &panes = wall_->session().panes();
     std::vector<size_t> shown;
-    for (const size_t i : lanes_of_page()) {
-        const int decoder = playback_.lanes()[i]->decoder();
+    for (const size_t i : tracks_of_page()) {
+        const int decoder = playback_.tracks()[i]->decoder();
         if (std::any_of(panes.begin(), panes.end(),
                         [decoder](const DispAttrib &pane) { return pane.channel == decoder; }))
             shown.push_back(i);
@@ -258,9 +258,9 @@ void Player::pause(bool paused)
     if (playing_) playback_.pause(paused);
 }
 
-void Player::seek(double place_s)
+void Player::seek(double position_s)
 {
-    if (playing_) playback_.seek(microseconds(place_s));
+    if (playing_) playback_.seek(microseconds(position_s));
 }
 
 void Player::skip(double by_s)
@@ -282,7 +282,7 @@ void Player::enlarge(int file)
 
 void Player::turn_to_page(int page)
 {
-    if (!playing_ || page < 0 || page >= pages() || page == page_ || lanes_of(page).empty()) return;
+    if (!playing_ || page < 0 || page >= pages() || page == page_ || tracks_of(page).empty()) return;
     change_page(page);
 }
 
@@ -307,7 +307,7 @@ void Player::end()
 
 void Player::fail(int exit_code, const std::string &line)
 {
-    if (!line.empty()) wall_->terminal().complain(line);
+    if (!line.empty()) wall_->terminal().error(line);
     if (exit_code_ == kExitDone) exit_code_ = exit_code;
 }
 
@@ -369,8 +369,8 @@ void Player::stop()
 {
     if (playing_) hand_back();
     playback_.stop();
-    for (const auto &lane : playback_.lanes()) {
-        if (!lane->trouble().empty()) fail(kExitInputFailed, {});
+    for (const auto &track : playback_.tracks()) {
+        if (!track->trouble().empty()) fail(kExitInputFailed, {});
     }
     if (!options_.wav_path.empty()) {
         host::wait_for_sound(kLastSound);
@@ -382,13 +382,13 @@ void Player::stop()
 void Player::report()
 {
     std::vector<ChannelReport> files;
-    for (size_t i = 0; i < playback_.lanes().size(); ++i)
-        files.push_back(playback_.lanes()[i]->report(static_cast<int>(i)));
+    for (size_t i = 0; i < playback_.tracks().size(); ++i)
+        files.push_back(playback_.tracks()[i]->report(static_cast<int>(i)));
     for (const std::string &line : table_of(files))
-        wall_->terminal().say(line);
+        wall_->terminal().print(line);
     if (options_.json_path.empty()) return;
     if (write_text(options_.json_path, json_of(files, options_.layout, options_.output, played_s_))) return;
-    wall_->terminal().complain("cannot write " + options_.json_path);
+    wall_->terminal().error("cannot write " + options_.json_path);
     wall_->end(kExitOutputFailed);
 }
 

@@ -19,7 +19,7 @@
 #include <vector>
 
 #include "play/playback.h"
-#include "wall/companion.h"
+#include "wall/module.h"
 
 namespace nvrec
 {
@@ -36,7 +36,7 @@ struct PlayerOptions {
     std::string json_path;       /* where the files' table goes; empty = none  */
 };
 
-class Player final : public Companion
+class Player final : public Module
 {
 public:
     explicit Player(const PlayerOptions &options);
@@ -59,7 +59,7 @@ public:
     void play();
     void live();
     void pause(bool paused);
-    void seek(double place_s);
+    void seek(double position_s);
     void skip(double by_s);
     void set_speed(double speed);
     void enlarge(int file); /* -1 = the layout again */
@@ -81,8 +81,8 @@ public:
 private:
     int pages() const;
     int page_after(int page) const;
-    std::vector<size_t> lanes_of(int page) const;
-    std::vector<size_t> lanes_of_page() const { return lanes_of(page_); }
+    std::vector<size_t> tracks_of(int page) const;
+    std::vector<size_t> tracks_of_page() const { return tracks_of(page_); }
     void at_end_of_page();
     void change_page(int page);
     void match_decoders_to_files();

@@ -52,7 +52,7 @@ bool Snapshots::start(WallControl &wall)
 {
     wall_ = &wall;
     if (ext_set_snap_channel_enable() == 0) return true;
-    wall.terminal().complain("the library takes no snapshots");
+    wall.terminal().error("the library takes no snapshots");
     wall.end(kExitBoardFailed);
     return false;
 }
@@ -70,13 +70,13 @@ int Snapshots::take(int channel)
     const std::string path = (std::filesystem::path(directory_) / name).string();
     const int result = take(channel, path, kKeyPatience);
     if (result == kExitDone)
-        wall_->terminal().say("snapshot of channel " + std::to_string(channel) + ": " + path);
+        wall_->terminal().print("snapshot of channel " + std::to_string(channel) + ": " + path);
     return result;
 }
 
-int Snapshots::complain(int exit_code, const std::string &line)
+int Snapshots::fail(int exit_code, const std::string &line)
 {
-    wall_->terminal().complain("snapshot: " + line);
+    wall_->terminal().error("snapshot: " + line);
     return exit_code;
 }
 
@@ -91,9 +91,9 @@ int Snapshots::take(int channel, const std::string &path, std::chrono::milliseco
     const std::string name = "channel " + std::to_string(channel);
     const auto &cameras = wall_->cameras();
     if (channel < 0 || static_cast<size_t>(channel) >= cameras.size())
-        return complain(kExitUsage, "there is no camera on " + name);
+        return fail(kExitUsage, "there is no camera on " + name);
     if (!cameras[static_cast<size_t>(channel)]->opened())
-        return complain(kExitInputFailed, name + " has no picture: its input is not open");
+        return fail(kExitInputFailed, name + " has no picture: its input is not open");
 
     const auto give_up_at = Clock::now() + patience;
     FrameInfo frame = {};
@@ -104,11 +104,11 @@ int Snapshots::take(int channel, const std::string &path, std::chrono::milliseco
         /* During playback the result speaks of the spare decoder; the length always of the picture. */
         ext_get_jpeg_stream(&frame);
     } while (frame.length == 0 && Clock::now() < give_up_at);
-    if (frame.length == 0) return complain(kExitBoardFailed, name + " gave no picture");
+    if (frame.length == 0) return fail(kExitBoardFailed, name + " gave no picture");
 
     const bool written = write_file(path, frame.data, frame.length);
     ext_release_jpeg_buf(&frame);
-    return written ? kExitDone : complain(kExitOutputFailed, "cannot write " + path);
+    return written ? kExitDone : fail(kExitOutputFailed, "cannot write " + path);
 }
 
 } // namespace nvrec

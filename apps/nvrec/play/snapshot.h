@@ -12,12 +12,12 @@
 #include <chrono>
 #include <string>
 
-#include "wall/companion.h"
+#include "wall/module.h"
 
 namespace nvrec
 {
 
-class Snapshots final : public Companion
+class Snapshots final : public Module
 {
 public:
     /** @param directory  where pictures that a key asks for go; made when it is missing */
@@ -36,7 +36,7 @@ public:
     int take(int channel, const std::string &path, std::chrono::milliseconds patience);
 
 private:
-    int complain(int exit_code, const std::string &line);
+    int fail(int exit_code, const std::string &line);
     void match_spare_decoder(int channel);
 
     const std::string directory_;

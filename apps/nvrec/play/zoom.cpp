@@ -95,7 +95,7 @@ bool Zoom::begin_as_asked()
     if (std::exchange(asked_, true) || options_.rect.empty()) return true;
     const std::string problem = begin(options_.channel, *zoom_rect(options_.rect));
     if (problem.empty()) return true;
-    wall_->terminal().complain("zoom: " + problem);
+    wall_->terminal().error("zoom: " + problem);
     wall_->end(kExitUsage);
     return false;
 }

@@ -15,7 +15,7 @@
 #include <string>
 #include <utility>
 
-#include "wall/companion.h"
+#include "wall/module.h"
 
 namespace nvrec
 {
@@ -54,7 +54,7 @@ struct ZoomOptions {
     int channel = 0;  /* for rect                                            */
 };
 
-class Zoom final : public Companion
+class Zoom final : public Module
 {
 public:
     /** Width and height of the picture on a channel; zeros = not known. */
@@ -91,7 +91,7 @@ private:
     const ZoomOptions options_;
     const SizeOf size_of_;
     WallControl *wall_ = nullptr;
-    bool asked_ = false; /* the options' wish has been seen to */
+    bool asked_ = false; /* the options' mode has been seen to */
     ZoomWindow window_;
     int channel_ = -1; /* what is zoomed, -1 = nothing         */
     int enlarged_before_ = -1;

@@ -35,7 +35,7 @@ bool Listener::start(WallControl &wall)
     wall_ = &wall;
     const Feeder &camera = *wall.cameras()[static_cast<size_t>(options_.channel)];
     if (camera.opened() && !camera.facts().sound)
-        wall.terminal().complain("channel " + std::to_string(options_.channel) + ": it comes without sound");
+        wall.terminal().error("channel " + std::to_string(options_.channel) + ": it comes without sound");
     open_sink();
     ext_set_audio_live_channel(1, options_.channel);
     thread_ = std::thread([this] { run(); });
@@ -48,7 +48,7 @@ void Listener::open_sink()
     const bool to_file = !options_.wav_path.empty();
     const std::string problem = to_file ? host::open_sound_file(options_.wav_path) : host::open_loudspeaker();
     sink_open_ = problem.empty();
-    if (!sink_open_) wall_->terminal().complain(problem);
+    if (!sink_open_) wall_->terminal().error(problem);
 }
 
 void Listener::on_audio(int channel, const SoundBlock &block)
@@ -144,8 +144,8 @@ void Listener::report()
     std::string tenths = std::to_string(std::llround(seconds * 10));
     if (tenths.size() < 2) tenths.insert(0, "0");
     tenths.insert(tenths.size() - 1, ".");
-    wall_->terminal().say("sound of channel " + std::to_string(options_.channel) + ": " + tenths +
-                          " s played, " + std::to_string(dropped_) + " blocks of 40 ms dropped");
+    wall_->terminal().print("sound of channel " + std::to_string(options_.channel) + ": " + tenths +
+                            " s played, " + std::to_string(dropped_) + " blocks of 40 ms dropped");
 }
 
 } // namespace nvrec

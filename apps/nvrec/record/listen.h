@@ -18,7 +18,7 @@
 #include <thread>
 
 #include "host/clock.h"
-#include "wall/companion.h"
+#include "wall/module.h"
 
 namespace nvrec
 {
@@ -28,7 +28,7 @@ struct ListenOptions {
     std::string wav_path; /* empty = the sound card, if there is one         */
 };
 
-class Listener final : public Companion
+class Listener final : public Module
 {
 public:
     explicit Listener(ListenOptions options);

@@ -19,8 +19,8 @@ constexpr RingRow kRings[] = {
     {NVRHAL_AUDIO_FRAME_BYTES, NVRHAL_AUDIO_RING_BYTES}, /* kSound   */
 };
 
-constexpr size_t kMostNotes = 1024; /* more than the longest index ring holds        */
-static_assert(kMostNotes > NVRHAL_MAIN_RING_FRAMES);
+constexpr size_t kMostMetadata = 1024; /* more than the longest index ring holds        */
+static_assert(kMostMetadata > NVRHAL_MAIN_RING_FRAMES);
 constexpr size_t kNearlyCaughtUp = 4; /* frames that may wait when a producer may too */
 constexpr auto kPatience = std::chrono::seconds(1);
 
@@ -31,30 +31,30 @@ const RingRow &ring_of(PoolStream stream)
 
 } // namespace
 
-void PoolBell::ring()
+void PoolEvent::set()
 {
     const std::scoped_lock guard(lock_);
     pending_ = true;
-    rung_.notify();
+    set_.notify();
 }
 
-void PoolBell::close()
+void PoolEvent::close()
 {
     const std::scoped_lock guard(lock_);
     closed_ = true;
-    rung_.notify();
+    set_.notify();
 }
 
-bool PoolBell::wait()
+bool PoolEvent::wait()
 {
     std::unique_lock guard(lock_);
-    rung_.wait(guard, [this] { return pending_ || closed_; });
+    set_.wait(guard, [this] { return pending_ || closed_; });
     pending_ = false;
     return !closed_;
 }
 
-PoolReader::PoolReader(int channel, PoolStream stream, PoolBell &bell)
-    : channel_(static_cast<uint32_t>(channel)), stream_(stream), bell_(bell)
+PoolReader::PoolReader(int channel, PoolStream stream, PoolEvent &event)
+    : channel_(static_cast<uint32_t>(channel)), stream_(stream), event_(event)
 {
 }
 
@@ -77,18 +77,18 @@ int32_t PoolReader::put(const SoundBlock &block)
     return store({.pts_us = block.pts_us, .dts_us = block.pts_us, .facts = {}}, &frame);
 }
 
-int32_t PoolReader::store(const Note &note, FrameInfo *frame)
+int32_t PoolReader::store(const FrameMetadata &metadata, FrameInfo *frame)
 {
-    frame->pts = static_cast<uint64_t>(note.pts_us);
+    frame->pts = static_cast<uint64_t>(metadata.pts_us);
     {
         /* Before the pool has it: the reader may be faster than the rest of this function. */
         const std::scoped_lock guard(lock_);
-        if (notes_.size() >= kMostNotes) lose_note();
-        notes_.push_back(note);
-        notes_.back().after_refused = std::exchange(refused_last_, false);
-        notes_.back().length_bytes = frame->length;
-        notes_.back().stamp = static_cast<uint32_t>(note.pts_us);
-        noted_bytes_ += frame->length;
+        if (metadata_.size() >= kMostMetadata) lose_oldest();
+        metadata_.push_back(metadata);
+        metadata_.back().after_refused = std::exchange(refused_last_, false);
+        metadata_.back().length_bytes = frame->length;
+        metadata_.back().stamp = static_cast<uint32_t>(metadata.pts_us);
+        waiting_bytes_ += frame->length;
     }
     int32_t result = 0;
     switch (stream_) {
@@ -103,13 +103,13 @@ int32_t PoolReader::store(const Note &note, FrameInfo *frame)
     {
         const std::scoped_lock guard(lock_);
         ++(result == 0 ? counters_.stored : counters_.refused);
-        if (result != 0 && !notes_.empty()) {
-            noted_bytes_ -= notes_.back().length_bytes;
-            notes_.pop_back();
+        if (result != 0 && !metadata_.empty()) {
+            waiting_bytes_ -= metadata_.back().length_bytes;
+            metadata_.pop_back();
             refused_last_ = true;
         }
     }
-    bell_.ring();
+    event_.set();
     return result;
 }
 
@@ -152,15 +152,15 @@ bool PoolReader::take(PoolFrame *frame)
         frame->bytes.assign(fetched.bytes, fetched.bytes + fetched.length_bytes);
 
         const std::scoped_lock guard(lock_);
-        Note note;
-        if (!find_note(fetched, &note)) {
+        FrameMetadata metadata;
+        if (!find_metadata(fetched, &metadata)) {
             gap_ = true; /* the entry was rewritten while it was read */
             continue;
         }
         reader_came_.notify();
         /* All that was begun behind it, and what a wrap leaves unused, must fit beside it. */
         const RingRow &ring = ring_of(stream_);
-        if (noted_bytes_ + note.length_bytes + ring.largest_frame_bytes > ring.ring_bytes) {
+        if (waiting_bytes_ + metadata.length_bytes + ring.largest_frame_bytes > ring.ring_bytes) {
             ++counters_.lost;
             gap_ = true;
             continue;
@@ -169,60 +169,61 @@ bool PoolReader::take(PoolFrame *frame)
         counters_.resynchronised += gap_;
         frame->after_gap = std::exchange(gap_, false);
         frame->key = fetched.key;
-        frame->pts_us = note.pts_us;
-        frame->dts_us = note.dts_us;
+        frame->pts_us = metadata.pts_us;
+        frame->dts_us = metadata.dts_us;
         frame->taken_at_us = fetched.taken_at_us;
-        frame->facts = note.facts;
+        frame->facts = metadata.facts;
         return true;
     }
     return false;
 }
 
-/* The note of a frame, off the list together with those before it, which nobody will get any more. */
-bool PoolReader::find_note(const Fetched &fetched, Note *note)
+/* The metadata of a frame, off the list together with those before it, which nobody will get any more. */
+bool PoolReader::find_metadata(const Fetched &fetched, FrameMetadata *metadata)
 {
-    auto is_of_it = [&](const Note &candidate) {
+    auto is_of_it = [&](const FrameMetadata &candidate) {
         return candidate.stamp == fetched.stamp && candidate.length_bytes == fetched.length_bytes;
     };
     size_t before = 0;
-    while (before < notes_.size() && !is_of_it(notes_[before]))
+    while (before < metadata_.size() && !is_of_it(metadata_[before]))
         ++before;
-    if (before == notes_.size()) return false;
+    if (before == metadata_.size()) return false;
     for (; before > 0; --before)
-        lose_note();
-    *note = pop_note();
-    if (note->after_refused) gap_ = true;
+        lose_oldest();
+    *metadata = pop_metadata();
+    if (metadata->after_refused) gap_ = true;
     return true;
 }
 
-void PoolReader::lose_note()
+void PoolReader::lose_oldest()
 {
-    pop_note();
+    pop_metadata();
     ++counters_.lost;
     gap_ = true;
 }
 
-PoolReader::Note PoolReader::pop_note()
+PoolReader::FrameMetadata PoolReader::pop_metadata()
 {
-    const Note note = notes_.front();
-    notes_.pop_front();
-    noted_bytes_ -= note.length_bytes;
-    return note;
+    const FrameMetadata metadata = metadata_.front();
+    metadata_.pop_front();
+    waiting_bytes_ -= metadata.length_bytes;
+    return metadata;
 }
 
 void PoolReader::wait_for_reader()
 {
     std::unique_lock guard(lock_);
     /* Not for ever: a few very large frames overrun the reader, which then needs a key frame to come. */
-    reader_came_.wait_for(guard, kPatience, [this] { return gave_up_ || notes_.size() < kNearlyCaughtUp; });
+    reader_came_.wait_for(guard, kPatience,
+                          [this] { return gave_up_ || metadata_.size() < kNearlyCaughtUp; });
 }
 
 void PoolReader::give_up()
 {
     const std::scoped_lock guard(lock_);
     gave_up_ = true;
-    while (!notes_.empty())
-        lose_note();
+    while (!metadata_.empty())
+        lose_oldest();
     reader_came_.notify();
 }
 

@@ -3,12 +3,12 @@
  * thread, taken again on the recorder's.
  *
  *   camera                          pool (overwrites its oldest)           recorder
- *   note, ext_set_*, ring  ------>  [ frames ]  ------>  wait, ext_get_*, copy, look at the note
+ *   metadata, ext_set_*, ring  ------>  [ frames ]  ------>  wait, ext_get_*, copy, look at the note
  *
  * The pool carries bytes, the kind of frame and one 32-bit stamp. What a file needs beyond that -
  * the codec, the size, 64-bit presentation and decoding times - is noted on a list beside the pool
  * when a frame is put. A frame that is taken is found on that list by its stamp and its length; what
- * stands before it on the list was overrun and is lost. The pool wakes nobody, so the bell does.
+ * stands before it on the list was overrun and is lost. The pool wakes nobody, so the event does.
  *
  * A frame's bytes stay in the pool only until the camera comes round, and the pool does not say when
  * it has: the list behind the frame does.
@@ -31,11 +31,11 @@ namespace nvrec
 
 enum class PoolStream { kMain, kNetwork, kSound };
 
-/** What wakes a recorder's thread; several streams may ring one bell. */
-class PoolBell
+/** What wakes a recorder's thread; several streams may ring one event. */
+class PoolEvent
 {
 public:
-    void ring();
+    void set();
 
     /** Nothing will be put any more. */
     void close();
@@ -45,7 +45,7 @@ public:
 
 private:
     std::mutex lock_;
-    Condition rung_;
+    Condition set_;
     bool pending_ = false;
     bool closed_ = false;
 };
@@ -73,7 +73,7 @@ struct PoolFrame {
 class PoolReader
 {
 public:
-    PoolReader(int channel, PoolStream stream, PoolBell &bell);
+    PoolReader(int channel, PoolStream stream, PoolEvent &event);
 
     /** Put a picture or a block of sound into the pool. @return 0 = stored, -1 = refused. */
     int32_t put(const AccessUnit &unit, const StreamFacts &facts);
@@ -91,7 +91,7 @@ public:
     PoolCounters counters() const;
 
 private:
-    struct Note {
+    struct FrameMetadata {
         uint32_t length_bytes = 0;
         uint32_t stamp = 0;         /* low 32 bits of pts_us */
         bool after_refused = false; /* the pool refused the frame before it */
@@ -105,21 +105,21 @@ private:
         int64_t taken_at_us;
     };
 
-    int32_t store(const Note &note, FrameInfo *frame);
+    int32_t store(const FrameMetadata &metadata, FrameInfo *frame);
     bool fetch(Fetched *fetched);
     bool fetch_sound(Fetched *fetched);
-    bool find_note(const Fetched &fetched, Note *note);
-    Note pop_note();
-    void lose_note();
+    bool find_metadata(const Fetched &fetched, FrameMetadata *metadata);
+    FrameMetadata pop_metadata();
+    void lose_oldest();
 
     const uint32_t channel_;
     const PoolStream stream_;
-    PoolBell &bell_;
+    PoolEvent &event_;
 
     mutable std::mutex lock_; /* guards what follows */
     Condition reader_came_;
-    std::deque<Note> notes_;   /* frames put or just being put and not yet taken, oldest first */
-    uint64_t noted_bytes_ = 0; /* of them                                                      */
+    std::deque<FrameMetadata> metadata_; /* frames put or just being put and not yet taken, oldest first */
+    uint64_t waiting_bytes_ = 0;         /* of them                                                      */
     bool refused_last_ = false;
     bool gap_ = false; /* the next frame taken comes after missing ones                */
     bool gave_up_ = false;

@@ -33,7 +33,7 @@ void Recorder::make_directory()
     std::filesystem::create_directories(options_.record.directory, error);
     if (!error) return;
     directory_failed_ = true;
-    wall_->terminal().complain("nothing is recorded: " + options_.record.directory + ": " + error.message());
+    wall_->terminal().error("nothing is recorded: " + options_.record.directory + ": " + error.message());
 }
 
 std::unique_ptr<Recording> Recorder::make_recording(int channel, PoolStream stream)
@@ -41,7 +41,7 @@ std::unique_ptr<Recording> Recorder::make_recording(int channel, PoolStream stre
     Terminal &terminal = wall_->terminal();
     return std::make_unique<Recording>(
         channel, stream, options_.record, [&terminal, channel](const std::string &line) {
-            terminal.complain("channel " + std::to_string(channel) + ": not recorded: " + line);
+            terminal.error("channel " + std::to_string(channel) + ": not recorded: " + line);
         });
 }
 
@@ -55,7 +55,7 @@ void Recorder::start_network(int channel, const std::string &address)
     PoolReader &pool = stream.recording->video();
     Feeder::Events events;
     events.trouble = [this](int of_channel, const std::string &line) {
-        wall_->terminal().complain("channel " + std::to_string(of_channel) + ", network stream: " + line);
+        wall_->terminal().error("channel " + std::to_string(of_channel) + ", network stream: " + line);
     };
     events.sink = [this, &pool](const AccessUnit &unit, const StreamFacts &facts) {
         const int32_t result = pool.put(unit, facts);
@@ -64,7 +64,7 @@ void Recorder::start_network(int channel, const std::string &address)
     };
     events.ended = [this](int) {
         --network_running_;
-        wall_->ring();
+        wall_->wake();
     };
     stream.recording->start();
     ++network_running_;
@@ -124,7 +124,7 @@ std::vector<RecordingReport> Recorder::rows() const
 void Recorder::report()
 {
     for (const std::string &line : table_of(rows()))
-        wall_->terminal().say(line);
+        wall_->terminal().print(line);
 }
 
 std::string Recorder::json() const

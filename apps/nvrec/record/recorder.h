@@ -18,7 +18,7 @@
 
 #include "nvrhal/limits.h"
 #include "record/recording.h"
-#include "wall/companion.h"
+#include "wall/module.h"
 
 namespace nvrec
 {
@@ -32,7 +32,7 @@ struct RecorderOptions {
     FeedOptions feed;                   /* as the wall's                            */
 };
 
-class Recorder final : public Companion
+class Recorder final : public Module
 {
 public:
     explicit Recorder(RecorderOptions options);

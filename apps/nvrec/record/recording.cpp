@@ -12,10 +12,10 @@ constexpr int64_t kRetry_us = 10'000'000;
 
 } // namespace
 
-Recording::Recording(int channel, PoolStream stream, const RecordOptions &options, Complain complain)
+Recording::Recording(int channel, PoolStream stream, const RecordOptions &options, ErrorHandler on_error)
     : channel_(channel), carries_sound_(stream == PoolStream::kMain), options_(options),
-      complain_(std::move(complain)), video_(channel, stream, bell_),
-      sound_(channel, PoolStream::kSound, bell_)
+      on_error_(std::move(on_error)), video_(channel, stream, event_),
+      sound_(channel, PoolStream::kSound, event_)
 {
     report_.channel = channel;
     report_.stream = carries_sound_ ? "main" : "network";
@@ -37,7 +37,7 @@ void Recording::start()
 
 void Recording::finish()
 {
-    bell_.close();
+    event_.close();
     if (thread_.joinable()) thread_.join();
 }
 
@@ -46,7 +46,7 @@ void Recording::run()
     PoolFrame frame;
     bool more = true;
     while (more) {
-        more = bell_.wait();
+        more = event_.wait();
         while (video_.take(&frame))
             write_picture(frame);
         write_sound(INT64_MAX);
@@ -112,7 +112,7 @@ void Recording::end_file()
 void Recording::fail(const std::string &reason)
 {
     const std::string line = file_.path() + ": " + reason;
-    if (report_.trouble.empty() || !report_.trouble.ends_with(reason)) complain_(line);
+    if (report_.trouble.empty() || !report_.trouble.ends_with(reason)) on_error_(line);
     report_.trouble = line;
     try_again_at_us_ = last_taken_at_us_ + kRetry_us;
     end_file();

@@ -1,7 +1,7 @@
 /*
  * recording.h - one stream of one channel on its way from the frame pool into files.
  *
- *   bell -> take frames -> first key frame: a file -> frames -> key frame in another slot of time,
+ *   event -> take frames -> first key frame: a file -> frames -> key frame in another slot of time,
  *   or of another codec, size or parameter sets: the next file -> ... -> drained and closed
  *
  * After frames were lost, pictures are passed over up to the next key frame. A file that cannot be
@@ -36,13 +36,13 @@ struct RecordOptions {
 class Recording
 {
 public:
-    using Complain = std::function<void(const std::string &line)>;
+    using ErrorHandler = std::function<void(const std::string &line)>;
 
     /**
      * @param stream    kMain or kNetwork; sound belongs to the main stream
-     * @param complain  called from the recording's thread
+     * @param on_error  called from the recording's thread
      */
-    Recording(int channel, PoolStream stream, const RecordOptions &options, Complain complain);
+    Recording(int channel, PoolStream stream, const RecordOptions &options, ErrorHandler on_error);
     ~Recording();
 
     /** Begin to read. Before anything is put. */
@@ -71,8 +71,8 @@ private:
     const int channel_;
     const bool carries_sound_;
     const RecordOptions options_;
-    const Complain complain_;
-    PoolBell bell_;
+    const ErrorHandler on_error_;
+    PoolEvent event_;
     PoolReader video_;
     PoolReader sound_;
     std::thread thread_;

@@ -2,7 +2,7 @@
  * clock_face.h - date and time in a corner of the screen, to the second.
  *
  * The tile is made once a second at most; its place and the widest it has been stay, so that a tick
- * soils one rectangle.
+ * damages one rectangle.
  */
 #pragma once
 

@@ -45,17 +45,17 @@ uint8_t Mask::at(int x, int y) const
 std::string find_font()
 {
     std::string path;
-    FcPattern *wish = FcNameParse(reinterpret_cast<const FcChar8 *>("sans:lang=zh-cn:scalable=true"));
-    if (wish) {
-        FcConfigSubstitute(nullptr, wish, FcMatchPattern);
-        FcDefaultSubstitute(wish);
+    FcPattern *mode = FcNameParse(reinterpret_cast<const FcChar8 *>("sans:lang=zh-cn:scalable=true"));
+    if (mode) {
+        FcConfigSubstitute(nullptr, mode, FcMatchPattern);
+        FcDefaultSubstitute(mode);
         FcResult result = FcResultNoMatch;
-        FcPattern *match = FcFontMatch(nullptr, wish, &result);
+        FcPattern *match = FcFontMatch(nullptr, mode, &result);
         FcChar8 *file = nullptr;
         if (match && FcPatternGetString(match, FC_FILE, 0, &file) == FcResultMatch)
             path = reinterpret_cast<const char *>(file);
         if (match) FcPatternDestroy(match);
-        FcPatternDestroy(wish);
+        FcPatternDestroy(mode);
     }
     FcFini();
     return path;

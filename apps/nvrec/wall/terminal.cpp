@@ -49,14 +49,14 @@ bool Terminal::send_log_to(const std::string &path)
 
     const int log = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, kLogMode);
     if (log < 0) {
-        complain("cannot write the log " + path + ": " + error_text());
+        error("cannot write the log " + path + ": " + error_text());
         return false;
     }
     std::fflush(stdout);
     FILE *own = another_stream_to(STDOUT_FILENO);
     FILE *own_error = another_stream_to(STDERR_FILENO);
     if (!own || !own_error || dup2(log, STDOUT_FILENO) < 0 || dup2(log, STDERR_FILENO) < 0) {
-        complain("cannot part the log from the terminal: " + error_text());
+        error("cannot part the log from the terminal: " + error_text());
         close(log);
         return false;
     }
@@ -75,7 +75,7 @@ void Terminal::wipe_progress()
     progress_width_ = 0;
 }
 
-void Terminal::say(const std::string &line)
+void Terminal::print(const std::string &line)
 {
     const std::scoped_lock guard(lock_);
     wipe_progress();
@@ -83,7 +83,7 @@ void Terminal::say(const std::string &line)
     std::fflush(own_);
 }
 
-void Terminal::complain(const std::string &line)
+void Terminal::error(const std::string &line)
 {
     const std::scoped_lock guard(lock_);
     wipe_progress();

@@ -30,10 +30,10 @@ public:
     bool send_log_to(const std::string &path);
 
     /** Print a whole line; it does not tear the progress line. Any thread. */
-    void say(const std::string &line);
+    void print(const std::string &line);
 
     /** Print a line to what standard error was, "nvrec: " in front. Any thread. */
-    void complain(const std::string &line);
+    void error(const std::string &line);
 
     /** Replace the progress line: in place on a terminal, a line of its own elsewhere. Any thread. */
     void progress(const std::string &line);

@@ -57,7 +57,7 @@ void Wakeup::take_signals()
     while (read(signals_, &received, sizeof received) == sizeof received) {
     }
     end_wanted_ = true;
-    ring();
+    wake();
     const sigset_t set = end_signals();
     pthread_sigmask(SIG_UNBLOCK, &set, nullptr); /* of this thread: it takes the second one */
     while (poll(sources, 1, -1) < 0 && errno == EINTR) {
@@ -67,14 +67,14 @@ void Wakeup::take_signals()
 void Wakeup::wait_until(Clock::time_point when)
 {
     std::unique_lock guard(lock_);
-    woken_.wait_until(guard, when, [this] { return rung_; });
-    rung_ = false;
+    woken_.wait_until(guard, when, [this] { return wake_asked_; });
+    wake_asked_ = false;
 }
 
-void Wakeup::ring()
+void Wakeup::wake()
 {
     const std::scoped_lock guard(lock_);
-    rung_ = true;
+    wake_asked_ = true;
     woken_.notify();
 }
 

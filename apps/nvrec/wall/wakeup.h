@@ -1,5 +1,5 @@
 /*
- * wakeup.h - what ends the main thread's sleep: Ctrl-C, a call of ring(), or time.
+ * wakeup.h - what ends the main thread's sleep: Ctrl-C, a call of wake(), or time.
  *
  * Made before any other thread, so that every thread inherits the blocked signals and only this
  * object receives them, on a thread of its own.
@@ -27,7 +27,7 @@ public:
     void wait_until(Clock::time_point when);
 
     /** End the sleep, or the next one. Any thread. */
-    void ring();
+    void wake();
 
     /** True from the first SIGINT or SIGTERM on. A second one ends the process as usual. */
     bool end_wanted() const { return end_wanted_; }
@@ -40,9 +40,9 @@ private:
     std::thread signal_thread_;
     std::atomic<bool> end_wanted_ = false;
 
-    std::mutex lock_; /* guards rung_ */
+    std::mutex lock_; /* guards wake_asked_ */
     Condition woken_;
-    bool rung_ = false;
+    bool wake_asked_ = false;
 };
 
 } // namespace nvrec

@@ -38,11 +38,11 @@ int Wall::run()
     }
     if (!show()) {
         stop_cameras();
-        terminal_.complain("the library did not start; its log says why: " + options_.log_path);
+        terminal_.error("the library did not start; its log says why: " + options_.log_path);
         return kExitBoardFailed;
     }
     open_window();
-    if (!end_wanted_ && start_companions()) {
+    if (!end_wanted_ && start_modules()) {
         start_feeding();
         watch();
     }
@@ -61,9 +61,9 @@ bool Wall::open_inputs()
         Opening &opening = openings_.emplace_back();
         opening.camera = feeder.get();
         opening.thread = std::thread([this, &opening] {
-            opening.camera->hold();
+            opening.camera->open();
             opening.done = true;
-            wakeup_.ring();
+            wakeup_.wake();
         });
     }
     size_t opened = 0;
@@ -74,9 +74,9 @@ bool Wall::open_inputs()
         if (opened > 0 && !options_.wait_for_all && only_live_are_opening())
             begin_at = std::min(begin_at, Clock::now() + kLateCamera);
     }
-    if (opened == 0 && openings_.empty() && !feeders_.empty()) terminal_.complain("no input could be opened");
+    if (opened == 0 && openings_.empty() && !feeders_.empty()) terminal_.error("no input could be opened");
     if (wakeup_.end_wanted()) return false;
-    return opened > 0 || feeders_.empty(); /* the companions have pictures of their own */
+    return opened > 0 || feeders_.empty(); /* the modules have pictures of their own */
 }
 
 bool Wall::only_live_are_opening() const
@@ -99,9 +99,9 @@ size_t Wall::finish_openings(const std::function<void(Feeder &)> &then)
         opening = openings_.erase(opening);
         opened += camera.opened();
         if (!camera.opened()) {
-            terminal_.complain("channel " + std::to_string(camera.channel()) + ": " +
-                               camera.input().address() + ": " + camera.trouble());
-            worse(kExitInputFailed);
+            terminal_.error("channel " + std::to_string(camera.channel()) + ": " + camera.input().address() +
+                            ": " + camera.trouble());
+            note_exit_code(kExitInputFailed);
         }
         then(camera);
     }
@@ -109,11 +109,11 @@ size_t Wall::finish_openings(const std::function<void(Feeder &)> &then)
 }
 
 /* A camera that comes while the others run. */
-void Wall::admit(Feeder &camera)
+void Wall::add_late_camera(Feeder &camera)
 {
     if (camera.opened()) {
         const auto before = host::decoder_counters(camera.channel());
-        prime(camera);
+        make_decoder(camera);
         lay_out();
         const auto after = host::decoder_counters(camera.channel());
         if (before && after) reporter_.leave_out(camera.channel(), *after - *before);
@@ -127,15 +127,15 @@ bool Wall::show()
     const int channels = std::max(options_.channels, static_cast<int>(feeders_.size()));
     if (!session_.start(*output_mode_named(options_.output), channels)) return false;
     for (const auto &feeder : feeders_) {
-        if (!is_opening(*feeder) && feeder->opened()) prime(*feeder);
+        if (!is_opening(*feeder) && feeder->opened()) make_decoder(*feeder);
     }
     return lay_out();
 }
 
-void Wall::prime(Feeder &camera)
+void Wall::make_decoder(Feeder &camera)
 {
-    if (camera.prime() == 0) return;
-    terminal_.complain("channel " + std::to_string(camera.channel()) + ": its first frame was refused");
+    if (camera.send_first() == 0) return;
+    terminal_.error("channel " + std::to_string(camera.channel()) + ": its first frame was refused");
 }
 
 bool Wall::is_opening(const Feeder &camera) const
@@ -148,10 +148,10 @@ bool Wall::is_opening(const Feeder &camera) const
 bool Wall::lay_out()
 {
     for (size_t i = 0; i < started_; ++i)
-        companions_[i]->before_layout();
+        modules_[i]->before_layout();
     const bool done = enlarged_ >= 0 ? session_.apply_single(enlarged_) : session_.apply(layout_);
     for (size_t i = 0; i < started_; ++i)
-        companions_[i]->on_layout();
+        modules_[i]->on_layout();
     return done;
 }
 
@@ -175,54 +175,54 @@ void Wall::select(int channel)
     if (channel < 0 || channel >= session_.channels() || channel == selected_) return;
     selected_ = channel;
     for (size_t i = 0; i < started_; ++i)
-        companions_[i]->on_layout();
+        modules_[i]->on_layout();
 }
 
 void Wall::key(Key key)
 {
     for (size_t i = started_; i-- > 0;) {
-        if (companions_[i]->on_key(key)) return;
+        if (modules_[i]->on_key(key)) return;
     }
 }
 
 void Wall::pointer(const PointerEvent &event)
 {
     for (size_t i = started_; i-- > 0;) {
-        if (companions_[i]->on_pointer(event)) return;
+        if (modules_[i]->on_pointer(event)) return;
     }
 }
 
 void Wall::set_recording(bool on)
 {
     recording_ = on;
-    ring(); /* whoever had its turn before */
+    wake(); /* whoever had its turn before */
 }
 
 void Wall::end(int exit_code)
 {
-    worse(exit_code);
+    note_exit_code(exit_code);
     end_wanted_ = true;
-    wakeup_.ring();
+    wakeup_.wake();
 }
 
-bool Wall::start_companions()
+bool Wall::start_modules()
 {
-    while (started_ < companions_.size()) {
-        if (!companions_[started_++]->start(*this)) return false;
+    while (started_ < modules_.size()) {
+        if (!modules_[started_++]->start(*this)) return false;
     }
     return true;
 }
 
 void Wall::open_window()
 {
-    if (options_.window == WindowWish::kOff) return;
-    if (options_.window == WindowWish::kAuto && !host::has_desktop()) return;
+    if (options_.window == WindowMode::kOff) return;
+    if (options_.window == WindowMode::kAuto && !host::has_desktop()) return;
     const std::string problem = host::open_window("nvrec wall");
     window_open_ = problem.empty();
     if (window_open_) return;
-    terminal_.complain(problem);
-    if (options_.window == WindowWish::kOn) {
-        worse(kExitBoardFailed);
+    terminal_.error(problem);
+    if (options_.window == WindowMode::kOn) {
+        note_exit_code(kExitBoardFailed);
         end_wanted_ = true;
     }
 }
@@ -242,23 +242,23 @@ void Wall::start_feeding(Feeder &camera)
     ++running_;
     Feeder::Events events;
     events.trouble = [this](int channel, const std::string &line) {
-        terminal_.complain("channel " + std::to_string(channel) + ": " + line);
+        terminal_.error("channel " + std::to_string(channel) + ": " + line);
     };
     events.decoder_changed = [this](int) {
         layout_stale_ = true;
-        wakeup_.ring();
+        wakeup_.wake();
     };
     events.ended = [this](int) {
         --running_;
-        wakeup_.ring();
+        wakeup_.wake();
     };
     events.unit = [this](int channel, const AccessUnit &unit, const StreamFacts &facts) {
-        for (const auto &companion : companions_)
-            companion->on_unit(channel, unit, facts);
+        for (const auto &module : modules_)
+            module->on_unit(channel, unit, facts);
     };
     events.sound = [this](int channel, const SoundBlock &block) {
-        for (const auto &companion : companions_)
-            companion->on_audio(channel, block);
+        for (const auto &module : modules_)
+            module->on_audio(channel, block);
     };
     camera.start(std::move(events));
 }
@@ -279,7 +279,7 @@ void Wall::watch()
         wakeup_.wait_until(next);
 
         if (window_open_ && !host::refresh_window()) end_wanted_ = true;
-        finish_openings([this](Feeder &camera) { admit(camera); });
+        finish_openings([this](Feeder &camera) { add_late_camera(camera); });
         if (layout_stale_.exchange(false)) lay_out();
         take_due_pictures(seconds(), false);
         if (Clock::now() >= progress_at) {
@@ -293,24 +293,23 @@ void Wall::watch()
 Clock::time_point Wall::take_turns()
 {
     Clock::time_point next = Clock::time_point::max();
-    for (const auto &companion : companions_)
-        next = std::min(next, companion->take_turn(Clock::now()));
+    for (const auto &module : modules_)
+        next = std::min(next, module->take_turn(Clock::now()));
     return next;
 }
 
 std::string Wall::progress_line() const
 {
-    for (const auto &companion : companions_) {
-        std::string line = companion->progress(seconds());
+    for (const auto &module : modules_) {
+        std::string line = module->progress(seconds());
         if (!line.empty()) return line;
     }
     return reporter_.progress_line(seconds(), running_.load());
 }
 
-bool Wall::companion_busy() const
+bool Wall::module_busy() const
 {
-    return std::any_of(companions_.begin(), companions_.end(),
-                       [](const auto &companion) { return companion->busy(); });
+    return std::any_of(modules_.begin(), modules_.end(), [](const auto &module) { return module->busy(); });
 }
 
 void Wall::take_due_pictures(double now_s, bool at_end)
@@ -321,8 +320,8 @@ void Wall::take_due_pictures(double now_s, bool at_end)
         order.done = true;
         const std::string problem = take_picture(order.path);
         if (!problem.empty()) {
-            terminal_.complain(order.path + ": " + problem);
-            worse(kExitOutputFailed);
+            terminal_.error(order.path + ": " + problem);
+            note_exit_code(kExitOutputFailed);
         }
     }
 }
@@ -341,7 +340,7 @@ void Wall::stop_cameras()
         feeder->ask_to_stop();
     for (Opening &opening : openings_) {
         opening.thread.join();
-        worse(kExitInputFailed); /* it never answered */
+        note_exit_code(kExitInputFailed); /* it never answered */
     }
     openings_.clear();
     for (const auto &feeder : feeders_)
@@ -356,9 +355,9 @@ void Wall::close()
     if (ran_out) wait_for_decoders();
     take_due_pictures(lasted_s_, true);
     for (size_t i = started_; i-- > 0;)
-        companions_[i]->stop();
+        modules_[i]->stop();
     for (const auto &feeder : feeders_) {
-        if (feeder->broken()) worse(kExitInputFailed);
+        if (feeder->broken()) note_exit_code(kExitInputFailed);
     }
 }
 
@@ -369,20 +368,20 @@ void Wall::write_reports()
     session_.stop();
     if (!channels.empty()) {
         for (const std::string &line : table_of(channels))
-            terminal_.say(line);
+            terminal_.print(line);
     }
     for (size_t i = 0; i < started_; ++i)
-        companions_[i]->report();
+        modules_[i]->report();
     if (options_.json_path.empty()) return;
     std::vector<std::string> more;
     for (size_t i = 0; i < started_; ++i) {
-        std::string member = companions_[i]->json();
+        std::string member = modules_[i]->json();
         if (!member.empty()) more.push_back(std::move(member));
     }
     if (write_text(options_.json_path, json_of(channels, options_.layout, options_.output, lasted_s_, more)))
         return;
-    terminal_.complain("cannot write " + options_.json_path);
-    worse(kExitOutputFailed);
+    terminal_.error("cannot write " + options_.json_path);
+    note_exit_code(kExitOutputFailed);
 }
 
 double Wall::seconds() const
@@ -393,12 +392,12 @@ double Wall::seconds() const
 bool Wall::ended() const
 {
     if (end_wanted_ || wakeup_.end_wanted()) return true;
-    if (running_ == 0 && openings_.empty() && !companion_busy()) return true;
+    if (running_ == 0 && openings_.empty() && !module_busy()) return true;
     return options_.duration_s > 0 && seconds() >= options_.duration_s;
 }
 
 /* The first thing that went wrong decides how the process ends. */
-void Wall::worse(int exit_code)
+void Wall::note_exit_code(int exit_code)
 {
     if (exit_code_ == kExitDone) exit_code_ = exit_code;
 }

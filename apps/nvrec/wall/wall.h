@@ -6,7 +6,7 @@
  *        another codec)
  *     -> end of inputs, time or Ctrl-C -> last pictures -> table
  *
- * Whatever else the recorder does while the wall stands is a Companion.
+ * Whatever else the recorder does while the wall stands is a Module.
  *
  * Threads: everything here runs on the main thread; the feeders have one each and ring it.
  */
@@ -22,7 +22,7 @@
 #include <vector>
 
 #include "camera/feeder.h"
-#include "wall/companion.h"
+#include "wall/module.h"
 #include "wall/pictures.h"
 #include "wall/report.h"
 #include "wall/session.h"
@@ -32,7 +32,7 @@
 namespace nvrec
 {
 
-enum class WindowWish { kAuto, kOn, kOff };
+enum class WindowMode { kAuto, kOn, kOff };
 
 struct WallOptions {
     std::vector<std::string> inputs;
@@ -40,12 +40,12 @@ struct WallOptions {
     std::string output = "1920x1080";
     std::vector<std::string> pictures;
     double duration_s = 0; /* 0 = until every input has ended */
-    WindowWish window = WindowWish::kAuto;
+    WindowMode window = WindowMode::kAuto;
     std::string log_path = "out/nvrec.log";
     std::string json_path;
     FeedOptions feed;
     bool wait_for_all = false; /* do not begin without the cameras that answer late */
-    int channels = 0;          /* at least so many, for companions that show pictures of their own */
+    int channels = 0;          /* at least so many, for modules that show pictures of their own */
 };
 
 class Wall final : private WallControl
@@ -54,7 +54,7 @@ public:
     explicit Wall(const WallOptions &options);
 
     /** Before run(). */
-    void add(std::unique_ptr<Companion> companion) { companions_.push_back(std::move(companion)); }
+    void add(std::unique_ptr<Module> module) { modules_.push_back(std::move(module)); }
 
     /** The whole life of the wall. @return an ExitCode. */
     int run();
@@ -73,7 +73,7 @@ private:
     bool window_is_open() const override { return window_open_; }
     void key(Key key) override;
     void pointer(const PointerEvent &event) override;
-    void ring() override { wakeup_.ring(); }
+    void wake() override { wakeup_.wake(); }
     void set_recording(bool on) override;
     bool recording() const override { return recording_; }
     void end(int exit_code) override;
@@ -88,19 +88,19 @@ private:
     bool open_inputs();
     bool only_live_are_opening() const;
     size_t finish_openings(const std::function<void(Feeder &)> &then);
-    void admit(Feeder &camera);
-    void prime(Feeder &camera);
+    void add_late_camera(Feeder &camera);
+    void make_decoder(Feeder &camera);
     bool is_opening(const Feeder &camera) const;
     void start_feeding(Feeder &camera);
     bool show();
     void open_window();
-    bool start_companions();
+    bool start_modules();
     void start_feeding();
     void watch();
     bool lay_out();
     Clock::time_point take_turns();
     std::string progress_line() const;
-    bool companion_busy() const;
+    bool module_busy() const;
     void take_due_pictures(double now_s, bool at_end);
     void wait_for_decoders();
     void stop_cameras();
@@ -108,7 +108,7 @@ private:
     void write_reports();
     double seconds() const;
     bool ended() const;
-    void worse(int exit_code);
+    void note_exit_code(int exit_code);
 
     const WallOptions options_;
     Wakeup wakeup_; /* first of all: it blocks the signals that the threads inherit */
@@ -121,10 +121,10 @@ private:
     std::list<Opening> openings_; /* not finished yet */
     Reporter reporter_;
     std::vector<PictureOrder> orders_;
-    std::vector<std::unique_ptr<Companion>> companions_;
-    size_t started_ = 0; /* of the companions */
+    std::vector<std::unique_ptr<Module>> modules_;
+    size_t started_ = 0; /* of the modules */
     bool window_open_ = false;
-    bool recording_ = false; /* as a companion says */
+    bool recording_ = false; /* as a module says */
     bool end_wanted_ = false;
     Clock::time_point began_at_;
     double lasted_s_ = 0;

@@ -1,5 +1,5 @@
-/* control_desk.cpp - see control_desk.h. */
-#include "controls/control_desk.h"
+/* control_requests.cpp - see control_requests.h. */
+#include "controls/control_requests.h"
 
 #include <sstream>
 
@@ -38,7 +38,7 @@ std::string quoted(const std::string &word)
 } // namespace
 
 /* Without its default socket a recorder is still a recorder; without the one asked for it is not. */
-bool ControlDesk::start(WallControl &wall)
+bool ControlRequests::start(WallControl &wall)
 {
     wall_ = &wall;
     if (path_ == "none") return true;
@@ -46,14 +46,14 @@ bool ControlDesk::start(WallControl &wall)
     if (server_.start(path, [this](const std::string &request) { return answer(request); }) ==
         ControlServer::Start::kListening)
         return true;
-    wall.terminal().complain("control socket " + path + ": " + server_.error() +
-                             "; --control gives this one a place of its own");
+    wall.terminal().error("control socket " + path + ": " + server_.error() +
+                          "; --control gives this one a place of its own");
     if (path_.empty()) return true;
     wall.end(kExitBoardFailed);
     return false;
 }
 
-std::string ControlDesk::answer(const std::string &request)
+std::string ControlRequests::answer(const std::string &request)
 {
     const std::vector<std::string> words = words_of(request);
     if (words.empty()) return "error: an empty request\n";
@@ -70,7 +70,7 @@ std::string ControlDesk::answer(const std::string &request)
            " of that form; there are: key NAME [remote|panel], board\n";
 }
 
-std::string ControlDesk::press(const std::vector<std::string> &words)
+std::string ControlRequests::press(const std::vector<std::string> &words)
 {
     if (words.size() < 2 || words.size() > 3) return "error: it is: key NAME [remote|panel]\n";
     const Button *button = button_named(words[1]);
@@ -82,19 +82,19 @@ std::string ControlDesk::press(const std::vector<std::string> &words)
     return came ? "ok\n" : "error: the key did not reach the recorder\n";
 }
 
-std::string ControlDesk::on_main_thread(std::function<std::string()> work)
+std::string ControlRequests::on_main_thread(std::function<std::string()> work)
 {
     const auto job = std::make_shared<Job>(Job{std::move(work), {}});
     std::unique_lock guard(lock_);
     if (stopped_) return "error: the recorder is ending\n";
     jobs_.push_back(job);
-    wall_->ring();
+    wall_->wake();
     if (!done_.wait_for(guard, kMainLimit, [&] { return job->answer.has_value(); }))
         return "error: the recorder is busy\n";
     return *job->answer;
 }
 
-void ControlDesk::do_work()
+void ControlRequests::do_work()
 {
     std::vector<std::shared_ptr<Job>> jobs;
     {
@@ -109,13 +109,13 @@ void ControlDesk::do_work()
     }
 }
 
-Clock::time_point ControlDesk::take_turn(Clock::time_point)
+Clock::time_point ControlRequests::take_turn(Clock::time_point)
 {
     do_work();
     return Clock::time_point::max();
 }
 
-void ControlDesk::stop()
+void ControlRequests::stop()
 {
     {
         const std::scoped_lock guard(lock_);

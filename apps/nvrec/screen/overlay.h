@@ -1,13 +1,13 @@
 /*
- * furniture.h - what the recorder draws over the video, with the menu and the cursor:
+ * overlay.h - what the recorder draws over the video, with the menu and the cursor:
  *
- *   panes    borders, the selected one's highlight, camera names (furniture_panes.h)
+ *   panes    borders, the selected one's highlight, camera names (overlay_panes.h)
  *   clock    date and time in the upper right corner             (clock_face.h)
  *   menu     opened by the menu key or the right mouse button    (menu.h)
  *   address  a QR code in the lower right corner                 (qr_code.h)
  *   cursor   the mouse's arrow, over all else                    (cursor.h)
  *
- * A change soils rectangles; paint() then clears each and draws in it whatever crosses it, in the
+ * A change damages rectangles; paint() then clears each and draws in it whatever crosses it, in the
  * order above, in one drawing job. All of it runs on the main thread.
  */
 #pragma once
@@ -22,17 +22,17 @@
 #include "screen/clock_face.h"
 #include "screen/cursor.h"
 #include "screen/font.h"
-#include "screen/furniture_panes.h"
 #include "screen/menu.h"
-#include "wall/companion.h"
+#include "screen/overlay_panes.h"
+#include "wall/module.h"
 
 namespace nvrec
 {
 
-enum class FurnitureWish { kAuto, kOn, kOff };
+enum class OverlayMode { kAuto, kOn, kOff };
 
-struct FurnitureOptions {
-    FurnitureWish wish = FurnitureWish::kAuto; /* auto = with a window */
+struct OverlayOptions {
+    OverlayMode mode = OverlayMode::kAuto; /* auto = with a window */
     CameraNames names;
     std::string font_path;     /* empty = the host's font for Chinese  */
     std::string address;       /* empty = this machine's               */
@@ -40,11 +40,11 @@ struct FurnitureOptions {
     std::function<ClockFace::Time()> wall_time = nvrec::wall_time;
 };
 
-class Furniture final : public Companion
+class Overlay final : public Module
 {
 public:
-    explicit Furniture(FurnitureOptions options);
-    ~Furniture() override;
+    explicit Overlay(OverlayOptions options);
+    ~Overlay() override;
 
     bool start(WallControl &wall) override;
     Clock::time_point take_turn(Clock::time_point now) override;
@@ -68,7 +68,7 @@ private:
     void open_font();
     void make_parts();
     void make_card();
-    void soil(const Rect &rect);
+    void damage(const Rect &rect);
     void paint();
     void paint_within(const Rect &rect);
     void paint_address();
@@ -84,7 +84,7 @@ private:
     bool wall_pointer(const PointerEvent &event);
     int text_size_px() const;
 
-    const FurnitureOptions options_;
+    const OverlayOptions options_;
     WallControl *wall_ = nullptr;
     bool drawing_ = false;
     Canvas canvas_;
@@ -98,7 +98,7 @@ private:
     Cursor cursor_;
     Clock::time_point cursor_moved_at_;
     bool cursor_moved_ = false;
-    std::vector<Rect> soiled_;
+    std::vector<Rect> damage_;
 };
 
 } // namespace nvrec

@@ -1,4 +1,4 @@
-/* Pictures of a wall with furniture, as a user takes them. */
+/* Pictures of a wall with overlay, as a user takes them. */
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -16,7 +16,7 @@ std::string clip(int camera)
     return std::string(NVREC_CLIPS) + "/colour" + std::to_string(camera) + ".h264";
 }
 
-class NvrecFurnitureWall : public testing::Test
+class NvrecOverlayWall : public testing::Test
 {
 protected:
     Picture wall(const std::string &name, std::vector<std::string> arguments)
@@ -47,7 +47,7 @@ protected:
 };
 
 /* Everything that differs stands at a pane's edge, where a name may be, or where the clock is. */
-TEST_F(NvrecFurnitureWall, TheVideoShowsUntouchedBesideNamesBordersAndClock)
+TEST_F(NvrecOverlayWall, TheVideoShowsUntouchedBesideNamesBordersAndClock)
 {
     const Picture plain = wall("plain.png", {});
     ASSERT_EQ(status_, 0) << errors_;
@@ -79,7 +79,7 @@ TEST_F(NvrecFurnitureWall, TheVideoShowsUntouchedBesideNamesBordersAndClock)
     EXPECT_GT(in_clock, 2000);
 }
 
-TEST_F(NvrecFurnitureWall, APhoneReadsTheAddress)
+TEST_F(NvrecOverlayWall, APhoneReadsTheAddress)
 {
     wall("qr.png", {"--furniture", "on", "--qr", "--address", kAddress});
     ASSERT_EQ(status_, 0) << errors_;
@@ -89,7 +89,7 @@ TEST_F(NvrecFurnitureWall, APhoneReadsTheAddress)
 }
 
 /* Its pane is black but for the border, the name below and the words in the middle. */
-TEST_F(NvrecFurnitureWall, APaneWithoutVideoSaysSo)
+TEST_F(NvrecOverlayWall, APaneWithoutVideoSaysSo)
 {
     cameras_[3] = scratch_.file("nowhere.h264");
     const Picture picture = wall("three.png", {"--furniture", "on"});
@@ -108,7 +108,7 @@ TEST_F(NvrecFurnitureWall, APaneWithoutVideoSaysSo)
     EXPECT_EQ(elsewhere, 0);
 }
 
-TEST_F(NvrecFurnitureWall, RefusesNamesThatAreNone)
+TEST_F(NvrecOverlayWall, RefusesNamesThatAreNone)
 {
     for (const char *name : {"front", "16=x", "-1=x", "x=y", "0=", "0=\xFF"}) {
         wall("none.png", {"--name", name});

@@ -1,5 +1,5 @@
 /*
- * The furniture on the board's framebuffer, pixel by pixel, with a wall that notes what it is asked
+ * The overlay on the board's framebuffer, pixel by pixel, with a wall that notes what it is asked
  * and a wall clock that the test sets.
  */
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@
 #include FT_FREETYPE_H
 
 #include "nvrhal.h"
-#include "screen/furniture.h"
+#include "screen/overlay.h"
 #include "stand_in_wall.h"
 
 using namespace nvrec;
@@ -41,37 +41,37 @@ public:
     void select(int channel) override
     {
         StandInWall::select(channel);
-        if (companion) companion->on_layout();
+        if (module) module->on_layout();
     }
-    void ring() override { ++rings; }
+    void wake() override { ++rings; }
 
     void lay_out()
     {
         ASSERT_TRUE(enlarged() >= 0 ? session().apply_single(enlarged()) : session().apply(layout()));
-        if (companion) companion->on_layout();
+        if (module) module->on_layout();
     }
 
-    Companion *companion = nullptr;
+    Module *module = nullptr;
     int rings = 0;
 };
 
-class NvrecFurniture : public testing::Test
+class NvrecOverlay : public testing::Test
 {
 protected:
     void SetUp() override
     {
         ASSERT_TRUE(wall_.session().start(*output_mode_named("1920x1080"), kCameras));
         wall_.lay_out();
-        options_.wish = FurnitureWish::kOn;
+        options_.mode = OverlayMode::kOn;
         options_.address = "http://192.0.2.10/";
         options_.wall_time = [this] { return time_; };
     }
 
     void start()
     {
-        furniture_ = std::make_unique<Furniture>(options_);
-        ASSERT_TRUE(furniture_->start(wall_));
-        wall_.companion = furniture_.get();
+        overlay_ = std::make_unique<Overlay>(options_);
+        ASSERT_TRUE(overlay_->start(wall_));
+        wall_.module = overlay_.get();
     }
 
     static uint16_t pixel(int x, int y)
@@ -122,13 +122,13 @@ protected:
     void press(std::initializer_list<Key> keys)
     {
         for (const Key key : keys)
-            EXPECT_TRUE(furniture_->on_key(key));
+            EXPECT_TRUE(overlay_->on_key(key));
     }
 
     /* Light that row of the open menu with the arrow keys. */
     void light(MenuAction action, Layout layout = {})
     {
-        const Menu &menu = *furniture_->menu();
+        const Menu &menu = *overlay_->menu();
         for (size_t steps = 0; steps < menu.items().size(); ++steps) {
             if (menu.chosen().action == action &&
                 (action != MenuAction::kLayout || menu.chosen().layout == layout))
@@ -139,12 +139,12 @@ protected:
     }
 
     NotingWall wall_;
-    FurnitureOptions options_;
+    OverlayOptions options_;
     ClockFace::Time time_{kSomeTime};
-    std::unique_ptr<Furniture> furniture_;
+    std::unique_ptr<Overlay> overlay_;
 };
 
-TEST_F(NvrecFurniture, BordersStandInsideThePanesAndTheSelectedOneIsHighlighted)
+TEST_F(NvrecOverlay, BordersStandInsideThePanesAndTheSelectedOneIsHighlighted)
 {
     start();
     const std::vector<Rect> panes = {
@@ -162,11 +162,11 @@ TEST_F(NvrecFurniture, BordersStandInsideThePanesAndTheSelectedOneIsHighlighted)
 }
 
 /* The reference draws with FreeType alone, letter after letter. */
-TEST_F(NvrecFurniture, AChineseNameIsTheFontsGlyphs)
+TEST_F(NvrecOverlay, AChineseNameIsTheFontsGlyphs)
 {
     options_.names.given[0] = "前门A1";
     start();
-    const Rect place = furniture_->panes()->name_of(0);
+    const Rect place = overlay_->panes()->name_of(0);
     ASSERT_FALSE(place.empty());
 
     FT_Library library = nullptr;
@@ -199,46 +199,46 @@ TEST_F(NvrecFurniture, AChineseNameIsTheFontsGlyphs)
     FT_Done_FreeType(library);
 }
 
-TEST_F(NvrecFurniture, TheClockTicksOnceASecondAndTouchesOnlyItsPlace)
+TEST_F(NvrecOverlay, TheClockTicksOnceASecondAndTouchesOnlyItsPlace)
 {
     start();
-    const Rect before_place = furniture_->clock()->place();
+    const Rect before_place = overlay_->clock()->place();
     const auto now = Clock::now();
     const auto first = screen();
 
     time_ += std::chrono::milliseconds(400);
-    EXPECT_EQ(furniture_->take_turn(now), now + std::chrono::milliseconds(600));
+    EXPECT_EQ(overlay_->take_turn(now), now + std::chrono::milliseconds(600));
     EXPECT_EQ(screen(), first) << "the same second";
 
     time_ += std::chrono::milliseconds(600);
-    EXPECT_EQ(furniture_->take_turn(now), now + std::chrono::seconds(1));
+    EXPECT_EQ(overlay_->take_turn(now), now + std::chrono::seconds(1));
     const Rect changed = difference(first, screen());
     EXPECT_FALSE(changed.empty());
-    EXPECT_TRUE(inside(changed, around(before_place, furniture_->clock()->place())));
+    EXPECT_TRUE(inside(changed, around(before_place, overlay_->clock()->place())));
 }
 
-TEST_F(NvrecFurniture, TheMenuChangesTheLayout)
+TEST_F(NvrecOverlay, TheMenuChangesTheLayout)
 {
     start();
     const auto before = screen();
     press({Key::kMenu});
-    ASSERT_TRUE(furniture_->menu()->is_open());
-    const Rect place = furniture_->menu()->place();
+    ASSERT_TRUE(overlay_->menu()->is_open());
+    const Rect place = overlay_->menu()->place();
     EXPECT_EQ(difference(before, screen()), place);
     light(MenuAction::kLayout, Layout::kOneAndFive);
     press({Key::kEnter});
     EXPECT_EQ(wall_.layout(), Layout::kOneAndFive);
-    EXPECT_FALSE(furniture_->menu()->is_open());
-    EXPECT_EQ(furniture_->panes()->pane_of(0), (Rect{0, 0, 1280, 720}));
+    EXPECT_FALSE(overlay_->menu()->is_open());
+    EXPECT_EQ(overlay_->panes()->pane_of(0), (Rect{0, 0, 1280, 720}));
     expect_frame({0, 0, 1280, 720}, kHighlight_px, kHighlightColour);
     EXPECT_EQ(pixel(place.x + 40, place.y + 40), 0) << "the menu is gone";
 
     press({Key::kMenu, Key::kMenu});
-    EXPECT_FALSE(furniture_->menu()->is_open());
-    EXPECT_FALSE(furniture_->on_key(Key::kUp)) << "without a menu the arrows are the wall's";
+    EXPECT_FALSE(overlay_->menu()->is_open());
+    EXPECT_FALSE(overlay_->on_key(Key::kUp)) << "without a menu the arrows are the wall's";
 }
 
-TEST_F(NvrecFurniture, TheMenuEnlargesZoomsShowsTheAddressAndEnds)
+TEST_F(NvrecOverlay, TheMenuEnlargesZoomsShowsTheAddressAndEnds)
 {
     start();
     wall_.select(2);
@@ -255,12 +255,12 @@ TEST_F(NvrecFurniture, TheMenuEnlargesZoomsShowsTheAddressAndEnds)
     press({Key::kMenu});
     light(MenuAction::kAddress);
     press({Key::kEnter});
-    const Rect card = furniture_->address_place();
+    const Rect card = overlay_->address_place();
     ASSERT_FALSE(card.empty());
     EXPECT_EQ(pixel(card.x + 4, card.y + 4), pixel_of(0xFFFFFF));
     press({Key::kBack});
     EXPECT_EQ(pixel(card.x + 4, card.y + 4), 0);
-    EXPECT_FALSE(furniture_->on_key(Key::kBack)) << "nothing left to close";
+    EXPECT_FALSE(overlay_->on_key(Key::kBack)) << "nothing left to close";
 
     press({Key::kMenu});
     light(MenuAction::kQuit);
@@ -269,36 +269,36 @@ TEST_F(NvrecFurniture, TheMenuEnlargesZoomsShowsTheAddressAndEnds)
     EXPECT_EQ(wall_.rings, 1);
 }
 
-TEST_F(NvrecFurniture, TheMouseOpensTheMenuAndChooses)
+TEST_F(NvrecOverlay, TheMouseOpensTheMenuAndChooses)
 {
     start();
-    EXPECT_TRUE(furniture_->on_pointer({1900, 1060, 2, 2, 0}));
-    ASSERT_TRUE(furniture_->menu()->is_open());
-    EXPECT_TRUE(inside(furniture_->menu()->place(), {0, 0, 1920, 1080}));
+    EXPECT_TRUE(overlay_->on_pointer({1900, 1060, 2, 2, 0}));
+    ASSERT_TRUE(overlay_->menu()->is_open());
+    EXPECT_TRUE(inside(overlay_->menu()->place(), {0, 0, 1920, 1080}));
     size_t target = 0;
-    while (furniture_->menu()->items()[target].layout != Layout::kGrid3)
+    while (overlay_->menu()->items()[target].layout != Layout::kGrid3)
         ++target;
-    const Rect row = furniture_->menu()->row(target);
-    EXPECT_TRUE(furniture_->on_pointer({row.x + 20, row.y + 5, 0, 0, 0}));
-    EXPECT_EQ(furniture_->menu()->chosen_index(), target);
-    EXPECT_TRUE(furniture_->on_pointer({row.x + 20, row.y + 5, 1, 1, 0}));
+    const Rect row = overlay_->menu()->row(target);
+    EXPECT_TRUE(overlay_->on_pointer({row.x + 20, row.y + 5, 0, 0, 0}));
+    EXPECT_EQ(overlay_->menu()->chosen_index(), target);
+    EXPECT_TRUE(overlay_->on_pointer({row.x + 20, row.y + 5, 1, 1, 0}));
     EXPECT_EQ(wall_.layout(), Layout::kGrid3);
 
-    furniture_->on_pointer({200, 200, 2, 2, 0});
-    EXPECT_EQ(furniture_->menu()->place().x, 200);
-    furniture_->on_pointer({20, 20, 1, 1, 0});
-    EXPECT_FALSE(furniture_->menu()->is_open()) << "a press beside it closes it";
-    EXPECT_FALSE(furniture_->on_pointer({20, 20, 1, 1, 0})) << "and the next one is the wall's";
+    overlay_->on_pointer({200, 200, 2, 2, 0});
+    EXPECT_EQ(overlay_->menu()->place().x, 200);
+    overlay_->on_pointer({20, 20, 1, 1, 0});
+    EXPECT_FALSE(overlay_->menu()->is_open()) << "a press beside it closes it";
+    EXPECT_FALSE(overlay_->on_pointer({20, 20, 1, 1, 0})) << "and the next one is the wall's";
 }
 
-TEST_F(NvrecFurniture, TheCursorPutsBackWhatItCovered)
+TEST_F(NvrecOverlay, TheCursorPutsBackWhatItCovered)
 {
     start();
     const auto before = screen();
-    const Rect name = furniture_->panes()->name_of(1);
+    const Rect name = overlay_->panes()->name_of(1);
     for (const auto &[x, y] :
          {std::pair(name.x + 3, name.y + 3), std::pair(1910, 1070), std::pair(958, 530)}) {
-        furniture_->on_pointer({x, y, 0, 0, 0});
+        overlay_->on_pointer({x, y, 0, 0, 0});
         const auto with = screen();
         EXPECT_EQ(pixel(x, y) & 0x8000, 0x8000) << "the tip";
         EXPECT_TRUE(inside(difference(before, with), {x, y, 32, 32}));
@@ -312,37 +312,37 @@ TEST_F(NvrecFurniture, TheCursorPutsBackWhatItCovered)
             }
         }
     }
-    furniture_->take_turn(Clock::now() + std::chrono::seconds(6));
+    overlay_->take_turn(Clock::now() + std::chrono::seconds(6));
     EXPECT_EQ(difference(before, screen()), Rect{}) << "a mouse at rest goes out of the way";
 }
 
-TEST_F(NvrecFurniture, WithoutAFontThereAreStillBorders)
+TEST_F(NvrecOverlay, WithoutAFontThereAreStillBorders)
 {
     const std::string path = testing::TempDir() + "no_font_" + std::to_string(::getpid());
     std::ofstream(path) << "not a font";
     options_.font_path = path;
     start();
     std::remove(path.c_str());
-    EXPECT_EQ(furniture_->menu(), nullptr);
+    EXPECT_EQ(overlay_->menu(), nullptr);
     expect_frame({0, 0, 960, 540}, kHighlight_px, kHighlightColour);
-    EXPECT_FALSE(furniture_->on_key(Key::kMenu));
-    furniture_->take_turn(Clock::now());
+    EXPECT_FALSE(overlay_->on_key(Key::kMenu));
+    overlay_->take_turn(Clock::now());
 }
 
-TEST_F(NvrecFurniture, LeavesAnEmptyScreen)
+TEST_F(NvrecOverlay, LeavesAnEmptyScreen)
 {
     start();
-    furniture_->stop();
+    overlay_->stop();
     EXPECT_EQ(difference(screen(), std::vector<uint16_t>(1920 * 1080, 0)), Rect{});
 }
 
-TEST_F(NvrecFurniture, AutoWithoutAWindowDrawsNothing)
+TEST_F(NvrecOverlay, AutoWithoutAWindowDrawsNothing)
 {
-    options_.wish = FurnitureWish::kAuto;
+    options_.mode = OverlayMode::kAuto;
     start();
-    EXPECT_FALSE(furniture_->on_key(Key::kMenu));
-    EXPECT_FALSE(furniture_->on_pointer({5, 5, 2, 2, 0}));
-    EXPECT_EQ(furniture_->take_turn(Clock::now()), Clock::time_point::max());
+    EXPECT_FALSE(overlay_->on_key(Key::kMenu));
+    EXPECT_FALSE(overlay_->on_pointer({5, 5, 2, 2, 0}));
+    EXPECT_EQ(overlay_->take_turn(Clock::now()), Clock::time_point::max());
     EXPECT_EQ(difference(screen(), std::vector<uint16_t>(1920 * 1080, 0)), Rect{});
 }
 

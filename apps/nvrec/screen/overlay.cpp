@@ -1,5 +1,5 @@
-/* furniture.cpp - see furniture.h: the life of the furniture, and its painting. */
-#include "screen/furniture.h"
+/* overlay.cpp - see overlay.h: the life of the overlay, and its painting. */
+#include "screen/overlay.h"
 
 #include <algorithm>
 #include <utility>
@@ -18,47 +18,46 @@ constexpr Colour kCardGround = 0xFFFFFF, kCardLetters = 0x202428, kCardEdge = 0x
 
 } // namespace
 
-Furniture::Furniture(FurnitureOptions options) : options_(std::move(options)) {}
-Furniture::~Furniture() = default;
+Overlay::Overlay(OverlayOptions options) : options_(std::move(options)) {}
+Overlay::~Overlay() = default;
 
 /* Without a framebuffer or a font the wall stands all the same. */
-bool Furniture::start(WallControl &wall)
+bool Overlay::start(WallControl &wall)
 {
     wall_ = &wall;
-    if (options_.wish == FurnitureWish::kOff) return true;
-    if (options_.wish == FurnitureWish::kAuto && !wall.window_is_open()) return true;
+    if (options_.mode == OverlayMode::kOff) return true;
+    if (options_.mode == OverlayMode::kAuto && !wall.window_is_open()) return true;
     const std::string problem = canvas_.open();
     if (!problem.empty()) {
-        wall.terminal().complain("no screen furniture: " + problem);
+        wall.terminal().error("no screen overlay: " + problem);
         return true;
     }
     drawing_ = true;
     open_font();
     make_parts();
-    soil(canvas_.whole());
+    damage(canvas_.whole());
     if (options_.show_address) show_address(true);
     paint();
     return true;
 }
 
-void Furniture::open_font()
+void Overlay::open_font()
 {
     const std::string path = options_.font_path.empty() ? find_font() : options_.font_path;
     font_ = std::make_unique<Font>();
     const std::string problem = path.empty() ? "this machine has no font" : font_->open(path);
     if (!problem.empty()) {
-        wall_->terminal().complain("no names, clock and menu: " + problem +
-                                   " (package fonts-wqy-microhei has Chinese and Latin letters)");
+        wall_->terminal().error("no names, clock and menu: " + problem +
+                                " (package fonts-wqy-microhei has Chinese and Latin letters)");
         font_.reset();
         return;
     }
     constexpr char16_t kAnyHanzi = u'通';
     if (!font_->has(kAnyHanzi))
-        wall_->terminal().complain("no Chinese letters in " + path +
-                                   " (package fonts-wqy-microhei has them)");
+        wall_->terminal().error("no Chinese letters in " + path + " (package fonts-wqy-microhei has them)");
 }
 
-void Furniture::make_parts()
+void Overlay::make_parts()
 {
     panes_ = std::make_unique<PaneMarks>(font_.get(), options_.names);
     tell_cameras();
@@ -71,24 +70,24 @@ void Furniture::make_parts()
 }
 
 /* Of the clock, the menu and the card. */
-int Furniture::text_size_px() const
+int Overlay::text_size_px() const
 {
     constexpr int kScreenToText = 42, kSmallest_px = 16, kLargest_px = 40;
     return std::clamp(canvas_.height() / kScreenToText, kSmallest_px, kLargest_px);
 }
 
-void Furniture::tell_cameras()
+void Overlay::tell_cameras()
 {
     for (const auto &camera : wall_->cameras())
-        soil(panes_->set_live(camera->channel(), camera->opened() && !camera->broken()));
+        damage(panes_->set_live(camera->channel(), camera->opened() && !camera->broken()));
 }
 
-Clock::time_point Furniture::take_turn(Clock::time_point now)
+Clock::time_point Overlay::take_turn(Clock::time_point now)
 {
     if (!drawing_) return Clock::time_point::max();
     tell_cameras();
     const ClockFace::Time time = options_.wall_time();
-    if (clock_) soil(clock_->set(time, canvas_.whole()));
+    if (clock_) damage(clock_->set(time, canvas_.whole()));
     if (cursor_.wanted() && now - cursor_moved_at_ >= kCursorRests) {
         cursor_.hide();
         cursor_moved_ = true;
@@ -97,17 +96,17 @@ Clock::time_point Furniture::take_turn(Clock::time_point now)
     return now + std::chrono::ceil<Clock::duration>(ClockFace::until_next(time));
 }
 
-void Furniture::on_layout()
+void Overlay::on_layout()
 {
     if (!drawing_) return;
     for (const Rect &edge : panes_->select(wall_->selected()))
-        soil(edge);
-    if (panes_->lay(wall_->session().panes())) soil(canvas_.whole());
+        damage(edge);
+    if (panes_->lay(wall_->session().panes())) damage(canvas_.whole());
     paint();
 }
 
 /* The next owner of the screen finds it empty. */
-void Furniture::stop()
+void Overlay::stop()
 {
     if (!drawing_) return;
     drawing_ = false;
@@ -116,26 +115,26 @@ void Furniture::stop()
     canvas_.end();
 }
 
-void Furniture::soil(const Rect &rect)
+void Overlay::damage(const Rect &rect)
 {
-    if (!rect.empty()) soiled_.push_back(rect);
+    if (!rect.empty()) damage_.push_back(rect);
 }
 
-void Furniture::paint()
+void Overlay::paint()
 {
-    if (!drawing_ || (soiled_.empty() && !cursor_moved_)) return;
-    if (!canvas_.begin()) return; /* what is soiled stays so, for the next try */
+    if (!drawing_ || (damage_.empty() && !cursor_moved_)) return;
+    if (!canvas_.begin()) return; /* what is damaged stays so, for the next try */
     cursor_.lift(canvas_);
-    for (const Rect &rect : soiled_)
+    for (const Rect &rect : damage_)
         paint_within(rect);
-    soiled_.clear();
+    damage_.clear();
     canvas_.clip(canvas_.whole());
     cursor_.drop(canvas_);
     cursor_moved_ = false;
     canvas_.end();
 }
 
-void Furniture::paint_within(const Rect &rect)
+void Overlay::paint_within(const Rect &rect)
 {
     canvas_.clip(rect);
     canvas_.clear(rect);
@@ -146,12 +145,12 @@ void Furniture::paint_within(const Rect &rect)
 }
 
 /* The code is made when it is wanted first: most walls never show it. */
-void Furniture::make_card()
+void Overlay::make_card()
 {
     const std::string address = options_.address.empty() ? own_address() : options_.address;
     card_ = Card{qr_tile(address), {}, {}};
     if (card_->code.width == 0) {
-        wall_->terminal().complain("no QR code of the address: " + address);
+        wall_->terminal().error("no QR code of the address: " + address);
         return;
     }
     const int margin = text_size_px();
@@ -173,15 +172,15 @@ void Furniture::make_card()
     address_place_ = {canvas_.width() - margin - width, canvas_.height() - margin - height, width, height};
 }
 
-void Furniture::show_address(bool shown)
+void Overlay::show_address(bool shown)
 {
     if (!card_) make_card();
     if (card_->code.width == 0 || shown == address_shown_) return;
     address_shown_ = shown;
-    soil(address_place_);
+    damage(address_place_);
 }
 
-void Furniture::paint_address()
+void Overlay::paint_address()
 {
     const Rect &place = address_place_;
     canvas_.fill(place, kCardGround);

@@ -1,5 +1,5 @@
-/* playback_lane.cpp - see playback_lane.h. */
-#include "play/playback_lane.h"
+/* playback_track.cpp - see playback_track.h. */
+#include "play/playback_track.h"
 
 #include <array>
 #include <cstring>
@@ -39,21 +39,21 @@ void append(FrameInfo *buffer, const uint8_t *bytes, size_t count)
 
 } // namespace
 
-bool PlaybackLane::stop(const std::string &why)
+bool PlaybackTrack::stop(const std::string &why)
 {
     trouble_ = why;
     at_end_ = true;
     return false;
 }
 
-bool PlaybackLane::hold(Input::Read result)
+bool PlaybackTrack::hold(Input::Read result)
 {
     if (result == Input::Read::kFailed) return stop(input_.error());
     at_end_ = result != Input::Read::kUnit;
     return !at_end_;
 }
 
-bool PlaybackLane::open()
+bool PlaybackTrack::open()
 {
     if (input_.live()) return stop("it is a camera and no recording");
     input_.want_sound();
@@ -63,14 +63,14 @@ bool PlaybackLane::open()
     return true;
 }
 
-bool PlaybackLane::seek(int64_t place_us)
+bool PlaybackTrack::seek(int64_t position_us)
 {
     drop_sound(INT64_MAX);
-    at_end_ = !input_.seek(place_us, &next_);
+    at_end_ = !input_.seek(position_us, &next_);
     return at_end_ ? stop(input_.error()) : true;
 }
 
-void PlaybackLane::deliver(bool double_rate)
+void PlaybackTrack::deliver(bool double_rate)
 {
     FrameInfo buffer = empty_buffer(decoder_);
     const size_t room = buffer.length;
@@ -95,12 +95,12 @@ void PlaybackLane::deliver(bool double_rate)
     hold(input_.read(&next_));
 }
 
-void PlaybackLane::skip_to_key()
+void PlaybackTrack::skip_to_key()
 {
     if (!at_end_ && !next_.key) hold(input_.read_key(&next_));
 }
 
-void PlaybackLane::flush() const
+void PlaybackTrack::flush() const
 {
     vdec_resetchn(static_cast<uint32_t>(decoder_)); /* first: no picture may follow the clearing */
     FrameInfo nothing = {};
@@ -108,7 +108,7 @@ void PlaybackLane::flush() const
     ext_playback_set_buf(&nothing);
 }
 
-void PlaybackLane::deliver_sound(int64_t until_us)
+void PlaybackTrack::deliver_sound(int64_t until_us)
 {
     for (const SoundBlock &block : input_.take_sound(until_us)) {
         constexpr std::array<uint8_t, NVRHAL_SOUND_HEADER_BYTES> kHeader = {};
@@ -122,12 +122,12 @@ void PlaybackLane::deliver_sound(int64_t until_us)
     }
 }
 
-void PlaybackLane::begin_count()
+void PlaybackTrack::begin_count()
 {
     counted_from_ = host::decoder_counters(decoder_);
 }
 
-host::DecoderCounters PlaybackLane::end_count()
+host::DecoderCounters PlaybackTrack::end_count()
 {
     const auto now = host::decoder_counters(decoder_);
     if (!now || !counted_from_) return {};
@@ -136,12 +136,12 @@ host::DecoderCounters PlaybackLane::end_count()
     return counted;
 }
 
-void PlaybackLane::wait_for_decoder() const
+void PlaybackTrack::wait_for_decoder() const
 {
     host::wait_for_decoder(decoder_, kDecoderPatience);
 }
 
-ChannelReport PlaybackLane::report(int number) const
+ChannelReport PlaybackTrack::report(int number) const
 {
     ChannelReport report;
     report.channel = number;

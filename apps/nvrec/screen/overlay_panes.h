@@ -1,5 +1,5 @@
 /*
- * furniture_panes.h - what stands in the panes: their borders, the selected one's highlight, the
+ * overlay_panes.h - what stands in the panes: their borders, the selected one's highlight, the
  * cameras' names, and a line where a camera gives no picture.
  */
 #pragma once

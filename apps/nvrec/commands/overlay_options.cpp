@@ -1,5 +1,5 @@
-/* furniture_options.cpp - see furniture_options.h. */
-#include "commands/furniture_options.h"
+/* overlay_options.cpp - see overlay_options.h. */
+#include "commands/overlay_options.h"
 
 #include <charconv>
 #include <cstdlib>
@@ -18,10 +18,10 @@ namespace nvrec
 namespace
 {
 
-const std::map<std::string, FurnitureWish> kWishes = {
-    {"auto", FurnitureWish::kAuto},
-    {"on", FurnitureWish::kOn},
-    {"off", FurnitureWish::kOff},
+const std::map<std::string, OverlayMode> kModes = {
+    {"auto", OverlayMode::kAuto},
+    {"on", OverlayMode::kOn},
+    {"off", OverlayMode::kOff},
 };
 
 const std::map<std::string, Language> kLanguages = {
@@ -69,14 +69,14 @@ std::string check_address(const std::string &text)
 
 } // namespace
 
-std::shared_ptr<FurnitureOptions> add_furniture_options(CLI::App &command)
+std::shared_ptr<OverlayOptions> add_overlay_options(CLI::App &command)
 {
-    auto options = std::make_shared<FurnitureOptions>();
+    auto options = std::make_shared<OverlayOptions>();
     options->names.language = host_language();
     command
-        .add_option("--furniture", options->wish,
+        .add_option("--furniture", options->mode,
                     "Borders, names, clock, menu and cursor: auto (when there is a window), on, off")
-        ->transform(CLI::CheckedTransformer(kWishes, CLI::ignore_case))
+        ->transform(CLI::CheckedTransformer(kModes, CLI::ignore_case))
         ->default_str("auto");
     command
         .add_option_function<std::vector<std::string>>(
@@ -90,7 +90,7 @@ std::shared_ptr<FurnitureOptions> add_furniture_options(CLI::App &command)
         ->take_all()
         ->allow_extra_args(false)
         ->check(check_camera_name);
-    command.add_option("--language", options->names.language, "Language of the furniture: en or zh")
+    command.add_option("--language", options->names.language, "Language of the overlay: en or zh")
         ->transform(CLI::CheckedTransformer(kLanguages, CLI::ignore_case))
         ->default_str("locale");
     command.add_flag_callback(

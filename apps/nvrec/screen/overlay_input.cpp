@@ -1,5 +1,5 @@
-/* furniture_input.cpp - what keys and the mouse do with the furniture; see furniture.h. */
-#include "screen/furniture.h"
+/* overlay_input.cpp - what keys and the mouse do with the overlay; see overlay.h. */
+#include "screen/overlay.h"
 
 #include "wall/exit_code.h"
 #include "wall/session.h"
@@ -13,7 +13,7 @@ constexpr uint32_t kLeftButton = 1, kRightButton = 2;
 
 } // namespace
 
-bool Furniture::on_key(Key key)
+bool Overlay::on_key(Key key)
 {
     if (!drawing_) return false;
     const bool taken = menu_ && menu_->is_open() ? menu_key(key) : wall_key(key);
@@ -21,8 +21,8 @@ bool Furniture::on_key(Key key)
     return taken;
 }
 
-/* The keys that move about the wall are not the furniture's. */
-bool Furniture::wall_key(Key key)
+/* The keys that move about the wall are not the overlay's. */
+bool Overlay::wall_key(Key key)
 {
     if (key == Key::kMenu && menu_) {
         open_menu(nullptr);
@@ -34,11 +34,11 @@ bool Furniture::wall_key(Key key)
 }
 
 /* An open menu also takes the keys with which one moves about the wall. */
-bool Furniture::menu_key(Key key)
+bool Overlay::menu_key(Key key)
 {
     switch (key) {
-    case Key::kUp: soil(menu_->step(-1)); return true;
-    case Key::kDown: soil(menu_->step(1)); return true;
+    case Key::kUp: damage(menu_->step(-1)); return true;
+    case Key::kDown: damage(menu_->step(1)); return true;
     case Key::kLeft:
     case Key::kRight: return true;
     case Key::kEnter: choose(); return true;
@@ -48,12 +48,12 @@ bool Furniture::menu_key(Key key)
     }
 }
 
-void Furniture::enlarge_or_return()
+void Overlay::enlarge_or_return()
 {
     wall_->enlarge(wall_->enlarged() >= 0 ? -1 : wall_->selected());
 }
 
-void Furniture::open_menu(const PointerEvent *at)
+void Overlay::open_menu(const PointerEvent *at)
 {
     const MenuState state = {wall_->layout(), wall_->enlarged() >= 0, address_shown_};
     if (at) {
@@ -61,16 +61,16 @@ void Furniture::open_menu(const PointerEvent *at)
     } else {
         menu_->open(canvas_.whole(), state);
     }
-    soil(menu_->place());
+    damage(menu_->place());
 }
 
-void Furniture::close_menu()
+void Overlay::close_menu()
 {
-    soil(menu_->place());
+    damage(menu_->place());
     menu_->close();
 }
 
-void Furniture::choose()
+void Overlay::choose()
 {
     const MenuAction action = menu_->chosen().action;
     const Layout layout = menu_->chosen().layout;
@@ -83,12 +83,12 @@ void Furniture::choose()
     case MenuAction::kAddress: show_address(!address_shown_); break;
     case MenuAction::kQuit:
         wall_->end(kExitDone);
-        wall_->ring();
+        wall_->wake();
         break;
     }
 }
 
-bool Furniture::on_pointer(const PointerEvent &event)
+bool Overlay::on_pointer(const PointerEvent &event)
 {
     if (!drawing_) return false;
     cursor_.move(event.x, event.y);
@@ -99,7 +99,7 @@ bool Furniture::on_pointer(const PointerEvent &event)
     return taken;
 }
 
-bool Furniture::wall_pointer(const PointerEvent &event)
+bool Overlay::wall_pointer(const PointerEvent &event)
 {
     if (menu_ && (event.pressed & kRightButton) != 0) {
         open_menu(&event);
@@ -112,9 +112,9 @@ bool Furniture::wall_pointer(const PointerEvent &event)
 }
 
 /* A press beside the panel closes it; the right button opens it anew where it is pressed. */
-bool Furniture::menu_pointer(const PointerEvent &event)
+bool Overlay::menu_pointer(const PointerEvent &event)
 {
-    soil(menu_->point_at(event.x, event.y));
+    damage(menu_->point_at(event.x, event.y));
     if ((event.pressed & kRightButton) != 0) {
         close_menu();
         open_menu(&event);

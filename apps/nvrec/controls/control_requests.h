@@ -1,5 +1,5 @@
 /*
- * control_desk.h - what a running recorder answers on its control socket.
+ * control_requests.h - what a running recorder answers on its control socket.
  *
  *   key NAME [remote|panel]   press a button of the board; "ok" once the recorder has acted on it
  *   board                     the table of "nvrec board"
@@ -18,22 +18,22 @@
 
 #include "controls/control_socket.h"
 #include "host/clock.h"
-#include "wall/companion.h"
+#include "wall/module.h"
 
 namespace nvrec
 {
 
 class Keys;
 
-class ControlDesk final : public Companion
+class ControlRequests final : public Module
 {
 public:
     /**
      * @param path  of the socket; empty = the user's default, which another recorder may have
      * @param keys  where buttons are pressed; outlives this
      */
-    ControlDesk(std::string path, Keys &keys) : path_(std::move(path)), keys_(keys) {}
-    ~ControlDesk() override { server_.stop(); }
+    ControlRequests(std::string path, Keys &keys) : path_(std::move(path)), keys_(keys) {}
+    ~ControlRequests() override { server_.stop(); }
 
     bool start(WallControl &wall) override;
     Clock::time_point take_turn(Clock::time_point now) override;

@@ -1,11 +1,11 @@
 /*
- * companion.h - what runs beside the wall, each in source files of its own: a recorder of the
- * cameras, sound, the furniture of the screen, playback, keys and mouse.
+ * module.h - what runs beside the wall, each in source files of its own: a recorder of the
+ * cameras, sound, the overlay of the screen, playback, keys and mouse.
  *
  *   start() -> { on_unit(), on_audio() on the feeders' threads;
  *                take_turn(), on_layout(), on_key(), on_pointer() on the main thread } -> stop() -> report()
  *
- * The wall calls its companions in the order in which they were added, and stops them in reverse.
+ * The wall calls its modules in the order in which they were added, and stops them in reverse.
  */
 #pragma once
 
@@ -63,7 +63,7 @@ struct PointerEvent {
     int wheel = 0;        /* notches, up is positive                  */
 };
 
-/** The wall as its companions know it. Main thread, except where said. */
+/** The wall as its modules know it. Main thread, except where said. */
 class WallControl
 {
 public:
@@ -89,12 +89,12 @@ public:
     /** Whether someone sits in front of it. */
     virtual bool window_is_open() const { return false; }
 
-    /** Offer a key or a mouse event to the companions, the last added first. */
+    /** Offer a key or a mouse event to the modules, the last added first. */
     virtual void key(Key key) = 0;
     virtual void pointer(const PointerEvent &event) = 0;
 
-    /** Give the companions a turn soon. Any thread. */
-    virtual void ring() = 0;
+    /** Give the modules a turn soon. Any thread. */
+    virtual void wake() = 0;
 
     /** Whether something records now, for the lamp on the panel. */
     virtual void set_recording(bool /*on*/) {}
@@ -104,10 +104,10 @@ public:
     virtual void end(int exit_code) = 0;
 };
 
-class Companion
+class Module
 {
 public:
-    virtual ~Companion() = default;
+    virtual ~Module() = default;
 
     /**
      * The library is up and the layout on the screen; the cameras do not run yet.

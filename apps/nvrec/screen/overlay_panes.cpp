@@ -1,5 +1,5 @@
-/* furniture_panes.cpp - see furniture_panes.h. */
-#include "screen/furniture_panes.h"
+/* overlay_panes.cpp - see overlay_panes.h. */
+#include "screen/overlay_panes.h"
 
 #include <algorithm>
 
@@ -76,18 +76,18 @@ bool PaneMarks::lay(const std::vector<DispAttrib> &panes)
 
 std::vector<Rect> PaneMarks::select(int channel)
 {
-    std::vector<Rect> soiled;
+    std::vector<Rect> damaged;
     for (const int changed : {selected_, channel}) {
         const Rect pane = pane_of(changed);
         if (channel == selected_ || pane.empty() || !has_borders()) continue;
         constexpr int t = kHighlight_px;
-        soiled.push_back({pane.x, pane.y, pane.w, t});
-        soiled.push_back({pane.x, pane.bottom() - t, pane.w, t});
-        soiled.push_back({pane.x, pane.y + t, t, pane.h - 2 * t});
-        soiled.push_back({pane.right() - t, pane.y + t, t, pane.h - 2 * t});
+        damaged.push_back({pane.x, pane.y, pane.w, t});
+        damaged.push_back({pane.x, pane.bottom() - t, pane.w, t});
+        damaged.push_back({pane.x, pane.y + t, t, pane.h - 2 * t});
+        damaged.push_back({pane.right() - t, pane.y + t, t, pane.h - 2 * t});
     }
     selected_ = channel;
-    return soiled;
+    return damaged;
 }
 
 Rect PaneMarks::set_live(int channel, bool live)

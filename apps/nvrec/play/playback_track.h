@@ -1,7 +1,7 @@
 /*
- * playback_lane.h - one recorded file on its way to a playback decoder.
+ * playback_track.h - one recorded file on its way to a playback decoder.
  *
- * A lane holds the file's next picture until it is due, and hands it over in the library's playback
+ * A track holds the file's next picture until it is due, and hands it over in the library's playback
  * buffer. Places in the file are microseconds from its first picture on.
  *
  * Threads: one at a time; Playback sees to it.
@@ -19,17 +19,17 @@
 namespace nvrec
 {
 
-class PlaybackLane
+class PlaybackTrack
 {
 public:
     /** @param decoder  the decoder channel and display port it plays on */
-    PlaybackLane(std::string address, int decoder) : decoder_(decoder), input_(std::move(address)) {}
+    PlaybackTrack(std::string address, int decoder) : decoder_(decoder), input_(std::move(address)) {}
 
     /** Open the file and hold its first key frame. False: the reason is in trouble(). */
     bool open();
 
-    /** Hold the last key frame at or before a place. False: the lane is at its end. */
-    bool seek(int64_t place_us);
+    /** Hold the last key frame at or before a place. False: the track is at its end. */
+    bool seek(int64_t position_us);
 
     bool opened() const { return opened_; }
     bool at_end() const { return at_end_; }

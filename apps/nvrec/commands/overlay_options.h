@@ -1,0 +1,19 @@
+/* overlay_options.h - the overlay's part of a command line. */
+#pragma once
+
+#include <memory>
+
+#include "screen/overlay.h"
+
+namespace CLI
+{
+class App;
+} // namespace CLI
+
+namespace nvrec
+{
+
+/** Give a subcommand the overlay's options; they are filled when it is parsed. */
+std::shared_ptr<OverlayOptions> add_overlay_options(CLI::App &command);
+
+} // namespace nvrec

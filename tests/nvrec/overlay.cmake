@@ -1,0 +1,13 @@
+# The recorder's screen overlay: its pieces on the board, and the program's pictures.
+pkg_check_modules(NVREC_FREETYPE REQUIRED IMPORTED_TARGET freetype2)
+
+nvrhal_test(nvrec_overlay_test
+  ${CMAKE_CURRENT_LIST_DIR}/overlay_test.cpp
+  LIBS nvrec_run nvrec_pieces PkgConfig::NVREC_FREETYPE LABEL nvrec TIMEOUT 120)
+
+nvrhal_test(nvrec_overlay_wall_test
+  ${CMAKE_CURRENT_LIST_DIR}/overlay_wall_test.cpp
+  LIBS nvrec_run LABEL nvrec TIMEOUT 120)
+target_compile_definitions(nvrec_overlay_wall_test PRIVATE
+  NVREC_CLIPS="${PROJECT_BINARY_DIR}/clips/nvrec" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
+add_dependencies(nvrec_overlay_wall_test nvrec nvrec_clips)
