@@ -10,7 +10,7 @@
  */
 #pragma once
 
-#include "camera/input.h"
+#include "camera/codec.h"
 
 namespace nvrec
 {

@@ -249,7 +249,7 @@ void Feeder::pace(const AccessUnit &unit)
     const auto apart_us = static_cast<int64_t>(static_cast<double>(unit.due_us - paced_due_us_) / kCatchUp);
     const auto when =
         paced_at_ + std::chrono::microseconds(std::clamp<int64_t>(apart_us, 0, kLongestPace_us));
-    wait_until(std::max(when, Clock::now())); /* a promise of the past would be a broken one */
+    wait_until(std::max(when, Clock::now())); /* a deadline in the past would look like a thread that hangs */
     paced_due_us_ = unit.due_us;
     paced_at_ = Clock::now();
 }

@@ -1,8 +1,8 @@
 /*
  * feeder.h - one camera's thread: reads access units and hands them to the library in time.
  *
- *      open()          start()                    stop() or the end of the input
- *  new ------> held ----------> feeding <-----> waiting to reconnect ------> ended
+ *      open()            start()                    stop() or the end of the input
+ *  new ------> opened ----------> feeding <-----> waiting to reconnect ------> ended
  *
  * open() reads the first key frame, which the caller sends once so that the library makes the
  * channel a decoder of its codec; the layout throws that frame away, and the thread sends it again
@@ -69,7 +69,7 @@ public:
     /** Open the input and read its first key frame. @return false with the reason in trouble(). */
     bool open();
 
-    /** Send the held frame once, so that its decoder is made. @return the library's result. */
+    /** Send that frame once, so that its decoder is made. @return the library's result. */
     int32_t send_first();
 
     /**
@@ -88,8 +88,8 @@ public:
     bool broken() const { return broken_.load(); }
 
     /**
-     * When the thread will have been heard from again at the latest: it promises before everything
-     * that may take its time. A promise that is past means that the thread hangs. max() = it does not
+     * When the thread gives its next sign of life at the latest: it says so before everything that
+     * may take its time. A deadline that has passed means that the thread hangs. max() = it does not
      * run, or has ended.
      */
     Clock::time_point heartbeat_deadline() const;

@@ -13,34 +13,18 @@
  */
 #pragma once
 
-#include <atomic>
 #include <chrono>
 #include <cstdint>
-#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "camera/sound.h"
+#include "camera/packet_source.h"
+#include "camera/unit_clock.h"
 #include "host/clock.h"
-
-struct AVCodecParameters;
 
 namespace nvrec
 {
-
-/** Codec codes as ext_send_stream takes them. */
-enum class Codec : uint32_t { kH264 = 0, kH265 = 1 };
-
-const char *codec_name(Codec codec);
-
-/** What an opened input delivers. Sizes follow the stream when they change. */
-struct StreamFacts {
-    Codec codec = Codec::kH264;
-    uint32_t width_px = 0;
-    uint32_t height_px = 0;
-    double frame_rate = 0; /* frames per second */
-    bool sound = false;    /* it comes with sound, and sound was wanted */
-};
 
 /** One encoded picture. */
 struct AccessUnit {
@@ -53,12 +37,9 @@ struct AccessUnit {
 class Input
 {
 public:
-    enum class Read { kUnit, kEnd, kFailed, kInterrupted };
+    using Read = PacketSource::Read;
 
-    explicit Input(std::string address);
-    ~Input();
-    Input(const Input &) = delete;
-    Input &operator=(const Input &) = delete;
+    explicit Input(std::string address) : source_(std::move(address)) {}
 
     /**
      * Open the address and learn its codec, size and frame rate. Closes what was open.
@@ -66,7 +47,7 @@ public:
      * @return false with the reason in error().
      */
     bool open(std::chrono::milliseconds limit);
-    void close();
+    void close() { source_.close(); }
 
     /** Decode the sound too, from the next open() on. */
     void want_sound() { sound_wanted_ = true; }
@@ -96,48 +77,22 @@ public:
     bool seek(int64_t target_us, AccessUnit *unit);
 
     /** Make open() and read() return soon, now and in future. */
-    void interrupt() { interrupted_.store(true, std::memory_order_relaxed); }
+    void interrupt() { source_.interrupt(); }
 
     /** True for a network address: units come when they come, and the line may break. */
-    bool live() const { return live_; }
+    bool live() const { return source_.live(); }
 
-    const std::string &address() const { return address_; }
-    const StreamFacts &facts() const { return facts_; }
-    const std::string &error() const { return error_; }
+    const std::string &address() const { return source_.address(); }
+    const StreamFacts &facts() const { return source_.facts(); }
+    const std::string &error() const { return source_.error(); }
 
 private:
-    struct Demuxer;
-    bool open_stream();
-    bool choose_filter(const AVCodecParameters *parameters);
-    bool open_parser(const AVCodecParameters *parameters);
-    int read_packet();
-    bool first_is_ready() const;
-    Read next_packet();
     bool seek_in_bare_stream(int64_t target_us, AccessUnit *unit);
-    int to_first_byte();
-    void forget_position();
-    void stamp(AccessUnit *unit);
     void place_sound();
-    void look_into(const AccessUnit &unit);
-    bool fail(const std::string &reason);
-    bool fail(const std::string &what, int av_code);
-    static int stop_asked(void *input);
 
-    const std::string address_;
-    const bool live_;
-    std::atomic<bool> interrupted_ = false;
-    Clock::time_point give_up_at_; /* of the blocking call under way */
-    std::unique_ptr<Demuxer> demuxer_;
-    StreamFacts facts_;
-    std::string error_;
-
-    int64_t units_in_pass_ = 0;        /* since open or rewind                      */
-    int64_t pass_start_us_ = 0;        /* due time of this pass's first unit         */
-    int64_t first_dts_us_ = INT64_MIN; /* the pass's first decoding time stamp      */
-    int64_t first_pts_us_ = INT64_MIN; /* the file's first presentation time stamp   */
-    int64_t last_due_us_ = 0;
+    PacketSource source_;
+    UnitClock clock_;
     Clock::time_point last_unit_at_; /* when the last unit was read, if ever */
-
     bool sound_wanted_ = false;
     std::vector<SoundBlock> sound_; /* not taken yet; times on the clock of due_us */
 };

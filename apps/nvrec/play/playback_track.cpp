@@ -15,13 +15,6 @@ constexpr auto kOpenLimit = std::chrono::seconds(10);
 constexpr auto kDecoderPatience = std::chrono::seconds(2);
 constexpr uint32_t kDoubleRate = 2; /* FrameInfo::display_rate */
 
-/*
- * An access unit delimiter: the beginning of the next picture. A decoder that takes the byte stream
- * hands a picture out when the next one begins, which a paused recording does not do.
- */
-constexpr std::array<uint8_t, 6> kDelimiterH264 = {0, 0, 0, 1, 9, 0xF0};
-constexpr std::array<uint8_t, 7> kDelimiterH265 = {0, 0, 0, 1, 0x46, 1, 0x50};
-
 FrameInfo empty_buffer(int decoder)
 {
     FrameInfo buffer = {};
@@ -74,13 +67,14 @@ void PlaybackTrack::deliver(bool double_rate)
 {
     FrameInfo buffer = empty_buffer(decoder_);
     const size_t room = buffer.length;
-    const bool h265 = input_.facts().codec == Codec::kH265;
-    const size_t delimiter_bytes = h265 ? kDelimiterH265.size() : kDelimiterH264.size();
+    /* A decoder that takes the byte stream hands a picture out when the next one begins, which it does
+     * not in a paused recording. */
+    const std::span<const uint8_t> delimiter = traits_of(input_.facts().codec).delimiter;
     bool accepted = false;
-    if (next_.bytes.size() + delimiter_bytes <= room) {
+    if (next_.bytes.size() + delimiter.size() <= room) {
         buffer.length = 0;
         append(&buffer, next_.bytes.data(), next_.bytes.size());
-        append(&buffer, h265 ? kDelimiterH265.data() : kDelimiterH264.data(), delimiter_bytes);
+        append(&buffer, delimiter.data(), delimiter.size());
         buffer.frame_type = next_.key ? 1 : 0;
         buffer.media = FRAME_MEDIA_VIDEO;
         buffer.width = input_.facts().width_px;

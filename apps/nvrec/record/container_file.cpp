@@ -38,23 +38,17 @@ struct ContainerRow {
     const char *ending;
     const char *format;            /* of libavformat */
     const char *format_with_sound; /* likewise       */
+    bool tagged;                   /* codecs have tags, as in the MP4 family */
     std::span<const Setting> settings;
 };
 constexpr ContainerRow kContainers[] = {
-    {Container::kMp4, ".mp4", "mp4", "mov", kMp4Settings},
-    {Container::kMkv, ".mkv", "matroska", "matroska", kMkvSettings},
+    {Container::kMp4, ".mp4", "mp4", "mov", true, kMp4Settings},
+    {Container::kMkv, ".mkv", "matroska", "matroska", false, kMkvSettings},
 };
 
 const ContainerRow &row_of(Container container)
 {
     return kContainers[static_cast<size_t>(container)];
-}
-
-/* Tags that promise the parameter sets in the file's header. Only the MP4 family has tags. */
-uint32_t tag_of(Codec codec, Container container)
-{
-    if (container != Container::kMp4) return 0;
-    return codec == Codec::kH264 ? MKTAG('a', 'v', 'c', '1') : MKTAG('h', 'v', 'c', '1');
 }
 
 } // namespace
@@ -103,7 +97,7 @@ bool ContainerFile::open(const std::string &path, Container container, const Tra
         discard();
         return false;
     }
-    video_->codecpar->codec_tag = tag_of(facts.stream.codec, container);
+    video_->codecpar->codec_tag = row.tagged ? traits_of(facts.stream.codec).mp4_tag : 0;
     /* Nothing may wait in memory for a more convenient moment. */
     format_->flags |= AVFMT_FLAG_FLUSH_PACKETS;
 
@@ -132,7 +126,7 @@ bool ContainerFile::add_video()
     const StreamFacts &stream = facts_.stream;
     AVCodecParameters *parameters = video_->codecpar;
     parameters->codec_type = AVMEDIA_TYPE_VIDEO;
-    parameters->codec_id = stream.codec == Codec::kH264 ? AV_CODEC_ID_H264 : AV_CODEC_ID_HEVC;
+    parameters->codec_id = static_cast<AVCodecID>(traits_of(stream.codec).av_id);
     parameters->width = static_cast<int>(stream.width_px);
     parameters->height = static_cast<int>(stream.height_px);
     const size_t size = facts_.parameter_sets.size();

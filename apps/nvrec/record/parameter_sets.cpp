@@ -21,8 +21,9 @@ size_t find_start_code(std::span<const uint8_t> unit, size_t at)
 
 bool is_parameter_set(uint8_t header, Codec codec)
 {
-    const int type = codec == Codec::kH264 ? header & 0x1f : header >> 1 & 0x3f;
-    return codec == Codec::kH264 ? type == 7 || type == 8 : type >= 32 && type <= 34;
+    const CodecTraits &traits = traits_of(codec);
+    const int type = header >> traits.type_shift & traits.type_mask;
+    return type >= traits.first_parameter_set && type <= traits.last_parameter_set;
 }
 
 bool contains(const std::vector<std::span<const uint8_t>> &sets, std::span<const uint8_t> set)

@@ -5,7 +5,7 @@
 #include <span>
 #include <vector>
 
-#include "camera/input.h"
+#include "camera/codec.h"
 
 namespace nvrec
 {

@@ -1,0 +1,43 @@
+/*
+ * codec.h - what the recorder must know of a codec, in one table. A codec that the board learns to
+ * decode is a row more.
+ */
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace nvrec
+{
+
+/** Codec codes as ext_send_stream takes them. */
+enum class Codec : uint32_t { kH264 = 0, kH265 = 1 };
+
+struct CodecTraits {
+    Codec codec;
+    const char *name;
+    int av_id;             /* enum AVCodecID                                                   */
+    const char *to_annexb; /* filter for length-prefixed units, as MP4 and MKV carry them      */
+    uint32_t mp4_tag;      /* promises the parameter sets in the file's header, not in the stream */
+
+    /* A unit's type stands in the first byte behind its start code. */
+    int type_shift;
+    uint8_t type_mask;
+    uint8_t first_parameter_set, last_parameter_set; /* types */
+
+    /* An access unit delimiter with its start code: the beginning of the next picture. */
+    std::span<const uint8_t> delimiter;
+};
+
+const CodecTraits &traits_of(Codec codec);
+
+/** The codec that libavcodec calls so; null = the board does not decode it. */
+const CodecTraits *traits_of_av_id(int av_id);
+
+const char *codec_name(Codec codec);
+
+/** "H.264 and H.265": all of them, for a complaint. */
+std::string codec_names();
+
+} // namespace nvrec

@@ -1,0 +1,118 @@
+/*
+ * packet_source.h - the packets of one video stream, out of a file or from a network address, by
+ * libavformat; its sound is decoded beside it.
+ *
+ *   address -> demuxer -> packets ahead -> bit-stream filter -> one unit a packet, in Annex B form
+ *                   \--> SoundTrack
+ *
+ * Files have their sound a little further on than the pictures it belongs to, so pictures are read
+ * ahead until it is there.
+ *
+ * Threads: one thread reads; interrupt() may come from any.
+ */
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "camera/codec.h"
+#include "camera/sound.h"
+#include "camera/unit_clock.h"
+#include "host/clock.h"
+
+struct AVCodecParameters;
+struct AVPacket;
+
+namespace nvrec
+{
+
+/** What an opened input delivers. Sizes follow the stream when they change. */
+struct StreamFacts {
+    Codec codec = Codec::kH264;
+    uint32_t width_px = 0;
+    uint32_t height_px = 0;
+    double frame_rate = 0; /* frames per second */
+    bool sound = false;    /* it comes with sound, and sound was wanted */
+};
+
+class PacketSource
+{
+public:
+    enum class Read { kUnit, kEnd, kFailed, kInterrupted };
+
+    explicit PacketSource(std::string address);
+    ~PacketSource();
+    PacketSource(const PacketSource &) = delete;
+    PacketSource &operator=(const PacketSource &) = delete;
+
+    /** Open the address, and close what was open. @return false with the reason in error(). */
+    bool open(std::chrono::milliseconds limit, bool with_sound);
+    void close();
+    bool is_open() const { return demuxer_ != nullptr; }
+
+    /** The next unit; it stays until the call after it. */
+    Read next();
+    const uint8_t *bytes() const;
+    size_t size() const;
+    bool is_key() const;
+    UnitClock::PacketTimes times() const;
+
+    /** Let the unit at hand go. */
+    void release();
+
+    /**
+     * Go to the first byte (of a bare stream), to the first picture, or to the last key frame at or
+     * before a time of the stream's clock.
+     * @param failure  how error() begins when that fails
+     */
+    bool to_first_byte(const char *failure);
+    bool to_first_picture(const char *failure);
+    bool to_key_before(int64_t pts_us, const char *failure);
+
+    /** Look into a key frame, which carries the parameter sets: the picture's size may have changed. */
+    void look_into(const uint8_t *unit, size_t size);
+
+    /** Make open() and next() return soon, now and in future. */
+    void interrupt() { interrupted_.store(true, std::memory_order_relaxed); }
+    bool interrupted() const { return interrupted_.load(std::memory_order_relaxed); }
+
+    /** True for a network address. */
+    bool live() const { return live_; }
+    /** The bare stream of a codec: no time stamps, no index. */
+    bool is_bare() const;
+    /** Units that a decoder holds back before it shows the first. */
+    int held_back() const;
+
+    const std::string &address() const { return address_; }
+    const StreamFacts &facts() const { return facts_; }
+    const std::string &error() const { return error_; }
+
+    /** Null = there is none, or none was wanted. */
+    SoundTrack *sound() const;
+
+    bool fail(const std::string &reason);
+
+private:
+    struct Demuxer;
+    bool open_stream(bool with_sound);
+    bool choose_filter(const AVCodecParameters *parameters);
+    bool open_parser(const AVCodecParameters *parameters);
+    int read_packet();
+    bool first_is_ready() const;
+    void forget_position();
+    bool fail(const std::string &what, int av_code);
+    static int stop_asked(void *source);
+
+    const std::string address_;
+    const bool live_;
+    std::atomic<bool> interrupted_ = false;
+    Clock::time_point give_up_at_; /* of the blocking call under way */
+    std::unique_ptr<Demuxer> demuxer_;
+    StreamFacts facts_;
+    std::string error_;
+};
+
+} // namespace nvrec
