@@ -297,11 +297,12 @@ TEST_F(RecorderIndicators, AClockThatKeptItsTimeIsLeftAlone)
     EXPECT_NEAR(static_cast<double>(vboard_rtc_get()), 1e9, 60.0);
 }
 
-/* The library's feeder sleeps on the taken board clock; the health's own time is the test's. */
+/* The library's feeder and the health's own thread sleep on the taken board clock. */
 class RecorderHealth : public RecorderIndicators
 {
 protected:
     static constexpr int kWatchdog_s = 10;
+    static constexpr uint32_t kSleepers = 2;
 
     static vboard_watchdog_stat watchdog()
     {
@@ -310,10 +311,10 @@ protected:
         return stat;
     }
 
-    /* The feeder goes to sleep; then three seconds pass. */
+    /* Both go to sleep; then three seconds pass. */
     static void pass_feed_period()
     {
-        ASSERT_EQ(vboard_clock_wait_sleepers(1, kPatience_ms), 0);
+        ASSERT_EQ(vboard_clock_wait_sleepers(kSleepers, kPatience_ms), 0);
         ASSERT_EQ(vboard_clock_step_us(3 * kSecond_us), 0);
     }
 };
@@ -331,14 +332,14 @@ TEST_F(RecorderHealth, AThreadThatHangsStarvesTheWatchdog)
 
     for (int i = 0; i < 5; ++i)
         pass_feed_period();
-    ASSERT_EQ(vboard_clock_wait_sleepers(1, kPatience_ms), 0);
+    ASSERT_EQ(vboard_clock_wait_sleepers(kSleepers, kPatience_ms), 0);
     EXPECT_EQ(watchdog().expired, 0u) << "fifteen seconds, fed every three";
 
     promise = (begin - 1min).time_since_epoch().count(); /* it was to be heard from a minute ago */
     health.look(Clock::now());
     EXPECT_EQ(Wdt_Fing, 0);
     ASSERT_EQ(vboard_clock_step_us(3 * kSecond_us), 0);
-    ASSERT_EQ(vboard_clock_wait_sleepers(1, kPatience_ms), 0); /* the feeder's farewell */
+    ASSERT_EQ(vboard_clock_wait_sleepers(kSleepers, kPatience_ms), 0); /* the feeder's farewell */
     ASSERT_EQ(vboard_clock_step_us(kSecond_us), 0);
     EXPECT_EQ(watchdog().expired, 0u);
     ASSERT_EQ(vboard_clock_step_us(kWatchdog_s * kSecond_us), 0);
@@ -347,7 +348,7 @@ TEST_F(RecorderHealth, AThreadThatHangsStarvesTheWatchdog)
     health.stop();
 }
 
-/* The health's own thread looks too, at the real time, which is before all of these. */
+/* The health's own thread looks too, at the board's time, which is before all of these. */
 TEST_F(RecorderHealth, AMainThreadWithoutATurnStarvesTheWatchdogUntilItHasOneAgain)
 {
     vboard_clock_take();
@@ -361,7 +362,7 @@ TEST_F(RecorderHealth, AMainThreadWithoutATurnStarvesTheWatchdogUntilItHasOneAga
     EXPECT_EQ(Wdt_Fing, 0) << "half a minute without a turn";
 
     pass_feed_period();
-    ASSERT_EQ(vboard_clock_wait_sleepers(1, kPatience_ms), 0); /* the feeder's farewell */
+    ASSERT_EQ(vboard_clock_wait_sleepers(kSleepers, kPatience_ms), 0); /* the feeder's farewell */
     ASSERT_EQ(vboard_clock_step_us(kSecond_us), 0);
     const uint64_t feeds = watchdog().feeds;
     health.take_turn(begin + 34s);
@@ -371,7 +372,7 @@ TEST_F(RecorderHealth, AMainThreadWithoutATurnStarvesTheWatchdogUntilItHasOneAga
     EXPECT_EQ(Wdt_Fing, 1);
     for (int i = 0; i < 5; ++i)
         pass_feed_period();
-    ASSERT_EQ(vboard_clock_wait_sleepers(1, kPatience_ms), 0);
+    ASSERT_EQ(vboard_clock_wait_sleepers(kSleepers, kPatience_ms), 0);
     EXPECT_GE(watchdog().feeds, feeds + 5);
     EXPECT_EQ(watchdog().expired, 0u) << "nineteen seconds, of which it was not fed for four";
     vboard_clock_release();

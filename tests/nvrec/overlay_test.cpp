@@ -238,6 +238,16 @@ TEST_F(NvrecOverlay, TheMenuChangesTheLayout)
     EXPECT_FALSE(overlay_->on_key(Key::kUp)) << "without a menu the arrows are the wall's";
 }
 
+TEST_F(NvrecOverlay, AnOpenMenuHasTheKeysBeforeAZoomedPicture)
+{
+    start();
+    EXPECT_GT(overlay_->input_layer(), InputLayer::kZoom);
+    press({Key::kMenu});
+    EXPECT_LT(overlay_->input_layer(), InputLayer::kZoom);
+    press({Key::kBack});
+    EXPECT_GT(overlay_->input_layer(), InputLayer::kZoom);
+}
+
 TEST_F(NvrecOverlay, TheMenuEnlargesZoomsShowsTheAddressAndEnds)
 {
     start();

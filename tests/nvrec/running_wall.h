@@ -28,7 +28,7 @@ struct WallState {
     int selected = 0;
 };
 
-/* Added last, it sees every event before the others and has its turn after them. */
+/* Added last and in the first layer, it sees every event before the others; it has its turn after them. */
 class Witness final : public nvrec::Module
 {
 public:
@@ -45,6 +45,8 @@ public:
         const std::scoped_lock guard(lock_);
         return wall_->cameras().at(channel)->counters().sent;
     }
+
+    nvrec::InputLayer input_layer() const override { return nvrec::InputLayer::kMenu; }
 
     bool on_pointer(const nvrec::PointerEvent &) override
     {

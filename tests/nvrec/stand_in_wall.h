@@ -42,6 +42,7 @@ public:
     int selected() const override { return selected_; }
     void key(nvrec::Key key) override { keys.push_back(key); }
     void pointer(const nvrec::PointerEvent &event) override { pointers.push_back(event); }
+    void wake() override {}
     void set_recording(bool on) override { recording_ = on; }
     bool recording() const override { return recording_; }
     void end(int exit_code) override { ends.push_back(exit_code); }

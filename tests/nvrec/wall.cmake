@@ -13,6 +13,7 @@ nvrhal_test(nvrec_pieces_test
   ${CMAKE_CURRENT_SOURCE_DIR}/feeder_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/input_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/layout_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/module_list_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/unit_clock_test.cpp
   LIBS nvrec_run nvrec_pieces LABEL nvrec TIMEOUT 60)
 target_compile_definitions(nvrec_pieces_test PRIVATE NVREC_CLIPS="${nvrec_clips}")

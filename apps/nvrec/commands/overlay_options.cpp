@@ -74,7 +74,7 @@ std::shared_ptr<OverlayOptions> add_overlay_options(CLI::App &command)
     auto options = std::make_shared<OverlayOptions>();
     options->names.language = host_language();
     command
-        .add_option("--furniture", options->mode,
+        .add_option("--overlay,--furniture", options->mode,
                     "Borders, names, clock, menu and cursor: auto (when there is a window), on, off")
         ->transform(CLI::CheckedTransformer(kModes, CLI::ignore_case))
         ->default_str("auto");

@@ -5,7 +5,7 @@
  *   board                     the table of "nvrec board"
  *
  * Threads: requests come on the socket's thread; what asks the wall is done in a turn of the main
- * thread, which is rung for it.
+ * thread, which is woken for it.
  */
 #pragma once
 

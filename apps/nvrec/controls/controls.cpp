@@ -31,8 +31,8 @@ void label_window_keys()
 } // namespace
 
 /*
- * Stopped in reverse: the keys before the desk, so that a request for a key that will not come any
- * more has its answer.
+ * Stopped in reverse: the keys before the control requests, so that a request for a key that will not come
+ * any more has its answer.
  */
 void add_controls(Wall &wall, const ControlOptions &options)
 {

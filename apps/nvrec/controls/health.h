@@ -5,10 +5,10 @@
  *                                    |
  *                                    +--the watchdog's time-out--> the board resets
  *
- * Every camera's thread promises when it will be heard from, and so does the main thread. The
- * library's thread feeds; it is told to end when a deadline is broken for too long.
+ * Every camera's thread, and the main thread, says when it gives its next sign of life at the latest.
+ * The library's thread feeds; it is told to end when one of them is late for too long.
  *
- * Threads: one of its own looks at the others; take_turn() keeps the main thread's deadline.
+ * Threads: one of its own looks at the others; take_turn() is the main thread's sign of life.
  */
 #pragma once
 
@@ -28,13 +28,13 @@ namespace nvrec
 class Health final : public Module
 {
 public:
-    /** When a thread will have been heard from at the latest; any thread. */
+    /** When a thread gives its next sign of life at the latest; any thread. */
     using HeartbeatDeadline = std::function<Clock::time_point()>;
 
     /**
      * @param watchdog_s  the watchdog's time-out; 0 = it is switched off
-     * @param patience    a deadline that a camera's thread breaks for so long means that it hangs; the
-     *                    main thread's deadline has room of its own
+     * @param patience    a camera's thread that is so late hangs; the main thread's deadline has room
+     *                    of its own
      */
     Health(int watchdog_s, Clock::duration patience) : watchdog_s_(watchdog_s), patience_(patience) {}
     ~Health() override { stop(); }

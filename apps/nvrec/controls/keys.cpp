@@ -53,8 +53,8 @@ void KeyWatch::read_panel()
 }
 
 /*
- * Rings once for what was written since the last ring: the wall takes everything there is, and a
- * queue that cannot be emptied does not ring for ever.
+ * Wakes the wall once for what was written since it last did: the wall takes everything there is, and a
+ * queue that cannot be emptied does not keep it awake for ever.
  */
 void KeyWatch::run(WallControl &wall)
 {

@@ -7,7 +7,7 @@
  *   mouse --------> MouseReader --> mouse event --> ext_mouse_get_status ----> WallControl::pointer
  *
  * Threads: the library's remote-key reader, the watch and the mouse reader run on threads of their
- * own and ring the wall; keys and events are taken on the main thread.
+ * own and wake the wall; keys and events are taken on the main thread.
  */
 #pragma once
 

@@ -12,31 +12,9 @@ namespace nvrec
 namespace
 {
 
-constexpr auto kDoubleClick = std::chrono::milliseconds(500);
 constexpr int kSidewaysCost = 2; /* a pane straight ahead is nearer than one to the side of it */
 
-constexpr Layout kOrder[] = {Layout::kGrid2, Layout::kOneAndFive, Layout::kOneAndSeven, Layout::kGrid3,
-                             Layout::kGrid4};
-
-/* Not mostly empty. */
-bool is_worth_having(Layout layout, int cameras)
-{
-    return pane_count(layout) <= 2 * cameras;
-}
-
 } // namespace
-
-Layout layout_after(Layout layout, int cameras)
-{
-    const int count = static_cast<int>(std::size(kOrder));
-    const auto found = std::ranges::find(kOrder, layout);
-    const int at = found != std::end(kOrder) ? static_cast<int>(found - std::begin(kOrder)) : count - 1;
-    for (int step = 1; step <= count; ++step) {
-        const Layout next = kOrder[(at + step) % count];
-        if (is_worth_having(next, cameras)) return next;
-    }
-    return layout;
-}
 
 int neighbour(const std::vector<DispAttrib> &panes, int channel, int dx, int dy)
 {
@@ -110,11 +88,7 @@ bool Navigation::on_pointer(const PointerEvent &event)
     if (event.pressed & MOUSE_RIGHT_DOWN) wall_->enlarge(-1);
     if (!(event.pressed & MOUSE_LEFT_DOWN)) return event.pressed != 0;
     const int channel = channel_at(wall_->session().panes(), event.x, event.y);
-    const Clock::time_point now = Clock::now();
-    const bool second = channel >= 0 && channel == clicked_ && now - clicked_at_ <= kDoubleClick;
-    clicked_ = second ? -1 : channel;
-    clicked_at_ = now;
-    if (second) return choose(channel);
+    if (clicks_.is_second(channel, Clock::now())) return choose(channel);
     if (channel >= 0) wall_->select(channel);
     return true;
 }

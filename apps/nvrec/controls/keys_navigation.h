@@ -11,6 +11,7 @@
  */
 #pragma once
 
+#include "wall/double_click.h"
 #include "wall/module.h"
 
 namespace nvrec
@@ -20,6 +21,7 @@ class Navigation final : public Module
 {
 public:
     bool start(WallControl &wall) override;
+    InputLayer input_layer() const override { return InputLayer::kWall; }
     bool on_key(Key key) override;
     bool on_pointer(const PointerEvent &event) override;
 
@@ -29,12 +31,8 @@ private:
     bool next_layout();
 
     WallControl *wall_ = nullptr;
-    int clicked_ = -1; /* the channel of the last click, for the second one */
-    Clock::time_point clicked_at_;
+    DoubleClick clicks_;
 };
-
-/** The layout after this one for so many cameras; the same when there is no other. */
-Layout layout_after(Layout layout, int cameras);
 
 /**
  * The channel of the pane next to that channel's in a direction (-1, 0 or 1 each).

@@ -17,7 +17,6 @@ namespace
 {
 
 constexpr double kSkip_s = 10;
-constexpr auto kDoubleClick = std::chrono::milliseconds(400);
 constexpr auto kLastSound = std::chrono::seconds(2);
 constexpr double kSpeeds[] = {1, 2, 4};
 
@@ -343,11 +342,7 @@ bool Player::on_pointer(const PointerEvent &event)
 {
     if (!playing_ || (event.pressed & 1) == 0) return false;
     const int channel = channel_at(wall_->session().panes(), event.x, event.y);
-    const bool again =
-        channel >= 0 && channel == pressed_channel_ && Clock::now() - pressed_at_ <= kDoubleClick;
-    pressed_channel_ = again ? -1 : channel;
-    pressed_at_ = Clock::now();
-    if (again)
+    if (clicks_.is_second(channel, Clock::now()))
         wall_->enlarge(wall_->enlarged() < 0 ? channel : -1);
     else if (channel >= 0)
         wall_->select(channel);

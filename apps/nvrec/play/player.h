@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "play/playback.h"
+#include "wall/double_click.h"
 #include "wall/module.h"
 
 namespace nvrec
@@ -45,6 +46,7 @@ public:
     Clock::time_point take_turn(Clock::time_point now) override;
     void before_layout() override;
     void on_layout() override;
+    InputLayer input_layer() const override { return InputLayer::kPlayback; }
     bool on_key(Key key) override;
     bool on_pointer(const PointerEvent &event) override;
     bool busy() const override { return !done_; }
@@ -107,8 +109,7 @@ private:
     Clock::time_point began_at_;
     Layout live_layout_ = Layout::kSingle; /* the screen before playback */
     int live_enlarged_ = -1;
-    Clock::time_point pressed_at_; /* of the last click, on this channel */
-    int pressed_channel_ = -1;
+    DoubleClick clicks_;
 };
 
 } // namespace nvrec

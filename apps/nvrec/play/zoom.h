@@ -67,6 +67,7 @@ public:
     Clock::time_point take_turn(Clock::time_point now) override;
     void before_layout() override;
     void on_layout() override;
+    InputLayer input_layer() const override { return InputLayer::kZoom; }
     bool on_key(Key key) override;
     bool on_pointer(const PointerEvent &event) override;
     void stop() override;

@@ -35,20 +35,20 @@ void PoolEvent::set()
 {
     const std::scoped_lock guard(lock_);
     pending_ = true;
-    set_.notify();
+    changed_.notify();
 }
 
 void PoolEvent::close()
 {
     const std::scoped_lock guard(lock_);
     closed_ = true;
-    set_.notify();
+    changed_.notify();
 }
 
 bool PoolEvent::wait()
 {
     std::unique_lock guard(lock_);
-    set_.wait(guard, [this] { return pending_ || closed_; });
+    changed_.wait(guard, [this] { return pending_ || closed_; });
     pending_ = false;
     return !closed_;
 }

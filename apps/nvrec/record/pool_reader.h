@@ -3,12 +3,12 @@
  * thread, taken again on the recorder's.
  *
  *   camera                          pool (overwrites its oldest)           recorder
- *   metadata, ext_set_*, ring  ------>  [ frames ]  ------>  wait, ext_get_*, copy, look at the note
+ *   metadata, ext_set_*, event  ----->  [ frames ]  ----->  wait, ext_get_*, copy, look at metadata
  *
  * The pool carries bytes, the kind of frame and one 32-bit stamp. What a file needs beyond that -
- * the codec, the size, 64-bit presentation and decoding times - is noted on a list beside the pool
- * when a frame is put. A frame that is taken is found on that list by its stamp and its length; what
- * stands before it on the list was overrun and is lost. The pool wakes nobody, so the event does.
+ * the codec, the size, 64-bit presentation and decoding times - is kept on a list beside the pool
+ * from when a frame is put. A frame that is taken is found on that list by its stamp and its length; what
+ * stands before it on the list was overrun and is lost. The pool wakes nobody, so an event does.
  *
  * A frame's bytes stay in the pool only until the camera comes round, and the pool does not say when
  * it has: the list behind the frame does.
@@ -31,7 +31,7 @@ namespace nvrec
 
 enum class PoolStream { kMain, kNetwork, kSound };
 
-/** What wakes a recorder's thread; several streams may ring one event. */
+/** What wakes a recording's thread; several streams may set one event. */
 class PoolEvent
 {
 public:
@@ -40,12 +40,12 @@ public:
     /** Nothing will be put any more. */
     void close();
 
-    /** Wait for a ring since the last wait, or the closing. @return false once it is closed. */
+    /** Wait until it was set since the last wait, or is closed. @return false once it is closed. */
     bool wait();
 
 private:
     std::mutex lock_;
-    Condition set_;
+    Condition changed_;
     bool pending_ = false;
     bool closed_ = false;
 };
@@ -85,7 +85,7 @@ public:
     /** Wait until the reader has nearly caught up; for producers that may wait. */
     void wait_for_reader();
 
-    /** Nothing will be taken any more: what is still noted is lost. */
+    /** Nothing will be taken any more: what still waits is lost. */
     void give_up();
 
     PoolCounters counters() const;

@@ -12,23 +12,17 @@ namespace
 constexpr Colour kGround = 0x1C222A, kTitleGround = 0x2A323C, kEdge = 0x4A5460;
 constexpr Colour kLitGround = 0x1868C0, kLetters = 0xE4E8EC, kLitLetters = 0xFFFFFF, kMark = 0x48C078;
 
+/* Behind the layouts, which are rows of their own table. */
 struct Row {
     MenuAction action;
-    Layout layout;
     const char *texts[2]; /* by Language */
 };
 
 constexpr Row kRows[] = {
-    {MenuAction::kLayout, Layout::kSingle, {"Single camera", "单画面"}},
-    {MenuAction::kLayout, Layout::kGrid2, {"2 x 2", "四画面"}},
-    {MenuAction::kLayout, Layout::kGrid3, {"3 x 3", "九画面"}},
-    {MenuAction::kLayout, Layout::kGrid4, {"4 x 4", "十六画面"}},
-    {MenuAction::kLayout, Layout::kOneAndFive, {"1 + 5", "一大五小"}},
-    {MenuAction::kLayout, Layout::kOneAndSeven, {"1 + 7", "一大七小"}},
-    {MenuAction::kEnlarge, {}, {"Selected camera alone", "放大所选通道"}},
-    {MenuAction::kZoom, {}, {"Digital zoom", "电子放大"}},
-    {MenuAction::kAddress, {}, {"Recorder's address", "设备地址"}},
-    {MenuAction::kQuit, {}, {"Quit", "退出"}},
+    {MenuAction::kEnlarge, {"Selected camera alone", "放大所选通道"}},
+    {MenuAction::kZoom, {"Digital zoom", "电子放大"}},
+    {MenuAction::kAddress, {"Recorder's address", "设备地址"}},
+    {MenuAction::kQuit, {"Quit", "退出"}},
 };
 constexpr const char *kTitles[2] = {"Menu", "菜单"};
 
@@ -49,12 +43,16 @@ Menu::Menu(Font &font, Language language, ChineseScript script, int text_size_px
     };
     title_ = flat(mask(kTitles[in]), kLitLetters, kTitleGround);
     int widest = title_.width;
-    for (const Row &row : kRows) {
-        const Mask letters = mask(row.texts[in]);
-        items_.push_back({row.action, row.layout, flat(letters, kLitLetters, kLitGround),
-                          flat(letters, kLetters, kGround)});
+    auto add = [&](MenuAction action, Layout layout, const char *text) {
+        const Mask letters = mask(text);
+        items_.push_back(
+            {action, layout, flat(letters, kLitLetters, kLitGround), flat(letters, kLetters, kGround)});
         widest = std::max(widest, letters.width);
-    }
+    };
+    for (const LayoutRow &row : layouts())
+        add(MenuAction::kLayout, row.layout, row.texts[in]);
+    for (const Row &row : kRows)
+        add(row.action, {}, row.texts[in]);
     row_px_ = (title_.height + text_size_px / 2) & ~1;
     width_px_ = (widest + row_px_ * 4 + 1) & ~1;
 }

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "host/host.h"
 #include "screen/qr_code.h"
 #include "wall/session.h"
 #include "wall/terminal.h"
@@ -26,7 +27,8 @@ bool Overlay::start(WallControl &wall)
 {
     wall_ = &wall;
     if (options_.mode == OverlayMode::kOff) return true;
-    if (options_.mode == OverlayMode::kAuto && !wall.window_is_open()) return true;
+    if (options_.mode == OverlayMode::kAuto && !wall.window_is_open() && !host::has_own_monitor())
+        return true;
     const std::string problem = canvas_.open();
     if (!problem.empty()) {
         wall.terminal().error("no screen overlay: " + problem);

@@ -49,6 +49,7 @@ public:
     bool start(WallControl &wall) override;
     Clock::time_point take_turn(Clock::time_point now) override;
     void on_layout() override;
+    InputLayer input_layer() const override;
     bool on_key(Key key) override;
     bool on_pointer(const PointerEvent &event) override;
     void stop() override;

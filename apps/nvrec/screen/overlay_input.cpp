@@ -13,6 +13,12 @@ constexpr uint32_t kLeftButton = 1, kRightButton = 2;
 
 } // namespace
 
+/* Open, the menu comes before all else; closed, it is a key among others. */
+InputLayer Overlay::input_layer() const
+{
+    return menu_ && menu_->is_open() ? InputLayer::kMenu : InputLayer::kTools;
+}
+
 bool Overlay::on_key(Key key)
 {
     if (!drawing_) return false;

@@ -10,17 +10,28 @@ namespace
 
 constexpr uint16_t kShow = 1; /* DispAttrib::bind_status */
 
-struct LayoutRow {
-    Layout layout;
-    std::string_view name;
-    int side;       /* cells across and down        */
-    int large_side; /* cells of the first pane's side */
+constexpr int kEmptiest = 2; /* panes for a camera: with more, most of the screen is black */
+
+/* In the order of the menu and of the help. */
+constexpr LayoutRow kLayouts[] = {
+    {Layout::kSingle, "1", 1, 1, 0, {"Single camera", "单画面"}},
+    {Layout::kGrid2, "2x2", 2, 1, 1, {"2 x 2", "四画面"}},
+    {Layout::kGrid3, "3x3", 3, 1, 4, {"3 x 3", "九画面"}},
+    {Layout::kGrid4, "4x4", 4, 1, 5, {"4 x 4", "十六画面"}},
+    {Layout::kOneAndFive, "1+5", 3, 2, 2, {"1 + 5", "一大五小"}},
+    {Layout::kOneAndSeven, "1+7", 4, 3, 3, {"1 + 7", "一大七小"}},
 };
 
-constexpr LayoutRow kLayouts[] = {
-    {Layout::kSingle, "1", 1, 1},  {Layout::kGrid2, "2x2", 2, 1},      {Layout::kGrid3, "3x3", 3, 1},
-    {Layout::kGrid4, "4x4", 4, 1}, {Layout::kOneAndFive, "1+5", 3, 2}, {Layout::kOneAndSeven, "1+7", 4, 3},
-};
+constexpr int kTurns = 5; /* of the layout key */
+
+constexpr bool every_turn_has_a_layout()
+{
+    for (int turn = 1; turn <= kTurns; ++turn) {
+        if (std::ranges::count(kLayouts, turn, &LayoutRow::key_turn) != 1) return false;
+    }
+    return true;
+}
+static_assert(every_turn_has_a_layout());
 
 constexpr bool rows_are_in_order()
 {
@@ -52,6 +63,11 @@ std::optional<Layout> layout_named(std::string_view name)
     return std::nullopt;
 }
 
+std::span<const LayoutRow> layouts()
+{
+    return kLayouts;
+}
+
 std::vector<std::string> layout_names()
 {
     std::vector<std::string> names;
@@ -62,8 +78,8 @@ std::vector<std::string> layout_names()
 
 Layout layout_for(int channels)
 {
-    for (Layout grid : {Layout::kSingle, Layout::kGrid2, Layout::kGrid3}) {
-        if (channels <= pane_count(grid)) return grid;
+    for (const LayoutRow &row : kLayouts) {
+        if (row.large_side == 1 && channels <= pane_count(row.layout)) return row.layout;
     }
     return Layout::kGrid4;
 }
@@ -72,6 +88,17 @@ int pane_count(Layout layout)
 {
     const LayoutRow &row = row_of(layout);
     return row.side * row.side - row.large_side * row.large_side + 1;
+}
+
+Layout layout_after(Layout layout, int cameras)
+{
+    const int at = row_of(layout).key_turn; /* a layout that has no turn comes before the first */
+    for (int step = 1; step <= kTurns; ++step) {
+        const int turn = (at + step - 1) % kTurns + 1;
+        const Layout next = std::ranges::find(kLayouts, turn, &LayoutRow::key_turn)->layout;
+        if (pane_count(next) <= kEmptiest * cameras) return next;
+    }
+    return layout;
 }
 
 std::vector<DispAttrib> make_panes(Layout layout, int width_px, int height_px, int channels)

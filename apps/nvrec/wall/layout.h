@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,19 @@ enum class Layout {
     kOneAndSeven /* "1+7": a large pane of 3/4, seven around                                   */
 };
 
+/** What is known of a layout: for its panes, the command line, the layout key and the menu. */
+struct LayoutRow {
+    Layout layout;
+    std::string_view name; /* on the command line              */
+    int side;              /* cells across and down            */
+    int large_side;        /* cells of the first pane's side   */
+    int key_turn;          /* in the order of the layout key, from 1; 0 = it is not among them */
+    const char *texts[2];  /* in the menu: English, Chinese    */
+};
+
+/** All layouts, in the order of the menu and of the help. */
+std::span<const LayoutRow> layouts();
+
 /** The layout of that name, or nothing. */
 std::optional<Layout> layout_named(std::string_view name);
 
@@ -35,6 +49,9 @@ std::vector<std::string> layout_names();
 
 /** The smallest grid with a pane for each of `channels` cameras (1 to 16). */
 Layout layout_for(int channels);
+
+/** What the layout key shows next, for so many cameras; the same when there is nothing else. */
+Layout layout_after(Layout layout, int cameras);
 
 /** How many panes the layout has. */
 int pane_count(Layout layout);

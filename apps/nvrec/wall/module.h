@@ -1,6 +1,6 @@
 /*
- * module.h - what runs beside the wall, each in source files of its own: a recorder of the
- * cameras, sound, the overlay of the screen, playback, keys and mouse.
+ * module.h - a part of the recorder that runs beside the wall: recording of the cameras, sound, the
+ * overlay on the screen, playback, keys and mouse. Each is in source files of its own.
  *
  *   start() -> { on_unit(), on_audio() on the feeders' threads;
  *                take_turn(), on_layout(), on_key(), on_pointer() on the main thread } -> stop() -> report()
@@ -89,7 +89,7 @@ public:
     /** Whether someone sits in front of it. */
     virtual bool window_is_open() const { return false; }
 
-    /** Offer a key or a mouse event to the modules, the last added first. */
+    /** Offer a key or a mouse event to the modules, by their InputLayer. */
     virtual void key(Key key) = 0;
     virtual void pointer(const PointerEvent &event) = 0;
 
@@ -102,6 +102,18 @@ public:
 
     /** End as if the user had asked; the first exit code other than 0 stays. */
     virtual void end(int exit_code) = 0;
+};
+
+/**
+ * Who is asked first what a key or a mouse event means. The first one that has a use for it has it:
+ * an open menu takes the arrows, and without one a zoomed picture does, and so on.
+ */
+enum class InputLayer {
+    kMenu,     /* while it is open                                         */
+    kZoom,     /* of one picture                                           */
+    kPlayback, /* of recordings                                            */
+    kTools,    /* keys with one meaning everywhere: menu, snapshot, volume */
+    kWall      /* what keys and mouse do on the bare wall                  */
 };
 
 class Module
@@ -121,7 +133,7 @@ public:
     /** 40 ms of a camera's sound, when FeedOptions asks for it. The camera's thread. */
     virtual void on_audio(int /*channel*/, const SoundBlock & /*block*/) {}
 
-    /** @return when the next turn is wanted at the latest; time_point::max() = only when rung. */
+    /** @return when the next turn is wanted at the latest; time_point::max() = only when woken. */
     virtual Clock::time_point take_turn(Clock::time_point /*now*/) { return Clock::time_point::max(); }
 
     /** The panes are about to change: layout() and enlarged() say how. Every pane's decoder is flushed. */
@@ -129,6 +141,9 @@ public:
 
     /** The panes or the selection have changed. */
     virtual void on_layout() {}
+
+    /** Where it stands among those that take keys and mouse events; asked for each of them. */
+    virtual InputLayer input_layer() const { return InputLayer::kTools; }
 
     /** @return true = the key or the event was meant for this one. */
     virtual bool on_key(Key /*key*/) { return false; }

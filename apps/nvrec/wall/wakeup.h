@@ -23,7 +23,7 @@ public:
     Wakeup(const Wakeup &) = delete;
     Wakeup &operator=(const Wakeup &) = delete;
 
-    /** Sleep until someone rings, the user wants to end, or the time has come. */
+    /** Sleep until someone calls wake(), the user wants to end, or the time has come. */
     void wait_until(Clock::time_point when);
 
     /** End the sleep, or the next one. Any thread. */

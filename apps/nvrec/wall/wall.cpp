@@ -18,7 +18,8 @@ constexpr auto kDrain = std::chrono::seconds(3);      /* for what decoders still
 
 } // namespace
 
-Wall::Wall(const WallOptions &options) : options_(options), reporter_(feeders_)
+Wall::Wall(const WallOptions &options)
+    : options_(options), openings_([this] { wakeup_.wake(); }), reporter_(feeders_)
 {
     for (const std::string &address : options_.inputs)
         feeders_.push_back(
@@ -42,7 +43,7 @@ int Wall::run()
         return kExitBoardFailed;
     }
     open_window();
-    if (!end_wanted_ && start_modules()) {
+    if (!end_wanted_ && modules_.start(*this)) {
         start_feeding();
         watch();
     }
@@ -57,21 +58,15 @@ int Wall::run()
  */
 bool Wall::open_inputs()
 {
-    for (const auto &feeder : feeders_) {
-        Opening &opening = openings_.emplace_back();
-        opening.camera = feeder.get();
-        opening.thread = std::thread([this, &opening] {
-            opening.camera->open();
-            opening.done = true;
-            wakeup_.wake();
-        });
-    }
+    for (const auto &feeder : feeders_)
+        openings_.start(*feeder);
     size_t opened = 0;
     Clock::time_point begin_at = Clock::now() + kLongWait;
     while (!openings_.empty() && !wakeup_.end_wanted() && Clock::now() < begin_at) {
         wakeup_.wait_until(begin_at);
-        opened += finish_openings([](Feeder &) {});
-        if (opened > 0 && !options_.wait_for_all && only_live_are_opening())
+        for (const Feeder *camera : finished_openings())
+            opened += camera->opened();
+        if (opened > 0 && !options_.wait_for_all && openings_.only_live())
             begin_at = std::min(begin_at, Clock::now() + kLateCamera);
     }
     if (opened == 0 && openings_.empty() && !feeders_.empty()) terminal_.error("no input could be opened");
@@ -79,33 +74,17 @@ bool Wall::open_inputs()
     return opened > 0 || feeders_.empty(); /* the modules have pictures of their own */
 }
 
-bool Wall::only_live_are_opening() const
+/* Those that could be opened, and those that could not, which is said. */
+std::vector<Feeder *> Wall::finished_openings()
 {
-    return std::all_of(openings_.begin(), openings_.end(),
-                       [](const Opening &opening) { return opening.camera->input().live(); });
-}
-
-/* What has been opened or could not be is off the list. @return how many were opened. */
-size_t Wall::finish_openings(const std::function<void(Feeder &)> &then)
-{
-    size_t opened = 0;
-    for (auto opening = openings_.begin(); opening != openings_.end();) {
-        if (!opening->done) {
-            ++opening;
-            continue;
-        }
-        Feeder &camera = *opening->camera;
-        opening->thread.join();
-        opening = openings_.erase(opening);
-        opened += camera.opened();
-        if (!camera.opened()) {
-            terminal_.error("channel " + std::to_string(camera.channel()) + ": " + camera.input().address() +
-                            ": " + camera.trouble());
-            note_exit_code(kExitInputFailed);
-        }
-        then(camera);
+    std::vector<Feeder *> finished = openings_.take_finished();
+    for (const Feeder *camera : finished) {
+        if (camera->opened()) continue;
+        terminal_.error("channel " + std::to_string(camera->channel()) + ": " + camera->input().address() +
+                        ": " + camera->trouble());
+        note_exit_code(kExitInputFailed);
     }
-    return opened;
+    return finished;
 }
 
 /* A camera that comes while the others run. */
@@ -127,7 +106,7 @@ bool Wall::show()
     const int channels = std::max(options_.channels, static_cast<int>(feeders_.size()));
     if (!session_.start(*output_mode_named(options_.output), channels)) return false;
     for (const auto &feeder : feeders_) {
-        if (!is_opening(*feeder) && feeder->opened()) make_decoder(*feeder);
+        if (!openings_.contains(*feeder) && feeder->opened()) make_decoder(*feeder);
     }
     return lay_out();
 }
@@ -138,20 +117,12 @@ void Wall::make_decoder(Feeder &camera)
     terminal_.error("channel " + std::to_string(camera.channel()) + ": its first frame was refused");
 }
 
-bool Wall::is_opening(const Feeder &camera) const
-{
-    return std::any_of(openings_.begin(), openings_.end(),
-                       [&camera](const Opening &opening) { return opening.camera == &camera; });
-}
-
 /* Bring the panes on the screen as they are wanted now. */
 bool Wall::lay_out()
 {
-    for (size_t i = 0; i < started_; ++i)
-        modules_[i]->before_layout();
+    modules_.before_layout();
     const bool done = enlarged_ >= 0 ? session_.apply_single(enlarged_) : session_.apply(layout_);
-    for (size_t i = 0; i < started_; ++i)
-        modules_[i]->on_layout();
+    modules_.on_layout();
     return done;
 }
 
@@ -174,22 +145,7 @@ void Wall::select(int channel)
 {
     if (channel < 0 || channel >= session_.channels() || channel == selected_) return;
     selected_ = channel;
-    for (size_t i = 0; i < started_; ++i)
-        modules_[i]->on_layout();
-}
-
-void Wall::key(Key key)
-{
-    for (size_t i = started_; i-- > 0;) {
-        if (modules_[i]->on_key(key)) return;
-    }
-}
-
-void Wall::pointer(const PointerEvent &event)
-{
-    for (size_t i = started_; i-- > 0;) {
-        if (modules_[i]->on_pointer(event)) return;
-    }
+    modules_.on_layout();
 }
 
 void Wall::set_recording(bool on)
@@ -203,14 +159,6 @@ void Wall::end(int exit_code)
     note_exit_code(exit_code);
     end_wanted_ = true;
     wakeup_.wake();
-}
-
-bool Wall::start_modules()
-{
-    while (started_ < modules_.size()) {
-        if (!modules_[started_++]->start(*this)) return false;
-    }
-    return true;
 }
 
 void Wall::open_window()
@@ -232,7 +180,7 @@ void Wall::start_feeding()
     reporter_.mark();
     began_at_ = Clock::now();
     for (const auto &feeder : feeders_) {
-        if (!is_opening(*feeder)) start_feeding(*feeder);
+        if (!openings_.contains(*feeder)) start_feeding(*feeder);
     }
 }
 
@@ -253,13 +201,9 @@ void Wall::start_feeding(Feeder &camera)
         wakeup_.wake();
     };
     events.unit = [this](int channel, const AccessUnit &unit, const StreamFacts &facts) {
-        for (const auto &module : modules_)
-            module->on_unit(channel, unit, facts);
+        modules_.on_unit(channel, unit, facts);
     };
-    events.sound = [this](int channel, const SoundBlock &block) {
-        for (const auto &module : modules_)
-            module->on_audio(channel, block);
-    };
+    events.sound = [this](int channel, const SoundBlock &block) { modules_.on_audio(channel, block); };
     camera.start(std::move(events));
 }
 
@@ -272,14 +216,15 @@ void Wall::watch()
         return began_at_ + std::chrono::ceil<Clock::duration>(std::chrono::duration<double>(offset_s));
     };
     while (!ended()) {
-        Clock::time_point next = std::min(progress_at, take_turns());
+        Clock::time_point next = std::min(progress_at, modules_.take_turns());
         if (options_.duration_s > 0) next = std::min(next, after(options_.duration_s));
         if (const auto picture = next_picture_s(orders_)) next = std::min(next, after(*picture));
         if (window_open_) next = std::min(next, Clock::now() + kWindowPeriod);
         wakeup_.wait_until(next);
 
         if (window_open_ && !host::refresh_window()) end_wanted_ = true;
-        finish_openings([this](Feeder &camera) { add_late_camera(camera); });
+        for (Feeder *camera : finished_openings())
+            add_late_camera(*camera);
         if (layout_stale_.exchange(false)) lay_out();
         take_due_pictures(seconds(), false);
         if (Clock::now() >= progress_at) {
@@ -289,27 +234,11 @@ void Wall::watch()
     }
 }
 
-/* When the first of them wants the next one. */
-Clock::time_point Wall::take_turns()
-{
-    Clock::time_point next = Clock::time_point::max();
-    for (const auto &module : modules_)
-        next = std::min(next, module->take_turn(Clock::now()));
-    return next;
-}
-
 std::string Wall::progress_line() const
 {
-    for (const auto &module : modules_) {
-        std::string line = module->progress(seconds());
-        if (!line.empty()) return line;
-    }
+    std::string line = modules_.progress(seconds());
+    if (!line.empty()) return line;
     return reporter_.progress_line(seconds(), running_.load());
-}
-
-bool Wall::module_busy() const
-{
-    return std::any_of(modules_.begin(), modules_.end(), [](const auto &module) { return module->busy(); });
 }
 
 void Wall::take_due_pictures(double now_s, bool at_end)
@@ -338,11 +267,7 @@ void Wall::stop_cameras()
 {
     for (const auto &feeder : feeders_)
         feeder->ask_to_stop();
-    for (Opening &opening : openings_) {
-        opening.thread.join();
-        note_exit_code(kExitInputFailed); /* it never answered */
-    }
-    openings_.clear();
+    if (openings_.wait_for_all() > 0) note_exit_code(kExitInputFailed); /* some never answered */
     for (const auto &feeder : feeders_)
         feeder->join();
 }
@@ -354,8 +279,7 @@ void Wall::close()
     stop_cameras();
     if (ran_out) wait_for_decoders();
     take_due_pictures(lasted_s_, true);
-    for (size_t i = started_; i-- > 0;)
-        modules_[i]->stop();
+    modules_.stop();
     for (const auto &feeder : feeders_) {
         if (feeder->broken()) note_exit_code(kExitInputFailed);
     }
@@ -370,15 +294,10 @@ void Wall::write_reports()
         for (const std::string &line : table_of(channels))
             terminal_.print(line);
     }
-    for (size_t i = 0; i < started_; ++i)
-        modules_[i]->report();
+    modules_.report();
     if (options_.json_path.empty()) return;
-    std::vector<std::string> more;
-    for (size_t i = 0; i < started_; ++i) {
-        std::string member = modules_[i]->json();
-        if (!member.empty()) more.push_back(std::move(member));
-    }
-    if (write_text(options_.json_path, json_of(channels, options_.layout, options_.output, lasted_s_, more)))
+    if (write_text(options_.json_path,
+                   json_of(channels, options_.layout, options_.output, lasted_s_, modules_.json())))
         return;
     terminal_.error("cannot write " + options_.json_path);
     note_exit_code(kExitOutputFailed);
@@ -392,7 +311,7 @@ double Wall::seconds() const
 bool Wall::ended() const
 {
     if (end_wanted_ || wakeup_.end_wanted()) return true;
-    if (running_ == 0 && openings_.empty() && !module_busy()) return true;
+    if (running_ == 0 && openings_.empty() && !modules_.busy()) return true;
     return options_.duration_s > 0 && seconds() >= options_.duration_s;
 }
 

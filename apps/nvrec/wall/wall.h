@@ -8,21 +8,19 @@
  *
  * Whatever else the recorder does while the wall stands is a Module.
  *
- * Threads: everything here runs on the main thread; the feeders have one each and ring it.
+ * Threads: everything here runs on the main thread; the feeders have one each and wake it.
  */
 #pragma once
 
 #include <atomic>
 #include <chrono>
-#include <functional>
-#include <list>
 #include <memory>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "camera/feeder.h"
-#include "wall/module.h"
+#include "wall/module_list.h"
+#include "wall/openings.h"
 #include "wall/pictures.h"
 #include "wall/report.h"
 #include "wall/session.h"
@@ -54,7 +52,7 @@ public:
     explicit Wall(const WallOptions &options);
 
     /** Before run(). */
-    void add(std::unique_ptr<Module> module) { modules_.push_back(std::move(module)); }
+    void add(std::unique_ptr<Module> module) { modules_.add(std::move(module)); }
 
     /** The whole life of the wall. @return an ExitCode. */
     int run();
@@ -71,36 +69,24 @@ private:
     void select(int channel) override;
     int selected() const override { return selected_; }
     bool window_is_open() const override { return window_open_; }
-    void key(Key key) override;
-    void pointer(const PointerEvent &event) override;
+    void key(Key key) override { modules_.key(key); }
+    void pointer(const PointerEvent &event) override { modules_.pointer(event); }
     void wake() override { wakeup_.wake(); }
     void set_recording(bool on) override;
     bool recording() const override { return recording_; }
     void end(int exit_code) override;
 
-    /* A camera that is being opened. */
-    struct Opening {
-        Feeder *camera = nullptr;
-        std::thread thread;
-        std::atomic<bool> done = false;
-    };
-
     bool open_inputs();
-    bool only_live_are_opening() const;
-    size_t finish_openings(const std::function<void(Feeder &)> &then);
+    std::vector<Feeder *> finished_openings();
     void add_late_camera(Feeder &camera);
     void make_decoder(Feeder &camera);
-    bool is_opening(const Feeder &camera) const;
     void start_feeding(Feeder &camera);
     bool show();
     void open_window();
-    bool start_modules();
     void start_feeding();
     void watch();
     bool lay_out();
-    Clock::time_point take_turns();
     std::string progress_line() const;
-    bool module_busy() const;
     void take_due_pictures(double now_s, bool at_end);
     void wait_for_decoders();
     void stop_cameras();
@@ -118,11 +104,10 @@ private:
     int enlarged_ = -1; /* the channel that has the screen to itself, or -1 */
     int selected_ = 0;
     std::vector<std::unique_ptr<Feeder>> feeders_;
-    std::list<Opening> openings_; /* not finished yet */
+    Openings openings_;
     Reporter reporter_;
     std::vector<PictureOrder> orders_;
-    std::vector<std::unique_ptr<Module>> modules_;
-    size_t started_ = 0; /* of the modules */
+    ModuleList modules_;
     bool window_open_ = false;
     bool recording_ = false; /* as a module says */
     bool end_wanted_ = false;
