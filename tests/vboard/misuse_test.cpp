@@ -150,6 +150,24 @@ TEST_F(Misuse, OnlyWhatWasMappedIsUnmapped)
     EXPECT_EQ(board_close(framebuffer), 0);
 }
 
+/* A chip does not clear its memory: an application that forgets to would show what was there. */
+TEST_F(Misuse, FramebufferMemoryIsNotClearAtPowerOn)
+{
+    constexpr size_t kSize = 8192;
+    const int framebuffer = board_open("/dev/fb0", O_RDWR);
+    auto *memory = static_cast<uint8_t *>(board_map(framebuffer, kSize));
+    ASSERT_NE(memory, nullptr);
+    for (size_t at = 0; at < kSize; ++at)
+        ASSERT_EQ(memory[at], 0xA7) << at;
+    memory[kSize - 1] = 5;
+    ASSERT_EQ(board_unmap(memory, kSize), 0);
+    memory = static_cast<uint8_t *>(board_map(framebuffer, kSize));
+    ASSERT_NE(memory, nullptr);
+    EXPECT_EQ(memory[kSize - 1], 5) << "it keeps what was written";
+    EXPECT_EQ(board_unmap(memory, kSize), 0);
+    EXPECT_EQ(board_close(framebuffer), 0);
+}
+
 TEST_F(Misuse, WaitingForEventsEndsWhenTheTransmitterIsShutDown)
 {
     // The callback holds the first event until the second waits behind it.

@@ -5,8 +5,9 @@
  * After power-on the layer is hidden and 1920 x 1080 in ARGB1555, without colour key and blending.
  * Setting the display size gives the device that resolution, in rows without gaps. The memory holds
  * 3840 x 2160 pixels of 16 bits; on a 64-bit PC it is mapped below 4 GiB, since the library tells
- * its address in a 32-bit word. What lies below the shown page is given back to the PC when the size
- * or the format is set and reads as zero then, so that a GUI costs the memory of its own page.
+ * its address in a 32-bit word. After power-on it holds a pattern, not zeros. What lies below the
+ * shown page is given back to the PC when the size or the format is set and reads as zero then, so
+ * that a GUI costs the memory of its own page.
  *
  * One lock guards the settings; it is taken inside a canvas's lock. The memory is read without one,
  * as a display reads it while it is written.
@@ -34,6 +35,7 @@ constexpr char kPath[] = "/dev/fb0";
 constexpr int32_t kDevice = 0; // the display device that it lies over
 constexpr size_t kMemory_bytes = size_t{3840} * 2160 * 2;
 constexpr uint32_t kPhysicalAddress = 0x2F000000; // as the library may report it; nothing reads it
+constexpr uint8_t kPowerOnByte = 0xA7;
 constexpr uint32_t kWidth_px = 1920, kHeight_px = 1080;
 constexpr uint32_t kLargestSide_px = 8192;
 
@@ -89,7 +91,10 @@ public:
         flags |= MAP_32BIT;
 #endif
         void *address = mmap(nullptr, size, PROT_READ | PROT_WRITE, flags, memory_file_, 0);
-        if (address != MAP_FAILED) return address;
+        if (address != MAP_FAILED) {
+            fill_once();
+            return address;
+        }
         refuse_plainly("%s: no room below 4 GiB to map %zu bytes", kPath, size);
         return nullptr;
     }
@@ -160,9 +165,18 @@ private:
         return 0;
     }
 
+    // A chip's memory holds anything after power-on: whoever maps it first must clear it.
+    void fill_once()
+    {
+        const std::lock_guard guard(mutex_);
+        if (!is_filled_) memset(memory_, kPowerOnByte, kMemory_bytes);
+        is_filled_ = true;
+    }
+
     void power_on()
     {
         shown_ = 0;
+        is_filled_ = false;
         key_ = {};
         alpha_ = {};
         layer_ = {};
@@ -288,6 +302,7 @@ private:
 
     std::mutex mutex_; // guards what follows
     uint8_t shown_ = 0;
+    bool is_filled_ = false; // with kPowerOnByte, since power-on
     const PixelFormat *format_ = nullptr;
     fb_var_screeninfo variable_ = {};
     FbDisplayLayer layer_ = {};
