@@ -1,6 +1,9 @@
 /* What the output serves: live audio, playback, talkback. */
+#include <algorithm>
+#include <numeric>
 #include <vector>
 
+#include "audio/audio.h"
 #include "audio_words.h"
 
 using namespace audio_test;
@@ -19,6 +22,17 @@ constexpr OpenRow kOpens[] = {
     {2, "MI_AO_SetMute 3 0", AUDIO_USE_LIVE},   {-1, "MI_AO_SetMute 3 0", AUDIO_USE_LIVE},
     {256, "MI_AO_SetMute 3 0", AUDIO_USE_LIVE}, {INT32_MIN, "MI_AO_SetMute 3 0", AUDIO_USE_LIVE},
 };
+
+TEST(AudioFrames, AreCutFromTheBlockBehindItsHeader)
+{
+    std::vector<uint8_t> block(4 + 2 * 320);
+    std::iota(block.begin(), block.end(), 0);
+    nvrhal::send_audio_frames(block.data(), 2, "vdec_venc.c");
+    const auto sent = platform.bytes_sent("MI_AO_SendFrame");
+    ASSERT_EQ(sent.size(), 2u);
+    EXPECT_TRUE(std::equal(sent[0].begin(), sent[0].end(), block.begin() + 4, block.begin() + 324));
+    EXPECT_TRUE(std::equal(sent[1].begin(), sent[1].end(), block.begin() + 324, block.end()));
+}
 
 TEST(LiveAudio, OpensWithAnythingButZero)
 {

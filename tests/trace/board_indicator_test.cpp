@@ -144,6 +144,9 @@ TEST(RecordIndicator, EndsWithoutAPanel)
 {
     platform.node(KEYBOARD_NODE).fails_to_open();
     EXPECT_EQ(hi_record_proc(nullptr), nullptr);
+    int cancel_state = -1;
+    pthread_setcancelstate(PTHREAD_CANCEL_ENABLE, &cancel_state);
+    EXPECT_EQ(cancel_state, PTHREAD_CANCEL_ENABLE) << "the calling thread is as it was";
     EXPECT_PRINTED("Open BUTTON_irq dev error!");
     EXPECT_EQ(platform.calls(), "board_open /dev/KeyBoard rdonly");
 }

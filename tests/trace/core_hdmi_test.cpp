@@ -68,6 +68,7 @@ TEST(HdmiConfigure, AlwaysMutesDeviceZero)
 {
     EXPECT_EQ(ST_Hdmi_Start(1, 9), 0);
     EXPECT_EQ(platform.count("MI_HDMI_SetAvMute 0 1"), 1u);
+    EXPECT_EQ(platform.count("MI_HDMI_SetAttr 1"), 1u);
     EXPECT_EQ(platform.count("MI_HDMI_Start 1"), 1u);
 }
 

@@ -92,6 +92,8 @@ inline unsigned fail_every_call(const std::function<void()> &prepare, const std:
         EXPECT_TRUE(outcome.finished) << outcome.death;
         if (!outcome.finished) continue;
         EXPECT_EQ(outcome.failed_call, run.calls[index]);
+        for (const std::string &line : outcome.printed)
+            EXPECT_EQ(line.find("(null)"), std::string::npos) << "a text without its source: " << line;
 
         Expectation expected = expect(run, index);
         if (expected.anything) {

@@ -19,6 +19,16 @@ int32_t change_device(int32_t type, int32_t width, int32_t height)
     return ext_change_output_device(&type, &width, &height);
 }
 
+/* What stands in memory there; it may be behind an array, which the address sanitizer would report. */
+__attribute__((no_sanitize_address)) std::vector<uint8_t> bytes_at(uintptr_t address, size_t size)
+{
+    const volatile auto *at = reinterpret_cast<const volatile uint8_t *>(address);
+    std::vector<uint8_t> bytes;
+    for (size_t i = 0; i < size; ++i)
+        bytes.push_back(uint8_t{at[i]});
+    return bytes;
+}
+
 struct SizeRow {
     int32_t width, height;
     uint32_t value;
@@ -366,6 +376,10 @@ TEST(StreamSettings, EveryNetworkSizeIs640By360)
         EXPECT_EQ(minor_stream[2].width, 640u);
         EXPECT_EQ(minor_stream[2].height, 360u);
     }
+    const auto behind = reinterpret_cast<uintptr_t>(minor_stream) + sizeof minor_stream;
+    const std::vector<uint8_t> before = bytes_at(behind, sizeof minor_stream[0]);
+    EXPECT_EQ(ext_change_net_video_size(16, 5), 0) << "there are 16 network streams";
+    EXPECT_EQ(bytes_at(behind, sizeof minor_stream[0]), before);
     EXPECT_EQ(ext_change_net_video_size(127, 5), 0);
     EXPECT_EQ(DdvrInputParam.net_video_size[127], 5u);
     EXPECT_EQ(ext_change_net_video_size(128, 5), 0);

@@ -167,6 +167,21 @@ struct FailureRow {
     const char *call, *message;
 };
 
+/* The live channels end before the spare decoder's. */
+TEST(SecondaryLayout, LeavesChannelsWithoutACameraAlone)
+{
+    g_vi_chn_num = 2;
+    globalVoDev = -1;
+    DispAttrib panes[] = {pane(2, 640, 360, 960, 540), pane(1, 0, 0, 64, 64)};
+    EXPECT_EQ(ext_change_display_slave(panes, 2), 0);
+    EXPECT_NOT_PRINTED("Chn[2]:x:640 y:360 w:960 h:540!");
+    EXPECT_PRINTED("Chn[1]:x:0 y:0 w:64 h:64!");
+    EXPECT_EQ(set_bind_para[2][2].w, 0u);
+    EXPECT_EQ(saved_secondary_layout().chn[2], 0u);
+    EXPECT_EQ(saved_secondary_layout().bind_status[2], 0u);
+    EXPECT_EQ(platform.count("MI_DISP_ShowInputPort -1 2"), 0u);
+}
+
 /* Deliberate: the lock stays held and the record is not saved. */
 TEST(SecondaryLayout, FailsAtOnceWithTheLockHeld)
 {

@@ -11,4 +11,4 @@ nvrhal_test(unit_gui
   LABEL unit TIMEOUT 180)
 target_compile_definitions(unit_gui PRIVATE NVRHAL_ZBARIMG="${NVRHAL_ZBARIMG}")
 # Allocations and reads go through the tests, which make them fail or end early.
-target_link_options(unit_gui PRIVATE -Wl,--wrap=malloc,--wrap=readv)
+target_link_options(unit_gui PRIVATE -Wl,--wrap=malloc,--wrap=free,--wrap=readv,--wrap=QRcode_free)

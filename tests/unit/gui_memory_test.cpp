@@ -2,6 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
+#include <iterator>
+#include <set>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -21,17 +24,44 @@ namespace
 size_t failing_from_bytes = 0;
 unsigned passed = 0; // allocations of such a size that still succeed
 
+unsigned freed_codes = 0; // given back to the encoder
+
+// What the library allocated and has not freed yet.
+std::set<void *> &held()
+{
+    static auto *all = new std::set<void *>;
+    return *all;
+}
+
 } // namespace
 
 extern "C" {
 void *__real_malloc(size_t size);
+void __real_free(void *memory);
 
 void *__wrap_malloc(size_t size)
 {
-    if (failing_from_bytes == 0 || size < failing_from_bytes) return __real_malloc(size);
-    if (passed == 0) return nullptr;
-    --passed;
-    return __real_malloc(size);
+    if (failing_from_bytes != 0 && size >= failing_from_bytes) {
+        if (passed == 0) return nullptr;
+        --passed;
+    }
+    void *memory = __real_malloc(size);
+    held().insert(memory);
+    return memory;
+}
+
+void __real_QRcode_free(void *code);
+
+void __wrap_QRcode_free(void *code)
+{
+    ++freed_codes;
+    __real_QRcode_free(code);
+}
+
+void __wrap_free(void *memory)
+{
+    held().erase(memory);
+    __real_free(memory);
 }
 }
 
@@ -58,6 +88,12 @@ private:
     size_t size_;
     void *bytes_;
 };
+
+size_t open_descriptors()
+{
+    const std::filesystem::directory_iterator all("/proc/self/fd");
+    return static_cast<size_t>(std::distance(begin(all), end(all)));
+}
 
 constexpr size_t kPalette_bytes = 1024; // the smaller of the two buffers of a QR image
 
@@ -136,6 +172,28 @@ TEST(GuiMemory, ASmallFileNeedsLittleMemoryWhateverItsHeadersSay)
             }
         }
     }
+}
+
+TEST(GuiMemory, WhatIsAllocatedIsFreedAndWhatIsOpenedIsClosed)
+{
+    const size_t before = held().size(), open_before = open_descriptors();
+    std::vector<uint8_t> cut = test_bitmap(64, 9, 24).bytes();
+    cut.resize(cut.size() - 100);
+    for (const std::vector<uint8_t> &bytes : {test_bitmap(64, 9, 24).bytes(), cut}) {
+        FileOnDisk file(bytes);
+        Surface surface(64 * 9 * 4);
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(LoadBMP(file.path(), &surface.record), 0);
+        EXPECT_EQ(LoadBMPEx(file.path(), &surface.record, 7), 0);
+        testing::internal::GetCapturedStderr();
+        EXPECT_EQ(held().size(), before);
+        EXPECT_EQ(open_descriptors(), open_before);
+    }
+    FileOnDisk image(std::vector<uint8_t>{});
+    qrencode("http://192.168.1.10", image.path());
+    EXPECT_EQ(held().size(), before);
+    EXPECT_EQ(freed_codes, 1u);
+    EXPECT_EQ(open_descriptors(), open_before);
 }
 
 TEST(GuiMemoryExits, AQrImageWithoutItsPixelsOrItsPaletteEndsTheProcess)

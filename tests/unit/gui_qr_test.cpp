@@ -169,6 +169,12 @@ TEST(QrImage, GrowsWithTheText)
     EXPECT_EQ(word_at(file, 18), 222u);
     EXPECT_EQ(word_at(file, 34), 222u * 224u);
     EXPECT_EQ(file.size(), 222u * 224u + 1078u);
+
+    qrencode(text_of_length(134).c_str(), path.c_str());
+    const std::vector<uint8_t> large = bytes_of(path); // more than 16 bits can count
+    EXPECT_EQ(word_at(large, 2), 270u * 272u + 1078u);
+    EXPECT_EQ(word_at(large, 18), 270u);
+    EXPECT_EQ(word_at(large, 34), 270u * 272u);
 }
 
 // One byte, and the smallest and the largest text of every symbol size.
