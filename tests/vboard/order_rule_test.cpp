@@ -241,6 +241,19 @@ TEST(H264Headers, TellReorderingBufferAndIdrPicture)
     EXPECT_FALSE(headers.is_idr);
 }
 
+// A set that ends in the middle of its fields, and a scaling list whose first step is the largest.
+TEST(H264Headers, ASetIsReadNoFurtherThanTheNextUnit)
+{
+    std::vector<uint8_t> bytes(kPyramidSet.begin(), kPyramidSet.begin() + 10);
+    bytes.insert(bytes.end(), {0, 0, 1, 0x68});
+    bytes.resize(bytes.size() + 30, 0xFF);
+    EXPECT_FALSE(vboard::read_h264_headers(bytes.data(), bytes.size()).sequence);
+    // High profile, 4:2:0, a scaling matrix; the first step of its first list is 2^31 - 1.
+    bytes = {0, 0, 1, 0x67, 100, 0, 40, 0xAD, 0x80, 0, 0, 3, 0, 0xFF, 0xFF, 0xFF, 0xFE};
+    bytes.resize(bytes.size() + 100, 0xFF);
+    EXPECT_TRUE(vboard::read_h264_headers(bytes.data(), bytes.size()).sequence);
+}
+
 TEST(H264Headers, ASetCutOrChangedAnywhereIsReadWithoutHarm)
 {
     for (size_t changed = 4; changed < kPyramidSet.size(); ++changed)

@@ -15,7 +15,10 @@ constexpr unsigned kSequenceUnit = 7;
 constexpr size_t kMostHeaderBytes = 1024; // a parameter set is far smaller
 constexpr unsigned kExtendedSample = 255; // aspect ratio as two numbers
 
-/* Bits of a payload from which the emulation prevention bytes are gone. Past the end come zeros. */
+/*
+ * Bits of a payload up to the next start code, from which the emulation prevention bytes are gone. Past
+ * the end come zeros.
+ */
 class BitReader
 {
 public:
@@ -27,9 +30,12 @@ public:
                 zeros = 0;
                 continue;
             }
+            if (zeros >= 2 && bytes[at] == 1) break;
             zeros = bytes[at] == 0 ? zeros + 1 : 0;
             payload_.push_back(bytes[at]);
         }
+        while (!payload_.empty() && payload_.back() == 0) // a unit ends in a bit that is set
+            payload_.pop_back();
     }
 
     unsigned bits(unsigned count)
@@ -88,10 +94,11 @@ bool is_intra_only(unsigned profile, unsigned constraints)
 
 void skip_scaling_list(BitReader &reader, int size)
 {
-    int last = 8;
-    int next = 8;
+    // Only the lowest eight bits count, so a step of any size may wrap around.
+    unsigned last = 8;
+    unsigned next = 8;
     for (int i = 0; i < size && next != 0; ++i) {
-        next = (last + reader.signed_golomb() + 256) % 256;
+        next = (last + static_cast<unsigned>(reader.signed_golomb())) % 256;
         if (next != 0) last = next;
     }
 }
