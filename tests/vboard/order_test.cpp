@@ -278,6 +278,36 @@ TEST(PictureOrderWithLosses, TheDelayThatHolesMadeEndsAtAnIdrPicture)
     EXPECT_EQ(idr_pictures, 3u);
 }
 
+// libavcodec gives no picture for some frames behind a lost IDR picture, and reports no error.
+TEST(PictureOrderWithLosses, WhatTheDecoderSwallowsIsCounted)
+{
+    for (Stream stream : {load_stream("order_none"), with_silent_parameters(load_stream("order_none"))}) {
+        stream.frames.erase(stream.frames.begin() + 20); // an IDR picture
+        const std::vector<Bytes> expected = ffmpeg_decode(stream);
+        ASSERT_LT(expected.size(), stream.frames.size());
+        const Decoded decoded = decode(stream, true);
+        EXPECT_TRUE(decoded.pictures == expected);
+        EXPECT_EQ(decoded.report.errors, 0u);
+        EXPECT_EQ(decoded.report.late, stream.frames.size() - expected.size());
+        EXPECT_EQ(decoded.report.withheld, 0u);
+    }
+}
+
+// A stream that is joined in its middle, with its parameter sets at hand.
+TEST(PictureOrderWithLosses, WhatComesBeforeTheFirstKeyFrameIsWithheld)
+{
+    Stream stream = with_silent_parameters(load_stream("order_none"));
+    Bytes &first = stream.frames.front();
+    size_t slice = next_start_code(first, 0);
+    while ((first.at(slice + 3) & 0x1f) != 5)
+        slice = next_start_code(first, slice + 1);
+    first.resize(slice);
+    const Decoded decoded = decode(stream, true);
+    EXPECT_EQ(decoded.pictures.size(), 40u); // from the second IDR picture on
+    EXPECT_EQ(decoded.report.withheld, 19u);
+    EXPECT_EQ(decoded.report.late, 0u);
+}
+
 class LatePictures : public Board
 {
 };

@@ -53,13 +53,19 @@ void DisplayOrder::came_out(uint64_t id)
     const auto found =
         std::find_if(held_.begin(), held_.end(), [&](const Held &held) { return held.id == id; });
     expects_one_ = false;
-    if (found == held_.end()) return;
+    if (found == held_.end()) {
+        std::erase_if(missing_, [&](const Held &missing) { return missing.id == id; });
+        return;
+    }
     const Held shown = *found;
     held_.erase(found);
+    const auto was_before = [&](const Held &other) {
+        return other.sequence < shown.sequence ||
+               (other.sequence == shown.sequence && other.order_count < shown.order_count);
+    };
+    late_ += static_cast<unsigned>(std::erase_if(missing_, was_before));
     for (auto held = held_.begin(); held != held_.end();) {
-        const bool overtaken = held->sequence < shown.sequence ||
-                               (held->sequence == shown.sequence && held->order_count < shown.order_count);
-        if (!overtaken) {
+        if (!was_before(*held)) {
             ++held;
             continue;
         }
@@ -78,9 +84,17 @@ void DisplayOrder::done(unsigned kept_back, bool failed)
     if (std::exchange(expects_one_, false) && kept_back <= keeps_back_ && !held_.empty()) drop(next_out());
 }
 
+void DisplayOrder::drained()
+{
+    const auto gone_unseen = [](const Held &held) { return !held.failed; };
+    late_ += static_cast<unsigned>(std::count_if(held_.begin(), held_.end(), gone_unseen) + missing_.size());
+    forget();
+}
+
 void DisplayOrder::forget()
 {
     held_.clear();
+    missing_.clear();
     last_shown_.reset();
     last_coded_ = Coded::frame;
     reorders_ = false;
@@ -122,7 +136,7 @@ int DisplayOrder::step() const
     return distances_ < kDistancesToLearn ? std::min(kUsualStep, shortest_distance_) : shortest_distance_;
 }
 
-// A picture that will not come out any more.
+// A picture that will not come out any more, as far as can be told: what follows it will show.
 void DisplayOrder::drop(std::deque<Held>::iterator lost)
 {
     const Held gone = *lost;
@@ -130,6 +144,11 @@ void DisplayOrder::drop(std::deque<Held>::iterator lost)
     const bool has_place = last_shown_ && last_shown_->sequence == gone.sequence;
     if (!has_place || gone.order_count > last_shown_->order_count) {
         last_shown_ = Shown{gone.sequence, gone.order_count}; // nobody waits for it
+        if (!gone.failed) missing_.push_back(gone);
+        if (missing_.size() > kMostKeptBack) { // more than a decoder can hold back
+            missing_.pop_front();
+            ++late_;
+        }
         return;
     }
     if (gone.failed) return;

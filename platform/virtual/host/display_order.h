@@ -52,10 +52,14 @@ public:
      */
     void done(unsigned kept_back, bool failed);
 
-    /* The decoder was emptied: what it held has come out or is gone. */
+    /* The decoder was made to give all that it held: what has not come out never will. */
+    void drained();
+
+    /* The decoder was emptied unseen: what it held is of no interest any more. */
     void forget();
 
-    /* Pictures that were decoded too late for their place in display order, since the last call. */
+    /* Pictures that were decoded too late for their place in display order, since the last call, and
+       others that the decoder swallowed without an error. */
     unsigned take_late();
 
 private:
@@ -81,7 +85,8 @@ private:
     void learn_distance(int distance);
 
     H264Sequence sequence_;
-    std::deque<Held> held_; // in decoding order
+    std::deque<Held> held_;    // in decoding order
+    std::deque<Held> missing_; // did not come out in their turn; those behind them have not yet either
     std::optional<Shown> last_shown_;
     Coded last_coded_ = Coded::frame;
     uint64_t sequence_number_ = 0;

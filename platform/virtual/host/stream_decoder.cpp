@@ -221,7 +221,7 @@ private:
             avcodec_send_packet(context_.get(), nullptr);
             receive_all();
             avcodec_flush_buffers(context_.get());
-            order_.forget();
+            order_.drained();
         }
         if (headers.sequence) order_.set_sequence(*headers.sequence);
         uint8_t *unit = nullptr;
@@ -239,6 +239,7 @@ private:
     {
         // The decoder is given numbers instead of the sender's time stamps, which need not differ.
         pts_[++unit_number_ % pts_.size()] = pts;
+        const bool waited_for_key = wait_for_key_;
         if (order_parser_ != nullptr) set_order(bytes, size);
         packet_->buf = av_buffer_ref(buffer);
         packet_->data = const_cast<uint8_t *>(bytes); // the decoder only reads
@@ -249,7 +250,7 @@ private:
         bool failed = sent < 0 && sent != AVERROR_EOF;
         if (receive_all() < 0) failed = true;
         order_.done(static_cast<unsigned>(context_->has_b_frames), failed);
-        report_.late += order_.take_late();
+        count_lost(failed || waited_for_key);
         if (failed && !holds_only_side_data(traits_, bytes, size)) {
             ++report_.errors;
             wait_for_key_ = true;
@@ -261,9 +262,13 @@ private:
         avcodec_send_packet(context_.get(), nullptr);
         receive_all();
         avcodec_flush_buffers(context_.get());
-        order_.forget();
+        order_.drained();
+        count_lost(wait_for_key_);
         wait_for_key_ = true;
     }
+
+    // A picture that damage has swallowed, or that none before the first key frame could be, is withheld.
+    void count_lost(bool withheld) { (withheld ? report_.withheld : report_.late) += order_.take_late(); }
 
     // 0, or the decoder's error. Takes everything out, even when nobody wants more.
     int receive_all()

@@ -48,7 +48,7 @@ private:
 struct DecodeReport {
     unsigned errors = 0;   // errors that the decoder reported
     unsigned withheld = 0; // pictures that were damaged, or came before a key frame
-    unsigned late = 0;     // pictures decoded after one that is shown later: lost
+    unsigned late = 0;     // pictures lost to the order of display: decoded too late, or swallowed
 };
 
 class StreamDecoder
