@@ -150,7 +150,9 @@ int board_close(int descriptor)
     Platform::Verdict verdict = platform.record("board_close", platform.node_name(descriptor));
     std::lock_guard lock(platform.mutex);
     bool was_open = platform.descriptors.erase(descriptor) != 0;
-    return after_filler(verdict, {{descriptor, nullptr}}, verdict.value.value_or(was_open ? 0 : -1));
+    int result = verdict.value.value_or(0);
+    if (!verdict.value && !was_open) result = recording::refuse_descriptor();
+    return after_filler(verdict, {{descriptor, nullptr}}, result);
 }
 
 int board_read(int descriptor, void *buffer, size_t size)

@@ -101,7 +101,9 @@ TEST(Recorder, RefusesEverythingOnADescriptorThatIsNotOpen)
         EXPECT_EQ(errno, EBADF);
         EXPECT_EQ(board_ioctl(descriptor, 0x1234, bytes), -1);
         EXPECT_EQ(board_map(descriptor, 4096), nullptr);
+        errno = 0;
         EXPECT_EQ(board_close(descriptor), -1);
+        EXPECT_EQ(errno, EBADF);
     }
     EXPECT_EQ(bytes[0], 1);
     EXPECT_EQ(platform.count("board_read " + std::to_string(closed) + " 4"), 1u) << "recorded all the same";
