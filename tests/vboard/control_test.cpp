@@ -254,9 +254,12 @@ TEST_F(Control, FaultsThatCatchNothingAndNamesThatAreNoneAreSaidAndCounted)
     EXPECT_EQ(MI_SYS_Init(), -5);
     MI_VDEC_StopChn(99);
     EXPECT_EQ(fault_counts().waiting, 1u);
+    vboard_fault_clear("MI_VDEC_StrtChn");
+    EXPECT_EQ(fault_counts().waiting, 1u);
+    vboard_fault_clear("MI_VDEC_StopChn"); // has no fault: accepted
     vboard_fault_clear(nullptr);
     const vboard_fault_stat stat = fault_counts();
-    EXPECT_EQ(stat.refused - before.refused, 1u);
+    EXPECT_EQ(stat.refused - before.refused, 2u);
     EXPECT_EQ(stat.set - before.set, 2u);
     EXPECT_EQ(stat.fired - before.fired, 2u);
     EXPECT_EQ(stat.unused - before.unused, 1u);
@@ -265,6 +268,7 @@ TEST_F(Control, FaultsThatCatchNothingAndNamesThatAreNoneAreSaidAndCounted)
         testing::internal::GetCapturedStderr(),
         "vboard: board: no platform call is named \"MI_SYS_Innit\"\n"
         "vboard: MI_VDEC_StopChn: decoder channel 99 (no such channel)\n"
+        "vboard: board: no platform call is named \"MI_VDEC_StrtChn\"\n"
         "vboard: MI_VDEC_StartChn: the fault set for its call number 3 made no call fail: there were 0\n");
     ASSERT_EQ(vboard_fault_set("MI_VDEC_StartChn", 1, 1, -5), 0);
     vboard_reset(); // ends a fault as well

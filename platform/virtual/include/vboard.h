@@ -259,7 +259,7 @@ int vboard_fault_set(const char *call, uint32_t nth, uint32_t count, int32_t cod
 /** What became of the faults, since the start of the board. */
 typedef struct vboard_fault_stat {
     uint64_t set;     /* faults that vboard_fault_set accepted                                       */
-    uint64_t refused; /* those it refused: no such call, nth 0                                       */
+    uint64_t refused; /* faults refused, to set or to take back: no such call, nth 0                 */
     uint64_t fired;   /* calls that a fault made fail                                                */
     uint64_t unused;  /* faults taken back or replaced before they made any call fail; each said so  */
     uint32_t waiting; /* faults in force that have not made any call fail yet                        */
@@ -268,7 +268,10 @@ typedef struct vboard_fault_stat {
 /** Read the counters; they outlive vboard_reset. 0, or -1 (null). */
 int vboard_fault_get_stat(vboard_fault_stat *stat);
 
-/** Take a fault back; null = all. One that has not made any call fail is told on standard error. */
+/**
+ * Take a fault back; null = all. One that has not made any call fail is told on standard error. A call
+ * without a fault is accepted, a name that no call has is refused.
+ */
 void vboard_fault_clear(const char *call);
 
 /**

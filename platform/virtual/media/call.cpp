@@ -99,6 +99,12 @@ void end_fault(CallState &calls, const CallSite *site)
     calls.faults.erase(found);
 }
 
+void note_wrong_fault(CallState &calls)
+{
+    const std::lock_guard guard(calls.mutex);
+    ++calls.fault_stat.refused;
+}
+
 void set_hook(unsigned hook, bool on)
 {
     if (on)
@@ -211,10 +217,7 @@ int fault_set(const char *call, uint32_t nth, uint32_t count, int32_t code)
     CallState &calls = state();
     const CallSite *site = call != nullptr && nth != 0 ? find_site(call) : nullptr;
     if (site == nullptr) {
-        {
-            const std::lock_guard guard(calls.mutex);
-            ++calls.fault_stat.refused;
-        }
+        note_wrong_fault(calls);
         if (call == nullptr || nth == 0)
             return refuse_plainly("a fault needs a call name and a count from 1");
         return refuse_plainly("no platform call is named \"%s\"", call);
@@ -230,8 +233,14 @@ int fault_set(const char *call, uint32_t nth, uint32_t count, int32_t code)
 void fault_clear(const char *call)
 {
     CallState &calls = state();
+    const CallSite *site = call != nullptr ? find_site(call) : nullptr;
+    if (call != nullptr && site == nullptr) {
+        note_wrong_fault(calls);
+        refuse_plainly("no platform call is named \"%s\"", call);
+        return;
+    }
     const std::lock_guard guard(calls.mutex);
-    if (call != nullptr) end_fault(calls, find_site(call));
+    if (site != nullptr) end_fault(calls, site);
     while (call == nullptr && !calls.faults.empty())
         end_fault(calls, calls.faults.begin()->first);
     set_hook(call_detail::kFault, !calls.faults.empty());
