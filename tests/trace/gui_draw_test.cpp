@@ -147,3 +147,14 @@ drawRect[#]: Fmt = 6, xywh[800,400,200,200] !!!!!!!!!!!!!)");
     EXPECT_EQ(pixel_16(800, 400), 0xFC00);
     EXPECT_EQ(pixel_16(999, 599), 0xFC00);
 }
+
+TEST(TestPattern, HasItsColoursWholeWhereTheDeviceShowsThem)
+{
+    start(32, 8);
+    EXPECT_EQ(ST_FBDrawRect(), 0);
+    const auto *pixels = static_cast<const uint32_t *>(g_osd_info.mapped_address);
+    EXPECT_EQ(pixels[100 * 1280 + 100], 0x80FF0000u);
+    EXPECT_EQ(pixels[100 * 1280 + 400], 0x8000FF00u);
+    EXPECT_EQ(pixels[100 * 1280 + 800], 0x800000FFu);
+    EXPECT_EQ(pixels[400 * 1280 + 800], 0x80FF0000u);
+}
