@@ -1,3 +1,4 @@
+/* bmp_convert.cpp - see bmp_convert.h. */
 #include "gui/bmp_convert.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+/* pixel_fill.cpp - see pixel_fill.h. */
 #include "gui/pixel_fill.h"
 
 #include <cstring>

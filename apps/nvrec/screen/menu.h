@@ -1,6 +1,6 @@
 /*
- * menu.h - the recorder's menu: a panel of rows, one of them lit. It knows what can be chosen and how
- * it looks; what a choice does is the overlay's matter.
+ * menu.h - the recorder's menu: a panel of rows, one of them highlighted. It knows what can be chosen
+ * and how it looks; the overlay carries a choice out.
  */
 #pragma once
 

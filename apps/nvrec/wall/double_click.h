@@ -1,4 +1,4 @@
-/* double_click.h - two clicks on the same picture, so soon after one another that they are one wish. */
+/* double_click.h - two clicks on the same picture within half a second count as one double click. */
 #pragma once
 
 #include "host/clock.h"

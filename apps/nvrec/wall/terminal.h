@@ -1,8 +1,8 @@
 /*
- * terminal.h - nvrec's own voice, apart from the library's.
+ * terminal.h - nvrec's own output, apart from the library's.
  *
  * The library prints every step to standard output, and the board what it refuses to standard
- * error. While a Terminal stands, both lead to a log file and nvrec speaks through what they were
+ * error. While a Terminal exists, both lead to a log file and nvrec writes to what they were
  * before, so that its progress line and table stay readable.
  */
 #pragma once

@@ -1,7 +1,7 @@
 /*
  * watchdog.cpp - the hardware watchdog on the board clock. Whether it has expired is worked out
- * whenever somebody looks, so it needs no thread. A board of metal would reset then; this one keeps
- * the event, and the reason for the next vboard_reset.
+ * whenever somebody looks, so it needs no thread. Real hardware would reset then; this board
+ * keeps the event, and the reason for the next vboard_reset.
  */
 #include "watchdog_driver.h"
 

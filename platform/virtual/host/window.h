@@ -1,4 +1,4 @@
-/* window.h - a window on the PC's desk that shows I420 pictures. All calls from one thread. */
+/* window.h - a window on the PC's desktop that shows I420 pictures. All calls from one thread. */
 #ifndef VBOARD_WINDOW_H
 #define VBOARD_WINDOW_H
 

@@ -29,7 +29,7 @@ typedef struct vboard_watchdog_stat {
     uint32_t timeout_s;    /* 60 at power-on                                               */
     int64_t remaining_us;  /* until it expires; 0 when it does not run                     */
     uint64_t feeds;        /* accepted since power-on                                      */
-    uint32_t expired;      /* 1 = a board of metal would have reset; it does not run then  */
+    uint32_t expired;      /* 1 = real hardware would have reset; it does not run then     */
     int64_t expired_at_us; /* board clock when it expired                                  */
     uint32_t boot_reason;  /* enum vboard_boot_reason of the last vboard_reset             */
 } vboard_watchdog_stat;
