@@ -39,7 +39,7 @@ done < <(sources apps)
 clocks='steady_clock|system_clock::now|clock_gettime|gettimeofday|[^_[:alnum:]]time\((nullptr|NULL|0)\)'
 clocks+='|sleep_for|sleep_until|[^_[:alnum:]](usleep|nanosleep|sleep)\(|condition_variable|std::future'
 while read -r file; do
-    grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*"(vboard|[a-z]+_driver)' "$file" &&
+    grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*"(vboard|[a-z]+_driver|ir_buttons|panel_keys)' "$file" &&
         violation "$file includes a header of what stands under the library; only apps/nvrec/host may"
     bare_code "$file" | grep -nE "$clocks" &&
         violation "$file reads a clock or waits on one by itself; apps/nvrec/host/clock.h does"

@@ -91,7 +91,7 @@ void Health::tell_expiry()
 {
     if (expiry_told_ || !host::watchdog_has_expired()) return;
     expiry_told_ = true;
-    wall_->terminal().error("watchdog: it has expired; a board of metal resets now");
+    wall_->terminal().error("watchdog: it has expired; hardware would reset now");
 }
 
 void Health::run()

@@ -128,14 +128,14 @@ public:
         return shown_ != 0 && memory_ != nullptr;
     }
 
-    bool has_ink(int width, int height)
+    bool has_visible_pixels(int width, int height)
     {
-        return framebuffer_has_ink(view(), ink_, width, height);
+        return framebuffer_has_visible_pixels(view(), colours_, width, height);
     }
 
     void draw(const MutablePlanarView &picture)
     {
-        blend_framebuffer(view(), ink_, picture);
+        blend_framebuffer(view(), colours_, picture);
     }
 
 private:
@@ -298,7 +298,7 @@ private:
 
     int memory_file_ = -1;
     uint8_t *memory_ = nullptr; // the board's own view of it
-    InkPot ink_;                // of the one canvas that draws
+    OverlayColours colours_;    // of the one canvas that draws
 
     std::mutex mutex_; // guards what follows
     uint8_t shown_ = 0;
@@ -353,7 +353,7 @@ DeviceNode *framebuffer_node()
 
 bool framebuffer_covers(int32_t device, int width, int height)
 {
-    return device == kDevice && framebuffer().is_shown() && framebuffer().has_ink(width, height);
+    return device == kDevice && framebuffer().is_shown() && framebuffer().has_visible_pixels(width, height);
 }
 
 void framebuffer_draw(const MutablePlanarView &picture)

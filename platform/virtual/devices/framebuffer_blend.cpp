@@ -1,4 +1,5 @@
-/* framebuffer_blend.cpp - pixels to ink, and ink over video. One thread at a time for each InkPot. */
+/* framebuffer_blend.cpp - pixels to colours, and colours over video. One thread at a time for each
+ * OverlayColours. */
 #include "devices/framebuffer_blend.h"
 
 #include <algorithm>
@@ -83,10 +84,10 @@ struct Placement {
 class Blender
 {
 public:
-    Blender(const FramebufferView &view, const InkPot &ink, const MutablePlanarView &picture)
-        : view_(view), ink_(ink), picture_(picture), place_(view.layer, picture.width, picture.height),
-          pixel_bytes_(view.format->bits / 8), zero_is_clear_(ink(0).alpha == 0),
-          sums_(static_cast<size_t>(picture.width / 2))
+    Blender(const FramebufferView &view, const OverlayColours &colours, const MutablePlanarView &picture)
+        : view_(view), colours_(colours), picture_(picture),
+          place_(view.layer, picture.width, picture.height), pixel_bytes_(view.format->bits / 8),
+          zero_is_clear_(colours(0).alpha == 0), sums_(static_cast<size_t>(picture.width / 2))
     {
         for (int x = place_.left; x < place_.right; ++x)
             columns_.push_back(source(static_cast<uint64_t>(x - place_.left), place_.scale_x,
@@ -94,7 +95,7 @@ public:
                                pixel_bytes_);
     }
 
-    bool has_ink() const
+    bool has_visible_pixels() const
     {
         size_t bytes = 0;
         for (int y = place_.top; y < place_.bottom; ++y)
@@ -105,10 +106,10 @@ public:
     void draw()
     {
         for (int y = place_.top & ~1; y < place_.bottom; y += 2) {
-            bool inked = false;
+            bool drawn = false;
             for (int row = y; row < y + 2; ++row)
-                if (row >= place_.top && row < place_.bottom) inked |= draw_luma(row);
-            if (inked) draw_chroma(y / 2);
+                if (row >= place_.top && row < place_.bottom) drawn |= draw_luma(row);
+            if (drawn) draw_chroma(y / 2);
         }
     }
 
@@ -144,15 +145,15 @@ private:
         uint8_t *luma = picture_.plane[0] + static_cast<ptrdiff_t>(y) * picture_.stride[0];
         for (size_t i = 0; i < columns_.size(); ++i) {
             if (columns_[i] + pixel_bytes_ > bytes) break; // columns only grow
-            const Ink ink = ink_(load_pixel(row + columns_[i], pixel_bytes_));
-            if (ink.alpha == 0) continue;
+            const OverlayColour colour = colours_(load_pixel(row + columns_[i], pixel_bytes_));
+            if (colour.alpha == 0) continue;
             const size_t x = static_cast<size_t>(place_.left) + i;
             luma[x] = static_cast<uint8_t>(
-                divided(luma[x] * (255u - ink.alpha) + uint32_t{ink.y} * ink.alpha, 255));
+                divided(luma[x] * (255u - colour.alpha) + uint32_t{colour.y} * colour.alpha, 255));
             Sums &sums = sums_[x / 2];
-            sums.alpha += ink.alpha;
-            sums.u += uint32_t{ink.u} * ink.alpha;
-            sums.v += uint32_t{ink.v} * ink.alpha;
+            sums.alpha += colour.alpha;
+            sums.u += uint32_t{colour.u} * colour.alpha;
+            sums.v += uint32_t{colour.v} * colour.alpha;
         }
         return true;
     }
@@ -171,7 +172,7 @@ private:
     }
 
     const FramebufferView &view_;
-    const InkPot &ink_;
+    const OverlayColours &colours_;
     const MutablePlanarView &picture_;
     Placement place_;
     uint32_t pixel_bytes_;
@@ -196,7 +197,7 @@ const PixelFormat *find_pixel_format(uint32_t bits, uint32_t alpha_bits)
     return nullptr;
 }
 
-void InkPot::prepare(const FramebufferView &view)
+void OverlayColours::prepare(const FramebufferView &view)
 {
     if (format_ == view.format && same_key(key_, view.key) && same_alpha(alpha_, view.alpha)) return;
     format_ = view.format;
@@ -204,13 +205,13 @@ void InkPot::prepare(const FramebufferView &view)
     alpha_ = view.alpha;
     table_.clear();
     if (format_->bits != 16) return;
-    std::vector<Ink> table(1u << 16);
+    std::vector<OverlayColour> table(1u << 16);
     for (uint32_t pixel = 0; pixel < table.size(); ++pixel)
         table[pixel] = mix(pixel);
     table_ = std::move(table);
 }
 
-Ink InkPot::mix(uint32_t pixel) const
+OverlayColour OverlayColours::mix(uint32_t pixel) const
 {
     const PixelFormat &format = *format_;
     const auto is_keyed = [&](const PixelField &field, uint8_t key) {
@@ -238,19 +239,20 @@ Ink InkPot::mix(uint32_t pixel) const
             static_cast<uint8_t>(alpha)};
 }
 
-bool framebuffer_has_ink(const FramebufferView &view, InkPot &ink, int width, int height)
+bool framebuffer_has_visible_pixels(const FramebufferView &view, OverlayColours &colours, int width,
+                                    int height)
 {
-    ink.prepare(view);
+    colours.prepare(view);
     MutablePlanarView size;
     size.width = width;
     size.height = height;
-    return Blender(view, ink, size).has_ink();
+    return Blender(view, colours, size).has_visible_pixels();
 }
 
-void blend_framebuffer(const FramebufferView &view, InkPot &ink, const MutablePlanarView &picture)
+void blend_framebuffer(const FramebufferView &view, OverlayColours &colours, const MutablePlanarView &picture)
 {
-    ink.prepare(view);
-    Blender(view, ink, picture).draw();
+    colours.prepare(view);
+    Blender(view, colours, picture).draw();
 }
 
 } // namespace vboard

@@ -55,31 +55,33 @@ struct FramebufferView {
 };
 
 /* One framebuffer pixel as video. */
-struct Ink {
+struct OverlayColour {
     uint8_t y, u, v, alpha;
 };
 
-/* Pixel words to ink. 16-bit formats get a table, worked out anew when a setting has changed. */
-class InkPot
+/* Pixel words to colours. 16-bit formats get a table, worked out anew when a setting has changed. */
+class OverlayColours
 {
 public:
     void prepare(const FramebufferView &view);
-    Ink operator()(uint32_t pixel) const { return table_.empty() ? mix(pixel) : table_[pixel]; }
+    OverlayColour operator()(uint32_t pixel) const { return table_.empty() ? mix(pixel) : table_[pixel]; }
 
 private:
-    Ink mix(uint32_t pixel) const;
+    OverlayColour mix(uint32_t pixel) const;
 
     const PixelFormat *format_ = nullptr;
     FbColorKey key_ = {};
     FbGlobalAlpha alpha_ = {};
-    std::vector<Ink> table_;
+    std::vector<OverlayColour> table_;
 };
 
 /* Whether any row of the view can be seen on a picture of this size. */
-bool framebuffer_has_ink(const FramebufferView &view, InkPot &ink, int width, int height);
+bool framebuffer_has_visible_pixels(const FramebufferView &view, OverlayColours &colours, int width,
+                                    int height);
 
 /* Draw the view over a picture whose width and height are even. */
-void blend_framebuffer(const FramebufferView &view, InkPot &ink, const MutablePlanarView &picture);
+void blend_framebuffer(const FramebufferView &view, OverlayColours &colours,
+                       const MutablePlanarView &picture);
 
 } // namespace vboard
 
