@@ -6,6 +6,11 @@
  * attributes), which colour is transparent (colour key), how it blends (alpha), and whether it is
  * shown. Request codes are encoded as <linux/ioctl.h> does: direction, size of the record, 'F',
  * number. Every request takes a pointer to its record.
+ *
+ * Headings of the comments: see mi_common.h. Thread: any. Time: at once. The library opens the node at
+ * start-up, again for the GUI and at every switch of the output, and keeps it open; it then makes the
+ * requests in the order of this file. A node that cannot be opened is printed, and the recorder goes on
+ * without a GUI. The errno of a refused record is EINVAL.
  */
 #ifndef FB_DRIVER_H
 #define FB_DRIVER_H
@@ -17,13 +22,100 @@
 extern "C" {
 #endif
 
-#define FBIOSET_SHOW                    0x40014663u /* one byte: 1 = show the layer, 0 = hide it */
-#define FBIOGET_GLOBAL_ALPHA            0x80074664u /* FbGlobalAlpha                             */
-#define FBIOSET_GLOBAL_ALPHA            0x40074665u
-#define FBIOGET_COLORKEY                0x80044666u /* FbColorKey                                */
-#define FBIOSET_COLORKEY                0x40044667u
-#define FBIOGET_DISPLAYLAYER_ATTRIBUTES 0x80344668u /* FbDisplayLayer                            */
+#define FB_NODE "/dev/fb0"
+
+/**
+ * Request FBIOGET_VSCREENINFO: tell the screen's size and format.
+ * Argument: struct fb_var_screeninfo; the library reads xres, yres and bits_per_pixel, and gives the whole
+ *   record back to FBIOPAN_DISPLAY.
+ * Order: first of all; again after each FBIOSET_DISPLAYLAYER_ATTRIBUTES, which may have changed it.
+ * Errors: none.
+ * Failure: the first time it is printed, and the recorder goes on without a GUI. After the layer was set,
+ *   -1 ends the process with exit status 0.
+ */
+
+/**
+ * Request FBIOGET_FSCREENINFO: tell where the memory is and how it is laid out.
+ * Argument: struct fb_fix_screeninfo; the library reads line_length, smem_len and smem_start. The memory has
+ *   smem_len bytes, line_length bytes a row of pixels, two bytes a pixel.
+ * Order: after FBIOGET_VSCREENINFO, before board_map; again after the layer was set.
+ * Errors: none.
+ * Failure: the first time it is printed and start-up ends with -1; later -1 ends the process with exit
+ *   status 0.
+ */
+
+/**
+ * Request FBIOPAN_DISPLAY: show the part of the memory that begins at xoffset, yoffset.
+ * Argument: struct fb_var_screeninfo, as it was read, with yoffset 0.
+ * Order: after the layer was set; then at the end of every drawing job. May wait for a refresh, 40 ms.
+ * Errors: a part that leaves xres_virtual x yres_virtual.
+ * Failure: -1 at the set-up ends the process with exit status 0; later it is printed, and
+ *   ext_tde_end_job returns -1.
+ */
+
+/**
+ * Place the layer: those attributes that the mask names are applied, the others stay.
+ * Argument: FbDisplayLayer. At first position 0,0, the GUI's size on the screen and in memory (half the
+ *   width in memory beyond 1920 x 1080), screen size 0; then the colour format alone, ARGB1555.
+ * Order: after board_map. The display size gives the screen a new xres, yres and line_length.
+ * Errors: a format that cannot be had, a size that the memory does not hold, a destination of 0 pixels.
+ * Failure: printed; start-up ends with -1, and node and mapping stay.
+ */
 #define FBIOSET_DISPLAYLAYER_ATTRIBUTES 0x40344669u
+
+/**
+ * Tell where the layer lies.
+ * Argument: FbDisplayLayer, filled as it is in force; the mask is not looked at.
+ * Order: after the layer was placed.
+ * Errors: none.
+ * Failure: printed; start-up ends with -1, and node and mapping stay.
+ */
+#define FBIOGET_DISPLAYLAYER_ATTRIBUTES 0x80344668u
+
+/**
+ * Show the layer, or hide it. It is hidden after power-on.
+ * Argument: one byte: 1 = show, 0 = hide.
+ * Order: after size and colour format were set.
+ * Errors: none.
+ * Failure: printed; the mapping is undone, and start-up ends with -1.
+ */
+#define FBIOSET_SHOW 0x40014663u
+
+/**
+ * Tell the transparent colour.
+ * Argument: FbColorKey, filled.
+ * Order: none.
+ * Errors: none.
+ * Failure: printed; the mapping is undone, and start-up ends with -1.
+ */
+#define FBIOGET_COLORKEY 0x80044666u
+
+/**
+ * Choose the transparent colour: pixels of it let the video through.
+ * Argument: FbColorKey; the library enables black.
+ * Order: none; it holds for what is on the screen already.
+ * Errors: none.
+ * Failure: printed; the mapping is undone, and start-up ends with -1.
+ */
+#define FBIOSET_COLORKEY 0x40044667u
+
+/**
+ * Tell how the layer blends.
+ * Argument: FbGlobalAlpha, filled. The library gives the driver's own fields back as they were.
+ * Order: none.
+ * Errors: none.
+ * Failure: printed; the mapping is undone, and start-up ends with -1.
+ */
+#define FBIOGET_GLOBAL_ALPHA 0x80074664u
+
+/**
+ * Choose how the layer blends.
+ * Argument: FbGlobalAlpha; the library gives 1, 1, 255, 0, the driver's own, 1.
+ * Order: after FBIOGET_GLOBAL_ALPHA.
+ * Errors: none.
+ * Failure: printed; the mapping is undone, and start-up ends with -1.
+ */
+#define FBIOSET_GLOBAL_ALPHA 0x40074665u
 
 /** Colour formats as the driver counts them. */
 enum FbColorFormat {

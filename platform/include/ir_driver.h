@@ -3,6 +3,12 @@
  *
  * A read takes one frame. While a button is held and no new frame has come, a read gives nothing;
  * letting go, a damaged frame and other events come as frames with a state word other than 0.
+ *
+ * Thread: any; the library reads on the thread that the application gives to hi_remotekey_proc, and the
+ * local reader every 1 ms on a descriptor that the application opened. A read that returns less than 1
+ * counts as "nothing new", and repeats the last key: a read therefore waits some 108 ms, the period at
+ * which a remote control repeats, before it gives 0 bytes. A node that cannot be opened is printed, and
+ * hi_remotekey_proc returns -1.
  */
 #ifndef IR_DRIVER_H
 #define IR_DRIVER_H

@@ -3,10 +3,22 @@
  *
  * The media interface is the lower seam of nvrhal: plain C functions and records that the chip's
  * media driver (or a board in software) provides. These headers declare what the library needs of
- * it and nothing more. Every call may be made from any thread unless its comment says otherwise;
- * records are owned by the caller and only read or written during the call.
+ * it and nothing more. Each function's comment is its contract, under the same headings; here stands
+ * what holds for all of them:
  *
- * Result: MI_SUCCESS, or a negative code built by MI_ERROR from the refusing module and a reason.
+ * Result: MI_SUCCESS, or a negative code built by MI_ERROR from the refusing module and a reason. The
+ *   library takes every code other than 0 for a failure. A refused call has changed nothing and has
+ *   written nothing into the caller's records.
+ * Order: what must have happened before, and what may be repeated.
+ * Thread: "any" means any thread, several at once. Calls on one channel, port or device are then
+ *   carried out one after another. A call on one channel does not wait for calls on another.
+ * Memory: records and bytes are the caller's, and are read or written during the call only. What is
+ *   to outlive the call is copied.
+ * Time: "at once" means that the call waits neither for pictures nor for a time-out, and returns
+ *   within 10 ms. Cameras' threads stand still while a call takes longer.
+ * Errors: the reasons of enum MI_Reason for which the call is refused. A null pointer to a required
+ *   record gives NULL_POINTER everywhere. Where several reasons apply at once, any of them is given.
+ * Failure: what the library does when the call fails, whatever the code.
  */
 #ifndef MI_COMMON_H
 #define MI_COMMON_H

@@ -1,4 +1,14 @@
-/* mi_divp.h - the picture scaler between a decoder and an encoder. */
+/*
+ * mi_divp.h - the picture scaler between a decoder and an encoder.
+ *
+ * Headings of the comments: see mi_common.h. The library uses channel 0, for the length of a snapshot:
+ *
+ *     Create, SetOutputPortAttr | MI_SYS_SetChnOutputPortDepth, bind to the encoder | Start | bind the
+ *     decoder | pictures | both unbound | Stop, Destroy
+ *
+ * A step of the first row that fails is printed, the snapshot fails, and what was built is taken down;
+ * failures of that are printed and ignored, and the next snapshot begins with Create all the same.
+ */
 #ifndef MI_DIVP_H
 #define MI_DIVP_H
 
@@ -8,10 +18,10 @@
 extern "C" {
 #endif
 
-/** Attributes of a scaler channel. 32 bytes. */
+/** Attributes of a scaler channel. 32 bytes. The library sets the largest size, and zeros. */
 typedef struct MI_DIVP_ChnAttr {
     uint32_t max_width;       /*  0  largest input picture, pixels               */
-    uint32_t max_height;      /*  4                                              */
+    uint32_t max_height;      /*  4  pixels                                      */
     uint32_t noise_reduction; /*  8  0 = off                                     */
     uint32_t deinterlace;     /* 12  0 = off                                     */
     uint32_t rotation;        /* 16  0 = none                                    */
@@ -22,17 +32,100 @@ typedef struct MI_DIVP_ChnAttr {
 
 /** Attributes of a scaler's output port. 16 bytes. */
 typedef struct MI_DIVP_OutputPortAttr {
-    uint32_t width;        /*  0  pixels             */
-    uint32_t height;       /*  4  pixels             */
+    uint32_t width;        /*  0  pixels, even       */
+    uint32_t height;       /*  4  pixels, even       */
     uint32_t pixel_format; /*  8  enum MI_PixelFormat */
     uint32_t compression;  /* 12  0 = none           */
 } MI_DIVP_OutputPortAttr;
 
+/**
+ * Create a channel, stopped, its output size 0 x 0.
+ *
+ * @param channel  0 or more; the library uses 0
+ * @param attr     largest input picture, 1 x 1 to 4096 x 4096 pixels; larger ones are dropped
+ * @return 0, or a code
+ * Order: after MI_SYS_Init; the channel does not exist.
+ * Thread: any; snapshots come one at a time.
+ * Memory: `attr` is the caller's, and copied.
+ * Time: 100 ms at most.
+ * Errors: NOT_READY before MI_SYS_Init; BAD_CHANNEL; EXISTS; BAD_VALUE: sizes; UNSUPPORTED: another work
+ *   than scaling and cutting out; NO_MEMORY.
+ * Failure: printed; the snapshot fails.
+ */
 int32_t MI_DIVP_CreateChn(uint32_t channel, const MI_DIVP_ChnAttr *attr);
+
+/**
+ * Destroy a stopped channel.
+ *
+ * @param channel  the channel
+ * @return 0, or a code
+ * Order: created, and stopped; unbound by then.
+ * Thread: any.
+ * Time: 100 ms at most.
+ * Errors: BAD_CHANNEL; ABSENT: not created; NOT_PERMITTED: it is started.
+ * Failure: printed, and ignored; the next snapshot then fails with EXISTS.
+ */
 int32_t MI_DIVP_DestroyChn(uint32_t channel);
+
+/**
+ * Read the attributes of the output port.
+ *
+ * @param channel  the channel
+ * @param port     0
+ * @param attr     filled as it was set; zeros when nothing was set yet
+ * @return 0, or a code
+ * Order: created, started or not.
+ * Thread: any.
+ * Memory: `attr` is the caller's.
+ * Time: at once.
+ * Errors: BAD_CHANNEL: no such channel or port; ABSENT: not created.
+ * Failure: printed; the snapshot fails.
+ */
 int32_t MI_DIVP_GetOutputPortAttr(uint32_t channel, uint32_t port, MI_DIVP_OutputPortAttr *attr);
+
+/**
+ * Set the size and the format of the pictures that leave. They are scaled to this size, up or down.
+ *
+ * @param channel  the channel
+ * @param port     0
+ * @param attr     even sizes of 2 x 2 to 4096 x 4096 pixels, MI_PIXEL_YUV420_SEMIPLANAR
+ * @return 0, or a code
+ * Order: created; before MI_DIVP_StartChn.
+ * Thread: any.
+ * Memory: `attr` is the caller's, and copied.
+ * Time: at once.
+ * Errors: BAD_CHANNEL: no such channel or port; ABSENT: not created; BAD_VALUE: the size; UNSUPPORTED: the
+ *   pixel format or a compression.
+ * Failure: printed; the snapshot fails.
+ */
 int32_t MI_DIVP_SetOutputPortAttr(uint32_t channel, uint32_t port, const MI_DIVP_OutputPortAttr *attr);
+
+/**
+ * Start taking pictures from the bound source. Of pictures that come faster than the sink takes them the
+ * oldest are dropped: the source never waits.
+ *
+ * @param channel  the channel
+ * @return 0, or a code
+ * Order: after MI_DIVP_SetOutputPortAttr; before or after it is bound. Starting a started one is
+ *   accepted.
+ * Thread: any.
+ * Time: 100 ms at most.
+ * Errors: BAD_CHANNEL; ABSENT: not created; NOT_READY: no output size.
+ * Failure: printed; the snapshot fails.
+ */
 int32_t MI_DIVP_StartChn(uint32_t channel);
+
+/**
+ * Stop, and discard what is queued: no picture leaves after the call has returned.
+ *
+ * @param channel  the channel
+ * @return 0, or a code
+ * Order: created. Stopping a stopped one is accepted.
+ * Thread: any.
+ * Time: 100 ms at most.
+ * Errors: BAD_CHANNEL; ABSENT: not created.
+ * Failure: printed, and ignored.
+ */
 int32_t MI_DIVP_StopChn(uint32_t channel);
 
 #ifdef __cplusplus

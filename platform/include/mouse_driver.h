@@ -2,7 +2,9 @@
  * mouse_driver.h - the mouse, "/dev/mouse", for the application: the library never opens it.
  *
  * A read takes one event of five words, the shape that g_s32KeyValue carries to the application's
- * user interface, or gives nothing.
+ * user interface, or waits up to 100 ms and gives nothing.
+ *
+ * Thread: any. There are no requests.
  */
 #ifndef MOUSE_DRIVER_H
 #define MOUSE_DRIVER_H
@@ -15,12 +17,14 @@ extern "C" {
 
 #define MOUSE_NODE "/dev/mouse"
 
+/** What happened. */
 enum MouseEventType {
     MOUSE_EVENT_MOVE = 1,
     MOUSE_EVENT_BUTTON = 2,
     MOUSE_EVENT_WHEEL = 3,
 };
 
+/** Buttons, a bit each. */
 enum MouseButton {
     MOUSE_BUTTON_LEFT = 1,
     MOUSE_BUTTON_RIGHT = 2,
