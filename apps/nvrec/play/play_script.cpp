@@ -85,7 +85,7 @@ Clock::time_point Script::take_turn(Clock::time_point now)
     while (done_ < items_.size()) {
         const Item &item = items_[done_];
         const Clock::time_point due =
-            began_at_ + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(item.at_s));
+            began_at_ + std::chrono::ceil<Clock::duration>(std::chrono::duration<double>(item.at_s));
         if (due > now) return due;
         ++done_;
         verbs_.at(item.verb).action(item.arguments);

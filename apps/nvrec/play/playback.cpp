@@ -77,7 +77,7 @@ void Playback::pause(bool paused)
 {
     const auto guard = hold();
     if (paused_ == paused) return;
-    anchor(position_at(Clock::now()));
+    if (!frozen_.owns_lock()) anchor(position_at(Clock::now()));
     paused_ = paused;
     if (paused) wait_for_decoders(); /* what is on the screen now stays there */
     orders_ = true;
@@ -105,7 +105,7 @@ void Playback::set_speed(double speed)
     const auto guard = hold();
     if (speed_ == speed) return;
     const bool had_gaps = key_frames_only();
-    anchor(position_at(Clock::now()));
+    if (!frozen_.owns_lock()) anchor(position_at(Clock::now()));
     speed_ = speed;
     /* Pictures refer to those before them: all of them again from the last key frame on. */
     if (had_gaps && !key_frames_only()) position_tracks();

@@ -152,11 +152,13 @@ void Player::play()
     single_ = -1;
     if (tracks_of_page().empty()) page_ = page_after(page_);
     count_from_here();
+    if (first) playback_.pause(true); /* nothing runs before it is where and as fast as it is to be */
     show_files();
     if (first) {
         hear(options_.heard);
         set_speed(options_.speed);
         if (options_.seek_s > 0) seek(options_.seek_s);
+        playback_.pause(false);
     } else if (playback_.ended()) {
         seek(0);
     }

@@ -20,11 +20,11 @@ void ModuleList::stop()
         modules_[i]->stop();
 }
 
-Clock::time_point ModuleList::take_turns()
+Clock::time_point ModuleList::take_turns(Clock::time_point now)
 {
     Clock::time_point next = Clock::time_point::max();
     for (const auto &module : modules_)
-        next = std::min(next, module->take_turn(Clock::now()));
+        next = std::min(next, module->take_turn(now));
     return next;
 }
 

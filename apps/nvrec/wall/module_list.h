@@ -29,8 +29,8 @@ public:
     /** Those that were started. */
     void stop();
 
-    /** Give each its turn. @return when the first of them wants the next one. */
-    Clock::time_point take_turns();
+    /** Give each its turn, at one time for all. @return when the first of them wants the next one. */
+    Clock::time_point take_turns(Clock::time_point now);
 
     void before_layout();
     void on_layout();

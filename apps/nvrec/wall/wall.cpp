@@ -207,7 +207,11 @@ void Wall::start_feeding(Feeder &camera)
     camera.start(std::move(events));
 }
 
-/* The main thread's work while the cameras run. */
+/*
+ * The main thread's work while the cameras run. What modules and pictures were ordered for is done in
+ * the order of its times, however late the thread is: a turn ends before the next picture's time, and
+ * what comes behind that has its turn when the picture is taken.
+ */
 void Wall::watch()
 {
     const auto period = std::chrono::milliseconds(terminal_.progress_period_ms());
@@ -215,10 +219,15 @@ void Wall::watch()
     auto after = [this](double offset_s) {
         return began_at_ + std::chrono::ceil<Clock::duration>(std::chrono::duration<double>(offset_s));
     };
+    constexpr Clock::duration kJustBefore = Clock::duration(1);
+    take_due_pictures(0, false);
+    Clock::time_point now = began_at_; /* so that seconds mean the same to all */
     while (!ended()) {
-        Clock::time_point next = std::min(progress_at, modules_.take_turns());
+        const auto picture_s = next_picture_s(orders_);
+        if (picture_s) now = std::min(now, after(*picture_s) - kJustBefore);
+        Clock::time_point next = std::min(progress_at, modules_.take_turns(now));
         if (options_.duration_s > 0) next = std::min(next, after(options_.duration_s));
-        if (const auto picture = next_picture_s(orders_)) next = std::min(next, after(*picture));
+        if (picture_s) next = std::min(next, after(*picture_s));
         if (window_open_) next = std::min(next, Clock::now() + kWindowPeriod);
         wakeup_.wait_until(next);
 
@@ -226,11 +235,12 @@ void Wall::watch()
         for (Feeder *camera : finished_openings())
             add_late_camera(*camera);
         if (layout_stale_.exchange(false)) lay_out();
-        take_due_pictures(seconds(), false);
+        if (picture_s && seconds() >= *picture_s) take_due_pictures(*picture_s, false);
         if (Clock::now() >= progress_at) {
             terminal_.progress(progress_line());
             progress_at = Clock::now() + period;
         }
+        now = Clock::now();
     }
 }
 
