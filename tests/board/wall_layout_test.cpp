@@ -20,6 +20,8 @@ namespace
 {
 
 constexpr uint32_t kPanes = 4;
+constexpr unsigned kFramesOfACamera = 600;
+constexpr unsigned kShare = 22; // of them between beginnings and ends of changes: four key frames
 using Owners = std::array<std::optional<uint32_t>, kPanes>; // channel of each pane of the grid; none = dark
 
 /*
@@ -66,12 +68,24 @@ public:
         });
     }
 
-    /* For the cameras' pace: wait until the wall has been looked at once more. */
-    void wait_for_a_look()
+    /*
+     * For the cameras' pace: wait until the wall has been looked at once more. A camera that has sent
+     * its share since the last change began or ended waits for the next one, so that its stream lasts
+     * however long the changes take.
+     */
+    struct Share {
+        uint64_t version = 0;
+        unsigned sent = 0;
+    };
+    void wait_for_a_look(Share *share)
     {
         std::unique_lock lock(mutex_);
         const uint64_t before = looks_;
-        looked_.wait(lock, [&] { return looks_ > before || done_; });
+        ++share->sent;
+        looked_.wait(lock, [&] {
+            if (share->version != version_) *share = {version_, 0};
+            return done_ || (looks_ > before && share->sent < kShare);
+        });
     }
 
 private:
@@ -99,6 +113,7 @@ private:
             ++looks_;
             looked_.notify_all();
         }
+        const std::lock_guard guard(mutex_); // nobody is between looking at done_ and waiting
         looked_.notify_all();
     }
 
@@ -154,10 +169,11 @@ TEST_F(LayoutOfTheWall, NoChangeShowsAnOlderPictureOrAnotherChannels)
     std::vector<std::thread> senders;
     for (uint32_t channel = 0; channel < 4; ++channel)
         senders.emplace_back([&, channel] {
+            Watcher::Share share;
             for (const rig::Bytes &frame : cameras[channel].stream.frames) {
                 if (done) return;
                 session::send_live(channel, frame, cameras[channel].codec()); // refused in mid-change
-                watcher.wait_for_a_look();
+                watcher.wait_for_a_look(&share);
             }
             ++ran_dry;
         });
@@ -167,7 +183,9 @@ TEST_F(LayoutOfTheWall, NoChangeShowsAnOlderPictureOrAnotherChannels)
                               {2, 3, 0, 1},
                               {std::nullopt, 3, 2, std::nullopt},
                               {0, 2, 1, 3}};
-    for (int round = 0; round < 2; ++round)
+    constexpr unsigned kRounds = 2;
+    static_assert((2 * kRounds * std::size(layouts) + 1) * (kShare + 1) <= kFramesOfACamera);
+    for (unsigned round = 0; round < kRounds; ++round)
         for (const Owners &layout : layouts) {
             watcher.begin_change(layout);
             EXPECT_EQ(lay_out(layout_of(layout)), 0);
@@ -176,6 +194,7 @@ TEST_F(LayoutOfTheWall, NoChangeShowsAnOlderPictureOrAnotherChannels)
         }
     EXPECT_EQ(ran_dry, 0u) << "a camera's stream was too short for this test";
     done = true;
+    watcher.end(); // nobody waits for a look any more
     for (std::thread &sender : senders)
         sender.join();
 }

@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -56,13 +57,24 @@ void expect_even_times(const std::string &path, size_t pictures)
         ASSERT_NEAR(times[i] - times[i - 1], kFrame_s, 0.0021) << path << ", picture " << i;
 }
 
-/* The first pictures of the source, all different, none missing, in order. */
+/* The first pictures of a source that begins again at its end: none missing, in order. */
 void expect_beginning_of(const std::vector<std::string> &source, const std::vector<std::string> &pictures,
                          const std::string &what)
 {
-    ASSERT_LE(pictures.size(), source.size()) << what;
+    ASSERT_FALSE(source.empty()) << what;
     for (size_t i = 0; i < pictures.size(); ++i)
-        ASSERT_EQ(pictures[i], source[i]) << what << ", picture " << i;
+        ASSERT_EQ(pictures[i], source[i % source.size()]) << what << ", picture " << i;
+}
+
+/* Look until it holds; false when it still does not after a minute. */
+bool wait_until(const std::function<bool()> &holds)
+{
+    constexpr int kPeriod_ms = 50, kPatience_ms = 60'000;
+    for (int waited_ms = 0; !holds(); waited_ms += kPeriod_ms) {
+        if (waited_ms >= kPatience_ms) return false;
+        poll(nullptr, 0, kPeriod_ms);
+    }
+    return true;
 }
 
 class NvrecRecord : public testing::Test
@@ -159,19 +171,33 @@ TEST_P(NvrecRecordFormats, ACleanEndLeavesEveryPictureAndAllSound)
 INSTANTIATE_TEST_SUITE_P(Formats, NvrecRecordFormats, testing::Values("mp4", "mkv"),
                          [](const auto &named) { return std::string(named.param); });
 
-/* Kill the recorder somewhere in the middle of its clips, at a random moment. */
+/* Kill the recorder while its cameras run, at a random moment. */
 class NvrecRecordKilled : public NvrecRecord, public testing::WithParamInterface<int>
 {
 protected:
+    /* A fragment of an MP4 file; a cluster of an MKV file, behind which the next one has begun. */
+    bool has_whole_part(int channel) const
+    {
+        constexpr std::string_view kCluster = "\x1F\x43\xB6\x75"; /* the element's identifier */
+        const std::vector<std::string> paths = files_of_channel(channel);
+        if (paths.empty()) return false;
+        if (paths[0].ends_with(".mp4")) return fragments_of(paths[0]).whole > 0;
+        const std::string bytes = file_text(paths[0]);
+        const size_t first = bytes.find(kCluster);
+        return first != std::string::npos && bytes.find(kCluster, first + 1) != std::string::npos;
+    }
+
     void kill_somewhere(const std::string &format)
     {
         std::mt19937 random(static_cast<unsigned>(GetParam()));
         const int moment_ms = std::uniform_int_distribution(200, 2600)(random);
-        std::printf("round %d: killed %d ms after its files were there\n", GetParam(), moment_ms);
-        /* Twice the clips' speed: they last four seconds. */
-        Process recorder(command(
-            {"--format", format, "--speed", "2", "-p", scratch_.file("first.png") + ",0.5"}, camera_files()));
+        std::printf("round %d: killed %d ms after its files had begun\n", GetParam(), moment_ms);
+        Process recorder(
+            command({"--format", format, "--speed", "2", "--loop", "-p", scratch_.file("first.png") + ",0.5"},
+                    camera_files()));
         ASSERT_TRUE(scratch_.wait_for("first.png"));
+        for (int channel = 0; channel < 4; ++channel)
+            ASSERT_TRUE(wait_until([&] { return has_whole_part(channel); })) << "channel " << channel;
         poll(nullptr, 0, moment_ms); /* the random moment itself is what is tested */
         recorder.signal(SIGKILL);
         ASSERT_EQ(recorder.wait(), 128 + SIGKILL);
@@ -181,7 +207,6 @@ protected:
 TEST_P(NvrecRecordKilled, AnMp4PlaysUpToItsLastWholeFragment)
 {
     kill_somewhere("mp4");
-    std::vector<int> whole;
     for (int channel = 0; channel < 4; ++channel) {
         ASSERT_EQ(files_of_channel(channel).size(), 1u);
         const std::string path = files_of_channel(channel)[0];
@@ -192,12 +217,7 @@ TEST_P(NvrecRecordKilled, AnMp4PlaysUpToItsLastWholeFragment)
         EXPECT_EQ(fragments.pictures, fragments.whole * kFramesPerKey) << path;
         EXPECT_TRUE(begins_with_key_frame(path));
         expect_beginning_of(picture_checksums(clip(kCameras[channel].file)), pictures, path);
-        whole.push_back(fragments.whole);
     }
-    /* The cameras ran side by side: none may be further behind than the fragment under way. */
-    EXPECT_LE(*std::max_element(whole.begin(), whole.end()) - *std::min_element(whole.begin(), whole.end()),
-              2)
-        << testing::PrintToString(whole);
 }
 
 TEST_P(NvrecRecordKilled, AnMkvPlaysUpToItsLastWholeCluster)
@@ -215,14 +235,43 @@ TEST_P(NvrecRecordKilled, AnMkvPlaysUpToItsLastWholeCluster)
 
 INSTANTIATE_TEST_SUITE_P(Rounds, NvrecRecordKilled, testing::Range(1, 6));
 
+/* All cameras end in the middle of their third fragment, and one that never answers keeps it running. */
+TEST_F(NvrecRecord, AFragmentIsInTheFileAsSoonAsItIsWhole)
+{
+    constexpr int kWhole = 2;
+    std::vector<std::string> cameras = camera_files();
+    cameras.emplace_back("rtsp://127.0.0.1:1/camera");
+    Process recorder(
+        command({"--frames", std::to_string(kWhole * kFramesPerKey + kFramesPerKey / 2)}, cameras));
+    for (int channel = 0; channel < 4; ++channel) {
+        EXPECT_TRUE(wait_until([&] {
+            const std::vector<std::string> paths = files_of_channel(channel);
+            return paths.size() == 1 && fragments_of(paths[0]).whole >= kWhole;
+        })) << "channel "
+            << channel;
+    }
+    recorder.signal(SIGKILL);
+    ASSERT_EQ(recorder.wait(), 128 + SIGKILL);
+    for (int channel = 0; channel < 4; ++channel) {
+        const std::string path = files_of_channel(channel).at(0);
+        const Fragments fragments = fragments_of(path);
+        EXPECT_EQ(fragments.whole, kWhole) << path;
+        EXPECT_EQ(fragments.pictures, kWhole * kFramesPerKey) << path;
+        expect_beginning_of(picture_checksums(clip(kCameras[channel].file)), picture_checksums(path), path);
+    }
+}
+
 TEST_F(NvrecRecord, ANewFileBeginsAtTheFirstKeyFrameOfEverySlot)
 {
-    /* Eight seconds at twice their speed: four seconds of wall clock, so four or five slots. */
+    /* Eight seconds at twice their speed: four seconds of wall clock or more, so four slots or more. */
     ASSERT_EQ(record({"--segment", "1", "--speed", "2"}, camera_files()), 0) << output_ << errors_;
+    const size_t at = json_.find("\"seconds\": ");
+    ASSERT_NE(at, std::string::npos);
+    const double lasted_s = std::strtod(json_.c_str() + at + 11, nullptr);
     for (int channel = 0; channel < 4; ++channel) {
         const std::vector<std::string> paths = files_of_channel(channel);
         EXPECT_GE(paths.size(), 4u);
-        EXPECT_LE(paths.size(), 6u);
+        EXPECT_LE(static_cast<double>(paths.size()), lasted_s + 2) << "begun and ended within a second";
         EXPECT_EQ(recorded(json_, channel, "main", "written"), kClipFrames);
         std::vector<std::string> pictures;
         double sound_packets = 0;
@@ -273,11 +322,12 @@ TEST_F(NvrecRecord, ADirectoryThatCannotBeMadeLeavesTheWallRunning)
 TEST_F(NvrecRecord, ADirectoryThatComesLateIsRecordedTo)
 {
     std::ofstream(files()) << "a file is in its place";
-    Process process(
-        command({"--loop", "-d", "13", "-p", scratch_.file("first.png,1")}, {clip("camera0.mp4")}));
+    Process process(command({"--loop", "-p", scratch_.file("first.png,1")}, {clip("camera0.mp4")}));
     ASSERT_TRUE(scratch_.wait_for("first.png"));
     std::filesystem::remove(files());
     std::filesystem::create_directory(files());
+    EXPECT_TRUE(wait_until([this] { return !files_of_channel(0).empty(); }));
+    process.signal(SIGINT);
     EXPECT_EQ(process.wait(), 5) << process.errors;
     EXPECT_NE(process.errors.find("nothing is recorded: " + files()), std::string::npos) << process.errors;
     ASSERT_EQ(files_of_channel(0).size(), 1u) << process.errors;

@@ -255,7 +255,8 @@ TEST_F(NvrecWall, ShowsANetworkCameraAndComesBackAfterItsSessionEnds)
 
 TEST_F(NvrecWall, ACameraThatDoesNotAnswerCostsTheOthersNothing)
 {
-    EXPECT_EQ(wall({"-d", "1.5", "-p", scratch_.file("wall.png"), "--layout", "2x2",
+    /* The other camera lasts a second; it has four more on a machine that is busy. */
+    EXPECT_EQ(wall({"-d", "5", "-p", scratch_.file("wall.png"), "--layout", "2x2",
                     "rtsp://127.0.0.1:1/camera", clip("colour1.h264")}),
               3);
     EXPECT_EQ(reported(json_, 1, "sent"), kClipFrames);
