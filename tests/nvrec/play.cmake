@@ -1,4 +1,4 @@
-# Playback, snapshots and zoom in the recorder, on the clips that nvrec.cmake makes.
+# Playback, snapshots and zoom in the recorder, on the clips that wall.cmake makes.
 
 nvrhal_test(nvrec_play_seek_test
   ${CMAKE_CURRENT_LIST_DIR}/play_seek_test.cpp

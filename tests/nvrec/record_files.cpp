@@ -1,4 +1,4 @@
-/* nvrec_record_files.cpp - see nvrec_record_files.h. */
+/* record_files.cpp - see nvrec_record_files.h. */
 #include "record_files.h"
 
 #include <algorithm>

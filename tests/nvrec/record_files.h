@@ -1,4 +1,4 @@
-/* nvrec_record_files.h - recordings looked at from outside: by the ffmpeg tools, and box by box. */
+/* record_files.h - recordings looked at from outside: by the ffmpeg tools, and box by box. */
 #pragma once
 
 #include <cstdint>

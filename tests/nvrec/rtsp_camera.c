@@ -1,5 +1,5 @@
 /*
- * nvrec_rtsp_camera.c - a network camera for tests: serves one MP4 file over RTSP on loopback.
+ * rtsp_camera.c - a network camera for tests: serves one MP4 file over RTSP on loopback.
  *
  *   nvrec_rtsp_camera FILE h264|h265 [PORT]
  *

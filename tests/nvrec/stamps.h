@@ -1,4 +1,4 @@
-/* nvrec_stamps.h - stamps in pictures that the recorder wrote. For tests. */
+/* stamps.h - stamps in pictures that the recorder wrote. For tests. */
 #pragma once
 
 #include <optional>

@@ -1,5 +1,5 @@
 /*
- * nvrec_stand_in_wall.h - what a module of the recorder knows of the wall, without the wall: it
+ * stand_in_wall.h - what a module of the recorder knows of the wall, without the wall: it
  * takes down what it is asked for. For tests of a single module.
  */
 #pragma once
