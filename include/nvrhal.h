@@ -20,9 +20,10 @@
  *   Ownership: records are the caller's and are only used during the call unless stated otherwise. A
  *   function without a line on it takes and gives no memory.
  *   Log: the library prints what it does, and the platform calls whose failure matters, to standard
- *   output. Frames that go through print nothing. What is called often and prints a line each time, of
- *   some 65 bytes: ext_keyboard_value and ext_mouse_get_status (keys.h says how to avoid it), the
- *   framebuffer's calls, drawRect, and most functions that set something.
+ *   output, or hands it to the application's function (nvrhal_set_log). Frames that go through print
+ *   nothing. What is called often and prints a line each time, of some 65 bytes: ext_keyboard_value and
+ *   ext_mouse_get_status (keys.h says how to avoid it), the framebuffer's calls, drawRect, and most
+ *   functions that set something.
  *
  * The state after power-on and ext_device_init
  *   The screen is dark until the first layout. The buzzer sounds until ext_buzzer_set(0). The watchdog
@@ -91,6 +92,7 @@
 #include "nvrhal/layout.h"
 #include "nvrhal/limits.h"
 #include "nvrhal/live.h"
+#include "nvrhal/log.h"
 #include "nvrhal/picture.h"
 #include "nvrhal/playback.h"
 #include "nvrhal/pool.h"

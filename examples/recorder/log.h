@@ -5,8 +5,8 @@
 #include <stdbool.h>
 
 /*
- * The library writes what it does to standard output. Send that to a file, line by line, so that a
- * recorder that dies leaves its last line; the application speaks on standard error. Before start-up.
+ * The library writes what it does to standard output. Send that to a file instead, text by text, so that
+ * a recorder that dies leaves its last line. Before start-up.
  */
 bool log_to_file(const char *path);
 

@@ -64,9 +64,9 @@ extern NVRHAL_API StreamAttr major_stream[NVRHAL_MAX_DECODERS];
 extern NVRHAL_API StreamAttr minor_stream[NVRHAL_MAX_CAMERAS];
 
 /**
- * Start the library: call it once, before anything else. Brings up, in this order, the stream pools,
- * the media system, HDMI, N + 1 decoder channels, the display with N ports, the framebuffer, audio,
- * GPIO lines and the watchdog. Nothing is shown before the first layout.
+ * Start the library: call it once, before anything else but nvrhal_set_log. Brings up, in this order, the
+ * stream pools, the media system, HDMI, N + 1 decoder channels, the display with N ports, the framebuffer,
+ * audio, GPIO lines and the watchdog. Nothing is shown before the first layout.
  *
  * The state that it leaves: the buzzer's line is high, so that the buzzer sounds until
  * ext_buzzer_set(0). The watchdog is enabled with 100 s and has been fed once: feed it

@@ -46,18 +46,20 @@
 // The "AUDIO_TEST" wording is the convention's own, in display code too.
 #define failed_test(text, call)                                                                              \
     __extension__({                                                                                          \
-        log_text("%d Start test: %s\n", __LINE__, text);                                                     \
+        ::nvrhal::log_text("%d Start test: %s\n", __LINE__, text);                                           \
         const int32_t failed_code = (call);                                                                  \
         if (failed_code != 0) {                                                                              \
-            log_text("AUDIO_TEST [%d] %s exec function failed, result:0x%x\n", __LINE__, text, failed_code); \
+            ::nvrhal::log_text("AUDIO_TEST [%d] %s exec function failed, result:0x%x\n", __LINE__, text,     \
+                               failed_code);                                                                 \
         } else {                                                                                             \
-            log_text("AUDIO_TEST [%d] %s  exec function pass\n", __LINE__, text);                            \
-            log_text("%d End test: %s\n", __LINE__, text);                                                   \
+            ::nvrhal::log_text("AUDIO_TEST [%d] %s  exec function pass\n", __LINE__, text);                  \
+            ::nvrhal::log_text("%d End test: %s\n", __LINE__, text);                                         \
         }                                                                                                    \
         failed_code != 0;                                                                                    \
     })
 
-#define log_exec_failure(code) log_text("[%s %d %d]exec function failed\n", __func__, __LINE__, (code))
+#define log_exec_failure(code)                                                                               \
+    ::nvrhal::log_text("[%s %d %d]exec function failed\n", __func__, __LINE__, (code))
 
 #define failed_exec(call)                                                                                    \
     __extension__({                                                                                          \
@@ -65,6 +67,6 @@
         if (failed_at_first)                                                                                 \
             log_exec_failure(call);                                                                          \
         else                                                                                                 \
-            log_text("(%s %d)exec function pass\n", __func__, __LINE__);                                     \
+            ::nvrhal::log_text("(%s %d)exec function pass\n", __func__, __LINE__);                           \
         failed_at_first;                                                                                     \
     })

@@ -91,7 +91,7 @@ int32_t vo_timing_lookup(uint32_t code, uint32_t *hdmi_timing, uint32_t *disp_ti
         store_if_wanted(height, row.height);
         return 0;
     }
-    log_text("Unspport Ap timing (%d)\n", static_cast<int>(code));
+    nvrhal::log_text("Unspport Ap timing (%d)\n", static_cast<int>(code));
     return 0;
 }
 

@@ -103,7 +103,7 @@ void draw_modules(uint8_t *pixels, const Geometry &image, const uint8_t *modules
 
 [[noreturn]] void fail_to_create(const char *file_name)
 {
-    std::fprintf(stderr, "Failed to create file: %s\n", file_name);
+    nvrhal::log_to_standard_error("Failed to create file: %s\n", file_name);
     std::exit(EXIT_FAILURE);
 }
 
@@ -132,7 +132,7 @@ bool put_bytes(FILE *file, const uint8_t *bytes, size_t size)
 void qrencode(const char *text, const char *file_name)
 {
     if (!text || !file_name) std::exit(EXIT_FAILURE);
-    log_text("intext=%s\n", text);
+    nvrhal::log_text("intext=%s\n", text);
 
     QRcode *code = QRcode_encodeString(text, kSmallestVersion, QR_ECLEVEL_L, QR_MODE_8, kCaseSensitive);
     if (!code) std::exit(EXIT_FAILURE);

@@ -16,7 +16,7 @@ int32_t nvrhal::move_port(int32_t dev, uint32_t port, const MI_Rect &window, Por
     const int number = static_cast<int>(port);
     MI_DISP_InputPortAttr attr = {};
     if (failed_call(MI_DISP_GetInputPortAttr(dev, port, &attr),
-                    log_text(texts.get, kSource, __LINE__, number, failed_code)))
+                    nvrhal::log_text(texts.get, kSource, __LINE__, number, failed_code)))
         return -1;
     attr.window = window;
     if (source == PortSource::kAsWindow) {
@@ -24,7 +24,7 @@ int32_t nvrhal::move_port(int32_t dev, uint32_t port, const MI_Rect &window, Por
         attr.source_height = window.height;
     }
     if (failed_call(MI_DISP_SetInputPortAttr(dev, port, &attr),
-                    log_text(texts.set, kSource, __LINE__, number, failed_code)))
+                    nvrhal::log_text(texts.set, kSource, __LINE__, number, failed_code)))
         return -1;
     return 0;
 }
@@ -32,7 +32,7 @@ int32_t nvrhal::move_port(int32_t dev, uint32_t port, const MI_Rect &window, Por
 int32_t nvrhal::show_port(int32_t dev, uint32_t port, const PortTexts &texts)
 {
     if (failed_call(MI_DISP_ShowInputPort(dev, port),
-                    log_text(texts.show, kSource, __LINE__, static_cast<int>(port), failed_code)))
+                    nvrhal::log_text(texts.show, kSource, __LINE__, static_cast<int>(port), failed_code)))
         return -1;
     return 0;
 }

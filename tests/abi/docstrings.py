@@ -95,6 +95,8 @@ def parameters(inside):
     if inside.strip() in ("void", "NVRHAL_ANYTHING"):
         return []
     found = []
+    # A function's own parameters are its business: (*name)(...) counts as a pointer of that name.
+    inside = re.sub(r"\(\*(\w+)\)\([^()]*\)", r"*\1", inside)
     for one in inside.split(","):
         match = re.match(r"\s*(.*?)\s*(\w+)(\[\w*\])?\s*$", one, re.S)
         found.append((match.group(2), match.group(1) + ("*" if match.group(3) else "")))
@@ -155,7 +157,7 @@ def check_fields(path, line, body):
 def check_text(path, text):
     bad, functions = 0, 0
     for line, doc, declaration in declarations(path, text):
-        function = re.match(r"NVRHAL_API ([\w\s]+?[\s*]+)(\w+)\(([^()]*)\)$", declaration)
+        function = re.match(r"NVRHAL_API ([\w\s]+?[\s*]+)(\w+)\(((?:[^()]|\([^()]*\))*)\)$", declaration)
         if function:
             functions += 1
             bad += check_function(path, line, doc, function)
@@ -211,6 +213,12 @@ SAMPLES = {
         "NVRHAL_API int32_t store(uint32_t channel, uint32_t length, const void *data);\nNVRHAL_API int32_t keep(uint32_t x)",
         "keep: no @param x",
         re.compile(r"NVRHAL_API.*\)"),
+    ),
+    "a function's parameter": (
+        "/**\n * Tell.\n * @param user  any value\n * Errors: none.\n * Thread: any.\n * Ownership: kept.\n */\n"
+        "NVRHAL_API void tell(void (*write)(const char *text, size_t length), void *user);\n",
+        "tell: no @param write",
+        re.compile(r"\A"),
     ),
     "an object": ("extern NVRHAL_API int32_t word;\n", "no comment", re.compile(r"\A")),
 }
