@@ -15,6 +15,7 @@
 #   tsan          thread sanitizer, every test
 #   subdirectory  a project of others that takes the library in
 #   linux-nvrec   the recorder without the board in software
+#   port          platforms from outside the tree, as porters have them
 #   m32           32-bit on this PC: unit, trace and abi tests
 #   armhf         32-bit ARM under an emulator: unit, trace and abi tests
 #   clang         another compiler: everything built; unit, trace and abi tests
@@ -25,7 +26,7 @@
 set -uo pipefail
 cd "$(dirname "$0")"
 
-all_legs=dev,seams,format,release,asan,tsan,subdirectory,linux-nvrec,m32,armhf,clang,lint
+all_legs=dev,seams,format,release,asan,tsan,subdirectory,linux-nvrec,port,m32,armhf,clang,lint
 case "$#:${1:-}" in
 0:) legs=dev,seams ;;
 1:--all) legs=$all_legs ;;
@@ -163,6 +164,8 @@ armhf_leg() { build armhf && run_tests armhf "$jobs"; }
 clang_leg() { build clang && run_tests clang "$jobs"; }
 
 linux_nvrec_leg() { quietly linux-nvrec tools/linux_nvrec.sh "$jobs"; }
+
+port_leg() { quietly port tools/port.sh "$jobs"; }
 
 subdirectory_leg() {
     local build=build/subdirectory

@@ -8,4 +8,5 @@ target_include_directories(nvrhal_api INTERFACE ${PROJECT_SOURCE_DIR}/include)
 
 # What the library may call.
 add_library(platform_api INTERFACE)
+add_library(nvrhal::platform ALIAS platform_api)
 target_include_directories(platform_api INTERFACE ${PROJECT_SOURCE_DIR}/platform/include)
