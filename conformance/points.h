@@ -1,4 +1,4 @@
-/* points.h - the tables of points, one a file. */
+/* points.h - the tables of points, one an area. */
 #ifndef CONFORMANCE_POINTS_H
 #define CONFORMANCE_POINTS_H
 
@@ -8,5 +8,8 @@ extern const Point *const sys_points[];
 extern const Point *const vdec_points[];
 extern const Point *const vdec_send_points[];
 extern const Point *const vdec_picture_points[];
+extern const Point *const bind_points[];
+extern const Point *const disp_points[];
+extern const Point *const screen_points[];
 
 #endif
