@@ -55,7 +55,21 @@ int index_of(const char *const *table, const std::string &text)
     return static_cast<int>(std::find(table, table + kPairs, text) - table);
 }
 
+std::string ends_of(const char *const *table)
+{
+    if (!table[0] || !table[kPairs - 1] || !table[kPairs]) return "not there yet";
+    return std::string(table[0]) + table[kPairs - 1] + table[kPairs];
+}
+
+/* The library is a part of this program, so its own constructor runs among the program's. */
+const std::string ends_at_load = ends_of(JTFontlib) + " " + ends_of(FTFontlib);
+
 } // namespace
+
+TEST(FontTables, AreThereForTheConstructorsOfAProgram)
+{
+    EXPECT_EQ(ends_at_load, "啊座END 啊座END");
+}
 
 TEST(FontTables, EndWithEndBehind3754Characters)
 {

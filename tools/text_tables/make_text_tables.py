@@ -220,33 +220,24 @@ def font_source(simplified, traditional):
     for character in simplified + traditional:
         lead = character.encode("utf-8")[0]
         expect(f"three UTF-8 bytes of {character}", (len(character.encode("utf-8")), lead >> 4), (3, 0xE))
-    count = len(simplified) + 1
 
     def text(name, characters):
         cells = [f'"{character}"' for character in characters + ["END"]]
         return f"FontText {name}[kFontEntries] = {{\n{rows(cells, 12)}}};\n"
-
-    def pointers(name, table):
-        cells = [f"{table}[{index}]" for index in range(count)]
-        return f"const char *{name}[{count}] = {{\n{rows(cells, 6)}}};\n"
 
     return (
         heading(
             "font_tables.cpp",
             "the simplified hanzi of everyday use and their traditional forms, index\n"
             ' * by index, "END" last. The texts stand in two blocks of four bytes a character, so that they can\n'
-            " * be searched in one sweep; the exported tables point into them.",
+            " * be searched in one sweep; font_pointers.cpp has the exported tables, which point into them.",
         )
-        + '#include "nvrhal.h"\n#include "text/font_texts.h"\n\n// clang-format off\n'
+        + '#include "text/font_texts.h"\n\n// clang-format off\n'
         + "namespace nvrhal\n{\n\n"
         + text("kSimplifiedTexts", simplified)
         + "\n"
         + text("kTraditionalTexts", traditional)
-        + "\n} // namespace nvrhal\n\n"
-        + "using nvrhal::kSimplifiedTexts;\nusing nvrhal::kTraditionalTexts;\n\n"
-        + pointers("JTFontlib", "kSimplifiedTexts")
-        + "\n"
-        + pointers("FTFontlib", "kTraditionalTexts")
+        + "\n} // namespace nvrhal\n"
     )
 
 
