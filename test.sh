@@ -13,7 +13,7 @@
 #                 alone, so this is what -DCMAKE_BUILD_TYPE=Release gives as well.
 #   asan          address and undefined-behaviour sanitizers, every test
 #   tsan          thread sanitizer, every test
-#   subdirectory  a project of others that takes the library in
+#   subdirectory  a project of others that takes the sources in, with add_subdirectory and FetchContent
 #   linux-nvrec   the recorder without the board in software
 #   port          platforms from outside the tree, as porters have them
 #   m32           32-bit on this PC: unit, trace and abi tests
@@ -168,10 +168,15 @@ linux_nvrec_leg() { quietly linux-nvrec tools/linux_nvrec.sh "$jobs"; }
 port_leg() { quietly port tools/port.sh "$jobs"; }
 
 subdirectory_leg() {
-    local build=build/subdirectory
-    quietly configure-subdirectory cmake -S tests/subdirectory -B $build -G Ninja -DCMAKE_BUILD_TYPE=Debug &&
-        quietly build-subdirectory cmake --build $build -j "$jobs" &&
-        count_tests subdirectory ctest --test-dir $build --output-on-failure --no-tests=error
+    local result=0 way build
+    for way in add_subdirectory FetchContent; do
+        build=build/subdirectory/$way
+        quietly configure-subdirectory-$way cmake -S tests/subdirectory -B $build -G Ninja \
+            -DCMAKE_BUILD_TYPE=Debug -DBY=$way &&
+            quietly build-subdirectory-$way cmake --build $build -j "$jobs" &&
+            count_tests subdirectory-$way ctest --test-dir $build --output-on-failure --no-tests=error || result=1
+    done
+    return $result
 }
 
 format_leg() {

@@ -4,9 +4,9 @@
 
 # What a recorder application sees.
 add_library(nvrhal_api INTERFACE)
-target_include_directories(nvrhal_api INTERFACE ${PROJECT_SOURCE_DIR}/include)
+target_include_directories(nvrhal_api INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>)
 
 # What the library may call.
 add_library(platform_api INTERFACE)
 add_library(nvrhal::platform ALIAS platform_api)
-target_include_directories(platform_api INTERFACE ${PROJECT_SOURCE_DIR}/platform/include)
+target_include_directories(platform_api INTERFACE $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/platform/include>)

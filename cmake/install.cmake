@@ -1,0 +1,70 @@
+# What `cmake --install` puts where, and how other projects find it: docs/installing.md.
+#
+# Components: runtime (libraries and programs), manuals, and development (headers, packages for CMake and
+# pkg-config, examples, what a porter takes along).
+include(GNUInstallDirs)
+include(CMakePackageConfigHelpers)
+
+# Headers. Those of the seams have common names, and so a folder of their own.
+install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+  COMPONENT development FILES_MATCHING PATTERN *.h)
+install(DIRECTORY platform/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/nvrhal-platform
+  COMPONENT development FILES_MATCHING PATTERN *.h)
+if(NVRHAL_PLATFORM STREQUAL "virtual")
+  install(DIRECTORY platform/virtual/include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
+    COMPONENT development FILES_MATCHING PATTERN *.h)
+endif()
+
+# pkg-config's directories are told from where its file lies, so that the whole can be moved; only in
+# the system's own prefix they are absolute, and pkg-config leaves them out of the compiler's options.
+if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+  set(pkgconfig_prefix /usr)
+else()
+  file(RELATIVE_PATH to_prefix ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig ${CMAKE_INSTALL_PREFIX})
+  string(REGEX REPLACE "/$" "" to_prefix "${to_prefix}")
+  set(pkgconfig_prefix "\${pcfiledir}/${to_prefix}")
+endif()
+
+# install_package(NAME NAMESPACE TARGET...): these targets, and the package NAME by which CMake and
+# pkg-config find them.
+function(install_package name namespace)
+  install(TARGETS ${ARGN} EXPORT ${name}-targets
+    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development)
+  set(folder ${CMAKE_INSTALL_LIBDIR}/cmake/${name})
+  install(EXPORT ${name}-targets NAMESPACE ${namespace}:: DESTINATION ${folder} COMPONENT development)
+  set(made ${PROJECT_BINARY_DIR}/packages/${name})
+  configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/packages/${name}-config.cmake.in
+    ${made}-config.cmake INSTALL_DESTINATION ${folder} NO_SET_AND_CHECK_MACRO NO_CHECK_REQUIRED_COMPONENTS_MACRO)
+  write_basic_package_version_file(${made}-config-version.cmake COMPATIBILITY SameMajorVersion)
+  install(FILES ${made}-config.cmake ${made}-config-version.cmake DESTINATION ${folder} COMPONENT development)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/packages/${name}.pc.in ${made}.pc @ONLY)
+  install(FILES ${made}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
+endfunction()
+
+# Libraries and programs find each other wherever the whole is put. Who packages for the system's own
+# directories sets CMAKE_SKIP_INSTALL_RPATH.
+set_target_properties(nvrhal PROPERTIES INSTALL_RPATH "$ORIGIN")
+set_target_properties(nvrhal_api PROPERTIES EXPORT_NAME api)
+target_include_directories(nvrhal_api INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+set_target_properties(platform_api PROPERTIES EXPORT_NAME platform)
+target_include_directories(platform_api INTERFACE
+  $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/nvrhal-platform>)
+install_package(nvrhal nvrhal nvrhal nvrhal_api)
+install_package(nvrhal-platform nvrhal platform_api)
+if(NVRHAL_PLATFORM STREQUAL "virtual")
+  target_include_directories(vboard INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+  install_package(vboard vboard vboard)
+endif()
+
+if(TARGET nvrec)
+  file(RELATIVE_PATH to_libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+  set_target_properties(nvrec PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
+  install(TARGETS nvrec RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+endif()
+
+# Examples, as a project that is built against what is installed.
+set(shared_data ${CMAKE_INSTALL_DATADIR}/nvrhal)
+install(DIRECTORY examples/ DESTINATION ${shared_data}/examples COMPONENT development
+  FILES_MATCHING PATTERN *.c PATTERN *.h)
+install(FILES examples/standalone.cmake DESTINATION ${shared_data}/examples RENAME CMakeLists.txt
+  COMPONENT development)
