@@ -2,6 +2,6 @@
 #include "points.h"
 
 const Point *const *const all_areas[] = {
-    sys_points,    vdec_points, vdec_send_points,    disp_points,
-    screen_points, bind_points, vdec_picture_points, NULL,
+    sys_points,  vdec_points,         vdec_send_points, disp_points, screen_points,
+    bind_points, vdec_picture_points, snap_points,      NULL,
 };

@@ -11,5 +11,6 @@ extern const Point *const vdec_picture_points[];
 extern const Point *const bind_points[];
 extern const Point *const disp_points[];
 extern const Point *const screen_points[];
+extern const Point *const snap_points[];
 
 #endif
