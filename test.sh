@@ -20,13 +20,14 @@
 #   armhf         32-bit ARM under an emulator: unit, trace and abi tests
 #   clang         another compiler: everything built; unit, trace and abi tests
 #   lint          static analysis
+#   reference     the headers as HTML, without a gap
 #
 # Every leg runs even when one before it failed; the last line sums all tests up, and the exit
 # status is 0 only when every leg passed.
 set -uo pipefail
 cd "$(dirname "$0")"
 
-all_legs=dev,seams,format,release,asan,tsan,subdirectory,linux-nvrec,port,m32,armhf,clang,lint
+all_legs=dev,seams,format,release,asan,tsan,subdirectory,linux-nvrec,port,m32,armhf,clang,lint,reference
 case "$#:${1:-}" in
 0:) legs=dev,seams ;;
 1:--all) legs=$all_legs ;;
@@ -189,6 +190,11 @@ lint_leg() {
     # clang-tidy cannot read gcc's precompiled headers, so it gets the commands of the clang preset.
     quietly configure-clang cmake --preset clang &&
         quietly clang-tidy run-clang-tidy -quiet -p build/clang -j "$jobs" "^$PWD/(src|platform|apps)/.*"
+}
+
+reference_leg() {
+    quietly configure-dev cmake --preset dev && quietly build-reference cmake --build --preset dev --target reference &&
+        quietly reference tests/docs/reference_is_whole.sh build/dev/reference
 }
 
 begin=$SECONDS

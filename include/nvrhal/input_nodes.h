@@ -17,9 +17,9 @@
 
 #include <stdint.h>
 
-#define NVRHAL_REMOTE_NODE "/dev/Hi_IR"
-#define NVRHAL_PANEL_NODE  "/dev/KeyBoard"
-#define NVRHAL_MOUSE_NODE  "/dev/mouse"
+#define NVRHAL_REMOTE_NODE "/dev/Hi_IR"    /* the remote control's receiver: RemoteFrame */
+#define NVRHAL_PANEL_NODE  "/dev/KeyBoard" /* the front panel: PanelKey                  */
+#define NVRHAL_MOUSE_NODE  "/dev/mouse"    /* the mouse: MouseRecord                     */
 
 /**
  * What a read of the receiver gives: 12 bytes; or nothing after about 108 ms, the repeat period of a

@@ -46,9 +46,9 @@ typedef struct KeyEvent {
  * unwritten. Empty when both indexes are equal.
  */
 typedef struct KeyQueue {
-    KeyEvent slots[256];
-    uint32_t read_index;  /* 0 to 255 */
-    uint32_t write_index; /* 0 to 127 */
+    KeyEvent slots[256];  /* key presses, each at its index */
+    uint32_t read_index;  /* 0 to 255                       */
+    uint32_t write_index; /* 0 to 127                       */
 } KeyQueue;
 
 /** The key queue. */

@@ -33,7 +33,8 @@ typedef struct BindArgs {
 
 /** A pane's rectangle as stored, output pixels. 16 bytes. */
 typedef struct PaneRect {
-    uint32_t x, y, w, h;
+    uint32_t x, y; /* 0  top-left corner */
+    uint32_t w, h; /* 8  size            */
 } PaneRect;
 
 /** Further record of the interface; no operation reads or writes it. */

@@ -31,8 +31,8 @@ enum StreamPoolNumber {
     STREAM_POOL_AUDIO = 2, /* filled by ext_set_audio_stream         */
 };
 
-#define STREAM_POOL_MAX_CHANNELS 43
-#define STREAM_FRAME_MAX_PIECES  100
+#define STREAM_POOL_MAX_CHANNELS 43  /* of a pool, at most                     */
+#define STREAM_FRAME_MAX_PIECES  100 /* that a frame is stored from, at most   */
 
 /** Byte target of kx_stream_getBlock that asks for all there is of the lap. */
 #define STREAM_BLOCK_WHOLE_LAP 0x20000000u

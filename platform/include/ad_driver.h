@@ -20,7 +20,7 @@
 extern "C" {
 #endif
 
-#define AD_NODE "/dev/vc0725dev"
+#define AD_NODE "/dev/vc0725dev" /* path of the node */
 
 /** Numbers of the chips. */
 enum {

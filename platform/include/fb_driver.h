@@ -22,7 +22,7 @@
 extern "C" {
 #endif
 
-#define FB_NODE "/dev/fb0"
+#define FB_NODE "/dev/fb0" /* path of the node */
 
 /**
  * Request FBIOGET_VSCREENINFO: tell the screen's size and format.

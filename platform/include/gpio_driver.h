@@ -17,8 +17,8 @@
 extern "C" {
 #endif
 
-#define GPIO_NODE         "/dev/ms_gpio"
-#define GPIO_LOAD_COMMAND "insmod ms_gpio.ko"
+#define GPIO_NODE         "/dev/ms_gpio"      /* path of the node                            */
+#define GPIO_LOAD_COMMAND "insmod ms_gpio.ko" /* what board_run_command is given at start-up */
 
 /**
  * Make a line an output that drives the value.

@@ -10,6 +10,7 @@
 #define IR_BUTTONS_H
 
 /* clang-format off */
+/** BUTTON(name, code) for each button. */
 #define IR_BUTTONS(BUTTON) \
     BUTTON("zoom", 0x619EFF00u) \
     BUTTON("snapshot", 0x639CFF00u) \

@@ -19,7 +19,7 @@
 extern "C" {
 #endif
 
-#define IR_NODE "/dev/Hi_IR"
+#define IR_NODE "/dev/Hi_IR" /* path of the node */
 
 /** A frame of the receiver. 12 bytes. */
 typedef struct IrFrame {

@@ -15,7 +15,7 @@
 #ifndef KEYBOARD_DRIVER_H
 #define KEYBOARD_DRIVER_H
 
-#define KEYBOARD_NODE "/dev/KeyBoard"
+#define KEYBOARD_NODE "/dev/KeyBoard" /* path of the node */
 
 /**
  * Switch the record lamp.

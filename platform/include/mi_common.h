@@ -29,7 +29,7 @@
 extern "C" {
 #endif
 
-#define MI_SUCCESS 0
+#define MI_SUCCESS 0 /* the call was carried out */
 
 /** Module numbers, as they stand in a channel-port record and in a result code. */
 enum MI_ModuleId {

@@ -15,7 +15,7 @@
 extern "C" {
 #endif
 
-#define MOUSE_NODE "/dev/mouse"
+#define MOUSE_NODE "/dev/mouse" /* path of the node */
 
 /** What happened. */
 enum MouseEventType {

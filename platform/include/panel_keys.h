@@ -9,6 +9,7 @@
 #define PANEL_KEYS_H
 
 /* clang-format off */
+/** KEY(name, code) for each key. */
 #define PANEL_KEYS(KEY) \
     KEY("zoom-out", 84u) \
     KEY("stop", 85u) \

@@ -13,7 +13,7 @@
 
 #include <linux/rtc.h>
 
-#define RTC_NODE "/dev/rtc0"
+#define RTC_NODE "/dev/rtc0" /* path of the node */
 
 /**
  * Request RTC_RD_TIME (0x80247009): read the clock.

@@ -14,7 +14,7 @@
 
 #include <linux/watchdog.h>
 
-#define WATCHDOG_NODE "/dev/watchdog"
+#define WATCHDOG_NODE "/dev/watchdog" /* path of the node */
 
 /**
  * Request WDIOC_KEEPALIVE (0x80045705): feed it, so that the time-out begins anew.

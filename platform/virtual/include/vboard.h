@@ -35,12 +35,12 @@ typedef struct vboard_image {
     uint32_t format;        /* enum vboard_format                              */
     uint32_t blank;         /* monitor captures: 1 = no signal, bytes are black */
     size_t size;            /* bytes                                           */
-    uint8_t *bytes;
+    uint8_t *bytes;         /* laid out as the format says                     */
 } vboard_image;
 
 /** A composed picture as it lies in the board's memory: I420, limited range. Not to be written to. */
 typedef struct vboard_picture {
-    int32_t device;
+    int32_t device;          /* display device                                            */
     uint32_t width, height;  /* pixels; both even                                         */
     const uint8_t *plane[3]; /* Y, U, V                                                   */
     uint32_t stride[3];      /* bytes from one row to the next                            */
@@ -99,6 +99,7 @@ int vboard_display_follow(int32_t device, vboard_follower follower, void *user);
 
 /* ------------------------------------------------------------------------- pacing of pictures --- */
 
+/** When a port takes the next picture. */
 enum vboard_pacing {
     VBOARD_PACING_REALTIME = 0, /* default: a port shows the newest picture it was given          */
     VBOARD_PACING_STEP = 1,     /* a port takes one picture ahead; until a step puts it on screen
@@ -141,11 +142,11 @@ typedef struct vboard_port_stat {
     uint32_t has_picture;            /* 1 = a picture is on screen (or would be, when hidden)    */
     uint32_t queued;                 /* step pacing: pictures waiting                            */
     uint32_t picture_width;          /* size of the picture on screen, as delivered, pixels      */
-    uint32_t picture_height;
-    uint64_t picture_pts; /* its time stamp                                           */
-    uint64_t taken;       /* pictures the port accepted                               */
-    uint64_t shown;       /* of these, on screen at a refresh (or a step)             */
-    uint64_t dropped;     /* of these, replaced before a refresh, or cleared unseen   */
+    uint32_t picture_height;         /* likewise                                                 */
+    uint64_t picture_pts;            /* its time stamp                                           */
+    uint64_t taken;                  /* pictures the port accepted                               */
+    uint64_t shown;                  /* of these, on screen at a refresh (or a step)             */
+    uint64_t dropped;                /* of these, replaced before a refresh, or cleared unseen   */
 } vboard_port_stat;
 
 /** Read a port's state. 0, or -1. */
@@ -209,6 +210,7 @@ int vboard_monitor_save_settled(const char *path, int32_t timeout_ms);
 
 /* ---------------------------------------------------------------------- a window on the desk --- */
 
+/** What vboard_window_poll has to report. */
 enum vboard_window_event {
     VBOARD_WINDOW_OPEN = 0,   /* nothing to report                    */
     VBOARD_WINDOW_CLOSED = 1, /* the user closed it, or pressed Esc   */

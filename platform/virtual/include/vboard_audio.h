@@ -45,8 +45,8 @@ int vboard_audio_get_stat(uint32_t device, vboard_audio_stat *stat);
 
 /** 0 dBFS is a sample of 32768; a full sine has a peak of 0 and an RMS of -3.01 dBFS. */
 typedef struct vboard_audio_level {
-    double peak_dbfs;
-    double rms_dbfs;
+    double peak_dbfs; /* of the loudest sample            */
+    double rms_dbfs;  /* of the whole window, on average  */
 } vboard_audio_level;
 
 /**
@@ -59,8 +59,10 @@ int vboard_audio_get_level(uint32_t device, uint32_t window_ms, vboard_audio_lev
  * Copy played samples. They are numbered from 0 since the device was enabled; the last 10 seconds
  * are kept. Pauses between sounds hold no samples.
  *
+ * @param device   0 to 7
  * @param first    number of the first sample wanted
  * @param samples  receives up to `count` samples
+ * @param count    how many there is room for
  * @return how many were copied, fewer than `count` when no more have been played; -1 (not enabled,
  *         or `first` is no longer kept)
  */

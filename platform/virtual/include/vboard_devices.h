@@ -18,6 +18,7 @@ extern "C" {
 
 /* ------------------------------------------------------------------------------- the watchdog --- */
 
+/** Why the board started. */
 enum vboard_boot_reason {
     VBOARD_BOOT_POWER = 0,    /* the power came on                              */
     VBOARD_BOOT_WATCHDOG = 1, /* the watchdog had expired before the last reset */
@@ -138,11 +139,11 @@ void vboard_mouse_wheel(int32_t notches);
 
 /** What the driver was told about all chips. Zero at power-on. */
 typedef struct vboard_ad_stat {
-    uint32_t norm;
-    uint32_t rate_code;
-    uint32_t playback, volume, format, bitwidth, mute;
-    uint32_t adjust[3];
-    uint32_t motion_started; /* 1 = motion detection runs */
+    uint32_t norm;                                     /* video norm, as AD_SET_NORM takes it      */
+    uint32_t rate_code;                                /* sampling, as AD_SET_SAMPLE_RATE takes it */
+    uint32_t playback, volume, format, bitwidth, mute; /* value of the request of that name        */
+    uint32_t adjust[3];                                /* of AD_SET_ADJUST                         */
+    uint32_t motion_started;                           /* 1 = motion detection runs */
 } vboard_ad_stat;
 
 /** One input. */
