@@ -1,7 +1,22 @@
 /* points.c - all points, in the order in which a port comes to hold them. */
 #include "points.h"
 
+#include <stddef.h>
+
 const Point *const *const all_areas[] = {
-    sys_points,  vdec_points,         vdec_send_points, disp_points, screen_points,
-    bind_points, vdec_picture_points, snap_points,      NULL,
+    board_points,        /* descriptors, sleep, clock, shell       */
+    sys_points,          /* the media system and its clock         */
+    disp_points,         /* display: settings and refusals         */
+    vdec_points,         /* decoder channels: life and refusals    */
+    vdec_send_points,    /* backlog, time-outs, senders            */
+    bind_points,         /* bindings                               */
+    screen_points,       /* what is seen                           */
+    hdmi_points,         /* transmitter and plug                   */
+    ao_points,           /* sound                                  */
+    snap_points,         /* scaler, encoder                        */
+    vdec_picture_points, /* decoded pictures, through snapshots    */
+    fb_points,           /* graphics layer                         */
+    node_points,         /* clock, watchdog, lines, keys, inputs   */
+    time_points,         /* how long the calls before have taken   */
+    NULL,
 };

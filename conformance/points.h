@@ -12,5 +12,11 @@ extern const Point *const bind_points[];
 extern const Point *const disp_points[];
 extern const Point *const screen_points[];
 extern const Point *const snap_points[];
+extern const Point *const hdmi_points[];
+extern const Point *const ao_points[];
+extern const Point *const board_points[];
+extern const Point *const fb_points[];
+extern const Point *const node_points[];
+extern const Point *const time_points[];
 
 #endif

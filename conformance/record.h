@@ -10,7 +10,7 @@
 
 #include "suite.h"
 
-enum { RECORD_LINES = 160, LINE_BYTES = 240, RECORD_THREADS = 24, REASON_BYTES = 400 };
+enum { RECORD_LINES = 160, LINE_BYTES = 240, RECORD_THREADS = 24, REASON_BYTES = 400, RECORD_NAMES = 128 };
 
 typedef enum Verdict {
     VERDICT_NONE = 0, /* the point did not come to an end */
@@ -40,6 +40,12 @@ Record *record_create(void);
 void record_clear(Record *record);
 extern Record *the_record;
 
+/*
+ * How quick the quickest call of a name was that succeeded, over all points of the run. Negative: there was
+ * none.
+ */
+double quickest_call_ms(const char *name);
+
 /* Around every seam call. */
 typedef struct CallMark {
     const char *name;
@@ -47,7 +53,8 @@ typedef struct CallMark {
 } CallMark;
 
 CallMark call_begins(const char *name);
-LIKE_PRINTF(3, 4) void call_ends(const CallMark *mark, const char *result, const char *format, ...);
+LIKE_PRINTF(4, 5)
+void call_ends(const CallMark *mark, bool succeeded, const char *result, const char *format, ...);
 
 /* A line that is no call: what was seen, or which part of the point begins. */
 LIKE_PRINTF(1, 2) void note(const char *format, ...);

@@ -43,7 +43,7 @@ static int32_t done(const CallMark *mark, int32_t result, const char *format, ..
     va_start(values, format);
     vsnprintf(arguments, sizeof arguments, format, values);
     va_end(values);
-    call_ends(mark, result_text(result, code, sizeof code), "%s", arguments);
+    call_ends(mark, result == 0, result_text(result, code, sizeof code), "%s", arguments);
     return result;
 }
 

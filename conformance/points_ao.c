@@ -1,0 +1,547 @@
+/* points_ao.c - audio output: settings, refusals, the pace of blocks, volume and mute. */
+#include <math.h>
+#include <pthread.h>
+#include <string.h>
+
+#include "hooks.h"
+#include "points.h"
+#include "record.h"
+#include "scene.h"
+
+enum {
+    DEV = 3, /* the one that the library plays on */
+    NO_DEVICE = 99,
+    CHN = 0,
+    NO_CHANNEL = 77,
+    RATE = 48000,
+    INPUT_RATE = 8000,
+    BLOCK = 320, /* bytes of A-law: 40 ms */
+    BLOCK_MS = 40,
+};
+
+static const MI_AO_PubAttr usual_pub = {RATE, 0, 0, 0, 0, 2048, 1, 0};
+static const MI_AO_AdecAttr usual_adec = {MI_AO_CODEC_G711A, RATE, 0};
+
+static uint8_t a_law(double sample)
+{
+    int value = (int)(sample * 32767);
+    const int sign = value >= 0 ? 0x80 : 0;
+    if (value < 0) value = -value - 1;
+    int exponent = 7;
+    for (int mask = 0x4000; exponent > 0 && (value & mask) == 0; mask >>= 1)
+        --exponent;
+    const int mantissa = value >> (exponent == 0 ? 4 : exponent + 3) & 15;
+    return (uint8_t)((sign | exponent << 4 | mantissa) ^ 0x55);
+}
+
+/* A block of a 500 Hz tone at half of full scale: -9 dB RMS. It joins its neighbours without a gap. */
+static const uint8_t *tone(void)
+{
+    static uint8_t bytes[BLOCK];
+    for (int i = 0; i < BLOCK && bytes[BLOCK - 1] == 0; ++i)
+        bytes[i] = a_law(0.5 * sin(2 * 3.14159265358979 * 500 * i / INPUT_RATE));
+    return bytes;
+}
+
+static MI_AO_Frame block_of(const uint8_t *bytes, uint32_t length)
+{
+    MI_AO_Frame frame;
+    memset(&frame, 0, sizeof frame);
+    frame.data[0] = bytes;
+    frame.length_bytes = length;
+    return frame;
+}
+
+static void need_device(void)
+{
+    NEED(MI_SYS_Init());
+    NEED(MI_AO_SetPubAttr(DEV, &usual_pub));
+    NEED(MI_AO_Enable(DEV));
+}
+
+static void need_channel(void)
+{
+    need_device();
+    NEED(MI_AO_EnableChn(DEV, CHN));
+}
+
+/* As the library sets it up. */
+static void need_audio(void)
+{
+    need_channel();
+    NEED(MI_AO_SetAdecAttr(DEV, CHN, &usual_adec));
+    NEED(MI_AO_EnableAdec(DEV, CHN));
+    NEED(MI_AO_EnableReSmp(DEV, CHN, INPUT_RATE));
+    NEED(MI_AO_SetVolume(DEV, 0));
+    NEED(MI_AO_SetMute(DEV, 0));
+}
+
+/* Send blocks until one finds no room, at most two seconds of them. How many went in. */
+static uint32_t need_full_queue(void)
+{
+    const MI_AO_Frame block = block_of(tone(), BLOCK);
+    uint32_t taken = 0;
+    while (taken < 50) {
+        const int32_t result = MI_AO_SendFrame(DEV, CHN, &block, 0);
+        if (result == MI_ERROR(MI_MODULE_AO, MI_REASON_BUFFER_FULL)) return taken;
+        NEED(result);
+        ++taken;
+    }
+    broken("50 blocks, two seconds of sound, went in without waiting: the queue holds them all");
+}
+
+static void need_blocks(uint32_t count)
+{
+    const MI_AO_Frame block = block_of(tone(), BLOCK);
+    for (uint32_t i = 0; i < count; ++i)
+        NEED(MI_AO_SendFrame(DEV, CHN, &block, -1));
+}
+
+/* ------------------------------------------------------------------------------------ settings --- */
+
+POINT(bring_up, "ao.life.brings-up",
+      "MI_AO_SetPubAttr MI_AO_Enable MI_AO_EnableChn MI_AO_SetAdecAttr MI_AO_EnableAdec MI_AO_EnableReSmp",
+      "the library's six steps succeed in its order, and again")
+{
+    NEED(MI_SYS_Init());
+    for (int i = 0; i < 2; ++i) {
+        OK(MI_AO_SetPubAttr(DEV, &usual_pub));
+        OK(MI_AO_Enable(DEV));
+        OK(MI_AO_EnableChn(DEV, CHN));
+        OK(MI_AO_SetAdecAttr(DEV, CHN, &usual_adec));
+        OK(MI_AO_EnableAdec(DEV, CHN));
+        OK(MI_AO_EnableReSmp(DEV, CHN, INPUT_RATE));
+    }
+}
+
+POINT(pub_bad, "ao.pub-attr.bad-values", "MI_AO_SetPubAttr",
+      "a sample rate, bit width or number of channels that cannot be had is refused")
+{
+    MI_AO_PubAttr attr = usual_pub;
+    NEED(MI_SYS_Init());
+    attr.sample_rate = 12345;
+    REFUSED_SOMEHOW(MI_AO_SetPubAttr(DEV, &attr), MI_MODULE_AO);
+    attr = usual_pub;
+    attr.bit_width = 77;
+    REFUSED_SOMEHOW(MI_AO_SetPubAttr(DEV, &attr), MI_MODULE_AO);
+    attr = usual_pub;
+    attr.channels = 99;
+    REFUSED_SOMEHOW(MI_AO_SetPubAttr(DEV, &attr), MI_MODULE_AO);
+    attr = usual_pub;
+    attr.samples_per_frame = 0;
+    REFUSED_SOMEHOW(MI_AO_SetPubAttr(DEV, &attr), MI_MODULE_AO);
+}
+
+POINT(pub_running, "ao.pub-attr.running", "MI_AO_SetPubAttr",
+      "an enabled device takes its own attributes once more, other ones give NOT_PERMITTED")
+{
+    MI_AO_PubAttr attr = usual_pub;
+    need_device();
+    OK(MI_AO_SetPubAttr(DEV, &usual_pub));
+    attr.sample_rate = 8000;
+    REFUSED(MI_AO_SetPubAttr(DEV, &attr), MI_MODULE_AO, MI_REASON_NOT_PERMITTED);
+}
+
+POINT_WITH(FRESH, not_enabled, "ao.refusals.not-enabled",
+           "MI_AO_Enable MI_AO_EnableChn MI_AO_SetAdecAttr MI_AO_EnableAdec MI_AO_EnableReSmp MI_AO_SetMute "
+           "MI_AO_SetVolume MI_AO_SendFrame",
+           "each step before the one that it needs gives NOT_READY")
+{
+    const MI_AO_Frame block = block_of(tone(), BLOCK);
+    NEED(MI_SYS_Init());
+    REFUSED(MI_AO_Enable(DEV), MI_MODULE_AO, MI_REASON_NOT_READY);
+    NEED(MI_AO_SetPubAttr(DEV, &usual_pub));
+    REFUSED(MI_AO_EnableChn(DEV, CHN), MI_MODULE_AO, MI_REASON_NOT_READY);
+    REFUSED(MI_AO_SetMute(DEV, 0), MI_MODULE_AO, MI_REASON_NOT_READY);
+    REFUSED(MI_AO_SetVolume(DEV, 0), MI_MODULE_AO, MI_REASON_NOT_READY);
+    NEED(MI_AO_Enable(DEV));
+    REFUSED(MI_AO_SetAdecAttr(DEV, CHN, &usual_adec), MI_MODULE_AO, MI_REASON_NOT_READY);
+    REFUSED(MI_AO_EnableReSmp(DEV, CHN, INPUT_RATE), MI_MODULE_AO, MI_REASON_NOT_READY);
+    REFUSED(MI_AO_SendFrame(DEV, CHN, &block, 0), MI_MODULE_AO, MI_REASON_NOT_READY);
+    NEED(MI_AO_EnableChn(DEV, CHN));
+    REFUSED(MI_AO_EnableAdec(DEV, CHN), MI_MODULE_AO, MI_REASON_NOT_READY);
+}
+
+POINT(bad_device, "ao.refusals.bad-device",
+      "MI_AO_SetPubAttr MI_AO_Enable MI_AO_EnableChn MI_AO_SetAdecAttr MI_AO_EnableAdec MI_AO_EnableReSmp "
+      "MI_AO_SetMute MI_AO_SetVolume MI_AO_SendFrame",
+      "each call to no device gives BAD_DEVICE")
+{
+    const MI_AO_Frame block = block_of(tone(), BLOCK);
+    need_audio();
+    REFUSED(MI_AO_SetPubAttr(NO_DEVICE, &usual_pub), MI_MODULE_AO, MI_REASON_BAD_DEVICE);
+    REFUSED(MI_AO_Enable(NO_DEVICE), MI_MODULE_AO, MI_REASON_BAD_DEVICE);
+    REFUSED(MI_AO_EnableChn(NO_DEVICE, CHN), MI_MODULE_AO, MI_REASON_BAD_DEVICE);
+    REFUSED(MI_AO_SetAdecAttr(NO_DEVICE, CHN, &usual_adec), MI_MODULE_AO, MI_REASON_BAD_DEVICE);
+    REFUSED(MI_AO_EnableAdec(NO_DEVICE, CHN), MI_MODULE_AO, MI_REASON_BAD_DEVICE);
+    REFUSED(MI_AO_EnableReSmp(NO_DEVICE, CHN, INPUT_RATE), MI_MODULE_AO, MI_REASON_BAD_DEVICE);
+    REFUSED(MI_AO_SetMute(NO_DEVICE, 0), MI_MODULE_AO, MI_REASON_BAD_DEVICE);
+    REFUSED(MI_AO_SetVolume(NO_DEVICE, 0), MI_MODULE_AO, MI_REASON_BAD_DEVICE);
+    REFUSED(MI_AO_SendFrame(NO_DEVICE, CHN, &block, 0), MI_MODULE_AO, MI_REASON_BAD_DEVICE);
+}
+
+POINT(bad_channel, "ao.refusals.bad-channel",
+      "MI_AO_EnableChn MI_AO_SetAdecAttr MI_AO_EnableAdec MI_AO_EnableReSmp MI_AO_SendFrame",
+      "each call to no channel gives BAD_CHANNEL")
+{
+    const MI_AO_Frame block = block_of(tone(), BLOCK);
+    need_audio();
+    REFUSED(MI_AO_EnableChn(DEV, NO_CHANNEL), MI_MODULE_AO, MI_REASON_BAD_CHANNEL);
+    REFUSED(MI_AO_SetAdecAttr(DEV, NO_CHANNEL, &usual_adec), MI_MODULE_AO, MI_REASON_BAD_CHANNEL);
+    REFUSED(MI_AO_EnableAdec(DEV, NO_CHANNEL), MI_MODULE_AO, MI_REASON_BAD_CHANNEL);
+    REFUSED(MI_AO_EnableReSmp(DEV, NO_CHANNEL, INPUT_RATE), MI_MODULE_AO, MI_REASON_BAD_CHANNEL);
+    REFUSED(MI_AO_SendFrame(DEV, NO_CHANNEL, &block, 0), MI_MODULE_AO, MI_REASON_BAD_CHANNEL);
+}
+
+POINT(ao_null, "ao.refusals.null", "MI_AO_SetPubAttr MI_AO_SetAdecAttr MI_AO_SendFrame",
+      "a missing record, or no bytes, gives NULL_POINTER")
+{
+    const MI_AO_Frame nothing = block_of(NULL, BLOCK);
+    need_audio();
+    REFUSED(MI_AO_SetPubAttr(DEV, NULL), MI_MODULE_AO, MI_REASON_NULL_POINTER);
+    REFUSED(MI_AO_SetAdecAttr(DEV, CHN, NULL), MI_MODULE_AO, MI_REASON_NULL_POINTER);
+    REFUSED(MI_AO_SendFrame(DEV, CHN, NULL, 0), MI_MODULE_AO, MI_REASON_NULL_POINTER);
+    REFUSED(MI_AO_SendFrame(DEV, CHN, &nothing, 0), MI_MODULE_AO, MI_REASON_NULL_POINTER);
+}
+
+POINT(adec_bad, "ao.adec-attr.bad-values", "MI_AO_SetAdecAttr",
+      "an unknown codec or sound mode gives UNSUPPORTED, a rate that cannot be had BAD_VALUE")
+{
+    MI_AO_AdecAttr attr = usual_adec;
+    need_audio();
+    attr.codec = 77;
+    REFUSED(MI_AO_SetAdecAttr(DEV, CHN, &attr), MI_MODULE_AO, MI_REASON_UNSUPPORTED);
+    attr = usual_adec;
+    attr.sound_mode = 77;
+    REFUSED(MI_AO_SetAdecAttr(DEV, CHN, &attr), MI_MODULE_AO, MI_REASON_UNSUPPORTED);
+    attr = usual_adec;
+    attr.sample_rate = 12345;
+    REFUSED(MI_AO_SetAdecAttr(DEV, CHN, &attr), MI_MODULE_AO, MI_REASON_BAD_VALUE);
+}
+
+POINT(resample_bad, "ao.resample.bad-rate", "MI_AO_EnableReSmp",
+      "a rate that cannot be had gives BAD_VALUE, the same rate once more is accepted")
+{
+    need_audio();
+    REFUSED(MI_AO_EnableReSmp(DEV, CHN, 12345), MI_MODULE_AO, MI_REASON_BAD_VALUE);
+    REFUSED(MI_AO_EnableReSmp(DEV, CHN, 0), MI_MODULE_AO, MI_REASON_BAD_VALUE);
+    OK(MI_AO_EnableReSmp(DEV, CHN, INPUT_RATE));
+}
+
+POINT(volume_range, "ao.volume.range", "MI_AO_SetVolume",
+      "-60 to 30 dB are accepted, what lies beyond gives BAD_VALUE")
+{
+    need_audio();
+    OK(MI_AO_SetVolume(DEV, -60));
+    OK(MI_AO_SetVolume(DEV, 30));
+    OK(MI_AO_SetVolume(DEV, 0));
+    REFUSED(MI_AO_SetVolume(DEV, -61), MI_MODULE_AO, MI_REASON_BAD_VALUE);
+    REFUSED(MI_AO_SetVolume(DEV, 31), MI_MODULE_AO, MI_REASON_BAD_VALUE);
+}
+
+POINT(
+    send_bad, "ao.send.bad-values", "MI_AO_SendFrame",
+    "no bytes, or more than the whole queue, give BAD_VALUE; an unknown bit width or sound mode UNSUPPORTED")
+{
+    static uint8_t large[200000];
+    MI_AO_Frame block = block_of(tone(), 0);
+    need_audio();
+    REFUSED(MI_AO_SendFrame(DEV, CHN, &block, 0), MI_MODULE_AO, MI_REASON_BAD_VALUE);
+    block = block_of(large, sizeof large);
+    REFUSED(MI_AO_SendFrame(DEV, CHN, &block, 1000), MI_MODULE_AO, MI_REASON_BAD_VALUE);
+    expect_took(0, 150);
+    block = block_of(tone(), BLOCK);
+    block.bit_width = 77;
+    REFUSED(MI_AO_SendFrame(DEV, CHN, &block, 0), MI_MODULE_AO, MI_REASON_UNSUPPORTED);
+    block = block_of(tone(), BLOCK);
+    block.sound_mode = 77;
+    REFUSED(MI_AO_SendFrame(DEV, CHN, &block, 0), MI_MODULE_AO, MI_REASON_UNSUPPORTED);
+}
+
+/* ---------------------------------------------------------------------------------------- pace --- */
+
+POINT(queue_size, "ao.send.queue", "MI_AO_SendFrame",
+      "the queue holds 100 ms to 500 ms of sound, and is full then")
+{
+    need_audio();
+    const uint32_t taken = need_full_queue();
+    HOLDS(taken * BLOCK_MS >= 100 - BLOCK_MS && taken * BLOCK_MS <= 500 + BLOCK_MS,
+          "%u blocks of 40 ms went in without waiting", taken);
+}
+
+POINT(full_at_once, "ao.send.full-at-once", "MI_AO_SendFrame",
+      "with a time-out of 0 a block without room gives BUFFER_FULL without waiting")
+{
+    enum { TRIES = 3 };
+    const MI_AO_Frame block = block_of(tone(), BLOCK);
+    need_audio();
+    for (int i = 1;; ++i) {
+        need_full_queue();
+        REFUSED_SOMEHOW(MI_AO_SendFrame(DEV, CHN, &block, 0), MI_MODULE_AO);
+        if (i == TRIES || took_within(0, 15)) break;
+    }
+    expect_took(0, 15);
+}
+
+POINT(full_times_out, "ao.send.full-times-out", "MI_AO_SendFrame",
+      "a block without room gives BUFFER_FULL when its time-out is over, neither before nor much later")
+{
+    enum { TRIES = 3, WAIT_MS = 50, LONG_BLOCK = 800 /* 100 ms */ };
+    static uint8_t bytes[LONG_BLOCK];
+    memset(bytes, 0xD5, sizeof bytes);
+    const MI_AO_Frame large = block_of(bytes, sizeof bytes);
+    need_audio();
+    for (int i = 1;; ++i) {
+        need_full_queue(); /* less than 40 ms of room, so that 100 ms have room 60 ms later at the earliest */
+        REFUSED(MI_AO_SendFrame(DEV, CHN, &large, WAIT_MS), MI_MODULE_AO, MI_REASON_BUFFER_FULL);
+        if (i == TRIES || took_within(WAIT_MS, 30) || last_call_ms() < WAIT_MS - 2) break;
+    }
+    expect_took(WAIT_MS, 30);
+}
+
+POINT(room_at_once, "ao.send.room-at-once", "MI_AO_SendFrame", "a block that has room is taken at once")
+{
+    enum { TRIES = 3 };
+    const MI_AO_Frame block = block_of(tone(), BLOCK);
+    need_audio();
+    for (int i = 1;; ++i) {
+        OK(MI_AO_SendFrame(DEV, CHN, &block, -1));
+        if (i == TRIES || took_within(0, 15)) break;
+    }
+    expect_took(0, 15);
+}
+
+/* Milliseconds that `count` blocks take once the queue is full. */
+static double pace_of(uint32_t count)
+{
+    need_full_queue();
+    need_blocks(1); /* from here on each block waits for the one that is played */
+    const int64_t began_us = now_us();
+    need_blocks(count);
+    return (double)(now_us() - began_us) / 1000;
+}
+
+static void paced(const char *how)
+{
+    enum { COUNT = 20 };
+    const double took = pace_of(COUNT), wanted = COUNT * BLOCK_MS;
+    note("%d blocks of 40 ms took %.0f ms", COUNT, took);
+    HOLDS(took > wanted * 0.93 && took < wanted * 1.07 * settings.patience + 30,
+          "%s: %d blocks of 40 ms took %.0f ms, expected %.0f", how, COUNT, took, wanted);
+}
+
+POINT(pace, "ao.send.pace", "MI_AO_SendFrame",
+      "a sender that waits for ever is held to the pace of the sound: 40 ms for each 320 bytes")
+{
+    need_audio();
+    paced("heard");
+}
+
+POINT(pace_muted, "ao.mute.keeps-pace", "MI_AO_SetMute MI_AO_SendFrame",
+      "a muted device takes blocks at the same pace")
+{
+    need_audio();
+    NEED(MI_AO_SetMute(DEV, 1));
+    paced("muted");
+}
+
+POINT(pace_after_pause, "ao.send.after-pause", "MI_AO_SendFrame",
+      "when the queue has run empty the next blocks are taken at once again, and the pace is the same")
+{
+    need_audio();
+    need_blocks(2);
+    pause_ms(200);
+    const MI_AO_Frame block = block_of(tone(), BLOCK);
+    OK(MI_AO_SendFrame(DEV, CHN, &block, 0));
+    paced("after a pause");
+}
+
+typedef struct Player {
+    pthread_t thread;
+    uint32_t blocks;
+    int32_t result;
+} Player;
+
+static void *play(void *argument)
+{
+    Player *player = argument;
+    const MI_AO_Frame block = block_of(tone(), BLOCK);
+    for (uint32_t i = 0; i < player->blocks; ++i) {
+        const int32_t result = MI_AO_SendFrame(DEV, CHN, &block, -1);
+        if (result != 0) player->result = result;
+    }
+    return NULL;
+}
+
+POINT(threads, "ao.send.threads", "MI_AO_SendFrame",
+      "three threads send at once: every block is taken once, at the pace of them all")
+{
+    enum { THREADS = 3, BLOCKS = 6 };
+    Player players[THREADS];
+    need_audio();
+    (void)tone();
+    need_full_queue();
+    need_blocks(1);
+    const int64_t began_us = now_us();
+    for (int i = 0; i < THREADS; ++i) {
+        players[i] = (Player){.blocks = BLOCKS};
+        if (pthread_create(&players[i].thread, NULL, play, &players[i]) != 0) blocked("no thread");
+    }
+    for (int i = 0; i < THREADS; ++i)
+        pthread_join(players[i].thread, NULL);
+    const double took = (double)(now_us() - began_us) / 1000, wanted = THREADS * BLOCKS * BLOCK_MS;
+    for (int i = 0; i < THREADS; ++i)
+        HOLDS(players[i].result == 0, "a send was refused: 0x%08x", (unsigned)players[i].result);
+    HOLDS(took > wanted * 0.9 && took < wanted * 1.1 * settings.patience + 40,
+          "%d blocks of 40 ms of three threads took %.0f ms", THREADS * BLOCKS, took);
+}
+
+POINT(waiting_holds_nobody, "ao.send.waiting-holds-nobody", "MI_AO_SetMute MI_AO_SetVolume MI_AO_SendFrame",
+      "while a send waits for room, mute and volume come back at once")
+{
+    Player player = {.blocks = 4};
+    double slowest = 0;
+    int32_t results = 0;
+    need_audio();
+    (void)tone();
+    need_full_queue();
+    if (pthread_create(&player.thread, NULL, play, &player) != 0) blocked("no thread");
+    pause_ms(10);
+    for (int i = 0; i < 6; ++i) {
+        results |= MI_AO_SetMute(DEV, i % 2);
+        if (i == 0 || last_call_ms() > slowest) slowest = last_call_ms();
+        results |= MI_AO_SetVolume(DEV, -i);
+        if (last_call_ms() > slowest) slowest = last_call_ms();
+        pause_ms(10);
+    }
+    pthread_join(player.thread, NULL);
+    HOLDS(results == 0, "mute or volume was refused while a send waited");
+    HOLDS(slowest < patient_ms(20), "mute or volume took %.0f ms while a send waited", slowest);
+}
+
+/* ---------------------------------------------------------------------------------------- level --- */
+
+/* Level in dB while the tone plays on; `question` for a person where there is no hook. */
+static double level_of_tone(const char *question)
+{
+    double level = 0;
+    if (conformance_hooks.audio_level == NULL) {
+        ask_to_do("listen: a tone of 500 Hz plays for half a second after Enter");
+        need_blocks(14);
+        ask_person("%s", question);
+        return NAN;
+    }
+    need_blocks(14); /* half a second, of which the queue still holds up to its own size */
+    if (conformance_hooks.audio_level(DEV, 120, &level) != 0) not_tried("the audio level hook failed");
+    note("the level is %.1f dB", level);
+    return level;
+}
+
+POINT(heard, "ao.send.heard", "MI_AO_SendFrame MI_AO_EnableAdec MI_AO_EnableReSmp",
+      "A-law that is sent is heard, as loud as it is")
+{
+    need_audio();
+    const double level = level_of_tone("Was a clear tone heard?");
+    HOLDS(isnan(level) || fabs(level + 9.03) < 1.5, "a tone of -9 dB is heard at %.1f dB", level);
+}
+
+POINT(send_copies, "ao.send.copies", "MI_AO_SendFrame",
+      "the bytes are copied before the call returns: the caller's may be overwritten at once")
+{
+    static uint8_t bytes[BLOCK];
+    double level = 0;
+    if (conformance_hooks.audio_level == NULL) not_tried("needs the audio level hook");
+    need_audio();
+    for (int i = 0; i < 14; ++i) {
+        memcpy(bytes, tone(), BLOCK);
+        MI_AO_Frame block = block_of(bytes, BLOCK);
+        OK(MI_AO_SendFrame(DEV, CHN, &block, -1));
+        memset(bytes, 0xD5, BLOCK); /* silence */
+        memset(&block, 0xFF, sizeof block);
+    }
+    if (conformance_hooks.audio_level(DEV, 120, &level) != 0) not_tried("the audio level hook failed");
+    HOLDS(fabs(level + 9.03) < 1.5, "a tone of -9 dB whose bytes were overwritten is heard at %.1f dB",
+          level);
+}
+
+POINT(mute, "ao.mute.silences", "MI_AO_SetMute",
+      "a muted device is silent, and is heard again when it is let")
+{
+    need_audio();
+    OK(MI_AO_SetMute(DEV, 1));
+    double level = level_of_tone("Was it silent?");
+    HOLDS(isnan(level) || level < -70, "a muted device is heard at %.1f dB", level);
+    OK(MI_AO_SetMute(DEV, 0));
+    level = level_of_tone("Was a clear tone heard?");
+    HOLDS(isnan(level) || fabs(level + 9.03) < 1.5, "a device that is no longer muted is heard at %.1f dB",
+          level);
+}
+
+POINT(volume, "ao.volume.gain", "MI_AO_SetVolume",
+      "the volume is a gain in dB, at once for what is still queued")
+{
+    static const int volumes[] = {-20, -6, 0};
+    need_audio();
+    for (int i = 0; i < 3; ++i) {
+        OK(MI_AO_SetVolume(DEV, volumes[i]));
+        const double level = level_of_tone("Was the tone louder than the one before?");
+        HOLDS(isnan(level) || fabs(level + 9.03 - volumes[i]) < 1.5,
+              "at %d dB a tone of -9 dB is heard at %.1f dB", volumes[i], level);
+    }
+}
+
+POINT(volume_refused, "ao.volume.refused-changes-nothing", "MI_AO_SetVolume",
+      "a refused volume leaves the old one")
+{
+    need_audio();
+    if (conformance_hooks.audio_level == NULL) not_tried("needs the audio level hook");
+    NEED(MI_AO_SetVolume(DEV, -20));
+    MI_AO_SetVolume(DEV, 31);
+    const double level = level_of_tone("");
+    HOLDS(fabs(level + 29.03) < 1.5, "the volume was -20 dB, and the tone of -9 dB is heard at %.1f dB",
+          level);
+}
+
+POINT(mute_keeps_volume, "ao.mute.keeps-volume", "MI_AO_SetMute MI_AO_SetVolume",
+      "the volume stays over a mute, and may be changed meanwhile")
+{
+    need_audio();
+    if (conformance_hooks.audio_level == NULL) not_tried("needs the audio level hook");
+    NEED(MI_AO_SetMute(DEV, 1));
+    OK(MI_AO_SetVolume(DEV, -10));
+    double level = level_of_tone("");
+    HOLDS(level < -70, "the volume of a muted device was set, and it is heard at %.1f dB", level);
+    OK(MI_AO_SetMute(DEV, 0));
+    level = level_of_tone("");
+    HOLDS(fabs(level + 19.03) < 1.5, "at -10 dB a tone of -9 dB is heard at %.1f dB", level);
+}
+
+const Point *const ao_points[] = {
+    &point_bring_up,
+    &point_pub_bad,
+    &point_pub_running,
+    &point_not_enabled,
+    &point_bad_device,
+    &point_bad_channel,
+    &point_ao_null,
+    &point_adec_bad,
+    &point_resample_bad,
+    &point_volume_range,
+    &point_send_bad,
+    &point_queue_size,
+    &point_full_at_once,
+    &point_full_times_out,
+    &point_room_at_once,
+    &point_pace,
+    &point_pace_muted,
+    &point_pace_after_pause,
+    &point_threads,
+    &point_waiting_holds_nobody,
+    &point_heard,
+    &point_send_copies,
+    &point_mute,
+    &point_volume,
+    &point_volume_refused,
+    &point_mute_keeps_volume,
+    NULL,
+};
