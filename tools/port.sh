@@ -1,10 +1,11 @@
 #!/bin/bash
-# Build the library over platforms from outside the tree, as a porter does: a copy of the skeleton.
+# Build the library over platforms from outside the tree, as a porter does: a copy of the skeleton, and the
+# example's adapter for a made-up chip.
 #
 #   tools/port.sh [JOBS]
 #
 # The skeleton gives a library that exports, needs and says what it should, and folders that are no
-# platform are refused with a line that helps.
+# platform are refused with a line that helps. Over the adapter a recorder takes its first steps.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -68,4 +69,13 @@ touch "$scratch/empty/CMakeLists.txt"
 rm -rf "$scratch/build"
 ! configure "$scratch/empty" "$scratch/build" || fail "a folder without the target is taken for a platform"
 expect_refused "defines no target nvrhal_platform"
+
+# The made-up chip.
+cp -r examples/port "$scratch/port"
+over "$scratch/port/adapter" build/port-tern
+tests/abi/exported_names.sh build/port-tern/lib/libnvrhal.so tests/abi/exported_names.txt
+tests/abi/needed_libraries.sh build/port-tern/lib/libnvrhal.so
+cc -Iinclude tests/port/recorder.c -Lbuild/port-tern/lib -lnvrhal -lpthread \
+    -Wl,-rpath,"$PWD/build/port-tern/lib" -o "$scratch/recorder"
+timeout 60 "$scratch/recorder" >"$scratch/log" 2>&1 || { cat "$scratch/log"; fail "a recorder runs over the adapter"; }
 echo "port: the library stands over a platform from outside the tree"
