@@ -18,6 +18,7 @@
 #   port          platforms from outside the tree, as porters have them
 #   m32           32-bit on this PC: unit, trace and abi tests
 #   armhf         32-bit ARM under an emulator: unit, trace and abi tests
+#   musl          32-bit ARM with a small C library and no C++ run-time library: the main operations
 #   clang         another compiler: everything built; unit, trace and abi tests
 #   lint          static analysis
 #   reference     the headers as HTML, without a gap
@@ -27,7 +28,7 @@
 set -uo pipefail
 cd "$(dirname "$0")"
 
-all_legs=dev,seams,format,release,asan,tsan,subdirectory,linux-nvrec,port,m32,armhf,clang,lint,reference
+all_legs=dev,seams,format,release,asan,tsan,subdirectory,linux-nvrec,port,m32,armhf,musl,clang,lint,reference
 case "$#:${1:-}" in
 0:) legs=dev,seams ;;
 1:--all) legs=$all_legs ;;
@@ -161,6 +162,8 @@ tsan_leg() {
 m32_leg() { build m32 && run_tests m32 "$jobs"; }
 
 armhf_leg() { build armhf && run_tests armhf "$jobs"; }
+
+musl_leg() { quietly musl tools/musl.sh "$jobs"; }
 
 clang_leg() { build clang && run_tests clang "$jobs"; }
 

@@ -18,8 +18,7 @@
  *
  * log_code(source, text)       log_error of a text whose one conversion is the code.
  *
- * All of these are macros, so that source lines in the texts are those of the call. A report is a
- * statement of its own, which stands without parentheses.
+ * All of these are macros, so that source lines in the texts are those of the call.
  */
 #pragma once
 
@@ -30,7 +29,7 @@
 #define failed_call(call, report)                                                                            \
     __extension__({                                                                                          \
         const int32_t failed_code = static_cast<int32_t>(call);                                              \
-        if (failed_code != 0) report; /* NOLINT(bugprone-macro-parentheses) */                               \
+        if (failed_code != 0) report;                                                                        \
         failed_code;                                                                                         \
     })
 
@@ -39,7 +38,7 @@
 #define log_negative(call, report)                                                                           \
     do {                                                                                                     \
         const int32_t failed_code = (call);                                                                  \
-        if (failed_code < 0) report; /* NOLINT(bugprone-macro-parentheses) */                                \
+        if (failed_code < 0) report;                                                                         \
     } while (false)
 
 #define log_code(source, text) log_error(source, text, failed_code)

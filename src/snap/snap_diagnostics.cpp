@@ -98,7 +98,8 @@ int32_t venc_start_getstream(uint32_t value)
     log_entry(kSnapSource);
     pthread_attr_t attr;
     if (pthread_attr_init(&attr) != 0) return -1;
-    const sched_param priority = {.sched_priority = kReaderPriority};
+    sched_param priority = {}; // some C libraries have further fields
+    priority.sched_priority = kReaderPriority;
     pthread_attr_setinheritsched(&attr, PTHREAD_EXPLICIT_SCHED);
     pthread_attr_setschedpolicy(&attr, SCHED_RR);
     pthread_attr_setschedparam(&attr, &priority);
