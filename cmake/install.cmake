@@ -25,6 +25,18 @@ else()
   set(pkgconfig_prefix "\${pcfiledir}/${to_prefix}")
 endif()
 
+# A porter's platform that is a shared library is needed by this one, and lies beside it: a linker for
+# another machine has to be told.
+cmake_path(GET NVRHAL_PLATFORM FILENAME platform_name)
+get_target_property(kind_of_platform nvrhal_platform TYPE)
+set(needs_platform OFF)
+set(pkgconfig_needs_platform "")
+if(NOT NVRHAL_PLATFORM STREQUAL "virtual" AND kind_of_platform STREQUAL "SHARED_LIBRARY")
+  install(TARGETS nvrhal_platform LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_SKIP)
+  set(needs_platform ON)
+  set(pkgconfig_needs_platform " -Wl,-rpath-link,\${libdir}")
+endif()
+
 # install_package(NAME NAMESPACE TARGET...): these targets, and the package NAME by which CMake and
 # pkg-config find them.
 function(install_package name namespace)
@@ -56,6 +68,7 @@ if(NVRHAL_PLATFORM STREQUAL "virtual")
   install_package(vboard vboard vboard)
 endif()
 
+
 if(TARGET nvrec)
   file(RELATIVE_PATH to_libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
   set_target_properties(nvrec PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
@@ -65,6 +78,25 @@ endif()
 # Examples, as a project that is built against what is installed.
 set(shared_data ${CMAKE_INSTALL_DATADIR}/nvrhal)
 install(DIRECTORY examples/ DESTINATION ${shared_data}/examples COMPONENT development
-  FILES_MATCHING PATTERN *.c PATTERN *.h)
+  FILES_MATCHING PATTERN *.c PATTERN *.h PATTERN port EXCLUDE)
 install(FILES examples/standalone.cmake DESTINATION ${shared_data}/examples RENAME CMakeLists.txt
   COMPONENT development)
+
+# What a porter takes along: a port to a made-up chip to look at, a platform to begin with, and the suite that tells whether it holds.
+install(DIRECTORY examples/port DESTINATION ${shared_data}/examples COMPONENT development)
+install(DIRECTORY platform/skeleton conformance DESTINATION ${shared_data} COMPONENT development
+  PATTERN mutants EXCLUDE PATTERN __pycache__ EXCLUDE)
+
+# Pages that go along: how it is built against and ported, and whose libraries are in it.
+install(FILES docs/abi.md docs/installing.md docs/porting.md docs/third-party.md docs/writing-a-recorder.md
+  DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT manuals)
+
+# The archive that `cpack` makes: everything, stripped, below one folder, to be unpacked anywhere.
+if(PROJECT_IS_TOP_LEVEL)
+  set(CPACK_GENERATOR TGZ)
+  set(CPACK_PACKAGE_FILE_NAME nvrhal-${PROJECT_VERSION}-${platform_name}-${CMAKE_SYSTEM_PROCESSOR})
+  set(CPACK_PACKAGE_CHECKSUM SHA256)
+  set(CPACK_STRIP_FILES ON)
+  set(CPACK_VERBATIM_VARIABLES ON)
+  include(CPack)
+endif()

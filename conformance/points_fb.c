@@ -56,7 +56,7 @@ static void need_layer(uint32_t width, uint32_t height)
     need_request(FBIOGET_FSCREENINFO, &fixed);
     pixels = board_map(fb, fixed.smem_len);
     if (pixels == NULL) blocked("could not be set up: %s", last_call_text());
-    memset(pixels, 0, fixed.smem_len);
+    memset(pixels, 0, (size_t)width * height * 2);
     need_request(FBIOSET_DISPLAYLAYER_ATTRIBUTES, &layer);
     need_request(FBIOGET_DISPLAYLAYER_ATTRIBUTES, &layer);
     layer.color_format = FB_COLOR_ARGB1555;

@@ -125,7 +125,8 @@ POINT(rtc_runs, "rtc.read.runs", "board_ioctl",
     expect_request(clock, RTC_RD_TIME, &read);
     set_right(clock);
     const long passed = (long)(seconds_of(&read) - seconds_of(&set));
-    HOLDS(passed == 2 || passed == 3, "2.3 s passed, on the clock %ld s", passed);
+    HOLDS(passed >= 2, "2.3 s passed, on the clock %ld s", passed);
+    IN_TIME(passed <= 3, "2.3 s passed, on the clock %ld s", passed);
     HOLDS(read.tm_mon == 3 && read.tm_mday == 1, "behind the 31st of March comes %d-%02d-%02d",
           read.tm_year + 1900, read.tm_mon + 1, read.tm_mday);
 }
@@ -198,16 +199,16 @@ POINT(wdt_expires, "watchdog.expires", "board_ioctl",
     need_request(watchdog, WDIOC_SETTIMEOUT, &seconds);
     need_request(watchdog, WDIOC_SETOPTIONS, by_value(WDIOS_ENABLECARD));
     for (int i = 0; i < 4; ++i) {
-        pause_ms(400);
+        pause_ms(350);
         expect_request(watchdog, WDIOC_KEEPALIVE, NULL);
-        HOLDS(conformance_hooks.watchdog_expired() == 0,
-              "it ran out although it was fed every 400 ms of 1 s");
+        IN_TIME(conformance_hooks.watchdog_expired() == 0,
+                "it ran out although it was fed every 350 ms of 1 s");
     }
     pause_ms(500);
-    HOLDS(conformance_hooks.watchdog_expired() == 0, "it ran out 500 ms after it was fed, of 1 s");
-    pause_ms(patient_ms(700));
+    IN_TIME(conformance_hooks.watchdog_expired() == 0, "it ran out 500 ms after it was fed, of 1 s");
+    pause_ms(650);
     HOLDS(conformance_hooks.watchdog_expired() == 1,
-          "nobody fed it for 1.2 s of 1 s, and it has not run out");
+          "nobody fed it for 1.15 s of 1 s, and it has not run out");
     need_request(watchdog, WDIOC_SETOPTIONS, by_value(WDIOS_DISABLECARD));
 }
 
@@ -219,11 +220,11 @@ POINT_WITH(FRESH, wdt_off, "watchdog.disabled", "board_ioctl board_open",
         not_tried("needs a board whose watchdog tells that it ran out instead of resetting it");
     const int watchdog = need_opened(WATCHDOG_NODE, O_RDWR);
     need_request(watchdog, WDIOC_SETTIMEOUT, &seconds);
-    pause_ms(1200);
+    pause_ms(1100);
     HOLDS(conformance_hooks.watchdog_expired() == 0, "it ran out although nobody enabled it");
     need_request(watchdog, WDIOC_SETOPTIONS, by_value(WDIOS_ENABLECARD));
     need_request(watchdog, WDIOC_SETOPTIONS, by_value(WDIOS_DISABLECARD));
-    pause_ms(1200);
+    pause_ms(1100);
     HOLDS(conformance_hooks.watchdog_expired() == 0, "it ran out although it was disabled");
 }
 
@@ -234,13 +235,13 @@ POINT(wdt_timeout, "watchdog.time-out.anew", "board_ioctl", "enabling and settin
         not_tried("needs a board whose watchdog tells that it ran out instead of resetting it");
     const int watchdog = need_watchdog();
     need_request(watchdog, WDIOC_SETTIMEOUT, &seconds);
-    pause_ms(700);
+    pause_ms(500);
     need_request(watchdog, WDIOC_SETOPTIONS, by_value(WDIOS_ENABLECARD));
     pause_ms(600);
-    HOLDS(conformance_hooks.watchdog_expired() == 0, "it ran out 600 ms after it was enabled, of 1 s");
+    IN_TIME(conformance_hooks.watchdog_expired() == 0, "it ran out 600 ms after it was enabled, of 1 s");
     expect_request(watchdog, WDIOC_SETTIMEOUT, &longer);
-    pause_ms(1400);
-    HOLDS(conformance_hooks.watchdog_expired() == 0, "it ran out 1.4 s after its time-out was set to 3 s");
+    pause_ms(1000);
+    IN_TIME(conformance_hooks.watchdog_expired() == 0, "it ran out 1 s after its time-out was set to 3 s");
     need_request(watchdog, WDIOC_SETOPTIONS, by_value(WDIOS_DISABLECARD));
 }
 
@@ -440,7 +441,8 @@ POINT(ir_waits, "ir.read.waits", "board_read",
     HOLDS(last_call_ms() >= 48,
           "%s came back after %.1f ms: the key reader would turn in a loop without a pause", last_call_text(),
           last_call_ms());
-    HOLDS(last_call_ms() <= patient_ms(400), "%s came back after %.1f ms", last_call_text(), last_call_ms());
+    IN_TIME(last_call_ms() <= patient_ms(400), "%s came back after %.1f ms", last_call_text(),
+            last_call_ms());
 }
 
 /* The next frame of a pressed button. */
@@ -483,7 +485,7 @@ POINT(ir_at_once, "ir.read.at-once", "board_read", "a frame that comes ends the 
     press_ir(code_menu, "menu");
     const int got = board_read(receiver, &frame, sizeof frame);
     HOLDS(got == (int)sizeof frame, "%s, expected %zu", last_call_text(), sizeof frame);
-    HOLDS(last_call_ms() < patient_ms(40), "a frame was there, and the read took %.1f ms", last_call_ms());
+    IN_TIME(last_call_ms() < patient_ms(40), "a frame was there, and the read took %.1f ms", last_call_ms());
 }
 
 POINT(ir_openings, "ir.read.each-opening", "board_read board_open", "each opening is given every frame")
@@ -515,8 +517,8 @@ POINT(ir_holds_nobody, "ir.read.holds-nobody", "board_read board_ioctl",
         if (i == 0 || last_call_ms() < slowest) slowest = last_call_ms();
     }
     pthread_join(thread, NULL);
-    HOLDS(slowest < patient_ms(20), "a request to the panel took %.0f ms while a read of the receiver waited",
-          slowest);
+    IN_TIME(slowest < patient_ms(20),
+            "a request to the panel took %.0f ms while a read of the receiver waited", slowest);
 }
 
 /* ----------------------------------------------------------------------------------------- mouse --- */
@@ -574,7 +576,8 @@ POINT(mouse_waits, "mouse.read.waits", "board_read",
     if (mouse < 0) not_tried("this board has no mouse: %s", last_call_text());
     const int got = board_read(mouse, &event, sizeof event);
     HOLDS(got == 0, "%s, expected 0", last_call_text());
-    HOLDS(last_call_ms() >= 20 && last_call_ms() <= patient_ms(250), "it waited %.1f ms", last_call_ms());
+    HOLDS(last_call_ms() >= 20, "it waited %.1f ms", last_call_ms());
+    IN_TIME(last_call_ms() <= patient_ms(250), "it waited %.1f ms", last_call_ms());
 }
 
 /* --------------------------------------------------------------------------------- analog inputs --- */

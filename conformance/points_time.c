@@ -16,8 +16,8 @@ static void judge(const char *name, unsigned bound_ms)
 }
 
 #define TIME_POINT(call, bound_ms)                                                                           \
-    POINT(time_##call, "time." #call, #call,                                                                 \
-          "comes back within " #bound_ms " ms when it has nothing to wait for")                              \
+    POINT_WITH(NO_CALLS, time_##call, "time." #call, #call,                                                  \
+               "comes back within " #bound_ms " ms when it has nothing to wait for")                         \
     {                                                                                                        \
         judge(#call, bound_ms);                                                                              \
     }

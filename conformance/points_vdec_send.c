@@ -147,8 +147,8 @@ POINT(stat_frames, "vdec.stat.frames-left", "MI_VDEC_GetChnStat",
     OK(MI_VDEC_GetChnStat(CH, &stat));
     HOLDS(stat.left_stream_frames <= sent, "%u frames were sent at most, and %u are left", sent,
           stat.left_stream_frames);
-    HOLDS(stat.left_stream_frames >= sent / 4, "of %u frames, work for 300 ms, only %u are left at once",
-          sent, stat.left_stream_frames);
+    IN_TIME(stat.left_stream_frames >= sent / 4, "of %u frames, work for 300 ms, only %u are left at once",
+            sent, stat.left_stream_frames);
     uint32_t before = stat.left_stream_frames, steps = 0;
     for (int i = 0; i < 2000 && before > 0; ++i) {
         pause_ms(2);
@@ -159,7 +159,7 @@ POINT(stat_frames, "vdec.stat.frames-left", "MI_VDEC_GetChnStat",
         before = stat.left_stream_frames;
     }
     HOLDS(before == 0, "%u frames are left for ever", before);
-    HOLDS(steps >= 3, "%u frames went in %u steps", sent, steps);
+    IN_TIME(steps >= 3, "%u frames went in %u steps", sent, steps);
 }
 
 POINT(stat_bytes, "vdec.stat.bytes-left", "MI_VDEC_GetChnStat",
@@ -180,7 +180,7 @@ POINT(stat_bytes, "vdec.stat.bytes-left", "MI_VDEC_GetChnStat",
         ++looks;
         pause_ms(2);
     }
-    HOLDS(looks >= 3, "the backlog of %u frames, work for 300 ms, was never seen", sent);
+    IN_TIME(looks >= 3, "the backlog of %u frames, work for 300 ms, was never seen", sent);
     HOLDS(stat.left_stream_bytes == 0, "no frame is left, and %u bytes", stat.left_stream_bytes);
 }
 
@@ -238,18 +238,25 @@ POINT(start_keeps, "vdec.start.twice-keeps-queue", "MI_VDEC_StartChn MI_VDEC_Get
     const uint32_t sent = need_busy(CH, 400);
     OK(MI_VDEC_StartChn(CH));
     OK(MI_VDEC_GetChnStat(CH, &stat));
-    HOLDS(stat.left_stream_frames >= sent / 4, "of %u queued frames %u are left", sent,
-          stat.left_stream_frames);
+    IN_TIME(stat.left_stream_frames >= sent / 4, "of %u queued frames %u are left", sent,
+            stat.left_stream_frames);
 }
 
 /* ------------------------------------------------------------------------------------- time-outs --- */
+
+/* On a machine that stood still for a while everything may be consumed: then the send succeeds rightly. */
+static void refused_for_want_of_room(int32_t result)
+{
+    if (result == 0) too_late("%s, expected BUFFER_FULL", last_call_text());
+    expect_refusal(result, MI_MODULE_VDEC, MI_REASON_BUFFER_FULL);
+}
 
 POINT(full_at_once, "vdec.send.full-at-once", "MI_VDEC_SendStream",
       "with a time-out of 0 a send without room gives BUFFER_FULL without waiting")
 {
     const MI_VDEC_Stream send = need_full(CH, BUSY_MS);
     for (int i = 1;; ++i) {
-        REFUSED(MI_VDEC_SendStream(CH, &send, 0), MI_MODULE_VDEC, MI_REASON_BUFFER_FULL);
+        refused_for_want_of_room(MI_VDEC_SendStream(CH, &send, 0));
         if (i == TRIES || took_within(0, 20)) break;
     }
     expect_took(0, 20);
@@ -260,7 +267,7 @@ POINT(full_times_out, "vdec.send.full-times-out", "MI_VDEC_SendStream",
 {
     const MI_VDEC_Stream send = need_full(CH, 4 * FULL_MS + BUSY_MS);
     for (int i = 1;; ++i) {
-        REFUSED(MI_VDEC_SendStream(CH, &send, FULL_MS), MI_MODULE_VDEC, MI_REASON_BUFFER_FULL);
+        refused_for_want_of_room(MI_VDEC_SendStream(CH, &send, FULL_MS));
         if (i == TRIES || took_within(FULL_MS, 60) || last_call_ms() < FULL_MS - 2) break;
     }
     expect_took(FULL_MS, 60);
@@ -271,7 +278,7 @@ POINT(full_short, "vdec.send.full-20-ms", "MI_VDEC_SendStream",
 {
     const MI_VDEC_Stream send = need_full(CH, BUSY_MS);
     for (int i = 1;; ++i) {
-        REFUSED(MI_VDEC_SendStream(CH, &send, 20), MI_MODULE_VDEC, MI_REASON_BUFFER_FULL);
+        refused_for_want_of_room(MI_VDEC_SendStream(CH, &send, 20));
         if (i == TRIES || took_within(20, 60) || last_call_ms() < 18) break;
     }
     expect_took(20, 60);
@@ -283,10 +290,10 @@ POINT(full_waits, "vdec.send.waits-for-room", "MI_VDEC_SendStream",
     const MI_VDEC_Stream send = need_full(CH, 400);
     const int64_t began_us = now_us();
     OK(MI_VDEC_SendStream(CH, &send, 8000));
-    HOLDS(now_us() - began_us < (int64_t)patient_ms(6000) * 1000, "%s: the room was there long before",
-          last_call_text());
-    HOLDS(last_call_ms() >= 50, "%s: it went through although the buffer, with work for 400 ms, was full",
-          last_call_text());
+    IN_TIME(now_us() - began_us < (int64_t)patient_ms(6000) * 1000, "%s: the room was there long before",
+            last_call_text());
+    IN_TIME(last_call_ms() >= 50, "%s: it went through although the buffer, with work for 400 ms, was full",
+            last_call_text());
 }
 
 POINT(full_for_ever, "vdec.send.waits-for-ever", "MI_VDEC_SendStream",
@@ -294,8 +301,8 @@ POINT(full_for_ever, "vdec.send.waits-for-ever", "MI_VDEC_SendStream",
 {
     const MI_VDEC_Stream send = need_full(CH, 500);
     OK(MI_VDEC_SendStream(CH, &send, -1));
-    HOLDS(last_call_ms() >= 50, "%s: it went through although the buffer, with work for 500 ms, was full",
-          last_call_text());
+    IN_TIME(last_call_ms() >= 50, "%s: it went through although the buffer, with work for 500 ms, was full",
+            last_call_text());
 }
 
 POINT(full_keeps_out, "vdec.send.full-takes-nothing", "MI_VDEC_SendStream MI_VDEC_GetChnStat",
@@ -303,7 +310,7 @@ POINT(full_keeps_out, "vdec.send.full-takes-nothing", "MI_VDEC_SendStream MI_VDE
 {
     MI_VDEC_ChnStat stat = {0, 0, 0};
     const MI_VDEC_Stream send = need_full(CH, BUSY_MS);
-    REFUSED(MI_VDEC_SendStream(CH, &send, 0), MI_MODULE_VDEC, MI_REASON_BUFFER_FULL);
+    refused_for_want_of_room(MI_VDEC_SendStream(CH, &send, 0));
     OK(MI_VDEC_GetChnStat(CH, &stat));
     HOLDS(stat.left_stream_bytes <= send.length_bytes, "%u bytes are left in a buffer of %u",
           stat.left_stream_bytes, send.length_bytes);
@@ -385,8 +392,8 @@ POINT(stop_wakes, "vdec.stop.wakes-sender", "MI_VDEC_StopChn MI_VDEC_SendStream"
     HOLDS(sender.first_refusal == MI_ERROR(MI_MODULE_VDEC, MI_REASON_NOT_PERMITTED),
           "the waiting send gave %s, expected NOT_PERMITTED of VDEC",
           result_text(sender.first_refusal, text, sizeof text));
-    HOLDS(sender.took_ms < patient_ms(3000), "the sender waited %.0f ms, the stop came after 60",
-          sender.took_ms);
+    IN_TIME(sender.took_ms < patient_ms(2000), "the sender waited %.0f ms, the stop came after 60",
+            sender.took_ms);
 }
 
 POINT(others_pass, "vdec.send.waiting-holds-nobody", "MI_VDEC_SendStream MI_VDEC_GetChnStat",
@@ -409,7 +416,7 @@ POINT(others_pass, "vdec.send.waiting-holds-nobody", "MI_VDEC_SendStream MI_VDEC
     }
     pthread_join(sender.thread, NULL);
     HOLDS(results == 0, "a call was refused while another channel's sender waited");
-    HOLDS(slowest < patient_ms(300), "a call took %.0f ms while a sender waited 600 ms for room", slowest);
+    IN_TIME(slowest < patient_ms(300), "a call took %.0f ms while a sender waited 600 ms for room", slowest);
 }
 
 POINT(same_channel, "vdec.send.threads-one-channel", "MI_VDEC_SendStream MI_VDEC_GetChnStat",
@@ -436,9 +443,9 @@ POINT(same_channel, "vdec.send.threads-one-channel", "MI_VDEC_SendStream MI_VDEC
     OK(MI_VDEC_GetChnStat(CH, &stat));
     HOLDS(stat.left_stream_frames <= queued + THREADS * SENDS, "%u sends, %u left", queued + THREADS * SENDS,
           stat.left_stream_frames);
-    HOLDS(stat.left_stream_frames >= THREADS * SENDS / 2,
-          "%d sends came behind work for 500 ms, and only %u frames are left", THREADS * SENDS,
-          stat.left_stream_frames);
+    IN_TIME(stat.left_stream_frames >= THREADS * SENDS / 2,
+            "%d sends came behind work for 500 ms, and only %u frames are left", THREADS * SENDS,
+            stat.left_stream_frames);
 }
 
 POINT(own_channels, "vdec.send.threads-own-channels", "MI_VDEC_SendStream MI_VDEC_GetChnStat",

@@ -16,6 +16,7 @@ typedef enum Verdict {
     VERDICT_NONE = 0, /* the point did not come to an end */
     VERDICT_HELD,
     VERDICT_BROKEN,
+    VERDICT_TOO_LATE, /* broken, unless a further run is in time */
     VERDICT_NOT_TRIED,
     VERDICT_BLOCKED,
 } Verdict;

@@ -12,7 +12,8 @@ static const char *verdict_name(Verdict verdict)
 {
     switch (verdict) {
     case VERDICT_HELD: return "held";
-    case VERDICT_BROKEN: return "broken";
+    case VERDICT_BROKEN:
+    case VERDICT_TOO_LATE: return "broken";
     case VERDICT_NOT_TRIED:
     case VERDICT_BLOCKED:
     case VERDICT_NONE: break;

@@ -18,7 +18,8 @@
 #include "mi_common.h"
 
 enum PointFlags {
-    FRESH = 1, /* holds in a process that has not called the seams before, so not with --one-process */
+    FRESH = 1,    /* holds in a process that has not called the seams before, so not with --one-process */
+    NO_CALLS = 2, /* makes no calls itself, and needs no process                                        */
 };
 
 typedef struct Point {
@@ -49,6 +50,12 @@ typedef struct Point {
 /* The contract is broken. */
 NO_RETURN LIKE_PRINTF(1, 2) void broken(const char *format, ...);
 
+/*
+ * Something came too late. That a machine under load does, too: the point is run again, and is broken when
+ * it is too late every time.
+ */
+NO_RETURN LIKE_PRINTF(1, 2) void too_late(const char *format, ...);
+
 /* Nothing can be said, because a hook or a person is missing. */
 NO_RETURN LIKE_PRINTF(1, 2) void not_tried(const char *format, ...);
 
@@ -59,6 +66,12 @@ NO_RETURN LIKE_PRINTF(1, 2) void blocked(const char *format, ...);
 #define HOLDS(condition, ...)                                                                                \
     do {                                                                                                     \
         if (!(condition)) broken(__VA_ARGS__);                                                               \
+    } while (0)
+
+/* Too late unless the condition holds. */
+#define IN_TIME(condition, ...)                                                                              \
+    do {                                                                                                     \
+        if (!(condition)) too_late(__VA_ARGS__);                                                             \
     } while (0)
 
 /* Broken unless the call succeeds. */

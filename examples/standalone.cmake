@@ -2,8 +2,8 @@
 #
 #   cmake -S share/nvrhal/examples -B build && cmake --build build
 #
-# Over the board in software as it is. For a real board, with -DADAPTER=/path/to/libyour_adapter.so: the
-# library that brings the chip's media interface.
+# Where the library leaves the chip's media interface to the application, as over the platform "linux", with
+# -DADAPTER=/path/to/libyour_adapter.so: the library that brings it.
 cmake_minimum_required(VERSION 3.25)
 project(nvrhal_examples LANGUAGES C)
 
@@ -14,18 +14,17 @@ set(CMAKE_C_STANDARD 11)
 set(CMAKE_C_EXTENSIONS OFF)
 
 file(GLOB recorder_sources recorder/*.c)
-set(ADAPTER "" CACHE STRING "Library that brings the chip's media interface; empty: the board in software")
-if(ADAPTER)
-  list(FILTER recorder_sources EXCLUDE REGEX "/virtual_board\\.c$")
-  add_executable(recorder ${recorder_sources})
-  target_link_libraries(recorder PRIVATE ${ADAPTER})
-else()
+set(ADAPTER "" CACHE STRING "Library that brings the chip's media interface, where nvrhal does not")
+if(NVRHAL_OVER STREQUAL "virtual")
   find_package(vboard 1.0 REQUIRED)
   list(FILTER recorder_sources EXCLUDE REGEX "/(nodes|no_virtual_board)\\.c$")
-  add_executable(recorder ${recorder_sources})
-  target_link_libraries(recorder PRIVATE vboard::vboard nvrhal::platform)
   add_executable(minimal minimal.c)
   target_link_libraries(minimal PRIVATE nvrhal::nvrhal vboard::vboard)
+  set(below vboard::vboard nvrhal::platform)
+else()
+  list(FILTER recorder_sources EXCLUDE REGEX "/virtual_board\\.c$")
+  set(below ${ADAPTER})
 endif()
+add_executable(recorder ${recorder_sources})
 target_compile_definitions(recorder PRIVATE _POSIX_C_SOURCE=200809L)
-target_link_libraries(recorder PRIVATE nvrhal::nvrhal Threads::Threads)
+target_link_libraries(recorder PRIVATE nvrhal::nvrhal ${below} Threads::Threads)

@@ -18,7 +18,8 @@
  *
  * log_code(source, text)       log_error of a text whose one conversion is the code.
  *
- * All of these are macros, so that source lines in the texts are those of the call.
+ * All of these are macros, so that source lines in the texts are those of the call. A report is a
+ * statement of its own, which stands without parentheses.
  */
 #pragma once
 
@@ -29,7 +30,7 @@
 #define failed_call(call, report)                                                                            \
     __extension__({                                                                                          \
         const int32_t failed_code = static_cast<int32_t>(call);                                              \
-        if (failed_code != 0) report;                                                                        \
+        if (failed_code != 0) report; /* NOLINT(bugprone-macro-parentheses) */                               \
         failed_code;                                                                                         \
     })
 
@@ -38,7 +39,7 @@
 #define log_negative(call, report)                                                                           \
     do {                                                                                                     \
         const int32_t failed_code = (call);                                                                  \
-        if (failed_code < 0) report;                                                                         \
+        if (failed_code < 0) report; /* NOLINT(bugprone-macro-parentheses) */                                \
     } while (false)
 
 #define log_code(source, text) log_error(source, text, failed_code)

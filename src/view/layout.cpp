@@ -74,7 +74,7 @@ BindArgs new_record(int32_t dev)
 void save_record(int32_t dev, const BindArgs &record)
 {
     if (dev == kSecondaryOutput)
-        nvrhal_saved_layouts[0] = record;
+        nvrhal_saved_layouts.before_first = record;
     else if (dev >= 0 && dev < kSavedDevices)
         old_global_bindarg[dev] = record;
 }

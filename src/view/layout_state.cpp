@@ -4,6 +4,8 @@
  */
 #include "view/layout_state.h"
 
+#include <cstddef>
+
 #include "core/abi.h"
 #include "core/output_timing.h"
 
@@ -22,7 +24,7 @@ uint32_t nvrhal::spare_pane_marks[nvrhal::kSparePaneMarks];
 
 void nvrhal::clear_saved_layouts()
 {
-    nvrhal_saved_layouts[0] = {};
+    nvrhal_saved_layouts.before_first = {};
     for (BindArgs &record : old_global_bindarg)
         record = {};
 }
@@ -34,8 +36,9 @@ PaneRect nvrhal::even_rect(const DispAttrib &pane)
 
 // Device numbers index old_global_bindarg from -1 to 2, so the secondary output's record stands
 // directly before the symbol. C++ cannot name the middle of an object; the assembler can.
-BindArgs nvrhal::nvrhal_saved_layouts[4];
+nvrhal::SavedLayouts nvrhal::nvrhal_saved_layouts;
 __asm__(".globl old_global_bindarg\n"
         ".type old_global_bindarg, %object\n"
-        ".set old_global_bindarg, nvrhal_saved_layouts + 136\n"
+        ".set old_global_bindarg, nvrhal_saved_layouts + 144\n"
         ".size old_global_bindarg, 408\n");
+static_assert(offsetof(nvrhal::SavedLayouts, named) == 144 && sizeof(BindArgs[3]) == 408);

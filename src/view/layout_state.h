@@ -13,8 +13,17 @@ constexpr int32_t kSparePaneMarks = 17;
 /** One mark for each live channel without a pane on the secondary output. Nothing reads them. */
 extern uint32_t spare_pane_marks[kSparePaneMarks];
 
-/** Saved layouts of devices -1 to 2; old_global_bindarg names the last three. */
-extern "C" __attribute__((visibility("hidden"))) BindArgs nvrhal_saved_layouts[4];
+/**
+ * Saved layouts of devices -1 to 2. The exported symbol old_global_bindarg is the array `named`, which
+ * stands on a multiple of 16 bytes: compilers for amd64 take that for granted of every array so large,
+ * and let applications copy it 16 bytes at a time.
+ */
+struct SavedLayouts {
+    alignas(16) uint8_t unused[8];
+    BindArgs before_first; /* the record of device -1 */
+    BindArgs named[3];
+};
+extern "C" __attribute__((visibility("hidden"))) SavedLayouts nvrhal_saved_layouts;
 
 /** Forget every saved layout, device -1's included. */
 void clear_saved_layouts();

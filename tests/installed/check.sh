@@ -50,7 +50,9 @@ shows ./picture_in_c frame.h265
 shows ./picture_in_cxx frame.h264
 flags=($(pkg-config --cflags nvrhal-platform))
 gcc -std=c11 -Wall -Wextra -Werror "${flags[@]}" -c "$here/seams.c" -o seams.o
-for header in "$(pkg-config --variable=includedir nvrhal-platform)"/nvrhal-platform/*.h; do
+seams=$(pkg-config --cflags-only-I nvrhal-platform | sed 's/^-I//; s/ *$//')
+[ -e "$seams/board_io.h" ] || fail "there are no headers of the seams in $seams"
+for header in "$seams"/*.h; do
     echo "#include <$(basename "$header")>"
 done >all_seams.c
 gcc -std=c11 -Wall -Wextra -Werror "${flags[@]}" -c all_seams.c -o all_seams.o

@@ -265,7 +265,7 @@ void Wall::take_due_pictures(double now_s, bool at_end)
     }
 }
 
-/* When every input ran to its end, its last frames are to be seen on the last picture. */
+/* What the inputs sent is to be seen on the last picture, to the last frame when they ran to their end. */
 void Wall::wait_for_decoders()
 {
     for (const auto &feeder : feeders_) {
@@ -285,9 +285,11 @@ void Wall::stop_cameras()
 void Wall::close()
 {
     const bool ran_out = running_ == 0;
+    const bool pictured =
+        std::any_of(orders_.begin(), orders_.end(), [](const auto &order) { return !order.done; });
     lasted_s_ = seconds();
     stop_cameras();
-    if (ran_out) wait_for_decoders();
+    if (ran_out || pictured) wait_for_decoders();
     take_due_pictures(lasted_s_, true);
     modules_.stop();
     for (const auto &feeder : feeders_) {
