@@ -17,6 +17,7 @@ const Point *const *const all_areas[] = {
     vdec_picture_points, /* decoded pictures, through snapshots    */
     fb_points,           /* graphics layer                         */
     node_points,         /* clock, watchdog, lines, keys, inputs   */
+    common_points,       /* refused calls, and threads, of all modules */
     time_points,         /* how long the calls before have taken   */
     NULL,
 };

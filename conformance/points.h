@@ -17,6 +17,7 @@ extern const Point *const ao_points[];
 extern const Point *const board_points[];
 extern const Point *const fb_points[];
 extern const Point *const node_points[];
+extern const Point *const common_points[];
 extern const Point *const time_points[];
 
 #endif

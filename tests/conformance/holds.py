@@ -32,7 +32,5 @@ if len(set(names)) != len(names):
     failures.append("two points have the same name")
 if report["held"] + report["broken"] + report["not_tried"] != len(names):
     failures.append("the sums do not add up")
-if report["seconds"] > 60 and "--one-process" not in options:
-    failures.append(f"it took {report['seconds']:.0f} s, and a minute is the promise")
 print(run.stdout.splitlines()[-1] if not failures else run.stdout + "\n".join(failures))
 sys.exit(1 if failures else 0)
