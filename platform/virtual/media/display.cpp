@@ -71,6 +71,12 @@ int device_index(int32_t device)
     return index >= 0 && index < kDevices ? static_cast<int>(index) : -1;
 }
 
+Device *find_device(DisplayState &display, int32_t number)
+{
+    const int index = device_index(number);
+    return index < 0 ? nullptr : &display.devices[static_cast<size_t>(index)];
+}
+
 PortPlace place_of_ports(const DisplayState &display, const Device &device)
 {
     const auto number = static_cast<int32_t>(&device - display.devices.data()) + kFirstDevice;
@@ -81,6 +87,14 @@ PortPlace place_of_ports(const DisplayState &display, const Device &device)
         if (layer != kPipLayer && display.layers[layer].device == number)
             return {&display.layers[layer], &device};
     return {nullptr, &device};
+}
+
+bool is_visible(const DisplayState &display, const Device &device, const InputPort &port)
+{
+    const PortPlace place = place_of_ports(display, device);
+    if (!place.output->enabled || !port.enabled || port.hidden) return false;
+    return place.layer != nullptr && place.layer->enabled && port.attr.window.width > 0 &&
+           port.attr.window.height > 0;
 }
 
 int32_t display_set_attr(int32_t device, const MI_DISP_PubAttr *attr)

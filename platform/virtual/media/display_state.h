@@ -1,4 +1,7 @@
-/* display_state.h - what display.cpp and display_pictures.cpp share. Everything is guarded by `mutex`. */
+/*
+ * display_state.h - what display.cpp, display_pictures.cpp and display_scene.cpp share. Everything is
+ * guarded by `mutex`.
+ */
 #ifndef VBOARD_DISPLAY_STATE_H
 #define VBOARD_DISPLAY_STATE_H
 
@@ -80,6 +83,9 @@ struct DisplayState {
 
 DisplayState &display_state();
 
+/* Null: no such device. */
+Device *find_device(DisplayState &display, int32_t number);
+
 /* Where the ports of a device lie, and which device's output shows them. */
 struct PortPlace {
     const Layer *layer; // null = nowhere
@@ -91,6 +97,19 @@ struct PortPlace {
  * exception: it carries the ports of device 1 wherever it is bound, over that device's own.
  */
 PortPlace place_of_ports(const DisplayState &display, const Device &device);
+
+/* Whether a picture in the port would be on the screen of the device that shows it. */
+bool is_visible(const DisplayState &display, const Device &device, const InputPort &port);
+
+/* The picture on screen counts as shown from now on. */
+void mark_seen(InputPort &port);
+
+/*
+ * The pane that the next picture for a port's queue will have, if it can be drawn before its step:
+ * nothing else may lie in its window.
+ */
+std::optional<PaneAhead> pane_ahead(const DisplayState &display, const Device &device, uint32_t port,
+                                    const PictureRefPtr &ref);
 
 /* Work out whether a refresh has shown the picture on screen by now; before anything hides it. */
 void settle(const DisplayState &display, const Device &device, InputPort &port);
