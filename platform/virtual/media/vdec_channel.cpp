@@ -1,25 +1,16 @@
-/* vdec_channel.cpp - decoder channels: the queue, the worker and the state changes. */
+/* vdec_channel.cpp - decoder channels: the queue and the state changes. */
 #include "media/vdec_channel.h"
-
-#include <pthread.h>
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <chrono>
-#include <cstdio>
-#include <deque>
-#include <iterator>
-#include <memory>
-#include <optional>
 #include <thread>
 
-#include "host/stream_decoder.h"
 #include "media/call.h"
 #include "media/clock.h"
 #include "media/display.h"
-#include "media/graph.h"
 #include "media/modules.h"
+#include "media/vdec_worker.h"
 
 namespace vboard
 {
@@ -28,41 +19,7 @@ namespace
 
 constexpr size_t kMostQueuedSends = 4096; // however small: what a send costs beside its bytes is bounded too
 
-/* One send, waiting for the worker. */
-struct QueuedSend {
-    EncodedBytes bytes;
-    uint64_t pts;
-    bool end_of_frame;
-    bool end_of_stream;
-};
-
-struct Channel : Waitable { // `changed`: room, idleness or the state has changed
-    std::mutex control;
-    std::condition_variable work; // for the worker: something to decode, or the end
-
-    // Guarded by the Waitable's mutex.
-    bool created = false;
-    bool started = false;
-    bool quitting = false;
-    bool busy = false;       // the worker is decoding or delivering
-    bool delivering = false; // the worker holds a picture that no sink has taken yet
-    bool ever_created = false;
-    uint64_t stream_number = 0; // counts starts: a waiting sender belongs to one of them
-    MI_VDEC_ChnAttr attr = {};
-    MI_VDEC_OutputPortAttr output = {};
-    std::deque<QueuedSend> queue;
-    uint32_t left_bytes = 0;  // of the queue, and of what the worker is busy with
-    uint32_t left_frames = 0; // likewise
-    vboard_decoder_stat counters = {};
-
-    // The worker's own while it is busy, otherwise the control lock's. Null until bytes come.
-    std::unique_ptr<StreamDecoder> decoder;
-
-    std::thread worker;
-    std::atomic<bool> stopping{false}; // the worker is to give up what it holds
-    std::atomic<bool> exists{false};   // for the graph, without a lock
-    PictureTally tally;
-};
+using Channel = DecoderChannel;
 
 std::array<Channel, kDecoderChannels> &channels()
 {
@@ -79,130 +36,6 @@ int32_t no_channel(uint32_t number)
 int32_t not_created(uint32_t number)
 {
     return refuse(MI_MODULE_VDEC, MI_REASON_ABSENT, "decoder channel %u is not created", number);
-}
-
-struct CodecNumber {
-    uint32_t number; // enum MI_VDEC_Codec
-    StreamCodec codec;
-};
-constexpr CodecNumber kCodecNumbers[] = {
-    {MI_VDEC_CODEC_H264, StreamCodec::h264},
-    {MI_VDEC_CODEC_H265, StreamCodec::h265},
-    {MI_VDEC_CODEC_JPEG, StreamCodec::jpeg},
-};
-static_assert(std::size(kCodecNumbers) == kStreamCodecs);
-
-// None for a number that is no codec.
-std::optional<StreamCodec> stream_codec(uint32_t number)
-{
-    for (const CodecNumber &row : kCodecNumbers)
-        if (row.number == number) return row.codec;
-    return std::nullopt;
-}
-
-// The output port only ever makes pictures smaller, each dimension for itself.
-int output_dimension(int stream, uint16_t set)
-{
-    return set == 0 ? stream : std::min<int>(stream, set);
-}
-
-bool deliver(Channel &channel, uint32_t number, PicturePtr picture)
-{
-    if (channel.stopping.load(std::memory_order_acquire)) return false;
-    int width = picture->view.width;
-    int height = picture->view.height;
-    {
-        const std::lock_guard guard(channel.mutex);
-        ++channel.counters.decoded;
-        channel.counters.width = static_cast<uint32_t>(width);
-        channel.counters.height = static_cast<uint32_t>(height);
-        channel.delivering = true;
-        width = output_dimension(width, channel.output.width);
-        height = output_dimension(height, channel.output.height);
-    }
-    auto ref = std::make_shared<const PictureRef>(std::move(picture), width, height, number, channel.tally);
-    graph_deliver(MI_MODULE_VDEC, number, ref, channel.stopping);
-    ref.reset();
-    const std::lock_guard guard(channel.mutex);
-    channel.delivering = false;
-    return !channel.stopping.load(std::memory_order_relaxed);
-}
-
-// The decoder is opened by the first bytes that need it: a recorder creates channels for all cameras,
-// and again at every layout change, long before anything is sent to them.
-DecodeReport decode(Channel &channel, const QueuedSend &send, const StreamDecoder::Deliver &take)
-{
-    if (channel.decoder == nullptr)
-        channel.decoder = StreamDecoder::open(stream_codec(channel.attr.codec).value(),
-                                              channel.attr.video_mode == MI_VDEC_MODE_FRAME);
-    if (channel.decoder == nullptr) return {.errors = 1}; // no memory
-    return channel.decoder->decode(send.bytes, send.pts, send.end_of_frame, send.end_of_stream, take);
-}
-
-void run_worker(Channel &channel, uint32_t number)
-{
-    char name[16];
-    snprintf(name, sizeof name, "vdec%u", number);
-    pthread_setname_np(pthread_self(), name);
-    const StreamDecoder::Deliver take = [&](PicturePtr picture) {
-        return deliver(channel, number, std::move(picture));
-    };
-    std::unique_lock lock(channel.mutex);
-    for (;;) {
-        channel.work.wait(lock, [&] { return channel.quitting || !channel.queue.empty(); });
-        if (channel.quitting) return;
-        QueuedSend send = std::move(channel.queue.front());
-        channel.queue.pop_front();
-        channel.busy = true;
-        lock.unlock();
-
-        graph_wait_room(MI_MODULE_VDEC, number, channel.stopping);
-        DecodeReport report;
-        if (!channel.stopping.load(std::memory_order_acquire)) report = decode(channel, send, take);
-
-        lock.lock();
-        channel.busy = false;
-        channel.left_bytes -= static_cast<uint32_t>(send.bytes.size());
-        --channel.left_frames;
-        channel.counters.decode_errors += report.errors;
-        channel.counters.damaged += report.withheld;
-        channel.counters.late += report.late;
-        channel.changed.notify_all();
-    }
-}
-
-// Stop and discard; the caller holds `control`. Returns when the worker holds nothing any more.
-void stop_locked(Channel &channel)
-{
-    std::unique_lock lock(channel.mutex);
-    if (!channel.started) return;
-    channel.started = false;
-    ++channel.counters.resets;
-    for (const QueuedSend &send : channel.queue) {
-        channel.left_bytes -= static_cast<uint32_t>(send.bytes.size());
-        --channel.left_frames;
-    }
-    channel.queue.clear();
-    channel.stopping.store(true, std::memory_order_release); // seen by deliver and waiting sinks
-    channel.changed.notify_all(); // senders that wait for room: their send is refused
-    lock.unlock();
-    display_wake_sources();
-    lock.lock();
-    channel.changed.wait(lock, [&] { return !channel.busy; });
-    channel.stopping.store(false, std::memory_order_relaxed);
-    if (channel.decoder != nullptr) channel.decoder->flush();
-}
-
-void end_worker(Channel &channel)
-{
-    std::thread worker;
-    {
-        const std::lock_guard guard(channel.mutex);
-        channel.quitting = true;
-        worker = std::move(channel.worker);
-        channel.work.notify_all();
-    }
-    if (worker.joinable()) worker.join();
 }
 
 bool wait_idle(Channel &channel, int32_t timeout_ms)
@@ -249,7 +82,7 @@ int32_t vdec_create(uint32_t number, const MI_VDEC_ChnAttr *attr)
     channel.attr = *attr;
     channel.output = {};
     channel.quitting = false;
-    channel.worker = std::thread([&channel, number] { run_worker(channel, number); });
+    channel.worker = std::thread([&channel, number] { run_decoder_worker(channel, number); });
     channel.created = true;
     channel.exists.store(true, std::memory_order_release);
     return MI_SUCCESS;
@@ -269,7 +102,7 @@ int32_t vdec_destroy(uint32_t number)
         channel.created = false;
         channel.exists.store(false, std::memory_order_release);
     }
-    end_worker(channel);
+    end_decoder_worker(channel);
     channel.decoder.reset();
     return MI_SUCCESS;
 }
@@ -293,7 +126,7 @@ int32_t vdec_stop(uint32_t number)
     Channel &channel = channels()[number];
     const std::lock_guard control(channel.control);
     if (!channel.exists.load(std::memory_order_relaxed)) return not_created(number);
-    stop_locked(channel);
+    stop_decoder(channel);
     return MI_SUCCESS;
 }
 
@@ -428,9 +261,9 @@ void vdec_reset()
         const std::lock_guard control(channel.control);
         if (!channel.ever_created) continue;
         if (channel.exists.load(std::memory_order_relaxed)) {
-            stop_locked(channel);
+            stop_decoder(channel);
             channel.exists.store(false, std::memory_order_release);
-            end_worker(channel);
+            end_decoder_worker(channel);
         }
         const std::lock_guard guard(channel.mutex);
         channel.decoder.reset();
