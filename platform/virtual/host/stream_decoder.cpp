@@ -4,13 +4,14 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <iterator>
 #include <new>
 
 #include "host/av_handles.h"
 #include "host/display_order.h"
 #include "host/frame_memory.h"
 #include "host/h264_headers.h"
+#include "host/planar_frames.h"
+#include "host/stream_codecs.h"
 
 namespace vboard
 {
@@ -23,72 +24,6 @@ constexpr int64_t kMaxPicturePixels = int64_t{8192} * 4096;
 
 // A byte stream that never completes a frame (another codec, noise) is thrown away beyond this.
 constexpr size_t kMaxOpenFrameBytes = size_t{8} << 20;
-
-/*
- * What the codecs differ in. Units begin with a start code and a byte that holds their type; those
- * from `first_side` to `last_side` are parameter sets and messages without picture data.
- */
-struct CodecTraits {
-    StreamCodec codec;
-    AVCodecID id;
-    unsigned type_shift, type_mask; // of a unit's type; no mask: the stream has no units
-    unsigned first_side, last_side;
-    bool may_hide_order; // reordering need not be stated: display_order.h
-};
-
-constexpr CodecTraits kCodecs[] = {
-    {StreamCodec::h264, AV_CODEC_ID_H264, 0, 0x1f, 6, 12, true},
-    {StreamCodec::h265, AV_CODEC_ID_HEVC, 1, 0x3f, 32, 40, false},
-    {StreamCodec::jpeg, AV_CODEC_ID_MJPEG, 0, 0, 0, 0, false},
-};
-
-consteval bool codecs_stand_by_number()
-{
-    for (size_t row = 0; row < std::size(kCodecs); ++row)
-        if (kCodecs[row].codec != static_cast<StreamCodec>(row)) return false;
-    return std::size(kCodecs) == kStreamCodecs;
-}
-static_assert(codecs_stand_by_number());
-
-const CodecTraits &traits_of(StreamCodec codec)
-{
-    return kCodecs[static_cast<size_t>(codec)];
-}
-
-/* A picture that lives in the decoder's own frame: nothing is copied. */
-class FramePicture final : public Picture
-{
-public:
-    explicit FramePicture(FramePtr frame) : frame_(std::move(frame))
-    {
-        for (int plane = 0; plane < 3; ++plane) {
-            view.plane[plane] = frame_->data[plane];
-            view.stride[plane] = frame_->linesize[plane];
-        }
-        view.width = frame_->width;
-        view.height = frame_->height;
-        pts = static_cast<uint64_t>(frame_->pts);
-    }
-
-private:
-    FramePtr frame_;
-};
-
-// Is this piece of a stream nothing but parameter sets and messages? Sent on their own they make the
-// decoder complain without any damage.
-bool holds_only_side_data(const CodecTraits &traits, const uint8_t *bytes, size_t size)
-{
-    if (traits.type_mask == 0) return false;
-    unsigned units = 0;
-    for (size_t at = 0; at + 3 < size; ++at) {
-        if (bytes[at] != 0 || bytes[at + 1] != 0 || bytes[at + 2] != 1) continue;
-        const unsigned type = bytes[at + 3] >> traits.type_shift & traits.type_mask;
-        if (type < traits.first_side || type > traits.last_side) return false;
-        ++units;
-        at += 3;
-    }
-    return units > 0;
-}
 
 DisplayOrder::Coded coded_as(AVPictureStructure structure)
 {
@@ -297,44 +232,12 @@ private:
             return;
         }
         if (stopped_) return;
-        FramePtr frame = planar_frame();
+        FramePtr frame = planar_.take(*frame_);
         if (frame == nullptr) {
             ++report_.errors;
             return;
         }
-        stopped_ = !(*deliver_)(std::make_shared<FramePicture>(std::move(frame)));
-    }
-
-    // The received frame as 4:2:0, 8 bits, limited range: itself where it is that already.
-    FramePtr planar_frame()
-    {
-        FramePtr result(av_frame_alloc());
-        if (result == nullptr) return nullptr;
-        if (frame_->format == AV_PIX_FMT_YUV420P && frame_->color_range != AVCOL_RANGE_JPEG) {
-            av_frame_move_ref(result.get(), frame_.get());
-            return result;
-        }
-        result->format = AV_PIX_FMT_YUV420P;
-        result->width = frame_->width;
-        result->height = frame_->height;
-        result->pts = frame_->pts;
-        if (av_frame_get_buffer(result.get(), 0) < 0) return nullptr;
-        if (!convert(*frame_, *result)) return nullptr;
-        return result;
-    }
-
-    bool convert(const AVFrame &from, AVFrame &to)
-    {
-        const auto format = static_cast<AVPixelFormat>(from.format);
-        converter_.reset(sws_getCachedContext(converter_.release(), from.width, from.height, format, to.width,
-                                              to.height, AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr,
-                                              nullptr));
-        if (converter_ == nullptr) return false;
-        const int *table = sws_getCoefficients(SWS_CS_DEFAULT);
-        const int full_range = from.color_range == AVCOL_RANGE_JPEG ? 1 : 0;
-        sws_setColorspaceDetails(converter_.get(), table, full_range, table, 0, 0, 1 << 16, 1 << 16);
-        return sws_scale(converter_.get(), from.data, from.linesize, 0, from.height, to.data, to.linesize) ==
-               to.height;
+        stopped_ = !(*deliver_)(picture_in(std::move(frame)));
     }
 
     const CodecTraits &traits_;
@@ -344,7 +247,7 @@ private:
     PacketPtr packet_;
     FramePtr frame_;
     BufferPtr unit_; // a parsed frame
-    SwsPtr converter_;
+    PlanarFrames planar_;
     DisplayOrder order_;               // of H.264 pictures
     ParserPtr order_parser_;           // reads their order counts; null for the other codecs
     uint64_t unit_number_ = 0;         // of the access unit that went in last
@@ -357,36 +260,6 @@ private:
 };
 
 } // namespace
-
-EncodedBytes::EncodedBytes(const uint8_t *bytes, size_t size)
-    : buffer_(av_buffer_alloc(size + AV_INPUT_BUFFER_PADDING_SIZE)), size_(size)
-{
-    if (buffer_ == nullptr) return;
-    memcpy(buffer_->data, bytes, size);
-    memset(buffer_->data + size, 0, AV_INPUT_BUFFER_PADDING_SIZE);
-}
-
-EncodedBytes::~EncodedBytes()
-{
-    av_buffer_unref(&buffer_);
-}
-
-EncodedBytes::EncodedBytes(EncodedBytes &&other) noexcept
-    : buffer_(std::exchange(other.buffer_, nullptr)), size_(std::exchange(other.size_, 0))
-{
-}
-
-EncodedBytes &EncodedBytes::operator=(EncodedBytes &&other) noexcept
-{
-    std::swap(buffer_, other.buffer_);
-    std::swap(size_, other.size_);
-    return *this;
-}
-
-const uint8_t *EncodedBytes::data() const
-{
-    return buffer_ != nullptr ? buffer_->data : nullptr;
-}
 
 bool StreamDecoder::is_available(StreamCodec codec)
 {

@@ -14,35 +14,14 @@
 #include <functional>
 #include <memory>
 
+#include "host/encoded_bytes.h"
 #include "host/picture.h"
-
-struct AVBufferRef;
 
 namespace vboard
 {
 
 enum class StreamCodec { h264, h265, jpeg };
 constexpr size_t kStreamCodecs = 3;
-
-/* Encoded bytes with the padding that the decoder reads over. Empty when there was no memory. */
-class EncodedBytes
-{
-public:
-    EncodedBytes() = default;
-    EncodedBytes(const uint8_t *bytes, size_t size);
-    ~EncodedBytes();
-    EncodedBytes(EncodedBytes &&other) noexcept;
-    EncodedBytes &operator=(EncodedBytes &&other) noexcept;
-
-    explicit operator bool() const { return buffer_ != nullptr; }
-    size_t size() const { return size_; }
-    const uint8_t *data() const;
-    AVBufferRef *buffer() const { return buffer_; }
-
-private:
-    AVBufferRef *buffer_ = nullptr;
-    size_t size_ = 0;
-};
 
 /* What became of one send. */
 struct DecodeReport {
