@@ -3,7 +3,6 @@
 
 #include <pthread.h>
 
-#include <algorithm>
 #include <array>
 #include <condition_variable>
 #include <cstdio>
@@ -11,13 +10,12 @@
 #include <memory>
 #include <mutex>
 #include <thread>
-#include <vector>
 
-#include "host/scaler.h"
 #include "media/call.h"
 #include "media/display.h"
 #include "media/graph.h"
 #include "media/modules.h"
+#include "media/picture_scaler.h"
 #include "media/venc_channel.h"
 
 namespace vboard
@@ -28,39 +26,6 @@ namespace
 constexpr uint32_t kMaxSide = 4096; // pixels
 constexpr uint32_t kOwnDepth = 1;   // pictures waiting when no depth was set
 constexpr uint32_t kMaxDepth = 64;
-constexpr int kRowAlignment = 64;
-
-/* A picture with memory of its own. */
-class ScaledPicture : public Picture
-{
-public:
-    ScaledPicture(int width, int height, uint64_t time_stamp)
-    {
-        const int chroma_width = (width + 1) / 2;
-        const int strides[3] = {padded(width), padded(chroma_width), padded(chroma_width)};
-        const int rows[3] = {height, (height + 1) / 2, (height + 1) / 2};
-        size_t size = kRowAlignment; // vector loops may read past the last row's end
-        for (int plane = 0; plane < 3; ++plane)
-            size += static_cast<size_t>(strides[plane]) * static_cast<size_t>(rows[plane]);
-        bytes_.reset(new uint8_t[size]);
-        uint8_t *at = bytes_.get();
-        for (int plane = 0; plane < 3; ++plane) {
-            planes.plane[plane] = at;
-            planes.stride[plane] = strides[plane];
-            at += static_cast<size_t>(strides[plane]) * static_cast<size_t>(rows[plane]);
-        }
-        planes.width = width;
-        planes.height = height;
-        view = read_only(planes);
-        pts = time_stamp;
-    }
-
-    MutablePlanarView planes;
-
-private:
-    static int padded(int width) { return (width + kRowAlignment - 1) & ~(kRowAlignment - 1); }
-    std::unique_ptr<uint8_t[]> bytes_;
-};
 
 struct Channel {
     std::mutex control;
@@ -78,8 +43,7 @@ struct Channel {
     std::deque<PictureRefPtr> queue;
 
     // The worker's own.
-    Scaler to_delivered; // from the stream's size to the one the decoder's output port delivers
-    Scaler to_output;
+    PictureScaler scaler;
 
     std::thread worker;
     std::atomic<bool> stopping{false}; // the worker is to give up what it holds
@@ -114,46 +78,10 @@ template <typename Step> int32_t with_channel(uint32_t number, Step step)
     return step(channel);
 }
 
-bool has_part(const MI_Rect &part)
-{
-    return part.width != 0 && part.height != 0;
-}
-
-/*
- * The picture at the output's size, or null for want of memory. As in the display, one scaling does
- * where no dimension would be scaled twice.
- */
-std::shared_ptr<ScaledPicture> scale(Channel &channel, const PictureRef &ref, const MI_DIVP_ChnAttr &attr,
-                                     const MI_DIVP_OutputPortAttr &output)
-{
-    const PlanarView &stream = ref.picture().view;
-    const int width = static_cast<int>(output.width);
-    const int height = static_cast<int>(output.height);
-    auto result = std::make_shared<ScaledPicture>(width, height, ref.picture().pts);
-    const bool once_across = ref.width() == stream.width || ref.width() == width;
-    const bool once_down = ref.height() == stream.height || ref.height() == height;
-    const bool reduced = ref.width() != stream.width || ref.height() != stream.height;
-
-    std::unique_ptr<ScaledPicture> delivered;
-    PlanarView source = stream;
-    if (reduced && (has_part(attr.crop) || !once_across || !once_down)) {
-        delivered = std::make_unique<ScaledPicture>(ref.width(), ref.height(), 0);
-        if (!channel.to_delivered.scale(stream, delivered->planes)) return nullptr;
-        source = delivered->view;
-    }
-    if (has_part(attr.crop)) {
-        const MI_Rect &crop = attr.crop;
-        if (crop.x + crop.width > source.width || crop.y + crop.height > source.height) return nullptr;
-        source = part_of(source, crop.x, crop.y, crop.width, crop.height);
-    }
-    if (!channel.to_output.scale(source, result->planes)) return nullptr;
-    return result;
-}
-
 void scale_and_deliver(Channel &channel, uint32_t number, const PictureRefPtr &ref,
                        const MI_DIVP_ChnAttr &attr, const MI_DIVP_OutputPortAttr &output)
 {
-    auto picture = scale(channel, *ref, attr, output);
+    auto picture = channel.scaler.scale(*ref, attr, output);
     if (picture == nullptr || channel.stopping.load(std::memory_order_acquire)) return;
     auto scaled = std::make_shared<const PictureRef>(std::move(picture), static_cast<int>(output.width),
                                                      static_cast<int>(output.height), number, channel.tally);
