@@ -3,16 +3,15 @@
 
 #include <pthread.h>
 
-#include <algorithm>
 #include <array>
 #include <cstdio>
-#include <deque>
 #include <thread>
-#include <vector>
+#include <utility>
 
 #include "host/jpeg_encoder.h"
 #include "media/call.h"
 #include "media/clock.h"
+#include "media/encoded_images.h"
 #include "media/modules.h"
 
 namespace vboard
@@ -24,14 +23,6 @@ constexpr uint32_t kMaxSide = 4096; // pixels
 constexpr uint32_t kMaxBufferBytes = 64u << 20;
 constexpr uint32_t kOwnQuality = 90; // until one is set
 constexpr uint32_t kMaxQuality = 99;
-
-/* One encoded picture. */
-struct Image {
-    JpegImage jpeg;
-    uint64_t pts;
-    uint32_t sequence;
-    uintptr_t handle; // unique, from 1
-};
 
 struct Channel : Waitable { // `changed`: an image, or the state has changed
     std::mutex control;
@@ -45,12 +36,8 @@ struct Channel : Waitable { // `changed`: an image, or the state has changed
     uint64_t resets = 0; // an image begun before a reset is thrown away
     MI_VENC_ChnAttr attr = {};
     MI_VENC_JpegParam jpeg = {};
-    PictureRefPtr input;      // to be encoded next
-    std::deque<Image> images; // encoded, oldest first
-    std::vector<Image> lent;  // got, not yet released
-    uint64_t held_bytes = 0;  // of both
-    uint32_t sequence = 0;
-    uintptr_t last_handle = 0;
+    PictureRefPtr input; // to be encoded next
+    EncodedImages images;
 
     std::thread worker;
     std::atomic<bool> exists{false}; // for the graph, without a lock
@@ -88,8 +75,6 @@ void drop_everything(Channel &channel)
     ++channel.resets;
     channel.input.reset();
     channel.images.clear();
-    channel.lent.clear();
-    channel.held_bytes = 0;
     channel.work.notify_all();
     channel.room.notify_all();
 }
@@ -100,20 +85,12 @@ void keep_image(Channel &channel, uint32_t number, JpegImage jpeg, uint64_t pts)
         warn("encoder channel %u could not encode a picture", number);
         return;
     }
-    if (channel.held_bytes + jpeg.size() > channel.attr.stream_buffer_bytes) {
-        warn("encoder channel %u has no room for %zu bytes; the picture is lost", number, jpeg.size());
+    const size_t size = jpeg.size();
+    if (!channel.images.keep(std::move(jpeg), pts, channel.attr.stream_buffer_bytes)) {
+        warn("encoder channel %u has no room for %zu bytes; the picture is lost", number, size);
         return;
     }
-    channel.held_bytes += jpeg.size();
-    channel.images.push_back({std::move(jpeg), pts, channel.sequence++, ++channel.last_handle});
     channel.changed.notify_all();
-}
-
-/* Room for one more image of the size that the last one had. */
-bool has_room(const Channel &channel)
-{
-    const uint64_t expected = channel.images.empty() ? 0 : channel.images.back().jpeg.size();
-    return channel.held_bytes + expected <= channel.attr.stream_buffer_bytes;
 }
 
 void run_worker(Channel &channel, uint32_t number)
@@ -124,7 +101,8 @@ void run_worker(Channel &channel, uint32_t number)
     std::unique_lock lock(channel.mutex);
     for (;;) {
         channel.work.wait(lock, [&] {
-            return channel.quitting || (channel.input != nullptr && channel.receiving && has_room(channel));
+            return channel.quitting || (channel.input != nullptr && channel.receiving &&
+                                        channel.images.has_room(channel.attr.stream_buffer_bytes));
         });
         if (channel.quitting) return;
         PictureRefPtr ref = std::move(channel.input);
@@ -175,23 +153,6 @@ int32_t check_attr(const MI_VENC_ChnAttr &attr)
     return MI_SUCCESS;
 }
 
-/* Lend the oldest image out as a stream of one pack. */
-void lend_image(Channel &channel, MI_VENC_Stream &stream)
-{
-    channel.lent.push_back(std::move(channel.images.front()));
-    channel.images.pop_front();
-    const Image &image = channel.lent.back();
-    MI_VENC_Pack &pack = stream.packs[0];
-    pack = {};
-    pack.address = image.jpeg.bytes();
-    pack.length_bytes = static_cast<uint32_t>(image.jpeg.size());
-    pack.pts = image.pts;
-    pack.frame_end = 1;
-    stream.pack_count = 1;
-    stream.sequence = image.sequence;
-    stream.handle = image.handle;
-}
-
 } // namespace
 
 bool venc_channel_exists(uint32_t device, uint32_t number)
@@ -213,7 +174,7 @@ int32_t venc_create(uint32_t number, const MI_VENC_ChnAttr *attr)
     if (channel.created) return refuse(MI_MODULE_VENC, MI_REASON_EXISTS, "encoder channel %u", number);
     channel.attr = *attr;
     channel.jpeg = {kOwnQuality, 0};
-    channel.sequence = 0;
+    channel.images.number_from_0();
     channel.quitting = false;
     channel.worker = std::thread([&channel, number] { run_worker(channel, number); });
     channel.created = true;
@@ -303,11 +264,10 @@ int32_t venc_get_stream(uint32_t number, MI_VENC_Stream *stream, int32_t timeout
     std::unique_lock lock(channel.mutex);
     if (!channel.created) return not_created(number);
     const auto over = [&] { return !channel.created || !channel.receiving; };
-    const bool ended =
-        wait_until(channel, lock, deadline_us, [&] { return !channel.images.empty() || over(); });
+    const bool ended = wait_until(channel, lock, deadline_us, [&] { return channel.images.any() || over(); });
     if (!ended) return MI_ERROR(MI_MODULE_VENC, MI_REASON_TIMEOUT); // no refusal: a picture may be late
-    if (!channel.images.empty()) {
-        lend_image(channel, *stream);
+    if (channel.images.any()) {
+        channel.images.lend_oldest(*stream);
         return MI_SUCCESS;
     }
     return refuse(MI_MODULE_VENC, MI_REASON_NOT_READY, "encoder channel %u receives no pictures", number);
@@ -317,13 +277,9 @@ int32_t venc_release_stream(uint32_t number, MI_VENC_Stream *stream)
 {
     if (stream == nullptr) return refuse(MI_MODULE_VENC, MI_REASON_NULL_POINTER, "no stream");
     return with_channel(number, [&](Channel &channel) -> int32_t {
-        const auto image = std::find_if(channel.lent.begin(), channel.lent.end(),
-                                        [&](const Image &one) { return one.handle == stream->handle; });
-        if (image == channel.lent.end())
+        if (!channel.images.release(stream->handle))
             return refuse(MI_MODULE_VENC, MI_REASON_BAD_VALUE, "stream %zu is not lent by channel %u",
                           static_cast<size_t>(stream->handle), number);
-        channel.held_bytes -= image->jpeg.size();
-        channel.lent.erase(image);
         channel.work.notify_all();
         return MI_SUCCESS;
     });
