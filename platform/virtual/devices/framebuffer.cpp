@@ -1,15 +1,13 @@
 /*
- * framebuffer.cpp - the node "/dev/fb0": memory that really maps, the standard requests, and the
- * driver's own.
+ * framebuffer.cpp - the node "/dev/fb0": the standard requests, and the driver's own. Its memory is in
+ * framebuffer_memory.cpp.
  *
  * After power-on the layer is hidden and 1920 x 1080 in ARGB1555, without colour key and blending.
- * Setting the display size gives the device that resolution, in rows without gaps. The memory holds
- * 3840 x 2160 pixels of 16 bits; on a 64-bit PC it is mapped below 4 GiB, since the library tells
- * its address in a 32-bit word. After power-on it holds a pattern, not zeros. What lies below the
+ * Setting the display size gives the device that resolution, in rows without gaps. What lies below the
  * shown page is given back to the PC when the size or the format is set and reads as zero then, so
  * that a GUI costs the memory of its own page.
  *
- * One lock guards the settings; it is taken inside a canvas's lock. The memory is read without one,
+ * One lock guards the settings; it is taken inside a canvas's lock, and the memory's own inside it. The memory is read without one,
  * as a display reads it while it is written.
  */
 #include "devices/framebuffer.h"
@@ -18,12 +16,11 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-#include <fcntl.h>
 #include <mutex>
 #include <sys/mman.h>
-#include <unistd.h>
 
 #include "devices/framebuffer_blend.h"
+#include "devices/framebuffer_memory.h"
 #include "media/call.h"
 
 namespace vboard
@@ -32,10 +29,8 @@ namespace
 {
 
 constexpr char kPath[] = "/dev/fb0";
-constexpr int32_t kDevice = 0; // the display device that it lies over
-constexpr size_t kMemory_bytes = size_t{3840} * 2160 * 2;
+constexpr int32_t kDevice = 0;                    // the display device that it lies over
 constexpr uint32_t kPhysicalAddress = 0x2F000000; // as the library may report it; nothing reads it
-constexpr uint8_t kPowerOnByte = 0xA7;
 constexpr uint32_t kWidth_px = 1920, kHeight_px = 1080;
 constexpr uint32_t kLargestSide_px = 8192;
 
@@ -62,41 +57,26 @@ fb_bitfield bitfield(const PixelField &field)
 class Framebuffer
 {
 public:
-    Framebuffer()
-    {
-        memory_file_ = memfd_create("vboard framebuffer", MFD_CLOEXEC);
-        if (memory_file_ < 0 || ftruncate(memory_file_, kMemory_bytes) != 0) return;
-        void *memory = mmap(nullptr, kMemory_bytes, PROT_READ | PROT_WRITE, MAP_SHARED, memory_file_, 0);
-        if (memory != MAP_FAILED) memory_ = static_cast<uint8_t *>(memory);
-        power_on();
-    }
+    Framebuffer() { power_on(); }
 
-    bool is_there() const { return memory_ != nullptr; }
+    bool is_there() const { return memory_.is_there(); }
 
     void reset()
     {
         const std::lock_guard guard(mutex_);
         power_on();
-        forget_from(0);
+        memory_.forget_from(0);
     }
 
     void *map(size_t size)
     {
-        if (size == 0 || size > kMemory_bytes) {
-            refuse_value("%zu bytes of its %zu cannot be mapped", size, kMemory_bytes);
+        if (size == 0 || size > kFramebufferMemory_bytes) {
+            refuse_value("%zu bytes of its %zu cannot be mapped", size, kFramebufferMemory_bytes);
             return nullptr;
         }
-        int flags = MAP_SHARED;
-#ifdef MAP_32BIT
-        flags |= MAP_32BIT;
-#endif
-        void *address = mmap(nullptr, size, PROT_READ | PROT_WRITE, flags, memory_file_, 0);
-        if (address != MAP_FAILED) {
-            fill_once();
-            return address;
-        }
-        refuse_plainly("%s: no room below 4 GiB to map %zu bytes", kPath, size);
-        return nullptr;
+        void *address = memory_.map(size);
+        if (address == nullptr) refuse_plainly("%s: no room below 4 GiB to map %zu bytes", kPath, size);
+        return address;
     }
 
     int request(unsigned long number, void *record)
@@ -125,7 +105,7 @@ public:
     bool is_shown()
     {
         const std::lock_guard guard(mutex_);
-        return shown_ != 0 && memory_ != nullptr;
+        return shown_ != 0 && memory_.is_there();
     }
 
     bool has_visible_pixels(int width, int height)
@@ -133,17 +113,14 @@ public:
         return framebuffer_has_visible_pixels(view(), colours_, width, height);
     }
 
-    void draw(const MutablePlanarView &picture)
-    {
-        blend_framebuffer(view(), colours_, picture);
-    }
+    void draw(const MutablePlanarView &picture) { blend_framebuffer(view(), colours_, picture); }
 
 private:
     FramebufferView view()
     {
         const std::lock_guard guard(mutex_);
-        return {memory_,
-                kMemory_bytes,
+        return {memory_.bytes(),
+                kFramebufferMemory_bytes,
                 fixed().line_length,
                 format_,
                 variable_.xoffset,
@@ -165,18 +142,10 @@ private:
         return 0;
     }
 
-    // A chip's memory holds anything after power-on: whoever maps it first must clear it.
-    void fill_once()
-    {
-        const std::lock_guard guard(mutex_);
-        if (!is_filled_) memset(memory_, kPowerOnByte, kMemory_bytes);
-        is_filled_ = true;
-    }
-
     void power_on()
     {
         shown_ = 0;
-        is_filled_ = false;
+        memory_.power_on();
         key_ = {};
         alpha_ = {};
         layer_ = {};
@@ -202,31 +171,19 @@ private:
     {
         variable_.xres = variable_.xres_virtual = layer_.display_width = width;
         variable_.yres = layer_.display_height = height;
-        variable_.yres_virtual = static_cast<uint32_t>(kMemory_bytes / line_bytes());
+        variable_.yres_virtual = static_cast<uint32_t>(kFramebufferMemory_bytes / line_bytes());
         variable_.xoffset = variable_.yoffset = 0;
-        forget_from(line_bytes() * height);
+        memory_.forget_from(line_bytes() * height);
     }
 
-    // Zero bytes from here to the end of the memory, without a page of the PC under them.
-    void forget_from(size_t offset)
-    {
-        if (memory_ == nullptr || offset >= kMemory_bytes) return;
-        if (fallocate(memory_file_, FALLOC_FL_PUNCH_HOLE | FALLOC_FL_KEEP_SIZE, static_cast<off_t>(offset),
-                      static_cast<off_t>(kMemory_bytes - offset)) != 0)
-            memset(memory_ + offset, 0, kMemory_bytes - offset);
-    }
-
-    size_t line_bytes() const
-    {
-        return size_t{variable_.xres_virtual} * variable_.bits_per_pixel / 8;
-    }
+    size_t line_bytes() const { return size_t{variable_.xres_virtual} * variable_.bits_per_pixel / 8; }
 
     fb_fix_screeninfo fixed() const
     {
         fb_fix_screeninfo fixed = {};
         snprintf(fixed.id, sizeof fixed.id, "vboard");
         fixed.smem_start = kPhysicalAddress;
-        fixed.smem_len = kMemory_bytes;
+        fixed.smem_len = kFramebufferMemory_bytes;
         fixed.type = FB_TYPE_PACKED_PIXELS;
         fixed.visual = FB_VISUAL_TRUECOLOR;
         fixed.xpanstep = fixed.ypanstep = 1;
@@ -237,7 +194,7 @@ private:
     static bool fits(uint32_t width, uint32_t height, uint32_t bits)
     {
         return width >= 1 && height >= 1 && width <= kLargestSide_px && height <= kLargestSide_px &&
-               uint64_t{width} * bits / 8 * height <= kMemory_bytes;
+               uint64_t{width} * bits / 8 * height <= kFramebufferMemory_bytes;
     }
 
     int set_screen(const fb_var_screeninfo &wanted)
@@ -296,13 +253,11 @@ private:
         return 0;
     }
 
-    int memory_file_ = -1;
-    uint8_t *memory_ = nullptr; // the board's own view of it
-    OverlayColours colours_;    // of the one canvas that draws
+    FramebufferMemory memory_;
+    OverlayColours colours_; // of the one canvas that draws
 
     std::mutex mutex_; // guards what follows
     uint8_t shown_ = 0;
-    bool is_filled_ = false; // with kPowerOnByte, since power-on
     const PixelFormat *format_ = nullptr;
     fb_var_screeninfo variable_ = {};
     FbDisplayLayer layer_ = {};
