@@ -1,4 +1,4 @@
-/* player.cpp - see player.h. */
+/* player.cpp - see player.h: into playback and back, pages, and what is on the screen. */
 #include "play/player.h"
 
 #include <algorithm>
@@ -16,14 +16,7 @@ namespace nvrec
 namespace
 {
 
-constexpr double kSkip_s = 10;
 constexpr auto kLastSound = std::chrono::seconds(2);
-constexpr double kSpeeds[] = {1, 2, 4};
-
-int64_t microseconds(double seconds)
-{
-    return static_cast<int64_t>(seconds * 1e6);
-}
 
 } // namespace
 
@@ -70,11 +63,6 @@ Clock::time_point Player::take_turn(Clock::time_point /*now*/)
 int Player::pages_of(int files)
 {
     return (files + Playback::kPlayers - 1) / Playback::kPlayers;
-}
-
-bool Player::is_speed(double times)
-{
-    return std::find(std::begin(kSpeeds), std::end(kSpeeds), times) != std::end(kSpeeds);
 }
 
 int Player::pages() const
@@ -254,39 +242,6 @@ void Player::on_layout()
     playback_.thaw(shown);
 }
 
-void Player::pause(bool paused)
-{
-    if (playing_) playback_.pause(paused);
-}
-
-void Player::seek(double position_s)
-{
-    if (playing_) playback_.seek(microseconds(position_s));
-}
-
-void Player::skip(double by_s)
-{
-    if (playing_) playback_.seek(playback_.position_us() + microseconds(by_s));
-}
-
-void Player::set_speed(double speed)
-{
-    if (playing_) playback_.set_speed(speed);
-}
-
-void Player::enlarge(int file)
-{
-    if (!playing_ || file >= static_cast<int>(options_.files.size())) return;
-    if (file >= 0) turn_to_page(file / Playback::kPlayers);
-    wall_->enlarge(file < 0 ? -1 : file % Playback::kPlayers);
-}
-
-void Player::turn_to_page(int page)
-{
-    if (!playing_ || page < 0 || page >= pages() || page == page_ || tracks_of(page).empty()) return;
-    change_page(page);
-}
-
 void Player::change_page(int page)
 {
     playback_.freeze();
@@ -294,61 +249,6 @@ void Player::change_page(int page)
     page_ = page;
     count_from_here();
     show_files();
-}
-
-void Player::hear(int file)
-{
-    if (playing_ && file < static_cast<int>(options_.files.size())) playback_.listen_to(file);
-}
-
-void Player::end()
-{
-    wall_->end(kExitDone);
-}
-
-void Player::fail(int exit_code, const std::string &line)
-{
-    if (!line.empty()) wall_->terminal().error(line);
-    if (exit_code_ == kExitDone) exit_code_ = exit_code;
-}
-
-bool Player::on_key(Key key)
-{
-    if (key == Key::kPlay) {
-        play();
-        return true;
-    }
-    if (!playing_) return false;
-    switch (key) {
-    case Key::kPause: pause(!playback_.paused()); return true;
-    case Key::kStop: live(); return true;
-    case Key::kFaster: {
-        const auto *next = std::upper_bound(std::begin(kSpeeds), std::end(kSpeeds), playback_.speed());
-        set_speed(next == std::end(kSpeeds) ? kSpeeds[0] : *next);
-        return true;
-    }
-    case Key::kLeft: skip(-kSkip_s); return true;
-    case Key::kRight: skip(kSkip_s); return true;
-    case Key::kPrevious: seek(0); return true;
-    case Key::kNext: turn_to_page(page_after(page_)); return true;
-    case Key::kEnter: wall_->enlarge(wall_->enlarged() < 0 ? wall_->selected() : -1); return true;
-    case Key::kBack:
-        if (wall_->enlarged() < 0) return false;
-        wall_->enlarge(-1);
-        return true;
-    default: return false;
-    }
-}
-
-bool Player::on_pointer(const PointerEvent &event)
-{
-    if (!playing_ || (event.pressed & 1) == 0) return false;
-    const int channel = channel_at(wall_->session().panes(), event.x, event.y);
-    if (clicks_.is_second(channel, Clock::now()))
-        wall_->enlarge(wall_->enlarged() < 0 ? channel : -1);
-    else if (channel >= 0)
-        wall_->select(channel);
-    return channel >= 0;
 }
 
 std::string Player::progress(double seconds) const
