@@ -11,7 +11,6 @@ namespace
 
 int32_t init_two_cameras()
 {
-    unplug_framebuffer();
     DeviceParams params = device_params(2);
     return ext_device_init(&params);
 }
@@ -58,7 +57,6 @@ TEST(InitStage, DisplayFailureEndsStartUp)
 TEST(InitStage, UnsupportedTimingEndsStartUp)
 {
     enNorm_vga = 12;
-    unplug_framebuffer();
     DeviceParams params = device_params(1);
     params.vo_dev_type = 3; // leaves the timing code as it is
     EXPECT_EQ(ext_device_init(&params), -1);
@@ -103,7 +101,6 @@ TEST(InitStage, WatchdogFailureIsOnlyReported)
 
 TEST(InitStage, SdkInitReadsTheBlockThatItIsGiven)
 {
-    unplug_framebuffer();
     DeviceParams params = device_params(3);
     DdvrInputParam = device_params(7);
     ASSERT_EQ(nvrhal::sdk_init(&params), 0);

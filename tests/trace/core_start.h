@@ -21,16 +21,9 @@ inline DeviceParams device_params(int32_t cameras, int32_t gui_width = 1920, int
     return params;
 }
 
-/** A board without framebuffer: start-up goes on without it, and there is nothing to map. */
-inline void unplug_framebuffer()
-{
-    recording::platform.node("/dev/fb0").fails_to_open();
-}
-
 /** Start the library and forget how it went. */
 inline int32_t start_library(int32_t cameras, int32_t gui_width = 1920, int32_t gui_height = 1080)
 {
-    unplug_framebuffer();
     DeviceParams params = device_params(cameras, gui_width, gui_height);
     int32_t result = ext_device_init(&params);
     recording::platform.forget();
