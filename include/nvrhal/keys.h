@@ -10,6 +10,7 @@
 #include "nvrhal/api.h"
 #include "nvrhal/input_nodes.h"
 #include "nvrhal/key_codes.h"
+#include "nvrhal/limits.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -41,14 +42,14 @@ typedef struct KeyEvent {
 
 /**
  * Key presses that wait for ext_keyboard_value, guarded by g_key_lock. The writer goes round the
- * first 128 slots and does not look whether they are free: when it laps the reader, the queue reads
- * as empty and the waiting keys are lost. The reader goes round all 256, and finds slots 128 to 255
- * unwritten. Empty when both indexes are equal.
+ * first NVRHAL_KEY_WRITER_SLOTS slots and does not look whether they are free: when it laps the reader,
+ * the queue reads as empty and the waiting keys are lost. The reader goes round all of them, and finds
+ * those behind the writer's unwritten. Empty when both indexes are equal.
  */
 typedef struct KeyQueue {
-    KeyEvent slots[256];  /* key presses, each at its index */
-    uint32_t read_index;  /* 0 to 255                       */
-    uint32_t write_index; /* 0 to 127                       */
+    KeyEvent slots[NVRHAL_KEY_SLOTS]; /* key presses, each at its index        */
+    uint32_t read_index;              /* 0 to NVRHAL_KEY_SLOTS - 1             */
+    uint32_t write_index;             /* 0 to NVRHAL_KEY_WRITER_SLOTS - 1      */
 } KeyQueue;
 
 /** The key queue. */

@@ -12,6 +12,10 @@
 #define NVRHAL_PLAYBACK_CHANNELS 8  /* channels that ext_playback_set_buf plays                         */
 #define NVRHAL_STORED_CHANNELS   8  /* channels that a frame pool stores: 0 to 7, whatever N is         */
 
+/* The key queue: how many slots its reader goes round, and how many of them its writer. */
+#define NVRHAL_KEY_SLOTS        256
+#define NVRHAL_KEY_WRITER_SLOTS 128
+
 /* Live frames and the playback buffer. */
 #define NVRHAL_MAX_SEND_BYTES 655360 /* largest live frame or audio block, and the playback buffer      */
 

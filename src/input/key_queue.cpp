@@ -27,9 +27,8 @@ namespace
 {
 
 constexpr uint32_t kIrRemoteSource = 2;
-constexpr uint32_t kWriterSlots = 128;
-constexpr uint32_t kReaderSlots = 256;
-static_assert(sizeof key_que.slots / sizeof key_que.slots[0] == kReaderSlots);
+constexpr uint32_t kWriterSlots = NVRHAL_KEY_WRITER_SLOTS;
+constexpr uint32_t kReaderSlots = NVRHAL_KEY_SLOTS;
 
 } // namespace
 

@@ -3,6 +3,9 @@
 
 #include <cstring>
 
+static_assert(VBOARD_DECODER_CHANNELS >= NVRHAL_MAX_DECODERS,
+              "every camera, and the spare one, has a decoder");
+
 namespace session
 {
 namespace

@@ -62,7 +62,7 @@ TEST_F(BadCalls, MissingRecordsAndPayloadsAreRefused)
     FrameInfo info = frame(2);
     info.data = nullptr;
     EXPECT_EQ(ext_send_stream(&info, 1, 0, 0), -1);
-    for (const uint32_t length : {0u, 655361u, 0x80000000u, 0xffffffffu}) {
+    for (const uint32_t length : {0u, NVRHAL_MAX_SEND_BYTES + 1u, 0x80000000u, 0xffffffffu}) {
         info = frame(2);
         info.length = length; // refused before a byte is read
         EXPECT_EQ(ext_send_stream(&info, 1, 0, 0), -1) << length;

@@ -86,8 +86,9 @@ TEST_F(Guide, TellsTheLargestFramesOfThePools)
     const struct {
         uint32_t largest;
         int32_t (*store)(uint32_t, const FrameInfo *);
-    } kPools[] = {{131072, ext_set_network_video_stream}, {340, ext_set_audio_stream}};
-    std::vector<uint8_t> bytes(400000);
+    } kPools[] = {{NVRHAL_SUB_FRAME_BYTES, ext_set_network_video_stream},
+                  {NVRHAL_AUDIO_FRAME_BYTES, ext_set_audio_stream}};
+    std::vector<uint8_t> bytes(NVRHAL_MAIN_FRAME_BYTES + 1);
     FrameInfo frame = {};
     frame.data = bytes.data();
     for (const auto &pool : kPools) {
@@ -98,13 +99,13 @@ TEST_F(Guide, TellsTheLargestFramesOfThePools)
         EXPECT_NE(file_text(GUIDE).find(std::to_string(pool.largest)), std::string::npos);
     }
     FrameInfo got = {};
-    frame.length = 393216;
+    frame.length = NVRHAL_MAIN_FRAME_BYTES;
     EXPECT_EQ(ext_set_primary_video_stream(0, &frame), 0);
     EXPECT_EQ(ext_get_primary_video_stream(0, &got), 0);
-    frame.length = 393217;
+    frame.length = NVRHAL_MAIN_FRAME_BYTES + 1;
     EXPECT_EQ(ext_set_primary_video_stream(0, &frame), 0) << "refused, and says 0";
     EXPECT_EQ(ext_get_primary_video_stream(0, &got), -1);
-    EXPECT_NE(file_text(GUIDE).find("393216"), std::string::npos);
+    EXPECT_NE(file_text(GUIDE).find(std::to_string(NVRHAL_MAIN_FRAME_BYTES)), std::string::npos);
 }
 
 } // namespace

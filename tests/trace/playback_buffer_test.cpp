@@ -298,8 +298,9 @@ TEST_F(PlaybackSetBuf, VideoWithoutAnAddressIsLeftToTheDecoderToRefuse)
 struct AudioRow {
     uint32_t length, frames;
 };
-constexpr AudioRow kAudioRows[] = {{1, 0},   {323, 0}, {324, 1},   {325, 1},      {644, 1},
-                                   {647, 1}, {648, 2}, {3244, 10}, {655360, 2022}};
+constexpr AudioRow kAudioRows[] = {{1, 0},   {323, 0},   {324, 1},
+                                   {325, 1}, {644, 1},   {647, 1},
+                                   {648, 2}, {3244, 10}, {NVRHAL_MAX_SEND_BYTES, 2022}};
 
 class PlaybackAudio : public testing::TestWithParam<AudioRow>
 {

@@ -49,22 +49,23 @@ int32_t init_with_failure(const StreamPoolConfig &config, int nth_allocation)
 
 TEST(StreamInit, PreparesAnEmptyChannel)
 {
-    const StreamChannel &channel = make_pool(STREAM_POOL_MAIN, {0x60000, 0xF0000, 768}, 2);
+    const StreamChannel &channel = make_pool(
+        STREAM_POOL_MAIN, {NVRHAL_MAIN_FRAME_BYTES, NVRHAL_MAIN_RING_BYTES, NVRHAL_MAIN_RING_FRAMES}, 2);
     for (const StreamChannel *c = &channel; c != &channel + 2; ++c) {
         EXPECT_EQ(c->cur_index, -1);
         EXPECT_EQ(c->next_index, 0u);
         EXPECT_EQ(c->index_circle, 0u);
         EXPECT_EQ(c->data_pos, 0u);
         EXPECT_EQ(c->data_circle, 0u);
-        EXPECT_EQ(c->max_frame_len, 0x60000);
+        EXPECT_EQ(c->max_frame_len, NVRHAL_MAIN_FRAME_BYTES);
         EXPECT_EQ(c->wrap_data_end, 0u);
         EXPECT_EQ(c->wrap_index, 0u);
-        EXPECT_EQ(c->safe_diff, 0x60000);
-        EXPECT_EQ(c->data_size, 0xF0000);
+        EXPECT_EQ(c->safe_diff, NVRHAL_MAIN_FRAME_BYTES);
+        EXPECT_EQ(c->data_size, NVRHAL_MAIN_RING_BYTES);
         EXPECT_EQ(c->resync_step, 12);
         EXPECT_EQ(c->block_max_frames, 256);
-        EXPECT_EQ(c->index_num, 768);
-        for (int i = 0; i < 768; ++i) {
+        EXPECT_EQ(c->index_num, NVRHAL_MAIN_RING_FRAMES);
+        for (int i = 0; i < NVRHAL_MAIN_RING_FRAMES; ++i) {
             EXPECT_EQ(c->p_stream_index[i].data_circle, static_cast<uint32_t>(-3));
             EXPECT_EQ(c->p_stream_index[i].frame_type, 0);
             EXPECT_EQ(c->p_stream_index[i].data_end, 0u);

@@ -58,7 +58,8 @@ std::optional<std::pair<int, std::string>> camera_name(const std::string &text)
 std::string check_camera_name(const std::string &text)
 {
     if (camera_name(text)) return "";
-    return "'" + text + "' is not CH=TEXT with a channel of 0 to 15 and a text in UTF-8 or GB2312";
+    return "'" + text + "' is not CH=TEXT with a channel of 0 to " + std::to_string(NVRHAL_MAX_CAMERAS - 1) +
+           " and a text in UTF-8 or GB2312";
 }
 
 std::string check_address(const std::string &text)

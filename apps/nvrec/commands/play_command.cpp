@@ -114,7 +114,8 @@ int run_play(PlayCommand command)
 Command play_command(CLI::App &app)
 {
     auto command = std::make_shared<PlayCommand>();
-    CLI::App *play = app.add_subcommand("play", "Play 1 to 16 recorded files on one screen");
+    CLI::App *play = app.add_subcommand("play", "Play 1 to " + std::to_string(kMostInputs) +
+                                                    " recorded files on one screen");
     play->footer(
         "File and channel numbers count from 0 in the order given. Eight files play at once; of more,\n"
         "each eight make a page. --do acts at given seconds, e.g. --do \"2:pause,3:resume,4:seek 10\";\n"

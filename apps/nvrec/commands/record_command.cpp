@@ -53,7 +53,8 @@ bool read_network_addresses(const std::vector<std::string> &texts, size_t channe
 
 Command record_command(CLI::App &app)
 {
-    CLI::App *record = app.add_subcommand("record", "Record 1 to 8 cameras, and show them");
+    CLI::App *record = app.add_subcommand("record", "Record 1 to " + std::to_string(kMostRecorded) +
+                                                        " cameras, and show them");
     const WallCommandLine line = add_wall_options(*record, kMostRecorded);
     auto options = std::make_shared<RecordOptions>();
     auto network = std::make_shared<std::vector<std::string>>();

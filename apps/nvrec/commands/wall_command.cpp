@@ -100,7 +100,8 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
 
 Command wall_command(CLI::App &app)
 {
-    CLI::App *wall = app.add_subcommand("wall", "Show 1 to 16 cameras on one screen");
+    CLI::App *wall =
+        app.add_subcommand("wall", "Show 1 to " + std::to_string(kMostInputs) + " cameras on one screen");
     const WallCommandLine line = add_wall_options(*wall, kMostInputs);
     return {wall, [line] { return line.run({}); }};
 }

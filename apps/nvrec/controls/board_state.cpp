@@ -25,9 +25,9 @@ struct LineName {
 };
 
 constexpr LineName kLines[] = {
-    {BOARD_LINE_WIFI_POWER, "25 Wi-Fi power"}, {BOARD_LINE_WIFI_RESET, "26 Wi-Fi reset"},
-    {BOARD_LINE_BUZZER, "28 buzzer"},          {BOARD_LINE_RECORD, "34 record"},
-    {BOARD_LINE_DISK_LED, "90 disk LED"},
+    {BOARD_LINE_WIFI_POWER, "Wi-Fi power"}, {BOARD_LINE_WIFI_RESET, "Wi-Fi reset"},
+    {BOARD_LINE_BUZZER, "buzzer"},          {BOARD_LINE_RECORD, "record"},
+    {BOARD_LINE_DISK_LED, "disk LED"},
 };
 
 std::string level_text(uint32_t line)
@@ -39,7 +39,7 @@ std::string level_text(uint32_t line)
 void add_lines(std::vector<BoardRow> *rows)
 {
     for (const LineName &line : kLines)
-        rows->push_back({"line", line.name, level_text(line.line)});
+        rows->push_back({"line", text("%u %s", line.line, line.name), level_text(line.line)});
 }
 
 void add_panel(const host::BoardState::Panel &panel, std::vector<BoardRow> *rows)

@@ -12,6 +12,7 @@
 #include <array>
 #include <atomic>
 
+#include "nvrhal/limits.h"
 #include "wall/module.h"
 
 namespace nvrec
@@ -26,7 +27,7 @@ public:
     void stop() override;
 
 private:
-    static constexpr size_t kMostChannels = 64;
+    static constexpr size_t kMostChannels = NVRHAL_MAX_CAMERAS;
 
     void read_clock();
     void drive_lamp();

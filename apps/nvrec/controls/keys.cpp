@@ -11,9 +11,9 @@ namespace
 {
 
 constexpr auto kWatchPeriod = std::chrono::milliseconds(20);
-constexpr int kMostKeysATurn = 512;    /* twice round the queue: a stuck key must not stop the wall */
-constexpr uint32_t kPanelSource = 1;   /* KeyEvent::source; the library's own is 2, the remote */
-constexpr uint32_t kWriterSlots = 128; /* of the key queue */
+constexpr int kMostKeysATurn =
+    2 * NVRHAL_KEY_SLOTS;            /* twice round the queue: a stuck key must not stop the wall */
+constexpr uint32_t kPanelSource = 1; /* KeyEvent::source; the library's own is 2, the remote */
 
 uint32_t keys_written()
 {
@@ -24,10 +24,10 @@ uint32_t keys_written()
 void enqueue_panel_key(uint32_t code)
 {
     pthread_mutex_lock(&g_key_lock);
-    const uint32_t index = keys_written() % kWriterSlots;
+    const uint32_t index = keys_written() % NVRHAL_KEY_WRITER_SLOTS;
     key_que.slots[index].source = kPanelSource;
     key_que.slots[index].code = code;
-    __atomic_store_n(&key_que.write_index, (index + 1) % kWriterSlots, __ATOMIC_RELAXED);
+    __atomic_store_n(&key_que.write_index, (index + 1) % NVRHAL_KEY_WRITER_SLOTS, __ATOMIC_RELAXED);
     pthread_mutex_unlock(&g_key_lock);
 }
 

@@ -7,8 +7,8 @@
  * shown page is given back to the PC when the size or the format is set and reads as zero then, so
  * that a GUI costs the memory of its own page.
  *
- * One lock guards the settings; it is taken inside a canvas's lock, and the memory's own inside it. The memory is read without one,
- * as a display reads it while it is written.
+ * One lock guards the settings; it is taken inside a canvas's lock, and the memory's own inside it. The
+ * memory is read without one, as a display reads it while it is written.
  */
 #include "devices/framebuffer.h"
 
@@ -22,6 +22,7 @@
 #include "devices/framebuffer_blend.h"
 #include "devices/framebuffer_memory.h"
 #include "media/call.h"
+#include "media/output_timing.h"
 
 namespace vboard
 {
@@ -31,7 +32,6 @@ namespace
 constexpr char kPath[] = "/dev/fb0";
 constexpr int32_t kDevice = 0;                    // the display device that it lies over
 constexpr uint32_t kPhysicalAddress = 0x2F000000; // as the library may report it; nothing reads it
-constexpr uint32_t kWidth_px = 1920, kHeight_px = 1080;
 constexpr uint32_t kLargestSide_px = 8192;
 
 [[gnu::format(printf, 1, 2)]] int refuse_value(const char *format, ...)
@@ -151,9 +151,9 @@ private:
         layer_ = {};
         variable_ = {};
         use_format(*find_pixel_format(FB_COLOR_ARGB1555));
-        use_size(kWidth_px, kHeight_px);
-        layer_.dst_width = kWidth_px;
-        layer_.dst_height = kHeight_px;
+        use_size(kUsualWidth_px, kUsualHeight_px);
+        layer_.dst_width = kUsualWidth_px;
+        layer_.dst_height = kUsualHeight_px;
     }
 
     void use_format(const PixelFormat &format)

@@ -152,6 +152,8 @@ typedef struct vboard_port_stat {
 /** Read a port's state. 0, or -1. */
 int vboard_port_get_stat(int32_t device, uint32_t port, vboard_port_stat *stat);
 
+#define VBOARD_DECODER_CHANNELS 64 /* numbered from 0 */
+
 /** A decoder channel number. Counters run since the start of the board, over re-creations. */
 typedef struct vboard_decoder_stat {
     uint32_t created, started; /* 1 = yes                                                        */

@@ -29,12 +29,12 @@ void add_panes(const DisplayState &display, Device &owner, const Device &output,
     }
 }
 
-// The size of a device's output; that of 1080p where no timing was ever set.
+// The size of a device's output, also where no timing was ever set.
 void set_output_size(const Device &device, Scene &scene)
 {
     const OutputTiming *timing = device.has_attr ? find_output_timing(device.attr.timing) : nullptr;
-    scene.width = timing != nullptr ? timing->width : 1920;
-    scene.height = timing != nullptr ? timing->height : 1080;
+    scene.width = timing != nullptr ? timing->width : kUsualWidth_px;
+    scene.height = timing != nullptr ? timing->height : kUsualHeight_px;
 }
 
 } // namespace

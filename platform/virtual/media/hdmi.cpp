@@ -24,9 +24,6 @@ namespace vboard
 namespace
 {
 
-constexpr uint32_t kMonitorWidth = 1920; // what the monitor says it likes best
-constexpr uint32_t kMonitorHeight = 1080;
-
 struct Hdmi {
     std::mutex mutex;
     bool initialised = false;
@@ -155,7 +152,7 @@ int32_t get_sink(uint32_t device, MI_HDMI_SinkInfo *info)
     if (info == nullptr) return refuse(MI_MODULE_HDMI, MI_REASON_NULL_POINTER, "no record to fill");
     return with_open(device, [&](Hdmi &hdmi) -> int32_t {
         if (!hdmi.plugged) return refuse(MI_MODULE_HDMI, MI_REASON_ABSENT, "no monitor is plugged in");
-        *info = {1, 1, kMonitorWidth, kMonitorHeight};
+        *info = {1, 1, kUsualWidth_px, kUsualHeight_px};
         return MI_SUCCESS;
     });
 }

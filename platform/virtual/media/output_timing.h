@@ -13,6 +13,12 @@ struct OutputTiming {
     uint16_t rate_hz;
 };
 
+/*
+ * The output's size before any timing is set, and what the monitor likes best. The framebuffer has it
+ * after power-on.
+ */
+constexpr uint16_t kUsualWidth_px = 1920, kUsualHeight_px = 1080;
+
 /* Null: no such timing. */
 const OutputTiming *find_output_timing(uint32_t value);
 

@@ -19,7 +19,7 @@
 namespace vboard
 {
 
-constexpr uint32_t kDecoderChannels = 64;
+constexpr uint32_t kDecoderChannels = VBOARD_DECODER_CHANNELS;
 
 /* Created, in whatever state. */
 bool vdec_exists(uint32_t channel);
