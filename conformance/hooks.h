@@ -59,6 +59,12 @@ typedef struct ConformanceHooks {
      * that it resets: there the suite never lets it run out.
      */
     int (*watchdog_expired)(void);
+
+    /*
+     * 1 for a simulated chip that decodes nothing: its snapshots are pictures, but not of what was sent.
+     * Points that tell pictures by their colours are then not tried.
+     */
+    int decodes_nothing;
 } ConformanceHooks;
 
 extern const ConformanceHooks conformance_hooks;

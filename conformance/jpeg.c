@@ -4,6 +4,9 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include "hooks.h"
+#include "suite.h"
+
 typedef struct Huffman {
     uint8_t count[17]; /* codes of each length, 1 to 16 */
     uint8_t symbol[256];
@@ -254,6 +257,8 @@ static uint8_t clipped(double value)
 
 void jpeg_colour(const JpegLook *look, uint32_t x, uint32_t y, uint8_t rgb[3])
 {
+    if (conformance_hooks.decodes_nothing)
+        not_tried("this board decodes nothing: snapshots do not show what was sent");
     double value[3];
     for (int i = 0; i < 3; ++i) {
         const uint32_t column = x * look->horizontal[i] / (8 * look->horizontal[0]);

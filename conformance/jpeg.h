@@ -26,7 +26,7 @@ typedef struct JpegLook {
 bool jpeg_look(const uint8_t *bytes, size_t size, JpegLook *look);
 void jpeg_free(JpegLook *look);
 
-/* Mean colour of the block that a pixel lies in. */
+/* Mean colour of the block that a pixel lies in. Ends the point where the board decodes nothing. */
 void jpeg_colour(const JpegLook *look, uint32_t x, uint32_t y, uint8_t rgb[3]);
 
 #endif

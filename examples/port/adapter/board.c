@@ -11,7 +11,7 @@
 #include "gpio_driver.h"
 #include "node.h"
 
-enum { kFirstDescriptor = 100, kMostOpen = 64 };
+enum { kFirstDescriptor = 100, kMostOpen = 64, kMostMapped = 256 };
 
 typedef struct Opening {
     const NodeKind *kind; /* null = free */
@@ -20,13 +20,19 @@ typedef struct Opening {
     int closing; /* the last of them lets go */
 } Opening;
 
+typedef struct Mapping {
+    void *address;
+    size_t size; /* 0 = free */
+} Mapping;
+
 static const NodeKind *const nodes[] = {
     &node_framebuffer, &node_watchdog, &node_clock, &node_lines,
     &node_panel,       &node_remote,   &node_mouse, &node_analog,
 };
 
-static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER; /* guards the table, no call of a node */
+static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER; /* guards the tables, no call of a node */
 static Opening table[kMostOpen];
+static Mapping mappings[kMostMapped];
 
 int node_refuses_value(void)
 {
@@ -132,6 +138,19 @@ int board_ioctl(int descriptor, unsigned long request, void *argument)
     return result;
 }
 
+/* The memory is the support package's, mapped once for all: a mapping is that somebody asked for it. */
+static int note_mapping(void *address, size_t size)
+{
+    int noted = 0;
+    pthread_mutex_lock(&lock);
+    for (int i = 0; i < kMostMapped && !noted; ++i) {
+        noted = mappings[i].size == 0;
+        if (noted) mappings[i] = (Mapping){address, size};
+    }
+    pthread_mutex_unlock(&lock);
+    return noted;
+}
+
 void *board_map(int descriptor, size_t size)
 {
     Opening *opening = use(descriptor);
@@ -142,13 +161,21 @@ void *board_map(int descriptor, size_t size)
     else
         errno = ENODEV;
     stop_using(opening);
-    return address;
+    if (address == NULL || note_mapping(address, size)) return address;
+    errno = ENOMEM;
+    return NULL;
 }
 
-/* The memory is the support package's, mapped once for all: there is nothing to undo. */
 int board_unmap(void *address, size_t size)
 {
-    return address != NULL && size != 0 ? 0 : node_refuses_value();
+    int found = 0;
+    pthread_mutex_lock(&lock);
+    for (int i = 0; i < kMostMapped && !found; ++i) {
+        found = size > 0 && mappings[i].address == address && mappings[i].size == size;
+        if (found) mappings[i].size = 0;
+    }
+    pthread_mutex_unlock(&lock);
+    return found ? 0 : node_refuses_value();
 }
 
 /* No driver has to be loaded here. */

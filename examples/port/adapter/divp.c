@@ -28,11 +28,24 @@ int scaler_exists(uint32_t channel)
     return channel < kScalers && scalers[channel].exists;
 }
 
-int scaler_delivers(uint32_t channel, unsigned *width, unsigned *height)
+/* A part, in pixels, as 65536ths of the whole. */
+static unsigned fraction(unsigned part, unsigned whole)
+{
+    return whole > 0 ? (unsigned)((uint64_t)part * TERN_CROP_WHOLE / whole) : 0;
+}
+
+int scaler_describe(uint32_t channel, unsigned width, unsigned height, TernGrab *grab)
 {
     if (!scaler_exists(channel) || !scalers[channel].started) return 0;
-    *width = scalers[channel].output.width;
-    *height = scalers[channel].output.height;
+    const MI_Rect *crop = &scalers[channel].attr.crop;
+    const int is_whole = crop->width == 0 || crop->height == 0;
+    if (!is_whole && (crop->x + crop->width > (int)width || crop->y + crop->height > (int)height)) return 0;
+    grab->crop_x = is_whole ? 0 : fraction(crop->x, width);
+    grab->crop_y = is_whole ? 0 : fraction(crop->y, height);
+    grab->crop_width = is_whole ? TERN_CROP_WHOLE : fraction(crop->width, width);
+    grab->crop_height = is_whole ? TERN_CROP_WHOLE : fraction(crop->height, height);
+    grab->width = scalers[channel].output.width;
+    grab->height = scalers[channel].output.height;
     return 1;
 }
 
@@ -56,7 +69,7 @@ static int32_t check_attr(const MI_DIVP_ChnAttr *attr)
         return refuse(MI_REASON_BAD_VALUE);
     const uint32_t else_wanted =
         attr->noise_reduction | attr->deinterlace | attr->rotation | attr->mirror | attr->flip;
-    if (else_wanted != 0 || attr->crop.width != 0) return refuse(MI_REASON_UNSUPPORTED);
+    if (else_wanted != 0) return refuse(MI_REASON_UNSUPPORTED);
     return MI_SUCCESS;
 }
 
@@ -128,9 +141,11 @@ static int32_t switch_scaler(uint32_t channel, int on)
     Scaler *scaler = lock_existing(channel, &result);
     if (scaler == NULL) return result;
     result = on && scaler->output.width == 0 ? refuse(MI_REASON_NOT_READY) : MI_SUCCESS;
-    if (result == MI_SUCCESS) scaler->started = on;
+    if (result == MI_SUCCESS) {
+        scaler->started = on;
+        encoders_apply();
+    }
     pthread_mutex_unlock(&topology_lock);
-    encoders_look_again();
     return result;
 }
 

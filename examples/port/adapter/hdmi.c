@@ -13,13 +13,29 @@ enum { kLookEvery_ms = 40 };
 
 static pthread_mutex_t lock = PTHREAD_MUTEX_INITIALIZER; /* guards what follows */
 static int is_initialised, is_open, has_attr, is_started, is_watched;
-static int was_plugged;
+static unsigned seen_moves; /* of the plug */
+static int was_plugged;     /* after them  */
 static MI_HDMI_InitParam told;
 static MI_HDMI_Attr current;
 
 static int32_t refuse(enum MI_Reason reason)
 {
     return MI_ERROR(MI_MODULE_HDMI, reason);
+}
+
+/* One move of the plug that nobody was told of yet. 0 = there is none. */
+static int next_move(MI_HDMI_InitParam *param, int *plugged)
+{
+    pthread_mutex_lock(&lock);
+    const int has_moved = is_initialised && tern_hdmi_moves() != seen_moves;
+    if (has_moved) {
+        ++seen_moves;
+        was_plugged = !was_plugged;
+    }
+    *param = told;
+    *plugged = was_plugged;
+    pthread_mutex_unlock(&lock);
+    return has_moved;
 }
 
 /* Look at the plug for ever. The callback is called without the lock: it calls back into here. */
@@ -29,16 +45,14 @@ static void *watch_plug(void *argument)
     for (;;) {
         const struct timespec rest = {0, kLookEvery_ms * 1000000L};
         nanosleep(&rest, NULL);
-        const int plugged = tern_hdmi_sense();
-        pthread_mutex_lock(&lock);
-        const MI_HDMI_InitParam param = told;
-        const int is_news = is_initialised && plugged != was_plugged && param.callback != NULL;
-        was_plugged = plugged;
-        pthread_mutex_unlock(&lock);
-        if (!is_news) continue;
-        uint32_t device = 0;
-        param.callback(device, plugged ? MI_HDMI_EVENT_PLUGGED : MI_HDMI_EVENT_UNPLUGGED, &device,
-                       param.user_param);
+        MI_HDMI_InitParam param;
+        int plugged;
+        while (next_move(&param, &plugged)) {
+            uint32_t device = 0;
+            if (param.callback == NULL) continue;
+            param.callback(device, plugged ? MI_HDMI_EVENT_PLUGGED : MI_HDMI_EVENT_UNPLUGGED, &device,
+                           param.user_param);
+        }
     }
     return NULL;
 }
@@ -50,6 +64,7 @@ int32_t MI_HDMI_Init(const MI_HDMI_InitParam *param)
     int32_t result = is_initialised ? refuse(MI_REASON_EXISTS) : MI_SUCCESS;
     if (result == MI_SUCCESS) {
         told = *param;
+        seen_moves = tern_hdmi_moves();
         was_plugged = tern_hdmi_sense();
         is_initialised = 1;
     }
@@ -78,6 +93,7 @@ int32_t MI_HDMI_Open(uint32_t device)
     pthread_mutex_lock(&lock);
     int32_t result = is_initialised ? MI_SUCCESS : refuse(MI_REASON_NOT_READY);
     if (result == MI_SUCCESS && is_open) result = refuse(MI_REASON_EXISTS);
+    tern_wake(); /* the transmitter does not wait for MI_SYS_Init */
     if (result == MI_SUCCESS) result = code_of(MI_MODULE_HDMI, tern_hdmi_power(1));
     if (result == MI_SUCCESS) is_open = 1;
     pthread_mutex_unlock(&lock);

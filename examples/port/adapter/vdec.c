@@ -126,10 +126,10 @@ int32_t MI_VDEC_CreateChn(uint32_t number, const MI_VDEC_ChnAttr *attr)
         channel->started = 0;
         pthread_mutex_unlock(&channel->lock);
         display_apply(); /* bindings that waited for this number are in force again */
+        encoders_apply();
     }
     pthread_mutex_unlock(&topology_lock);
     pthread_mutex_unlock(&channel->control);
-    encoders_look_again();
     return result;
 }
 
@@ -146,11 +146,11 @@ int32_t MI_VDEC_DestroyChn(uint32_t number)
     pthread_mutex_unlock(&channel->lock);
     if (decoder != NULL && !started) {
         display_apply();
+        encoders_apply();
         tern_decoder_close(decoder);
     }
     pthread_mutex_unlock(&topology_lock);
     pthread_mutex_unlock(&channel->control);
-    encoders_look_again();
     if (decoder == NULL) return refuse(MI_REASON_ABSENT);
     return started ? refuse(MI_REASON_NOT_PERMITTED) : MI_SUCCESS;
 }
@@ -218,12 +218,11 @@ int32_t MI_VDEC_GetChnStat(uint32_t number, MI_VDEC_ChnStat *stat)
 static int32_t push(Channel *channel, const MI_VDEC_Stream *stream, int64_t until_us)
 {
     const uint32_t starts = channel->starts;
-    const uint64_t ticks = stream->pts / 1000 * (TERN_TICKS_PER_SECOND / 1000);
     for (;;) {
         if (channel->decoder == NULL || !channel->started || channel->starts != starts)
             return refuse(MI_REASON_NOT_PERMITTED);
         const TernStatus status =
-            tern_decoder_push(channel->decoder, stream->address, stream->length_bytes, ticks);
+            tern_decoder_push(channel->decoder, stream->address, stream->length_bytes, stream->pts);
         if (status != TERN_FULL) return code_of(MI_MODULE_VDEC, status);
         if (monotonic_us() >= until_us) return refuse(MI_REASON_BUFFER_FULL);
         condition_wait(&channel->room, &channel->lock, until_us);

@@ -3,7 +3,6 @@
 #include "tern_board.h"
 
 #include <stdlib.h>
-#include <string.h>
 #include <sys/mman.h>
 #include <time.h>
 
@@ -16,7 +15,6 @@ enum {
     kLines = 128,
     kAnalogInputs = 16,
     kMostEvents = 64,
-    kPowerOnByte = 0xA5, /* the memory holds anything after power-on */
 };
 
 /* --- graphics plane --- */
@@ -31,10 +29,7 @@ void *tern_osd_memory(size_t *bytes, uint32_t *physical)
         flags |= MAP_32BIT;
 #endif
         memory = mmap(NULL, kOsdBytes, PROT_READ | PROT_WRITE, flags, -1, 0);
-        if (memory == MAP_FAILED)
-            memory = NULL;
-        else
-            memset(memory, kPowerOnByte, kOsdBytes);
+        if (memory == MAP_FAILED) memory = NULL;
     }
     pthread_mutex_unlock(&tern_lock);
     *bytes = kOsdBytes;

@@ -12,14 +12,15 @@ enum {
     kMostFifo = 64 << 20,
     kMostUnits = 4096,
     kUnit_us = 1000, /* what a push costs, whatever its size */
-    kBytesPerUs = 8, /* and its bytes                        */
-    kZeros = 2,      /* before the 1 of a start code         */
+    kBytesPerUs = 8, /* and its bytes */
+    kMostGrabs = 2,
+    kZeros = 2, /* before the 1 of a start code         */
 };
 
 typedef struct Unit {
     struct Unit *next;
     size_t size;
-    uint64_t ticks;
+    uint64_t stamp;
     uint8_t bytes[];
 } Unit;
 
@@ -35,9 +36,9 @@ struct TernDecoder {
     unsigned pictures;
     uint64_t decoded;
     unsigned width, height;
-    unsigned zeros; /* at the end of the unit before: a start code may be cut */
-    TernGrab grab;
-    int grabs, in_grab;
+    unsigned zeros;             /* at the end of the unit before: a start code may be cut */
+    TernGrab grabs[kMostGrabs]; /* done = null: free */
+    const void *in_grab;        /* context of the one that is being told */
 };
 
 static TernDecoder *decoders[TERN_DECODERS];
@@ -79,23 +80,22 @@ static unsigned count_pictures(TernDecoder *decoder, const Unit *unit)
     return found;
 }
 
-/* The lock is held, and let go while a grab is told. */
-static void give_picture(TernDecoder *decoder, uint64_t ticks)
+/* The lock is held, and let go while grabs are told. */
+static void give_picture(TernDecoder *decoder, uint64_t stamp)
 {
     ++decoder->decoded;
-    decoder->pictures = 1;
-    if (tern_tiles_take(decoder)) decoder->pictures = 0;
-    if (!decoder->grabs) return;
-    decoder->pictures = 0;
-    decoder->grabs = 0;
-    decoder->in_grab = 1;
-    const TernGrab grab = decoder->grab;
-    pthread_mutex_unlock(&tern_lock);
-    const size_t length = tern_jpeg(&grab);
-    grab.done(grab.context, length > 0 ? TERN_OK : TERN_FULL, length, ticks);
-    pthread_mutex_lock(&tern_lock);
-    decoder->in_grab = 0;
-    pthread_cond_broadcast(&decoder->changed);
+    decoder->pictures = !tern_tiles_take(decoder);
+    for (int i = 0; i < kMostGrabs; ++i) {
+        if (decoder->grabs[i].done == NULL) continue;
+        const TernGrab grab = decoder->grabs[i];
+        decoder->pictures = 0;
+        decoder->in_grab = grab.context;
+        pthread_mutex_unlock(&tern_lock);
+        grab.done(grab.context, tern_jpeg(&grab), stamp);
+        pthread_mutex_lock(&tern_lock);
+        decoder->in_grab = NULL;
+        pthread_cond_broadcast(&decoder->changed);
+    }
 }
 
 /* Take its time over a push. A decoder that is halted or closed meanwhile ends it early. */
@@ -121,7 +121,7 @@ static void *run(void *argument)
         decoder->busy = 1;
         work_on(decoder, unit);
         for (unsigned left = count_pictures(decoder, unit); left > 0 && decoder->running; --left)
-            give_picture(decoder, unit->ticks);
+            give_picture(decoder, unit->stamp);
         decoder->bytes -= unit->size;
         --decoder->units;
         decoder->busy = 0;
@@ -179,7 +179,6 @@ void tern_decoder_close(TernDecoder *decoder)
 {
     pthread_mutex_lock(&tern_lock);
     decoder->quits = 1;
-    decoder->grabs = 0;
     tern_tiles_cut(decoder);
     pthread_cond_broadcast(&decoder->changed);
     pthread_mutex_unlock(&tern_lock);
@@ -210,14 +209,14 @@ void tern_decoder_drop(TernDecoder *decoder)
     pthread_mutex_unlock(&tern_lock);
 }
 
-TernStatus tern_decoder_push(TernDecoder *decoder, const void *bytes, size_t size, uint64_t ticks)
+TernStatus tern_decoder_push(TernDecoder *decoder, const void *bytes, size_t size, uint64_t stamp)
 {
     if (size == 0 || size > decoder->setup.fifo_bytes) return TERN_BAD_ARGUMENT;
     Unit *unit = malloc(sizeof *unit + size);
     if (unit == NULL) return TERN_NO_MEMORY;
     unit->next = NULL;
     unit->size = size;
-    unit->ticks = ticks;
+    unit->stamp = stamp;
     memcpy(unit->bytes, bytes, size);
     pthread_mutex_lock(&tern_lock);
     const int fits = decoder->setup.fifo_bytes - decoder->bytes >= size && decoder->units < kMostUnits;
@@ -251,17 +250,23 @@ void tern_decoder_shrink(TernDecoder *decoder, unsigned width, unsigned height)
     pthread_mutex_unlock(&tern_lock);
 }
 
+static int is_good(const TernGrab *grab)
+{
+    return grab->width >= 2 && grab->height >= 2 && grab->width <= 4096 && grab->height <= 4096 &&
+           (grab->width | grab->height) % 2 == 0 && grab->percent >= 1 && grab->percent <= 100 &&
+           grab->crop_x + grab->crop_width <= TERN_CROP_WHOLE &&
+           grab->crop_y + grab->crop_height <= TERN_CROP_WHOLE && grab->done != NULL;
+}
+
 TernStatus tern_grab(TernDecoder *decoder, const TernGrab *grab)
 {
-    if (grab->width < 2 || grab->height < 2 || grab->width > 4096 || grab->height > 4096 ||
-        (grab->width | grab->height) % 2 != 0 || grab->percent < 1 || grab->percent > 100 ||
-        grab->done == NULL)
-        return TERN_BAD_ARGUMENT;
+    if (!is_good(grab)) return TERN_BAD_ARGUMENT;
+    TernStatus status = TERN_NO_UNIT;
     pthread_mutex_lock(&tern_lock);
-    const TernStatus status = decoder->grabs ? TERN_FULL : TERN_OK;
-    if (status == TERN_OK) {
-        decoder->grab = *grab;
-        decoder->grabs = 1;
+    for (int i = 0; i < kMostGrabs && status != TERN_OK; ++i) {
+        if (decoder->grabs[i].done != NULL) continue;
+        decoder->grabs[i] = *grab;
+        status = TERN_OK;
     }
     pthread_mutex_unlock(&tern_lock);
     return status;
@@ -270,8 +275,9 @@ TernStatus tern_grab(TernDecoder *decoder, const TernGrab *grab)
 void tern_grab_cancel(TernDecoder *decoder, const void *context)
 {
     pthread_mutex_lock(&tern_lock);
-    if (decoder->grab.context == context) decoder->grabs = 0;
-    while (decoder->in_grab && decoder->grab.context == context)
+    for (int i = 0; i < kMostGrabs; ++i)
+        if (decoder->grabs[i].context == context) decoder->grabs[i].done = NULL;
+    while (decoder->in_grab == context)
         pthread_cond_wait(&decoder->changed, &tern_lock);
     pthread_mutex_unlock(&tern_lock);
 }

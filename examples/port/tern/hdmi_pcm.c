@@ -8,6 +8,7 @@
 enum { kMostRing = 1 << 20, kHeard = 1 << 17 /* samples that the ear remembers */ };
 
 static int plugged = 1;
+static unsigned moves;
 static int powered, has_mode, sends, blank, picture;
 
 TernStatus tern_hdmi_power(int on)
@@ -56,6 +57,14 @@ int tern_hdmi_sense(void)
     return there;
 }
 
+unsigned tern_hdmi_moves(void)
+{
+    pthread_mutex_lock(&tern_lock);
+    const unsigned so_far = moves;
+    pthread_mutex_unlock(&tern_lock);
+    return so_far;
+}
+
 TernStatus tern_hdmi_edid(uint8_t edid[TERN_EDID_BYTES])
 {
     if (!tern_hdmi_sense()) return TERN_NO_SIGNAL;
@@ -75,6 +84,7 @@ TernStatus tern_hdmi_edid(uint8_t edid[TERN_EDID_BYTES])
 void tern_hand_plug(int now_plugged)
 {
     pthread_mutex_lock(&tern_lock);
+    if (plugged != now_plugged) ++moves;
     plugged = now_plugged;
     pthread_mutex_unlock(&tern_lock);
 }

@@ -76,29 +76,31 @@ void tern_decoder_run(TernDecoder *decoder, int run);
 /* Throw the fifo away, and wait for the next key frame. */
 void tern_decoder_drop(TernDecoder *decoder);
 
-/* Copies the bytes; TERN_FULL when they do not fit now. Never waits. */
-TernStatus tern_decoder_push(TernDecoder *decoder, const void *bytes, size_t size, uint64_t ticks);
+/* Copies the bytes; TERN_FULL when they do not fit now. Never waits. The stamp goes with the picture. */
+TernStatus tern_decoder_push(TernDecoder *decoder, const void *bytes, size_t size, uint64_t stamp);
 void tern_decoder_level(TernDecoder *decoder, TernDecoderLevel *level);
 
 /* Pictures leave at this size at most; 0 = the stream's. */
 void tern_decoder_shrink(TernDecoder *decoder, unsigned width, unsigned height);
 
-/* --- grabbing a picture as JPEG ------------------------------------------------------------------- */
+/* --- grabbing pictures as JPEG ----------------------------------------------------------------- */
 
 typedef struct TernGrab {
-    unsigned width, height; /* even, 2 to 4096 */
-    unsigned percent;       /* quality, 1 to 100 */
-    unsigned restart_rows;  /* rows of blocks between restart markers, 0 = none */
-    uint8_t *buffer;        /* the caller's until `done` */
+    unsigned crop_x, crop_y, crop_width, crop_height; /* of the picture, 65536ths            */
+    unsigned width, height;                           /* even, 2 to 4096                     */
+    unsigned percent;                                 /* quality, 1 to 100                   */
+    unsigned restart_rows; /* rows of blocks between restart markers, 0 = none              */
+    uint8_t *buffer;       /* the chip's until the grab is taken back                         */
     size_t room;
-    void (*done)(void *context, TernStatus status, size_t length, uint64_t ticks);
+    /* A picture is in the buffer, until this returns; length 0 = it had no room. */
+    void (*done)(void *context, size_t length, uint64_t stamp);
     void *context;
 } TernGrab;
 
-/* The next picture of the decoder is scaled, encoded, and told. One at a time for each decoder. */
+/* Every picture of the decoder from now on is cut, scaled, encoded, and told. Two grabs for each decoder. */
 TernStatus tern_grab(TernDecoder *decoder, const TernGrab *grab);
 
-/* Take a grab back that has this context: `done` is not called any more when this has returned. */
+/* Take the grab back that has this context: `done` is not called any more when this has returned. */
 void tern_grab_cancel(TernDecoder *decoder, const void *context);
 
 /* --- screens, planes, tiles -------------------------------------------------------------------------- */
@@ -147,6 +149,9 @@ TernStatus tern_hdmi_blank(int on);
 
 /* 1 = a monitor is at the plug. Nothing tells of a change: look now and then. */
 int tern_hdmi_sense(void);
+
+/* How often the plug was moved so far: it may have been moved twice between two looks. */
+unsigned tern_hdmi_moves(void);
 TernStatus tern_hdmi_edid(uint8_t edid[TERN_EDID_BYTES]);
 
 /* --- sound --------------------------------------------------------------------------------------------- */
