@@ -47,6 +47,7 @@ def declared_names(path):
             text = re.sub(r"/\*.*?\*/", "", whole, flags=re.S)
             names.update(re.findall(r"^[a-zA-Z][\w ]*[ *](\w+)\(", text, re.M))
             names.update(re.findall(r"^extern [^\"]*?(\w+)(?:\[\w+\])*;", text, re.M))
+            names.update(re.findall(r"^enum (\w+)", text, re.M))
             names.update(re.findall(r"^#define (\w+)[ (]", text, re.M))
             names.update(re.findall(r"^    ([A-Z]\w+)(?: = [^,/]+)?,? */\*", whole, re.M))  # with a description
     return {name for name in names if re.search(r"_|[a-z][A-Z]", name)}

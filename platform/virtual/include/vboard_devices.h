@@ -69,8 +69,10 @@ typedef struct vboard_gpio_change {
 /** Level of a line: 1 or 0; -1 = no such line, or it is not an output yet. */
 int vboard_gpio_level(uint32_t line);
 
-/** Requests taken so far, and the index-th of them (from 0); the first 4096 are kept. Count; 0 or -1. */
+/** How many requests were taken so far; the first 4096 are kept. */
 uint32_t vboard_gpio_change_count(void);
+
+/** Read the index-th of them, from 0. 0, or -1. */
 int vboard_gpio_get_change(uint32_t index, vboard_gpio_change *change);
 
 /* ---------------------------------------------------------------------------- the front panel --- */
@@ -100,14 +102,15 @@ int vboard_panel_press_named(const char *name);
 
 /* ---------------------------------------------------------------------------- the IR receiver --- */
 
-/**
- * Buttons of a remote control in front of "/dev/Hi_IR". Every opening is given every frame, and
- * keeps the newest 64. A read waits up to 108 ms of board time, the repeat period, for a frame and
- * then gives 0 bytes; so a held button is one frame and then reads that give nothing. Letting go is
- * a frame with state 1. A code that no button sends is told on standard error, and delivered all the
- * same.
+/*
+ * A remote control in front of "/dev/Hi_IR". Every opening is given every frame, and keeps the newest
+ * 64. A read waits up to 108 ms of board time, the repeat period, for a frame and then gives 0 bytes; so
+ * a held button is one frame and then reads that give nothing. Letting go is a frame with state 1. A code
+ * that no button sends is told on standard error, and delivered all the same.
  */
-void vboard_ir_press(uint32_t code); /* and let go */
+
+/** Press a button by its code, and let go. */
+void vboard_ir_press(uint32_t code);
 
 /**
  * Press a button by its name, and let go: "menu", "up", "0", "small-back" (platform/include/ir_buttons.h).
@@ -115,22 +118,29 @@ void vboard_ir_press(uint32_t code); /* and let go */
  */
 int vboard_ir_press_named(const char *name);
 
-/* Hold a button, and let go of it. */
-void vboard_ir_hold(uint32_t code); /* and keep holding */
-void vboard_ir_release(void);       /* without a held button: nothing */
+/** Press a button, and keep holding it. */
+void vboard_ir_hold(uint32_t code);
+
+/** Let go of the button that is held; without one nothing happens. */
+void vboard_ir_release(void);
 
 /** A frame as it stands, damaged ones and other states included. */
 void vboard_ir_send(uint32_t code, uint32_t state);
 
 /* ------------------------------------------------------------------------------------ the mouse --- */
 
-/**
- * Move the mouse "/dev/mouse" to a position, press buttons (enum MouseButton or-ed, 0 = none), turn
- * its wheel. Every opening reads every event as a MouseEvent; a read waits up to 100 ms of board
- * time and then gives 0 bytes.
+/*
+ * The mouse "/dev/mouse". Every opening reads every event as a MouseEvent; a read waits up to 100 ms of
+ * board time and then gives 0 bytes.
  */
+
+/** Move the mouse to a position, output pixels. */
 void vboard_mouse_move(int32_t x, int32_t y);
+
+/** Press and let go of buttons: those that are down from now on, enum MouseButton or-ed, 0 = none. */
 void vboard_mouse_buttons(uint32_t buttons);
+
+/** Turn the wheel; away from the user is positive. */
 void vboard_mouse_wheel(int32_t notches);
 
 /* ----------------------------------------------------------------- the analog decoder chips --- */
@@ -155,8 +165,10 @@ typedef struct vboard_ad_input {
     uint32_t moving;      /* blocks that move, as set from here */
 } vboard_ad_input;
 
-/** Read the chips' state, one input's state. 0, or -1 (null, channel above 15). */
+/** Read the chips' state. 0, or -1 (null). */
 int vboard_ad_get_stat(vboard_ad_stat *stat);
+
+/** Read one input's state. 0, or -1 (null, channel above 15). */
 int vboard_ad_get_input(uint32_t channel, vboard_ad_input *input);
 
 /** Pull an input's cable (1) or put it back (0). 0, or -1. */
