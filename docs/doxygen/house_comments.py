@@ -97,10 +97,11 @@ def indentation(line):
 
 
 def paragraph(lines):
-    if any(indentation(line) >= 2 and re.search(r"\S {2,}\S", line) for line in lines) and indentation(lines[0]) >= 2:
+    columns = any(indentation(line) >= 2 and re.search(r"\S {2,}\S", line) for line in lines)
+    if columns and indentation(lines[0]) >= 2:
         return preformatted(lines)
-    if len(lines) > 1 and indentation(lines[0]) == 0 and indentation(lines[1]) == 2 and not lines[0].endswith((".", ",")) \
-            and not re.match(r"(%s|Result|Results):" % HEADINGS, lines[0]):
+    stands_over = len(lines) > 1 and indentation(lines[0]) == 0 and indentation(lines[1]) == 2
+    if stands_over and not re.search(r"[.,]$", lines[0]) and not re.match(r"(%s|Results?):" % HEADINGS, lines[0]):
         return ["@par " + lines[0], *section(lines[1:])]
     if all(indentation(line) >= 4 for line in lines):
         return preformatted(lines)
@@ -191,7 +192,7 @@ class Header:
         told += ["@brief " + summary, "", *prose(lines[at:]), *self.notes, "@{"]
         if self.path.name == "nvrhal.h":  # it declares nothing itself
             told = ["@addtogroup nvrhal", *prose(lines[at:])]
-            return block([f"@file {self.path.name}", "@brief " + summary, "", "All of the library's interface."]) + block(told)
+            summary += "\n\nAll of the library's interface."
         return block([f"@file {self.path.name}", "@brief " + summary]) + block(told)
 
     def documented(self, comment):
@@ -252,7 +253,8 @@ class Header:
         ends, at = [], start
         while at < len(self.lines) and self.lines[at].strip():
             line = self.lines[at]
-            if line.startswith("/*") or (line.startswith("#") and not line.startswith("#define")) or line.startswith("}"):
+            directive = line.startswith("#") and not line.startswith("#define")
+            if directive or line.startswith(("/*", "}")):
                 break
             at = self.declaration_end(at)
             ends.append(at)
@@ -264,7 +266,7 @@ class Header:
             line = self.lines[at]
             if line.startswith("/*"):
                 at = self.comment(at)
-            elif line.startswith("#define") or DECLARED.match(line) and not line.startswith("struct") or line.startswith("enum {"):
+            elif line.startswith("#define") or (DECLARED.match(line) and not line.startswith("struct")):
                 end = self.declaration_end(at)
                 self.out += self.declared(at, end)
                 at = end

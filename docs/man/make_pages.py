@@ -160,7 +160,8 @@ def page(source, program, version):
             return option_list(chosen, command, values)
 
         text = re.sub(r"^@options (.*)$", replacement, text, flags=re.M)
-        text = re.sub(r"^@choices (\w+)$", lambda match: listed(arguments[match.group(1)].choices) + ".", text, flags=re.M)
+        for name, argument in arguments.items():
+            text = text.replace(f"\n@choices {name}\n", f"\n{listed(argument.choices)}.\n")
     return text
 
 

@@ -15,6 +15,9 @@ import subprocess
 import sys
 import tempfile
 
+PRINT = r"""
+    printf(_Generic((NAME), char *: "NAME \"%s\"\n", double: "NAME %g\n", default: "NAME %lld\n"),
+           _Generic((NAME), char *: NAME, double: NAME, default: (long long)(NAME)));"""
 NO_VALUES = re.compile(r"_H$|^NVRHAL_API$|^NVRHAL_ANYTHING$")
 
 
@@ -35,9 +38,7 @@ def values(directories):
             for name in names_in(header.read_text(encoding="utf-8")):
                 if name not in names:
                     names.append(name)
-                    prints.append(f'    printf(_Generic(({name}), char *: "{name} \\"%s\\"\\n", double: "{name} %g\\n", '
-                                  f'default: "{name} %lld\\n"), _Generic(({name}), char *: {name}, double: {name}, '
-                                  f"default: (long long)({name})));")
+                    prints.append(PRINT.replace("NAME", name))
     with tempfile.TemporaryDirectory() as scratch:
         source = pathlib.Path(scratch, "print.c")
         source.write_text("\n".join(["#include <stdio.h>", *includes, "int main(void)", "{", *prints, "}", ""]))
