@@ -15,6 +15,7 @@
 #   tsan          thread sanitizer, every test
 #   subdirectory  a project of others that takes the sources in, with add_subdirectory and FetchContent
 #   linux-nvrec   the recorder without the board in software
+#   packages      Debian packages, and applications outside the tree against them
 #   port          platforms from outside the tree, as porters have them
 #   m32           32-bit on this PC: unit, trace and abi tests
 #   armhf         32-bit ARM under an emulator: unit, trace and abi tests
@@ -28,7 +29,7 @@
 set -uo pipefail
 cd "$(dirname "$0")"
 
-all_legs=dev,seams,format,release,asan,tsan,subdirectory,linux-nvrec,port,m32,armhf,musl,clang,lint,reference
+all_legs=dev,seams,format,release,asan,tsan,subdirectory,linux-nvrec,packages,port,m32,armhf,musl,clang,lint,reference
 case "$#:${1:-}" in
 0:) legs=dev,seams ;;
 1:--all) legs=$all_legs ;;
@@ -168,6 +169,8 @@ musl_leg() { quietly musl tools/musl.sh "$jobs"; }
 clang_leg() { build clang && run_tests clang "$jobs"; }
 
 linux_nvrec_leg() { quietly linux-nvrec tools/linux_nvrec.sh "$jobs"; }
+
+packages_leg() { quietly packages tools/packages/build.sh; }
 
 port_leg() { quietly port tools/port.sh "$jobs"; }
 
