@@ -5,7 +5,8 @@
 #   tools/port.sh [JOBS]
 #
 # The skeleton gives a library that exports, needs and says what it should, and folders that are no
-# platform are refused with a line that helps. Over the adapter a recorder takes its first steps.
+# platform are refused with a line that helps. Over the adapter a recorder takes its first steps; and in ten
+# steps, from the skeleton to the adapter, each turns points of the conformance suite green.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -78,4 +79,8 @@ tests/abi/needed_libraries.sh build/port-tern/lib/libnvrhal.so
 cc -Iinclude tests/port/recorder.c -Lbuild/port-tern/lib -lnvrhal -lpthread \
     -Wl,-rpath,"$PWD/build/port-tern/lib" -o "$scratch/recorder"
 timeout 60 "$scratch/recorder" >"$scratch/log" 2>&1 || { cat "$scratch/log"; fail "a recorder runs over the adapter"; }
+
+# The port, step by step.
+tests/port/ten_steps.sh "$scratch/steps" >"$scratch/log" 2>&1 || { cat "$scratch/log"; fail "the port in ten steps"; }
+grep -E "^(step|whole)" "$scratch/log"
 echo "port: the library stands over a platform from outside the tree"
