@@ -4,7 +4,8 @@
 #
 #   tests/installed/check.sh SCRATCH [PREFIX]
 #
-# Without PREFIX it is what the system's packages have installed. Needs gcc, g++, cmake, pkg-config, ffmpeg.
+# Without PREFIX it is what the system's packages have installed. Needs gcc, g++, cmake, make,
+# pkg-config, ffmpeg.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 scratch=${1:?usage: check.sh SCRATCH [PREFIX]}

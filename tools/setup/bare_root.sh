@@ -56,7 +56,7 @@ bare_root_make() {
     apt-config dump | grep -E '^Acquire::(http|https|Retries|ForceIPv4)' >"$root/etc/apt/apt.conf.d/90host" || true
     echo "deb $bare_root_mirror $bare_root_suite main" >"$root/etc/apt/sources.list"
     cp -L /etc/resolv.conf /etc/hosts "$root/etc/"
-    for mount in proc dev sys; do # x265 asks /sys for the processors
+    for mount in proc dev dev/pts sys; do # x265 asks /sys for the processors, apt wants a terminal
         mount --bind /$mount "$root/$mount" && bare_root_mounted=("$root/$mount" "${bare_root_mounted[@]}")
     done
 }
