@@ -48,8 +48,7 @@ int64_t deadline_us(int32_t timeout_ms); /* INT64_MAX = for ever */
 void condition_init(pthread_cond_t *condition);
 void condition_wait(pthread_cond_t *condition, pthread_mutex_t *lock, int64_t until_us);
 
-/* bind.c: the decoder channel that feeds a display's port; kNoChannel = there is none. topology_lock is held.
- */
+/* bind.c: the decoder channel that feeds a display's port, or kNoChannel. topology_lock is held. */
 int32_t source_of_port(int32_t device, uint32_t port);
 
 /* How pictures reach an encoder. topology_lock is held. 0 = they do not. */

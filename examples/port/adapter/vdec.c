@@ -244,13 +244,19 @@ int32_t MI_VDEC_SendStream(uint32_t number, const MI_VDEC_Stream *stream, int32_
 int32_t MI_VDEC_SetOutputPortAttr(uint32_t number, const MI_VDEC_OutputPortAttr *attr)
 {
     if (attr == NULL) return refuse(MI_REASON_NULL_POINTER);
-    int32_t why;
-    Channel *channel = lock_existing(number, &why);
-    if (channel == NULL) return why;
-    channel->output = *attr;
-    tern_decoder_shrink(channel->decoder, attr->width, attr->height);
-    pthread_mutex_unlock(&channel->lock);
-    return MI_SUCCESS;
+    int32_t result;
+    pthread_mutex_lock(&topology_lock);
+    Channel *channel = lock_existing(number, &result);
+    if (channel != NULL) {
+        channel->output = *attr;
+        tern_decoder_shrink(channel->decoder, attr->width, attr->height);
+        pthread_mutex_unlock(&channel->lock);
+        display_apply(); /* crops are parts of the pictures as they come */
+        encoders_apply();
+        result = MI_SUCCESS;
+    }
+    pthread_mutex_unlock(&topology_lock);
+    return result;
 }
 
 int32_t MI_VDEC_GetOutputPortAttr(uint32_t number, MI_VDEC_OutputPortAttr *attr)
