@@ -25,7 +25,7 @@ static uint32_t need_busy(uint32_t channel, unsigned busy_ms)
 
 /*
  * A channel whose buffer is full, and stays so for some time: a send of the whole buffer's size has room
- * only when everything before it is consumed. Gives that send; free its address.
+ * only when everything before it is consumed. Gives that send.
  */
 static MI_VDEC_Stream need_full(uint32_t channel, unsigned busy_ms)
 {
@@ -40,7 +40,9 @@ static MI_VDEC_Stream need_full(uint32_t channel, unsigned busy_ms)
     attr.stream_buffer_bytes = bytes;
     NEED(MI_VDEC_CreateChn(channel, &attr));
     NEED(MI_VDEC_StartChn(channel));
-    uint8_t *whole = calloc(1, bytes);
+    static uint8_t *whole; /* of the point before */
+    free(whole);
+    whole = calloc(1, bytes);
     if (whole == NULL) blocked("no memory");
     need_played(channel, &large_h264, 0, frames);
     return (MI_VDEC_Stream){whole, bytes, 0, 1, 0};
