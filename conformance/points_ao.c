@@ -84,7 +84,7 @@ static uint32_t need_full_queue(void)
     while (taken < 50) {
         const int32_t result = MI_AO_SendFrame(DEV, CHN, &block, 0);
         if (result == MI_ERROR(MI_MODULE_AO, MI_REASON_BUFFER_FULL)) return taken;
-        NEED(result);
+        OK(result);
         ++taken;
     }
     broken("50 blocks, two seconds of sound, went in without waiting: the queue holds them all");
@@ -94,7 +94,7 @@ static void need_blocks(uint32_t count)
 {
     const MI_AO_Frame block = block_of(tone(), BLOCK);
     for (uint32_t i = 0; i < count; ++i)
-        NEED(MI_AO_SendFrame(DEV, CHN, &block, -1));
+        OK(MI_AO_SendFrame(DEV, CHN, &block, -1));
 }
 
 /* ------------------------------------------------------------------------------------ settings --- */
@@ -483,7 +483,7 @@ POINT(mute, "ao.mute.silences", "MI_AO_SetMute",
 POINT(volume, "ao.volume.gain", "MI_AO_SetVolume",
       "the volume is a gain in dB, at once for what is still queued")
 {
-    static const int volumes[] = {-20, -6, 0};
+    static const int volumes[] = {-20, 5, 0};
     need_audio();
     for (int i = 0; i < 3; ++i) {
         OK(MI_AO_SetVolume(DEV, volumes[i]));

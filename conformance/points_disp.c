@@ -266,6 +266,17 @@ POINT(layer_kept, "disp.layer-attr.as-set", "MI_DISP_SetVideoLayerAttr MI_DISP_G
     }
 }
 
+POINT_WITH(FRESH, layer_unset, "disp.layer-attr.unset", "MI_DISP_GetVideoLayerAttr",
+           "a layer that was never set reads zeros")
+{
+    MI_DISP_VideoLayerAttr read;
+    static const MI_DISP_VideoLayerAttr zeros;
+    memset(&read, 0xEE, sizeof read);
+    NEED(MI_SYS_Init());
+    OK(MI_DISP_GetVideoLayerAttr(LAYER, &read));
+    HOLDS(memcmp(&read, &zeros, sizeof read) == 0, "%s", last_call_text());
+}
+
 POINT(layer_outside, "disp.layer-attr.outside", "MI_DISP_SetVideoLayerAttr",
       "a window that leaves the output of the layer's device, or an empty one, gives BAD_VALUE")
 {
@@ -481,43 +492,24 @@ POINT(zoom_outside, "disp.zoom.outside", "MI_DISP_SetZoomInWindow",
 }
 
 const Point *const disp_points[] = {
-    &point_pub_succeeds,
-    &point_pub_kept,
-    &point_pub_timings,
-    &point_pub_bad_timing,
-    &point_pub_running,
-    &point_pub_fast,
-    &point_pub_refused,
-    &point_get_pub_refused,
-    &point_get_pub_unset,
-    &point_enable_succeeds,
-    &point_enable_unset,
-    &point_enable_bad_device,
-    &point_disable_succeeds,
-    &point_disable_bad_device,
-    &point_disable_keeps,
-    &point_bind_layer,
-    &point_bind_layer_twice,
-    &point_bind_layer_bad,
-    &point_unbind_layer_absent,
-    &point_unbind_layer_enabled,
-    &point_unbind_layer_bad,
-    &point_layer_kept,
-    &point_layer_outside,
-    &point_layer_format,
-    &point_layer_refused,
-    &point_layer_enable,
-    &point_layer_enable_unset,
-    &point_layer_enable_bad,
-    &point_port_kept,
-    &point_port_devices,
-    &point_port_unset,
-    &point_port_outside,
-    &point_port_bad,
-    &point_port_bad_device,
-    &point_port_null,
-    &point_port_repeated,
-    &point_port_sync,
-    &point_zoom_outside,
-    NULL,
+    &point_pub_succeeds,        &point_pub_kept,
+    &point_pub_timings,         &point_pub_bad_timing,
+    &point_pub_running,         &point_pub_fast,
+    &point_pub_refused,         &point_get_pub_refused,
+    &point_get_pub_unset,       &point_enable_succeeds,
+    &point_enable_unset,        &point_enable_bad_device,
+    &point_disable_succeeds,    &point_disable_bad_device,
+    &point_disable_keeps,       &point_bind_layer,
+    &point_bind_layer_twice,    &point_bind_layer_bad,
+    &point_unbind_layer_absent, &point_unbind_layer_enabled,
+    &point_unbind_layer_bad,    &point_layer_kept,
+    &point_layer_unset,         &point_layer_outside,
+    &point_layer_format,        &point_layer_refused,
+    &point_layer_enable,        &point_layer_enable_unset,
+    &point_layer_enable_bad,    &point_port_kept,
+    &point_port_devices,        &point_port_unset,
+    &point_port_outside,        &point_port_bad,
+    &point_port_bad_device,     &point_port_null,
+    &point_port_repeated,       &point_port_sync,
+    &point_zoom_outside,        NULL,
 };

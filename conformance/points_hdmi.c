@@ -94,11 +94,12 @@ static void move_plug(int plugged)
 
 static void need_listening(void)
 {
-    const MI_HDMI_InitParam param = {on_event, &listener};
+    MI_HDMI_InitParam param = {on_event, &listener};
     const pthread_mutex_t lock = listener.lock;
     memset(&listener, 0, sizeof listener);
     listener.lock = lock;
     NEED(MI_HDMI_Init(&param));
+    memset(&param, 0, sizeof param); /* it was copied */
 }
 
 static void need_open(void)
@@ -125,7 +126,7 @@ POINT(life, "hdmi.life",
 {
     const MI_HDMI_InitParam param = {on_event, &listener};
     NEED(MI_SYS_Init());
-    for (int i = 0; i < 10; ++i) {
+    for (int i = 0; i < 40; ++i) {
         OK(MI_HDMI_Init(&param));
         OK(MI_HDMI_Open(DEVICE));
         OK(MI_HDMI_SetAttr(DEVICE, &usual_attr));

@@ -8,7 +8,7 @@
 #include "record.h"
 #include "scene.h"
 
-enum { DEV = 0, CH = 1, PORT = 2, IN = 6 /* pixels that count as well inside a window, or well outside */ };
+enum { DEV = 0, CH = 1, PORT = 2, IN = 3 /* pixels that count as well inside a window, or well outside */ };
 
 /* Just inside and just outside the four sides of a window with one colour on black. */
 static int frame_spots(Spot *spots, int x, int y, int width, int height, Colour inside, Colour outside)

@@ -25,7 +25,7 @@ POINT(divp_life, "divp.create.life",
     const MI_DIVP_ChnAttr attr = scaler_attr(1920, 1080);
     const MI_DIVP_OutputPortAttr output = scaler_output(W, H);
     NEED(MI_SYS_Init());
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 0; i < 80; ++i) {
         OK(MI_DIVP_CreateChn(SCALER, &attr));
         OK(MI_DIVP_SetOutputPortAttr(SCALER, 0, &output));
         OK(MI_DIVP_StartChn(SCALER));
@@ -251,7 +251,7 @@ POINT(venc_life, "venc.create.life",
 {
     const MI_VENC_ChnAttr attr = {MI_VENC_CODEC_JPEG, W, H, 101376, W, H, 1, 0};
     NEED(MI_SYS_Init());
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 0; i < 80; ++i) {
         OK(MI_VENC_CreateChn(ENCODER, &attr));
         OK(MI_VENC_StartRecvPic(ENCODER));
         OK(MI_VENC_ResetChn(ENCODER));
@@ -450,6 +450,8 @@ POINT(snap_one_pack, "venc.get-stream.one-pack", "MI_VENC_GetStream",
     need_played(CH, &quad_h264, 0, 1);
     OK(MI_VENC_GetStream(ENCODER, &stream, (int32_t)patient_ms(SNAP_MS)));
     HOLDS(stream.pack_count == 1, "%u packs in room for one", stream.pack_count);
+    for (int i = 0; i < 28; ++i)
+        HOLDS(pack.reserved[i] == 0, "reserved word %d of the pack is 0x%08x", i, pack.reserved[i]);
     HOLDS(pack.frame_end == 1, "frame_end is %u in the only pack", pack.frame_end);
     HOLDS(pack.offset_bytes == 0, "the payload begins at %u, and the library applies no offset",
           pack.offset_bytes);
@@ -476,6 +478,23 @@ POINT(snap_sequence, "venc.get-stream.sequence", "MI_VENC_GetStream",
             HOLDS(handles[before] != stream.handle, "two streams that are lent have the handle %zu",
                   (size_t)stream.handle);
         handles[i] = stream.handle;
+    }
+}
+
+POINT(snap_pts, "venc.get-stream.time-stamp", "MI_VENC_GetStream",
+      "a stream carries the time stamp of its picture")
+{
+    need_decoder(CH, &quad_h264);
+    need_snapshots(CH, W, H);
+    for (uint32_t i = 0; i < 3; ++i) {
+        MI_VENC_Pack packs[2];
+        MI_VENC_Stream stream = {packs, 2, 0, 0};
+        const MI_VDEC_Stream frame = frame_of(&quad_h264, i);
+        need_played(CH, &quad_h264, i, 1);
+        OK(MI_VENC_GetStream(ENCODER, &stream, (int32_t)patient_ms(SNAP_MS)));
+        HOLDS(packs[0].pts == frame.pts, "the frame has %llu, its stream %llu", (unsigned long long)frame.pts,
+              (unsigned long long)packs[0].pts);
+        NEED(MI_VENC_ReleaseStream(ENCODER, &stream));
     }
 }
 
@@ -781,10 +800,10 @@ POINT(snap_own_source, "venc.recv.own-source", "MI_SYS_BindChnPort MI_VENC_Start
 }
 
 POINT(snap_library, "venc.get-stream.as-the-library", "MI_VENC_GetStream MI_DIVP_StartChn MI_SYS_BindChnPort",
-      "twenty snapshots, built up and taken down as the library does it, give twenty pictures")
+      "forty snapshots, built up and taken down as the library does it, give forty pictures")
 {
     const Spot green[] = {{W / 2, H / 2, GREEN}};
-    for (int i = 0; i < 20; ++i) {
+    for (int i = 0; i < 40; ++i) {
         const MI_SYS_ChnPort source = decoder_end(CH), scaler = scaler_end();
         if (i == 0) need_decoder(CH, &green_h264);
         need_snapshots(CH, W, H);
@@ -802,21 +821,56 @@ POINT(snap_library, "venc.get-stream.as-the-library", "MI_VENC_GetStream MI_DIVP
 }
 
 const Point *const snap_points[] = {
-    &point_divp_life,        &point_divp_twice,         &point_divp_bad_value,
-    &point_divp_unsupported, &point_divp_refused,       &point_divp_no_channel,
-    &point_divp_null,        &point_divp_started,       &point_divp_start_unset,
-    &point_divp_repeated,    &point_divp_output_kept,   &point_divp_output_bad,
-    &point_venc_life,        &point_venc_all,           &point_venc_twice,
-    &point_venc_bad_codec,   &point_venc_bad_size,      &point_venc_absent,
-    &point_venc_no_channel,  &point_venc_null,          &point_venc_destroy_receiving,
-    &point_venc_repeated,    &point_venc_param_kept,    &point_venc_param_bad,
-    &point_venc_device,      &point_snap_real,          &point_divp_down,
-    &point_divp_up,          &point_divp_crop,          &point_divp_stop,
-    &point_divp_never_waits, &point_snap_one_pack,      &point_snap_sequence,
-    &point_snap_oldest,      &point_snap_times_out,     &point_snap_at_once,
-    &point_snap_waits,       &point_snap_not_receiving, &point_snap_no_room,
-    &point_snap_bytes_stay,  &point_snap_release_twice, &point_snap_release_frees,
-    &point_snap_quality,     &point_snap_restart,       &point_snap_reset,
-    &point_snap_reset_lent,  &point_snap_stop,          &point_snap_wrong_size,
-    &point_snap_own_source,  &point_snap_library,       NULL,
+    &point_divp_life,
+    &point_divp_twice,
+    &point_divp_bad_value,
+    &point_divp_unsupported,
+    &point_divp_refused,
+    &point_divp_no_channel,
+    &point_divp_null,
+    &point_divp_started,
+    &point_divp_start_unset,
+    &point_divp_repeated,
+    &point_divp_output_kept,
+    &point_divp_output_bad,
+    &point_venc_life,
+    &point_venc_all,
+    &point_venc_twice,
+    &point_venc_bad_codec,
+    &point_venc_bad_size,
+    &point_venc_absent,
+    &point_venc_no_channel,
+    &point_venc_null,
+    &point_venc_destroy_receiving,
+    &point_venc_repeated,
+    &point_venc_param_kept,
+    &point_venc_param_bad,
+    &point_venc_device,
+    &point_snap_real,
+    &point_divp_down,
+    &point_divp_up,
+    &point_divp_crop,
+    &point_divp_stop,
+    &point_divp_never_waits,
+    &point_snap_one_pack,
+    &point_snap_sequence,
+    &point_snap_pts,
+    &point_snap_oldest,
+    &point_snap_times_out,
+    &point_snap_at_once,
+    &point_snap_waits,
+    &point_snap_not_receiving,
+    &point_snap_no_room,
+    &point_snap_bytes_stay,
+    &point_snap_release_twice,
+    &point_snap_release_frees,
+    &point_snap_quality,
+    &point_snap_restart,
+    &point_snap_reset,
+    &point_snap_reset_lent,
+    &point_snap_stop,
+    &point_snap_wrong_size,
+    &point_snap_own_source,
+    &point_snap_library,
+    NULL,
 };

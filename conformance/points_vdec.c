@@ -138,7 +138,7 @@ POINT(create_again, "vdec.create.again-after-destroy", "MI_VDEC_CreateChn MI_VDE
 {
     MI_VDEC_ChnAttr attr = decoder_attr(&quad_h264), read = {0};
     NEED(MI_SYS_Init());
-    for (uint32_t i = 0; i < 40; ++i) {
+    for (uint32_t i = 0; i < 100; ++i) {
         attr.codec = i % 2 == 0 ? MI_VDEC_CODEC_H264 : MI_VDEC_CODEC_H265;
         OK(MI_VDEC_CreateChn(CH, &attr));
         OK(MI_VDEC_GetChnAttr(CH, &read));

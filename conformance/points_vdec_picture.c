@@ -60,6 +60,22 @@ POINT(stream_mode, "vdec.decode.stream-mode", "MI_VDEC_CreateChn MI_VDEC_SendStr
     snapshot_shows(spots, 4, W, H);
 }
 
+POINT(end_of_frame, "vdec.decode.end-of-frame", "MI_VDEC_SendStream",
+      "in stream mode a send that ends a frame brings its picture out, without a frame behind it")
+{
+    Spot spots[4];
+    MI_VDEC_ChnAttr attr = decoder_attr(&quad_h264);
+    quad_spots(spots, 0, 0, W, H);
+    NEED(MI_SYS_Init());
+    attr.video_mode = MI_VDEC_MODE_STREAM;
+    NEED(MI_VDEC_CreateChn(CH, &attr));
+    NEED(MI_VDEC_StartChn(CH));
+    need_snapshots(CH, W, H);
+    const MI_VDEC_Stream frame = frame_of(&quad_h264, 0);
+    OK(MI_VDEC_SendStream(CH, &frame, SEND_MS));
+    snapshot_shows(spots, 4, W, H);
+}
+
 POINT(copies, "vdec.send.copies", "MI_VDEC_SendStream",
       "the bytes are copied before the call returns: the caller's may be overwritten at once")
 {
@@ -365,21 +381,10 @@ POINT(threads_pictures, "vdec.send.threads-own-pictures", "MI_VDEC_SendStream",
 }
 
 const Point *const vdec_picture_points[] = {
-    &point_shows_h264,
-    &point_shows_h265,
-    &point_shows_jpeg,
-    &point_stream_mode,
-    &point_copies,
-    &point_last_frame,
-    &point_in_order,
-    &point_time_stamps,
-    &point_survives_damage,
-    &point_survives_noise,
-    &point_needs_key,
-    &point_stop_drops,
-    &point_codec_change,
-    &point_size_change,
-    &point_output_size,
-    &point_threads_pictures,
-    NULL,
+    &point_shows_h264,      &point_shows_h265,       &point_shows_jpeg,
+    &point_stream_mode,     &point_end_of_frame,     &point_copies,
+    &point_last_frame,      &point_in_order,         &point_time_stamps,
+    &point_survives_damage, &point_survives_noise,   &point_needs_key,
+    &point_stop_drops,      &point_codec_change,     &point_size_change,
+    &point_output_size,     &point_threads_pictures, NULL,
 };
