@@ -711,15 +711,14 @@ POINT_WITH(FRESH, ad_motion, "analog.motion", "board_ioctl",
 }
 
 const Point *const node_points[] = {
-    &point_rtc_set,        &point_rtc_runs,    &point_rtc_bad,
-    &point_wdt_start,      &point_wdt_options, &point_wdt_timeout_bad,
-    &point_wdt_expires,    &point_wdt_off,     &point_wdt_timeout,
-    &point_gpio_configure, &point_gpio_drive,  &point_gpio_unset,
-    &point_gpio_bad,       &point_panel_none,  &point_panel_keys,
-    &point_panel_openings, &point_panel_lamp,  &point_panel_polled,
-    &point_panel_bad,      &point_ir_waits,    &point_ir_frames,
-    &point_ir_at_once,     &point_ir_openings, &point_ir_holds_nobody,
-    &point_mouse_events,   &point_mouse_waits, &point_ad_norm,
-    &point_ad_adjust,      &point_ad_settings, &point_ad_bad,
-    &point_ad_loss,        &point_ad_motion,   NULL,
+    &point_rtc_set,        &point_rtc_runs,        &point_rtc_bad,         &point_wdt_start,
+    &point_wdt_options,    &point_wdt_timeout_bad, &point_wdt_off,         &point_wdt_timeout,
+    &point_wdt_expires, /* the last one: that it ran out may be told until the board is reset */
+
+    &point_gpio_configure, &point_gpio_drive,      &point_gpio_unset,      &point_gpio_bad,
+    &point_panel_none,     &point_panel_keys,      &point_panel_openings,  &point_panel_lamp,
+    &point_panel_polled,   &point_panel_bad,       &point_ir_waits,        &point_ir_frames,
+    &point_ir_at_once,     &point_ir_openings,     &point_ir_holds_nobody, &point_mouse_events,
+    &point_mouse_waits,    &point_ad_norm,         &point_ad_adjust,       &point_ad_settings,
+    &point_ad_bad,         &point_ad_loss,         &point_ad_motion,       NULL,
 };
