@@ -69,11 +69,18 @@ if(NVRHAL_PLATFORM STREQUAL "virtual")
 endif()
 
 
-if(TARGET nvrec)
-  file(RELATIVE_PATH to_libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
-  set_target_properties(nvrec PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
-  install(TARGETS nvrec RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+# The recorder; and the conformance suite, on the board in software.
+file(RELATIVE_PATH to_libraries ${CMAKE_INSTALL_FULL_BINDIR} ${CMAKE_INSTALL_FULL_LIBDIR})
+set(programs nvrec)
+if(NVRHAL_PLATFORM STREQUAL "virtual")
+  list(APPEND programs nvrhal-conformance)
 endif()
+foreach(program ${programs})
+  if(TARGET ${program})
+    set_target_properties(${program} PROPERTIES INSTALL_RPATH "$ORIGIN/${to_libraries}")
+    install(TARGETS ${program} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT runtime)
+  endif()
+endforeach()
 
 # Examples, as a project that is built against what is installed.
 set(shared_data ${CMAKE_INSTALL_DATADIR}/nvrhal)
