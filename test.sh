@@ -19,7 +19,8 @@
 #   port          platforms from outside the tree, as porters have them
 #   m32           32-bit on this PC: unit, trace and abi tests
 #   armhf         32-bit ARM under an emulator: unit, trace and abi tests
-#   musl          32-bit ARM with a small C library and no C++ run-time library: the main operations
+#   musl          32-bit ARM with a small C library and no C++ run-time library: the main operations,
+#                 and the conformance suite on the example's adapter
 #   clang         another compiler: everything built; unit, trace and abi tests
 #   lint          static analysis
 #   reference     the headers as HTML, without a gap
