@@ -21,8 +21,9 @@ typedef struct Opening {
 } Opening;
 
 typedef struct Mapping {
+    const NodeKind *kind; /* null = free */
     void *address;
-    size_t size; /* 0 = free */
+    size_t size; /* as it was asked for */
 } Mapping;
 
 static const NodeKind *const nodes[] = {
@@ -138,14 +139,14 @@ int board_ioctl(int descriptor, unsigned long request, void *argument)
     return result;
 }
 
-/* The memory is the support package's, mapped once for all: a mapping is that somebody asked for it. */
-static int note_mapping(void *address, size_t size)
+/* 0 = there is no room to note it. */
+static int note_mapping(const NodeKind *kind, void *address, size_t size)
 {
     int noted = 0;
     pthread_mutex_lock(&lock);
     for (int i = 0; i < kMostMapped && !noted; ++i) {
-        noted = mappings[i].size == 0;
-        if (noted) mappings[i] = (Mapping){address, size};
+        noted = mappings[i].kind == NULL;
+        if (noted) mappings[i] = (Mapping){kind, address, size};
     }
     pthread_mutex_unlock(&lock);
     return noted;
@@ -155,27 +156,33 @@ void *board_map(int descriptor, size_t size)
 {
     Opening *opening = use(descriptor);
     if (opening == NULL) return NULL;
+    const NodeKind *kind = opening->kind;
     void *address = NULL;
-    if (opening->kind->map != NULL)
-        address = opening->kind->map(size);
+    if (kind->map != NULL)
+        address = kind->map(size);
     else
         errno = ENODEV;
     stop_using(opening);
-    if (address == NULL || note_mapping(address, size)) return address;
+    if (address == NULL || note_mapping(kind, address, size)) return address;
+    kind->unmap(address);
     errno = ENOMEM;
     return NULL;
 }
 
+/* Only what was mapped, with its size. */
 int board_unmap(void *address, size_t size)
 {
-    int found = 0;
+    const NodeKind *kind = NULL;
     pthread_mutex_lock(&lock);
-    for (int i = 0; i < kMostMapped && !found; ++i) {
-        found = size > 0 && mappings[i].address == address && mappings[i].size == size;
-        if (found) mappings[i].size = 0;
+    for (int i = 0; i < kMostMapped && kind == NULL; ++i) {
+        if (mappings[i].kind == NULL || mappings[i].address != address || mappings[i].size != size) continue;
+        kind = mappings[i].kind;
+        mappings[i].kind = NULL;
     }
     pthread_mutex_unlock(&lock);
-    return found ? 0 : node_refuses_value();
+    if (kind == NULL) return node_refuses_value();
+    kind->unmap(address);
+    return 0;
 }
 
 /* No driver has to be loaded here. */

@@ -14,6 +14,7 @@ typedef struct NodeKind {
     int (*read)(void *opening, void *buffer, size_t size); /* null = the node is not read */
     int (*request)(void *opening, unsigned long request, void *argument);
     void *(*map)(size_t size); /* null = the node has no memory */
+    void (*unmap)(void *address);
 } NodeKind;
 
 /* -1 with errno: the driver's own refusals. */

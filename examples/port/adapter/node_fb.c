@@ -205,13 +205,13 @@ static int request(void *opening, unsigned long request, void *record)
 
 static void *map(size_t size)
 {
-    size_t bytes = 0;
-    uint32_t physical = 0;
-    void *memory = tern_osd_memory(&bytes, &physical);
+    if (size == 0 || size > memory_bytes()) {
+        errno = EINVAL;
+        return NULL;
+    }
+    void *memory = tern_osd_map();
     if (memory == NULL) errno = ENOMEM;
-    if (size > 0 && size <= bytes) return memory;
-    errno = EINVAL;
-    return NULL;
+    return memory;
 }
 
-const NodeKind node_framebuffer = {.path = FB_NODE, .request = request, .map = map};
+const NodeKind node_framebuffer = {.path = FB_NODE, .request = request, .map = map, .unmap = tern_osd_unmap};

@@ -1,10 +1,12 @@
 /* board.c - what is on the simulated evaluation board beside the chip. */
-#define _GNU_SOURCE /* MAP_ANONYMOUS, MAP_32BIT */
+#define _GNU_SOURCE /* MAP_32BIT */
 #include "tern_board.h"
 
+#include <stdio.h>
 #include <stdlib.h>
 #include <sys/mman.h>
 #include <time.h>
+#include <unistd.h>
 
 #include "tern_hand.h"
 #include "tern_inside.h"
@@ -19,22 +21,33 @@ enum {
 
 /* --- graphics plane --- */
 
-void *tern_osd_memory(size_t *bytes, uint32_t *physical)
+void tern_osd_memory(size_t *bytes, uint32_t *physical)
 {
-    static void *memory;
-    pthread_mutex_lock(&tern_lock);
-    if (memory == NULL) {
-        int flags = MAP_SHARED | MAP_ANONYMOUS;
-#ifdef MAP_32BIT
-        flags |= MAP_32BIT;
-#endif
-        memory = mmap(NULL, kOsdBytes, PROT_READ | PROT_WRITE, flags, -1, 0);
-        if (memory == MAP_FAILED) memory = NULL;
-    }
-    pthread_mutex_unlock(&tern_lock);
     *bytes = kOsdBytes;
     *physical = kPhysical;
-    return memory;
+}
+
+void *tern_osd_map(void)
+{
+    static FILE *memory; /* a file without a name, which all mappings share */
+    pthread_mutex_lock(&tern_lock);
+    if (memory == NULL && (memory = tmpfile()) != NULL && ftruncate(fileno(memory), kOsdBytes) != 0) {
+        fclose(memory);
+        memory = NULL;
+    }
+    void *address = MAP_FAILED;
+    int flags = MAP_SHARED;
+#ifdef MAP_32BIT
+    flags |= MAP_32BIT;
+#endif
+    if (memory != NULL) address = mmap(NULL, kOsdBytes, PROT_READ | PROT_WRITE, flags, fileno(memory), 0);
+    pthread_mutex_unlock(&tern_lock);
+    return address != MAP_FAILED ? address : NULL;
+}
+
+void tern_osd_unmap(void *address)
+{
+    munmap(address, kOsdBytes);
 }
 
 int tern_osd_set(const TernOsd *settings)

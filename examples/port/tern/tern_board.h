@@ -23,8 +23,12 @@ typedef struct TernOsd {
     uint8_t alpha_one, alpha_zero; /* what one-bit alphas stand for                       */
 } TernOsd;
 
-/* Memory of the plane, shared by all who ask. Null when there is none. */
-void *tern_osd_memory(size_t *bytes, uint32_t *physical);
+/* How much memory the plane has, and where the chip sees it. */
+void tern_osd_memory(size_t *bytes, uint32_t *physical);
+
+/* All of it, mapped once more; null = it cannot be mapped. */
+void *tern_osd_map(void);
+void tern_osd_unmap(void *address);
 
 /* 0, or -1 when the memory is too small for it. */
 int tern_osd_set(const TernOsd *settings);
