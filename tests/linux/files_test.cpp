@@ -165,11 +165,11 @@ TEST(BoardIoctl, FailsWithTheSystemsReason)
 {
     const ScratchFolder folder;
     const int descriptor = board_open(folder.file("node", "x").c_str(), O_RDWR);
-    uint32_t record[16] = {};
+    winsize record = {}; // a file is no terminal
     errno = 0;
-    EXPECT_EQ(board_ioctl(descriptor, 0x6109, record), -1);
+    EXPECT_EQ(board_ioctl(descriptor, TIOCGWINSZ, &record), -1);
     EXPECT_EQ(errno, ENOTTY);
     board_close(descriptor);
-    EXPECT_EQ(board_ioctl(descriptor, 0x6109, record), -1);
+    EXPECT_EQ(board_ioctl(descriptor, TIOCGWINSZ, &record), -1);
     EXPECT_EQ(errno, EBADF);
 }
