@@ -17,6 +17,7 @@
 #   linux-nvrec   the recorder without the board in software
 #   packages      Debian packages, and applications outside the tree against them
 #   port          platforms from outside the tree, as porters have them
+#   mutants       whether the conformance suite names what fifty platforms break; builds dev's suite
 #   m32           32-bit on this PC: unit, trace and abi tests
 #   armhf         32-bit ARM under an emulator: unit, trace and abi tests
 #   musl          32-bit ARM with a small C library and no C++ run-time library: the main operations,
@@ -30,7 +31,7 @@
 set -uo pipefail
 cd "$(dirname "$0")"
 
-all_legs=dev,seams,format,release,asan,tsan,subdirectory,linux-nvrec,packages,port,m32,armhf,musl,clang,lint,reference
+all_legs=dev,seams,format,release,asan,tsan,subdirectory,linux-nvrec,packages,port,mutants,m32,armhf,musl,clang,lint,reference
 case "$#:${1:-}" in
 0:) legs=dev,seams ;;
 1:--all) legs=$all_legs ;;
@@ -174,6 +175,14 @@ linux_nvrec_leg() { quietly linux-nvrec tools/linux_nvrec.sh "$jobs"; }
 packages_leg() { quietly packages tools/packages/build.sh; }
 
 port_leg() { quietly port tools/port.sh "$jobs"; }
+
+# The suite mostly waits, so that several runs of it share a processor.
+mutants_leg() {
+    quietly configure-dev cmake --preset dev &&
+        quietly build-mutants cmake --build --preset dev -j "$jobs" --target check-conformance-mutants nvrhal-conformance &&
+        quietly mutants tools/conformance_mutants.sh --jobs $((2 * jobs)) build/dev/mutants build/dev/bin/nvrhal-conformance &&
+        tail -n 1 $logs/mutants.log
+}
 
 subdirectory_leg() {
     local result=0 way build
