@@ -265,8 +265,15 @@ POINT(queue_size, "ao.send.queue", "MI_AO_SendFrame",
 {
     need_audio();
     const uint32_t taken = need_full_queue();
-    HOLDS(taken * BLOCK_MS >= 100 - BLOCK_MS && taken * BLOCK_MS <= 500 + BLOCK_MS,
-          "%u blocks of 40 ms went in without waiting", taken);
+    IN_TIME(taken * BLOCK_MS >= 100 - BLOCK_MS && taken * BLOCK_MS <= 500 + BLOCK_MS,
+            "%u blocks of 40 ms went in without waiting", taken);
+}
+
+/* On a machine that stood still for a while there is room again: then the send succeeds rightly. */
+static void refused_for_want_of_room(int32_t result)
+{
+    if (result == 0) too_late("%s, expected BUFFER_FULL", last_call_text());
+    expect_refusal(result, MI_MODULE_AO, MI_REASON_BUFFER_FULL);
 }
 
 POINT(full_at_once, "ao.send.full-at-once", "MI_AO_SendFrame",
@@ -277,7 +284,7 @@ POINT(full_at_once, "ao.send.full-at-once", "MI_AO_SendFrame",
     need_audio();
     for (int i = 1;; ++i) {
         need_full_queue();
-        REFUSED_SOMEHOW(MI_AO_SendFrame(DEV, CHN, &block, 0), MI_MODULE_AO);
+        refused_for_want_of_room(MI_AO_SendFrame(DEV, CHN, &block, 0));
         if (i == TRIES || took_within(0, 15)) break;
     }
     expect_took(0, 15);
@@ -293,7 +300,7 @@ POINT(full_times_out, "ao.send.full-times-out", "MI_AO_SendFrame",
     need_audio();
     for (int i = 1;; ++i) {
         need_full_queue(); /* less than 40 ms of room, so that 100 ms have room 60 ms later at the earliest */
-        REFUSED(MI_AO_SendFrame(DEV, CHN, &large, WAIT_MS), MI_MODULE_AO, MI_REASON_BUFFER_FULL);
+        refused_for_want_of_room(MI_AO_SendFrame(DEV, CHN, &large, WAIT_MS));
         if (i == TRIES || took_within(WAIT_MS, 30) || last_call_ms() < WAIT_MS - 2) break;
     }
     expect_took(WAIT_MS, 30);
