@@ -11,6 +11,8 @@ namespace
 constexpr double kDoubleSpeed = 2.0;
 /* A player that falls further behind than this plays on from where it is. */
 constexpr int64_t kLatest_us = 500'000;
+/* How often the last pictures' decoders are waited for: a wait ends at once when there is nothing left. */
+constexpr int kLastTries = 5;
 
 } // namespace
 
@@ -237,7 +239,9 @@ void Playback::deliver(PlaybackTrack &track, bool with_sound)
 /* All shown files are through: their last pictures are to be seen before anyone acts on it. */
 void Playback::end()
 {
-    wait_for_decoders();
+    /* On a PC that is slower than the recording much may be left to decode. */
+    for (int tries = 0; tries < kLastTries; ++tries)
+        wait_for_decoders();
     anchor(position_at(Clock::now()));
     ended_ = true;
     if (changed_) changed_();
