@@ -29,9 +29,9 @@ void keep_text(const char *text, size_t length, void *user)
 /** Print a text that has `text` in it, and some others after it. */
 void print_around(const std::string &text)
 {
-    uint8_t unit[2] = {};
-    FromGb2312ToUnicode(reinterpret_cast<const uint8_t *>(text.c_str()), static_cast<int>(text.size()), unit,
-                        sizeof unit);
+    uint8_t units[4] = {}; // one unit is room enough, and the zero unit behind it is not counted
+    FromGb2312ToUnicode(reinterpret_cast<const uint8_t *>(text.c_str()), static_cast<int>(text.size()), units,
+                        2);
 }
 
 std::string printed_around(const std::string &text)
