@@ -40,15 +40,15 @@ class Entry:
     """An option or argument: "-l,--layout TEXT:{auto,1}=auto   How the screen is divided"."""
 
     def __init__(self, head, words):
-        self.names, _, spec = head.partition(" ")
+        self.names, _, value = head.partition(" ")
         self.words = words
-        self.needs = re.findall(r"(Needs|Excludes): (\S+)", spec)
-        spec = re.sub(r"\s*(Needs|Excludes): \S+", "", spec)
-        self.required = "REQUIRED" in spec
-        spec = spec.replace("REQUIRED", "").replace("...", "").strip()
+        self.needs = re.findall(r"(Needs|Excludes): (\S+)", value)
+        value = re.sub(r"\s*(Needs|Excludes): \S+", "", value)
+        self.required = "REQUIRED" in value
+        value = value.replace("REQUIRED", "").replace("...", "").strip()
         # The default stands behind the last "=" that is outside of braces and behind no ">".
-        found = re.match(r"(.*?[}\])\w]|.*NUMBER>=0)=([^={}>]*)$", spec)
-        self.kind, self.default = (found.group(1), found.group(2)) if found else (spec, None)
+        found = re.match(r"(.*?[}\])\w]|.*NUMBER>=0)=([^={}>]*)$", value)
+        self.kind, self.default = (found.group(1), found.group(2)) if found else (value, None)
         named = re.search(r"value in \{(.*?)\}", self.kind)
         listed = re.search(r":\{(.*?)\}", self.kind)
         self.choices = []
