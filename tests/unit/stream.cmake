@@ -20,6 +20,7 @@ nvrhal_test(stream_interleaving_test OPTIMISED
   ${stream_dir}/../../src/stream/pool.cpp
   ${stream_dir}/../../src/stream/distance.cpp
   ${stream_dir}/../../src/stream/reader.cpp
+  ${stream_dir}/../../src/core/log.cpp
   LIBS nvrhal_api platform_api LABEL unit TIMEOUT 300)
 target_include_directories(stream_interleaving_test BEFORE PRIVATE ${stream_dir}/stream_probe)
 target_include_directories(stream_interleaving_test PRIVATE ${stream_dir}/../../src)
