@@ -68,8 +68,29 @@ static bool judge(Outcome *outcomes, size_t count)
     return any;
 }
 
+/* Whether all that was printed has reached standard output. */
+static bool table_was_written(void)
+{
+    if (fflush(stdout) == 0 && !ferror(stdout)) return true;
+    fprintf(stderr, "nvrhal-conformance: the table could not be written\n");
+    return false;
+}
+
+static int print_list(const Point *const *points, size_t count)
+{
+    for (size_t i = 0; i < count; ++i)
+        printf("%-44s %s\n", points[i]->name, points[i]->text);
+    return table_was_written() ? EXIT_HELD : EXIT_COULD_NOT_RUN;
+}
+
 static int run(const Point *const *points, size_t count)
 {
+    /* Opened at once: a soak of a night must not end at a path that is wrong. */
+    FILE *json = settings.json != NULL ? fopen(settings.json, "w") : NULL;
+    if (settings.json != NULL && json == NULL) {
+        perror(settings.json);
+        return EXIT_COULD_NOT_RUN;
+    }
     Outcome *outcomes = calloc(count, sizeof *outcomes);
     the_record = record_create();
     if (outcomes == NULL || the_record == NULL) {
@@ -84,15 +105,14 @@ static int run(const Point *const *points, size_t count)
     const double seconds = (double)(now_us() - began_us) / 1e6;
     const bool any_broken = judge(outcomes, count);
     report_sum(outcomes, count, seconds);
-    if (settings.json != NULL && report_json(settings.json, outcomes, count, seconds) != 0) {
-        perror(settings.json);
-        return EXIT_COULD_NOT_RUN;
-    }
+    const bool written = json == NULL || report_json(json, outcomes, count, seconds) == 0;
+    if (!written) perror(settings.json);
     for (size_t i = 0; i < count; ++i) {
         free(outcomes[i].reason);
         free(outcomes[i].record);
     }
     free(outcomes);
+    if (!written || !table_was_written()) return EXIT_COULD_NOT_RUN;
     return any_broken ? EXIT_BROKEN : EXIT_HELD;
 }
 
@@ -140,12 +160,7 @@ int main(int argc, char **argv)
         free(points);
         return wrong_usage("no point matches ", settings.only);
     }
-    int status = EXIT_HELD;
-    if (list)
-        for (size_t i = 0; i < count; ++i)
-            printf("%-44s %s\n", points[i]->name, points[i]->text);
-    else
-        status = run(points, count);
+    const int status = list ? print_list(points, count) : run(points, count);
     free(points);
     return status;
 }

@@ -1,4 +1,5 @@
 /* points_board.c - the board's own input and output: descriptors, shell, sleep, wall clock. */
+#define _GNU_SOURCE /* clocks, barriers and mappings, also with -std=c11 */
 #include <errno.h>
 #include <fcntl.h>
 #include <pthread.h>

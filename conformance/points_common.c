@@ -2,6 +2,7 @@
  * points_common.c - what holds for every call of the media interface: a refused call writes nothing into the
  * caller's records, and calls from several threads do not get into each other's way.
  */
+#define _GNU_SOURCE /* clocks, barriers and mappings, also with -std=c11 */
 #include <pthread.h>
 #include <string.h>
 

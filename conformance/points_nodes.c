@@ -2,6 +2,7 @@
  * points_nodes.c - the device nodes besides the framebuffer: battery-backed clock, watchdog, output lines,
  * front panel, infrared receiver, mouse, analog inputs.
  */
+#define _GNU_SOURCE /* clocks, barriers and mappings, also with -std=c11 */
 #include <errno.h>
 #include <fcntl.h>
 #include <pthread.h>

@@ -2,6 +2,7 @@
  * points_vdec_picture.c - what comes out of a decoder. The pictures are looked at through the snapshot
  * pipeline, which every board can do without a hook.
  */
+#define _GNU_SOURCE /* clocks, barriers and mappings, also with -std=c11 */
 #include <pthread.h>
 #include <stdlib.h>
 #include <string.h>

@@ -1,4 +1,5 @@
 /* points_vdec_send.c - sending to a decoder channel: refusals, backlog numbers, time-outs, threads. */
+#define _GNU_SOURCE /* clocks, barriers and mappings, also with -std=c11 */
 #include <pthread.h>
 #include <stdlib.h>
 #include <string.h>

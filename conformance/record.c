@@ -1,4 +1,5 @@
 /* record.c - the record of seam calls. See record.h. */
+#define _GNU_SOURCE /* clocks, barriers and mappings, also with -std=c11 */
 #include "record.h"
 
 #include <pthread.h>

@@ -70,7 +70,10 @@ void report_sum(const Outcome *outcomes, size_t count, double seconds)
            count_of(outcomes, count, "not tried"), seconds);
     for (size_t i = 0; i < count; ++i)
         if (outcomes[i].verdict == VERDICT_BROKEN) printf("  broken: %s\n", outcomes[i].point->name);
-    fflush(stdout);
+    if (count_of(outcomes, count, "broken") > 0 && !conformance_hooks.decodes_nothing)
+        printf("Pictures were taken for decoded ones: a board that only simulates a decoder says so in its "
+               "hooks\n"
+               "(decodes_nothing).\n");
 }
 
 /* --------------------------------------------------------------------------------------- JSON --- */
@@ -125,10 +128,8 @@ static void write_point(FILE *file, const Outcome *outcome)
     fprintf(file, "]}");
 }
 
-int report_json(const char *path, const Outcome *outcomes, size_t count, double seconds)
+int report_json(FILE *file, const Outcome *outcomes, size_t count, double seconds)
 {
-    FILE *file = fopen(path, "w");
-    if (file == NULL) return -1;
     fprintf(file, "{\n  \"board\": ");
     write_string(file, conformance_hooks.name);
     fprintf(file, ",\n  \"seconds\": %.3f,\n", seconds);

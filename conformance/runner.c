@@ -2,6 +2,7 @@
  * runner.c - runs a point. In a process of its own a point that crashes or hangs takes nothing with it;
  * in a common process a hang ends the run.
  */
+#define _GNU_SOURCE /* clocks, barriers and mappings, also with -std=c11 */
 #include "runner.h"
 
 #include <errno.h>

@@ -2,6 +2,8 @@
 #ifndef CONFORMANCE_RUNNER_H
 #define CONFORMANCE_RUNNER_H
 
+#include <stdio.h>
+
 #include "record.h"
 #include "suite.h"
 
@@ -20,9 +22,10 @@ void run_point(const Point *point, Outcome *outcome);
 /* The soak: all kinds of traffic at once for a while. Its outcome is that of a point. */
 extern const Point soak_point;
 
-/* report.c: the table on standard output, and the file. 0, or -1 when it cannot be written. */
+/* report.c: the table on standard output. */
 void report_row(const Outcome *outcome);
 void report_sum(const Outcome *outcomes, size_t count, double seconds);
-int report_json(const char *path, const Outcome *outcomes, size_t count, double seconds);
+/* The same as JSON in an open file, which is closed. 0, or -1: not everything could be written. */
+int report_json(FILE *file, const Outcome *outcomes, size_t count, double seconds);
 
 #endif

@@ -8,6 +8,9 @@ library=$3
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cp "$suite"/*.c "$suite"/*.h "$suite"/Makefile "$scratch"
+for source in "$scratch"/*.c; do # compilers that know nothing but the standard, vboard_hooks.c is ours
+    [[ $source == *_hooks.c ]] || cc -std=c11 -Wall -Wextra -Werror -fsyntax-only -I"$scratch" -I"$headers" "$source"
+done
 make -s -C "$scratch" CFLAGS='-O0 -Wall -Wextra -Werror' INCLUDE="$headers" BOARD="$library" \
     LDFLAGS="-Wl,-rpath,$(dirname "$library")"
 "$scratch/nvrhal-conformance" --only 'sys.pts*' >"$scratch/held" 2>/dev/null

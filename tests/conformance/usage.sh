@@ -20,6 +20,15 @@ expect 2 --patience 0
 expect 2 --json
 expect 2 stray
 expect 3 --only vdec.create.null --json /nowhere/at/all.json
+expect 3 --only vdec.create.null --json /dev/full
+[ -z "$("$program" --only vdec.create.null --json /nowhere/at/all.json 2>/dev/null)" ] || {
+    echo "a report that cannot be written is noticed only after the run"
+    failed=1
+}
+for table in "--list" "--only vdec.create.null"; do
+    "$program" $table >/dev/full 2>/dev/null
+    [ $? -eq 3 ] || { echo "$table into a full disk did not give 3"; failed=1; }
+done
 expect 0 --only vdec.create.null
 expect 0 --list
 [ "$("$program" --list --only 'vdec.send.*' | grep -cv '^vdec\.send\.')" = 0 ] || failed=1
