@@ -13,6 +13,7 @@
 #include "media/call.h"
 #include "media/clock.h"
 #include "media/modules.h"
+#include "vboard_nodes.h"
 
 namespace vboard
 {
@@ -95,7 +96,9 @@ int close_node(int descriptor)
             io.open.erase(found);
         }
     }
-    return closing != nullptr ? 0 : refuse_with(EBADF, "no open descriptor", descriptor);
+    if (closing == nullptr) return refuse_with(EBADF, "no open descriptor", descriptor);
+    closing->follow({});
+    return 0;
 }
 
 void *map_node(int descriptor, size_t size)
@@ -238,6 +241,29 @@ void board_sleep_us(uint32_t microseconds)
 int64_t board_time_us(void)
 {
     return clock_wall_us();
+}
+
+int vboard_node_exists(const char *path)
+{
+    return path != nullptr && find_node(path) != nullptr ? 1 : 0;
+}
+
+int vboard_node_pending(int descriptor)
+{
+    const std::shared_ptr<OpenNode> node = find_open(descriptor);
+    if (node == nullptr) return refuse_with(EBADF, "no open descriptor", descriptor);
+    return node->is_pending() ? 1 : 0;
+}
+
+int vboard_node_follow(int descriptor, vboard_node_follower follower, void *user)
+{
+    const std::shared_ptr<OpenNode> node = find_open(descriptor);
+    if (node == nullptr) return refuse_with(EBADF, "no open descriptor", descriptor);
+    std::function<void()> tell;
+    if (follower != nullptr) tell = [=] { follower(descriptor, user); };
+    if (!node->follow(std::move(tell)))
+        return refuse_plainly("descriptor %d is followed already", descriptor);
+    return 0;
 }
 
 } // extern "C"

@@ -69,6 +69,12 @@ public:
         lost_ = true;
     }
 
+    bool is_set()
+    {
+        const std::lock_guard guard(mutex_);
+        return !lost_;
+    }
+
 protected:
     int request(unsigned long code, void *argument) override
     {
@@ -140,6 +146,11 @@ void vboard_rtc_set(int64_t seconds)
 int64_t vboard_rtc_get(void)
 {
     return rtc().seconds();
+}
+
+int vboard_rtc_is_set(void)
+{
+    return rtc().is_set() ? 1 : 0;
 }
 
 void vboard_rtc_fail_battery(void)

@@ -10,6 +10,7 @@
 #define VBOARD_DEVICE_NODE_H
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 
 namespace vboard
@@ -24,6 +25,15 @@ public:
     virtual int ioctl(unsigned long request, void *argument);
     virtual void *map(size_t size);
     virtual int unmap(void *address, size_t size);
+
+    /* Whether a read gives a record at once. */
+    virtual bool is_pending() { return false; }
+
+    /*
+     * Be told of every record that comes, outside of the node's locks; an empty one ends it, and returns
+     * when no call is running any more. False: there is one.
+     */
+    virtual bool follow(std::function<void()>) { return true; }
 };
 
 class DeviceNode

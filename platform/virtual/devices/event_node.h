@@ -43,14 +43,20 @@ public:
     /* Give an event to every opening. */
     void post(const Record &record)
     {
-        const std::lock_guard guard(shared_.mutex);
-        for (const auto &known : openings_) {
-            const std::shared_ptr<Opening> opening = known.lock();
-            if (opening == nullptr) continue;
-            if (opening->events.size() == kMostEvents) opening->events.pop_front();
-            opening->events.push_back(record);
+        std::vector<std::shared_ptr<Opening>> given;
+        {
+            const std::lock_guard guard(shared_.mutex);
+            for (const auto &known : openings_) {
+                std::shared_ptr<Opening> opening = known.lock();
+                if (opening == nullptr) continue;
+                if (opening->events.size() == kMostEvents) opening->events.pop_front();
+                opening->events.push_back(record);
+                given.push_back(std::move(opening));
+            }
+            shared_.changed.notify_all();
         }
-        shared_.changed.notify_all();
+        for (const auto &opening : given)
+            opening->tell_follower();
     }
 
     virtual int request(unsigned long code, void *)
@@ -85,10 +91,32 @@ private:
 
         int ioctl(unsigned long code, void *argument) override { return node_.request(code, argument); }
 
+        bool is_pending() override
+        {
+            const std::lock_guard guard(node_.shared_.mutex);
+            return !events.empty();
+        }
+
+        bool follow(std::function<void()> follower) override
+        {
+            const std::lock_guard guard(follower_mutex_);
+            if (follower && follower_) return false;
+            follower_ = std::move(follower);
+            return true;
+        }
+
+        void tell_follower()
+        {
+            const std::lock_guard guard(follower_mutex_);
+            if (follower_) follower_();
+        }
+
         std::deque<Record> events; // guarded by the node's mutex
 
     private:
         EventNode &node_;
+        std::mutex follower_mutex_; // held during a call
+        std::function<void()> follower_;
     };
 
     const char *path_;

@@ -61,6 +61,12 @@ public:
         return 0;
     }
 
+    void set_boot_reason(uint32_t reason)
+    {
+        const std::lock_guard guard(shared_.mutex);
+        stat_.boot_reason = reason;
+    }
+
 protected:
     int request(unsigned long code, void *argument) override
     {
@@ -141,6 +147,13 @@ int vboard_watchdog_get_stat(vboard_watchdog_stat *stat)
 int vboard_watchdog_wait_expired(int32_t timeout_ms)
 {
     return watchdog().wait_expired(timeout_ms);
+}
+
+int vboard_watchdog_set_boot_reason(uint32_t reason)
+{
+    if (reason > VBOARD_BOOT_WATCHDOG) return refuse_plainly("no board starts for reason %u", reason);
+    watchdog().set_boot_reason(reason);
+    return 0;
 }
 
 } // extern "C"

@@ -149,6 +149,9 @@ typedef struct vboard_port_stat {
     uint64_t dropped;                /* of these, replaced before a refresh, or cleared unseen   */
 } vboard_port_stat;
 
+/** Size of what a device shows, pixels, without composing it. 0, or -1 (no such device, null). */
+int vboard_display_get_size(int32_t device, uint32_t *width, uint32_t *height);
+
 /** Read a port's state. 0, or -1. */
 int vboard_port_get_stat(int32_t device, uint32_t port, vboard_port_stat *stat);
 
@@ -174,6 +177,9 @@ typedef struct vboard_decoder_stat {
 
 /** Read a channel's counters; channel 0 to 63, created or not. 0, or -1. */
 int vboard_decoder_get_stat(uint32_t channel, vboard_decoder_stat *stat);
+
+/** What a channel was sent and has not consumed, that in work included: bytes, and sends. 0, or -1. */
+int vboard_decoder_get_backlog(uint32_t channel, uint32_t *bytes, uint32_t *sends);
 
 /**
  * Wait until the channel has consumed all that was sent and handed on its pictures. In stream mode

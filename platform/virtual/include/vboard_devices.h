@@ -41,6 +41,12 @@ int vboard_watchdog_get_stat(vboard_watchdog_stat *stat);
 /** Wait until the watchdog has expired. 0, or -1 (time-out). */
 int vboard_watchdog_wait_expired(int32_t timeout_ms);
 
+/**
+ * Why this board started, for a program that is started again in a process of its own. 0, or -1 (not of
+ * enum vboard_boot_reason). The next vboard_reset finds the reason anew.
+ */
+int vboard_watchdog_set_boot_reason(uint32_t reason);
+
 /* -------------------------------------------------------------------- the battery-backed clock --- */
 
 /**
@@ -52,6 +58,9 @@ void vboard_rtc_set(int64_t seconds);
 
 /** What it holds, seconds since 1970-01-01 00:00 UTC. */
 int64_t vboard_rtc_get(void);
+
+/** 1 while it holds a time; 0 since its battery failed. */
+int vboard_rtc_is_set(void);
 
 /** The battery fails: the time is lost, and reading it fails until it is set again. */
 void vboard_rtc_fail_battery(void);

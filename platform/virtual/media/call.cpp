@@ -5,12 +5,15 @@
 #include "media/call.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstring>
 #include <map>
 #include <memory>
 #include <mutex>
 
+#include "media/call_follow.h"
 #include "media/clock.h"
 
 namespace vboard
@@ -23,7 +26,7 @@ struct Fault {
     uint32_t count; // how many; 0 = all that follow
     int32_t code;
     uint64_t seen = 0;  // calls since the fault was set
-    bool fired = false; // one of them was made to fail
+    uint64_t fired = 0; // of these, made to fail
 };
 
 struct CloseFile {
@@ -35,6 +38,7 @@ struct CallState {
     std::map<const CallSite *, Fault> faults;
     vboard_fault_stat fault_stat = {}; // but for `waiting`, which is counted when asked for
     std::unique_ptr<FILE, CloseFile> trace;
+    bool trace_is_timed = false;
     std::string last_refusal;
     uint64_t refusals = 0;
     bool loud = true;
@@ -77,10 +81,13 @@ void note_refusal(const std::string &text)
 {
     const std::string line = std::string(current_name()) + ": " + text;
     CallState &calls = state();
-    const std::lock_guard guard(calls.mutex);
-    ++calls.refusals;
-    calls.last_refusal = line;
-    if (calls.loud) print_line(line);
+    {
+        const std::lock_guard guard(calls.mutex);
+        ++calls.refusals;
+        calls.last_refusal = line;
+        if (calls.loud) print_line(line);
+    }
+    tell_refusal_follower(line.c_str());
 }
 
 // Take a fault out, if the call has one; the caller holds the mutex. A fault that was set for a call
@@ -89,7 +96,7 @@ void end_fault(CallState &calls, const CallSite *site)
 {
     const auto found = calls.faults.find(site);
     if (found == calls.faults.end()) return;
-    if (!found->second.fired) {
+    if (found->second.fired == 0) {
         ++calls.fault_stat.unused;
         if (calls.loud)
             print_line(std::string(site->name) + ": the fault set for its call number " +
@@ -105,14 +112,6 @@ void note_wrong_fault(CallState &calls)
     ++calls.fault_stat.refused;
 }
 
-void set_hook(unsigned hook, bool on)
-{
-    if (on)
-        call_detail::hooks.fetch_or(hook, std::memory_order_relaxed);
-    else
-        call_detail::hooks.fetch_and(~hook, std::memory_order_relaxed);
-}
-
 } // namespace
 
 CallSite::CallSite(const char *call_name) : name(call_name), next(first_site)
@@ -124,6 +123,15 @@ namespace call_detail
 {
 
 std::atomic<unsigned> hooks{0};
+
+void set_hook(unsigned hook, bool on)
+{
+    if (on)
+        hooks.fetch_or(hook, std::memory_order_relaxed);
+    else
+        hooks.fetch_and(~hook, std::memory_order_relaxed);
+}
+
 thread_local const CallSite *current_call = nullptr;
 thread_local const char *declined = nullptr;
 
@@ -138,20 +146,46 @@ bool take_fault(const CallSite &site, int32_t &code)
     if (fault.seen < fault.nth) return false;
     if (fault.count != 0 && fault.seen >= uint64_t{fault.nth} + fault.count) return false;
     code = fault.code;
-    fault.fired = true;
+    ++fault.fired;
     ++calls.fault_stat.fired;
     return true;
 }
 
-void trace_line(const CallSite &site, const std::string &arguments, const std::string &result)
+int64_t real_time_us()
 {
-    CallState &calls = state();
+    using std::chrono::steady_clock;
+    const steady_clock::duration now = steady_clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::microseconds>(now).count();
+}
+
+void report(const EndedCall &call, unsigned active_hooks)
+{
+    const int caller_errno = errno;
+    // A hook that came up during the call cannot tell its duration, and leaves it out.
+    const bool has_duration = (active_hooks & (kTimed | kFollow)) != 0;
+    const int64_t duration_us = has_duration ? real_time_us() - call.began_us : 0;
+    const uint32_t thread = has_duration ? thread_number() : 0;
+    std::string result = call.result;
+    if (declined != nullptr) result += std::string(" (") + declined + ")";
     const int64_t now_us = clock_now_us();
-    const std::lock_guard guard(calls.mutex);
-    if (calls.trace == nullptr) return;
-    const std::string reason = declined != nullptr ? std::string(" (") + declined + ")" : "";
-    fprintf(calls.trace.get(), "%lld %s%s = %s%s\n", static_cast<long long>(now_us), site.name,
-            arguments.c_str(), result.c_str(), reason.c_str());
+    if ((active_hooks & kTrace) != 0) {
+        CallState &calls = state();
+        const std::lock_guard guard(calls.mutex);
+        if (calls.trace != nullptr) {
+            fprintf(calls.trace.get(), "%lld %s%s = %s", static_cast<long long>(now_us), call.site.name,
+                    call.arguments.c_str(), result.c_str());
+            if (calls.trace_is_timed && has_duration)
+                fprintf(calls.trace.get(), " ; thread %u, %lld us", thread,
+                        static_cast<long long>(duration_us));
+            fputc('\n', calls.trace.get());
+        }
+    }
+    if ((active_hooks & kFollow) != 0) {
+        const char *arguments = call.arguments.empty() ? "" : call.arguments.c_str() + 1;
+        tell_call_follower(
+            {now_us, duration_us, thread, call.failed ? 1u : 0u, call.site.name, arguments, result.c_str()});
+    }
+    errno = caller_errno;
 }
 
 int32_t out_of_memory(const CallSite &)
@@ -226,7 +260,7 @@ int fault_set(const char *call, uint32_t nth, uint32_t count, int32_t code)
     ++calls.fault_stat.set;
     end_fault(calls, site);
     calls.faults.emplace(site, Fault{nth, count, code});
-    set_hook(call_detail::kFault, true);
+    call_detail::set_hook(call_detail::kFault, true);
     return 0;
 }
 
@@ -243,7 +277,7 @@ void fault_clear(const char *call)
     if (site != nullptr) end_fault(calls, site);
     while (call == nullptr && !calls.faults.empty())
         end_fault(calls, calls.faults.begin()->first);
-    set_hook(call_detail::kFault, !calls.faults.empty());
+    call_detail::set_hook(call_detail::kFault, !calls.faults.empty());
 }
 
 int fault_get_stat(vboard_fault_stat *stat)
@@ -253,11 +287,34 @@ int fault_get_stat(vboard_fault_stat *stat)
     const std::lock_guard guard(calls.mutex);
     *stat = calls.fault_stat;
     for (const auto &[site, fault] : calls.faults)
-        stat->waiting += fault.fired ? 0 : 1;
+        stat->waiting += fault.fired == 0 ? 1 : 0;
     return 0;
 }
 
-int trace_start(const char *path)
+size_t list_faults(vboard_fault *faults, size_t room)
+{
+    CallState &calls = state();
+    const std::lock_guard guard(calls.mutex);
+    size_t count = 0;
+    for (const auto &[site, fault] : calls.faults) {
+        if (count < room && faults != nullptr)
+            faults[count] = {site->name, fault.nth, fault.count, fault.code, fault.seen, fault.fired};
+        ++count;
+    }
+    return count;
+}
+
+size_t call_names(const char **names, size_t room)
+{
+    size_t count = 0;
+    for (const CallSite *site = first_site; site != nullptr; site = site->next) {
+        if (count < room && names != nullptr) names[count] = site->name;
+        ++count;
+    }
+    return count;
+}
+
+int trace_start(const char *path, bool timed)
 {
     if (path == nullptr) return refuse_plainly("a trace needs a file name");
     std::unique_ptr<FILE, CloseFile> file(fopen(path, "w"));
@@ -265,7 +322,9 @@ int trace_start(const char *path)
     CallState &calls = state();
     const std::lock_guard guard(calls.mutex);
     calls.trace = std::move(file);
-    set_hook(call_detail::kTrace, true);
+    calls.trace_is_timed = timed;
+    call_detail::set_hook(call_detail::kTimed, timed); // first, so that every line of the file has its times
+    call_detail::set_hook(call_detail::kTrace, true);
     return 0;
 }
 
@@ -273,7 +332,8 @@ void trace_stop()
 {
     CallState &calls = state();
     const std::lock_guard guard(calls.mutex);
-    set_hook(call_detail::kTrace, false);
+    call_detail::set_hook(call_detail::kTrace, false);
+    call_detail::set_hook(call_detail::kTimed, false);
     calls.trace.reset();
 }
 

@@ -10,7 +10,7 @@
  *         return platform_call(site, [&] { return vdec_start(channel); }, channel);
  *     }
  *
- * With no fault set and no trace running the cost is one relaxed load and a thread-local store.
+ * With no fault set, no trace running and no follower the cost is one relaxed load and a thread-local store.
  */
 #ifndef VBOARD_CALL_H
 #define VBOARD_CALL_H
@@ -25,6 +25,7 @@
 #include "media/call_text.h"
 #include "mi_common.h"
 #include "vboard.h"
+#include "vboard_calls.h"
 
 namespace vboard
 {
@@ -43,13 +44,24 @@ public:
 
 namespace call_detail
 {
-enum Hook : unsigned { kTrace = 1, kFault = 2 };
+enum Hook : unsigned { kTrace = 1, kFault = 2, kTimed = 4, kFollow = 8 };
 
-extern std::atomic<unsigned> hooks;                   // Hook bits that are on
-extern thread_local const CallSite *current_call;     // for refusal lines
-extern thread_local const char *declined;             // why the current call was declined, or null
+extern std::atomic<unsigned> hooks;               // Hook bits that are on
+extern thread_local const CallSite *current_call; // for refusal lines
+extern thread_local const char *declined;         // why the current call was declined, or null
+void set_hook(unsigned hook, bool on);
 bool take_fault(const CallSite &site, int32_t &code); // counts the call
-void trace_line(const CallSite &site, const std::string &arguments, const std::string &result);
+int64_t real_time_us();                               // monotonic
+
+/* A call that has ended, for the trace and the follower. */
+struct EndedCall {
+    const CallSite &site;
+    const std::string &arguments; // each with a space before it
+    std::string result;
+    bool failed;
+    int64_t began_us; // real_time_us(), when a hook wants durations
+};
+void report(const EndedCall &call, unsigned active_hooks);
 int32_t out_of_memory(const CallSite &site);
 
 template <typename Result> Result as_result(int32_t code)
@@ -103,14 +115,15 @@ auto platform_call(const CallSite &site, Body body, const Arguments &...argument
         const unsigned active = hooks.load(std::memory_order_relaxed);
         if (active == 0) [[likely]]
             return body();
+        const int64_t began_us = (active & (kTimed | kFollow)) != 0 ? real_time_us() : 0;
         int32_t code = 0;
         const bool faulted = (active & kFault) != 0 && take_fault(site, code);
         const Result result = faulted ? as_result<Result>(code) : body();
-        if ((active & kTrace) != 0) {
+        if ((active & (kTrace | kFollow)) != 0) {
             std::string text;
             [[maybe_unused]] const bool filled = !faulted && is_success(result);
             ((text += ' ', describe(text, arguments, filled)), ...);
-            trace_line(site, text, result_text(result));
+            report({site, text, result_text(result), !is_success(result), began_us}, active);
         }
         return result;
     } catch (const std::exception &) {
@@ -143,7 +156,9 @@ int32_t decline(MI_ModuleId module, MI_Reason reason);
 int fault_set(const char *call, uint32_t nth, uint32_t count, int32_t code);
 void fault_clear(const char *call);
 int fault_get_stat(vboard_fault_stat *stat);
-int trace_start(const char *path);
+size_t list_faults(vboard_fault *faults, size_t room);
+size_t call_names(const char **names, size_t room);
+int trace_start(const char *path, bool timed);
 void trace_stop();
 uint64_t refusal_count();
 size_t last_refusal(char *text, size_t size);

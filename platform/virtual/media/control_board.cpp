@@ -16,6 +16,11 @@ int vboard_decoder_get_stat(uint32_t channel, vboard_decoder_stat *stat)
     return vdec_read_counters(channel, stat);
 }
 
+int vboard_decoder_get_backlog(uint32_t channel, uint32_t *bytes, uint32_t *sends)
+{
+    return vdec_read_backlog(channel, bytes, sends);
+}
+
 int vboard_decoder_wait_idle(uint32_t channel, int32_t timeout_ms)
 {
     return vdec_wait_idle(channel, timeout_ms);
@@ -60,7 +65,7 @@ int vboard_fault_get_stat(vboard_fault_stat *stat)
 
 int vboard_trace_start(const char *path)
 {
-    return trace_start(path);
+    return trace_start(path, false);
 }
 
 void vboard_trace_stop(void)

@@ -293,6 +293,16 @@ int vboard_display_mark(int32_t device)
     return display_mark(device);
 }
 
+int vboard_display_get_size(int32_t device, uint32_t *width, uint32_t *height)
+{
+    if (device_index(device) < 0 || width == nullptr || height == nullptr)
+        return refuse_plainly("no size of display device %d", device);
+    const Scene scene = display_scene(device);
+    *width = static_cast<uint32_t>(scene.width);
+    *height = static_cast<uint32_t>(scene.height);
+    return 0;
+}
+
 int vboard_port_get_stat(int32_t device, uint32_t port, vboard_port_stat *stat)
 {
     return port_read_stat(device, port, stat);

@@ -235,6 +235,17 @@ int vdec_read_counters(uint32_t number, vboard_decoder_stat *stat)
     return 0;
 }
 
+int vdec_read_backlog(uint32_t number, uint32_t *bytes, uint32_t *sends)
+{
+    if (number >= kDecoderChannels || bytes == nullptr || sends == nullptr)
+        return refuse_plainly("no backlog of decoder channel %u", number);
+    Channel &channel = channels()[number];
+    const std::lock_guard guard(channel.mutex);
+    *bytes = channel.created ? channel.left_bytes : 0;
+    *sends = channel.created ? channel.left_frames : 0;
+    return 0;
+}
+
 int vdec_wait_idle(uint32_t number, int32_t timeout_ms)
 {
     if (!vdec_exists(number)) return refuse_plainly("decoder channel %u is not created", number);

@@ -36,6 +36,7 @@ int32_t vdec_get_output(uint32_t channel, MI_VDEC_OutputPortAttr *attr);
 
 /* Behind the control face. */
 int vdec_read_counters(uint32_t channel, vboard_decoder_stat *stat);
+int vdec_read_backlog(uint32_t channel, uint32_t *bytes, uint32_t *sends);
 int vdec_wait_idle(uint32_t channel, int32_t timeout_ms);
 int vdec_wait_all_idle(int32_t timeout_ms);
 
