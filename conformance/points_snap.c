@@ -191,20 +191,11 @@ POINT(divp_up, "divp.scale.up", "MI_DIVP_SetOutputPortAttr MI_DIVP_StartChn",
 POINT(divp_crop, "divp.create.part", "MI_DIVP_CreateChn", "a scaler made for a part of its input cuts it out")
 {
     MI_DIVP_ChnAttr attr = scaler_attr(1920, 1080);
-    const MI_DIVP_OutputPortAttr output = scaler_output(W, H);
     const MI_VENC_ChnAttr encoder = encoder_attr(W, H);
-    const MI_SYS_ChnPort source = decoder_end(CH), scaler = scaler_end();
     const Spot spots[] = {{20, 20, BLUE}, {W - 20, 20, BLUE}, {20, H - 20, BLUE}, {W - 20, H - 20, BLUE}};
     need_decoder(CH, &quad_h264);
     attr.crop = (MI_Rect){0, H / 2, W / 2, H / 2};
-    NEED(MI_DIVP_CreateChn(SCALER, &attr));
-    NEED(MI_DIVP_SetOutputPortAttr(SCALER, 0, &output));
-    NEED(MI_VENC_CreateChn(ENCODER, &encoder));
-    const MI_SYS_ChnPort to = encoder_end();
-    need_bound(&scaler, &to);
-    NEED(MI_DIVP_StartChn(SCALER));
-    NEED(MI_VENC_StartRecvPic(ENCODER));
-    need_bound(&source, &scaler);
+    need_snapshots_with(CH, &attr, &encoder, W, H);
     need_played(CH, &quad_h264, 0, 10);
     snapshot_shows(spots, 4, W, H);
 }
@@ -641,19 +632,10 @@ POINT(snap_release_frees, "venc.release.frees", "MI_VENC_ReleaseStream MI_VENC_G
     enum { PICTURES = 60 };
     MI_VENC_ChnAttr attr = encoder_attr(W, H);
     const MI_DIVP_ChnAttr scaler = scaler_attr(1920, 1080);
-    const MI_DIVP_OutputPortAttr output = scaler_output(W, H);
-    const MI_SYS_ChnPort source = decoder_end(CH), from = scaler_end();
     JpegLook look;
     attr.stream_buffer_bytes = 24000; /* a few of these pictures, not sixty */
     need_decoder(CH, &quad_h264);
-    NEED(MI_DIVP_CreateChn(SCALER, &scaler));
-    NEED(MI_DIVP_SetOutputPortAttr(SCALER, 0, &output));
-    NEED(MI_VENC_CreateChn(ENCODER, &attr));
-    const MI_SYS_ChnPort to = encoder_end();
-    need_bound(&from, &to);
-    NEED(MI_DIVP_StartChn(SCALER));
-    NEED(MI_VENC_StartRecvPic(ENCODER));
-    need_bound(&source, &from);
+    need_snapshots_with(CH, &scaler, &attr, W, H);
     for (uint32_t i = 0; i < PICTURES; ++i) {
         need_played(CH, &quad_h264, i % 10, 1);
         take_snapshot(&look, W, H);
@@ -684,21 +666,12 @@ POINT(snap_restart, "venc.create.restart-rows", "MI_VENC_CreateChn",
       "restart markers stand in the picture as often as the channel was told, none for 0")
 {
     const MI_DIVP_ChnAttr scaler = scaler_attr(1920, 1080);
-    const MI_DIVP_OutputPortAttr output = scaler_output(W, H);
-    const MI_SYS_ChnPort source = decoder_end(CH), from = scaler_end();
     for (uint32_t rows = 0; rows <= 2; rows += 2) {
         MI_VENC_ChnAttr attr = encoder_attr(W, H);
         JpegLook look;
         attr.restart_rows = rows;
         need_decoder(CH, &quad_h264);
-        NEED(MI_DIVP_CreateChn(SCALER, &scaler));
-        NEED(MI_DIVP_SetOutputPortAttr(SCALER, 0, &output));
-        NEED(MI_VENC_CreateChn(ENCODER, &attr));
-        const MI_SYS_ChnPort to = encoder_end();
-        need_bound(&from, &to);
-        NEED(MI_DIVP_StartChn(SCALER));
-        NEED(MI_VENC_StartRecvPic(ENCODER));
-        need_bound(&source, &from);
+        need_snapshots_with(CH, &scaler, &attr, W, H);
         need_played(CH, &quad_h264, 0, 1);
         take_snapshot(&look, W, H);
         const uint32_t restarts = look.restarts,
@@ -766,17 +739,9 @@ POINT(snap_wrong_size, "venc.recv.other-size", "MI_VENC_StartRecvPic",
     MI_VENC_Pack packs[2];
     MI_VENC_Stream stream = {packs, 2, 0, 0};
     const MI_DIVP_ChnAttr scaler = scaler_attr(1920, 1080);
-    const MI_DIVP_OutputPortAttr output = scaler_output(W / 2, H / 2);
-    const MI_SYS_ChnPort source = decoder_end(CH), from = scaler_end();
+    const MI_VENC_ChnAttr encoder = encoder_attr(W, H);
     need_decoder(CH, &quad_h264);
-    need_encoder();
-    NEED(MI_DIVP_CreateChn(SCALER, &scaler));
-    NEED(MI_DIVP_SetOutputPortAttr(SCALER, 0, &output));
-    const MI_SYS_ChnPort to = encoder_end();
-    need_bound(&from, &to);
-    NEED(MI_DIVP_StartChn(SCALER));
-    NEED(MI_VENC_StartRecvPic(ENCODER));
-    need_bound(&source, &from);
+    need_snapshots_with(CH, &scaler, &encoder, W / 2, H / 2);
     need_played(CH, &quad_h264, 0, 3);
     REFUSED(MI_VENC_GetStream(ENCODER, &stream, (int32_t)patient_ms(150)), MI_MODULE_VENC, MI_REASON_TIMEOUT);
 }

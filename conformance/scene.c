@@ -239,25 +239,36 @@ MI_SYS_ChnPort encoder_end(void)
     return (MI_SYS_ChnPort){MI_MODULE_VENC, device, ENCODER, 0};
 }
 
+static void need_created(const MI_DIVP_ChnAttr *scaler, const MI_VENC_ChnAttr *encoder, uint32_t width,
+                         uint32_t height)
+{
+    const MI_DIVP_OutputPortAttr output = scaler_output(width, height);
+    NEED(MI_DIVP_CreateChn(SCALER, scaler));
+    NEED(MI_DIVP_SetOutputPortAttr(SCALER, 0, &output));
+    NEED(MI_VENC_CreateChn(ENCODER, encoder));
+}
+
+static void need_connected(void)
+{
+    const MI_SYS_ChnPort from = scaler_end(), to = encoder_end();
+    need_bound(&from, &to);
+    NEED(MI_DIVP_StartChn(SCALER));
+    NEED(MI_VENC_StartRecvPic(ENCODER));
+}
+
 void need_scaler_and_encoder(uint32_t width, uint32_t height)
 {
     const MI_DIVP_ChnAttr scaler = scaler_attr(1920, 1080);
-    const MI_DIVP_OutputPortAttr output = scaler_output(width, height);
     const MI_VENC_ChnAttr encoder = encoder_attr(width, height);
     const MI_SYS_ChnPort from = scaler_end();
     MI_VENC_JpegParam param = {0, 0};
     NEED(MI_SYS_Init());
-    NEED(MI_DIVP_CreateChn(SCALER, &scaler));
-    NEED(MI_DIVP_SetOutputPortAttr(SCALER, 0, &output));
-    NEED(MI_VENC_CreateChn(ENCODER, &encoder));
+    need_created(&scaler, &encoder, width, height);
     NEED(MI_VENC_GetJpegParam(ENCODER, &param));
     param.quality = SNAP_QUALITY;
     NEED(MI_VENC_SetJpegParam(ENCODER, &param));
     NEED(MI_SYS_SetChnOutputPortDepth(&from, 3, 5));
-    const MI_SYS_ChnPort to = encoder_end();
-    need_bound(&from, &to);
-    NEED(MI_DIVP_StartChn(SCALER));
-    NEED(MI_VENC_StartRecvPic(ENCODER));
+    need_connected();
 }
 
 void need_snapshots(uint32_t decoder, uint32_t width, uint32_t height)
@@ -265,6 +276,15 @@ void need_snapshots(uint32_t decoder, uint32_t width, uint32_t height)
     const MI_SYS_ChnPort source = decoder_end(decoder), scaler = scaler_end();
     need_scaler_and_encoder(width, height);
     need_bound(&source, &scaler);
+}
+
+void need_snapshots_with(uint32_t decoder, const MI_DIVP_ChnAttr *scaler, const MI_VENC_ChnAttr *encoder,
+                         uint32_t width, uint32_t height)
+{
+    const MI_SYS_ChnPort source = decoder_end(decoder), to = scaler_end();
+    need_created(scaler, encoder, width, height);
+    need_connected();
+    need_bound(&source, &to);
 }
 
 /* A picture as one stretch of bytes, released when it was copied. False: none came in time. */

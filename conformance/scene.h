@@ -92,6 +92,10 @@ MI_SYS_ChnPort encoder_end(void); /* asks the encoder for its device number */
 /* Decoder channel to scaler to encoder, receiving, in the order in which the library builds it. */
 void need_snapshots(uint32_t decoder, uint32_t width, uint32_t height);
 
+/* The same with attributes of the caller's, the scaler's pictures of this size, and nothing else set. */
+void need_snapshots_with(uint32_t decoder, const MI_DIVP_ChnAttr *scaler, const MI_VENC_ChnAttr *encoder,
+                         uint32_t width, uint32_t height);
+
 /* Only scaler and encoder, connected, receiving. */
 void need_scaler_and_encoder(uint32_t width, uint32_t height);
 
