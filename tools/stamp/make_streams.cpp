@@ -5,11 +5,16 @@
  *
  * A text file beside the stream, <out>.frames, holds the length of every frame in bytes, one a line.
  */
-#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <climits>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <getopt.h>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "stamp.h"
 
@@ -35,8 +40,8 @@ struct Options {
     int slices = 1;
     int quality = 23;
     int noise = 6;
-    unsigned channel = 0;
-    unsigned first_frame = 0;
+    int channel = 0;
+    int first_frame = 0;
     bool full_range = false;
 };
 
@@ -101,7 +106,7 @@ ContextPtr open_encoder(const Options &options)
 // A picture that moves and has texture: two ramps that slide, and noise from a fixed generator.
 void paint(AVFrame &frame, const Options &options, int number)
 {
-    uint32_t noise = 0x9e3779b9u * static_cast<uint32_t>(number + 1) + options.channel;
+    uint32_t noise = 0x9e3779b9u * static_cast<uint32_t>(number + 1) + static_cast<uint32_t>(options.channel);
     for (int y = 0; y < frame.height; ++y) {
         uint8_t *row = frame.data[0] + static_cast<ptrdiff_t>(y) * frame.linesize[0];
         for (int x = 0; x < frame.width; ++x) {
@@ -117,11 +122,12 @@ void paint(AVFrame &frame, const Options &options, int number)
         for (int y = 0; y < (frame.height + 1) / 2; ++y) {
             uint8_t *row = frame.data[chroma] + static_cast<ptrdiff_t>(y) * frame.linesize[chroma];
             for (int x = 0; x < (frame.width + 1) / 2; ++x)
-                row[x] = static_cast<uint8_t>(
-                    96 + ((chroma == 1 ? x : y) + number + 8 * static_cast<int>(options.channel)) / 8 % 64);
+                row[x] = static_cast<uint8_t>(96 + ((chroma == 1 ? x : y) + number + 8 * options.channel) /
+                                                       8 % 64);
         }
-    stamp::draw(frame.data[0], frame.linesize[0], frame.width, frame.height,
-                {options.channel, options.first_frame + static_cast<unsigned>(number)});
+    stamp::draw(
+        frame.data[0], frame.linesize[0], frame.width, frame.height,
+        {static_cast<unsigned>(options.channel), static_cast<unsigned>(options.first_frame + number)});
 }
 
 bool write_packets(AVCodecContext &context, AVPacket &packet, FILE *stream, FILE *lengths)
@@ -161,35 +167,111 @@ bool encode(const Options &options)
     return write_packets(*context, *packet, stream.get(), lengths.get());
 }
 
+bool is_codec(const char *name)
+{
+    return strcmp(name, "h264") == 0 || strcmp(name, "h265") == 0 || strcmp(name, "jpeg") == 0;
+}
+
+// A whole decimal number from `least` on.
+bool read_number(const char *text, int least, int &value)
+{
+    char *end = nullptr;
+    errno = 0;
+    const long read = strtol(text, &end, 10);
+    if (end == text || *end != '\0' || errno != 0 || read < least || read > INT_MAX) return false;
+    value = static_cast<int>(read);
+    return true;
+}
+
+bool read_size(const char *text, Options &options)
+{
+    constexpr int kSmallest_px = 32;
+    char behind = '\0';
+    return sscanf(text, "%dx%d%c", &options.width, &options.height, &behind) == 2 &&
+           options.width >= kSmallest_px && options.height >= kSmallest_px;
+}
+
+// Options that are a number, and the least that each may be.
+struct NumberOption {
+    const char *name;
+    int Options::*value;
+    int least;
+};
+constexpr NumberOption kNumbers[] = {
+    {"fps", &Options::fps, 1},
+    {"frames", &Options::frames, 1},
+    {"gop", &Options::gop, 1},
+    {"b-frames", &Options::b_frames, 0},
+    {"slices", &Options::slices, 1},
+    {"crf", &Options::quality, 0},
+    {"noise", &Options::noise, 0},
+    {"channel", &Options::channel, 0},
+    {"first-frame", &Options::first_frame, 0},
+};
+
+bool read_option(const std::string &name, const char *text, Options &options)
+{
+    for (const NumberOption &number : kNumbers)
+        if (name == number.name) return read_number(text, number.least, options.*number.value);
+    if (name == "size") return read_size(text, options);
+    if (name == "codec") {
+        options.codec = text;
+        return is_codec(text);
+    }
+    (name == "preset" ? options.preset : name == "params" ? options.params : options.out) = text;
+    return true;
+}
+
+constexpr char kUsage[] = R"(usage: make_streams --out FILE [options]
+  --codec h264|h265|jpeg   (h264)
+  --size WIDTHxHEIGHT      pixels, 32 or more each (640x360)
+  --fps N                  frames per second (25)
+  --frames N               how many frames (50)
+  --gop N                  frames from one key frame to the next (10)
+  --b-frames N             B-frames between others (0)
+  --slices N               slices a frame (1)
+  --crf N                  constant rate factor (23)
+  --noise N                luma noise, steps (6)
+  --preset NAME            encoder preset (veryfast)
+  --params NAME=VALUE:...  more options of x264 or x265
+  --channel N              stamped channel, 0 to 63 (0)
+  --first-frame N          stamped number of the first frame (0)
+  --full-range             full-range luma
+)";
+
+bool read_command_line(int argc, char **argv, Options &options)
+{
+    std::vector<option> known;
+    for (const NumberOption &number : kNumbers)
+        known.push_back({number.name, required_argument, nullptr, 0});
+    for (const char *name : {"codec", "size", "preset", "params", "out"})
+        known.push_back({name, required_argument, nullptr, 0});
+    known.push_back({"full-range", no_argument, nullptr, 'f'});
+    known.push_back({});
+    int place = 0;
+    for (int found; (found = getopt_long(argc, argv, "", known.data(), &place)) != -1;) {
+        const char *name = known[static_cast<size_t>(place)].name;
+        if (found == 'f') {
+            options.full_range = true;
+        } else if (found != 0) {
+            return false; // getopt_long has said why
+        } else if (!read_option(name, optarg, options)) {
+            fprintf(stderr, "make_streams: bad %s \"%s\"\n", name, optarg);
+            return false;
+        }
+    }
+    if (optind < argc) fprintf(stderr, "make_streams: bad argument \"%s\"\n", argv[optind]);
+    if (options.out.empty()) fprintf(stderr, "make_streams: --out is missing\n");
+    return optind == argc && !options.out.empty();
+}
+
 } // namespace
 
 int main(int argc, char **argv)
 {
     Options options;
-    std::string size = "640x360";
-    CLI::App app("Encode a stamped elementary stream");
-    app.add_option("--codec", options.codec, "h264, h265 or jpeg")
-        ->check(CLI::IsMember({"h264", "h265", "jpeg"}))
-        ->capture_default_str();
-    app.add_option("--size", size, "WIDTHxHEIGHT, pixels")->capture_default_str();
-    app.add_option("--fps", options.fps, "frames per second")->capture_default_str();
-    app.add_option("--frames", options.frames, "how many frames")->capture_default_str();
-    app.add_option("--gop", options.gop, "frames from one key frame to the next")->capture_default_str();
-    app.add_option("--b-frames", options.b_frames, "B-frames between others")->capture_default_str();
-    app.add_option("--slices", options.slices, "slices a frame")->capture_default_str();
-    app.add_option("--crf", options.quality, "constant rate factor")->capture_default_str();
-    app.add_option("--noise", options.noise, "luma noise, steps")->capture_default_str();
-    app.add_option("--preset", options.preset, "encoder preset")->capture_default_str();
-    app.add_option("--params", options.params, "more options of x264 or x265: name=value:name=value");
-    app.add_option("--channel", options.channel, "stamped channel, 0 to 63")->capture_default_str();
-    app.add_option("--first-frame", options.first_frame, "stamped number of the first frame")
-        ->capture_default_str();
-    app.add_flag("--full-range", options.full_range, "full-range luma");
-    app.add_option("--out", options.out, "file to write")->required();
-    CLI11_PARSE(app, argc, argv);
-    if (sscanf(size.c_str(), "%dx%d", &options.width, &options.height) != 2 || options.width < 32 ||
-        options.height < 32) {
-        fprintf(stderr, "make_streams: bad size \"%s\"\n", size.c_str());
+    if (!read_command_line(argc, argv, options)) {
+        fputs(kUsage, stderr);
         return 2;
     }
     if (!encode(options)) {
