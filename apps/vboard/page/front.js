@@ -73,6 +73,7 @@ function plug_drawing() {
     drawing('path', {class: 'socket', d: 'M19 -3h46v6q0 4-4 4H23q-4 0-4-4z'}));
 }
 
+const kPull = 12; // pixels down that pull the plug, or up that put it in
 let plugged = true;
 
 function show_plug(monitor) {
@@ -86,7 +87,24 @@ function show_plug(monitor) {
 function init_plug() {
   const plug = by_id('plug');
   plug.append(make('span', {class: 'plug-text'}, make('b', {}, 'Monitor'), make('span', {}, 'plugged in')), plug_drawing());
-  plug.addEventListener('click', () => act('monitor', {plug: plugged ? 'off' : 'on'}));
+  let from = null; // where a pull began
+  let pulled = false;
+  plug.addEventListener('pointerdown', (event) => {
+    from = event.clientY;
+    pulled = false;
+    plug.setPointerCapture(event.pointerId);
+  });
+  plug.addEventListener('pointermove', (event) => {
+    if (from === null || pulled || (plugged ? event.clientY - from : from - event.clientY) < kPull) return;
+    pulled = true;
+    act('monitor', {plug: plugged ? 'off' : 'on'});
+  });
+  plug.addEventListener('pointerup', () => { from = null; });
+  plug.addEventListener('pointercancel', () => { from = null; });
+  plug.addEventListener('click', () => {
+    if (!pulled) act('monitor', {plug: plugged ? 'off' : 'on'});
+    pulled = false;
+  });
 }
 
 export function init_front() {

@@ -10,6 +10,9 @@ let link = {up: false, code: ''};
 let board = null;
 let monitor = null;
 let ever_linked = false;
+let state_at = performance.now(); // when the program was heard of last
+
+const kSilentAfter = 3000; // ms; states come five times a second, unless the program stands still in a debugger
 
 const kSignals = {1: 'HUP', 2: 'INT', 3: 'QUIT', 4: 'ILL', 6: 'ABRT', 7: 'BUS', 8: 'FPE', 9: 'KILL', 11: 'SEGV', 13: 'PIPE', 15: 'TERM'};
 
@@ -24,6 +27,9 @@ function present() {
   if (!link.up && link.code === 'unauthorized')
     return {state: 'lost', short: 'No access', title: 'This page has no access to the board',
       text: 'The board was started anew, or the address lacks its token. Open the address that "vboard run" has printed.'};
+  if (!link.up && board?.exit && !board.pid)
+    return {state: 'ended', short: 'Ended', title: 'The program has ended',
+      text: `It ended ${how_it_ended(board.exit)}, and "vboard run" with it. This page goes on trying.`};
   if (!link.up)
     return {state: 'lost', short: ever_linked ? 'Connection lost' : 'Connecting',
       title: ever_linked ? 'The board is out of reach' : 'Looking for the board',
@@ -36,6 +42,7 @@ function present() {
     return {state: 'on', short: 'Running', title: 'The monitor is unplugged', text: 'The program goes on running.', button: 'Plug it in', plug: true};
   if (monitor && !monitor.signal)
     return {state: 'on', short: 'Running', title: 'No signal', text: 'The program does not drive the monitor.'};
+  if (board?.pid && performance.now() - state_at > kSilentAfter) return {state: 'stalled', short: 'Not answering'};
   return {state: 'on', short: 'Running'};
 }
 
@@ -86,11 +93,13 @@ export function init_status() {
   on('board', show_board);
   on('state', (state) => {
     monitor = state.monitor;
+    state_at = performance.now();
     show_status();
   });
   by_id('notice-button').addEventListener('click', () => {
     if (shown?.plug) act('monitor', {plug: 'on'});
     else act('power', {to: 'on'});
   });
+  setInterval(show_status, 1000);
   show_status();
 }

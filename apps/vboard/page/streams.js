@@ -4,10 +4,12 @@
  */
 import {on} from './api.js';
 import {keep_rows, make, set_attribute, set_text, show} from './dom.js';
+import {Graph, Histories} from './graph.js';
 import {bytes_text, count, Rates} from './numbers.js';
 
 const kCodecs = {h264: 'H.264', h265: 'H.265', jpeg: 'JPEG'};
 const rates = new Rates();
+const histories = new Histories(); // of the decoders, by channel
 
 const fixed = (rate, digits) => (rate === null ? '–' : rate.toFixed(digits));
 const size = (width, height) => (width ? `${width}×${height}` : '–');
@@ -17,18 +19,18 @@ const kDecoderColumns = [
   {head: 'Ch', cell: (d) => d.channel},
   {head: 'Codec', start: true, cell: (d) => (d.created ? kCodecs[d.codec] || d.codec : '–')},
   {head: 'Size', cell: (d) => size(d.width, d.height)},
-  {head: 'Pict/s', about: 'pictures decoded a second', cell: (d) => fixed(rates.add(`d${d.channel}`, d.decoded), 1)},
+  {head: 'Pict/s', about: 'pictures decoded a second', cell: (d) => fixed(d.rate, 1)},
   {head: 'kbit/s', about: 'bits sent to the decoder', cell: (d) => {
     const rate = rates.add(`b${d.channel}`, d.bytes_sent);
     return rate === null ? '–' : count(Math.round(rate * 8 / 1000));
   }},
-  {head: 'Backlog', about: 'sent and not yet decoded', cell: (d) => bytes_text(d.backlog || 0)},
+  {head: 'Backlog', about: 'sent and not yet decoded', cell: (d) => bytes_text(d.backlog_bytes)},
   {head: 'Dropped', about: 'pictures never shown', cell: (d) => count(d.dropped)},
   {head: 'Damaged', about: 'pictures withheld: damaged, or waiting for a key frame', cell: (d) => count(d.damaged), warn: (d) => d.damaged > 0},
 ];
 const kMore = [
   ['Sends', 'frames_sent'], ['Sends refused', 'sends_refused'], ['Decoded', 'decoded'], ['Shown', 'shown'],
-  ['Late', 'late'], ['Errors', 'decode_errors'], ['Resets', 'resets'], ['Recreated', 'recreations'],
+  ['Backlog, sends', 'backlog'], ['Late', 'late'], ['Errors', 'decode_errors'], ['Resets', 'resets'], ['Recreated', 'recreations'],
 ];
 const kPortColumns = [
   {head: 'Port', cell: (p) => `${p.device} / ${p.port}`},
@@ -76,12 +78,14 @@ class Table {
   }
 
   make_more() {
-    return make('tr', {class: 'more'}, make('td', {colspan: this.columns.length},
+    this.graph = new Graph();
+    return make('tr', {class: 'more'}, make('td', {colspan: this.columns.length}, this.graph.element,
       make('dl', {}, ...this.more.map(([name]) => make('div', {}, make('dt', {}, name), make('dd'))))));
   }
 
   update_row(row, item) {
     if (item.more_of) {
+      this.graph.draw(histories.get(item.more_of.channel));
       this.more.forEach(([, field], index) => set_text(row.querySelectorAll('dd')[index], count(item.more_of[field])));
       return;
     }
@@ -111,6 +115,10 @@ export function streams_panel() {
   const memory = make('p', {class: 'small figures'});
 
   on('state', (state) => {
+    for (const decoder of state.decoders || []) {
+      decoder.rate = rates.add(`d${decoder.channel}`, decoder.decoded);
+      histories.add(decoder.channel, {rate: decoder.rate || 0, backlog: decoder.backlog_bytes});
+    }
     decoders.refresh(state.decoders || [], 'No decoder was ever created.');
     ports.refresh((state.displays || []).flatMap((display) => display.ports.map((port) => ({...port, device: display.device}))),
       'No port was ever used.');
@@ -120,6 +128,7 @@ export function streams_panel() {
   on('board', (board) => {
     if (board.power === 'on' && !board.exit) return;
     rates.forget();
+    histories.forget();
     decoders.refresh([], 'The program is not running.');
     ports.refresh([], 'The program is not running.');
     set_text(memory, '');
