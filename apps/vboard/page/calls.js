@@ -7,7 +7,7 @@
 import {on, request} from './api.js';
 import {make, set_attribute, set_text, show} from './dom.js';
 import {count, duration_text} from './numbers.js';
-import {tell} from './messages.js';
+import {tell, words_of} from './messages.js';
 
 const kEvery = 500; // ms
 const kMost = 300;  // calls in the list
@@ -141,7 +141,7 @@ async function switch_trace() {
       tell('good', `Every call is written to ${(await request('trace.start', {file: 'trace.txt'})).file}`);
     }
   } catch (error) {
-    tell('bad', error.code ? error.message : 'The board is out of reach.');
+    tell('bad', words_of(error));
   }
 }
 

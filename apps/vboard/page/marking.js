@@ -2,9 +2,9 @@
  * marking.js - "this must look like this": a region of the screen is marked, and what it shows becomes
  * an expectation of the scenario that is being recorded. Marked with the mouse, or by its numbers.
  */
-import {on, request, RequestError} from './api.js';
+import {on, request} from './api.js';
 import {by_id, make, set_attribute, set_text, show} from './dom.js';
-import {tell} from './messages.js';
+import {tell, words_of} from './messages.js';
 import {output_position, output_size} from './screen.js';
 import {start_recording} from './scenario.js';
 
@@ -70,7 +70,7 @@ async function add(event) {
     turn(false);
     by_id('mark-start').focus();
   } catch (error) {
-    tell('bad', error instanceof RequestError ? error.message : 'The board is out of reach.');
+    tell('bad', words_of(error));
   }
 }
 

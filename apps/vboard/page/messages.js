@@ -29,9 +29,15 @@ export async function act(name, parameters) {
   try {
     return await request(name, parameters);
   } catch (error) {
-    tell('bad', error instanceof RequestError ? plain(error.message) : 'The board is out of reach.');
+    tell('bad', words_of(error));
     return null;
   }
+}
+
+/* What went wrong with a request, in the board's own words where it has some. */
+export function words_of(error) {
+  if (!(error instanceof RequestError)) return 'The board is out of reach.';
+  return (error.code === 'refused' ? 'Refused: ' : '') + plain(error.message);
 }
 
 const plain = (text) => text.replace(/^vboard: /, '').trim();

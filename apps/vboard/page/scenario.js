@@ -1,9 +1,9 @@
 /*
  * scenario.js - record what is done as a scenario, and show its lines as they come.
  */
-import {emit, on, request, RequestError} from './api.js';
+import {emit, on, request} from './api.js';
 import {by_id, make, set_attribute, set_text, show} from './dom.js';
-import {tell} from './messages.js';
+import {tell, words_of} from './messages.js';
 
 let board = null;
 let lines = 0;
@@ -15,7 +15,7 @@ async function carried_out(name, parameters) {
   try {
     return await request(name, parameters);
   } catch (error) {
-    tell('bad', error instanceof RequestError ? error.message : 'The board is out of reach.');
+    tell('bad', words_of(error));
     return null;
   }
 }

@@ -6,7 +6,7 @@
  */
 import {emit, on, request, socket} from './api.js';
 import {by_id, set_text} from './dom.js';
-import {tell} from './messages.js';
+import {tell, words_of} from './messages.js';
 import {marking} from './marking.js';
 
 const kRate = 15;         // pictures a second at most
@@ -53,9 +53,18 @@ function open_live() {
   live = connection;
   connection.binaryType = 'blob';
   connection.onopen = () => connection.send('next');
-  connection.onmessage = async (message) => {
+  // The next picture is on its way while one is drawn, never more: a slow browser gets fewer of them.
+  let drawing = 0;
+  const ask = () => {
     if (connection.readyState === WebSocket.OPEN) connection.send('next');
+  };
+  connection.onmessage = async (message) => {
+    const ahead = drawing === 0;
+    if (ahead) ask();
+    drawing += 1;
     if (message.data instanceof Blob) await draw(message.data);
+    drawing -= 1;
+    if (!ahead) ask();
     if (width !== wanted_width()) connection.close();
   };
   connection.onclose = () => {
@@ -119,7 +128,7 @@ async function send_mouse() {
       await request('mouse', next);
     } catch (error) {
       waiting.length = 0;
-      if (next.buttons) tell('bad', error.code ? error.message : 'The board is out of reach.');
+      if (next.buttons) tell('bad', words_of(error));
     }
   }
   sending = false;
