@@ -25,13 +25,14 @@
 #   clang         another compiler: everything built; unit, trace and abi tests
 #   lint          static analysis
 #   reference     the headers as HTML, without a gap
+#   browser       the board's page in chromium; builds dev's recorder and vboard
 #
 # Every leg runs even when one before it failed; the last line sums all tests up, and the exit
 # status is 0 only when every leg passed.
 set -uo pipefail
 cd "$(dirname "$0")"
 
-all_legs=dev,seams,format,release,asan,tsan,subdirectory,linux-nvrec,packages,port,mutants,m32,armhf,musl,clang,lint,reference
+all_legs=dev,seams,format,release,asan,tsan,subdirectory,linux-nvrec,packages,port,mutants,m32,armhf,musl,clang,lint,reference,browser
 case "$#:${1:-}" in
 0:) legs=dev,seams ;;
 1:--all) legs=$all_legs ;;
@@ -212,6 +213,13 @@ lint_leg() {
 reference_leg() {
     quietly configure-dev cmake --preset dev && quietly build-reference cmake --build --preset dev --target reference &&
         quietly reference tests/docs/reference_is_whole.sh build/dev/reference
+}
+
+# One browser at a time: it and the recorder that it looks at want both processors.
+browser_leg() {
+    quietly configure-dev cmake --preset dev &&
+        quietly build-browser cmake --build --preset dev -j "$jobs" --target page_tests_need &&
+        count_tests browser ctest --preset dev -C browser -L '^browser$' --no-tests=error
 }
 
 begin=$SECONDS
