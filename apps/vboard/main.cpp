@@ -2,6 +2,8 @@
 #include <cstdio>
 #include <cstring>
 
+#include "trace/command.h"
+
 namespace
 {
 
@@ -13,6 +15,7 @@ struct Command {
 
 // One line a room that brings a command; the last one ends the table.
 constexpr Command kCommands[] = {
+    {"trace", trace_command, "count, compare and draw traces of the platform calls"},
     {nullptr, nullptr, nullptr},
 };
 

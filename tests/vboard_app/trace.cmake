@@ -4,6 +4,9 @@ set_tests_properties(Trace.FieldNamesAreThoseOfTheHeaders PROPERTIES LABELS vboa
 
 nvrhal_test(vboard_app_trace
   ${CMAKE_CURRENT_LIST_DIR}/call_line_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/trace_diff_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/trace_reader_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/trace_timeline_test.cpp
   LIBS vboard_trace
   LABEL vboard_app)
 target_compile_definitions(vboard_app_trace PRIVATE PLATFORM_CALLS="${PROJECT_BINARY_DIR}/platform_calls.txt")
