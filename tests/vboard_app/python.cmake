@@ -1,0 +1,20 @@
+# The Python package. Debian's interpreter has its pytest; another one that stands before it on the path may not.
+find_package(Python3 COMPONENTS Interpreter)
+foreach(candidate "${Python3_EXECUTABLE}" /usr/bin/python3)
+  if(candidate AND NOT NVRHAL_PYTEST)
+    execute_process(COMMAND ${candidate} -c "import pytest" RESULT_VARIABLE missing OUTPUT_QUIET ERROR_QUIET)
+    if(NOT missing)
+      set(NVRHAL_PYTEST ${candidate} CACHE FILEPATH "A Python interpreter that has pytest")
+    endif()
+  endif()
+endforeach()
+if(NVRHAL_PYTEST)
+  # vboard_python_test(NAME FILE...): one CTest case, of files in tests/python.
+  function(vboard_python_test name)
+    list(TRANSFORM ARGN PREPEND ${PROJECT_SOURCE_DIR}/tests/python/ OUTPUT_VARIABLE files)
+    add_test(NAME ${name} COMMAND ${NVRHAL_PYTEST} -B -m pytest -q -p no:cacheprovider ${files})
+    set_tests_properties(${name} PROPERTIES LABELS vboard_app TIMEOUT 120
+      ENVIRONMENT "PYTHONPATH=${PROJECT_SOURCE_DIR}/python")
+  endfunction()
+  vboard_python_test(PythonPackage.PiecesAndRequests test_pieces.py test_requests.py)
+endif()
