@@ -18,8 +18,14 @@ export function tell(kind, text) {
   last = {text, at: now};
   const time = new Date().toLocaleTimeString('en-GB');
   const list = by_id('messages');
+  const newest = list.firstElementChild;
+  if (newest?.dataset.text === text) {
+    newest.dataset.times = Number(newest.dataset.times) + 1;
+    set_text(newest.lastElementChild, `${text} (${newest.dataset.times} times)`);
+    return;
+  }
   list.querySelector('.hint')?.remove();
-  list.prepend(make('li', {'data-kind': kind}, make('time', {}, time), make('span', {}, text)));
+  list.prepend(make('li', {'data-kind': kind, 'data-text': text, 'data-times': 1}, make('time', {}, time), make('span', {}, text)));
   while (list.children.length > kMost) list.lastElementChild.remove();
   if (kind === 'bad') set_text(by_id('spoken'), text);
 }
