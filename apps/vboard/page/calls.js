@@ -16,7 +16,6 @@ let visible = false;
 let linked = false;
 let held = false;
 let after = 0;
-let lost = 0;
 let asking = false;
 let generation = 0; // of the filter: answers to an earlier one are thrown away
 const parts = {};
@@ -39,7 +38,6 @@ async function ask() {
     const answer = await request('calls', {...filter(), after, limit: 200});
     if (mine === generation && !held) {
       after = answer.next;
-      lost += answer.lost;
       add(answer.calls);
     }
   } catch { /* the page tells elsewhere when the board is away */ }
@@ -56,16 +54,16 @@ function add(calls) {
 function tell_counts() {
   const shown = parts.list.children.length;
   show(parts.empty, shown === 0);
-  set_text(parts.counts, `${count(shown)} shown${lost ? ` · ${count(lost)} not kept` : ''}`);
+  set_text(parts.counts, `${count(shown)} shown, at most the newest ${kMost}`);
 }
 
 function row_of(call) {
   const details = make('div', {class: 'call-fields', hidden: true});
   const button = make('button', {class: 'call', type: 'button', 'aria-expanded': 'false'},
     make('span', {class: 'call-time'}, (call.time_us / 1e6).toFixed(6)),
-    make('span', {class: 'call-name'}, call.name),
+    make('span', {class: 'call-name', title: call.name}, call.name),
     make('span', {class: 'call-channel'}, call.channel ?? ''),
-    make('span', {class: 'call-result'}, `= ${call.result}`),
+    make('span', {class: 'call-result'}, `= ${value_text(call.result)}`),
     make('span', {class: 'call-duration'}, duration_text(call.duration_us)));
   button.addEventListener('click', () => {
     const open = details.hidden;
@@ -77,38 +75,26 @@ function row_of(call) {
   return make('li', {'data-failed': call.failed ? 'true' : 'false'}, button, details);
 }
 
-/* "{a=1 b={c=2}}" as its fields; null when it is no record. */
-export function fields_of(text) {
-  if (!/^\{.*\}$/s.test(text)) return null;
-  const fields = [];
-  let depth = 0;
-  let begin = 1;
-  for (let i = 1; i < text.length; ++i) {
-    const sign = text[i];
-    if (sign === '{') ++depth;
-    if ((sign === ' ' && depth === 0) || i === text.length - 1) {
-      const [, name, value] = text.slice(begin, i).match(/^([^=]*)=(.*)$/s) || [];
-      if (name !== undefined) fields.push([name, value]);
-      begin = i + 1;
-    }
-    if (sign === '}') --depth;
-  }
-  return fields.length ? fields : null;
+/* A value as it stands in a trace: "-" is what a failing call was to fill. */
+function value_text(value) {
+  if (value === null || value === undefined) return '–';
+  if (typeof value !== 'object') return String(value);
+  return `{${Object.entries(value).map(([name, inner]) => `${name}=${value_text(inner)}`).join(' ')}}`;
 }
 
 function unfold(details, call) {
   const list = make('dl');
-  const line = (name, value, style) => list.append(make('dt', {class: style}, name), make('dd', {class: style}, String(value)));
+  const line = (name, value, style) => list.append(make('dt', {class: style}, name), make('dd', {class: style}, value));
   for (const {name, value} of call.arguments || []) {
-    const fields = typeof value === 'string' ? fields_of(value) : null;
-    line(name, fields ? '' : typeof value === 'object' ? JSON.stringify(value) : value);
-    for (const [field, inner] of fields || []) line(field, inner, 'inner');
+    const fields = value && typeof value === 'object' ? Object.entries(value) : [];
+    line(name, fields.length ? '' : value_text(value));
+    for (const [field, inner] of fields) line(field, value_text(inner), 'inner');
   }
-  line('result', call.result);
+  line('result', value_text(call.result));
   line('ended at', `${(call.time_us / 1e6).toFixed(6)} s of the board's clock`);
   line('took', duration_text(call.duration_us));
-  line('thread', call.thread);
-  line('number', call.number);
+  line('thread', value_text(call.thread));
+  line('number', value_text(call.number));
   details.append(list, make('code', {}, call.text));
 }
 
@@ -123,7 +109,6 @@ function hold(to) {
 function search_anew() {
   generation += 1;
   after = 0;
-  lost = 0;
   parts.list.replaceChildren();
   tell_counts();
   if (held) hold(false);

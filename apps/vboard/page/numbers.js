@@ -34,6 +34,7 @@ export function bytes_text(bytes) {
 }
 
 export function duration_text(us) {
+  if (us === null || us === undefined) return '–';
   if (us < 1000) return `${us} µs`;
   if (us < 1e6) return `${(us / 1000).toFixed(us < 1e4 ? 2 : 1)} ms`;
   return `${(us / 1e6).toFixed(2)} s`;
