@@ -10,3 +10,7 @@ nvrhal_test(vboard_app_trace
   LIBS vboard_trace
   LABEL vboard_app)
 target_compile_definitions(vboard_app_trace PRIVATE PLATFORM_CALLS="${PROJECT_BINARY_DIR}/platform_calls.txt")
+
+add_test(NAME Trace.ManualPageHasTheOptionsOfTheProgram
+  COMMAND ${CMAKE_CURRENT_LIST_DIR}/trace_page.sh $<TARGET_FILE:vboard_program> ${PROJECT_SOURCE_DIR}/docs/man/vboard-trace.1)
+set_tests_properties(Trace.ManualPageHasTheOptionsOfTheProgram PROPERTIES LABELS vboard_app TIMEOUT 60)
