@@ -27,7 +27,7 @@ cd "$directory"
 grep -E '^[0-9]+% tests passed' build.log || echo "packages: without tests"
 echo "packages: built in $((SECONDS - begin)) s:"
 ls ./*.deb | sed 's|^\./|  |'
-for package in libnvrhal1 libnvrhal-dev libvboard1 libvboard-dev nvrec libnvrhal1-dbgsym libvboard1-dbgsym nvrec-dbgsym; do
+for package in libnvrhal1 libnvrhal-dev libvboard1 libvboard-dev nvrec vboard python3-vboard libnvrhal1-dbgsym libvboard1-dbgsym nvrec-dbgsym; do
     [ -n "$(find . -maxdepth 1 -name "${package}_${version}_*.deb")" ] || { echo "packages: $package is missing" >&2; exit 1; }
 done
 
