@@ -160,12 +160,12 @@ TEST_F(ATraceFile, IsSummarised)
         "4 calls, 2 failed, and 1 event in 4.000 s\n"
         "\n"
         "     calls  per second    failed     first s      last s     mean us      max us    total ms  name\n"
-        "         3         0.8         2       1.000       3.000        20.0          30       0.060  "
+        "         3         0.8         2       0.000       2.000        20.0          30       0.060  "
         "MI_VDEC_StartChn\n"
         "                                  2 times 0xa0080005 (VDEC: absent)\n"
-        "         1         0.2         0       4.000       4.000       500.0         500       0.500  "
+        "         1         0.2         0       3.000       3.000       500.0         500       0.500  "
         "MI_SYS_Init\n"
-        "         1         0.2         0       5.000       5.000           -           -           -  event "
+        "         1         0.2         0       4.000       4.000           -           -           -  event "
         "plug\n");
 }
 

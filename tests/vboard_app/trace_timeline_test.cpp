@@ -260,8 +260,8 @@ TEST_F(Timeline, HasTheFieldsOfACall)
 
 TEST_F(Timeline, HasThePartThatIsAskedFor)
 {
-    options_.from_us = 2000;
-    options_.to_us = 3000;
+    options_.from_us = 1000; // since the first line
+    options_.to_us = 2000;
     const json whole = of("1000 board_open \"/dev/rtc0\" 2 = 5\n2000 board_ioctl 5 1 data = 0\n3000 "
                           "MI_SYS_Init = 0\n4000 MI_SYS_Init = -1\n");
     EXPECT_EQ(shown(whole, "i"), "board_ioctl @/dev/rtc0 2000\nMI_SYS_Init @SYS 3000\n");

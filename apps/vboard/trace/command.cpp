@@ -93,8 +93,9 @@ CLI::App *add_timeline(CLI::App &app, Arguments &given)
         ->check(CLI::IsMember({"threads", "channels", "both"}))
         ->capture_default_str();
     command->add_option("--from", given.from_s,
-                        "Only calls that end from here on, seconds of the board's clock");
-    command->add_option("--to", given.to_s, "Only calls that end until here, seconds of the board's clock");
+                        "Only calls that end from here on, seconds since the trace's first line");
+    command->add_option("--to", given.to_s,
+                        "Only calls that end until here, seconds since the trace's first line");
     return command;
 }
 

@@ -114,7 +114,8 @@ std::string summary_text(const TraceSummary &summary)
     for (const CallSummary &row : summary.by_call) {
         const double rate = summary.seconds() > 0 ? static_cast<double>(row.count) / summary.seconds() : 0;
         add_text(text, "%10" PRIu64 "  %10.1f  %8" PRIu64 "  %10.3f  %10.3f", row.count, rate, row.failed,
-                 static_cast<double>(row.first_us) * 1e-6, static_cast<double>(row.last_us) * 1e-6);
+                 static_cast<double>(row.first_us - summary.first_us) * 1e-6,
+                 static_cast<double>(row.last_us - summary.first_us) * 1e-6);
         if (timed && row.timed > 0)
             add_text(text, "  %10.1f  %10" PRId64 "  %10.3f", mean_us(row), row.longest_us,
                      static_cast<double>(row.total_us) * 1e-3);

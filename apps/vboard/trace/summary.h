@@ -39,6 +39,7 @@ enum class SummaryOrder { kCount, kFailed, kTotal, kLongest, kName, kFirst };
 /* @throws TraceError */
 TraceSummary summarise(const std::string &path, SummaryOrder order);
 
+/* A table; its times are since the first line of the trace. */
 std::string summary_text(const TraceSummary &summary);
 nlohmann::ordered_json summary_json(const TraceSummary &summary);
 

@@ -106,8 +106,9 @@ private:
 
     bool is_wanted(int64_t at_us) const
     {
-        return (!options_.from_us || at_us >= *options_.from_us) &&
-               (!options_.to_us || at_us <= *options_.to_us);
+        const int64_t since_us = at_us - begin_us_;
+        return (!options_.from_us || since_us >= *options_.from_us) &&
+               (!options_.to_us || since_us <= *options_.to_us);
     }
     EventPlace free_row(const std::string &track, int64_t from_us, int64_t to_us);
     void put(EventPlace place, const CallLine &call, int64_t from_us, const std::string &arguments);
@@ -118,6 +119,8 @@ private:
     Tracks tracks_;
     std::map<std::string, Rows> channels_;
     std::map<uint32_t, int64_t> thread_ends_us_;
+    int64_t begin_us_ = 0; // of the trace
+    bool begun_ = false;
 };
 
 // The first row of a channel in which nothing overlaps [from, to].
@@ -154,6 +157,8 @@ void Timeline::put(EventPlace place, const CallLine &call, int64_t from_us, cons
 
 bool Timeline::add(const CallLine &call, uint64_t line)
 {
+    if (!begun_) begin_us_ = call.time_us;
+    begun_ = true;
     counters_.count(call);
     const std::string track = tracks_.of(call);
     int64_t from_us = call.time_us;

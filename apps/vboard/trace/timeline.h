@@ -15,7 +15,7 @@ namespace vboard_app
 
 struct TimelineOptions {
     bool threads = true, channels = true;  // which rows; threads need a trace that has them
-    std::optional<int64_t> from_us, to_us; // only this part, board clock
+    std::optional<int64_t> from_us, to_us; // only this part, since the trace's first line
 };
 
 struct TimelineReport {
