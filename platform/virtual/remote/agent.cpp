@@ -26,6 +26,7 @@
 
 #include "agent_threads.h"
 #include "board_functions.h"
+#include "nodes/openings.h"
 #include "requests.h"
 #include "text_of.h"
 
@@ -67,7 +68,9 @@ private:
     std::atomic<bool> program_has_ended_{false};
 };
 
-Agent *agent = nullptr; // set by the constructor, before any other thread of the program
+// Both are set by the constructor, before any other thread of the program.
+Agent *agent = nullptr;
+pid_t own_process = 0;
 
 void Agent::say_hello(bool linked)
 {
@@ -99,8 +102,29 @@ void Agent::carry_out(const Request &request, const json &id, const json &with)
     is_in_request() = false;
 }
 
+// How deep lists and objects lie in one another: copies of them are made level by level, on the stack.
+bool is_nested_too_deep(const std::string &text)
+{
+    constexpr int kDeepest = 32; // requests need three
+    int depth = 0;
+    bool in_string = false;
+    for (size_t at = 0; at < text.size(); ++at) {
+        const char letter = text[at];
+        if (in_string && letter == '\\')
+            ++at;
+        else if (letter == '"')
+            in_string = !in_string;
+        else if (!in_string && (letter == '[' || letter == '{') && ++depth > kDeepest)
+            return true;
+        else if (!in_string && (letter == ']' || letter == '}'))
+            --depth;
+    }
+    return false;
+}
+
 void Agent::take(const std::string &text)
 {
+    if (is_nested_too_deep(text)) return answer_failure(nullptr, "bad_json", "it is nested too deep");
     const json message = json::parse(text, nullptr, false);
     if (!message.is_object()) return answer_failure(nullptr, "bad_json", "this is no JSON object");
     const auto number = message.find("id");
@@ -235,13 +259,22 @@ bool has_agent()
     return agent != nullptr;
 }
 
+pid_t agent_process()
+{
+    return own_process;
+}
+
 [[gnu::constructor]] static void start_agent()
 {
     const int caller_errno = errno;
     const int descriptor = take_descriptor();
     if (descriptor >= 0) {
         agent = new Agent(descriptor);
-        pthread_atfork(nullptr, nullptr, [] { agent->leave_child(); });
+        own_process = getpid();
+        pthread_atfork(lock_openings, unlock_openings, [] {
+            unlock_openings_of_child();
+            agent->leave_child();
+        });
         agent->start();
     }
     errno = caller_errno;

@@ -5,7 +5,7 @@
 #include "board_functions.h"
 #include "mi_disp.h"
 #include "mi_vdec.h"
-#include "nodes/program_nodes.h"
+#include "nodes/openings.h"
 #include "requests.h"
 
 namespace vboard_remote
