@@ -38,6 +38,7 @@ class Run:
         program = [os.environ['NVREC_PROGRAM'], 'wall', '--control', 'none', '--window', 'off', '--log', '-', *arguments]
         command = [os.environ['VBOARD_PROGRAM'], 'run', '--folder', str(folder), *options, '--', *program]
         self.folder = folder
+        self.arguments = arguments
         self.program = program
         self.output = []
         self.process = subprocess.Popen(command, cwd=folder, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,

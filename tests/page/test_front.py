@@ -32,7 +32,7 @@ def test_the_page_tells_that_the_program_has_ended_and_goes_on_trying(coloured, 
     wait_for('a notice', lambda: page.find('#notice').is_displayed())
     page.wait_text('#notice-text', 'goes on trying')
     # The same port and another token: the page must not claim that it works again.
-    second = Run(coloured.folder, coloured.program[6:], ['--listen', str(coloured.port)])
+    second = Run(coloured.folder, coloured.arguments, ['--listen', str(coloured.port)])
     try:
         page.wait_text('#notice-title', 'no access')
         page.open(second.address).wait_wall()

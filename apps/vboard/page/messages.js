@@ -46,7 +46,7 @@ export function words_of(error) {
   return (error.code === 'refused' ? 'Refused: ' : '') + plain(error.message);
 }
 
-const plain = (text) => text.replace(/^vboard: /, '').trim();
+const plain = (text) => text.replace(/^(v?board: )+/, '').trim();
 
 export function init_messages() {
   by_id('messages').append(make('li', {class: 'hint'}, 'What the board refuses, what is recorded, and when the program starts and ends is told here.'));

@@ -76,8 +76,9 @@ function show_board(now) {
   if (board.power === 'off' || (board.exit && !board.pid)) monitor = null;
   set_text(by_id('board-name'), board.name);
   document.title = `${board.name} – vboard`;
-  const program = (board.program || []).join(' ');
-  set_text(by_id('program'), program);
+  const [path = '', ...words] = board.program || [];
+  const program = [path, ...words].join(' ');
+  set_text(by_id('program'), [path.split('/').pop(), ...words].join(' '));
   set_attribute(by_id('program'), 'title', `${program}\nfolder ${board.folder}\nstart ${board.starts}, boot reason ${board.boot_reason}`);
   show_status();
 }
