@@ -31,9 +31,19 @@ while read -r file; do
     grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"](libswscale/|libyuv|turbojpeg|jpeglib|SDL)' "$file" >/dev/null &&
         violation "$file includes a media library beyond libavformat, libavcodec and libswresample"
     grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*"(mi_|board_io)' "$file" >/dev/null &&
-        [[ $file != apps/nvrec/host/* ]] &&
+        [[ $file != apps/nvrec/host/* && $file != apps/vboard/* ]] &&
         violation "$file reaches below the library"
 done < <(sources apps)
+
+# JSON is for the board's remote face, and HTTP for the program that serves it.
+while read -r file; do
+    grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"]nlohmann/' "$file" >/dev/null &&
+        [[ $file != platform/virtual/remote/* && $file != apps/vboard/* ]] &&
+        violation "$file includes JSON; only platform/virtual/remote and apps/vboard may"
+    grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"](libwebsockets|curl/)' "$file" >/dev/null &&
+        [[ $file != apps/vboard/* ]] &&
+        violation "$file includes HTTP; only apps/vboard may"
+done < <(sources src include platform apps)
 
 # The recorder knows what stands under the library, and the machine's clocks, in its host room alone.
 clocks='steady_clock|system_clock::now|clock_gettime|gettimeofday|[^_[:alnum:]]time\((nullptr|NULL|0)\)'
