@@ -418,4 +418,34 @@ TEST_F(Display, SixteenChannelsShowTheirOwnFramesInOrder)
     }
 }
 
+TEST_F(Display, SaysWhereAPortIsSeen)
+{
+    power_up();
+    vboard_port_place place = {};
+    ASSERT_EQ(vboard_port_get_place(0, 3, &place), 0);
+    EXPECT_EQ(place.seen, 0u) << "a port that is not enabled";
+
+    open_window(3, 101, 50, 641, 361);
+    ASSERT_EQ(vboard_port_get_place(0, 3, &place), 0);
+    EXPECT_EQ(place.seen, 1u);
+    EXPECT_EQ(place.device, 0);
+    EXPECT_EQ(place.x, 100u) << "even, as it is drawn";
+    EXPECT_EQ(place.y, 50u);
+    EXPECT_EQ(place.width, 640u);
+    EXPECT_EQ(place.height, 360u);
+
+    ASSERT_EQ(MI_DISP_HideInputPort(0, 3), MI_SUCCESS);
+    ASSERT_EQ(vboard_port_get_place(0, 3, &place), 0);
+    EXPECT_EQ(place.seen, 0u);
+    EXPECT_EQ(place.width, 0u);
+}
+
+TEST_F(Display, HasNoPlaceOfPortsThatAreNotThere)
+{
+    vboard_port_place place = {};
+    EXPECT_EQ(vboard_port_get_place(3, 0, &place), -1);
+    EXPECT_EQ(vboard_port_get_place(0, 16, &place), -1);
+    EXPECT_EQ(vboard_port_get_place(0, 0, nullptr), -1);
+}
+
 } // namespace

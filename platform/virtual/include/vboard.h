@@ -155,6 +155,17 @@ int vboard_display_get_size(int32_t device, uint32_t *width, uint32_t *height);
 /** Read a port's state. 0, or -1. */
 int vboard_port_get_stat(int32_t device, uint32_t port, vboard_port_stat *stat);
 
+/** Where a port is seen: on which device's output, and in which rectangle of it. */
+typedef struct vboard_port_place {
+    uint32_t seen;          /* 1 = a picture in it would be on the screen; 0: all else is 0         */
+    int32_t device;         /* whose output shows it: another one for the picture in picture       */
+    uint32_t x, y;          /* top left corner of its window, output pixels                        */
+    uint32_t width, height; /* of its window, output pixels                                        */
+} vboard_port_place;
+
+/** Read where a port is seen. 0, or -1. */
+int vboard_port_get_place(int32_t device, uint32_t port, vboard_port_place *place);
+
 #define VBOARD_DECODER_CHANNELS 64 /* numbered from 0 */
 
 /** A decoder channel number. Counters run since the start of the board, over re-creations. */

@@ -308,6 +308,11 @@ int vboard_port_get_stat(int32_t device, uint32_t port, vboard_port_stat *stat)
     return port_read_stat(device, port, stat);
 }
 
+int vboard_port_get_place(int32_t device, uint32_t port, vboard_port_place *place)
+{
+    return port_read_place(device, port, place);
+}
+
 int vboard_window_open(const char *title)
 {
     if (desk_window() != nullptr) return refuse_plainly("the window is open already");

@@ -120,6 +120,7 @@ int display_wait_queued(int32_t device, uint32_t mask, uint32_t pictures, int32_
 int display_wait_taken(int32_t device, uint32_t mask, uint64_t pictures, int32_t timeout_ms);
 int display_mark(int32_t device);
 int port_read_stat(int32_t device, uint32_t port, vboard_port_stat *stat);
+int port_read_place(int32_t device, uint32_t port, vboard_port_place *place);
 
 /* Decide for pictures on screen whether a refresh has shown them by now. */
 void display_settle_fates();

@@ -1,6 +1,7 @@
 /* display_scene.cpp - which pictures a device's output shows, and where: what a composition draws. */
 #include <algorithm>
 
+#include "media/call.h"
 #include "media/canvas.h"
 #include "media/display_state.h"
 #include "media/output_timing.h"
@@ -78,6 +79,30 @@ Scene display_scene(int32_t device)
     Device &pip = *find_device(display, kPipPortsDevice);
     if (&pip != &unit) add_panes(display, pip, unit, MI_DISP_INPUT_PORTS, scene); // over the others
     return scene;
+}
+
+int port_read_place(int32_t device, uint32_t port, vboard_port_place *place)
+{
+    if (!display_port_exists(device, port) || place == nullptr)
+        return refuse_plainly("no place of port %u of display device %d", port, device);
+    DisplayState &display = display_state();
+    const std::lock_guard guard(display.mutex);
+    const Device &unit = *find_device(display, device);
+    const InputPort &input = unit.ports[port];
+    *place = {};
+    if (!is_visible(display, unit, input)) return 0;
+    const PortPlace on = place_of_ports(display, unit);
+    Scene size;
+    set_output_size(*on.output, size);
+    const Rect window = output_window(input.attr.window, on.layer->attr, size.width, size.height);
+    if (window.width < 2 || window.height < 2) return 0;
+    place->seen = 1;
+    place->device = static_cast<int32_t>(on.output - display.devices.data()) + kFirstDevice;
+    place->x = static_cast<uint32_t>(window.x);
+    place->y = static_cast<uint32_t>(window.y);
+    place->width = static_cast<uint32_t>(window.width);
+    place->height = static_cast<uint32_t>(window.height);
+    return 0;
 }
 
 } // namespace vboard
