@@ -145,6 +145,8 @@ BoardProcess::Self::Self(BoardOptions chosen)
 {
     monitor_plugged = options.monitor_plugged;
     battery = options.rtc_battery;
+    for (const BootInput &one : options.analog)
+        analog.push_back({{"input", one.input}, {"lost", one.lost}, {"moving", one.moving}});
 }
 
 BoardProcess::Self::~Self()

@@ -37,6 +37,13 @@ struct BootFault {
     int32_t code = -1;
 };
 
+/* An analog input before the program begins. */
+struct BootInput {
+    uint32_t input = 0;
+    bool lost = false;
+    uint32_t moving = 0; // blocks
+};
+
 /* A clock that is taken before the program begins. */
 struct SteppedBoot {
     int64_t board_us = 0; // where the board's clock stands
@@ -62,8 +69,10 @@ struct BoardOptions {
     std::optional<SteppedBoot> stepped;
     bool step_pacing = false; // of display device 0
     std::vector<BootFault> faults;
+    std::vector<BootInput> analog;
     std::optional<int64_t> rtc_seconds; // since 1970; without it the wall clock's time
     bool rtc_battery = true;
+    bool follow_calls = false; // events "calls" from the program's first call on, in every boot
 };
 
 /* How it ended. */

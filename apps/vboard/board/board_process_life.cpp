@@ -177,6 +177,9 @@ void BoardProcess::Self::read_channel()
         if (got < 0 && (errno == EAGAIN || errno == EINTR)) return;
         if (got <= 0) return leave_channel();
         reader.filled(static_cast<size_t>(got));
+        // What the program wrote before an answer was given is there before the answer.
+        if (child.output) read_output(&child.output, &output_line, false);
+        if (child.errors) read_output(&child.errors, &error_line, true);
         Message message;
         while (reader.next(&message)) {
             try {

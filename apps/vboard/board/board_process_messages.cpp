@@ -103,7 +103,8 @@ json BoardProcess::Self::boot_orders()
             {"stepped", stepped},
             {"pacing", options.step_pacing ? "step" : "realtime"},
             {"faults", faults},
-            {"line_buffered", options.line_buffered}};
+            {"line_buffered", options.line_buffered},
+            {"follow_calls", options.follow_calls}};
 }
 
 void BoardProcess::Self::send_boot()

@@ -74,6 +74,7 @@
     FUNCTION(vboard_panel_get_stat) \
     FUNCTION(vboard_panel_press) \
     FUNCTION(vboard_panel_press_named) \
+    FUNCTION(vboard_port_get_place) \
     FUNCTION(vboard_port_get_stat) \
     FUNCTION(vboard_refusal_count) \
     FUNCTION(vboard_refusals_follow) \

@@ -34,27 +34,32 @@ void note_call(const vboard_call *call, void *user)
     }
 }
 
-Answer follow_calls(const Parameters &with, Context &context)
-{
-    static bool following = false; // requests that do not wait come one at a time
-    const bool on = with.boolean("on");
-    if (on != following)
-        checked([&] { return vboard_calls_follow(on ? note_call : nullptr, &context.outbox); });
-    following = on;
-    return {};
-}
-
 Answer follow_refusals_as_events(const Parameters &with, Context &)
 {
     refusals_are_events = with.boolean("on");
     return {};
 }
 
-const Request kFollowRequests[] = {{"calls.follow", follow_calls, false},
+Answer follow_calls_as_asked(const Parameters &with, Context &context)
+{
+    follow_calls(with.boolean("on"), context);
+    return {};
+}
+
+const Request kFollowRequests[] = {{"calls.follow", follow_calls_as_asked, false},
                                    {"refusals.follow", follow_refusals_as_events, false},
                                    {nullptr, nullptr, false}};
 
 } // namespace
+
+void follow_calls(bool on, Context &context)
+{
+    static bool following = false; // requests that do not wait come one at a time
+    if (on && following) return context.outbox.flush();
+    if (on != following)
+        checked([&] { return vboard_calls_follow(on ? note_call : nullptr, &context.outbox); });
+    following = on;
+}
 
 std::string &own_refusal()
 {

@@ -2,11 +2,13 @@
  * requests.h - the requests that the agent carries out: those of api/v1.json that are the board's, and
  * those that only the host makes:
  *
- *     boot            {boot_reason, rtc: {seconds, at_wall_us} or null, battery, monitor, analog: [{input,
- * lost, moving}], stepped: {board_us, wall_us} or null, pacing, faults: [{call, nth, count, code}],
- * line_buffered}: the board as it is when the program begins picture         {device?, settled} -> {width,
- * height, blank}, and I420 behind the answer calls.follow    {on}: events "calls" refusals.follow {on}:
- * events "refusal"
+ *     boot            {boot_reason, rtc: {seconds, at_wall_us} or null, battery, monitor,
+ *                     analog: [{input, lost, moving}], stepped: {board_us, wall_us} or null, pacing,
+ *                     faults: [{call, nth, count, code}], line_buffered, follow_calls}: the board as it is
+ *                     when the program begins
+ *     picture         {device?, settled} -> {width, height, blank}, and I420 behind the answer
+ *     calls.follow    {on}: events "calls"; asked again, those that were collected come before the answer
+ *     refusals.follow {on}: events "refusal"
  */
 #ifndef VBOARD_REMOTE_REQUESTS_H
 #define VBOARD_REMOTE_REQUESTS_H
@@ -40,6 +42,9 @@ struct Request {
 
 /* Null: there is none of that name. */
 const Request *find_request(const std::string &name);
+
+/* As the request "calls.follow". */
+void follow_calls(bool on, Context &context);
 
 /* The rooms of the table; each ends with a null name. */
 extern const Request kInputRequests[];

@@ -162,6 +162,7 @@ Answer boot(const Parameters &with, Context &context)
     }
     for (const json &fault : with.list("faults"))
         if (fault.is_object()) set_fault(Parameters(fault), context);
+    if (with.boolean_or("follow_calls", false)) follow_calls(true, context);
     return {};
 }
 

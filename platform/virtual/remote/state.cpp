@@ -37,6 +37,14 @@ json monitor_state()
             {"height", height}};
 }
 
+// Where the port is seen on its device's output: x, y, width, height; null where it is not.
+json window_of(int32_t device, uint32_t port)
+{
+    vboard_port_place place = {};
+    if (vboard_port_get_place(device, port, &place) != 0 || place.seen == 0) return nullptr;
+    return {place.x, place.y, place.width, place.height};
+}
+
 json displays_state()
 {
     json displays = json::array();
@@ -47,6 +55,7 @@ json displays_state()
             if (vboard_port_get_stat(device, number, &port) != 0) continue;
             if (port.enabled == 0 && port.bound == 0 && port.has_picture == 0 && port.taken == 0) continue;
             ports.push_back({{"port", number},
+                             {"window", window_of(device, number)},
                              {"enabled", port.enabled != 0},
                              {"hidden", port.hidden != 0},
                              {"bound", port.bound != 0},
