@@ -2,6 +2,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "scenario/command.h"
 #include "trace/command.h"
 
 namespace
@@ -15,6 +16,7 @@ struct Command {
 
 // One line a room that brings a command; the last one ends the table.
 constexpr Command kCommands[] = {
+    {"test", vboard_app::test_command, "play scenarios on a fresh board each, and tell which hold"},
     {"trace", trace_command, "count, compare and draw traces of the platform calls"},
     {nullptr, nullptr, nullptr},
 };

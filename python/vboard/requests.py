@@ -40,9 +40,10 @@ class Requests:
         Gives:
             clock: {us, wall_us, taken}
             monitor: {plugged, signal, width, height: of what it shows, pixels}
-            displays: array of {device, ports: array of {port, enabled, hidden, bound, source_channel,
-                has_picture, queued, picture_width, picture_height, picture_pts, taken, shown, dropped}};
-                ports that were ever used
+            displays: array of {device, ports: array of {port, window: [x, y, width, height] on the output,
+                or null when it is not seen, enabled, hidden, bound, source_channel, has_picture, queued,
+                picture_width, picture_height, picture_pts, taken, shown, dropped}}; ports that were ever
+                used
             decoders: array of {channel, created, started, codec: h264|h265|jpeg, width, height, bytes_sent,
                 frames_sent, sends_refused, decoded, shown, dropped, damaged, decode_errors, resets,
                 recreations, late, backlog: sends not consumed, backlog_bytes}; those that were ever created

@@ -233,20 +233,23 @@ private:
 
     void take_news()
     {
-        for (std::string &line : session_.take_log())
-            journal_.log.push_back({now_us_, std::move(line)});
-        if (scenario_.needs_calls) {
-            for (Call &call : session_.take_calls(journal_.calls_lost)) {
-                call.at_us = std::clamp<int64_t>(call.at_us - board_at_0_us_, 0, now_us_);
-                journal_.calls.push_back(std::move(call));
-            }
-        }
+        take_log_and_calls();
         if (journal_.end) return;
         if (auto end = session_.ended()) {
             end->at_us = now_us_;
             journal_.end = end;
-            for (std::string &line : session_.take_log())
-                journal_.log.push_back({now_us_, std::move(line)});
+            take_log_and_calls(); // its last ones
+        }
+    }
+
+    void take_log_and_calls()
+    {
+        for (std::string &line : session_.take_log())
+            journal_.log.push_back({now_us_, std::move(line)});
+        if (!scenario_.needs_calls) return;
+        for (Call &call : session_.take_calls(journal_.calls_lost)) {
+            call.at_us = std::clamp<int64_t>(call.at_us - board_at_0_us_, 0, now_us_);
+            journal_.calls.push_back(std::move(call));
         }
     }
 

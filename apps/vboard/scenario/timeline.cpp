@@ -127,7 +127,7 @@ void Judgement::look_at_end(Moment &now, bool ended)
 {
     if (decided_ || has_own_time()) return;
     Check &check = *expectation_->check;
-    if (check.needs_end() != ended) return;
+    if (check.needs_end() && !ended) return;
     check.watch(now);
     judge_at_last(check.judge(now, check.counts_events() ? 0 : now.now_us - check.span_us()));
 }
