@@ -101,8 +101,9 @@ function black() {
 function tell_facts() {
   const since = performance.now() - 2000;
   while (arrivals.length && arrivals[0] < since) arrivals.shift();
-  const rate = live ? `${(arrivals.length / 2).toFixed(0)} pictures/s here` : 'not looked at';
-  set_text(by_id('screen-facts'), `${output.width} × ${output.height} · ${rate}`);
+  const rate = Math.round(arrivals.length / 2);
+  const here = live ? `${rate} ${rate === 1 ? 'picture' : 'pictures'}/s here` : 'not looked at';
+  set_text(by_id('screen-facts'), `${output.width} × ${output.height} · ${here}`);
 }
 
 /* ------------------------------------------------------------------------------------- mouse --- */
