@@ -37,7 +37,8 @@ def read_board(path):
     """The Board of a file, or None when it has ended or the file is not whole."""
     try:
         found = json.loads(path.read_text(encoding="utf-8"))
-        if not _lives(int(found["pid"])):
+        # Before it listens, a board only has its name: the address is empty.
+        if not found["url"] or not _lives(int(found["pid"])):
             return None
         return Board(str(found["url"]), str(found["token"]), str(found["name"]))
     except (OSError, ValueError, KeyError, TypeError):

@@ -141,10 +141,10 @@ def _started_board(process, name, log, timeout_ms):
         board = read_board(path)
         if board is not None:
             try:
-                if board.board()["power"] == "on":
-                    return board
+                board.state()  # answered from inside of the program
+                return board
             except BoardError as error:
-                if error.code not in ("gone", "busy"):
+                if error.code not in ("gone", "busy", "power_off"):
                     raise
         time.sleep(0.02)
     if process.poll() is not None:

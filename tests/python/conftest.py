@@ -67,11 +67,9 @@ def description():
 
 
 @pytest.fixture(scope="session")
-def built():
-    """A file that was built, by the name of its variable; a test without it is not for this build."""
-    def path(name):
-        if name not in os.environ:
-            pytest.skip(f"{name} is not set")
-        return os.environ[name]
-
-    return path
+def streams():
+    """Two cameras: H.264 and H.265, 640 x 360."""
+    folder = os.environ.get("STREAM_DIR")
+    if not folder:
+        pytest.skip("STREAM_DIR is not set: CTest sets it, and the path to the programs that were built")
+    return [f"{folder}/h264_640x360", f"{folder}/h265_640x360"]

@@ -104,6 +104,7 @@ def test_boards_that_ended_or_left_no_whole_file_do_not_run(runs):
     with subprocess.Popen(["true"]) as ended:
         ended.wait()
     runs("gone", pid=ended.pid)
+    runs("starting", text=json.dumps({"name": "starting", "pid": os.getpid(), "url": "", "token": ""}))
     runs("half", text='{"name": "ha')
     runs("empty", text="{}")
     runs("list", text="[]")
