@@ -38,15 +38,13 @@ Result run(std::vector<std::string> arguments, FakeBoard &board)
 class TestCommand : public testing::Test
 {
 protected:
+    const Folder folder;
     std::string good =
         folder.write("good.yaml", "board: {clock: stepped}\nexpect:\n  - {at: 1s, boot: power}\n");
     std::string bad = folder.write("bad.yaml", "board: {clock: stepped}\nexpect:\n  - {at: 1s, starts: 7}\n");
     std::string wrong = folder.write("wrong.yaml", "exepct:\n  - {at: 1s, starts: 7}\n");
     std::string out = folder.file("out");
     FakeBoard board;
-
-private:
-    Folder folder;
 };
 
 TEST_F(TestCommand, EndsWithZeroOnlyWhenAllHold)
@@ -106,7 +104,6 @@ TEST_F(TestCommand, WritesJUnit)
 
 TEST_F(TestCommand, PlaysWhatWasRecordedTwentyTimesAlike)
 {
-    const Folder folder;
     RecordingStart start;
     start.stepped = true;
     start.program_began_us = 5'000'000;

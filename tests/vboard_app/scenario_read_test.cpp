@@ -7,8 +7,6 @@ namespace
 using namespace scenario_test;
 using Lines = std::vector<std::string>;
 
-constexpr char kHead[] = "board: {clock: stepped}\n";
-
 std::optional<Scenario> read(const std::string &text)
 {
     const Folder folder;
