@@ -45,7 +45,7 @@ def test_a_fault_set_on_the_page_is_in_the_calls_and_can_be_taken_back(coloured,
 def test_a_misspelt_fault_is_refused_in_the_boards_own_words(coloured, page):
     page.open(coloured.address).wait_wall()
     set_fault(page, 'MI_DISP_SetInputPortAtr')
-    page.wait_text('#messages', 'Refused: no platform call is named "MI_DISP_SetInputPortAtr"')
+    page.wait_text('#messages', 'no platform call is named "MI_DISP_SetInputPortAtr"')
     assert page.request('state')['faults']['refused'] == 1
 
 
