@@ -26,9 +26,9 @@ namespace
 
 constexpr size_t kLongestRequest_bytes = 255;
 constexpr size_t kLongestReply_bytes = 1 << 20;
-constexpr auto kSilence = std::chrono::seconds(2); /* of a client */
-constexpr auto kAnswer = std::chrono::seconds(20); /* of a recorder, which may be laying panes out */
-constexpr int kWaiting = 8;                        /* connections */
+constexpr auto kClientSilence = std::chrono::seconds(2); /* of a client */
+constexpr auto kAnswer = std::chrono::seconds(20);       /* of a recorder, which may be laying panes out */
+constexpr int kWaiting = 8;                              /* connections */
 constexpr mode_t kOwnerOnly = 0600;
 
 std::string error_text()
@@ -59,7 +59,7 @@ std::optional<std::string> read_request(int connection)
 {
     std::string line;
     char letter;
-    while (line.size() <= kLongestRequest_bytes && wait_readable(connection, Clock::now() + kSilence) &&
+    while (line.size() <= kLongestRequest_bytes && wait_readable(connection, Clock::now() + kClientSilence) &&
            recv(connection, &letter, 1, 0) == 1) {
         if (letter == '\n') return line;
         line += letter;
@@ -164,7 +164,7 @@ void ControlServer::run()
 
 void ControlServer::serve(int connection)
 {
-    const timeval patience = {kSilence.count(), 0}; /* a client that does not read */
+    const timeval patience = {kClientSilence.count(), 0}; /* a client that does not read */
     setsockopt(connection, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
     const std::optional<std::string> request = read_request(connection);
     send_all(connection, request ? handler_(*request)

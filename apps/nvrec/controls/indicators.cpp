@@ -15,8 +15,8 @@ namespace
 
 using namespace std::chrono_literals;
 
-constexpr auto kSilence = 3s; /* of a camera that ran: its video is lost */
-constexpr auto kLookPeriod = 1s;
+constexpr auto kCameraSilence = 3s; /* of a camera that ran: its video is lost */
+constexpr auto kIndicatorPeriod = 1s;
 constexpr auto kBuzz = 10s;        /* for a loss, however long it lasts */
 constexpr uint32_t kMaskBits = 32; /* channels with a loss bit */
 
@@ -67,7 +67,7 @@ bool Indicators::is_silent(const Feeder &camera, Clock::time_point now) const
 {
     const Clock::rep unit_at =
         unit_at_[static_cast<size_t>(camera.channel())].load(std::memory_order_relaxed);
-    if (unit_at == 0 || now - Clock::time_point(Clock::duration(unit_at)) < kSilence) return false;
+    if (unit_at == 0 || now - Clock::time_point(Clock::duration(unit_at)) < kCameraSilence) return false;
     const Clock::time_point deadline = camera.heartbeat_deadline();
     if (deadline == Clock::time_point::max()) return camera.broken();
     return camera.input().live() || deadline <= now;
@@ -115,7 +115,7 @@ Clock::time_point Indicators::take_turn(Clock::time_point now)
     drive_lamp();
     if (now >= look_at_) {
         look_for_loss(now);
-        look_at_ = now + kLookPeriod;
+        look_at_ = now + kIndicatorPeriod;
     }
     drive_buzzer(now);
     return look_at_; /* the buzzer ends with the look after its time */

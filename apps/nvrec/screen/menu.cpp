@@ -10,7 +10,7 @@ namespace
 {
 
 constexpr Colour kGround = 0x1C222A, kTitleGround = 0x2A323C, kEdge = 0x4A5460;
-constexpr Colour kLitGround = 0x1868C0, kLetters = 0xE4E8EC, kLitLetters = 0xFFFFFF, kMark = 0x48C078;
+constexpr Colour kLitGround = 0x1868C0, kMenuLetters = 0xE4E8EC, kLitLetters = 0xFFFFFF, kMark = 0x48C078;
 
 /* Behind the layouts, which are rows of their own table. */
 struct Row {
@@ -46,7 +46,7 @@ Menu::Menu(Font &font, Language language, ChineseScript script, int text_size_px
     auto add = [&](MenuAction action, Layout layout, const char *text) {
         const Mask letters = mask(text);
         items_.push_back(
-            {action, layout, flat(letters, kLitLetters, kLitGround), flat(letters, kLetters, kGround)});
+            {action, layout, flat(letters, kLitLetters, kLitGround), flat(letters, kMenuLetters, kGround)});
         widest = std::max(widest, letters.width);
     };
     for (const LayoutRow &row : layouts())
@@ -142,7 +142,7 @@ void Menu::paint(Canvas &canvas) const
         if (begins_a_group(item.action)) canvas.fill({line.x, line.y, line.w, 1}, kEdge);
         const int icon_h = (row_px_ * 5 / 8) & ~1, icon_w = (icon_h * 16 / 10) & ~1;
         paint_icon(canvas, item, {line.x + row_px_ / 2, middle(line, icon_h), icon_w, icon_h},
-                   lit ? kLitLetters : kLetters);
+                   lit ? kLitLetters : kMenuLetters);
         const Tile &text = lit ? item.lit : item.unlit;
         canvas.draw(text, line.x + indent, middle(line, text.height));
         const int mark = row_px_ / 4;

@@ -11,6 +11,7 @@
 #include "devices/peripheral_nodes.h"
 #include "devices/request_node.h"
 #include "media/clock.h"
+#include "media/time_units.h"
 #include "vboard_devices.h"
 
 namespace vboard
@@ -18,7 +19,6 @@ namespace vboard
 namespace
 {
 
-constexpr int64_t kSecond_us = 1000000;
 constexpr int64_t kLastSecond = 253402300799; // of the year 9999, the last that its fields can tell
 constexpr int kFirstYear = 70;                // 1970, from 1900
 constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};

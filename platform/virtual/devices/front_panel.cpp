@@ -13,12 +13,12 @@ namespace vboard
 namespace
 {
 
-constexpr int64_t kPatience_us = 0; // a read gives what there is
+constexpr int64_t kPanelPatience_us = 0; // a read gives what there is
 
 class FrontPanel : public EventNode<uint32_t>
 {
 public:
-    FrontPanel() : EventNode(KEYBOARD_NODE, kPatience_us) {}
+    FrontPanel() : EventNode(KEYBOARD_NODE, kPanelPatience_us) {}
 
     void reset() override
     {

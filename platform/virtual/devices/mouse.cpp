@@ -12,12 +12,12 @@ namespace vboard
 namespace
 {
 
-constexpr int64_t kPatience_us = 100000;
+constexpr int64_t kMousePatience_us = 100000;
 
 class Mouse : public EventNode<MouseEvent>
 {
 public:
-    Mouse() : EventNode(MOUSE_NODE, kPatience_us) {}
+    Mouse() : EventNode(MOUSE_NODE, kMousePatience_us) {}
 
     void reset() override
     {

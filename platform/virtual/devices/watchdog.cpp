@@ -11,6 +11,7 @@
 #include "devices/peripheral_nodes.h"
 #include "devices/request_node.h"
 #include "media/clock.h"
+#include "media/time_units.h"
 #include "vboard_devices.h"
 
 namespace vboard
@@ -19,7 +20,6 @@ namespace
 {
 
 constexpr uint32_t kPowerOnTimeout_s = 60;
-constexpr int64_t kSecond_us = 1000000;
 
 class Watchdog : public RequestNode
 {

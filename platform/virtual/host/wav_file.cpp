@@ -17,12 +17,12 @@ namespace vboard
 namespace
 {
 
-constexpr uint32_t kHeaderBytes = 44;
+constexpr uint32_t kWavHeaderBytes = 44;
 constexpr uint32_t kRiffHeadBytes = 8; // not counted by the RIFF size
 constexpr long kRiffSizeAt = 4;
 constexpr long kDataSizeAt = 40;
 constexpr uint32_t kSampleBytes = 2;
-constexpr uint32_t kMostDataBytes = UINT32_MAX - kHeaderBytes;
+constexpr uint32_t kMostDataBytes = UINT32_MAX - kWavHeaderBytes;
 
 struct FileClose {
     void operator()(FILE *file) const { fclose(file); }
@@ -45,7 +45,7 @@ std::vector<uint8_t> header(uint32_t rate_hz)
 {
     std::vector<uint8_t> bytes;
     put(bytes, "RIFF");
-    put(bytes, kHeaderBytes - kRiffHeadBytes, 4);
+    put(bytes, kWavHeaderBytes - kRiffHeadBytes, 4);
     put(bytes, "WAVE");
     put(bytes, "fmt ");
     put(bytes, 16, 4);
@@ -74,7 +74,7 @@ public:
             put(bytes, static_cast<uint16_t>(samples[i]), kSampleBytes);
         if (fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size()) return false;
         data_bytes_ += static_cast<uint32_t>(bytes.size());
-        return write_size(kRiffSizeAt, kHeaderBytes - kRiffHeadBytes + data_bytes_) &&
+        return write_size(kRiffSizeAt, kWavHeaderBytes - kRiffHeadBytes + data_bytes_) &&
                write_size(kDataSizeAt, data_bytes_) && fseek(file_.get(), 0, SEEK_END) == 0 &&
                fflush(file_.get()) == 0;
     }

@@ -5,13 +5,14 @@
 #include <cmath>
 #include <cstdlib>
 
+#include "media/time_units.h"
+
 namespace vboard
 {
 namespace
 {
 
-constexpr double kFullScale = 32768;
-constexpr int64_t kSecond_us = 1000000;
+constexpr double kFullScaleLevel = 32768;
 
 } // namespace
 
@@ -60,7 +61,7 @@ SoundLevel SoundHistory::level(int64_t now_us, uint32_t window_ms) const
         }
     }
     const double window_samples = static_cast<double>(window_ms) * rate_hz_ / 1000;
-    return {peak / kFullScale, std::sqrt(squares / window_samples) / kFullScale};
+    return {peak / kFullScaleLevel, std::sqrt(squares / window_samples) / kFullScaleLevel};
 }
 
 } // namespace vboard

@@ -4,12 +4,13 @@
 #include <algorithm>
 #include <cmath>
 
+#include "media/time_units.h"
+
 namespace vboard
 {
 namespace
 {
 
-constexpr int64_t kSecond_us = 1000000;
 constexpr uint32_t kHistory_ms = 10000;
 constexpr float kFullScale = 32768;
 constexpr float kLowest = -32768;
