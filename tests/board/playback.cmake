@@ -11,7 +11,8 @@ endforeach()
 stamped_stream(session_large_h265 --codec h265 --size 1920x1080 --frames 6 --gop 3 --channel 30 --preset ultrafast)
 
 if(NOT TARGET board_session)
-  nvrhal_test_library(board_session ${CMAKE_CURRENT_LIST_DIR}/playback_session.cpp)
+  nvrhal_test_library(board_session
+    ${CMAKE_CURRENT_LIST_DIR}/playback_session.cpp ${CMAKE_CURRENT_LIST_DIR}/wall_session.cpp)
   target_include_directories(board_session PUBLIC ${CMAKE_CURRENT_LIST_DIR})
   target_link_libraries(board_session PUBLIC nvrhal board_rig)
 endif()

@@ -11,7 +11,6 @@ foreach(channel RANGE 3)
 endforeach()
 
 nvrhal_test(board_wall
-  ${CMAKE_CURRENT_LIST_DIR}/wall_session.cpp
   ${CMAKE_CURRENT_LIST_DIR}/wall_stamp_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/wall_layout_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/wall_monitor_test.cpp

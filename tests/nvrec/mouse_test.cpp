@@ -12,6 +12,7 @@
 #include "nvrhal/input_nodes.h"
 #include "play/player.h"
 #include "play/zoom.h"
+#include "play_clips.h"
 #include "running_wall.h"
 #include "vboard.h"
 #include "vboard_devices.h"
@@ -20,12 +21,8 @@ namespace
 {
 
 using namespace nvrec;
+using nvrec_test::clip;
 using nvrec_test::RunningWall;
-
-std::string clip(const std::string &name)
-{
-    return std::string(NVREC_STREAMS) + "/" + name;
-}
 
 /* A part of the picture in pixels of the screen, as the library is asked for it. */
 struct Part {

@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "play/player.h"
+#include "play_clips.h"
 #include "running_wall.h"
 #include "stamp.h"
 #include "vboard.h"
@@ -19,6 +20,7 @@ namespace
 {
 
 using namespace nvrec;
+using nvrec_test::clip;
 using nvrec_test::RunningWall;
 using stamp::Stamp;
 
@@ -26,11 +28,6 @@ using stamp::Stamp;
 constexpr uint32_t kRate = 25;
 constexpr double kLastSecond_s = 4;
 constexpr uint32_t kOfLastSecond = 4 * kRate;
-
-std::string clip(const std::string &name)
-{
-    return std::string(NVREC_STREAMS) + "/" + name;
-}
 
 /* A place of the screen, and the stamps that stood there one after the other. */
 class Watched

@@ -8,6 +8,7 @@
 #include "nvrec_run.h"
 #include "play/player.h"
 #include "play/snapshot.h"
+#include "play_clips.h"
 #include "stamps.h"
 #include "vboard.h"
 #include "wall/exit_code.h"
@@ -17,13 +18,9 @@ namespace
 {
 
 using namespace nvrec;
+using nvrec_test::clip;
 
 constexpr unsigned kFirstCamera = 1; /* stamp channel of camera 0 */
-
-std::string clip(const std::string &name)
-{
-    return std::string(NVREC_STREAMS) + "/" + name;
-}
 
 /* Takes a picture of camera 0 at the first turn, when the cameras run, and ends the wall. */
 class SnapshotAtOnce final : public Module

@@ -4,11 +4,13 @@
 #include <gtest/gtest.h>
 
 #include "nvrec_run.h"
+#include "play_clips.h"
 #include "stamps.h"
 
 namespace
 {
 
+using nvrec_test::clip;
 using nvrec_test::stamp_in;
 using stamp::Stamp;
 
@@ -17,11 +19,6 @@ constexpr uint32_t kRate = 25;
 constexpr unsigned kFirstFile = 20; /* stamp channel of file 0; cameras begin with 1 */
 constexpr uint32_t kFrames = 125;
 constexpr uint32_t kLast = kFrames - 1;
-
-std::string clip(const std::string &name)
-{
-    return std::string(NVREC_STREAMS) + "/" + name;
-}
 
 const std::vector<std::string> kFiles = {clip("play_0.h264"), clip("play_1.h265")};
 const std::vector<std::string> kCameras = {"--live", clip("play_camera_0.h265"), "--live",

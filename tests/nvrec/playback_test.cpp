@@ -3,10 +3,12 @@
 
 #include "mi_disp.h"
 #include "play/playback.h"
+#include "play_clips.h"
 #include "playback_session.h"
 #include "vboard_audio.h"
 
 using namespace session;
+using nvrec_test::clip;
 
 namespace
 {
@@ -14,11 +16,6 @@ namespace
 constexpr uint32_t kLoudspeaker = 3;
 constexpr uint32_t kBase = 30; /* the library's video standard */
 constexpr auto kPatience = std::chrono::seconds(60);
-
-std::string clip(const std::string &name)
-{
-    return std::string(NVREC_STREAMS) + "/" + name;
-}
 
 class PlaybackEngine : public Session
 {

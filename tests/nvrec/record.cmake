@@ -7,18 +7,19 @@ add_custom_command(OUTPUT ${nvrec_record_clips}/made
   COMMENT "Encoding cameras for the recorder's tests")
 add_custom_target(nvrec_record_clips DEPENDS ${nvrec_record_clips}/made)
 
+nvrhal_test_library(nvrec_record_files ${CMAKE_CURRENT_SOURCE_DIR}/record_files.cpp)
+target_link_libraries(nvrec_record_files PUBLIC nvrec_run)
+
 nvrhal_test(nvrec_record_pieces_test
-  ${CMAKE_CURRENT_SOURCE_DIR}/record_files.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_pieces_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_retry_test.cpp
-  LIBS nvrec_run nvrec_pieces vboard LABEL nvrec TIMEOUT 60)
+  LIBS nvrec_record_files nvrec_pieces vboard LABEL nvrec TIMEOUT 60)
 target_compile_definitions(nvrec_record_pieces_test PRIVATE NVREC_CLIPS="${nvrec_record_clips}")
 add_dependencies(nvrec_record_pieces_test nvrec_record_clips)
 
 nvrhal_test(nvrec_record_test
-  ${CMAKE_CURRENT_SOURCE_DIR}/record_files.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_test.cpp
-  LIBS nvrec_run LABEL nvrec TIMEOUT 180)
+  LIBS nvrec_record_files LABEL nvrec TIMEOUT 180)
 target_compile_definitions(nvrec_record_test PRIVATE
   NVREC_CLIPS="${nvrec_record_clips}" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
 add_dependencies(nvrec_record_test nvrec nvrec_record_clips)

@@ -2,21 +2,18 @@
 #include <gtest/gtest.h>
 
 #include "nvrec_run.h"
+#include "play_clips.h"
 #include "stamps.h"
 
 namespace
 {
 
+using nvrec_test::clip;
 using nvrec_test::stamp_in;
 using stamp::Stamp;
 
 constexpr unsigned kFirstCamera = 1; /* stamp channel of camera 0 */
 constexpr unsigned kFirstFile = 20;
-
-std::string clip(const std::string &name)
-{
-    return std::string(NVREC_STREAMS) + "/" + name;
-}
 
 /* Of both codecs. */
 const std::vector<std::string> kCameras = {clip("play_camera_0.h265"), clip("play_camera_1.h264")};

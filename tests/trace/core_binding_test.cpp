@@ -10,7 +10,7 @@ using recording::trace;
 namespace
 {
 
-constexpr int32_t kRefused = static_cast<int32_t>(0xA0010005);
+constexpr int32_t kBindRefused = static_cast<int32_t>(0xA0010005);
 
 TEST(BindPort, ConnectsAChannelToAPortOfTheDevice)
 {
@@ -28,7 +28,7 @@ TEST(BindPort, ConnectsAChannelToAPortOfTheDevice)
 
 TEST(BindPort, SaysWhatFailed)
 {
-    platform.script("MI_SYS_BindChnPort").returns(kRefused);
+    platform.script("MI_SYS_BindChnPort").returns(kBindRefused);
     EXPECT_EQ(vo_bind_vpss(0, 3, 5, 0), -1);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "failed with 0xa0010005!");
 }
@@ -45,7 +45,7 @@ TEST(UnbindPort, DisconnectsWhatBindConnected)
 
 TEST(UnbindPort, SaysWhatFailed)
 {
-    platform.script("MI_SYS_UnBindChnPort").returns(kRefused);
+    platform.script("MI_SYS_UnBindChnPort").returns(kBindRefused);
     EXPECT_EQ(vo_unbind_vpss(0, 3, 5, 0), -1);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "failed with 0xa0010005!");
     EXPECT_NOT_PRINTED("unbind vpss success! ");
@@ -64,7 +64,7 @@ TEST(BindAll, ConnectsChannelsAndPortsOfTheSameNumber)
 TEST(BindAll, StopsAtTheFirstFailure)
 {
     platform.have_decoders(6);
-    platform.script("MI_SYS_BindChnPort").nth(2).returns(kRefused);
+    platform.script("MI_SYS_BindChnPort").nth(2).returns(kBindRefused);
     EXPECT_EQ(vdec_bind_vpss(4), -1);
     EXPECT_EQ(platform.count("MI_SYS_BindChnPort"), 2u);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "HI_MPI_SYS_Bind failed with 0xa0010005!");
@@ -95,7 +95,7 @@ TEST(UnbindDecoder, NamesChannelAndPort)
 
 TEST(UnbindDecoder, SaysWhatFailed)
 {
-    platform.script("MI_SYS_UnBindChnPort").returns(kRefused);
+    platform.script("MI_SYS_UnBindChnPort").returns(kBindRefused);
     EXPECT_EQ(vdec_unbind_vpss(4, 7), -1);
     EXPECT_EQ(vdec_unbind_vo(4, 1, 9), -1);
     EXPECT_EQ(recording::times_printed("HI_MPI_SYS_UnBind failed with 0xa0010005!"), 2u);
@@ -105,10 +105,10 @@ TEST(UnbindDecoder, SaysWhatFailed)
 TEST(UnbindWhateverFeedsAPort, PassesTheResultOn)
 {
     platform.script("MI_SYS_UnBindChnPort").nth(1).returns(0); // it knows what an empty source means
-    platform.script("MI_SYS_UnBindChnPort").nth(2).returns(kRefused);
+    platform.script("MI_SYS_UnBindChnPort").nth(2).returns(kBindRefused);
     EXPECT_EQ(vo_unbind_vi(2, 6), 0);
     EXPECT_EQ(platform.calls(), "MI_SYS_UnBindChnPort {0,0,0,0} {disp,2,6,0}");
-    EXPECT_EQ(vo_unbind_vi(2, 6), kRefused);
+    EXPECT_EQ(vo_unbind_vi(2, 6), kBindRefused);
 }
 
 } // namespace

@@ -10,7 +10,7 @@ using recording::trace;
 namespace
 {
 
-constexpr int32_t kRefused = static_cast<int32_t>(0xA0080009);
+constexpr int32_t kChannelRefused = static_cast<int32_t>(0xA0080009);
 
 TEST(RecreateDecoder, MapsTheCodecCode)
 {
@@ -30,17 +30,17 @@ TEST(RecreateDecoder, MapsTheCodecCode)
 TEST(RecreateDecoder, ReturnsTheFirstFailure)
 {
     platform.have_decoders(4);
-    platform.script("MI_VDEC_StopChn").once().returns(kRefused);
-    EXPECT_EQ(vdec_recreate(3, 1), kRefused);
+    platform.script("MI_VDEC_StopChn").once().returns(kChannelRefused);
+    EXPECT_EQ(vdec_recreate(3, 1), kChannelRefused);
     EXPECT_EQ(platform.calls(), "MI_VDEC_StopChn 3");
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "stopRecvStream VDEC fail for 0xa0080009!");
 
-    platform.script("MI_VDEC_DestroyChn").once().returns(kRefused);
-    EXPECT_EQ(vdec_recreate(3, 1), kRefused);
+    platform.script("MI_VDEC_DestroyChn").once().returns(kChannelRefused);
+    EXPECT_EQ(vdec_recreate(3, 1), kChannelRefused);
     EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), 0u);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", " VDEC DestroyChn fail for 0xa0080009!");
 
-    platform.script("MI_VDEC_CreateChn").once().returns(kRefused);
+    platform.script("MI_VDEC_CreateChn").once().returns(kChannelRefused);
     EXPECT_NE(vdec_recreate(3, 1), 0);
     EXPECT_EQ(platform.count("MI_VDEC_StartChn"), 0u);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "create vdec chn failed!");
@@ -54,7 +54,7 @@ TEST(CreateOneDecoder, HasTheScreensSizeAndNoOutputSizeOfItsOwn)
         MI_VDEC_CreateChn 6 {jpeg buffer 1048576 priority 0 max 1280x720 mode 0 references 0 buffers 0}
         MI_VDEC_StartChn 6
     )"));
-    platform.script("MI_VDEC_StartChn").once().returns(kRefused);
+    platform.script("MI_VDEC_StartChn").once().returns(kChannelRefused);
     EXPECT_EQ(vdec_create_chnn(1, 6), -1);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "create vdec chn failed!");
 }
@@ -69,11 +69,11 @@ TEST(ResetDecoder, StopsAndStarts)
 TEST(ResetDecoder, StartsEvenWhenTheStopFails)
 {
     platform.have_decoders(6);
-    platform.script("MI_VDEC_StopChn").once().returns(kRefused);
+    platform.script("MI_VDEC_StopChn").once().returns(kChannelRefused);
     EXPECT_EQ(vdec_resetchn(5), 0);
     EXPECT_EQ(platform.count("MI_VDEC_StartChn"), 1u);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "HI_MPI_VDEC_StopRecvStream failed errno 0xa0080009");
-    platform.script("MI_VDEC_StartChn").once().returns(kRefused);
+    platform.script("MI_VDEC_StartChn").once().returns(kChannelRefused);
     EXPECT_NE(vdec_resetchn(5), 0);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "HI_MPI_VDEC_StartRecvStream failed errno 0xa0080009");
 }
@@ -82,8 +82,8 @@ TEST(ResetDecoder, ResetsAllCamerasButNotTheSpareChannel)
 {
     platform.have_decoders(6);
     g_vi_chn_num = 3;
-    platform.script("MI_VDEC_StopChn").nth(1).returns(kRefused);
-    platform.script("MI_VDEC_StartChn").nth(2).returns(kRefused);
+    platform.script("MI_VDEC_StopChn").nth(1).returns(kChannelRefused);
+    platform.script("MI_VDEC_StartChn").nth(2).returns(kChannelRefused);
     vdec_resetallchn();
     EXPECT_EQ(platform.calls(), trace(R"(
         MI_VDEC_StopChn 0
@@ -103,13 +103,13 @@ TEST(StopDecoder, StopsOneOrAllCameras)
     EXPECT_EQ(vdec_stopdecrecv(4), 0);
     EXPECT_EQ(platform.calls(), "MI_VDEC_StopChn 4");
     platform.forget();
-    platform.script("MI_VDEC_StopChn").once().returns(kRefused);
+    platform.script("MI_VDEC_StopChn").once().returns(kChannelRefused);
     EXPECT_NE(vdec_stopdecrecv(4), 0);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "HI_MPI_VDEC_StopRecvStream failed errno 0xa0080009");
 
     platform.forget();
     g_vi_chn_num = 3;
-    platform.script("MI_VDEC_StopChn").nth(2).returns(kRefused);
+    platform.script("MI_VDEC_StopChn").nth(2).returns(kChannelRefused);
     vdec_stopalldecchn();
     EXPECT_EQ(platform.calls(), "MI_VDEC_StopChn 0\nMI_VDEC_StopChn 1\nMI_VDEC_StopChn 2");
     EXPECT_EQ(recording::times_printed("HI_MPI_VDEC_StopRecvStream failed errno 0xa0080009"), 1u);
@@ -176,17 +176,17 @@ TEST(DestroyDecoder, WaitsWithoutALimit)
 TEST(DestroyDecoder, StopsAtItsFirstFailure)
 {
     platform.have_decoders(3);
-    platform.script("MI_VDEC_StopChn").once().returns(kRefused);
+    platform.script("MI_VDEC_StopChn").once().returns(kChannelRefused);
     EXPECT_NE(vdec_wait_destroy_chn(2, 1, 0), 0);
     EXPECT_EQ(platform.calls(), "MI_VDEC_StopChn 2");
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "MI_VDEC_StopChn failed errno 0xa0080009 ");
 
-    platform.script("MI_VDEC_GetChnStat").once().returns(kRefused);
+    platform.script("MI_VDEC_GetChnStat").once().returns(kChannelRefused);
     EXPECT_NE(vdec_wait_destroy_chn(2, 1, 0), 0);
     EXPECT_EQ(platform.count("MI_VDEC_DestroyChn"), 0u);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "MI_VDEC_GetChnStat failed errno 0xa0080009 ");
 
-    platform.script("MI_VDEC_DestroyChn").once().returns(kRefused);
+    platform.script("MI_VDEC_DestroyChn").once().returns(kChannelRefused);
     EXPECT_NE(vdec_wait_destroy_chn(2, 0, 0), 0);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "MI_VDEC_DestroyChn failed errno 0xa0080009 ");
 }

@@ -11,7 +11,7 @@ using recording::trace;
 namespace
 {
 
-constexpr int32_t kRefused = static_cast<int32_t>(0xA0080003);
+constexpr int32_t kCreateRefused = static_cast<int32_t>(0xA0080003);
 
 TEST(CreateDecoders, OneCameraGetsTwoChannelsOnAGridOfTwo)
 {
@@ -32,20 +32,20 @@ TEST(CreateDecoders, OneCameraGetsTwoChannelsOnAGridOfTwo)
     )");
 }
 
-struct GridRow {
+struct DecoderRow {
     int32_t count;
     const char *side, *output;
 };
 
 TEST(CreateDecoders, SizesTheOutputByTheGridOfTheCount)
 {
-    constexpr GridRow kRows[] = {
+    constexpr DecoderRow kRows[] = {
         {1, "1", "{1920x1080}"}, {2, "2", "{960x540}"},  {4, "2", "{960x540}"},  {5, "3", "{640x360}"},
         {9, "3", "{640x360}"},   {10, "4", "{480x270}"}, {16, "4", "{480x270}"}, {17, "5", "{384x216}"},
         {25, "5", "{384x216}"},  {26, "6", "{320x180}"}, {36, "6", "{320x180}"}, {37, "0", "{0x0}"},
         {100, "0", "{0x0}"},
     };
-    for (const GridRow &row : kRows) {
+    for (const DecoderRow &row : kRows) {
         SCOPED_TRACE(row.count);
         platform.reset();
         recording::forget_printed();
@@ -90,7 +90,7 @@ TEST(CreateDecoders, WithoutChannelsDoesNothing)
 
 TEST(CreateDecoders, StopsAtTheFirstChannelThatCannotBeCreated)
 {
-    platform.script("MI_VDEC_CreateChn").nth(3).returns(kRefused);
+    platform.script("MI_VDEC_CreateChn").nth(3).returns(kCreateRefused);
     EXPECT_EQ(vdec_create(1, 5), -1);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "HI_MPI_VDEC_CreateChn failed errno 0xa0080003,chnid:2 ");
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "create vdec chn failed!");
@@ -101,7 +101,7 @@ TEST(CreateDecoders, StopsAtTheFirstChannelThatCannotBeCreated)
 
 TEST(CreateDecoders, StopsAtTheFirstChannelThatCannotBeStarted)
 {
-    platform.script("MI_VDEC_StartChn").nth(2).returns(kRefused);
+    platform.script("MI_VDEC_StartChn").nth(2).returns(kCreateRefused);
     EXPECT_EQ(vdec_create(1, 5), -1);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "MI_VDEC_StartChn failed errno 0xa0080003 ");
     EXPECT_EQ(platform.count("MI_VDEC_SetOutputPortAttr"), 1u);
@@ -109,8 +109,8 @@ TEST(CreateDecoders, StopsAtTheFirstChannelThatCannotBeStarted)
 
 TEST(CreateDecoders, ReturnsTheCodeOfAFailingOutputPort)
 {
-    platform.script("MI_VDEC_SetOutputPortAttr").nth(2).returns(kRefused);
-    EXPECT_EQ(vdec_create(1, 5), kRefused);
+    platform.script("MI_VDEC_SetOutputPortAttr").nth(2).returns(kCreateRefused);
+    EXPECT_EQ(vdec_create(1, 5), kCreateRefused);
     EXPECT_EQ(platform.count("MI_VDEC_CreateChn"), 2u);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "MI_VDEC_SetOutputPortAttr failed errno 0xa0080003 ");
 }
@@ -206,11 +206,11 @@ TEST(OpenDecoder, TakesTheVideoModeAsItIsGivenForEveryCodec)
 TEST(OpenDecoder, PassesThePlatformsCodeThrough)
 {
     uint16_t width = 704, height = 576;
-    platform.script("MI_VDEC_CreateChn").once().returns(kRefused);
-    EXPECT_EQ(vdec_open_chn(1, &width, &height, 1, 0), kRefused);
+    platform.script("MI_VDEC_CreateChn").once().returns(kCreateRefused);
+    EXPECT_EQ(vdec_open_chn(1, &width, &height, 1, 0), kCreateRefused);
     EXPECT_EQ(platform.count("MI_VDEC_StartChn"), 0u);
-    platform.script("MI_VDEC_StartChn").once().returns(kRefused);
-    EXPECT_EQ(vdec_open_chn(1, &width, &height, 1, 0), kRefused);
+    platform.script("MI_VDEC_StartChn").once().returns(kCreateRefused);
+    EXPECT_EQ(vdec_open_chn(1, &width, &height, 1, 0), kCreateRefused);
     EXPECT_NOT_PRINTED("MI_VDEC_StartChn chnn=1 MI_SUCCESS");
 }
 

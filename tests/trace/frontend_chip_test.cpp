@@ -14,8 +14,6 @@ using recording::trace;
 namespace
 {
 
-constexpr char kNode[] = "/dev/vc0725dev";
-
 std::string bytes_of(const void *record, unsigned size)
 {
     std::string text = "{";
@@ -127,7 +125,7 @@ TEST_P(ChipCommand, PrintsItsFailureAndCloses)
 
 TEST_P(ChipCommand, FailsWithoutADriver)
 {
-    platform.node(kNode).fails_to_open();
+    platform.node(AD_NODE).fails_to_open();
     EXPECT_EQ(GetParam().call(), -1);
     EXPECT_EQ(platform.calls(), "board_open /dev/vc0725dev rdwr");
     EXPECT_PRINTED_AS_ERROR("vc0725.c", "open /dev/vc0725dev fail");
@@ -138,15 +136,15 @@ INSTANTIATE_TEST_SUITE_P(Each, ChipCommand, testing::ValuesIn(kCommands),
 
 TEST_P(ChipCommand, WorksOnDescriptorZeroAndTakesEveryResultButAnError)
 {
-    platform.node(kNode).opens_as(0);
+    platform.node(AD_NODE).opens_as(0);
     platform.script("board_ioctl").returns(3);
     EXPECT_EQ(GetParam().call(), 0);
-    EXPECT_EQ(platform.node(kNode).open_count(), 0u);
+    EXPECT_EQ(platform.node(AD_NODE).open_count(), 0u);
 }
 
 TEST(Chips, GiveTheNormAsOneByte)
 {
-    platform.node(kNode).ioctl(AD_GET_NORM).fills([](recording::Args &call) {
+    platform.node(AD_NODE).ioctl(AD_GET_NORM).fills([](recording::Args &call) {
         call.record<AdChipValue>(2).value = 0x1234;
     });
     uint8_t bytes[2] = {0xEE, 0xEE};
@@ -165,7 +163,7 @@ TEST(Chips, AFailedReadLeavesTheNorm)
 
 TEST(Chips, FillTheCallersRecords)
 {
-    platform.node(kNode).ioctl(AD_GET_LOSS).fills([](recording::Args &call) {
+    platform.node(AD_NODE).ioctl(AD_GET_LOSS).fills([](recording::Args &call) {
         call.record<AdVideoLoss>(2).lost = 9;
     });
     AdVideoLoss record = {1, 2, 0};
@@ -245,21 +243,21 @@ TEST(ChipStart, StopsAtTheFirstRefusedInput)
     EXPECT_EQ(Init_AD(1), -1);
     EXPECT_EQ(platform.count("board_ioctl"), 7u);
     EXPECT_PRINTED("set vc0725(1) video work mode fail");
-    EXPECT_EQ(platform.node(kNode).open_count(), 0u);
+    EXPECT_EQ(platform.node(AD_NODE).open_count(), 0u);
 }
 
 // The number is the channel count here, not the record's first field.
 TEST(ChipStart, PrintsTheChannelCountWhenTheNormIsRefused)
 {
-    platform.node(kNode).ioctl(AD_SET_NORM).returns(-1);
+    platform.node(AD_NODE).ioctl(AD_SET_NORM).returns(-1);
     EXPECT_EQ(Init_AD(1), -1);
     EXPECT_PRINTED_AS_ERROR("vc0725.c", "set VC0725(8) video mode fail");
-    EXPECT_EQ(platform.node(kNode).open_count(), 0u);
+    EXPECT_EQ(platform.node(AD_NODE).open_count(), 0u);
 }
 
 TEST(ChipStart, FailsWithoutADriver)
 {
-    platform.node(kNode).fails_to_open();
+    platform.node(AD_NODE).fails_to_open();
     EXPECT_EQ(Init_AD(1), -1);
     EXPECT_PRINTED_AS_ERROR("vc0725.c", "open VC0725 (/dev/vc0725dev) fail");
 }

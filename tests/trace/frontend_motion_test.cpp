@@ -17,8 +17,6 @@ using recording::platform;
 namespace
 {
 
-constexpr char kNode[] = "/dev/vc0725dev";
-
 struct Area {
     std::array<uint8_t, 58> bytes = {};
 
@@ -73,13 +71,13 @@ TEST(ChipMotion, StopsAtEachRefusal)
         platform.script("board_ioctl").nth(nth).returns(-1);
         EXPECT_EQ(InitMotion(), -1);
         EXPECT_EQ(platform.count("board_ioctl"), nth);
-        EXPECT_EQ(platform.node(kNode).open_count(), 0u);
+        EXPECT_EQ(platform.node(AD_NODE).open_count(), 0u);
     }
     EXPECT_PRINTED_AS_ERROR("vc0725.c", "ioctl Set motion area failure");
     EXPECT_PRINTED_AS_ERROR("vc0725.c", "set motion sensivity fail");
     EXPECT_PRINTED_AS_ERROR("vc0725.c", "open motion failure");
     platform.reset();
-    platform.node(kNode).fails_to_open();
+    platform.node(AD_NODE).fails_to_open();
     EXPECT_EQ(InitMotion(), -1);
     EXPECT_PRINTED("open VC0725 (/dev/vc0725dev) fail");
 }
@@ -96,7 +94,7 @@ TEST(ChipMotion, PassesTheCallersRecords)
     };
     platform.describe_request(AD_MOTION_SET_AREA, same(area));
     platform.describe_request(AD_MOTION_SET_SENSITIVITY, same(sensitivity));
-    platform.node(kNode).ioctl(AD_MOTION_GET_AREA).fills([](recording::Args &call) {
+    platform.node(AD_NODE).ioctl(AD_MOTION_GET_AREA).fills([](recording::Args &call) {
         call.record<AdMotionQuery>(2).result = 5;
     });
     EXPECT_EQ(SetMotionArea(&area), 0);
@@ -108,7 +106,7 @@ TEST(ChipMotion, PassesTheCallersRecords)
         board_ioctl /dev/vc0725dev 0x40087611 the caller's
         board_ioctl /dev/vc0725dev 0xc0087613 *
     )"));
-    EXPECT_EQ(platform.node(kNode).open_count(), 0u);
+    EXPECT_EQ(platform.node(AD_NODE).open_count(), 0u);
 }
 
 /* The texts about motion are the chip start's; a single request that fails only says so by its result. */
@@ -123,19 +121,19 @@ TEST(ChipMotion, SingleRequestsFailSilently)
         if (opens)
             platform.script("board_ioctl").returns(-1);
         else
-            platform.node(kNode).fails_to_open();
+            platform.node(AD_NODE).fails_to_open();
         EXPECT_EQ(SetMotionArea(&area), -1);
         EXPECT_EQ(SetMotionSensivity(&sensitivity), -1);
         EXPECT_EQ(GetMotionArea(&query), -1);
         EXPECT_EQ(platform.count("board_open /dev/vc0725dev"), 3u);
-        EXPECT_EQ(platform.node(kNode).open_count(), 0u);
+        EXPECT_EQ(platform.node(AD_NODE).open_count(), 0u);
         EXPECT_EQ(recording::printed_text(), "");
     }
 }
 
 TEST(ChipMotion, AsksNothingOfADriverThatIsNotThere)
 {
-    platform.node(kNode).fails_to_open();
+    platform.node(AD_NODE).fails_to_open();
     AdMotionArea area = {};
     AdMotionSensitivity sensitivity = {};
     AdMotionQuery query = {};

@@ -20,6 +20,8 @@ inline void PrintTo(const IrRow &row, std::ostream *out)
     *out << text;
 }
 
+inline constexpr uint32_t kPlay = 0x649BFF00; // key 105
+
 inline constexpr IrRow kIrRows[] = {
     {0x619EFF00, 96, 96},   {0x639CFF00, 112, 0},   {0x649BFF00, 105, 105}, {0x659AFF00, 109, 109},
     {0x6699FF00, 107, 107}, {0x6798FF00, 113, 0},   {0x6897FF00, 85, 85},   {0x6996FF00, 98, 98},

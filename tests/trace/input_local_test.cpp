@@ -10,12 +10,12 @@
 using input_test::frame_bytes;
 using input_test::IrRow;
 using input_test::kIrRows;
+using input_test::kPlay;
 using recording::platform;
 
 namespace
 {
 
-constexpr uint32_t kPlay = 0x649BFF00;       // key 105
 constexpr uint32_t kRemoteOnly = 0x6C93FF00; // the remote-key reader's alone
 
 bool operator==(const LocalKey &a, const LocalKey &b)

@@ -6,6 +6,7 @@
 
 using input_test::IrRow;
 using input_test::kIrRows;
+using input_test::kPlay;
 using input_test::queued_keys;
 using input_test::RemoteReader;
 using recording::platform;
@@ -17,7 +18,6 @@ namespace
 using Keys = std::vector<uint32_t>;
 
 constexpr uint32_t kZoom = 0x619EFF00;      // key 96
-constexpr uint32_t kPlay = 0x649BFF00;      // key 105
 constexpr uint32_t kMenu = 0x659AFF00;      // key 109
 constexpr uint32_t kLocalOnly = 0xE01F7F80; // the local reader's alone
 

@@ -5,14 +5,14 @@
 #include "media_call_count.h"
 #include "nvrhal.h"
 #include "recording_expect.h"
+#include "view_frame.h"
 
 using recording::platform;
 using recording::trace;
+using view_test::kDisplayRefused;
 
 namespace
 {
-
-constexpr int32_t kRefused = static_cast<int32_t>(0xA00F0003);
 
 /* Bound to device 0 whichever device was asked for. */
 TEST(PictureInPicture, IsPlacedOnLayer1OfDevice0)
@@ -89,7 +89,7 @@ TEST(PictureInPicture, StopsAtTheFirstFailure)
     };
     for (const auto &row : rows) {
         platform.forget();
-        platform.script(row.call).once().returns(kRefused);
+        platform.script(row.call).once().returns(kDisplayRefused);
         EXPECT_EQ(row.binding ? local_bind_pip(1, 0, 0, 64, 64) : local_unbind_pip(1), -1) << row.call;
         EXPECT_PRINTED_AS_ERROR("vdec_venc.c", row.text);
         EXPECT_EQ(recording::media_calls(), row.calls) << row.call;

@@ -17,7 +17,6 @@ class PlaybackSetBuf : public RunningDecoders
 {
 };
 
-constexpr int32_t kRefused = static_cast<int32_t>(0xA00F0003);
 constexpr uint32_t kBufferBytes = NVRHAL_MAX_SEND_BYTES;
 
 /** Deliver a record and check that its buffer is free again. */
@@ -84,7 +83,7 @@ TEST_F(PlaybackSetBuf, ABadLengthIsTheFlushSignalWhateverTheKind)
 TEST_F(PlaybackSetBuf, AFlushThatFailsIsSaid)
 {
     std::vector<uint8_t> bytes;
-    platform.script("MI_DISP_ClearInputPortBuffer").returns(kRefused);
+    platform.script("MI_DISP_ClearInputPortBuffer").returns(kDisplayRefused);
     platform.script("MI_DISP_ClearInputPortBuffer").nth(2).returns(5); // any code but 0
     for (const char *code : {"a00f0003", "5"}) {
         FrameInfo rec = video_of(1, bytes);
@@ -116,7 +115,7 @@ TEST_F(PlaybackSetBuf, TakesTheLongestBuffer)
 TEST_F(PlaybackSetBuf, ASendThatFailsResetsTheDecoder)
 {
     std::vector<uint8_t> bytes(5);
-    platform.script("MI_VDEC_SendStream").returns(kRefused);
+    platform.script("MI_VDEC_SendStream").returns(kDisplayRefused);
     FrameInfo rec = video_of(4, bytes);
     EXPECT_EQ(deliver(rec), -1);
     EXPECT_EQ(platform.count("MI_VDEC_StartChn 4"), 1u);
@@ -374,7 +373,7 @@ TEST(PlaybackAudio, GoesOnAfterAFrameThatFails)
 {
     std::vector<uint8_t> bytes(972);
     audio_ctrl.mode = 3;
-    platform.script("MI_AO_SendFrame").once().returns(kRefused);
+    platform.script("MI_AO_SendFrame").once().returns(kDisplayRefused);
     FrameInfo rec = frame_of(FRAME_MEDIA_AUDIO, 0, bytes);
     EXPECT_EQ(deliver(rec), 0);
     EXPECT_EQ(platform.count("MI_AO_SendFrame"), 3u);

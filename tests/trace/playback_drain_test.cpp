@@ -8,7 +8,7 @@ using recording::trace;
 namespace
 {
 
-constexpr int32_t kRefused = static_cast<int32_t>(0xA0080005);
+constexpr int32_t kDrainRefused = static_cast<int32_t>(0xA0080005);
 
 struct Switch {
     const char *name;
@@ -94,7 +94,7 @@ TEST_P(SingleSwitch, GivesUpWaitingAfterTenAttempts)
 TEST_P(SingleSwitch, UsesAnAttemptUpForStatisticsThatCannotBeRead)
 {
     create_decoders(4);
-    platform.script("MI_VDEC_GetChnStat").returns(kRefused);
+    platform.script("MI_VDEC_GetChnStat").returns(kDrainRefused);
     EXPECT_EQ(GetParam().call(2), 0);
     EXPECT_EQ(platform.count("MI_VDEC_GetChnStat 2"), 10u);
     EXPECT_EQ(platform.count("board_sleep_us"), 0u);
@@ -114,7 +114,7 @@ TEST_P(SingleSwitch, TakesPositiveCodesForStatisticsThatCannotBeRead)
 TEST_P(SingleSwitch, ReturnsZeroWhenTheFlushFails)
 {
     create_decoders(4);
-    platform.script("MI_VDEC_CreateChn").returns(kRefused);
+    platform.script("MI_VDEC_CreateChn").returns(kDrainRefused);
     EXPECT_EQ(GetParam().call(2), 0);
     EXPECT_PRINTED("MI_VDEC_CreateChn failed errno 0xa0080005,chnid:2 ");
 }

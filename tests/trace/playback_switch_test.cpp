@@ -8,8 +8,6 @@ using recording::trace;
 namespace
 {
 
-constexpr int32_t kRefused = static_cast<int32_t>(0xA00F0003);
-
 /** Start-up's decoder count: one channel more than there are cameras. */
 void start_decoders(int32_t cameras)
 {
@@ -88,7 +86,7 @@ TEST(PlaybackStart, OwnsTheDisplayBeforeItTouchesThePorts)
 TEST(PlaybackStart, GoesOnWhenAPortWasNotBoundBefore)
 {
     start_decoders(1);
-    platform.script("MI_SYS_UnBindChnPort").once().returns(kRefused);
+    platform.script("MI_SYS_UnBindChnPort").once().returns(kDisplayRefused);
     EXPECT_EQ(ext_playback_start(0, 0), 0);
     EXPECT_PRINTED("[vdec_venc.c-#] Vo fault to unbind vpss errno is 0xffffffff");
     EXPECT_EQ(platform.count("MI_SYS_BindChnPort"), 2u);
@@ -98,7 +96,7 @@ TEST(PlaybackStart, GoesOnWhenAPortWasNotBoundBefore)
 TEST(PlaybackStart, EndsAtThePortThatCannotBeBoundWithPlaybackOwningTheDisplay)
 {
     start_decoders(3);
-    platform.script("MI_SYS_BindChnPort").with("{vdec,0,1,0}").once().returns(kRefused);
+    platform.script("MI_SYS_BindChnPort").with("{vdec,0,1,0}").once().returns(kDisplayRefused);
     EXPECT_EQ(ext_playback_start(0, 0), -1);
     EXPECT_PRINTED("[vdec_venc.c-#] Vo fault to bind vpss errno is 0xffffffff");
     EXPECT_EQ(playback_status, 1u);
@@ -109,7 +107,7 @@ TEST(PlaybackStart, EndsAtThePortThatCannotBeBoundWithPlaybackOwningTheDisplay)
 TEST(PlaybackStart, GoesOnWhenTheSecondBindingFails)
 {
     start_decoders(2);
-    platform.script("MI_SYS_BindChnPort").nth(2).returns(kRefused);
+    platform.script("MI_SYS_BindChnPort").nth(2).returns(kDisplayRefused);
     EXPECT_EQ(ext_playback_start(0, 0), 0);
     EXPECT_PRINTED("[vdec_venc.c-#] Vo:0 fault to bind vpss:0 errno is 0xffffffff");
     EXPECT_EQ(platform.count("MI_SYS_BindChnPort"), 4u);
@@ -135,7 +133,7 @@ TEST(PlaybackStart, NeverReachesBeyondItsPortTable)
         platform.ignore("MI_VDEC_");
         if (cameras > 0) {
             // The decoder reset runs over all cameras; this is about the table of 16 ports.
-            platform.script("MI_SYS_BindChnPort").with("{vdec,0,15,0}").returns(kRefused);
+            platform.script("MI_SYS_BindChnPort").with("{vdec,0,15,0}").returns(kDisplayRefused);
             EXPECT_EQ(ext_playback_start(0, 0), -1);
         } else {
             EXPECT_EQ(ext_playback_start(0, 0), 0);
@@ -226,7 +224,7 @@ TEST(PlaybackDisableChannel, SwitchesThePortOfDevice0Off)
 /* The result of a failure is the length of its text. */
 TEST(PlaybackDisableChannel, AnswersTheNumberOfCharactersPrinted)
 {
-    platform.script("MI_DISP_DisableInputPort").returns(kRefused);
+    platform.script("MI_DISP_DisableInputPort").returns(kDisplayRefused);
     int32_t result = ext_playback_disable_channel(3);
     EXPECT_PRINTED("[vdec_venc.c-#] Vo fault to unbind vpss errno is 0xa00f0003");
     std::string text = recording::printed_text();

@@ -12,7 +12,7 @@ using recording::trace;
 namespace
 {
 
-constexpr int32_t kRefused = static_cast<int32_t>(0xA0020010);
+constexpr int32_t kFetchRefused = static_cast<int32_t>(0xA0020010);
 
 /** Encoder 2 is there, as the pipeline leaves it. */
 class SnapshotFetch : public testing::Test
@@ -67,7 +67,7 @@ TEST_F(SnapshotFetch, OffersRoomForOnePackAtEveryAttempt)
 {
     std::vector<uint8_t> bytes = {1, 2, 3};
     deliver(bytes);
-    platform.script("MI_VENC_GetStream").once().returns(kRefused).fills([](recording::Args &call) {
+    platform.script("MI_VENC_GetStream").once().returns(kFetchRefused).fills([](recording::Args &call) {
         call.record<MI_VENC_Stream>(1).pack_count = 0;
     });
     FrameInfo frame = {};
@@ -100,7 +100,7 @@ TEST_F(SnapshotFetch, FailsWithoutMemoryForThePicture)
 
 TEST_F(SnapshotFetch, TriesAgainTenMillisecondsAfterEachFailure)
 {
-    platform.script("MI_VENC_GetStream").returns(kRefused);
+    platform.script("MI_VENC_GetStream").returns(kFetchRefused);
     platform.script("MI_VENC_GetStream").from(4).returns(0);
     unsigned said_before_the_pause = 9;
     platform.script("board_sleep_us").once().fills([&](recording::Args &) {
@@ -129,7 +129,7 @@ TEST_F(SnapshotFetch, TriesAgainTenMillisecondsAfterEachFailure)
 
 TEST_F(SnapshotFetch, GivesUpAfterFiftyAttempts)
 {
-    platform.script("MI_VENC_GetStream").returns(kRefused);
+    platform.script("MI_VENC_GetStream").returns(kFetchRefused);
     FrameInfo frame = {};
     EXPECT_EQ(venc_snap_process(2, &frame), -1);
     EXPECT_EQ(platform.count("MI_VENC_GetStream 2 40"), 50u);
@@ -145,7 +145,7 @@ TEST_F(SnapshotFetch, GivesUpAfterFiftyAttempts)
 
 TEST_F(SnapshotFetch, TakesTheLastOfFiftyAttempts)
 {
-    platform.script("MI_VENC_GetStream").returns(kRefused);
+    platform.script("MI_VENC_GetStream").returns(kFetchRefused);
     platform.script("MI_VENC_GetStream").from(50).returns(0);
     FrameInfo frame = {};
     EXPECT_EQ(venc_snap_process(2, &frame), 0);
@@ -173,7 +173,7 @@ TEST_F(SnapshotFetch, FailsOnAnEmptyPictureWithoutReleasingIt)
 /* The data field keeps the freed address; a length of 0 tells that there is no picture. */
 TEST_F(SnapshotFetch, FreesTheBufferWhenTheReleaseFailsAndKeepsItsAddress)
 {
-    platform.script("MI_VENC_ReleaseStream").returns(kRefused);
+    platform.script("MI_VENC_ReleaseStream").returns(kFetchRefused);
     FrameInfo frame = {};
     EXPECT_EQ(venc_snap_process(2, &frame), -1);
     const void *freed = snap_refusal::last_freed;
@@ -187,8 +187,8 @@ TEST_F(SnapshotFetch, FreesTheBufferWhenTheReleaseFailsAndKeepsItsAddress)
 
 TEST_F(SnapshotFetch, ResetsAndStopsAnEncoderThatDidNotStart)
 {
-    platform.script("MI_VENC_StartRecvPic").returns(kRefused);
-    platform.script("MI_VENC_StopRecvPic").returns(kRefused);
+    platform.script("MI_VENC_StartRecvPic").returns(kFetchRefused);
+    platform.script("MI_VENC_StopRecvPic").returns(kFetchRefused);
     FrameInfo frame = {};
     EXPECT_EQ(venc_snap_process(2, &frame), -1);
     EXPECT_EQ(platform.calls(), trace(R"(

@@ -12,7 +12,7 @@ using recording::trace;
 namespace
 {
 
-constexpr int32_t kRefused = static_cast<int32_t>(0xA0020003);
+constexpr int32_t kEncoderRefused = static_cast<int32_t>(0xA0020003);
 
 std::string pipeline(const std::string &decoder)
 {
@@ -135,7 +135,7 @@ TEST(Snapshot, LetsAHiddenChannelsFramesIn)
     video.data = bytes.data();
     video.channel = 2;
     int32_t seen = 0;
-    platform.script("MI_VENC_GetStream").once().returns(kRefused).fills([&](recording::Args &) {
+    platform.script("MI_VENC_GetStream").once().returns(kEncoderRefused).fills([&](recording::Args &) {
         seen = cur_snap_chnn;
         ext_send_stream(&video, 1, 0, 0);
     });
@@ -179,7 +179,7 @@ TEST(Snapshot, OfAPictureTooSmallFailsAndTakesDownWhatThereIs)
 TEST(Snapshot, ReportsAFetchThatFails)
 {
     prepare();
-    platform.script("MI_VENC_StartRecvPic").returns(kRefused);
+    platform.script("MI_VENC_StartRecvPic").returns(kEncoderRefused);
     FrameInfo frame = request(2);
     EXPECT_EQ(ext_get_jpeg_stream(&frame), -1);
     EXPECT_PRINTED_AS_ERROR("snap.c", "venc_snap_process[2] err 0xffffffff");
@@ -204,7 +204,7 @@ TEST(Snapshot, DuringPlaybackUnbindsTheSpareDecoderWhenThePipelineFails)
 {
     prepare();
     playback_status = 1;
-    platform.script("MI_DIVP_StartChn").returns(kRefused);
+    platform.script("MI_DIVP_StartChn").returns(kEncoderRefused);
     FrameInfo frame = request(2);
     EXPECT_EQ(ext_get_jpeg_stream(&frame), -1);
     EXPECT_EQ(platform.count("MI_SYS_UnBindChnPort {vdec,0,4,0} {divp,0,0,0}"), 1u);
@@ -216,15 +216,15 @@ TEST(Snapshot, DuringPlaybackAnswersForTheStopAlone)
 {
     prepare();
     playback_status = 1;
-    platform.script("MI_VENC_StartRecvPic").once().returns(kRefused);
+    platform.script("MI_VENC_StartRecvPic").once().returns(kEncoderRefused);
     FrameInfo lost = request(2);
     EXPECT_EQ(ext_get_jpeg_stream(&lost), 0);
     EXPECT_EQ(lost.data, nullptr);
     EXPECT_EQ(lost.length, 0u);
 
-    platform.script("MI_VDEC_StopChn").nth(2).returns(kRefused);
+    platform.script("MI_VDEC_StopChn").nth(2).returns(kEncoderRefused);
     FrameInfo taken = request(2);
-    EXPECT_EQ(ext_get_jpeg_stream(&taken), kRefused);
+    EXPECT_EQ(ext_get_jpeg_stream(&taken), kEncoderRefused);
     EXPECT_NE(taken.data, nullptr);
     EXPECT_PRINTED_AS_ERROR("snap.c", "MI_VDEC_StartChn failed errno 0xa0020003 "); // so on purpose
     ext_release_jpeg_buf(&taken);
@@ -236,7 +236,7 @@ TEST(Snapshot, OfAPictureThatCouldNotBeReleasedHasNoLength)
     for (uint32_t state : {0u, 1u}) {
         prepare();
         playback_status = state;
-        platform.script("MI_VENC_ReleaseStream").once().returns(kRefused);
+        platform.script("MI_VENC_ReleaseStream").once().returns(kEncoderRefused);
         FrameInfo frame = request(2);
         EXPECT_EQ(ext_get_jpeg_stream(&frame), state == 1 ? 0 : -1);
         EXPECT_NE(frame.data, nullptr);
@@ -250,7 +250,7 @@ TEST(Snapshot, DuringPlaybackStartsTheSpareDecoderWithWhatCouldBeRead)
     prepare();
     playback_status = 1;
     for (const char *call : {"MI_VDEC_StopChn", "MI_VDEC_GetChnAttr", "MI_VDEC_DestroyChn"}) {
-        platform.script(call).once().returns(kRefused);
+        platform.script(call).once().returns(kEncoderRefused);
         FrameInfo frame = request(2);
         ext_get_jpeg_stream(&frame);
         EXPECT_PRINTED_AS_ERROR("snap.c", std::string(call) + " failed errno 0xa0020003,chnid:4 ");
@@ -267,9 +267,9 @@ TEST(Snapshot, DuringPlaybackEndsWhenTheSpareDecoderCannotBeHad)
         cur_snap_chnn = 255;
         prepare();
         playback_status = 1;
-        platform.script(call).once().returns(kRefused);
+        platform.script(call).once().returns(kEncoderRefused);
         FrameInfo frame = request(3);
-        EXPECT_EQ(ext_get_jpeg_stream(&frame), kRefused);
+        EXPECT_EQ(ext_get_jpeg_stream(&frame), kEncoderRefused);
         EXPECT_PRINTED_AS_ERROR("snap.c", "MI_VDEC_CreateChn failed errno 0xa0020003,chnid:4 ");
         EXPECT_EQ(platform.calls({"MI_DIVP_"}), "");
         EXPECT_EQ(cur_snap_chnn, 3);

@@ -9,6 +9,9 @@
 namespace view_test
 {
 
+/** A display's refusal. */
+inline constexpr int32_t kDisplayRefused = static_cast<int32_t>(0xA00F0003);
+
 /** A record that points into `bytes`, which must outlive it. */
 inline FrameInfo frame_of(uint32_t media, uint32_t channel, std::vector<uint8_t> &bytes)
 {

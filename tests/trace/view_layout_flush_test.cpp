@@ -8,7 +8,7 @@ using recording::trace;
 namespace
 {
 
-constexpr int32_t kRefused = static_cast<int32_t>(0xA0080009);
+constexpr int32_t kFlushRefused = static_cast<int32_t>(0xA0080009);
 
 TEST(FlushDecoder, RebuildsAChannelWithItsAttributesAndItsOutputSize)
 {
@@ -35,9 +35,9 @@ TEST(FlushDecoder, GoesOnWithoutTheOutputSize)
     create_decoders(1);
     platform.script("MI_VDEC_GetOutputPortAttr").once().fills([](recording::Args &args) {
         args.record<MI_VDEC_OutputPortAttr>(1) = {77, 55}; // a failing call may leave anything behind
-        args.result = kRefused;
+        args.result = kFlushRefused;
     });
-    platform.script("MI_VDEC_SetOutputPortAttr").once().returns(kRefused);
+    platform.script("MI_VDEC_SetOutputPortAttr").once().returns(kFlushRefused);
     EXPECT_EQ(re_create_vdec(0), 0);
     EXPECT_EQ(platform.count("MI_VDEC_SetOutputPortAttr 0 {0x0}"), 1u);
     EXPECT_PRINTED_IN_ORDER(
@@ -49,9 +49,9 @@ TEST(FlushDecoder, DoesNotCheckTheStopNorTheBindings)
 {
     platform.be_lenient(); // a decoder that would not stop cannot be destroyed
     create_decoders(1);
-    platform.script("MI_VDEC_StopChn").returns(kRefused);
-    platform.script("MI_SYS_UnBindChnPort").returns(kRefused);
-    platform.script("MI_SYS_BindChnPort").returns(kRefused);
+    platform.script("MI_VDEC_StopChn").returns(kFlushRefused);
+    platform.script("MI_SYS_UnBindChnPort").returns(kFlushRefused);
+    platform.script("MI_SYS_BindChnPort").returns(kFlushRefused);
     EXPECT_EQ(re_create_vdec(0), 0);
     EXPECT_EQ(platform.count("MI_VDEC_StartChn"), 1u);
 }
@@ -73,8 +73,8 @@ TEST(FlushDecoder, ReturnsTheCodeOfWhatCannotBeDone)
         SCOPED_TRACE(row.call);
         platform.forget();
         platform.have_decoders(3); // the row before may have destroyed it
-        platform.script(row.call).once().returns(kRefused);
-        EXPECT_EQ(re_create_vdec(2), kRefused);
+        platform.script(row.call).once().returns(kFlushRefused);
+        EXPECT_EQ(re_create_vdec(2), kFlushRefused);
         EXPECT_PRINTED_AS_ERROR("vdec_venc.c", row.message);
         std::string since = platform.calls_since(row.call);
         EXPECT_EQ(since.find('\n'), std::string::npos) << since;
@@ -115,8 +115,8 @@ TEST(SingleView, LeavesTheLayoutUnchangedWhenTheFlushFails)
     DispAttrib first = pane(0, 0, 0, 1920, 1080), second = pane(2, 0, 0, 1920, 1080);
     ASSERT_EQ(ext_change_display_format(&first, 1), 0);
     platform.forget();
-    platform.script("MI_VDEC_StartChn").once().returns(kRefused);
-    EXPECT_EQ(ext_change_display_format(&second, 1), kRefused);
+    platform.script("MI_VDEC_StartChn").once().returns(kFlushRefused);
+    EXPECT_EQ(ext_change_display_format(&second, 1), kFlushRefused);
     EXPECT_PRINTED_AS_ERROR("vdec_venc.c", "MI_VDEC_StartChn failed errno 0xa0080009 ");
     EXPECT_EQ(recording::times_printed("MI_VDEC_StartChn failed errno 0xa0080009 "), 2u)
         << "by the flush and by the layout";
@@ -136,8 +136,8 @@ TEST(SingleView, SurvivesAChannelThatDoesNotExist)
     EXPECT_EQ(ext_change_display_format(&single, 1), 0);
     EXPECT_EQ(cur_display_chnn, 0);
     EXPECT_EQ(zoom_channel, 65535u);
-    platform.script("MI_VDEC_GetChnAttr").returns(kRefused);
-    EXPECT_EQ(ext_change_display_format(&single, 1), kRefused);
+    platform.script("MI_VDEC_GetChnAttr").returns(kFlushRefused);
+    EXPECT_EQ(ext_change_display_format(&single, 1), kFlushRefused);
 }
 
 } // namespace

@@ -10,8 +10,6 @@ using recording::platform;
 namespace
 {
 
-constexpr int32_t kRefused = static_cast<int32_t>(0xA00F0003);
-
 bool lock_is_held()
 {
     if (pthread_mutex_trylock(&global_bindargLock) == EBUSY) return true;
@@ -105,7 +103,7 @@ TEST(LayoutFailure, OfTheDisplayReturnsAtOnceWithTheLockHeld)
         SCOPED_TRACE(row.call);
         recording::Outcome outcome = recording::in_fresh_process([&row]() -> int64_t {
             create_decoders(3);
-            platform.script(row.call).nth(2).returns(kRefused);
+            platform.script(row.call).nth(2).returns(kDisplayRefused);
             std::memset(&old_global_bindarg[0], 0x55, sizeof(BindArgs));
             DispAttrib panes[] = {pane(0, 0, 0, 64, 64), pane(1, 64, 0, 64, 64), pane(2, 0, 64, 64, 64)};
             int32_t result = ext_change_display_format(panes, 3);

@@ -12,8 +12,6 @@ using recording::trace;
 namespace
 {
 
-constexpr int32_t kRefused = static_cast<int32_t>(0xA00F0003);
-
 /* The secondary output's record stands directly before the exported ones. */
 BindArgs saved_secondary_layout()
 {
@@ -196,7 +194,7 @@ TEST(SecondaryLayout, FailsAtOnceWithTheLockHeld)
         recording::Outcome outcome = recording::in_fresh_process([&row]() -> int64_t {
             g_vi_chn_num = 3;
             globalVoDev = -1;
-            platform.script(row.call).nth(2).returns(kRefused);
+            platform.script(row.call).nth(2).returns(kDisplayRefused);
             DispAttrib panes[] = {pane(0, 0, 0, 64, 64), pane(1, 64, 0, 64, 64), pane(2, 0, 64, 64, 64)};
             int32_t result = ext_change_display_slave(panes, 3);
             bool saved = saved_secondary_layout().chn_num != 0;

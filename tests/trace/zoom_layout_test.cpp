@@ -10,8 +10,6 @@ using recording::trace;
 namespace
 {
 
-constexpr int32_t kRefused = static_cast<int32_t>(0xA00F0003);
-
 TEST(ZoomLayout, HidesEveryPortThenPlacesPaneIOnPortI)
 {
     g_vi_chn_num = 3;
@@ -47,7 +45,7 @@ TEST(ZoomLayout, EndsAtThePortThatCannotBePlaced)
     DispAttrib panes[] = {pane(0, 0, 0, 64, 64), pane(1, 64, 0, 64, 64), pane(2, 0, 64, 64, 64)};
     for (const auto &row : rows) {
         platform.forget();
-        platform.script(row.call).nth(2).returns(kRefused);
+        platform.script(row.call).nth(2).returns(kDisplayRefused);
         EXPECT_EQ(ext_change_zoom_format(panes, 3), -1);
         EXPECT_PRINTED_AS_ERROR("vdec_venc.c", row.text);
         EXPECT_EQ(platform.count("MI_DISP_ShowInputPort"), 1u); // pane 0 stays, nothing is undone
@@ -87,8 +85,8 @@ TEST(ZoomLayout, GoesOnWhenAPortCannotBeHiddenOrShown)
 {
     g_vi_chn_num = 2;
     DispAttrib panes[] = {pane(0, 0, 0, 64, 64), pane(1, 64, 0, 64, 64)};
-    platform.script("MI_DISP_HideInputPort").returns(kRefused);
-    platform.script("MI_DISP_ShowInputPort").returns(kRefused);
+    platform.script("MI_DISP_HideInputPort").returns(kDisplayRefused);
+    platform.script("MI_DISP_ShowInputPort").returns(kDisplayRefused);
     EXPECT_EQ(ext_change_zoom_format(panes, 2), 0);
     for (const char *text : {"vo hide channel 0 failed with errno 0xa00f0003!",
                              "vo hide channel 1 failed with errno 0xa00f0003!",
@@ -180,7 +178,7 @@ TEST(SecondaryZoom, StopsAtTheFirstFailure)
     DispAttrib panes[] = {pane(5, 0, 0, 64, 64)};
     for (const auto &row : rows) {
         platform.forget();
-        platform.script(row.call).once().returns(kRefused);
+        platform.script(row.call).once().returns(kDisplayRefused);
         EXPECT_EQ(ext_change_zoom_slave(panes, 1), -1);
         EXPECT_PRINTED_AS_ERROR("vdec_venc.c", row.text);
         EXPECT_EQ(recording::media_calls(), row.calls);

@@ -57,7 +57,7 @@ std::vector<uint8_t> bytes_of(const std::string &path)
     return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
-uint32_t word_at(const std::vector<uint8_t> &bytes, size_t at)
+uint32_t word32_at(const std::vector<uint8_t> &bytes, size_t at)
 {
     return bytes.at(at) | bytes.at(at + 1) << 8 | bytes.at(at + 2) << 16 |
            static_cast<uint32_t>(bytes.at(at + 3)) << 24;
@@ -105,19 +105,19 @@ TEST(QrImage, AShortTextHasTheStatedHeaders)
     ASSERT_EQ(file.size(), 40678u);
     EXPECT_EQ(file[0], 'B');
     EXPECT_EQ(file[1], 'M');
-    EXPECT_EQ(word_at(file, 2), 40678u);
-    EXPECT_EQ(word_at(file, 6), 0u);
-    EXPECT_EQ(word_at(file, 10), 1078u);
-    EXPECT_EQ(word_at(file, 14), 40u);
-    EXPECT_EQ(word_at(file, 18), 198u);
-    EXPECT_EQ(word_at(file, 22), 198u);
-    EXPECT_EQ(word_at(file, 26), 1u | 8u << 16) << "one plane, eight bits";
-    EXPECT_EQ(word_at(file, 30), 0u);
-    EXPECT_EQ(word_at(file, 34), 39600u);
+    EXPECT_EQ(word32_at(file, 2), 40678u);
+    EXPECT_EQ(word32_at(file, 6), 0u);
+    EXPECT_EQ(word32_at(file, 10), 1078u);
+    EXPECT_EQ(word32_at(file, 14), 40u);
+    EXPECT_EQ(word32_at(file, 18), 198u);
+    EXPECT_EQ(word32_at(file, 22), 198u);
+    EXPECT_EQ(word32_at(file, 26), 1u | 8u << 16) << "one plane, eight bits";
+    EXPECT_EQ(word32_at(file, 30), 0u);
+    EXPECT_EQ(word32_at(file, 34), 39600u);
     for (size_t at = 38; at < 54; ++at)
         EXPECT_EQ(file[at], 0);
     for (uint32_t grey = 0; grey < 256; ++grey)
-        EXPECT_EQ(word_at(file, 54 + grey * 4), grey * 0x010101u);
+        EXPECT_EQ(word32_at(file, 54 + grey * 4), grey * 0x010101u);
 }
 
 // Finder patterns tell up from down: they are in every corner of the symbol but the lower right.
@@ -163,18 +163,18 @@ TEST(QrImage, GrowsWithTheText)
     TemporaryDirectory directory;
     const std::string path = directory.file("code.bmp");
     qrencode(text_of_length(53).c_str(), path.c_str());
-    EXPECT_EQ(word_at(bytes_of(path), 18), 198u);
+    EXPECT_EQ(word32_at(bytes_of(path), 18), 198u);
     qrencode(text_of_length(54).c_str(), path.c_str());
     const std::vector<uint8_t> file = bytes_of(path);
-    EXPECT_EQ(word_at(file, 18), 222u);
-    EXPECT_EQ(word_at(file, 34), 222u * 224u);
+    EXPECT_EQ(word32_at(file, 18), 222u);
+    EXPECT_EQ(word32_at(file, 34), 222u * 224u);
     EXPECT_EQ(file.size(), 222u * 224u + 1078u);
 
     qrencode(text_of_length(134).c_str(), path.c_str());
     const std::vector<uint8_t> large = bytes_of(path); // more than 16 bits can count
-    EXPECT_EQ(word_at(large, 2), 270u * 272u + 1078u);
-    EXPECT_EQ(word_at(large, 18), 270u);
-    EXPECT_EQ(word_at(large, 34), 270u * 272u);
+    EXPECT_EQ(word32_at(large, 2), 270u * 272u + 1078u);
+    EXPECT_EQ(word32_at(large, 18), 270u);
+    EXPECT_EQ(word32_at(large, 34), 270u * 272u);
 }
 
 // One byte, and the smallest and the largest text of every symbol size.
@@ -187,7 +187,7 @@ TEST(QrImage, TextsOfAllSymbolSizesAreReadBack)
         const std::string text = text_of_length(length);
         paths.push_back(directory.file(std::to_string(length) + ".bmp"));
         qrencode(text.c_str(), paths.back().c_str());
-        EXPECT_EQ(word_at(bytes_of(paths.back()), 18), 6 * (17 + 4 * version + 4)) << length;
+        EXPECT_EQ(word32_at(bytes_of(paths.back()), 18), 6 * (17 + 4 * version + 4)) << length;
         expected += text;
     };
     add(1, 3);

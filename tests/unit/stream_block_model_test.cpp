@@ -13,18 +13,18 @@ using namespace stream_test;
 namespace
 {
 
-constexpr int kOperations = 300'000; // a case
+constexpr int kBlockOperations = 300'000; // a case
 
-struct Case {
+struct BlockCase {
     const char *name;
     StreamRingSizes sizes;
     uint32_t longest_bytes;
     uint32_t writes_in_8; // of 8 operations
 
-    friend void PrintTo(const Case &rule, std::ostream *out) { *out << rule.name; }
+    friend void PrintTo(const BlockCase &rule, std::ostream *out) { *out << rule.name; }
 };
 
-constexpr Case kCases[] = {
+constexpr BlockCase kBlockCases[] = {
     {"data_ring_is_the_limit", {80, 700, 64}, 80, 5},
     {"index_ring_is_the_limit", {80, 4000, 31}, 30, 5},
     {"quick_reader", {80, 1500, 60}, 80, 3},
@@ -37,7 +37,7 @@ struct Frame {
     uint32_t lap;
 };
 
-class StreamBlockModel : public testing::TestWithParam<Case>
+class StreamBlockModel : public testing::TestWithParam<BlockCase>
 {
 protected:
     void SetUp() override
@@ -122,20 +122,20 @@ protected:
 
 TEST_P(StreamBlockModel, EveryBlockIsARunOfFramesThatEndsWhereItMust)
 {
-    for (int operation = 0; operation < kOperations && !HasFatalFailure(); ++operation) {
+    for (int operation = 0; operation < kBlockOperations && !HasFatalFailure(); ++operation) {
         if (random_() % 8 < GetParam().writes_in_8)
             write();
         else
             take_block();
     }
-    EXPECT_GT(blocks_, kOperations / 100);
-    EXPECT_GT(several_, kOperations / 200);
+    EXPECT_GT(blocks_, kBlockOperations / 100);
+    EXPECT_GT(several_, kBlockOperations / 200);
     if (GetParam().writes_in_8 > 3) {
         EXPECT_GT(gaps_, 100);
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Rings, StreamBlockModel, testing::ValuesIn(kCases),
+INSTANTIATE_TEST_SUITE_P(Rings, StreamBlockModel, testing::ValuesIn(kBlockCases),
                          [](const auto &tested) { return tested.param.name; });
 
 } // namespace
