@@ -35,13 +35,17 @@ cat plain.h264 large.h264 >resized.h264
 head -c 20000 /dev/zero >zeros.h264
 : >empty.h264
 
-# Cameras that see one colour each: which pane shows which is told by a pixel.
+# Cameras that see one colour each: which pane shows which is told by a pixel. One run of the program makes
+# them all, as its start costs more than a clip.
+inputs=()
+outputs=()
 number=0
 for colour in red lime blue yellow cyan magenta; do
-    source=(-f lavfi -i "color=c=$colour:size=352x288:rate=30" -frames:v 30 -pix_fmt yuv420p)
-    ffmpeg -nostdin -v error -y "${source[@]}" "${h264[@]}" -bf 0 colour$number.h264
-    ffmpeg -nostdin -v error -y "${source[@]}" "${h265_live[@]}" colour$number.h265
-    ffmpeg -nostdin -v error -y "${source[@]}" "${h264[@]}" -bf 0 colour$number.h264.mp4
-    ffmpeg -nostdin -v error -y "${source[@]}" "${h265_live[@]}" colour$number.h265.mp4
+    inputs+=(-f lavfi -i "color=c=$colour:size=352x288:rate=30")
+    outputs+=(-map $number -frames:v 30 -pix_fmt yuv420p "${h264[@]}" -bf 0 colour$number.h264)
+    outputs+=(-map $number -frames:v 30 -pix_fmt yuv420p "${h265_live[@]}" colour$number.h265)
     number=$((number + 1))
 done
+outputs+=(-map 2 -frames:v 30 -pix_fmt yuv420p "${h264[@]}" -bf 0 colour2.h264.mp4)
+outputs+=(-map 3 -frames:v 30 -pix_fmt yuv420p "${h265_live[@]}" colour3.h265.mp4)
+ffmpeg -nostdin -v error -y "${inputs[@]}" "${outputs[@]}"
