@@ -13,5 +13,5 @@ if(Python3_FOUND AND OPENCC_DICT AND EXISTS /usr/share/opencc/STCharacters.ocd2
    AND EXISTS /usr/share/unicode/Unihan_Variants.txt.bz2)
   add_test(NAME text_tables.AreWhatTheirInputsGive
     COMMAND ${Python3_EXECUTABLE} ${PROJECT_SOURCE_DIR}/tools/text_tables/make_text_tables.py --check)
-  set_tests_properties(text_tables.AreWhatTheirInputsGive PROPERTIES LABELS unit TIMEOUT 60)
+  set_tests_properties(text_tables.AreWhatTheirInputsGive PROPERTIES LABELS "unit;sources" TIMEOUT 60)
 endif()
