@@ -65,7 +65,7 @@ std::vector<std::pair<std::string, json>> sound_requests()
 }
 
 // The names of "{a, b: about it, c}", at the outermost level.
-std::set<std::string> names_in(const std::string &record)
+std::set<std::string> fields_in(const std::string &record)
 {
     std::set<std::string> names;
     std::string name;
@@ -161,7 +161,7 @@ TEST_F(Requests, TheStateHoldsWhatTheDescriptionSays)
         if (open == std::string::npos) continue;
         const json record = value.is_array() ? (value.empty() ? json() : value[0]) : value;
         if (record.is_object()) {
-            EXPECT_EQ(keys_of(record), names_in(about.substr(open))) << name;
+            EXPECT_EQ(keys_of(record), fields_in(about.substr(open))) << name;
         }
     }
     EXPECT_EQ(now["decoders"].size(), 1u);
