@@ -30,3 +30,12 @@ foreach(file ${scenarios})
             --output ${CMAKE_CURRENT_BINARY_DIR}/scenarios -- $<TARGET_FILE:nvrec>)
   set_tests_properties(Scenario.${name} PROPERTIES TIMEOUT 120 LABELS vboard_app)
 endforeach()
+
+# An application of others, as they would test it: in real time, since it has clocks of its own.
+add_dependencies(scenarios recorder)
+file(MAKE_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR}/scenarios/recordings)
+add_test(NAME Scenario.example_recorder
+  COMMAND vboard_program test ${PROJECT_SOURCE_DIR}/examples/recorder/wall.yaml --define STREAMS=${STAMPED_STREAM_DIR}
+          --output ${CMAKE_CURRENT_BINARY_DIR}/scenarios -- $<TARGET_FILE:recorder>
+          ${CMAKE_CURRENT_BINARY_DIR}/scenarios/recordings)
+set_tests_properties(Scenario.example_recorder PROPERTIES TIMEOUT 120 LABELS vboard_app)
