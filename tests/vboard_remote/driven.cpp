@@ -75,7 +75,7 @@ Driven::Driven(const How &how)
         abort();
     std::vector<std::string> environment = how.environment;
     if (how.remote) {
-        environment.push_back("LD_PRELOAD=" AGENT_LIBRARY);
+        environment.push_back("LD_PRELOAD=" AGENT_LIBRARY + how.preload_more);
         environment.push_back("VBOARD_REMOTE_FD=" +
                               (how.descriptor.empty() ? std::to_string(channel[1]) : how.descriptor));
     }

@@ -25,6 +25,7 @@ public:
     struct How {
         std::vector<std::string> command = {DRIVEN_PROGRAM};
         bool remote = true;                   // preload the agent, and give it a channel
+        std::string preload_more;             // behind the agent, with a colon
         std::string descriptor;               // what VBOARD_REMOTE_FD says, when not the channel
         std::vector<std::string> environment; // further variables, NAME=VALUE
         bool boot = true;                     // send an empty "boot", and wait until the program is ready

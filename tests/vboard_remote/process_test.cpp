@@ -87,16 +87,21 @@ TEST(Process, ChildrenInheritNothing)
 TEST(Process, WhatElseWasPreloadedIsLeftToTheChildren)
 {
     Driven::How how;
-    how.remote = true;
-    how.environment = {};
-    how.command = {"/usr/bin/env", "LD_PRELOAD=" AGENT_LIBRARY ":libdl.so.2", DRIVEN_PROGRAM};
-    how.boot = false;
-    // env has no board and would wait for its end; the variable is set for the program that it becomes.
-    how.remote = false;
+    how.preload_more = ":libdl.so.2 libm.so.6";
     Driven program(how);
-    EXPECT_EQ(program.read_line(), "ready");
-    // No descriptor was named: nobody asked, and nothing is touched.
-    EXPECT_EQ(program.tell("environment"), AGENT_LIBRARY ":libdl.so.2 -");
+    EXPECT_EQ(program.tell("environment"), "libdl.so.2:libm.so.6 -");
+}
+
+TEST(Process, APreloadedAgentThatNobodyAskedForTouchesNothing)
+{
+    Driven::How how;
+    how.remote = false;
+    how.environment = {"LD_PRELOAD=" AGENT_LIBRARY};
+    Driven program(how);
+    EXPECT_EQ(program.tell("environment"), AGENT_LIBRARY " -");
+    EXPECT_EQ(threads_of(program.pid()).size(), 1u);
+    EXPECT_EQ(descriptors_of(program.pid()), (std::vector<std::string>{"0", "1", "2"}));
+    EXPECT_EQ(program.tell("open /dev/KeyBoard"), "-1 ENOENT"); // the PC has none, and the board is not asked
 }
 
 TEST(Process, ABoardThatNobodyAskedToBeRemoteCostsNothing)

@@ -13,6 +13,7 @@
  */
 #include "agent.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
@@ -39,6 +40,7 @@ using nlohmann::json;
 
 constexpr char kDescriptorVariable[] = "VBOARD_REMOTE_FD";
 constexpr char kPreloadVariable[] = "LD_PRELOAD";
+constexpr char kOwnName[] = "libvboard-remote.so";
 
 class Agent
 {
@@ -193,7 +195,11 @@ void Agent::start()
     }
     say_hello(true);
     follow_refusals(outbox_);
-    if (!start_agent_thread([this] { outbox_.write_all(channel_); })) return;
+    if (!start_agent_thread([this] { outbox_.write_all(channel_); })) {
+        shutdown(descriptor_,
+                 SHUT_RDWR); // a process without threads cannot be led, and the other end sees it
+        return;
+    }
     boot();
     start_agent_thread([this] { watch_watchdog(); });
     start_agent_thread([this] { read_requests(); });
@@ -226,11 +232,19 @@ void restore_preload()
 {
     const char *value = getenv(kPreloadVariable);
     if (value == nullptr) return;
-    const char *rest = strpbrk(value, ": "); // this library stands first
-    if (rest == nullptr || rest[1] == '\0')
+    const std::string before = value;
+    std::string others;
+    for (size_t at = 0; at < before.size();) {
+        const size_t end = std::min(before.find_first_of(": ", at), before.size());
+        const std::string library = before.substr(at, end - at);
+        const bool is_this = library.substr(library.rfind('/') + 1) == kOwnName;
+        if (!library.empty() && !is_this) others += (others.empty() ? "" : ":") + library;
+        at = end + 1;
+    }
+    if (others.empty())
         unsetenv(kPreloadVariable);
     else
-        setenv(kPreloadVariable, std::string(rest + 1).c_str(), 1);
+        setenv(kPreloadVariable, others.c_str(), 1);
 }
 
 // The descriptor that the environment names, taken out of it; -1 when nobody asked for an agent.
