@@ -2,7 +2,9 @@
 #include <cstdio>
 #include <cstring>
 
+#include "ctl/command.h"
 #include "scenario/command.h"
+#include "server/command.h"
 #include "trace/command.h"
 
 namespace
@@ -16,6 +18,8 @@ struct Command {
 
 // One line a room that brings a command; the last one ends the table.
 constexpr Command kCommands[] = {
+    {"run", run_command, "run a program on the board, with its front in the browser"},
+    {"ctl", ctl_command, "drive a board that runs, from the shell"},
     {"test", vboard_app::test_command, "play scenarios on a fresh board each, and tell which hold"},
     {"trace", trace_command, "count, compare and draw traces of the platform calls"},
     {nullptr, nullptr, nullptr},
