@@ -42,10 +42,10 @@ outputs=()
 number=0
 for colour in red lime blue yellow cyan magenta; do
     inputs+=(-f lavfi -i "color=c=$colour:size=352x288:rate=30")
-    outputs+=(-map $number -frames:v 30 -pix_fmt yuv420p "${h264[@]}" -bf 0 colour$number.h264)
-    outputs+=(-map $number -frames:v 30 -pix_fmt yuv420p "${h265_live[@]}" colour$number.h265)
+    for container in "" .mp4; do
+        outputs+=(-map $number -frames:v 30 -pix_fmt yuv420p "${h264[@]}" -bf 0 colour$number.h264$container)
+        outputs+=(-map $number -frames:v 30 -pix_fmt yuv420p "${h265_live[@]}" colour$number.h265$container)
+    done
     number=$((number + 1))
 done
-outputs+=(-map 2 -frames:v 30 -pix_fmt yuv420p "${h264[@]}" -bf 0 colour2.h264.mp4)
-outputs+=(-map 3 -frames:v 30 -pix_fmt yuv420p "${h265_live[@]}" colour3.h265.mp4)
 ffmpeg -nostdin -v error -y "${inputs[@]}" "${outputs[@]}"
