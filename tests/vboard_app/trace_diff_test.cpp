@@ -225,6 +225,19 @@ TEST_F(TraceDiff, ByChannelPassesOverTheTurnsThatThreadsTake)
               "1 of 2 channels differ\n");
 }
 
+TEST_F(TraceDiff, ByChannelANodeIsTheSameWithAnyDescriptor)
+{
+    const std::string a =
+        "1 board_open \"/dev/a\" 0 = 3\n2 board_open \"/dev/b\" 0 = 4\n3 board_close 3 = 0\n";
+    const std::string b =
+        "1 board_open \"/dev/b\" 0 = 3\n2 board_open \"/dev/a\" 0 = 4\n3 board_close 4 = 0\n";
+    EXPECT_FALSE(same(a, b));
+    options_.by_channel = true;
+    EXPECT_TRUE(same(a, b));
+    EXPECT_FALSE(same(a, b + "4 board_close 3 = 0\n"));
+    EXPECT_FALSE(same("1 board_open \"/dev/a\" 0 = 3\n", "1 board_open \"/dev/a\" 0 = -1\n"));
+}
+
 TEST_F(TraceDiff, LeavesOutCallsAndFieldsAsAsked)
 {
     const std::string a = "1 MI_VDEC_GetChnStat 0 {bytes=1 frames=1 pictures=0} = 0\n2 MI_SYS_Init = 0\n";

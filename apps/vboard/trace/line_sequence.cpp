@@ -34,21 +34,26 @@ private:
     uint64_t value_ = 0xcbf29ce484222325ull;
 };
 
-uint64_t mark_of(const CallLine &call, const SameLine &same)
+/*
+ * By channel the calls of a device node are known by its path: which number its descriptor got depends on
+ * the threads that open other nodes at the same time.
+ */
+uint64_t mark_of(const CallLine &call, const SameLine &same, bool by_channel)
 {
+    const bool on_node = by_channel && call.name.starts_with("board_");
     Mark mark;
     mark.add(call.event ? "event" : "call");
     mark.add(call.name);
     for (const CallField &argument : call.arguments) {
         mark.add(argument.name);
-        if (!same.counts(argument.name)) continue;
+        if (!same.counts(argument.name) || (on_node && argument.name == "descriptor")) continue;
         if (argument.member_count == 0) mark.add(argument.text);
         for (const CallField &member : call.members(argument)) {
             mark.add(member.name);
             if (same.counts(member.name, argument.name)) mark.add(member.text);
         }
     }
-    mark.add(call.result);
+    mark.add(on_node && call.name == "board_open" && !call.failed ? "a descriptor" : call.result);
     mark.add(call.reason);
     return mark.value();
 }
@@ -99,7 +104,8 @@ TraceFile::TraceFile(const std::string &path, const SameLine &same, bool by_chan
         }
         LineSequence &sequence =
             sequences_[by_channel && found == TraceReader::Found::kBroken ? "events" : of];
-        sequence.marks.push_back(found == TraceReader::Found::kBroken ? broken.value() : mark_of(call, same));
+        sequence.marks.push_back(found == TraceReader::Found::kBroken ? broken.value()
+                                                                      : mark_of(call, same, by_channel));
         sequence.lines.push_back(line);
     }
     complaints_ = reader.complaints();
