@@ -32,7 +32,7 @@ int list_boards(bool as_json)
     if (as_json)
         printf("%s\n", list.dump(2).c_str());
     else
-        printf("%s", list.empty() ? "no board runs\n" : readable(list).c_str());
+        printf("%s", list.empty() ? "no board runs\n" : readable(list, "name pid url").c_str());
     return kDone;
 }
 
@@ -55,6 +55,15 @@ void save(const std::string &file, const std::string &bytes)
     if (!stream) throw std::runtime_error("\"" + file + "\" cannot be written: " + std::strerror(errno));
 }
 
+/* What the description says of a request's result, in its order. */
+nlohmann::ordered_json described_result(const std::string &name)
+{
+    const auto whole = nlohmann::ordered_json::parse(api::description_text());
+    for (const auto &request : whole.at("requests"))
+        if (request.at("name") == name) return request.value("result", nlohmann::ordered_json());
+    return {};
+}
+
 /* The answer on standard output. */
 void show(const std::string &name, const ClientAnswer &answer, bool as_json)
 {
@@ -62,8 +71,11 @@ void show(const std::string &name, const ClientAnswer &answer, bool as_json)
     if (result.is_discarded()) throw std::runtime_error("the board answered with something else than JSON");
     if (as_json || name == "description")
         printf("%s\n", result.dump(2).c_str());
+    else if (name == "fault.calls")
+        for (const std::string call : result.at("calls"))
+            printf("%s\n", call.c_str());
     else if (!result.empty())
-        printf("%s", readable(result).c_str());
+        printf("%s", readable(result, described_result(name)).c_str());
     if (fflush(stdout) != 0) throw std::runtime_error("standard output cannot be written");
 }
 

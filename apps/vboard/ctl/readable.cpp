@@ -2,6 +2,7 @@
 #include "ctl/readable.h"
 
 #include <algorithm>
+#include <cctype>
 #include <ctime>
 #include <vector>
 
@@ -13,6 +14,48 @@ namespace
 {
 
 using nlohmann::json;
+using nlohmann::ordered_json;
+
+bool is_of_name(char letter)
+{
+    return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '_';
+}
+
+/* Where a name stands in a description of a result; what is not described comes last. */
+size_t place_of(const std::string &name, const ordered_json &described)
+{
+    if (described.is_object()) {
+        const auto found = described.find(name);
+        return static_cast<size_t>(std::distance(described.begin(), found));
+    }
+    const std::string text = described.is_string() ? described.get<std::string>() : std::string();
+    for (size_t at = text.find(name); at != std::string::npos; at = text.find(name, at + 1)) {
+        const size_t end = at + name.size();
+        if ((at == 0 || !is_of_name(text[at - 1])) && (end == text.size() || !is_of_name(text[end])))
+            return at;
+    }
+    return std::string::npos;
+}
+
+/* The names of an object, or of all rows of a table, in the order of the description. */
+std::vector<std::string> names_of(const json &content, const ordered_json &described)
+{
+    std::vector<std::string> names;
+    for (const json &row : content.is_array() ? content : json::array({content}))
+        for (const auto &[name, value] : row.items())
+            if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
+    std::stable_sort(names.begin(), names.end(), [&](const std::string &one, const std::string &other) {
+        return place_of(one, described) < place_of(other, described);
+    });
+    return names;
+}
+
+/* What is said of a part; in a text of several names that is the whole text. */
+const ordered_json &part_of(const ordered_json &described, const std::string &name)
+{
+    const auto found = described.is_object() ? described.find(name) : described.end();
+    return described.is_object() && found != described.end() ? *found : described;
+}
 
 bool ends_with(const std::string &text, const std::string &ending)
 {
@@ -48,7 +91,7 @@ std::string label(std::string name)
     return name;
 }
 
-std::string value_text(const std::string &name, const json &value)
+std::string value_text(const std::string &name, const json &value, const ordered_json &described)
 {
     if (value.is_null()) return "-";
     if (value.is_boolean()) return value.get<bool>() ? "yes" : "no";
@@ -66,12 +109,13 @@ std::string value_text(const std::string &name, const json &value)
         return value.dump();
     }
     std::string text;
-    for (const auto &[key, element] : value.items()) {
-        const std::string one = value_text(value.is_object() ? key : name, element);
-        text += (text.empty()        ? ""
-                 : value.is_object() ? ", "
-                                     : " ") +
-                (value.is_object() ? label(key) + " " : "") + one;
+    if (value.is_object()) {
+        for (const std::string &key : names_of(value, described))
+            text += (text.empty() ? "" : ", ") + label(key) + " " +
+                    value_text(key, value.at(key), part_of(described, key));
+    } else {
+        for (const json &element : value)
+            text += (text.empty() ? "" : " ") + value_text(name, element, described);
     }
     return text.empty() ? "none" : text;
 }
@@ -87,26 +131,23 @@ bool has_letters(const std::string &text)
 }
 
 /* Rows under a heading; columns of numbers to the right. */
-std::string table(const json &rows, const std::string &indent)
+std::string table(const json &rows, const ordered_json &described, const std::string &indent)
 {
-    std::vector<std::string> names;
-    for (const json &row : rows)
-        for (const auto &[name, value] : row.items())
-            if (!is_table(value) && std::find(names.begin(), names.end(), name) == names.end())
-                names.push_back(name);
-    // What tells the rows apart comes first.
-    for (const char *first :
-         {"codec", "name", "call", "input", "line", "channel", "port", "device", "time_us", "number"}) {
-        const auto found = std::find(names.begin(), names.end(), first);
-        if (found != names.end()) std::rotate(names.begin(), found, found + 1);
-    }
+    std::vector<std::string> names = names_of(rows, described);
+    names.erase(std::remove_if(names.begin(), names.end(),
+                               [&](const std::string &name) {
+                                   return std::any_of(rows.begin(), rows.end(), [&](const json &row) {
+                                       return row.contains(name) && is_table(row.at(name));
+                                   });
+                               }),
+                names.end());
     std::vector<std::vector<std::string>> cells(1);
     for (const std::string &name : names)
         cells[0].push_back(label(name));
     for (const json &row : rows) {
         cells.emplace_back();
         for (const std::string &name : names)
-            cells.back().push_back(row.contains(name) ? value_text(name, row.at(name)) : "");
+            cells.back().push_back(row.contains(name) ? value_text(name, row.at(name), described) : "");
     }
     std::string text;
     for (size_t row = 0; row < cells.size(); ++row) {
@@ -128,44 +169,47 @@ std::string table(const json &rows, const std::string &indent)
     return text;
 }
 
-std::string block(const json &object, const std::string &indent)
+std::string block(const json &object, const ordered_json &described, const std::string &indent)
 {
     size_t width = 0;
     for (const auto &[name, value] : object.items())
         if (!is_table(value)) width = std::max(width, label(name).size());
     std::string text;
-    std::vector<std::pair<std::string, json>> parts; // tables, and what has tables in it
-    for (const auto &[name, value] : object.items()) {
+    std::vector<std::string> parts; // tables, and what has tables in it
+    for (const std::string &name : names_of(object, described)) {
+        const json &value = object.at(name);
         const bool has_table =
             value.is_object() &&
             std::any_of(value.begin(), value.end(), [](const json &part) { return is_table(part); });
         if (is_table(value) || has_table)
-            parts.emplace_back(name, value);
+            parts.push_back(name);
         else
             text += indent + label(name) + std::string(width - label(name).size(), ' ') + "  " +
-                    value_text(name, value) + "\n";
+                    value_text(name, value, part_of(described, name)) + "\n";
     }
-    for (const auto &[name, value] : parts) {
+    for (const std::string &name : parts) {
+        const json &value = object.at(name);
+        const ordered_json &inside = part_of(described, name);
         text += indent + label(name) + "\n";
         if (value.is_object()) {
-            text += block(value, indent + "  ");
+            text += block(value, inside, indent + "  ");
             continue;
         }
-        text += table(value, indent + "  ");
+        text += table(value, inside, indent + "  ");
         for (const json &row : value)
             for (const auto &[inner, rows] : row.items())
                 if (is_table(rows))
-                    text += indent + "  " + label(inner) + "\n" + table(rows, indent + "    ");
+                    text += indent + "  " + label(inner) + "\n" + table(rows, inside, indent + "    ");
     }
     return text;
 }
 
 } // namespace
 
-std::string readable(const json &result)
+std::string readable(const json &result, const ordered_json &described)
 {
-    if (result.is_object()) return block(result, "");
-    return is_table(result) ? table(result, "") : value_text("", result) + "\n";
+    if (result.is_object()) return block(result, described, "");
+    return is_table(result) ? table(result, described, "") : value_text("", result, described) + "\n";
 }
 
 } // namespace vboard_app

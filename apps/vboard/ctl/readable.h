@@ -11,9 +11,10 @@ namespace vboard_app
 
 /*
  * Names that end in a unit bring it into the value: 12345678 of "remaining_us" is "12.346 s", of "wall_us"
- * a time of the day.
+ * a time of the day. Names stand in the order of the description: an object of names, or a text in which
+ * they occur.
  */
-std::string readable(const nlohmann::json &result);
+std::string readable(const nlohmann::json &result, const nlohmann::ordered_json &described);
 
 } // namespace vboard_app
 

@@ -56,7 +56,7 @@ CommandLine read_command_line(int argc, char **argv)
             const size_t equals = text.find('=');
             const std::string name = text.substr(2, equals == std::string::npos ? equals : equals - 2);
             if (equals == std::string::npos && i + 1 == argc)
-                throw UsageError("\"" + text + "\" wants a value");
+                throw UsageError("\"" + text + "\" wants a value; see vboard ctl VERB --help");
             const std::string value = equals == std::string::npos ? argv[++i] : text.substr(equals + 1);
             if (name == "board")
                 line.board = value;
