@@ -78,7 +78,8 @@ class Requests:
             device.
         type: png, jpeg, i420 - I420: Y, U and V planes without padding; its size stands in the header
             X-Picture-Size.
-        width: integer, 16 to 3840, pixels - Scaled to this width; even.
+        width: integer, 16 to 3840, pixels - Scaled to this width, even; the height, in proportion, is at
+            most 3840.
         region: array of 4 integers - Only this part; x, y, width and height, output pixels.
         settled: boolean - First wait until every decoder has consumed what it was sent.
 

@@ -16,6 +16,8 @@ namespace
 
 using nlohmann::json;
 
+constexpr int kMostNested = 16; // objects and arrays within each other; copying them takes stack for each
+
 [[noreturn]] void refuse(const std::string &name, const std::string &why)
 {
     throw RequestError("bad_parameter", "\"" + name + "\" " + why, name);
@@ -109,6 +111,18 @@ const json &request_of(const std::string &name)
 }
 
 } // namespace
+
+json object_from_text(const std::string &text, const std::string &what)
+{
+    const auto limit_depth = [&what](int depth, json::parse_event_t, const json &) {
+        if (depth <= kMostNested) return true;
+        throw RequestError("bad_json", what + " is nested deeper than " + std::to_string(kMostNested) +
+                                           " objects and arrays");
+    };
+    json content = json::parse(text, limit_depth, false);
+    if (!content.is_object()) throw RequestError("bad_json", what + " is no JSON object");
+    return content;
+}
 
 json check(const std::string &name, const json &parameters)
 {

@@ -22,6 +22,13 @@ namespace vboard_app::api
 {
 
 /*
+ * A JSON object from what a client has sent; nesting that no request has is refused before it is built up.
+ * @param what  it is, for the message: "the body"
+ * @throws RequestError bad_json
+ */
+nlohmann::json object_from_text(const std::string &text, const std::string &what);
+
+/*
  * Check the parameters of a request, and add the defaults of those that are left out.
  * @throws RequestError  not_found: no such request; bad_json: no object; bad_parameter
  */

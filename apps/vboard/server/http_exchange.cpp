@@ -86,10 +86,7 @@ const json *find_by_path(const std::string &path, const std::string &method, std
 json parameters_of(const std::string &name, const Exchange &exchange)
 {
     json parameters = json::object();
-    if (!exchange.body.empty()) {
-        parameters = json::parse(exchange.body, nullptr, false);
-        if (!parameters.is_object()) throw RequestError("bad_json", "the body is no JSON object");
-    }
+    if (!exchange.body.empty()) parameters = api::object_from_text(exchange.body, "the body");
     const json &known = api::parameters_of(*api::find_request(name));
     for (const auto &[key, text] : exchange.query) {
         if (parameters.contains(key))
@@ -188,8 +185,13 @@ int HttpServer::Self::end_body(Session &session)
 void HttpServer::Self::dispatch(Session &session)
 {
     const Exchange &exchange = session.exchange;
-    if (exchange.path.compare(0, kApi.size(), kApi) != 0)
-        return send_reply(session, page_file(exchange.path));
+    if (exchange.path.compare(0, kApi.size(), kApi) != 0) {
+        if (exchange.method == "GET" || exchange.method == "HEAD")
+            return send_reply(session, page_file(exchange.path));
+        Reply reply = error_reply("wrong_method", "\"" + exchange.path + "\" wants GET");
+        reply.headers = "Allow: GET, HEAD\n";
+        return send_reply(session, std::move(reply));
+    }
     const size_t slash = exchange.path.find('/', kApi.size());
     const std::string path = slash == std::string::npos ? "/" : exchange.path.substr(slash);
     for (const json &socket : api::description().at("sockets"))

@@ -15,6 +15,8 @@ namespace vboard_app
 namespace
 {
 
+constexpr uint64_t kMostHeight = 3840; // pixels of a scaled picture, as many as its width may be
+
 [[noreturn]] void no_memory()
 {
     throw RequestError("refused", "there is no memory for the picture");
@@ -102,6 +104,12 @@ Picture scaled(const Picture &picture, uint32_t width)
 {
     width = (width + 1) & ~1u;
     const uint64_t height = (static_cast<uint64_t>(picture.height) * width / picture.width + 1) & ~1ull;
+    // A part of a few columns would become a picture of gigabytes.
+    if (height > kMostHeight)
+        throw RequestError("bad_parameter",
+                           "\"width\" makes the picture " + std::to_string(height) +
+                               " pixels high, not at most " + std::to_string(kMostHeight),
+                           "width");
     Picture result = of_size(width, height < 2 ? 2 : static_cast<uint32_t>(height));
     result.blank = picture.blank;
     vboard::Scaler scaler;

@@ -18,7 +18,10 @@ Picture black_picture(uint32_t width, uint32_t height);
  */
 Picture cut_out(const Picture &picture, const std::vector<int> &region);
 
-/* Scaled to a width, its height in proportion and even. @throws RequestError refused: no memory */
+/*
+ * Scaled to a width, its height in proportion and even.
+ * @throws RequestError bad_parameter: it would be higher than 3840 pixels; refused: no memory
+ */
 Picture scaled(const Picture &picture, uint32_t width);
 
 /* Encoded. @throws RequestError refused: no memory */

@@ -1,8 +1,11 @@
 /* requests.cpp - see requests.h. */
 #include "server/requests.h"
 
+#include <algorithm>
+
 #include "api/check.h"
 #include "api/description.h"
+#include "api/nearest.h"
 #include "board/board_file.h"
 #include "scenario/recorder.h"
 #include "server/image_file.h"
@@ -72,12 +75,9 @@ Reply Requests::carry_out(const std::string &name, const json &parameters)
         const json checked = api::check(name, parameters);
         if (name == "screen") return screen(checked);
         // Before the request, as it may end the program, and its clock with it.
-        const bool records = api::find_request(name)->value("records", false);
         int64_t board_us = -1;
-        if (records) {
-            std::lock_guard lock(recording_mutex_);
-            if (recorder_) board_us = board_time();
-        }
+        if (api::find_request(name)->value("records", false) && is_recording())
+            board_us = name == "power" ? board_time_by_hand() : board_time();
         const json result = served(name, checked);
         if (board_us >= 0) record(name, checked, board_us);
         return json_reply(result);
@@ -95,7 +95,23 @@ json Requests::served(const std::string &name, const json &parameters)
     if (name == "record.start") return start_recording(parameters.at("file"));
     if (name == "record.expect") return expect(parameters);
     if (name == "record.stop") return stop_recording();
+    if (name == "fault" || name == "fault.clear") return fault(name, parameters);
     return board_.request(name, parameters);
+}
+
+/* The board tells that a call's name is unknown; the one that was meant is found here. */
+json Requests::fault(const std::string &name, const json &parameters)
+{
+    try {
+        return board_.request(name, parameters);
+    } catch (const RequestError &error) {
+        if (error.code != "refused" || !parameters.contains("call")) throw;
+        const std::string call = parameters.at("call");
+        const std::vector<std::string> known =
+            board_.request("fault.calls", json::object()).at("calls").get<std::vector<std::string>>();
+        if (std::find(known.begin(), known.end(), call) != known.end()) throw;
+        throw RequestError(error.code, error.what() + did_you_mean(call, known), "call");
+    }
 }
 
 Reply Requests::screen(const json &parameters)
@@ -132,24 +148,51 @@ json Requests::board_told()
     return board;
 }
 
+bool Requests::is_recording()
+{
+    std::lock_guard lock(recording_mutex_);
+    return recorder_ != nullptr;
+}
+
+/*
+ * The time of a scenario goes on when the board is started again, where a stepped clock begins anew; the
+ * wall clock goes on as well, as its chip has a battery.
+ */
 int64_t Requests::board_time()
 {
     try {
-        return board_.request("state", json::object()).at("clock").at("us");
+        const json clock = board_.request("state", json::object()).at("clock");
+        const int64_t board_us = clock.at("us"), wall_us = clock.at("wall_us");
+        std::lock_guard lock(recording_mutex_);
+        told_us_ = std::max(told_us_, is_stepped_ ? zero_us_ + wall_us - zero_wall_us_ : board_us);
+        told_at_ = std::chrono::steady_clock::now();
+        return told_us_;
     } catch (const RequestError &) {
-        return 0; // no program: what is done now is there when it begins
+        return board_time_by_hand();
     }
+}
+
+/* Without a program that could be asked: it is off, or does not answer, for which its power is switched. */
+int64_t Requests::board_time_by_hand()
+{
+    std::lock_guard lock(recording_mutex_);
+    if (is_stepped_) return told_us_; // it stands
+    return told_us_ +
+           std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - told_at_)
+               .count();
 }
 
 void Requests::program_began()
 {
     try {
         const uint64_t starts = board_.request("board", json::object()).at("starts");
-        const int64_t now_us = board_.request("state", json::object()).at("clock").at("us");
+        const json clock = board_.request("state", json::object()).at("clock");
+        const int64_t now_us = clock.at("us"), wall_us = clock.at("wall_us");
         std::lock_guard lock(recording_mutex_);
         if (starts == began_starts_) return;
         began_starts_ = starts;
         began_us_ = now_us;
+        began_wall_us_ = wall_us;
     } catch (const RequestError &) {
         // It has ended already.
     }
@@ -163,15 +206,23 @@ json Requests::start_recording(const std::string &file)
     RecordingStart start;
     start.stepped = board.at("stepped");
     start.program = board.at("program");
+    int64_t now_us = 0, wall_us = 0;
     try {
-        start.plugged = board_.request("state", json::object()).at("monitor").at("plugged");
+        const json state = board_.request("state", json::object());
+        start.plugged = state.at("monitor").at("plugged");
+        now_us = state.at("clock").at("us");
+        wall_us = state.at("clock").at("wall_us");
     } catch (const RequestError &) {
         // It is plugged in when a board begins.
     }
     std::lock_guard lock(recording_mutex_);
     if (recorder_)
         throw RequestError("refused", "a scenario is being recorded already: " + recorder_->path());
-    start.program_began_us = began_us_;
+    start.program_began_us = zero_us_ = began_us_;
+    zero_wall_us_ = began_wall_us_;
+    is_stepped_ = start.stepped;
+    told_us_ = std::max(zero_us_, is_stepped_ ? zero_us_ + wall_us - zero_wall_us_ : now_us);
+    told_at_ = std::chrono::steady_clock::now();
     recorder_ = std::make_shared<ScenarioRecorder>(path, start);
     recorder_->write(); // a file that cannot be written is told now
     return {{"file", path}};

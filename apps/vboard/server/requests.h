@@ -5,6 +5,7 @@
 #ifndef VBOARD_APP_SERVER_REQUESTS_H
 #define VBOARD_APP_SERVER_REQUESTS_H
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -56,18 +57,26 @@ public:
 
 private:
     nlohmann::json served(const std::string &name, const nlohmann::json &parameters);
+    nlohmann::json fault(const std::string &name, const nlohmann::json &parameters);
     Reply screen(const nlohmann::json &parameters);
     nlohmann::json expect(const nlohmann::json &parameters);
     nlohmann::json stop_recording();
     void record(const std::string &name, const nlohmann::json &parameters, int64_t board_us);
+    bool is_recording();
     int64_t board_time();
+    int64_t board_time_by_hand();
 
     Board &board_;
     const std::string folder_;
     CallRing calls_;
-    std::mutex recording_mutex_;                 // guards what follows
-    int64_t began_us_ = 0;                       // the board's clock when the program began
-    uint64_t began_starts_ = 0;                  // at which of its starts that was
+    std::mutex recording_mutex_;             // guards what follows
+    int64_t began_us_ = 0;                   // the board's clock when the program began
+    int64_t began_wall_us_ = 0;              // and its wall clock
+    uint64_t began_starts_ = 0;              // at which of its starts that was
+    bool is_stepped_ = false;                // of the board that is recorded
+    int64_t zero_us_ = 0, zero_wall_us_ = 0; // its clocks where the times of the scenario begin
+    int64_t told_us_ = 0;                    // its clock when it was told last, and when that was
+    std::chrono::steady_clock::time_point told_at_;
     std::shared_ptr<ScenarioRecorder> recorder_; // null: none
 };
 

@@ -12,6 +12,7 @@
 #include <stdexcept>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -63,6 +64,24 @@ void replace_file(const std::string &path, const std::string &text)
         throw std::runtime_error(path + " cannot be written: " + std::strerror(errno));
 }
 
+/* Those that look for a name do so one after the other. */
+class Lock
+{
+public:
+    explicit Lock(const std::string &folder)
+        : directory_(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+    {
+        if (directory_ < 0 || flock(directory_, LOCK_EX) != 0)
+            throw std::runtime_error(folder + " cannot be locked: " + std::strerror(errno));
+    }
+    ~Lock() { close(directory_); }
+    Lock(const Lock &) = delete;
+    Lock &operator=(const Lock &) = delete;
+
+private:
+    const int directory_;
+};
+
 } // namespace
 
 std::string run_directory()
@@ -85,7 +104,8 @@ std::vector<RunningBoard> running_boards()
     std::error_code error;
     for (const fs::directory_entry &entry : fs::directory_iterator(run_directory(), error)) {
         if (entry.path().extension() != kEnding) continue;
-        if (std::optional<RunningBoard> board = read_board(entry.path())) boards.push_back(std::move(*board));
+        std::optional<RunningBoard> board = read_board(entry.path());
+        if (board && !board->url.empty()) boards.push_back(std::move(*board)); // without: it is starting
     }
     std::sort(boards.begin(), boards.end(),
               [](const auto &one, const auto &other) { return one.name < other.name; });
@@ -98,22 +118,14 @@ RunFile::RunFile(const std::string &wanted, bool exactly)
         throw std::runtime_error("\"" + wanted +
                                  "\" is no name for a board: letters, digits and - _ . + only");
     const std::string folder = run_directory();
+    const Lock lock(folder); // until the name is taken
     for (int number = 1; number < 1000; ++number) {
         name_ = number == 1 ? wanted : wanted + "-" + std::to_string(number);
         path_ = folder + "/" + name_ + kEnding;
-        for (int attempt = 0; attempt < 2; ++attempt) {
-            // Whoever makes the file has the name.
-            const int file = open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
-            if (file >= 0) {
-                const std::string taken =
-                    json{{"name", name_}, {"pid", getpid()}, {"url", ""}, {"token", ""}}.dump();
-                (void)!::write(file, taken.data(), taken.size());
-                close(file);
-                return;
-            }
-            if (errno != EEXIST) throw std::runtime_error(path_ + " cannot be made: " + std::strerror(errno));
-            if (read_board(path_)) break;
-            unlink(path_.c_str()); // of a board that is gone
+        // An address is there when the server is; until then nobody else takes the name.
+        if (!read_board(path_)) { // there is none, or it is of a board that is gone
+            write("", "");
+            return;
         }
         if (exactly) break;
     }

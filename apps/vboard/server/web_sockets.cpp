@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "api/check.h"
 #include "api/description.h"
 #include "api/nearest.h"
 #include "server/http_server_self.h"
@@ -103,8 +104,12 @@ void HttpServer::Self::take_text(Session &session)
     const auto refuse = [&](const char *code, const std::string &why) {
         enqueue(session, "error", message("error", {{"code", code}, {"message", why}}));
     };
-    const json content = json::parse(session.incoming, nullptr, false);
-    if (!content.is_object()) return refuse("bad_json", "the message is no JSON object");
+    json content;
+    try {
+        content = api::object_from_text(session.incoming, "the message");
+    } catch (const RequestError &error) {
+        return refuse(error.code.c_str(), error.what());
+    }
     const auto names = content.find("subscribe");
     if (names == content.end() || !names->is_array() || content.size() != 1)
         return refuse("bad_parameter", "the message is not {\"subscribe\": [names]}");

@@ -42,6 +42,11 @@ def test_bad_requests_get_a_clear_answer(board):
     assert code(board.ask("POST", "/api/1/press", b"[1]")) == (400, "bad_json")
     assert code(board.ask("POST", "/api/1/press", b"\xff\xfe")) == (400, "bad_json")
     assert code(board.ask("POST", "/api/1/press", b'{"button":' + b"[" * 5000)) == (400, "bad_json")
+    nested = b'{"button":' + b"[" * 30000 + b"]" * 30000 + b"}"
+    assert code(board.ask("POST", "/api/1/press", nested)) == (400, "bad_json")
+    status, answer = board.ask("POST", "/api/1/faults", {"call": "MI_VDEC_StrtChn"})
+    assert (status, answer["error"]["code"]) == (409, "refused")
+    assert answer["error"]["message"].endswith('(did you mean "MI_VDEC_StartChn"?)')
     status, answer = board.ask("POST", "/api/1/fault", {})
     assert (status, answer["error"]["code"]) == (404, "not_found")
     for path, body, name in (("wait/idle", {"channel": 64}, "channel"), ("wait/idle", {"chanel": 1}, "chanel"),
@@ -118,6 +123,13 @@ def test_pictures(board):
     assert board.headers["X-Picture-Size"] == "34x34" and len(raw) == 34 * 34 * 3 // 2
     status, jpeg = board.ask("GET", "/api/1/screen?type=jpeg&width=320", raw=True)
     assert jpeg[:2] == b"\xff\xd8" and board.headers["X-Picture-Size"] == f"320x{320 * height // width}"
+
+
+def test_a_narrow_part_does_not_become_a_picture_of_gigabytes(board):
+    status, answer = board.ask("GET", "/api/1/screen?region=0,0,2,1080&width=3840")
+    assert (status, answer["error"]["code"], answer["error"]["parameter"]) == (400, "bad_parameter", "width")
+    assert board.ask("GET", "/api/1/screen?region=0,0,2,1080&width=16&type=jpeg", raw=True)[0] == 400
+    assert board.ask("GET", "/api/1/screen?region=0,0,20,20&width=3840&type=jpeg", raw=True)[0] == 200
 
 
 def test_events_come_as_they_are_subscribed(board):

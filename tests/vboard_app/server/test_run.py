@@ -1,8 +1,10 @@
 """`vboard run`: exit status, signals, power, and what it leaves behind."""
 import json
 import os
+import re
 import signal
 import stat
+import time
 
 from conftest import wait_until
 
@@ -155,3 +157,24 @@ def test_recording_goes_to_its_file(run_board, on_board, tmp_path):
     assert run.end() == 0
     text = (tmp_path / "did.yaml").read_text()
     assert 'press: "menu"' in text and "monitor:" in text
+
+
+def time_of(text, step):
+    """Of the first line with the step, in microseconds."""
+    number, unit = re.search(r"at: (\d+)(us|ms|s), " + re.escape(step), text).groups()
+    return int(number) * {"us": 1, "ms": 1000, "s": 1000000}[unit]
+
+
+def test_times_of_a_recording_go_on_while_the_power_is_off(run_board, on_board, tmp_path):
+    run = run_board([on_board, "wait"], ["--record", "power.yaml"]).wait_for_page()
+    run.wait_for_line("waits")
+    assert wait_until(lambda: run.ask("GET", "/api/1/board")[1]["recording"] is not None)
+    run.ask("POST", "/api/1/power", {"to": "off"})
+    time.sleep(0.5)
+    run.ask("POST", "/api/1/power", {"to": "on"})
+    run.ask("POST", "/api/1/press", {"button": "menu"})
+    run.process.terminate()
+    assert run.end() == 0
+    text = (tmp_path / "power.yaml").read_text()
+    off, on, pressed = (time_of(text, step) for step in ('power: "off"', 'power: "on"', "press:"))
+    assert on - off >= 500000 and pressed > on, text
