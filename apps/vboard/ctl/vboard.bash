@@ -71,6 +71,9 @@ _vboard()
         done
         if [[ ${COMP_WORDS[1]} == run && $cur == -* ]]; then
             _vboard_offer < <(printf '%s\n' --listen --board --folder --record --no-reboot --stepped --quiet --help --)
+        elif [[ $cur == -* ]]; then
+            _vboard_offer < <(printf '%s\n' --define --output --junit --repeat --only --list --check --realtime \
+                --stepped --limit --help --)
         else
             _vboard_files
         fi
