@@ -158,6 +158,9 @@ void BoardProcess::Self::start()
 {
     if (options.program.empty()) throw StartError(125, "there is no program to run");
     if (options.agent.empty()) throw StartError(125, "libvboard-remote.so is not where it was installed");
+    if (options.agent.find_first_of(" :") != std::string::npos) // the loader takes them for the end of a name
+        throw StartError(125,
+                         "\"" + options.agent + "\" cannot be preloaded: a folder has a blank or a colon");
     // Signals are for the threads of the application; the program gets the mask that it would have had.
     sigset_t all, before;
     sigfillset(&all);

@@ -1,12 +1,15 @@
 """`vboard run`: exit status, signals, power, and what it leaves behind."""
 import json
 import os
+import pathlib
 import re
+import shutil
 import signal
 import stat
+import subprocess
 import time
 
-from conftest import wait_until
+from conftest import VBOARD, wait_until
 
 
 def test_exit_status_and_output_pass_through(run_board, on_board):
@@ -178,3 +181,16 @@ def test_times_of_a_recording_go_on_while_the_power_is_off(run_board, on_board, 
     text = (tmp_path / "power.yaml").read_text()
     off, on, pressed = (time_of(text, step) for step in ('power: "off"', 'power: "on"', "press:"))
     assert on - off >= 500000 and pressed > on, text
+
+
+def test_folder_that_the_loader_cannot_take_is_told(on_board, tmp_path):
+    program = pathlib.Path(VBOARD)
+    moved = tmp_path / "a folder"
+    for folder in ("bin", "lib"):
+        (moved / folder).mkdir(parents=True)
+    shutil.copy(program, moved / "bin/vboard")
+    library = next(one for one in (program.parent.parent).rglob("libvboard-remote.so"))
+    shutil.copy(library, moved / "lib")
+    answer = subprocess.run([moved / "bin/vboard", "run", "--quiet", "--", on_board, "exit", "3"], capture_output=True,
+                            env=dict(os.environ, XDG_RUNTIME_DIR=str(tmp_path)), text=True, timeout=60)
+    assert answer.returncode == 125 and "cannot be preloaded" in answer.stderr
