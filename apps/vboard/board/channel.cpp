@@ -68,9 +68,9 @@ bool MessageReader::next(Message *message)
         return false;
     }
     if (end_ - begin_ < kHeader + json_bytes + blob_bytes) return false;
-    const uint8_t *json = first + kHeader;
-    message->json.assign(reinterpret_cast<const char *>(json), json_bytes);
-    message->blob.assign(json + json_bytes, json + json_bytes + blob_bytes);
+    const uint8_t *text = first + kHeader;
+    message->json.assign(reinterpret_cast<const char *>(text), json_bytes);
+    message->blob.assign(text + json_bytes, text + json_bytes + blob_bytes);
     begin_ += kHeader + json_bytes + blob_bytes;
     return true;
 }

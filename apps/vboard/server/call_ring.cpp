@@ -16,7 +16,7 @@ using nlohmann::json;
 using namespace std::chrono_literals;
 
 constexpr size_t kKept = 5000; // calls
-constexpr size_t kAtOnce = 200;
+constexpr size_t kCallsAtOnce = 200;
 constexpr auto kPatience = 10s; // without a question, until collecting ends
 
 bool is_wanted(const json &call, const json &wanted)
@@ -82,7 +82,7 @@ json CallRing::newer(uint64_t after)
         std::lock_guard lock(mutex_);
         if (last_number_ <= after) return {};
     }
-    return result(after, kAtOnce, json::object());
+    return result(after, kCallsAtOnce, json::object());
 }
 
 void CallRing::add(const json &data)

@@ -15,7 +15,7 @@ using nlohmann::json;
 
 constexpr size_t kDrained =
     8 << 20; // bytes of a body that is too long, still read for the sake of the answer
-constexpr size_t kAtOnce = 32 << 10; // bytes that are written at a time
+constexpr size_t kWrittenAtOnce = 32 << 10; // bytes that are written at a time
 constexpr int kReplyTime = 30;       // seconds for the client to take the next of them
 constexpr std::string_view kApi = "/api/";
 
@@ -283,7 +283,7 @@ int HttpServer::Self::write_reply(Session &session)
         session.headers_sent = true;
         session.body_sent = head_only ? reply.body.size() : 0;
     } else {
-        const size_t part = std::min(kAtOnce, reply.body.size() - session.body_sent);
+        const size_t part = std::min(kWrittenAtOnce, reply.body.size() - session.body_sent);
         std::vector<unsigned char> bytes(LWS_PRE + part);
         std::copy_n(reply.body.data() + session.body_sent, part, bytes.data() + LWS_PRE);
         session.body_sent += part;

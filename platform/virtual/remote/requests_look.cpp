@@ -21,12 +21,12 @@ struct Image {
 
 void wait_for_all_decoders()
 {
-    using Steady = std::chrono::steady_clock;
-    const Steady::time_point until = Steady::now() + std::chrono::milliseconds(kSettleTime_ms);
+    using Real = std::chrono::steady_clock;
+    const Real::time_point until = Real::now() + std::chrono::milliseconds(kSettleTime_ms);
     for (uint32_t channel = 0; channel < VBOARD_DECODER_CHANNELS; ++channel) {
         vboard_decoder_stat stat = {};
         if (vboard_decoder_get_stat(channel, &stat) != 0 || stat.created == 0) continue;
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(until - Steady::now());
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(until - Real::now());
         const auto left_ms = static_cast<int32_t>(std::max<int64_t>(left.count(), 0));
         if (vboard_decoder_wait_idle(channel, left_ms) != 0)
             throw RequestFailure("timed_out",
