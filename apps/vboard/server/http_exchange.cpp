@@ -16,7 +16,7 @@ using nlohmann::json;
 constexpr size_t kDrained =
     8 << 20; // bytes of a body that is too long, still read for the sake of the answer
 constexpr size_t kWrittenAtOnce = 32 << 10; // bytes that are written at a time
-constexpr int kReplyTime = 30;       // seconds for the client to take the next of them
+constexpr int kReplyTime = 30;              // seconds for the client to take the next of them
 constexpr std::string_view kApi = "/api/";
 
 struct Method {
