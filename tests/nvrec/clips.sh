@@ -1,5 +1,5 @@
 #!/bin/bash
-# Small clips for the recorder's input tests: nvrec_clips.sh DIRECTORY
+# Small clips for the recorder's input tests: clips.sh DIRECTORY
 #
 # 60 frames of 320x180 at 30 frames a second, a key frame every 20, in both codecs and every kind of
 # container; and files that are no camera.

@@ -1,5 +1,5 @@
 #!/bin/bash
-# Cameras for the recorder's tests: nvrec_record_clips.sh DIRECTORY
+# Cameras for the recorder's tests: record_clips.sh DIRECTORY
 #
 # Four cameras of 240 frames at 30 a second, a key frame every 10, in both codecs, with and without
 # reordered pictures, with AAC, with A-law and without sound (a tone of 1 kHz); a small second stream;
