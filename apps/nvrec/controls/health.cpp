@@ -68,6 +68,10 @@ std::optional<std::string> Health::late_thread(Clock::time_point now) const
         const Clock::time_point deadline = one.deadline();
         if (deadline < now && now - deadline > one.patience) return one.name;
     }
+    for (const WatchedThread &one : wall_->watched_threads()) {
+        const Clock::time_point deadline = one.heartbeat_deadline();
+        if (deadline < now && now - deadline > patience_) return one.name;
+    }
     return std::nullopt;
 }
 

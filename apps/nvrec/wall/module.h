@@ -11,6 +11,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -22,6 +23,7 @@
 namespace nvrec
 {
 
+class RecordingView;
 class Reporter;
 class Session;
 class Terminal;
@@ -63,6 +65,12 @@ struct PointerEvent {
     int wheel = 0;        /* notches, up is positive                  */
 };
 
+/** A thread that says when it gives its next sign of life at the latest; max() = it has nothing to do. */
+struct WatchedThread {
+    std::string name;
+    std::function<Clock::time_point()> heartbeat_deadline; /* any thread */
+};
+
 /** The wall as its modules know it. Main thread, except where said. */
 class WallControl
 {
@@ -99,6 +107,24 @@ public:
     /** Whether something records now, for the lamp on the panel. */
     virtual void set_recording(bool /*on*/) {}
     virtual bool recording() const { return false; }
+
+    /** Who records, for whoever shows it (record/recording_status.h); null = nobody. */
+    virtual void set_recorder(const RecordingView * /*recorder*/) {}
+    virtual const RecordingView *recorder() const { return nullptr; }
+
+    /** Whether frames of that camera go into a file now. */
+    virtual bool recording(int /*channel*/) const { return false; }
+
+    /**
+     * What the user must know while it lasts, in one line on the screen: a disk that hangs. Empty =
+     * nothing.
+     */
+    virtual void set_alarm(const std::string & /*text*/) {}
+    virtual std::string alarm() const { return {}; }
+
+    /** Have a module's thread watched by who feeds the watchdog, for as long as the wall stands. */
+    virtual void watch_thread(WatchedThread /*thread*/) {}
+    virtual std::vector<WatchedThread> watched_threads() const { return {}; } /* any thread */
 
     /** End as if the user had asked; the first exit code other than 0 stays. */
     virtual void end(int exit_code) = 0;

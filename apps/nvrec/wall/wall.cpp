@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "host/host.h"
+#include "record/recording_status.h"
 #include "wall/exit_code.h"
 
 namespace nvrec
@@ -152,6 +153,30 @@ void Wall::set_recording(bool on)
 {
     recording_ = on;
     wake(); /* whoever had its turn before */
+}
+
+bool Wall::recording(int channel) const
+{
+    return recorder_ && recorder_->runs(channel);
+}
+
+void Wall::set_alarm(const std::string &text)
+{
+    if (text == alarm_) return;
+    alarm_ = text;
+    wake();
+}
+
+void Wall::watch_thread(WatchedThread thread)
+{
+    const std::scoped_lock guard(watched_lock_);
+    watched_.push_back(std::move(thread));
+}
+
+std::vector<WatchedThread> Wall::watched_threads() const
+{
+    const std::scoped_lock guard(watched_lock_);
+    return watched_;
 }
 
 void Wall::end(int exit_code)

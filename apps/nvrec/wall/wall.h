@@ -15,6 +15,7 @@
 #include <atomic>
 #include <chrono>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -74,6 +75,13 @@ private:
     void wake() override { wakeup_.wake(); }
     void set_recording(bool on) override;
     bool recording() const override { return recording_; }
+    void set_recorder(const RecordingView *recorder) override { recorder_ = recorder; }
+    const RecordingView *recorder() const override { return recorder_; }
+    bool recording(int channel) const override;
+    void set_alarm(const std::string &text) override;
+    std::string alarm() const override { return alarm_; }
+    void watch_thread(WatchedThread thread) override;
+    std::vector<WatchedThread> watched_threads() const override;
     void end(int exit_code) override;
 
     bool open_inputs();
@@ -110,6 +118,10 @@ private:
     ModuleList modules_;
     bool window_open_ = false;
     bool recording_ = false; /* as a module says */
+    const RecordingView *recorder_ = nullptr;
+    std::string alarm_;
+    mutable std::mutex watched_lock_; /* guards the list */
+    std::vector<WatchedThread> watched_;
     bool end_wanted_ = false;
     Clock::time_point began_at_;
     double lasted_s_ = 0;

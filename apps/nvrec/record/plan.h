@@ -1,0 +1,46 @@
+/*
+ * plan.h - when a camera is recorded: always, never, within hours of the day, or around events.
+ *
+ *   always   every frame
+ *   hours    in local time, by day of the week; events outside of the hours are recorded, too
+ *   event    from before_s before an event until after_s behind the last one; before_s is held in
+ *            memory, whole groups of pictures, no more than kMostHeld_bytes a camera
+ *   never    only when the record key asks for it
+ *
+ * Threads: plain values.
+ */
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace nvrec
+{
+
+enum class RecordingMode { kAlways, kHours, kEvent, kNever };
+
+/** A span of every day that is named; it may go beyond midnight (to <= from). Minutes of local time. */
+struct PlanHours {
+    std::array<bool, 7> days = {true, true, true, true, true, true, true}; /* Sunday first; of its begin */
+    int from_min = 0;
+    int to_min = 24 * 60;
+};
+
+struct RecordingPlan {
+    RecordingMode mode = RecordingMode::kAlways;
+    std::vector<PlanHours> hours; /* of kHours */
+    double before_s = 5;          /* kEvent: what lies before an event belongs to it   */
+    double after_s = 20;          /* kEvent and kHours: and what lies behind the last  */
+};
+
+/** Frames that are held for an event that may come. */
+constexpr uint64_t kMostHeld_bytes = 8u << 20;
+constexpr double kLongestBefore_s = 60;
+constexpr double kLongestAfter_s = 3600;
+
+/** Whether a time of day lies within the plan's hours; kAlways: ever, kEvent and kNever: never. */
+bool is_planned(const RecordingPlan &plan, int64_t wall_us);
+
+} // namespace nvrec
