@@ -36,10 +36,18 @@ bool is_kept_out(int channel)
     return shared_word(playback_status) == 1 || is_kept_out_by_zoom(channel);
 }
 
+std::string refusal_of(const AccessUnit &unit)
+{
+    const std::string size = std::to_string(unit.bytes.size()) + " bytes";
+    if (unit.bytes.size() <= NVRHAL_MAX_SEND_BYTES) return "the library refused a frame of " + size;
+    return "the library refused a frame of " + size + ": it takes at most " +
+           std::to_string(NVRHAL_MAX_SEND_BYTES);
+}
+
 } // namespace
 
-Feeder::Feeder(int channel, std::string address, const FeedOptions &options)
-    : channel_(channel), options_(options), input_(std::move(address))
+Feeder::Feeder(int channel, const CameraSource &source, const FeedOptions &options)
+    : channel_(channel), source_(source), options_(options), input_(source.address_of(StreamChoice::kMain))
 {
     if (channel < 32 && (options.sound_channels >> channel & 1) != 0) input_.want_sound();
 }
@@ -102,6 +110,7 @@ void Feeder::run()
     }
     feed();
     set_heartbeat_deadline(Clock::time_point::max());
+    if (!broken_.load() && !stopping()) meter_.ended();
     if (events_.ended) events_.ended(channel_);
 }
 
@@ -126,9 +135,10 @@ void Feeder::feed()
             counters_.refused += !accepted;
             counters_.bytes += accepted ? unit.bytes.size() : 0;
         }
-        if (!accepted && !refused_before && !kept_out && !is_kept_out(channel_))
-            report("the library refused a frame of " + std::to_string(unit.bytes.size()) + " bytes");
+        const bool wanted = accepted || (!kept_out && !is_kept_out(channel_));
+        if (!accepted && !refused_before && wanted) report(refusal_of(unit));
         refused_before = !accepted;
+        if (wanted) note_handed_on(unit, accepted);
         /* Only now: the library changes the decoder when it sees the new codec. */
         if (std::exchange(decoder_changes_, false) && events_.decoder_changed)
             events_.decoder_changed(channel_);
@@ -156,6 +166,7 @@ bool Feeder::next(AccessUnit *unit)
         switch (input_.read(unit)) {
         case Input::Read::kUnit:
             if (unit->key) note_facts();
+            meter_.arrived(Clock::now(), unit->bytes.size(), unit->key, std::nullopt);
             return true;
         case Input::Read::kInterrupted: return false;
         case Input::Read::kEnd:
@@ -286,39 +297,6 @@ void Feeder::set_heartbeat_deadline(Clock::time_point when)
 Clock::time_point Feeder::heartbeat_deadline() const
 {
     return Clock::time_point(Clock::duration(heartbeat_deadline_.load(std::memory_order_relaxed)));
-}
-
-void Feeder::note_facts()
-{
-    const std::scoped_lock guard(lock_);
-    facts_ = input_.facts();
-}
-
-void Feeder::report(const std::string &line)
-{
-    {
-        const std::scoped_lock guard(lock_);
-        trouble_ = line;
-    }
-    if (events_.trouble) events_.trouble(channel_, line);
-}
-
-StreamFacts Feeder::facts() const
-{
-    const std::scoped_lock guard(lock_);
-    return facts_;
-}
-
-FeedCounters Feeder::counters() const
-{
-    const std::scoped_lock guard(lock_);
-    return counters_;
-}
-
-std::string Feeder::trouble() const
-{
-    const std::scoped_lock guard(lock_);
-    return trouble_;
 }
 
 } // namespace nvrec

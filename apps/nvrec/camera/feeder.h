@@ -20,6 +20,9 @@
 #include <string>
 #include <thread>
 
+#include "camera/camera_meter.h"
+#include "camera/camera_source.h"
+#include "camera/camera_status.h"
 #include "camera/input.h"
 #include "host/clock.h"
 
@@ -59,11 +62,12 @@ public:
             unit; /* before it is sent */
         std::function<void(int channel, const SoundBlock &)>
             sound; /* wanted sound, before the unit that is due with it or after it */
+        std::function<void(int channel, const SoundPacket &)> sound_packet; /* the same sound as it came */
         std::function<int32_t(const AccessUnit &, const StreamFacts &)>
             sink; /* where units go; 0 = accepted. None = the channel's decoder */
     };
 
-    Feeder(int channel, std::string address, const FeedOptions &options);
+    Feeder(int channel, const CameraSource &source, const FeedOptions &options);
     ~Feeder();
 
     /** Open the input and read its first key frame. @return false with the reason in trouble(). */
@@ -94,6 +98,16 @@ public:
      */
     Clock::time_point heartbeat_deadline() const;
 
+    /** Where it comes from, as it may be shown. */
+    std::string shown_address() const { return nvrec::shown_address(source_.address); }
+    const CameraSource &source() const { return source_; }
+
+    /** What stands with it now. Any thread. */
+    CameraStatus status() const;
+
+    /** Its decoder was flushed, by a layout: nothing is shown before a key frame. Any thread. */
+    void expect_key() { waits_for_key_.store(true, std::memory_order_relaxed); }
+
     /** Codec, size and frame rate as last learned. */
     StreamFacts facts() const;
     FeedCounters counters() const;
@@ -111,11 +125,13 @@ private:
     int32_t send_to_decoder(const AccessUnit &unit);
     void pass_sound(int64_t until_us);
     void note_facts();
+    void note_handed_on(const AccessUnit &unit, bool accepted);
     void report(const std::string &line);
     void set_heartbeat_deadline(Clock::time_point when);
     bool stopping() const { return stop_.load(std::memory_order_relaxed); }
 
     const int channel_;
+    const CameraSource source_;
     const FeedOptions options_;
     Input input_;
     AccessUnit first_unit_;
@@ -130,6 +146,9 @@ private:
     Clock::time_point paced_at_;   /* live: when the last unit went on    */
     int64_t paced_due_us_ = 0;     /* and when it was due                 */
     bool decoder_changes_ = false; /* the next unit sent gives the channel another decoder */
+
+    std::atomic<bool> waits_for_key_ = true;
+    CameraMeter meter_;
 
     std::mutex sleep_lock_; /* with sleep_, only to wake a waiting thread at stop */
     Condition sleep_;

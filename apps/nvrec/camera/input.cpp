@@ -34,6 +34,8 @@ Input::Read Input::read(AccessUnit *unit)
         unit->due_us = stamp.due_us;
         unit->pts_us = stamp.pts_us;
         last_unit_at_ = Clock::now();
+        unit->wall_us =
+            std::chrono::duration_cast<std::chrono::microseconds>(wall_time().time_since_epoch()).count();
         source_.release();
     }
     place_sound();

@@ -20,6 +20,7 @@
 #include <vector>
 
 #include "camera/packet_source.h"
+#include "camera/sound_packet.h"
 #include "camera/unit_clock.h"
 #include "host/clock.h"
 
@@ -31,6 +32,7 @@ struct AccessUnit {
     std::vector<uint8_t> bytes; /* Annex B                                               */
     bool key = false;           /* a decoder can begin here                              */
     int64_t pts_us = 0;         /* presentation time stamp, from the input's first unit on */
+    int64_t wall_us = 0;        /* time of day of the picture by the recorder's clock, us since 1970 */
     int64_t due_us = 0;         /* when to send it, from the first unit on; never falls back */
 };
 

@@ -1,7 +1,7 @@
 /* packet_source_open.cpp - see packet_source.h: opening, closing, and why it did not work. */
 #include <cstring>
-#include <string_view>
 
+#include "camera/address.h"
 #include "camera/packet_demuxer.h"
 
 namespace nvrec
@@ -18,14 +18,12 @@ std::string text_of(int av_code)
     return text;
 }
 
-bool is_live(std::string_view address)
-{
-    return address.starts_with("rtsp://") || address.starts_with("rtsps://");
-}
-
 } // namespace
 
-PacketSource::PacketSource(std::string address) : address_(std::move(address)), live_(is_live(address_)) {}
+PacketSource::PacketSource(std::string address)
+    : address_(std::move(address)), live_(is_network_address(address_))
+{
+}
 
 PacketSource::~PacketSource() = default;
 

@@ -2,6 +2,8 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <sstream>
+#include <string>
 #include <vector>
 
 extern "C" {
@@ -10,6 +12,7 @@ extern "C" {
 
 #include <CLI/CLI.hpp>
 
+#include "camera/address.h"
 #include "commands/command.h"
 
 namespace
@@ -18,6 +21,13 @@ namespace
 /* Parse, and run the subcommand that was named. */
 int run(int argc, char **argv)
 {
+    bool blanked = false;
+    std::vector<std::string> arguments = nvrec::take_arguments(argc, argv, &blanked);
+    if (blanked)
+        std::fprintf(stderr, "nvrec: an address on the command line carries a password, which is hidden from "
+                             "the list of processes now; it is never there when it comes from the secrets "
+                             "file of \"nvrec run\"\n");
+
     CLI::App app{"nvrec - a network video recorder on nvrhal"};
     app.require_subcommand(1);
     app.set_help_all_flag("--help-all", "Help of every subcommand");
@@ -26,9 +36,16 @@ int run(int argc, char **argv)
                                                   nvrec::play_command(app), nvrec::snapshot_command(app),
                                                   nvrec::key_command(app),  nvrec::board_command(app)};
     try {
-        app.parse(argc, argv);
+        app.name(arguments.empty() ? "nvrec" : arguments.front());
+        /* The parser takes them from the back. */
+        app.parse(
+            std::vector<std::string>(arguments.rbegin(), arguments.rend() - (arguments.empty() ? 0 : 1)));
     } catch (const CLI::ParseError &error) {
-        return app.exit(error) == 0 ? nvrec::kExitDone : nvrec::kExitUsage;
+        std::ostringstream words, complaints; /* which may repeat an argument */
+        const int code = app.exit(error, words, complaints);
+        std::fputs(words.str().c_str(), stdout);
+        std::fputs(nvrec::shown_text(complaints.str()).c_str(), stderr);
+        return code == 0 ? nvrec::kExitDone : nvrec::kExitUsage;
     }
     for (const nvrec::Command &command : commands) {
         if (command.parser->parsed()) return command.run();
@@ -45,7 +62,7 @@ int main(int argc, char **argv)
     try {
         return run(argc, argv);
     } catch (const std::exception &error) {
-        std::fprintf(stderr, "nvrec: %s\n", error.what());
+        std::fprintf(stderr, "nvrec: %s\n", nvrec::shown_text(error.what()).c_str());
         return nvrec::kExitBoardFailed;
     }
 }

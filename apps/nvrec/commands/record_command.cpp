@@ -43,7 +43,7 @@ bool read_network_addresses(const std::vector<std::string> &texts, size_t channe
         if (address && static_cast<size_t>(address->first) < channels && addresses->insert(*address).second)
             continue;
         std::fprintf(stderr, "nvrec: --network %s: CH=ADDRESS is wanted, once for a channel from 0 to %zu\n",
-                     text.c_str(), channels - 1);
+                     shown_address(text).c_str(), channels - 1);
         return false;
     }
     return true;

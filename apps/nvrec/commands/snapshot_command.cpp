@@ -64,7 +64,8 @@ std::vector<std::string> recordings_of(const SnapshotCommand &command)
 {
     if (!command.played.empty()) return command.played;
     std::vector<std::string> files;
-    for (const std::string &input : command.wall.inputs) {
+    for (const CameraSource &camera : command.wall.inputs) {
+        const std::string &input = camera.address;
         if (!Input(input).live()) files.push_back(input);
     }
     return files;

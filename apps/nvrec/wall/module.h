@@ -159,6 +159,9 @@ public:
     /** 40 ms of a camera's sound, when FeedOptions asks for it. The camera's thread. */
     virtual void on_audio(int /*channel*/, const SoundBlock & /*block*/) {}
 
+    /** A camera's sound as it sends it, when FeedOptions asks for sound. The camera's thread. */
+    virtual void on_sound_packet(int /*channel*/, const SoundPacket & /*packet*/) {}
+
     /** @return when the next turn is wanted at the latest; time_point::max() = only when woken. */
     virtual Clock::time_point take_turn(Clock::time_point /*now*/) { return Clock::time_point::max(); }
 

@@ -73,6 +73,12 @@ void ModuleList::on_audio(int channel, const SoundBlock &block)
         module->on_audio(channel, block);
 }
 
+void ModuleList::on_sound_packet(int channel, const SoundPacket &packet)
+{
+    for (const auto &module : modules_)
+        module->on_sound_packet(channel, packet);
+}
+
 bool ModuleList::busy() const
 {
     return std::any_of(modules_.begin(), modules_.end(), [](const auto &module) { return module->busy(); });

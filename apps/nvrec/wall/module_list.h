@@ -41,6 +41,7 @@ public:
 
     void on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts);
     void on_audio(int channel, const SoundBlock &block);
+    void on_sound_packet(int channel, const SoundPacket &packet);
 
     bool busy() const;
 

@@ -67,7 +67,8 @@ std::vector<ChannelReport> Reporter::collect() const
         const host::DecoderCounters from = i < baselines_.size() ? baselines_[i] : host::DecoderCounters{};
         ChannelReport report;
         report.channel = feeder.channel();
-        report.address = feeder.input().address();
+        report.address = feeder.shown_address();
+        report.status = feeder.status();
         report.opened = feeder.opened();
         report.facts = feeder.facts();
         report.fed = feeder.counters();

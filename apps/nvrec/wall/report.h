@@ -23,6 +23,7 @@ struct ChannelReport {
     int channel = 0;
     std::string address;
     bool opened = false;
+    CameraStatus status;
     StreamFacts facts;
     FeedCounters fed;
     bool counted = true;           /* decoders tell what follows */

@@ -22,9 +22,9 @@ constexpr auto kDrain = std::chrono::seconds(3);      /* for what decoders still
 Wall::Wall(const WallOptions &options)
     : options_(options), openings_([this] { wakeup_.wake(); }), reporter_(feeders_)
 {
-    for (const std::string &address : options_.inputs)
+    for (const CameraSource &source : options_.inputs)
         feeders_.push_back(
-            std::make_unique<Feeder>(static_cast<int>(feeders_.size()), address, options_.feed));
+            std::make_unique<Feeder>(static_cast<int>(feeders_.size()), source, options_.feed));
     for (const std::string &picture : options_.pictures)
         orders_.push_back(picture_order(picture));
     const int channels = feeders_.empty() ? options_.channels : static_cast<int>(feeders_.size());
@@ -81,7 +81,7 @@ std::vector<Feeder *> Wall::finished_openings()
     std::vector<Feeder *> finished = openings_.take_finished();
     for (const Feeder *camera : finished) {
         if (camera->opened()) continue;
-        terminal_.error("channel " + std::to_string(camera->channel()) + ": " + camera->input().address() +
+        terminal_.error("channel " + std::to_string(camera->channel()) + ": " + camera->shown_address() +
                         ": " + camera->trouble());
         note_exit_code(kExitInputFailed);
     }
@@ -122,6 +122,8 @@ void Wall::make_decoder(Feeder &camera)
 bool Wall::lay_out()
 {
     modules_.before_layout();
+    for (const auto &feeder : feeders_)
+        feeder->expect_key();
     const bool done = enlarged_ >= 0 ? session_.apply_single(enlarged_) : session_.apply(layout_);
     modules_.on_layout();
     return done;
@@ -229,6 +231,9 @@ void Wall::start_feeding(Feeder &camera)
         modules_.on_unit(channel, unit, facts);
     };
     events.sound = [this](int channel, const SoundBlock &block) { modules_.on_audio(channel, block); };
+    events.sound_packet = [this](int channel, const SoundPacket &packet) {
+        modules_.on_sound_packet(channel, packet);
+    };
     camera.start(std::move(events));
 }
 

@@ -34,7 +34,7 @@ namespace nvrec
 enum class WindowMode { kAuto, kOn, kOff };
 
 struct WallOptions {
-    std::vector<std::string> inputs;
+    std::vector<CameraSource> inputs;
     std::string layout = "auto";
     std::string output = "1920x1080";
     std::vector<std::string> pictures;
