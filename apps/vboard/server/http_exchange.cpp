@@ -114,7 +114,7 @@ Exchange read_exchange(lws *wsi)
     exchange.authorization = header(wsi, WSI_TOKEN_HTTP_AUTHORIZATION);
     exchange.is_chunked = lws_hdr_total_length(wsi, WSI_TOKEN_HTTP_TRANSFER_ENCODING) > 0;
     const std::string length = header(wsi, WSI_TOKEN_HTTP_CONTENT_LENGTH);
-    exchange.has_body = length.find_first_of("123456789") != std::string::npos;
+    exchange.has_body = !exchange.is_chunked && length.find_first_of("123456789") != std::string::npos;
     return exchange;
 }
 
@@ -143,7 +143,7 @@ int HttpServer::Self::begin_exchange(lws *wsi, Session **slot)
     if (!session.reply && exchange.is_chunked)
         session.reply = error_reply("bad_json", "a body needs its Content-Length");
     session.closes = exchange.is_chunked || connections > kMostConnections;
-    if (exchange.has_body && !session.closes) {
+    if (exchange.has_body) {
         session.refused_early = session.reply.has_value();
         return 0; // it comes first
     }
@@ -170,8 +170,10 @@ int HttpServer::Self::take_body(Session &session, const void *bytes, size_t size
     return session.body_sent > kDrained ? -1 : 0;
 }
 
+/* Told for an empty body as well, whose request is under way since its head. */
 int HttpServer::Self::end_body(Session &session)
 {
+    if (!session.exchange.has_body) return 0;
     session.body_sent = 0;
     if (!session.refused_early) {
         dispatch(session);

@@ -37,6 +37,15 @@ def test_parameters_in_the_address_and_in_the_body(board):
     assert board.ask("DELETE", "/api/1/faults?call=board_open") == (200, {})
 
 
+def test_a_request_with_an_empty_body_is_carried_out_once(board):
+    assert board.ask("POST", "/api/1/clock/take")[0] == 200
+    before = board.ask("GET", "/api/1/state")[1]["clock"]["us"]
+    # http.client sends "Content-Length: 0" with it
+    assert board.ask("POST", "/api/1/clock/step?by=40ms")[0] == 200
+    assert board.ask("GET", "/api/1/state")[1]["clock"]["us"] == before + 40000
+    assert board.ask("POST", "/api/1/clock/release")[0] == 200
+
+
 def test_bad_requests_get_a_clear_answer(board):
     assert code(board.ask("POST", "/api/1/press", b"{")) == (400, "bad_json")
     assert code(board.ask("POST", "/api/1/press", b"[1]")) == (400, "bad_json")
