@@ -111,55 +111,44 @@ std::optional<std::string> Reader::text(const std::string &key)
     return node != nullptr ? text_of(*node, key, context_) : std::nullopt;
 }
 
-std::optional<int64_t> Reader::integer(const std::string &key, int64_t least, int64_t most)
+template <typename Parse>
+auto Reader::parsed(const std::string &key, Parse parse, const std::string &wanted)
+    -> decltype(parse(std::string()))
 {
     const auto written = text(key);
     if (!written) return {};
-    const auto value = integer_of(*written);
-    if (value && *value >= least && *value <= most) return value;
-    problem(take(key)->line, "\"" + key + "\" is " + quoted(*written) + ", not an integer from " +
-                                 std::to_string(least) + " to " + std::to_string(most));
-    return {};
+    const auto value = parse(*written);
+    if (!value) problem(take(key)->line, "\"" + key + "\" is " + quoted(*written) + ", not " + wanted);
+    return value;
+}
+
+std::optional<int64_t> Reader::integer(const std::string &key, int64_t least, int64_t most)
+{
+    const auto within = [&](const std::string &written) {
+        const auto value = integer_of(written);
+        return value && *value >= least && *value <= most ? value : std::nullopt;
+    };
+    return parsed(key, within, "an integer from " + std::to_string(least) + " to " + std::to_string(most));
 }
 
 std::optional<bool> Reader::boolean(const std::string &key)
 {
-    const auto written = text(key);
-    if (!written) return {};
-    const auto value = boolean_of(*written);
-    if (!value) problem(take(key)->line, "\"" + key + "\" is " + quoted(*written) + ", not true or false");
-    return value;
+    return parsed(key, boolean_of, "true or false");
 }
 
 std::optional<int64_t> Reader::duration(const std::string &key)
 {
-    const auto written = text(key);
-    if (!written) return {};
-    const auto value = duration_of(*written);
-    if (!value)
-        problem(take(key)->line, "\"" + key + "\" is " + quoted(*written) +
-                                     ", not a duration of at most a day with its unit, as 40ms, 2s or 1m");
-    return value;
+    return parsed(key, duration_of, "a duration of at most a day with its unit, as 40ms, 2s or 1m");
 }
 
 std::optional<double> Reader::percent(const std::string &key)
 {
-    const auto written = text(key);
-    if (!written) return {};
-    const auto value = percent_of(*written);
-    if (!value) problem(take(key)->line, "\"" + key + "\" is " + quoted(*written) + ", not a share as 2%");
-    return value;
+    return parsed(key, percent_of, "a share as 2%");
 }
 
 std::optional<Comparison> Reader::comparison(const std::string &key)
 {
-    const auto written = text(key);
-    if (!written) return {};
-    const auto value = comparison_of(*written);
-    if (!value)
-        problem(take(key)->line, "\"" + key + "\" is " + quoted(*written) +
-                                     ", not a number or a bound as \">= 50\" or \"< 200 MB\"");
-    return value;
+    return parsed(key, comparison_of, "a number or a bound as \">= 50\" or \"< 200 MB\"");
 }
 
 std::optional<size_t> Reader::choice(const std::string &key, const std::vector<std::string> &words)

@@ -56,6 +56,11 @@ public:
     void problem(int line, const std::string &text) { context_.problems.add(line, text); }
 
 private:
+    /* What `parse` makes of a key's text; what it makes nothing of is told as not `wanted`. */
+    template <typename Parse>
+    auto parsed(const std::string &key, Parse parse, const std::string &wanted)
+        -> decltype(parse(std::string()));
+
     const Node node_; // an empty group when it was none
     const std::string what_;
     Context &context_;
