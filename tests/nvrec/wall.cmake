@@ -28,7 +28,7 @@ add_dependencies(nvrec_wall_test nvrec nvrec_clips)
 
 pkg_check_modules(NVREC_RTSP IMPORTED_TARGET gstreamer-rtsp-server-1.0)
 if(NVREC_RTSP_FOUND)
-  add_executable(nvrec_rtsp_camera ${CMAKE_CURRENT_SOURCE_DIR}/rtsp_camera.c)
+  add_executable(nvrec_rtsp_camera ${PROJECT_SOURCE_DIR}/tools/rtsp_camera.c)
   target_link_libraries(nvrec_rtsp_camera PRIVATE PkgConfig::NVREC_RTSP)
   # The other end of the line is not under test, and its libraries are not built for sanitizers.
   target_compile_options(nvrec_rtsp_camera PRIVATE -fno-sanitize=all)

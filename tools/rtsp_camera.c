@@ -1,7 +1,7 @@
 /*
- * rtsp_camera.c - a network camera for tests: serves one MP4 file over RTSP on loopback.
+ * rtsp_camera.c - a network camera in software: serves one MP4 file over RTSP on loopback.
  *
- *   nvrec_rtsp_camera FILE h264|h265 [PORT]
+ *   rtsp_camera FILE h264|h265 [PORT]
  *
  * Prints "port N" once it listens (N is a free port when none is given) and serves
  * rtsp://127.0.0.1:N/camera until its standard input ends. A session ends at the file's end, as a
