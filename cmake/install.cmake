@@ -106,6 +106,9 @@ install(DIRECTORY platform/skeleton conformance DESTINATION ${shared_data} COMPO
 # Pages that go along: how it is built against and ported, and whose libraries are in it.
 install(FILES docs/abi.md docs/installing.md docs/porting.md docs/third-party.md docs/writing-a-recorder.md
   DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT manuals)
+if(TARGET nvrec)
+  install(FILES docs/nvrec.toml DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT manuals)
+endif()
 
 # The archive that `cpack` makes: everything, stripped, below one folder, to be unpacked anywhere.
 if(PROJECT_IS_TOP_LEVEL)

@@ -30,5 +30,7 @@ Command board_command(CLI::App &app);
 Command play_command(CLI::App &app);
 Command snapshot_command(CLI::App &app);
 Command record_command(CLI::App &app);
+Command run_command(CLI::App &app);
+Command check_command(CLI::App &app);
 
 } // namespace nvrec

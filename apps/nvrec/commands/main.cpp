@@ -32,9 +32,11 @@ int run(int argc, char **argv)
     app.require_subcommand(1);
     app.set_help_all_flag("--help-all", "Help of every subcommand");
 
-    const std::vector<nvrec::Command> commands = {nvrec::wall_command(app), nvrec::record_command(app),
-                                                  nvrec::play_command(app), nvrec::snapshot_command(app),
-                                                  nvrec::key_command(app),  nvrec::board_command(app)};
+    const std::vector<nvrec::Command> commands = {
+        nvrec::run_command(app),    nvrec::check_command(app), nvrec::wall_command(app),
+        nvrec::record_command(app), nvrec::play_command(app),  nvrec::snapshot_command(app),
+        nvrec::key_command(app),    nvrec::board_command(app),
+    };
     try {
         app.name(arguments.empty() ? "nvrec" : arguments.front());
         /* The parser takes them from the back. */

@@ -29,18 +29,6 @@ const std::map<std::string, Language> kLanguages = {
     {"zh", Language::kChinese},
 };
 
-/* What the environment asks for, in the order in which the C library looks. */
-Language host_language()
-{
-    for (const char *name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-        const char *value =
-            std::getenv(name); // NOLINT(concurrency-mt-unsafe): nothing writes the environment
-        if (value && *value)
-            return std::string_view(value).starts_with("zh") ? Language::kChinese : Language::kEnglish;
-    }
-    return Language::kEnglish;
-}
-
 /* "CH=TEXT". */
 std::optional<std::pair<int, std::string>> camera_name(const std::string &text)
 {
@@ -69,6 +57,17 @@ std::string check_address(const std::string &text)
 }
 
 } // namespace
+
+Language host_language()
+{
+    for (const char *name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        const char *value =
+            std::getenv(name); // NOLINT(concurrency-mt-unsafe): nothing writes the environment
+        if (value && *value)
+            return std::string_view(value).starts_with("zh") ? Language::kChinese : Language::kEnglish;
+    }
+    return Language::kEnglish;
+}
 
 std::shared_ptr<OverlayOptions> add_overlay_options(CLI::App &command)
 {

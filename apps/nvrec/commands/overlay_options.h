@@ -16,4 +16,7 @@ namespace nvrec
 /** Give a subcommand the overlay's options; they are filled when it is parsed. */
 std::shared_ptr<OverlayOptions> add_overlay_options(CLI::App &command);
 
+/** The language that the environment asks for, its variables taken in the order of the C library. */
+Language host_language();
+
 } // namespace nvrec

@@ -1,12 +1,17 @@
-/* control_socket.cpp - see control_socket.h. */
+/* control_socket.cpp - see control_socket.h: the server. */
 #include "controls/control_socket.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
+#include <deque>
 #include <filesystem>
+#include <mutex>
 #include <system_error>
+#include <thread>
 #include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -14,9 +19,10 @@
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
-#include <sys/un.h>
 #include <unistd.h>
 
+#include "controls/control_address.h"
+#include "controls/control_connection.h"
 #include "host/clock.h"
 
 namespace nvrec
@@ -24,29 +30,19 @@ namespace nvrec
 namespace
 {
 
-constexpr size_t kLongestRequest_bytes = 255;
-constexpr size_t kLongestReply_bytes = 1 << 20;
-constexpr auto kClientSilence = std::chrono::seconds(2); /* of a client */
-constexpr auto kAnswer = std::chrono::seconds(20);       /* of a recorder, which may be laying panes out */
-constexpr int kWaiting = 8;                              /* connections */
+constexpr int kWaiting = 64; /* connections that are not accepted yet */
+constexpr size_t kMostConnections = 64;
+constexpr size_t kWorkers = 4;
+constexpr auto kAcceptAgain = std::chrono::seconds(1); /* after the system refused */
+constexpr auto kLastReplies = std::chrono::milliseconds(200);
 constexpr mode_t kOwnerOnly = 0600;
+constexpr mode_t kOthersWrite = S_IWGRP | S_IWOTH;
 
 std::string error_text()
 {
     return std::system_category().message(errno);
 }
 
-/* False when the path is too long for a socket. */
-bool make_address(const std::string &path, sockaddr_un *address)
-{
-    *address = {};
-    address->sun_family = AF_UNIX;
-    if (path.empty() || path.size() >= sizeof address->sun_path) return false;
-    std::memcpy(address->sun_path, path.data(), path.size());
-    return true;
-}
-
-/* A directory of the user's own in a place where anybody may make one. */
 bool is_private_directory(const std::string &path)
 {
     struct stat found;
@@ -54,39 +50,17 @@ bool is_private_directory(const std::string &path)
            (found.st_mode & 077) == 0;
 }
 
-/* Read until the line end; nothing when the line is too long, cut off or too slow. */
-std::optional<std::string> read_request(int connection)
+/* A directory in which nobody else can put another socket in the place of ours, or hold our lock. */
+bool is_guarded_directory(const std::string &path)
 {
-    std::string line;
-    char letter;
-    while (line.size() <= kLongestRequest_bytes && wait_readable(connection, Clock::now() + kClientSilence) &&
-           recv(connection, &letter, 1, 0) == 1) {
-        if (letter == '\n') return line;
-        line += letter;
-    }
-    return std::nullopt;
+    struct stat found;
+    if (stat(path.c_str(), &found) != 0) return true; /* what is missing is told better by bind() */
+    return (found.st_uid == getuid() || found.st_uid == 0) && (found.st_mode & kOthersWrite) == 0;
 }
 
-bool send_all(int connection, const std::string &text)
+int open_spare()
 {
-    for (size_t sent = 0; sent < text.size();) {
-        const ssize_t count = send(connection, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
-        if (count <= 0) return false;
-        sent += static_cast<size_t>(count);
-    }
-    return true;
-}
-
-std::string read_reply(int connection)
-{
-    std::string text;
-    char bytes[4096];
-    while (text.size() < kLongestReply_bytes && wait_readable(connection, Clock::now() + kAnswer)) {
-        const ssize_t count = recv(connection, bytes, sizeof bytes, 0);
-        if (count <= 0) break;
-        text.append(bytes, static_cast<size_t>(count));
-    }
-    return text;
+    return open("/dev/null", O_RDONLY | O_CLOEXEC);
 }
 
 } // namespace
@@ -98,114 +72,283 @@ std::string default_control_path()
     return "/tmp/nvrec-" + std::to_string(getuid()) + "/nvrec.socket";
 }
 
-ControlServer::Start ControlServer::fail(Start result, const std::string &reason)
+/* What a server has while it listens. */
+struct ControlServer::Listening {
+    ~Listening();
+
+    std::string open(const std::string &path);
+    bool lock();
+    void start();
+    void speak();
+    void accept_all(Clock::time_point now);
+    bool accept_one(Clock::time_point now);
+    void turn_away();
+    void make_room();
+    void serve(const std::vector<pollfd> &sources, Clock::time_point now);
+    void ask(ControlConnection &connection);
+    void take_replies(Clock::time_point now);
+    void write_last_replies();
+    void work();
+
+    std::string path;
+    ControlHandler handler;
+    bool taken = false; /* open() failed because another recorder listens there */
+    bool bound = false;
+    int lock_file = -1; /* of PATH.lock: tells a running recorder from one that died          */
+    int socket = -1;
+    int wake = -1;  /* eventfd: a reply, or the end                                             */
+    int spare = -1; /* given up to accept and turn a client away when the process has no other */
+
+    /* The speaking thread's. */
+    std::vector<std::unique_ptr<ControlConnection>> connections;
+    uint64_t next_number = 1;
+    Clock::time_point accept_at; /* not before */
+    DescriptorWait waiting;
+
+    std::mutex mutex; /* guards what follows */
+    Condition changed;
+    std::deque<std::pair<uint64_t, std::string>> requests, replies; /* by the connection's number */
+    bool ending = false;
+
+    std::thread speaker;
+    std::array<std::thread, kWorkers> workers;
+};
+
+ControlServer::Listening::~Listening()
 {
-    error_ = reason;
-    for (int *descriptor : {&socket_, &lock_, &end_}) {
-        if (*descriptor >= 0) close(*descriptor);
-        *descriptor = -1;
+    if (speaker.joinable()) {
+        {
+            const std::scoped_lock guard(mutex);
+            ending = true;
+            changed.notify();
+        }
+        for (std::thread &worker : workers)
+            worker.join(); /* before the speaker, who writes what they gave back */
+        eventfd_write(wake, 1);
+        speaker.join();
     }
-    return result;
+    connections.clear();
+    if (bound) unlink(path.c_str());
+    for (const int descriptor : {socket, wake, spare, lock_file}) { /* the lock goes last of all */
+        if (descriptor >= 0) close(descriptor);
+    }
 }
 
 /* The system gives the lock of a recorder that died back, so whoever holds it is alive. */
-bool ControlServer::lock(const std::string &path)
+bool ControlServer::Listening::lock()
 {
-    lock_ = open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kOwnerOnly);
-    return lock_ >= 0 && flock(lock_, LOCK_EX | LOCK_NB) == 0;
+    lock_file = ::open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kOwnerOnly);
+    return lock_file >= 0 && flock(lock_file, LOCK_EX | LOCK_NB) == 0;
 }
+
+/* Empty, or why not. */
+std::string ControlServer::Listening::open(const std::string &wanted)
+{
+    path = wanted;
+    sockaddr_un address;
+    if (!make_control_address(path, &address))
+        return "a socket's path has 1 to " + std::to_string(kLongestControlPath) + " letters";
+    std::filesystem::path directory = std::filesystem::path(path).parent_path();
+    if (directory.empty()) directory = ".";
+    mkdir(directory.c_str(), 0700); /* the next calls tell whether it is there */
+    if (path == default_control_path() && !is_private_directory(directory))
+        return directory.string() + " is not a directory of this user alone";
+    if (!is_guarded_directory(directory))
+        return "others can write to the directory " + directory.string() +
+               ", and could put a socket of theirs in its place";
+    if (!lock()) {
+        taken = errno == EWOULDBLOCK;
+        return taken ? "another recorder listens there" : error_text();
+    }
+    struct stat found;
+    if (lstat(path.c_str(), &found) == 0) {
+        if (!S_ISSOCK(found.st_mode)) return "there is something else than a socket";
+        unlink(path.c_str()); /* of a recorder that died */
+    }
+    socket = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
+    wake = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    spare = open_spare();
+    if (socket < 0 || wake < 0 || spare < 0) return error_text();
+    if (bind(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0) return error_text();
+    bound = true;
+    /* Its mode before anybody can connect. */
+    if (chmod(path.c_str(), kOwnerOnly) != 0 || listen(socket, kWaiting) != 0) return error_text();
+    return {};
+}
+
+void ControlServer::Listening::start()
+{
+    speaker = std::thread([this] { speak(); });
+    for (std::thread &worker : workers)
+        worker = std::thread([this] { work(); });
+}
+
+/* Answers one request after the other; at the end those that are waiting are not begun. */
+void ControlServer::Listening::work()
+{
+    std::unique_lock guard(mutex);
+    for (;;) {
+        changed.wait(guard, [this] { return ending || !requests.empty(); });
+        if (ending) return;
+        const auto [number, request] = std::move(requests.front());
+        requests.pop_front();
+        guard.unlock();
+        std::string reply = handler(request);
+        guard.lock();
+        replies.emplace_back(number, std::move(reply));
+        eventfd_write(wake, 1);
+    }
+}
+
+void ControlServer::Listening::speak()
+{
+    std::vector<pollfd> sources;
+    for (;;) {
+        Clock::time_point now = Clock::now();
+        Clock::time_point next = accept_at > now ? accept_at : Clock::time_point::max();
+        sources.assign({{wake, POLLIN, 0}, {accept_at > now ? -1 : socket, POLLIN, 0}});
+        for (const auto &connection : connections) {
+            /* poll(2) leaves negative ones out: a hang-up would be told again and again. */
+            const bool asked = connection->state() == ControlConnection::State::kAsked;
+            sources.push_back({asked ? -1 : connection->descriptor(), connection->wanted(), 0});
+            next = std::min(next, connection->deadline());
+        }
+        waiting.wait(sources.data(), sources.size(), next);
+        now = Clock::now();
+        eventfd_t wakes;
+        eventfd_read(wake, &wakes);
+        take_replies(now);
+        {
+            const std::scoped_lock guard(mutex);
+            if (ending) break;
+        }
+        serve(sources, now);
+        if (sources[1].revents != 0) accept_all(now);
+    }
+    write_last_replies();
+}
+
+void ControlServer::Listening::serve(const std::vector<pollfd> &sources, Clock::time_point now)
+{
+    for (size_t i = 0; i + 2 < sources.size(); ++i) {
+        ControlConnection &connection = *connections[i];
+        if (connection.state() == ControlConnection::State::kWriting && sources[i + 2].revents != 0) {
+            connection.write(now);
+        } else if (sources[i + 2].revents != 0) {
+            connection.read(now);
+            if (connection.state() == ControlConnection::State::kAsked) ask(connection);
+        }
+        if (connection.deadline() <= now) connection.timed_out(now);
+    }
+    std::erase_if(connections, [](const auto &connection) {
+        return connection->state() == ControlConnection::State::kOver;
+    });
+}
+
+void ControlServer::Listening::ask(ControlConnection &connection)
+{
+    const std::scoped_lock guard(mutex);
+    requests.emplace_back(connection.number(), connection.request());
+    changed.notify();
+}
+
+void ControlServer::Listening::take_replies(Clock::time_point now)
+{
+    std::deque<std::pair<uint64_t, std::string>> ready;
+    {
+        const std::scoped_lock guard(mutex);
+        ready.swap(replies);
+    }
+    for (auto &[number, text] : ready) {
+        const auto found = std::ranges::find(connections, number, &ControlConnection::number);
+        if (found != connections.end()) (*found)->reply(std::move(text), now);
+    }
+}
+
+void ControlServer::Listening::accept_all(Clock::time_point now)
+{
+    while (accept_one(now)) {
+    }
+}
+
+bool ControlServer::Listening::accept_one(Clock::time_point now)
+{
+    const int connection = accept4(socket, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+    if (connection >= 0) {
+        make_room();
+        connections.push_back(std::make_unique<ControlConnection>(connection, next_number++, now));
+        return true;
+    }
+    if (errno == EINTR || errno == ECONNABORTED) return true;
+    if (errno == EAGAIN || errno == EWOULDBLOCK) return false;
+    if (errno == EMFILE || errno == ENFILE) turn_away();
+    accept_at = now + kAcceptAgain; /* the connection still waits, and would wake this thread at once */
+    return false;
+}
+
+/* Out of descriptors: whoever waits is told, by the one that was kept for that. */
+void ControlServer::Listening::turn_away()
+{
+    close(spare);
+    spare = -1;
+    for (int connection = 0; connection >= 0;) {
+        connection = accept4(socket, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+        if (connection < 0) break;
+        constexpr std::string_view kReason = "error: the recorder is out of descriptors\n";
+        send(connection, kReason.data(), kReason.size(), MSG_NOSIGNAL | MSG_DONTWAIT);
+        close(connection);
+    }
+    spare = open_spare();
+}
+
+/* The client that has not asked for the longest time makes room for one that may. */
+void ControlServer::Listening::make_room()
+{
+    if (connections.size() < kMostConnections) return;
+    const auto oldest = std::ranges::min_element(connections, {}, [](const auto &connection) {
+        const bool busy = connection->state() == ControlConnection::State::kAsked;
+        return std::pair(busy, connection->connected_at());
+    });
+    connections.erase(oldest);
+}
+
+/* The workers have ended; what they gave back goes out, to clients that take it. */
+void ControlServer::Listening::write_last_replies()
+{
+    const Clock::time_point end = Clock::now() + kLastReplies;
+    take_replies(Clock::now());
+    for (;;) {
+        std::vector<pollfd> sources;
+        for (const auto &connection : connections) {
+            if (connection->state() == ControlConnection::State::kWriting)
+                sources.push_back({connection->descriptor(), POLLOUT, 0});
+        }
+        if (sources.empty() || Clock::now() >= end) return;
+        waiting.wait(sources.data(), sources.size(), end);
+        for (const auto &connection : connections) {
+            if (connection->state() == ControlConnection::State::kWriting) connection->write(Clock::now());
+        }
+    }
+}
+
+ControlServer::ControlServer() = default;
+
+ControlServer::~ControlServer() = default;
 
 ControlServer::Start ControlServer::start(const std::string &path, ControlHandler handler)
 {
-    sockaddr_un address;
-    if (!make_address(path, &address))
-        return fail(Start::kFailed,
-                    "a socket's path has 1 to " + std::to_string(sizeof address.sun_path - 1) + " letters");
-    const std::filesystem::path directory = std::filesystem::path(path).parent_path();
-    if (!directory.empty()) mkdir(directory.c_str(), 0700); /* the next calls tell whether it is there */
-    if (path == default_control_path() && !is_private_directory(directory))
-        return fail(Start::kFailed, directory.string() + " is not a directory of this user alone");
-    if (!lock(path))
-        return errno == EWOULDBLOCK ? fail(Start::kTaken, "another recorder listens there")
-                                    : fail(Start::kFailed, error_text());
-
-    struct stat found;
-    if (lstat(path.c_str(), &found) == 0) {
-        if (!S_ISSOCK(found.st_mode)) return fail(Start::kFailed, "there is something else than a socket");
-        unlink(path.c_str()); /* of a recorder that died */
-    }
-    socket_ = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    end_ = eventfd(0, EFD_CLOEXEC);
-    const auto *name = reinterpret_cast<const sockaddr *>(&address);
-    /* Its mode before anybody can connect. */
-    if (socket_ < 0 || end_ < 0 || bind(socket_, name, sizeof address) != 0 ||
-        chmod(path.c_str(), kOwnerOnly) != 0 || listen(socket_, kWaiting) != 0)
-        return fail(Start::kFailed, error_text());
-
-    path_ = path;
-    handler_ = std::move(handler);
-    thread_ = std::thread([this] { run(); });
+    auto fresh = std::make_unique<Listening>();
+    error_ = fresh->open(path);
+    if (!error_.empty()) return fresh->taken ? Start::kTaken : Start::kFailed;
+    fresh->handler = std::move(handler);
+    fresh->start();
+    listening_ = std::move(fresh);
     return Start::kListening;
-}
-
-void ControlServer::run()
-{
-    for (;;) {
-        pollfd sources[] = {{socket_, POLLIN, 0}, {end_, POLLIN, 0}};
-        if (poll(sources, 2, -1) < 0 && errno != EINTR) return;
-        if (sources[1].revents != 0) return;
-        if (sources[0].revents == 0) continue;
-        const int connection = accept4(socket_, nullptr, nullptr, SOCK_CLOEXEC);
-        if (connection < 0) continue;
-        serve(connection);
-        close(connection);
-    }
-}
-
-void ControlServer::serve(int connection)
-{
-    const timeval patience = {kClientSilence.count(), 0}; /* a client that does not read */
-    setsockopt(connection, SOL_SOCKET, SO_SNDTIMEO, &patience, sizeof patience);
-    const std::optional<std::string> request = read_request(connection);
-    send_all(connection, request ? handler_(*request)
-                                 : "error: a request is one line of at most " +
-                                       std::to_string(kLongestRequest_bytes) + " bytes\n");
 }
 
 void ControlServer::stop()
 {
-    if (!thread_.joinable()) return;
-    eventfd_write(end_, 1);
-    thread_.join();
-    unlink(path_.c_str());
-    fail(Start::kFailed, {}); /* closes; the lock goes last of all */
-}
-
-std::optional<ControlReply> ask_recorder(const std::string &path, const std::string &request)
-{
-    sockaddr_un address;
-    if (!make_address(path, &address)) return std::nullopt;
-    const int connection = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    if (connection < 0) return std::nullopt;
-    std::optional<ControlReply> reply;
-    if (connect(connection, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0) {
-        reply.emplace();
-        send_all(connection, request + "\n");
-        const std::string text = read_reply(connection);
-        const size_t end = text.find('\n');
-        constexpr std::string_view kError = "error: ";
-        if (end == std::string::npos) {
-            reply->text = "the recorder did not answer";
-        } else if (text.compare(0, end, "ok") == 0) {
-            reply->ok = true;
-            reply->text = text.substr(end + 1);
-        } else {
-            reply->text = text.substr(0, end);
-            if (reply->text.starts_with(kError)) reply->text.erase(0, kError.size());
-        }
-    }
-    close(connection);
-    return reply;
+    listening_.reset();
 }
 
 } // namespace nvrec

@@ -2,24 +2,32 @@
  * control_socket.h - the Unix socket on which a running recorder takes requests: one line of text in,
  * lines of text out, then the recorder closes.
  *
- *   request   WORD [ARGUMENT ...] \n         at most 255 bytes
+ *   request   WORD [ARGUMENT ...] \n         at most 255 bytes, whole within two seconds
  *   reply     "ok" \n, then lines of text    or    "error: REASON" \n
  *
- * Threads: the server runs one of its own, which takes one connection after the other and gives a
- * silent one two seconds. The client blocks its caller.
+ *   connected --line--> asked --a worker--> answered --written--> lingering --closed by the client-->
+ *       |                                      ^                     until what it still sends is read,
+ *       +--two seconds, too long, cut off------+                     so that it gets its reply
+ *
+ * Threads: the server runs one that speaks with all clients at once and waits for none of them, and
+ * workers that answer, so that a request that takes its time holds up no other. The client blocks its
+ * caller.
  */
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
-#include <thread>
 
 namespace nvrec
 {
 
-/** Answers a request, without its line end; the server's thread. The reply, with its line ends. */
+/** Answers a request, without its line end; a worker's thread. The reply, with its line ends. */
 using ControlHandler = std::function<std::string(const std::string &request)>;
+
+/** The longest request, without its line end. */
+constexpr size_t kLongestRequest_bytes = 255;
 
 /**
  * Where a user's recorder listens when nothing else is said: $XDG_RUNTIME_DIR/nvrec.socket, or
@@ -32,33 +40,30 @@ class ControlServer
 public:
     enum class Start { kListening, kTaken, kFailed };
 
-    ~ControlServer() { stop(); }
+    ControlServer();
+    ~ControlServer();
 
     /**
      * Listen. Missing directories are made, for their owner alone; so is the socket. A socket that a
-     * recorder left behind is replaced; that of a running one is not.
+     * recorder left behind is replaced; that of a running one is not. A directory that others can
+     * write to is refused, with the sticky bit or without: whoever came first there would own the lock.
      * @return kTaken = another recorder listens there; kFailed = see error()
      */
     Start start(const std::string &path, ControlHandler handler);
 
-    /** End the thread and remove the socket. */
+    /**
+     * End the threads and remove the socket. Clients that have not asked yet are dropped; the handler
+     * has to give the replies that are under way back soon.
+     */
     void stop();
 
     const std::string &error() const { return error_; }
 
 private:
-    Start fail(Start result, const std::string &reason);
-    bool lock(const std::string &path);
-    void run();
-    void serve(int connection);
+    struct Listening;
 
-    ControlHandler handler_;
-    std::string path_;
     std::string error_;
-    int lock_ = -1; /* of PATH.lock: tells a running recorder from one that died */
-    int socket_ = -1;
-    int end_ = -1; /* eventfd: stop() */
-    std::thread thread_;
+    std::unique_ptr<Listening> listening_; /* null = it does not run */
 };
 
 /** What a request to a running recorder gave. */

@@ -10,6 +10,7 @@
 
 #include <chrono>
 #include <condition_variable>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <mutex>
@@ -92,5 +93,26 @@ private:
  * @return false = the time came first, or a signal
  */
 bool wait_readable(int descriptor, Clock::time_point when);
+
+/**
+ * Waits for several descriptors, as poll(2) does, with a limit on Clock. It has what it needs from its
+ * making on, so that it waits in a process that is out of descriptors, too. One thread at a time.
+ */
+class DescriptorWait
+{
+public:
+    DescriptorWait();
+    ~DescriptorWait();
+    DescriptorWait(const DescriptorWait &) = delete;
+    DescriptorWait &operator=(const DescriptorWait &) = delete;
+
+    /** @return how many have something, 0 = the time came first, or a signal */
+    int wait(pollfd *sources, size_t count, Clock::time_point when);
+
+    struct State;
+
+private:
+    std::unique_ptr<State> state_;
+};
 
 } // namespace nvrec

@@ -71,4 +71,16 @@ bool wait_readable(int descriptor, Clock::time_point when)
     return poll(&source, 1, static_cast<int>(left_ms)) > 0;
 }
 
+struct DescriptorWait::State {
+};
+
+DescriptorWait::DescriptorWait() = default;
+DescriptorWait::~DescriptorWait() = default;
+
+int DescriptorWait::wait(pollfd *sources, size_t count, Clock::time_point when)
+{
+    const auto left_ms = std::chrono::ceil<std::chrono::milliseconds>(time_until(when)).count();
+    return std::max(poll(sources, count, static_cast<int>(left_ms)), 0);
+}
+
 } // namespace nvrec

@@ -199,4 +199,45 @@ bool wait_readable(int descriptor, Clock::time_point when)
     return readable;
 }
 
+struct DescriptorWait::State {
+    State() : jumped(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    {
+        jump_listeners().add(this, [](void *self) { eventfd_write(static_cast<State *>(self)->jumped, 1); });
+    }
+    ~State()
+    {
+        jump_listeners().remove(this);
+        close(jumped);
+    }
+    State(const State &) = delete;
+    State &operator=(const State &) = delete;
+
+    const int jumped;
+    std::vector<pollfd> sources;
+};
+
+DescriptorWait::DescriptorWait() : state_(std::make_unique<State>()) {}
+DescriptorWait::~DescriptorWait() = default;
+
+int DescriptorWait::wait(pollfd *sources, size_t count, Clock::time_point when)
+{
+    std::vector<pollfd> &all = state_->sources;
+    all.assign(sources, sources + count);
+    all.push_back({state_->jumped, POLLIN, 0});
+    vboard_clock_add_sleeper(board_time_us(when));
+    int found = 0;
+    for (bool over = false; !over;) {
+        eventfd_t jumps;
+        eventfd_read(state_->jumped, &jumps); /* first: a jump after this ends the poll */
+        const auto left_ms = std::chrono::ceil<std::chrono::milliseconds>(time_until(when)).count();
+        const int limit_ms = clock_stands() && left_ms > 0 ? -1 : static_cast<int>(left_ms);
+        found = poll(all.data(), all.size(), limit_ms);
+        if (found > 0 && all.back().revents != 0) --found;
+        over = found != 0 || left_ms == 0;
+    }
+    vboard_clock_remove_sleeper(board_time_us(when));
+    std::copy_n(all.begin(), count, sources);
+    return std::max(found, 0);
+}
+
 } // namespace nvrec

@@ -1,0 +1,123 @@
+/* run_options.cpp - see run_options.h. */
+#include "commands/run_options.h"
+
+#include <cstdio>
+
+#include "camera/camera_source.h"
+#include "commands/overlay_options.h"
+#include "controls/controls.h"
+#include "record/listen.h"
+#include "record/recorder.h"
+#include "wall/exit_code.h"
+#include "wall/wall.h"
+
+namespace nvrec
+{
+namespace
+{
+
+const char *mode_name(config::RecordMode mode)
+{
+    switch (mode) {
+    case config::RecordMode::kAlways: return "always";
+    case config::RecordMode::kHours: return "at its hours";
+    case config::RecordMode::kEvent: return "at events";
+    case config::RecordMode::kNever: break;
+    }
+    return "never";
+}
+
+WindowMode window_of(config::Wanted wanted)
+{
+    return wanted == config::Wanted::kOn    ? WindowMode::kOn
+           : wanted == config::Wanted::kOff ? WindowMode::kOff
+                                            : WindowMode::kAuto;
+}
+
+OverlayMode overlay_of(config::Wanted wanted)
+{
+    return wanted == config::Wanted::kOn    ? OverlayMode::kOn
+           : wanted == config::Wanted::kOff ? OverlayMode::kOff
+                                            : OverlayMode::kAuto;
+}
+
+} // namespace
+
+int print_faults(const config::Reading &reading)
+{
+    for (const config::Fault &fault : reading.faults)
+        std::fprintf(stderr, "nvrec: %s\n", fault.shown().c_str());
+    return kExitUsage;
+}
+
+CameraSource source_of(const config::Camera &camera)
+{
+    CameraSource source(camera.main);
+    source.name = camera.name;
+    source.sub_address = camera.sub;
+    source.transport = camera.transport == config::Transport::kTcp   ? Transport::kTcp
+                       : camera.transport == config::Transport::kUdp ? Transport::kUdp
+                                                                     : Transport::kAuto;
+    source.user = camera.user;
+    source.password = camera.password;
+    return source;
+}
+
+std::string shown_camera(const config::Config &config, const config::Camera &camera)
+{
+    const CameraSource source = source_of(camera);
+    std::string line = camera.name + ": " + shown_address(source.address_of(StreamChoice::kMain));
+    if (!camera.sub.empty()) line += ", small " + shown_address(source.address_of(StreamChoice::kSub));
+    return line + ", recorded " + (config.record.directory.empty() ? "never" : mode_name(camera.plan.mode));
+}
+
+void fill(const config::Config &config, WallOptions *options)
+{
+    for (const config::Camera &camera : config.cameras) {
+        options->inputs.push_back(source_of(camera));
+        options->feed.loop |= camera.loop;
+    }
+    options->layout = config.screen.layout;
+    options->output = config.screen.output;
+    options->window = window_of(config.screen.window);
+    options->log_path = config.log.file;
+    options->channels = config.channels();
+    options->feed.sound_channels = config.record.directory.empty() ? 0 : UINT32_MAX;
+    const int heard = config.channel_of(config.sound.camera);
+    if (heard >= 0) options->feed.sound_channels |= 1u << heard;
+}
+
+void fill(const config::Config &config, RecorderOptions *options)
+{
+    options->record.directory = config.record.directory;
+    options->record.container =
+        config.record.format == config::Kind::kMkv ? Container::kMkv : Container::kMp4;
+    options->record.segment_s = config.record.segment_s;
+}
+
+void fill(const config::Config &config, OverlayOptions *options)
+{
+    options->mode = overlay_of(config.screen.overlay);
+    for (size_t i = 0; i < config.cameras.size(); ++i)
+        options->names.given.insert_or_assign(static_cast<int>(i), config.cameras[i].name);
+    options->names.language = config.screen.language.empty()   ? host_language()
+                              : config.screen.language == "zh" ? Language::kChinese
+                                                               : Language::kEnglish;
+    if (config.screen.traditional) options->names.script = ChineseScript::kTraditional;
+    options->font_path = config.screen.font;
+}
+
+void fill(const config::Config &config, ControlOptions *options)
+{
+    options->socket = config.control.socket;
+    options->watchdog_s = config.board.watchdog_s;
+    options->hung_after_s = config.board.hung_after_s;
+}
+
+void fill(const config::Config &config, ListenOptions *options)
+{
+    options->channel = config.channel_of(config.sound.camera);
+    options->wav_path = config.sound.wav;
+}
+
+} // namespace nvrec

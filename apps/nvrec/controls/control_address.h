@@ -1,0 +1,29 @@
+/*
+ * control_address.h - a path as the address of a Unix socket.
+ *
+ * Threads: any.
+ */
+#pragma once
+
+#include <cstring>
+#include <string>
+
+#include <sys/socket.h>
+#include <sys/un.h>
+
+namespace nvrec
+{
+
+constexpr size_t kLongestControlPath = sizeof(sockaddr_un::sun_path) - 1;
+
+/** @return false = the path is empty, or too long for a socket. */
+inline bool make_control_address(const std::string &path, sockaddr_un *address)
+{
+    *address = {};
+    address->sun_family = AF_UNIX;
+    if (path.empty() || path.size() > kLongestControlPath) return false;
+    std::memcpy(address->sun_path, path.data(), path.size());
+    return true;
+}
+
+} // namespace nvrec
