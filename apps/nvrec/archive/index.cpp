@@ -1,0 +1,223 @@
+/* index.cpp - see index.h: opening, making and saving the database, and what is changed in it. */
+#include "archive/index.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr int64_t kVersion = 1;
+constexpr mode_t kIndexMode = 0640;
+
+/* Commits are not synced one by one: at a power failure the last of them may be missing, and the files
+ * say it again. What is there is whole. */
+constexpr const char *kSettings = "PRAGMA journal_mode = WAL;"
+                                  "PRAGMA synchronous = NORMAL;"
+                                  "PRAGMA foreign_keys = ON;";
+
+constexpr const char *kTables =
+    "CREATE TABLE cameras (id INTEGER PRIMARY KEY, channel INTEGER NOT NULL, name TEXT NOT NULL,"
+    "  UNIQUE (channel, name));"
+    "CREATE TABLE segments (id INTEGER PRIMARY KEY, camera INTEGER NOT NULL REFERENCES cameras,"
+    "  stream TEXT NOT NULL, file TEXT NOT NULL UNIQUE, from_us INTEGER NOT NULL, to_us INTEGER NOT NULL,"
+    "  bytes INTEGER NOT NULL, finished INTEGER NOT NULL);"
+    "CREATE INDEX segments_by_camera ON segments (camera, stream, from_us);"
+    "CREATE INDEX segments_by_time ON segments (from_us);"
+    "CREATE TABLE gaps (camera INTEGER NOT NULL REFERENCES cameras, stream TEXT NOT NULL,"
+    "  from_us INTEGER NOT NULL, to_us INTEGER NOT NULL, why TEXT NOT NULL,"
+    "  UNIQUE (camera, stream, from_us, to_us));"
+    "CREATE TABLE events (camera INTEGER NOT NULL REFERENCES cameras, at_us INTEGER NOT NULL,"
+    "  kind TEXT NOT NULL, text TEXT NOT NULL);"
+    "CREATE INDEX events_by_time ON events (at_us);"
+    "CREATE TABLE pins (id INTEGER PRIMARY KEY, camera INTEGER NOT NULL REFERENCES cameras,"
+    "  from_us INTEGER NOT NULL, to_us INTEGER NOT NULL);"
+    "PRAGMA user_version = 1;";
+
+/* An empty file of the right mode is an empty database; what SQLite makes beside it has its mode. */
+std::string make_file(const std::string &path)
+{
+    const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kIndexMode);
+    if (file < 0) return std::strerror(errno);
+    ::fchmod(file, kIndexMode);
+    ::close(file);
+    return {};
+}
+
+/* Events and pins are nowhere else. Of a damaged database, what can be read of them. */
+struct Irreplaceable {
+    std::vector<EventRow> events;
+    std::vector<PinRow> pins;
+};
+
+} // namespace
+
+std::string name_in_directory(const std::string &path)
+{
+    return path.substr(path.find_last_of('/') + 1);
+}
+
+std::string CameraRow::shown() const
+{
+    return name.empty() ? "channel " + std::to_string(channel) : name;
+}
+
+std::string Index::open(const std::string &directory)
+{
+    directory_ = directory.empty() ? "." : directory;
+    made_anew_ = false;
+    note_.clear();
+    const std::string path = path_of(kIndexName);
+    std::string problem = make_file(path);
+    if (!problem.empty()) return path + ": " + problem;
+
+    Irreplaceable saved;
+    const bool opened = database_.open(path) && database_.run(kSettings);
+    const int64_t version = opened ? database_.number("PRAGMA user_version", -1) : -1;
+    const int64_t tables = opened ? database_.number("SELECT count(*) FROM sqlite_master", -1) : -1;
+    const bool fresh = version == 0 && tables == 0;
+    const bool whole = version == kVersion && database_.number("SELECT count(*) FROM segments", -1) >= 0 &&
+                       database_.number("SELECT count(*) FROM pins", -1) >= 0;
+    if (whole) return {};
+    if (!fresh) {
+        if (!database_.damaged() && version < 0) return path + ": " + database_.error();
+        if (database_.is_open()) saved = {events({{}, ""}), pins()};
+        database_.close();
+        if (!set_aside(path)) return path + ": it is damaged, and cannot be renamed: " + std::strerror(errno);
+        problem = make_file(path);
+        if (!problem.empty()) return path + ": " + problem;
+        if (!database_.open(path) || !database_.run(kSettings)) return path + ": " + database_.error();
+    }
+    if (!make_tables()) return path + ": " + database_.error();
+    for (const EventRow &event : saved.events)
+        put_event(event);
+    for (const PinRow &pin : saved.pins)
+        put_pin(camera_number(pin.channel, pin.camera), pin.span);
+    made_anew_ = true;
+    return {};
+}
+
+std::string Index::open_in_memory(const std::string &directory)
+{
+    directory_ = directory.empty() ? "." : directory;
+    made_anew_ = true;
+    if (database_.open("") && make_tables()) return {};
+    return "no index in memory: " + database_.error();
+}
+
+bool Index::make_tables()
+{
+    Transaction transaction(database_);
+    return transaction.is_open() && database_.run(kTables) && transaction.commit();
+}
+
+bool Index::set_aside(const std::string &path)
+{
+    const std::string aside = path + ".damaged";
+    if (std::rename(path.c_str(), aside.c_str()) != 0) return false;
+    for (const char *ending : {"-wal", "-shm"})
+        std::remove((path + ending).c_str());
+    note_ = "the index could not be read and is made anew from the files; it is kept as " + aside;
+    return true;
+}
+
+int64_t Index::camera_number(int channel, const std::string &name)
+{
+    Statement find(database_.handle(), "SELECT id FROM cameras WHERE channel = ? AND name = ?");
+    find.bind(0, channel).bind(1, name);
+    if (find.next()) return find.number(0);
+    /* Recordings from before the camera had a name are its own. */
+    Statement name_it(database_.handle(), "UPDATE cameras SET name = ? WHERE channel = ? AND name = ''");
+    if (!name.empty() && name_it.bind(0, name).bind(1, channel).run() && database_.changed() > 0)
+        return camera_number(channel, name);
+    Statement put(database_.handle(), "INSERT INTO cameras (channel, name) VALUES (?, ?)");
+    return put.bind(0, channel).bind(1, name).run() ? database_.last_row() : 0;
+}
+
+bool Index::put_segment(const SegmentRow &row)
+{
+    const int64_t camera = camera_number(row.channel, row.camera);
+    if (camera == 0) return false;
+    Statement put(database_.handle(),
+                  "INSERT INTO segments (camera, stream, file, from_us, to_us, bytes, finished)"
+                  " VALUES (?, ?, ?, ?, ?, ?, ?) ON CONFLICT (file) DO UPDATE SET camera = excluded.camera,"
+                  " stream = excluded.stream, from_us = excluded.from_us, to_us = excluded.to_us,"
+                  " bytes = excluded.bytes, finished = excluded.finished");
+    return put.bind(0, camera)
+        .bind(1, row.stream)
+        .bind(2, name_in_directory(row.path))
+        .bind(3, row.from_us)
+        .bind(4, std::max(row.from_us, row.to_us))
+        .bind(5, row.bytes)
+        .bind(6, row.finished)
+        .run();
+}
+
+bool Index::grow_segment(const std::string &path, int64_t to_us, int64_t bytes, bool finished)
+{
+    Statement grow(database_.handle(), "UPDATE segments SET to_us = max(to_us, ?), bytes = ?, finished = ?"
+                                       " WHERE file = ?");
+    return grow.bind(0, to_us).bind(1, bytes).bind(2, finished).bind(3, name_in_directory(path)).run();
+}
+
+bool Index::remove_segment(const std::string &path)
+{
+    Statement remove(database_.handle(), "DELETE FROM segments WHERE file = ?");
+    return remove.bind(0, name_in_directory(path)).run();
+}
+
+bool Index::put_gap(const GapRow &row)
+{
+    const int64_t camera = camera_number(row.channel, row.camera);
+    if (camera == 0) return false;
+    Statement put(database_.handle(), "INSERT OR REPLACE INTO gaps (camera, stream, from_us, to_us, why)"
+                                      " VALUES (?, ?, ?, ?, ?)");
+    return put.bind(0, camera)
+        .bind(1, row.stream)
+        .bind(2, row.from_us)
+        .bind(3, row.to_us)
+        .bind(4, row.why)
+        .run();
+}
+
+bool Index::put_event(const EventRow &row)
+{
+    const int64_t camera = camera_number(row.channel, row.camera);
+    if (camera == 0) return false;
+    Statement put(database_.handle(), "INSERT INTO events (camera, at_us, kind, text) VALUES (?, ?, ?, ?)");
+    return put.bind(0, camera).bind(1, row.at_us).bind(2, row.kind).bind(3, row.text).run();
+}
+
+int64_t Index::put_pin(int64_t camera, const TimeSpan &span)
+{
+    Statement put(database_.handle(), "INSERT INTO pins (camera, from_us, to_us) VALUES (?, ?, ?)");
+    return put.bind(0, camera).bind(1, span.from_us).bind(2, span.to_us).run() ? database_.last_row() : 0;
+}
+
+int Index::remove_pins(int64_t camera, const TimeSpan &span)
+{
+    Transaction transaction(database_);
+    std::vector<PinRow> touched;
+    Statement find(database_.handle(), "SELECT id, from_us, to_us FROM pins"
+                                       " WHERE camera = ? AND from_us < ? AND to_us > ?");
+    find.bind(0, camera).bind(1, span.to_us).bind(2, span.from_us);
+    while (find.next())
+        touched.push_back({find.number(0), -1, {}, {find.number(1), find.number(2)}});
+    for (const PinRow &pin : touched) {
+        Statement remove(database_.handle(), "DELETE FROM pins WHERE id = ?");
+        if (!remove.bind(0, pin.id).run()) return 0;
+        if (pin.span.from_us < span.from_us) put_pin(camera, {pin.span.from_us, span.from_us});
+        if (pin.span.to_us > span.to_us) put_pin(camera, {span.to_us, pin.span.to_us});
+    }
+    return transaction.commit() ? static_cast<int>(touched.size()) : 0;
+}
+
+} // namespace nvrec

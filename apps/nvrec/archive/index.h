@@ -1,0 +1,176 @@
+/*
+ * index.h - what is recorded in a directory: an SQLite database beside the recordings, nvrec.sqlite.
+ *
+ *   cameras    number, channel, name
+ *   segments   a file each: camera, stream, from, to, bytes, whether it is finished
+ *   gaps       camera, stream, from, to, why: times inside or between files of which nothing is kept
+ *   events     camera, time, kind, text
+ *   pins       camera, from, to: what retention never deletes
+ *
+ * All times are times of day as the recorder's clock said, in microseconds since 1970. A file is
+ * known by its name in the directory, so that the directory may be moved.
+ *
+ * The files are the truth and the index is made from them: one that is missing, damaged or of
+ * another version is made anew (see intake.h), and files that it does not know are taken in. Events
+ * and pins stand in the index alone; from a damaged one they are saved where they can be read.
+ *
+ * The database writes ahead (WAL), so that readers and the one writer do not wait for each other, and
+ * a crash leaves a whole index that may lack its last two seconds; mode 0640.
+ *
+ * Threads: one at a time an Index; as many Indexes as wanted, in any process.
+ */
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "archive/database.h"
+
+namespace nvrec
+{
+
+constexpr const char *kIndexName = "nvrec.sqlite";
+/** Held by the recorder that records into the directory. */
+constexpr const char *kLockName = "nvrec.lock";
+
+/** A camera as the directory knows it: a channel under a name. */
+struct CameraRow {
+    int64_t id = 0;
+    int channel = -1;
+    std::string name; /* empty = nobody named it: recordings of earlier versions */
+
+    /** What a user is told: the name, or "channel 3". */
+    std::string shown() const;
+    bool operator==(const CameraRow &) const = default;
+};
+
+/** A time from its first microsecond to before its last. */
+struct TimeSpan {
+    int64_t from_us = 0, to_us = 0;
+    bool operator==(const TimeSpan &) const = default;
+};
+
+/** One file. */
+struct SegmentRow {
+    int channel = -1;
+    std::string camera; /* name, may be empty      */
+    std::string stream = "main";
+    std::string path; /* given: any path of the file; read: its path with the directory */
+    int64_t from_us = 0;
+    int64_t to_us = 0; /* end of what the file holds by now */
+    int64_t bytes = 0;
+    bool finished = false; /* nothing is added to it any more   */
+};
+
+struct GapRow {
+    int channel = -1;
+    std::string camera;
+    std::string stream = "main";
+    int64_t from_us = 0, to_us = 0;
+    std::string why; /* "no video", "disk", "lost" ... */
+};
+
+struct EventRow {
+    int channel = -1;
+    std::string camera;
+    int64_t at_us = 0;
+    std::string kind; /* "alarm", "motion", "outside" ... */
+    std::string text;
+};
+
+struct PinRow {
+    int64_t id = 0;
+    int channel = -1;
+    std::string camera;
+    TimeSpan span;
+};
+
+/** What a question is about. */
+struct IndexQuery {
+    std::vector<int64_t> cameras; /* their numbers; empty = all */
+    std::string stream = "main";  /* empty = all                 */
+    TimeSpan span = {INT64_MIN, INT64_MAX};
+};
+
+class Index
+{
+public:
+    /**
+     * Open the index of a directory, and make it when it is missing, damaged or of another version;
+     * then it is empty and made_anew() says so: whoever opened it takes the files in.
+     * @return empty, or why not.
+     */
+    std::string open(const std::string &directory);
+
+    /** An index in memory only, for a directory that cannot be written. Empty at first. */
+    std::string open_in_memory(const std::string &directory);
+
+    void close() { database_.close(); }
+    bool made_anew() const { return made_anew_; }
+    /** What was done with a damaged index; empty = there was none. */
+    const std::string &note() const { return note_; }
+    const std::string &directory() const { return directory_; }
+    std::string error() const { return database_.error(); }
+
+    /* What stands in it. */
+    std::vector<CameraRow> cameras();
+    std::vector<SegmentRow> segments(const IndexQuery &query, int64_t most = INT64_MAX);
+    std::vector<GapRow> gaps(const IndexQuery &query);
+    std::vector<EventRow> events(const IndexQuery &query);
+    std::vector<PinRow> pins();
+    std::optional<SegmentRow> segment(const std::string &path);
+
+    /** The last segment that begins before a time, and the first one that begins at it or later. */
+    std::optional<SegmentRow> segment_before(const IndexQuery &query, int64_t at_us);
+    std::optional<SegmentRow> segment_after(const IndexQuery &query, int64_t at_us);
+
+    /**
+     * What is recorded, gaps taken out: spans that do not touch, in order. Pieces that lie no more
+     * than `joined_us` apart count as one.
+     */
+    std::vector<TimeSpan> recorded(const IndexQuery &query, int64_t joined_us);
+
+    /** Bytes of all segments. */
+    int64_t total_bytes();
+
+    /** The oldest finished segment that no pin touches; nothing = there is none. */
+    std::optional<SegmentRow> oldest_unpinned();
+
+    /* Changes. @return false = error() says why. */
+    bool put_segment(const SegmentRow &row);
+    bool grow_segment(const std::string &path, int64_t to_us, int64_t bytes, bool finished);
+    bool remove_segment(const std::string &path);
+    bool put_gap(const GapRow &row);
+    bool put_event(const EventRow &row);
+
+    /** Pin a time of a camera. @return the pin's number, 0 = failed. */
+    int64_t put_pin(int64_t camera, const TimeSpan &span);
+    /** Take pins away from a time of a camera; what lies outside stays pinned. @return how many it touched.
+     */
+    int remove_pins(int64_t camera, const TimeSpan &span);
+
+    /** Number of a camera; it is put in when it is new. */
+    int64_t camera_number(int channel, const std::string &name);
+
+    Database &database() { return database_; }
+
+private:
+    bool make_tables();
+    bool set_aside(const std::string &path);
+    std::string path_of(const std::string &name) const { return directory_ + "/" + name; }
+    SegmentRow segment_of(const Statement &row) const;
+    std::vector<SegmentRow> segments_where(const std::string &condition, const IndexQuery &query,
+                                           const std::string &order, int64_t most);
+
+    Database database_;
+    std::string directory_;
+    std::string note_;
+    bool made_anew_ = false;
+};
+
+/** The name of a file in its directory. */
+std::string name_in_directory(const std::string &path);
+
+} // namespace nvrec

@@ -1,0 +1,281 @@
+/* index_writer.cpp - see index_writer.h. */
+#include "archive/index_writer.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <deque>
+#include <mutex>
+#include <thread>
+#include <utility>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "archive/intake.h"
+#include "archive/time_of_day.h"
+#include "host/clock.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr size_t kMostQueued = 4096;
+constexpr auto kCommitPeriod = std::chrono::seconds(1); /* what a crash may take from the index */
+constexpr auto kRetentionPeriod = std::chrono::seconds(10);
+constexpr auto kLastPatience = std::chrono::milliseconds(500);
+
+using Change = std::function<bool(Index &)>;
+
+/* One recorder a directory. The lock goes with the process, however that ends. */
+class DirectoryLock
+{
+public:
+    ~DirectoryLock()
+    {
+        if (file_ >= 0) ::close(file_);
+    }
+
+    /** @return empty, or why not. */
+    std::string take(const std::string &directory)
+    {
+        const std::string path = directory + "/" + kLockName;
+        if (file_ < 0) file_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0640);
+        if (file_ < 0) return path + ": " + std::strerror(errno);
+        struct flock whole = {};
+        whole.l_type = F_WRLCK;
+        if (::fcntl(file_, F_OFD_SETLK, &whole) == 0) return {};
+        return directory + ": another recorder records into this directory";
+    }
+
+private:
+    int file_ = -1;
+};
+
+} // namespace
+
+/* Lives as long as the thread, which may outlive the writer while a disk hangs. */
+struct IndexWriter::State {
+    std::string directory; /* fixed before the thread begins */
+
+    std::mutex lock; /* guards what follows */
+    Condition changed;
+    Teller tell;
+    RetentionOptions retention;
+    std::deque<Change> queue;
+    bool opened = false; /* locked and open, or refused */
+    std::string refused; /* why                         */
+    bool quit = false;
+    bool ended = false;
+    uint64_t dropped = 0;
+    RetentionState retained;
+    int64_t room_wanted = 0; /* bytes that somebody waits for; 0 = nobody */
+    uint64_t rooms_made = 0;
+    bool room = false;
+
+    void push(Change change)
+    {
+        const std::scoped_lock guard(lock);
+        if (queue.size() >= kMostQueued) {
+            ++dropped;
+            return;
+        }
+        queue.push_back(std::move(change));
+    }
+
+    void say(bool trouble, const std::string &line)
+    {
+        Teller teller;
+        {
+            const std::scoped_lock guard(lock);
+            teller = tell;
+        }
+        if (teller) teller(trouble, line);
+    }
+};
+
+bool is_recorded_into(const std::string &directory)
+{
+    const int file = ::open((directory + "/" + kLockName).c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) return false;
+    struct flock whole = {};
+    whole.l_type = F_WRLCK;
+    const bool taken = ::fcntl(file, F_OFD_GETLK, &whole) == 0 && whole.l_type != F_UNLCK;
+    ::close(file);
+    return taken;
+}
+
+IndexWriter::IndexWriter(Teller on_line) : state_(std::make_shared<State>())
+{
+    state_->tell = std::move(on_line);
+    state_->ended = true;
+}
+
+IndexWriter::~IndexWriter()
+{
+    stop(kLastPatience);
+    const std::scoped_lock guard(state_->lock);
+    state_->tell = {}; /* a thread that is left behind tells nobody */
+}
+
+void IndexWriter::start(const std::string &directory, const RetentionOptions &retention)
+{
+    state_->directory = directory.empty() ? "." : directory;
+    state_->retention = retention;
+    state_->ended = false;
+    std::thread([state = state_] {
+        run(state);
+        const std::scoped_lock guard(state->lock);
+        state->ended = true;
+        state->changed.notify();
+    }).detach();
+}
+
+std::string IndexWriter::wait_open(std::chrono::milliseconds limit)
+{
+    std::unique_lock guard(state_->lock);
+    if (state_->changed.wait_for(guard, limit, [this] { return state_->opened || state_->ended; }))
+        return state_->refused;
+    return state_->directory + ": the disk does not answer";
+}
+
+bool IndexWriter::stop(std::chrono::milliseconds limit)
+{
+    std::unique_lock guard(state_->lock);
+    state_->quit = true;
+    state_->changed.notify();
+    return state_->changed.wait_for(guard, limit, [this] { return state_->ended; });
+}
+
+void IndexWriter::segment_begun(const SegmentRow &row)
+{
+    state_->push([row](Index &index) { return index.put_segment(row); });
+}
+
+void IndexWriter::segment_grown(const std::string &path, int64_t to_us, int64_t bytes)
+{
+    state_->push([=](Index &index) { return index.grow_segment(path, to_us, bytes, false); });
+}
+
+void IndexWriter::segment_ended(const std::string &path, int64_t to_us, int64_t bytes)
+{
+    state_->push([=](Index &index) { return index.grow_segment(path, to_us, bytes, true); });
+}
+
+void IndexWriter::segment_removed(const std::string &path)
+{
+    state_->push([=](Index &index) { return index.remove_segment(path); });
+}
+
+void IndexWriter::gap(const GapRow &row)
+{
+    state_->push([row](Index &index) { return index.put_gap(row); });
+}
+
+void IndexWriter::event(const EventRow &row)
+{
+    state_->push([row](Index &index) { return index.put_event(row); });
+}
+
+void IndexWriter::set_retention(const RetentionOptions &retention)
+{
+    const std::scoped_lock guard(state_->lock);
+    state_->retention = retention;
+}
+
+bool IndexWriter::free_space(int64_t bytes, std::chrono::milliseconds limit)
+{
+    std::unique_lock guard(state_->lock);
+    const uint64_t before = state_->rooms_made;
+    state_->room_wanted = std::max(state_->room_wanted, bytes);
+    state_->changed.notify();
+    return state_->changed.wait_for(
+               guard, limit, [&] { return state_->rooms_made != before || state_->ended || state_->quit; }) &&
+           state_->rooms_made != before && state_->room;
+}
+
+RetentionState IndexWriter::retention_state() const
+{
+    const std::scoped_lock guard(state_->lock);
+    return state_->retained;
+}
+
+uint64_t IndexWriter::dropped() const
+{
+    const std::scoped_lock guard(state_->lock);
+    return state_->dropped;
+}
+
+/* The writer's thread, between taking what was asked for under the lock and doing it without. */
+void IndexWriter::run(const std::shared_ptr<State> &state)
+{
+    DirectoryLock directory_lock;
+    const std::string refused = directory_lock.take(state->directory);
+    Index index;
+    std::string problem = refused.empty() ? index.open(state->directory) : std::string();
+    /* Before anybody records: what is begun from here on must not be taken for torn. */
+    const std::vector<ListedFile> files = list_recordings(state->directory);
+    {
+        const std::scoped_lock guard(state->lock);
+        state->opened = true;
+        state->refused = refused;
+        state->changed.notify();
+    }
+    if (!refused.empty()) return;
+    if (!problem.empty()) {
+        /* Recordings go on without an index: it is made from them later. */
+        state->say(true, "no index: " + problem);
+        problem = index.open_in_memory(state->directory);
+        if (!problem.empty()) return;
+    }
+    if (!index.note().empty()) state->say(true, index.note());
+    for (const std::string &line : take_in(index, files, {.repair = true}).lines)
+        state->say(true, line);
+
+    Recycler retention(index, [&state](const SegmentRow &segment) {
+        state->say(false, "deleted to make room: " + segment.path);
+    });
+    Clock::time_point retention_at = Clock::now();
+    std::string told;
+    std::unique_lock guard(state->lock);
+    while (!state->quit || !state->queue.empty()) {
+        const Clock::time_point commit_at = Clock::now() + kCommitPeriod;
+        state->changed.wait_until(guard, std::min(commit_at, retention_at),
+                                  [&] { return state->quit || state->room_wanted > 0; });
+        std::deque<Change> changes = std::exchange(state->queue, {});
+        const int64_t room_wanted = state->room_wanted;
+        retention.set(state->retention);
+        guard.unlock();
+
+        bool written = true;
+        if (!changes.empty()) {
+            Transaction transaction(index.database());
+            for (const Change &change : changes)
+                written &= change(index);
+            written &= transaction.commit();
+        }
+        std::string trouble = written ? "" : "the index cannot be written: " + index.error();
+        bool room = false;
+        if (room_wanted > 0) room = retention.make_room(room_wanted);
+        if (Clock::now() >= retention_at) {
+            retention.apply(wall_now_us());
+            retention_at = Clock::now() + kRetentionPeriod;
+        }
+        if (trouble.empty()) trouble = retention.state().trouble;
+        if (!trouble.empty() && trouble != told) state->say(true, trouble);
+        told = trouble;
+
+        guard.lock();
+        state->retained = retention.state();
+        state->retained.trouble = trouble;
+        if (room_wanted > 0) {
+            state->room = room;
+            state->room_wanted = 0;
+            ++state->rooms_made;
+            state->changed.notify();
+        }
+    }
+}
+
+} // namespace nvrec

@@ -1,0 +1,186 @@
+/* intake.cpp - see intake.h. */
+#include "archive/intake.h"
+
+#include <algorithm>
+#include <cctype>
+#include <ctime>
+#include <map>
+
+#include <dirent.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "archive/file_extent.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr int64_t kNameSecond_us = 1'000'000;
+constexpr size_t kFilesATransaction = 200;
+
+/* Takes a name apart from its front. */
+class NameReader
+{
+public:
+    explicit NameReader(std::string_view text) : text_(text) {}
+
+    bool take(std::string_view word)
+    {
+        if (!text_.starts_with(word)) return false;
+        text_.remove_prefix(word.size());
+        return true;
+    }
+
+    /** So many digits, or from `count` to `most` of them. -1 = they are not there. */
+    int digits(size_t count, size_t most = 0)
+    {
+        size_t found = 0;
+        int value = 0;
+        while (found < std::max(count, most) && found < text_.size() &&
+               std::isdigit(static_cast<unsigned char>(text_[found])))
+            value = 10 * value + (text_[found++] - '0');
+        if (found < count) return -1;
+        text_.remove_prefix(found);
+        return value;
+    }
+
+    std::string word()
+    {
+        size_t length = 0;
+        while (length < text_.size() && std::isalpha(static_cast<unsigned char>(text_[length])))
+            ++length;
+        std::string taken(text_.substr(0, length));
+        text_.remove_prefix(length);
+        return taken;
+    }
+
+    std::string_view rest() const { return text_; }
+
+private:
+    std::string_view text_;
+};
+
+} // namespace
+
+std::optional<RecordingName> recording_name(std::string_view file)
+{
+    NameReader name(file);
+    RecordingName says;
+    if (!name.take("ch")) return std::nullopt;
+    says.channel = name.digits(2, 4);
+    if (says.channel < 0 || !name.take("-")) return std::nullopt;
+    says.stream = name.word();
+    if (says.stream.empty() || !name.take("-")) return std::nullopt;
+    tm parts = {};
+    parts.tm_year = name.digits(4) - 1900;
+    parts.tm_mon = name.digits(2) - 1;
+    parts.tm_mday = name.digits(2);
+    if (parts.tm_mon < 0 || parts.tm_mday < 1 || !name.take("-")) return std::nullopt;
+    parts.tm_hour = name.digits(2);
+    parts.tm_min = name.digits(2);
+    parts.tm_sec = name.digits(2);
+    if (parts.tm_hour < 0 || parts.tm_min < 0 || parts.tm_sec < 0) return std::nullopt;
+    const bool east = name.rest().starts_with("+");
+    NameReader with_offset = name;
+    int hours = -1, minutes = -1;
+    if (with_offset.take("+") || with_offset.take("-")) {
+        hours = with_offset.digits(2);
+        minutes = hours >= 0 ? with_offset.digits(2) : -1;
+    }
+    if (minutes >= 0) {
+        name = with_offset;
+        says.from_us = (timegm(&parts) - (east ? 60 : -60) * (60 * hours + minutes)) * kNameSecond_us;
+    } else {
+        parts.tm_isdst = -1;
+        says.from_us = mktime(&parts) * kNameSecond_us;
+    }
+    if (name.take("-") && name.digits(1, 6) < 0) return std::nullopt;
+    if (name.rest() != ".mp4" && name.rest() != ".mkv") return std::nullopt;
+    return says;
+}
+
+std::vector<ListedFile> list_recordings(const std::string &directory)
+{
+    std::vector<ListedFile> files;
+    DIR *listing = opendir(directory.c_str());
+    if (!listing) return files;
+    while (const dirent *entry = readdir(listing)) {
+        const auto says = recording_name(entry->d_name);
+        struct stat facts = {};
+        if (!says || fstatat(dirfd(listing), entry->d_name, &facts, 0) != 0 || !S_ISREG(facts.st_mode))
+            continue;
+        files.push_back({entry->d_name, facts.st_size, *says});
+    }
+    closedir(listing);
+    return files;
+}
+
+namespace
+{
+
+/* Cut a torn end off, where that is wanted, and say so. */
+void cut_back(const std::string &path, FileExtent *extent, IntakeResult *result)
+{
+    if (!extent->torn() || extent->duration_us <= 0) return;
+    if (::truncate(path.c_str(), extent->whole_bytes) != 0) {
+        result->lines.push_back(path + ": its end is torn, and cannot be cut off");
+        return;
+    }
+    result->lines.push_back(path + ": its torn end was cut off, " +
+                            std::to_string(extent->bytes - extent->whole_bytes) + " bytes");
+    extent->bytes = extent->whole_bytes;
+    ++result->cut;
+}
+
+} // namespace
+
+IntakeResult take_in(Index &index, const std::vector<ListedFile> &files, const IntakeOptions &options)
+{
+    IntakeResult result;
+    std::map<std::string, SegmentRow> known;
+    for (SegmentRow &row : index.segments({{}, ""}))
+        known.emplace(name_in_directory(row.path), std::move(row));
+
+    std::optional<Transaction> transaction;
+    size_t in_transaction = 0;
+    for (const ListedFile &file : files) {
+        const auto found = known.find(file.name);
+        SegmentRow row = found == known.end() ? SegmentRow() : found->second;
+        const bool is_new = found == known.end();
+        if (!is_new) known.erase(found);
+        if (!is_new && row.bytes == file.bytes && (row.finished || !options.repair)) continue;
+        if (!transaction) transaction.emplace(index.database());
+        const std::string path = index.directory() + "/" + file.name;
+        FileExtent extent = extent_of(path);
+        if (!extent.readable) {
+            result.lines.push_back(path + ": it cannot be played: " + extent.problem);
+            if (!is_new) index.remove_segment(path);
+            continue;
+        }
+        if (options.repair) cut_back(path, &extent, &result);
+        if (is_new) {
+            row.channel = file.says.channel;
+            row.stream = file.says.stream;
+            row.path = path;
+            row.from_us = file.says.from_us;
+        }
+        row.to_us = row.from_us + extent.duration_us;
+        row.bytes = extent.bytes;
+        row.finished = options.repair || (!extent.torn() && is_new);
+        if (!index.put_segment(row)) result.lines.push_back(path + ": not in the index: " + index.error());
+        ++(is_new ? result.added : result.updated);
+        if (++in_transaction % kFilesATransaction == 0) {
+            transaction->commit();
+            transaction.reset();
+        }
+    }
+    if (!known.empty() && !transaction) transaction.emplace(index.database());
+    for (const auto &[name, row] : known)
+        result.removed += index.remove_segment(row.path);
+    if (transaction) transaction->commit();
+    return result;
+}
+
+} // namespace nvrec

@@ -1,0 +1,91 @@
+/* retention.cpp - see retention.h. */
+#include "archive/retention.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr int64_t kAgeSecond_us = 1'000'000;
+
+} // namespace
+
+int64_t free_bytes_of(const std::string &directory)
+{
+    struct statvfs facts = {};
+    if (statvfs(directory.c_str(), &facts) != 0) return -1;
+    return static_cast<int64_t>(facts.f_bavail) * static_cast<int64_t>(facts.f_frsize);
+}
+
+void Recycler::look()
+{
+    state_.total_bytes = index_.total_bytes();
+    state_.free_bytes = free_bytes_of(index_.directory());
+    const auto first = index_.segment_after({{}, "", {}}, INT64_MIN);
+    state_.oldest_us = first ? first->from_us : 0;
+}
+
+/* @return false = there is none that may go, or it does not */
+bool Recycler::remove_oldest(const char *why)
+{
+    const auto segment = index_.oldest_unpinned();
+    if (!segment) {
+        state_.trouble =
+            std::string(why) + ", and nothing may be deleted: all of it is pinned or being written";
+        return false;
+    }
+    /* The file first: an entry without a file is found at the next start, a file without an entry is
+     * taken in again. */
+    if (::unlink(segment->path.c_str()) != 0 && errno != ENOENT) {
+        state_.trouble = segment->path + ": cannot be deleted: " + std::strerror(errno);
+        return false;
+    }
+    if (!index_.remove_segment(segment->path)) {
+        state_.trouble = "the index: " + index_.error();
+        return false;
+    }
+    ++state_.deleted;
+    state_.deleted_bytes += segment->bytes;
+    if (told_) told_(*segment);
+    return true;
+}
+
+void Recycler::apply(int64_t now_us, int most_files)
+{
+    state_.trouble.clear();
+    look();
+    for (int left = most_files; left > 0; --left) {
+        const char *why = nullptr;
+        if (options_.most_bytes > 0 && state_.total_bytes > options_.most_bytes) {
+            why = "recordings are larger than they may be";
+        } else if (options_.least_free > 0 && state_.free_bytes >= 0 &&
+                   state_.free_bytes < options_.least_free) {
+            why = "less is free on the disk than there is to be";
+        } else if (options_.most_age_s > 0) {
+            const auto oldest = index_.oldest_unpinned(); /* what is pinned may be as old as it likes */
+            if (oldest && oldest->to_us < now_us - options_.most_age_s * kAgeSecond_us)
+                why = "recordings are older than they may be";
+        }
+        if (!why || !remove_oldest(why)) break;
+        look();
+    }
+}
+
+bool Recycler::make_room(int64_t bytes)
+{
+    state_.trouble.clear();
+    look();
+    while (state_.free_bytes >= 0 && state_.free_bytes < bytes) {
+        if (!remove_oldest("the disk is full")) return false;
+        look();
+    }
+    return state_.free_bytes >= bytes;
+}
+
+} // namespace nvrec
