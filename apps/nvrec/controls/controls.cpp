@@ -43,7 +43,13 @@ void add_controls(Wall &wall, const ControlOptions &options)
     wall.add(std::make_unique<Health>(options.watchdog_s, patience));
     wall.add(std::make_unique<Indicators>());
     wall.add(std::make_unique<Navigation>());
-    wall.add(std::make_unique<ControlRequests>(options.socket, *keys));
+    auto requests = std::make_unique<ControlRequests>(options.socket, *keys, options.hooks);
+    auto page =
+        std::make_unique<StatusPage>(options.page, [asked = requests.get()](const std::string &request) {
+            return asked->answer(request);
+        });
+    wall.add(std::move(page)); /* stopped behind the requests, which it may be waiting for */
+    wall.add(std::move(requests));
     wall.add(std::move(keys));
 }
 

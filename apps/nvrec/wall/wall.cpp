@@ -20,7 +20,8 @@ constexpr auto kDrain = std::chrono::seconds(3);      /* for what decoders still
 } // namespace
 
 Wall::Wall(const WallOptions &options)
-    : options_(options), openings_([this] { wakeup_.wake(); }), reporter_(feeders_)
+    : options_(options), wakeup_(options.reload ? Hangup::kReloads : Hangup::kEnds),
+      openings_([this] { wakeup_.wake(); }), reporter_(feeders_)
 {
     for (const CameraSource &source : options_.inputs)
         feeders_.push_back(
@@ -33,7 +34,7 @@ Wall::Wall(const WallOptions &options)
 
 int Wall::run()
 {
-    if (!terminal_.send_log_to(options_.log_path)) return kExitOutputFailed;
+    if (!terminal_.send_log_to(options_.log_path, options_.log)) return kExitOutputFailed;
     if (!open_inputs()) {
         stop_cameras();
         return exit_code_;
@@ -261,6 +262,7 @@ void Wall::watch()
         if (window_open_) next = std::min(next, Clock::now() + kWindowPeriod);
         wakeup_.wait_until(next);
 
+        if (wakeup_.take_reload()) options_.reload();
         if (window_open_ && !host::refresh_window()) end_wanted_ = true;
         for (Feeder *camera : finished_openings())
             add_late_camera(*camera);

@@ -14,6 +14,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -41,6 +42,8 @@ struct WallOptions {
     double duration_s = 0; /* 0 = until every input has ended */
     WindowMode window = WindowMode::kAuto;
     std::string log_path = "out/nvrec.log";
+    LogOptions log;
+    std::function<void()> reload; /* on SIGHUP, by the main thread; none = SIGHUP ends the wall */
     std::string json_path;
     FeedOptions feed;
     bool wait_for_all = false; /* do not begin without the cameras that answer late */
