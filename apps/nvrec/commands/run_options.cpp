@@ -91,6 +91,7 @@ void fill(const config::Config &config, WallOptions *options)
         options->inputs.push_back(source_of(camera));
         options->feed.loop |= camera.loop;
     }
+    options->inputs.resize(static_cast<size_t>(config.channels())); /* room for more of them */
     options->layout = config.screen.layout;
     options->output = config.screen.output;
     options->window = window_of(config.screen.window);

@@ -74,6 +74,7 @@ RecorderStatus collect_status(WallControl &wall, const std::optional<ArchiveStat
                 status.cameras[index].recordings.push_back(std::move(recording));
         }
     }
+    std::erase_if(status.cameras, [](const CameraLine &line) { return line.address.empty(); });
     status.archive = archive;
     const double rate = bytes_per_second(status.cameras);
     if (archive && archive->free_bytes >= 0 && rate > 0)

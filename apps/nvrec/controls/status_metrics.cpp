@@ -14,7 +14,7 @@ namespace nvrec
 namespace
 {
 
-constexpr double kSecond_us = 1e6;
+constexpr double kMicrosecondsInOne = 1e6;
 
 using Number = std::optional<double>;
 
@@ -48,7 +48,7 @@ constexpr CameraMetric kCameraMetrics[] = {
     {"nvrec_camera_state_since_timestamp_seconds", "gauge",
      "Time of day since which the camera's state holds.",
      [](const CameraLine &line) {
-         return known(static_cast<double>(line.status.since_wall_us) / kSecond_us);
+         return known(static_cast<double>(line.status.since_wall_us) / kMicrosecondsInOne);
      }},
     {"nvrec_camera_frames_per_second", "gauge", "Frames that the camera sends in a second.",
      [](const CameraLine &line) -> Number { return line.status.frame_rate; }},
@@ -225,7 +225,7 @@ void add_disk(Page *page, const RecorderStatus &status)
     if (status.archive->oldest_us > 0)
         page->single("nvrec_archive_oldest_timestamp_seconds", "gauge",
                      "Time of day at which the oldest begins.",
-                     static_cast<double>(status.archive->oldest_us) / kSecond_us);
+                     static_cast<double>(status.archive->oldest_us) / kMicrosecondsInOne);
     page->single("nvrec_archive_deleted_files_total", "counter", "Recordings that made room for others.",
                  number(status.archive->deleted));
 }

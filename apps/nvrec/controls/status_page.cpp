@@ -18,12 +18,12 @@ namespace nvrec
 namespace
 {
 
-constexpr unsigned kMostConnections = 16;
+constexpr unsigned kMostReaders = 16;
 constexpr unsigned kConnectionLimit_s = 5;
 constexpr const char *kText = "text/plain; charset=utf-8";
 
 /* Takes as long whatever differs. */
-bool is_same_secret(const std::string &one, const std::string &other)
+bool is_same_token(const std::string &one, const std::string &other)
 {
     unsigned different = one.size() != other.size();
     for (size_t i = 0; i < one.size() && i < other.size(); ++i)
@@ -45,7 +45,7 @@ std::string field(MHD_Connection *connection, MHD_ValueKind kind, const char *na
     return value ? value : "";
 }
 
-MHD_Result send(MHD_Connection *connection, const StatusPage::Answer &answer)
+MHD_Result send_answer(MHD_Connection *connection, const StatusPage::Answer &answer)
 {
     MHD_Response *response = MHD_create_response_from_buffer(
         answer.text.size(), const_cast<char *>(answer.text.data()), MHD_RESPMEM_MUST_COPY);
@@ -65,12 +65,13 @@ MHD_Result serve(void *page, MHD_Connection *connection, const char *path, const
 {
     const auto *self = static_cast<const StatusPage *>(page);
     if (std::strcmp(method, "GET") != 0)
-        return send(connection, {MHD_HTTP_METHOD_NOT_ALLOWED, kText, "GET alone is answered\n"});
+        return send_answer(connection, {MHD_HTTP_METHOD_NOT_ALLOWED, kText, "GET alone is answered\n"});
     if (!self->admits(field(connection, MHD_HEADER_KIND, MHD_HTTP_HEADER_HOST),
                       field(connection, MHD_HEADER_KIND, MHD_HTTP_HEADER_AUTHORIZATION),
                       field(connection, MHD_GET_ARGUMENT_KIND, "token")))
-        return send(connection, {MHD_HTTP_UNAUTHORIZED, kText, "the token of the configuration is wanted\n"});
-    return send(connection, self->answer(path));
+        return send_answer(connection,
+                           {MHD_HTTP_UNAUTHORIZED, kText, "the token of the configuration is wanted\n"});
+    return send_answer(connection, self->answer(path));
 }
 
 } // namespace
@@ -79,7 +80,7 @@ bool StatusPage::admits(const std::string &host, const std::string &authorizatio
                         const std::string &token) const
 {
     if (options_.token.empty()) return is_loopback_name(host);
-    return is_same_secret(authorization, "Bearer " + options_.token) || is_same_secret(token, options_.token);
+    return is_same_token(authorization, "Bearer " + options_.token) || is_same_token(token, options_.token);
 }
 
 StatusPage::Answer StatusPage::answer(const std::string &path) const
@@ -120,7 +121,7 @@ bool StatusPage::start(WallControl &wall)
         options_.ipv6 ? reinterpret_cast<const sockaddr *>(&v6) : reinterpret_cast<const sockaddr *>(&v4);
     if (is_number)
         daemon_ = MHD_start_daemon(flags, options_.port, nullptr, nullptr, serve, this, MHD_OPTION_SOCK_ADDR,
-                                   address, MHD_OPTION_CONNECTION_LIMIT, kMostConnections,
+                                   address, MHD_OPTION_CONNECTION_LIMIT, kMostReaders,
                                    MHD_OPTION_CONNECTION_TIMEOUT, kConnectionLimit_s, MHD_OPTION_END);
     const std::string place = options_.host + " port " + std::to_string(options_.port);
     if (daemon_) {

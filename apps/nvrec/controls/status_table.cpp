@@ -12,8 +12,8 @@ namespace nvrec
 namespace
 {
 
-constexpr int64_t kSecond_us = 1'000'000;
-constexpr double kHour_s = 3600;
+constexpr int64_t kMicroseconds = 1'000'000;
+constexpr double kHourSeconds = 3600;
 
 using Row = std::vector<std::string>;
 
@@ -39,7 +39,7 @@ std::string columns(const std::vector<Row> &rows)
 
 std::string local_time(int64_t wall_us)
 {
-    const std::time_t seconds = wall_us / kSecond_us;
+    const std::time_t seconds = wall_us / kMicroseconds;
     std::tm local = {};
     localtime_r(&seconds, &local);
     std::array<char, 32> shown = {};
@@ -136,7 +136,8 @@ std::string disk_lines(const RecorderStatus &status)
         const ArchiveStatus &archive = *status.archive;
         if (archive.free_bytes >= 0) {
             std::string left = bytes_shown(static_cast<double>(archive.free_bytes));
-            if (status.disk_left_s) left += text(", %.1f hours at this rate", *status.disk_left_s / kHour_s);
+            if (status.disk_left_s)
+                left += text(", %.1f hours at this rate", *status.disk_left_s / kHourSeconds);
             rows.push_back({"disk", "left", left});
         }
         rows.push_back({"archive", "size", bytes_shown(static_cast<double>(archive.total_bytes))});
@@ -145,7 +146,7 @@ std::string disk_lines(const RecorderStatus &status)
             archive.limit_bytes > 0 ? bytes_shown(static_cast<double>(archive.limit_bytes)) : "";
         if (archive.limit_age_s > 0)
             kept += text("%s%.1f days", kept.empty() ? "" : ", ",
-                         static_cast<double>(archive.limit_age_s) / (24 * kHour_s));
+                         static_cast<double>(archive.limit_age_s) / (24 * kHourSeconds));
         rows.push_back({"archive", "keeps", kept.empty() ? "until the disk is full" : kept});
         rows.push_back({"archive", "deleted", text("%llu files", static_cast<Count>(archive.deleted))});
         if (!archive.trouble.empty()) rows.push_back({"archive", "trouble", archive.trouble});

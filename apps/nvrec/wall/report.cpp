@@ -105,6 +105,7 @@ std::vector<std::string> table_of(const std::vector<ChannelReport> &channels)
     lines.push_back(text("%3s  %-5s  %-9s  %6s  %8s %8s %8s %8s %8s %7s  %s", "ch", "codec", "size", "rate",
                          "sent", "refused", "decoded", "shown", "dropped", "resets", "input"));
     for (const ChannelReport &channel : channels) {
+        if (channel.address.empty()) continue; /* room for a camera */
         if (!channel.opened) {
             lines.push_back(text("%3d  %-5s  %-9s  %6s  %8s %8s %8s %8s %8s %7s  ", channel.channel, "-", "-",
                                  "-", "-", "-", "-", "-", "-", "-") +
@@ -131,6 +132,7 @@ std::string json_of(const std::vector<ChannelReport> &channels, const std::strin
                        text(",\n  \"seconds\": %.3f,\n  \"channels\": [", seconds);
     const char *separator = "\n";
     for (const ChannelReport &channel : channels) {
+        if (channel.address.empty()) continue;
         json += separator;
         separator = ",\n";
         json += text("    {\"channel\": %d, \"input\": ", channel.channel) + json_string(channel.address);

@@ -125,10 +125,12 @@ bool Terminal::send_log_to(const std::string &path, const LogOptions &options)
     return true;
 }
 
-void Terminal::set_options(const LogOptions &options)
+void Terminal::set_log(const LogOptions &options)
 {
     const std::scoped_lock guard(lock_);
-    options_ = options;
+    options_.level = options.level;
+    options_.size_bytes = options.size_bytes;
+    options_.keep = options.keep;
 }
 
 void Terminal::wipe_progress()

@@ -47,8 +47,8 @@ public:
      */
     bool send_log_to(const std::string &path, const LogOptions &options = {});
 
-    /** Other levels, sizes and quietness from now on; the file stays. Any thread. */
-    void set_options(const LogOptions &options);
+    /** Another level, size and number of logs from now on; file and quietness stay. Any thread. */
+    void set_log(const LogOptions &options);
 
     /** Print a whole line; it does not tear the progress line. Any thread. */
     void print(const std::string &line);
