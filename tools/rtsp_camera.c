@@ -1,17 +1,32 @@
 /*
  * rtsp_camera.c - a network camera in software: serves one MP4 file over RTSP on loopback.
  *
- *   rtsp_camera FILE h264|h265 [PORT]
+ *   rtsp_camera [--udp-only] [--sub SUBFILE] [--jump SECONDS] FILE h264|h265 [PORT]
  *
  * Prints "port N" once it listens (N is a free port when none is given) and serves
- * rtsp://127.0.0.1:N/camera until its standard input ends. A session ends at the file's end, as a
- * camera that restarts would end it.
+ * rtsp://127.0.0.1:N/camera, and of SUBFILE, which is of the same codec, /sub, until its standard input
+ * ends. A session ends at the file's end, as a camera that restarts would end it.
+ *
+ * --udp-only offers no packets over TCP. With --jump the camera's clock is set by so many seconds, 30
+ * pictures after a session's beginning.
  */
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 
 #include <gst/rtsp-server/rtsp-server.h>
+
+#define RTP_CLOCK_HZ 90000
+#define JUMP_AFTER   30 /* pictures */
+
+static int udp_only = 0;
+static long jump_s = 0;
+
+/* Of one session. */
+struct stamps {
+    guint32 last;
+    int pictures;
+};
 
 /* The parent closed its end of the pipe. */
 static gboolean on_input(GIOChannel *channel, GIOCondition condition, gpointer loop)
@@ -22,10 +37,82 @@ static gboolean on_input(GIOChannel *channel, GIOCondition condition, gpointer l
     return FALSE;
 }
 
+/* A packet's time stamp is its bytes 4 to 7, the same for all packets of a picture. */
+static GstBuffer *set_clock(GstBuffer *packet, struct stamps *stamps)
+{
+    guint8 bytes[4];
+    packet = gst_buffer_make_writable(packet);
+    if (gst_buffer_extract(packet, 4, bytes, 4) != 4) return packet;
+    const guint32 stamp = GST_READ_UINT32_BE(bytes);
+    if (stamps->pictures == 0 || stamp != stamps->last) ++stamps->pictures;
+    stamps->last = stamp;
+    if (stamps->pictures > JUMP_AFTER) {
+        GST_WRITE_UINT32_BE(bytes, stamp + (guint32)(jump_s * RTP_CLOCK_HZ));
+        gst_buffer_fill(packet, 4, bytes, 4);
+    }
+    return packet;
+}
+
+static gboolean set_clock_of_each(GstBuffer **packet, guint index, gpointer stamps)
+{
+    (void)index;
+    *packet = set_clock(*packet, stamps);
+    return TRUE;
+}
+
+static GstPadProbeReturn on_packets(GstPad *pad, GstPadProbeInfo *info, gpointer stamps)
+{
+    (void)pad;
+    if (info->type & GST_PAD_PROBE_TYPE_BUFFER_LIST) {
+        GstBufferList *list = gst_buffer_list_make_writable(GST_PAD_PROBE_INFO_BUFFER_LIST(info));
+        gst_buffer_list_foreach(list, set_clock_of_each, stamps);
+        info->data = list;
+    } else if (info->type & GST_PAD_PROBE_TYPE_BUFFER) {
+        info->data = set_clock(GST_PAD_PROBE_INFO_BUFFER(info), stamps);
+    }
+    return GST_PAD_PROBE_OK;
+}
+
+static void on_session(GstRTSPMediaFactory *factory, GstRTSPMedia *media, gpointer unused)
+{
+    (void)factory;
+    (void)unused;
+    GstElement *bin = gst_rtsp_media_get_element(media);
+    GstElement *payloader = gst_bin_get_by_name(GST_BIN(bin), "pay0");
+    GstPad *pad = gst_element_get_static_pad(payloader, "src");
+    gst_pad_add_probe(pad, GST_PAD_PROBE_TYPE_BUFFER | GST_PAD_PROBE_TYPE_BUFFER_LIST, on_packets,
+                      g_new0(struct stamps, 1), g_free);
+    gst_object_unref(pad);
+    gst_object_unref(payloader);
+    gst_object_unref(bin);
+}
+
+static void serve(GstRTSPMountPoints *mounts, const char *path, const char *file, const char *codec)
+{
+    /* config-interval -1: parameter sets in front of every key frame, as cameras send them. */
+    gchar *launch = g_strdup_printf("( filesrc location=\"%s\" ! qtdemux ! %sparse config-interval=-1 ! "
+                                    "rtp%spay name=pay0 pt=96 )",
+                                    file, codec, codec);
+    GstRTSPMediaFactory *factory = gst_rtsp_media_factory_new();
+    gst_rtsp_media_factory_set_launch(factory, launch);
+    g_free(launch);
+    if (udp_only) gst_rtsp_media_factory_set_protocols(factory, GST_RTSP_LOWER_TRANS_UDP);
+    if (jump_s != 0) g_signal_connect(factory, "media-configure", G_CALLBACK(on_session), NULL);
+    gst_rtsp_mount_points_add_factory(mounts, path, factory);
+}
+
 int main(int argc, char **argv)
 {
-    if (argc < 3) {
-        fprintf(stderr, "usage: %s FILE h264|h265 [PORT]\n", argv[0]);
+    const char *sub = NULL;
+    int at = 1;
+    for (; at < argc && strncmp(argv[at], "--", 2) == 0; ++at) {
+        if (strcmp(argv[at], "--udp-only") == 0) udp_only = 1;
+        if (strcmp(argv[at], "--sub") == 0 && at + 1 < argc) sub = argv[++at];
+        if (strcmp(argv[at], "--jump") == 0 && at + 1 < argc) jump_s = strtol(argv[++at], NULL, 10);
+    }
+    if (argc - at < 2) {
+        fprintf(stderr, "usage: %s [--udp-only] [--sub FILE] [--jump SECONDS] FILE h264|h265 [PORT]\n",
+                argv[0]);
         return 2;
     }
     gst_init(NULL, NULL);
@@ -33,17 +120,10 @@ int main(int argc, char **argv)
 
     GstRTSPServer *server = gst_rtsp_server_new();
     gst_rtsp_server_set_address(server, "127.0.0.1");
-    gst_rtsp_server_set_service(server, argc > 3 ? argv[3] : "0");
-
-    /* config-interval -1: parameter sets in front of every key frame, as cameras send them. */
-    gchar *launch = g_strdup_printf("( filesrc location=\"%s\" ! qtdemux ! %sparse config-interval=-1 ! "
-                                    "rtp%spay name=pay0 pt=96 )",
-                                    argv[1], argv[2], argv[2]);
-    GstRTSPMediaFactory *factory = gst_rtsp_media_factory_new();
-    gst_rtsp_media_factory_set_launch(factory, launch);
-    g_free(launch);
+    gst_rtsp_server_set_service(server, argc - at > 2 ? argv[at + 2] : "0");
     GstRTSPMountPoints *mounts = gst_rtsp_server_get_mount_points(server);
-    gst_rtsp_mount_points_add_factory(mounts, "/camera", factory);
+    serve(mounts, "/camera", argv[at], argv[at + 1]);
+    if (sub) serve(mounts, "/sub", sub, argv[at + 1]);
     g_object_unref(mounts);
 
     if (gst_rtsp_server_attach(server, NULL) == 0) {

@@ -29,6 +29,18 @@ ffmpeg -nostdin -v error -y -f lavfi -i "testsrc2=size=320x180:rate=30" -f lavfi
     -pix_fmt yuv420p -c:v libx264 -preset veryfast -g 60 -keyint_min 60 -bf 0 -c:a pcm_alaw -ar 8000 -ac 1 \
     -movflags frag_keyframe+empty_moov+default_base_moof fragments.mov
 
+# A recording cut out of another without encoding: an edit list begins it ten pictures behind its key frame.
+ffmpeg -nostdin -v error -y -ss 1 -i h264.mp4 -c copy edited.mp4
+
+# A recording whose sound goes on for two seconds behind its last picture.
+ffmpeg -nostdin -v error -y -f lavfi -i "testsrc2=size=320x180:rate=30:duration=1" -f lavfi \
+    -i "sine=frequency=440:duration=3" -pix_fmt yuv420p "${h264[@]}" -bf 0 -c:a aac -ac 1 -ar 16000 long_sound.mp4
+
+# Two recordings joined as a transport stream: its time stamps fall back in the middle.
+ffmpeg -nostdin -v error -y -i h264.mp4 -c copy -output_ts_offset 3600 -f mpegts part.ts
+ffmpeg -nostdin -v error -y -i h264.mp4 -c copy -f mpegts back.ts
+cat part.ts back.ts part.ts >joined.ts
+
 # A camera that changes its picture size: the second half is larger.
 ffmpeg -nostdin -v error -y -f lavfi -i "testsrc2=size=640x360:rate=30" -frames:v 20 -pix_fmt yuv420p "${h264[@]}" -bf 0 large.h264
 cat plain.h264 large.h264 >resized.h264

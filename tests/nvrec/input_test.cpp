@@ -174,6 +174,59 @@ TEST(NvrecInputs, SoundComesWithItsPicturesWhereverItLiesInTheFile)
     }
 }
 
+TEST(NvrecInputs, HonourTheBeginningThatAnEditListNames)
+{
+    constexpr size_t kBefore = 10, kShown = 30;
+    Input input(clip("edited.mp4"));
+    ASSERT_TRUE(input.open(kLimit)) << input.error();
+    for (const bool again : {false, true}) {
+        ASSERT_TRUE(!again || input.rewind()) << input.error();
+        const std::vector<AccessUnit> units = read_all(input);
+        ASSERT_EQ(units.size(), kBefore + kShown);
+        EXPECT_TRUE(units[0].key);
+        for (size_t i = 0; i <= kBefore; ++i)
+            EXPECT_EQ(units[i].due_us, units[0].due_us) << "unit " << i << " is only decoded for others";
+        EXPECT_NEAR(static_cast<double>(units.back().due_us - units[0].due_us), 1e6 * (kShown - 1) / 30,
+                    1000);
+    }
+}
+
+TEST(NvrecInputs, JoinedTransportStreamsGoOnOnePictureLater)
+{
+    Input input(clip("joined.ts"));
+    ASSERT_TRUE(input.open(kLimit)) << input.error();
+    const std::vector<AccessUnit> units = read_all(input);
+    ASSERT_GE(units.size(), 3 * kFrames - 4); /* a picture may be lost at a joint */
+    for (size_t i = 1; i < units.size(); ++i)
+        EXPECT_NEAR(static_cast<double>(units[i].due_us - units[i - 1].due_us), 1e6 / 30, 1000)
+            << "unit " << i;
+}
+
+TEST(NvrecInputs, HandOutSoundAsItCame)
+{
+    Input input(clip("long_sound.mp4"));
+    input.want_sound();
+    ASSERT_TRUE(input.open(kLimit)) << input.error();
+    AccessUnit unit;
+    while (input.read(&unit) == Input::Read::kUnit) {
+    }
+    const std::vector<SoundPacket> packets = input.take_sound_packets(INT64_MAX);
+    ASSERT_GE(packets.size(), 40u);
+    int64_t end_us = packets.front().pts_us;
+    for (const SoundPacket &packet : packets) {
+        EXPECT_NEAR(static_cast<double>(packet.pts_us), static_cast<double>(end_us), 100);
+        EXPECT_FALSE(packet.bytes.empty());
+        ASSERT_TRUE(packet.codec);
+        end_us = packet.pts_us + packet.duration_us;
+    }
+    EXPECT_NEAR(static_cast<double>(end_us), 3e6, 100'000);
+    const SoundCodec &codec = *packets.front().codec;
+    EXPECT_EQ(codec.rate_hz, 16000);
+    EXPECT_EQ(codec.channels, 1);
+    EXPECT_FALSE(codec.extradata.empty()) << "what a container needs of AAC";
+    EXPECT_EQ(packets.front().codec, packets.back().codec);
+}
+
 TEST(NvrecInputs, SayWhyTheyCannotBeOpened)
 {
     const struct {
@@ -187,6 +240,7 @@ TEST(NvrecInputs, SayWhyTheyCannotBeOpened)
         {clip("motion_jpeg.mkv"), "mjpeg"},
         {NVREC_CLIPS, "cannot open"},
         {"rtsp://127.0.0.1:1/camera", "refused"},
+        {"rtsp://nowhere.invalid/camera", "the name nowhere.invalid does not resolve"},
         {"", "cannot open"},
     };
     for (const auto &[address, reason] : cases) {

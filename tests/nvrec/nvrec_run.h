@@ -23,6 +23,8 @@ public:
     /** Wait for its next line of standard output; empty at the end. */
     std::string read_line();
 
+    pid_t id() const { return pid_; }
+
     /** Send a signal. */
     void signal(int number) const;
 

@@ -71,6 +71,39 @@ TEST(NvrecUnitClock, WithoutDecodingTimesUnitsAreDueAsMuchEarlierAsTheyAreHeldBa
     EXPECT_EQ(second.pts_us, 6 * kFrame_us);
 }
 
+TEST(NvrecUnitClock, JoinedFilesGoOnOneFrameLater)
+{
+    UnitClock clock = clock_of_25();
+    clock.stamp(both(3'600'000'000, 3'600'000'000));
+    clock.stamp(both(3'600'040'000, 3'600'040'000));
+    EXPECT_EQ(clock.stamp(both(1'000, 1'000)).due_us, 2 * kFrame_us) << "an hour back";
+    EXPECT_EQ(clock.stamp(both(41'000, 41'000)).due_us, 3 * kFrame_us);
+    EXPECT_EQ(clock.offset_us(), 2 * kFrame_us - 1'000) << "sound goes with its pictures";
+    clock.set_may_be_joined(true);
+    EXPECT_EQ(clock.stamp(both(7'200'000'000, 7'200'000'000)).due_us, 4 * kFrame_us) << "two hours forward";
+    EXPECT_EQ(clock.stamp(both(7'200'040'000, 7'200'040'000)).due_us, 5 * kFrame_us);
+}
+
+TEST(NvrecUnitClock, APauseInARecordingStays)
+{
+    UnitClock clock = clock_of_25();
+    clock.stamp(both(0, 0));
+    EXPECT_EQ(clock.stamp(both(60'000'000, 60'000'000)).due_us, 60'000'000);
+}
+
+TEST(NvrecUnitClock, PicturesBeforeAnEditListsBeginningAreDueWithIt)
+{
+    UnitClock clock = clock_of_25();
+    UnitClock::PacketTimes before = both(0, 0);
+    before.before_start = true;
+    EXPECT_EQ(clock.stamp(before).due_us, 0);
+    before.dts_us = before.pts_us = kFrame_us;
+    EXPECT_EQ(clock.stamp(before).due_us, 0);
+    EXPECT_EQ(clock.stamp(both(2 * kFrame_us, 2 * kFrame_us)).due_us, 0);
+    EXPECT_EQ(clock.stamp(both(3 * kFrame_us, 3 * kFrame_us)).due_us, kFrame_us);
+    EXPECT_EQ(clock.offset_us(), -2 * kFrame_us);
+}
+
 TEST(NvrecUnitClock, AFileThatBeginsAgainGoesOnOneFrameLater)
 {
     UnitClock clock = clock_of_25();

@@ -10,9 +10,12 @@ add_custom_command(OUTPUT ${nvrec_clips}/made
 add_custom_target(nvrec_clips DEPENDS ${nvrec_clips}/made)
 
 nvrhal_test(nvrec_pieces_test
+  ${CMAKE_CURRENT_SOURCE_DIR}/address_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/camera_meter_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/feeder_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/input_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/layout_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/live_clock_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/module_list_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/unit_clock_test.cpp
   LIBS nvrec_run nvrec_pieces LABEL nvrec TIMEOUT 60)

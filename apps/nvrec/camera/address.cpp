@@ -70,13 +70,10 @@ size_t scheme_begin(std::string_view text, size_t colon)
 std::string hide_in_address(std::string_view behind_scheme)
 {
     const size_t host_end = std::min(behind_scheme.find_first_of("/?#"), behind_scheme.size());
-    /* A password may hold any letter unescaped: the last @ in front of a space is the host's. */
-    size_t at = behind_scheme.substr(0, host_end).rfind('@');
-    if (at == std::string_view::npos) {
-        const size_t later = behind_scheme.rfind('@');
-        const size_t colon = behind_scheme.find(':');
-        if (later != std::string_view::npos && colon < host_end && later > host_end) at = later;
-    }
+    /* A password may hold any letter unescaped: rather too much is hidden than a piece of it shown. */
+    const size_t last = behind_scheme.rfind('@');
+    const bool has_user = behind_scheme.substr(0, host_end).find_first_of("@:") != std::string_view::npos;
+    const size_t at = has_user ? last : std::string_view::npos;
     std::string shown;
     if (at != std::string_view::npos) {
         shown = std::string(kHidden) + "@";

@@ -28,6 +28,10 @@ struct CameraSource {
     std::string address;     /* of its main stream: a file or rtsp://                             */
     std::string sub_address; /* of a smaller stream, for small panes; empty = it has none         */
     Transport transport = Transport::kAuto;
+    bool link_measured = false; /* the library is told what was measured; or FeedOptions says so       */
+    int link_quality = 0;       /* it is told this, 1 to 100; 0 = what FeedOptions says                */
+    bool loop = false;          /* a file is begun again at its end; or FeedOptions says so            */
+    bool sound = true;          /* its sound is taken, where FeedOptions wants sound                   */
     std::string user, password; /* for addresses that carry none themselves */
 
     /** Where to connect to, credentials included: never to be shown. */

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "camera/decoder_codec.h"
+#include "camera/kept_out.h"
 #include "host/host.h"
 #include "nvrhal.h"
 
@@ -20,22 +20,6 @@ constexpr auto kDecoderPatience = std::chrono::seconds(2); /* for one unit, when
 constexpr double kCatchUp = 1.5;             /* times a camera's rate, while it is behind       */
 constexpr int64_t kLongestPace_us = 100'000; /* whatever a camera's clock says                  */
 
-uint32_t shared_word(uint32_t &word)
-{
-    return std::atomic_ref<uint32_t>(word).load(std::memory_order_relaxed);
-}
-
-bool is_kept_out_by_zoom(int channel)
-{
-    return shared_word(vo_for_ezoom) == 1 && shared_word(zoom_channel) != static_cast<uint32_t>(channel);
-}
-
-/* The screen belongs to recordings, or to another camera's zoom: refusals are as they should be. */
-bool is_kept_out(int channel)
-{
-    return shared_word(playback_status) == 1 || is_kept_out_by_zoom(channel);
-}
-
 std::string refusal_of(const AccessUnit &unit)
 {
     const std::string size = std::to_string(unit.bytes.size()) + " bytes";
@@ -47,9 +31,14 @@ std::string refusal_of(const AccessUnit &unit)
 } // namespace
 
 Feeder::Feeder(int channel, const CameraSource &source, const FeedOptions &options)
-    : channel_(channel), source_(source), options_(options), input_(source.address_of(StreamChoice::kMain))
+    : channel_(channel), source_(source), options_(options),
+      input_(source.address_of(StreamChoice::kMain), source.transport)
 {
-    if (channel < 32 && (options.sound_channels >> channel & 1) != 0) input_.want_sound();
+    input_.watch_arrivals(
+        [this](Clock::time_point at, size_t bytes, bool key, std::optional<int64_t> camera_us) {
+            meter_.arrived(at, bytes, key, camera_us);
+        });
+    if (source.sound && channel < 32 && (options.sound_channels >> channel & 1) != 0) input_.want_sound();
 }
 
 Feeder::~Feeder()
@@ -77,7 +66,7 @@ bool Feeder::open()
 
 int32_t Feeder::send_first()
 {
-    return send(first_unit_);
+    return send_to_decoder(first_unit_, input_.facts());
 }
 
 void Feeder::start(Events events)
@@ -85,13 +74,20 @@ void Feeder::start(Events events)
     events_ = std::move(events);
     started_at_ = Clock::now();
     set_heartbeat_deadline(Clock::now());
+    started_ = true;
     thread_ = std::thread([this] { run(); });
+    if (wanted_ == StreamChoice::kSub) start_sub();
 }
 
 void Feeder::ask_to_stop()
 {
+    {
+        const std::scoped_lock guard(lock_);
+        if (!stopped_at_) stopped_at_ = Clock::now();
+    }
     stop_.store(true, std::memory_order_relaxed);
     input_.interrupt();
+    if (const auto second = sub()) second->ask_to_stop();
     const std::scoped_lock guard(sleep_lock_);
     sleep_.notify();
 }
@@ -99,6 +95,7 @@ void Feeder::ask_to_stop()
 void Feeder::join()
 {
     if (thread_.joinable()) thread_.join();
+    if (const auto second = sub()) second->join();
 }
 
 void Feeder::run()
@@ -125,36 +122,49 @@ void Feeder::feed()
         wait_due(unit);
         if (stopping()) return;
         set_heartbeat_deadline(Clock::now());
-        pass_sound(unit.due_us);
+        pass_sound(unit, unit.due_us);
         if (events_.unit) events_.unit(channel_, unit, input_.facts());
         const bool kept_out = is_kept_out(channel_);
-        const bool accepted = send(unit) == 0;
-        {
-            const std::scoped_lock guard(lock_);
-            counters_.sent += accepted;
-            counters_.refused += !accepted;
-            counters_.bytes += accepted ? unit.bytes.size() : 0;
-        }
-        const bool wanted = accepted || (!kept_out && !is_kept_out(channel_));
+        bool shown = true;
+        const bool accepted =
+            (events_.sink ? events_.sink(unit, input_.facts()) : send_main(unit, &shown)) == 0;
+        const bool wanted = shown && (accepted || (!kept_out && !is_kept_out(channel_)));
+        if (shown) count(unit, accepted);
         if (!accepted && !refused_before && wanted) report(refusal_of(unit));
         refused_before = !accepted;
         if (wanted) note_handed_on(unit, accepted);
-        /* Only now: the library changes the decoder when it sees the new codec. */
-        if (std::exchange(decoder_changes_, false) && events_.decoder_changed)
-            events_.decoder_changed(channel_);
         if (options_.frames != 0 && ++frames >= options_.frames) return;
         if (!next(&unit)) {
-            if (!stopping()) pass_sound(INT64_MAX);
+            if (!stopping()) pass_last_sound(unit);
             return;
         }
     }
 }
 
-void Feeder::pass_sound(int64_t until_us)
+/* @param unit  the picture that it belongs to, or the last one */
+void Feeder::pass_sound(const AccessUnit &unit, int64_t until_us)
 {
-    if (!events_.sound) return;
+    for (SoundPacket &packet : input_.take_sound_packets(until_us)) {
+        packet.wall_us = unit.wall_us + packet.pts_us - unit.due_us;
+        if (events_.sound_packet) events_.sound_packet(channel_, packet);
+    }
     for (const SoundBlock &block : input_.take_sound(until_us))
-        events_.sound(channel_, block);
+        if (events_.sound) events_.sound(channel_, block);
+}
+
+/* Sound that lasts longer than the pictures, in its own time: pools have no room for seconds of it. */
+void Feeder::pass_last_sound(const AccessUnit &last)
+{
+    AccessUnit moment = last; /* as if pictures went on */
+    moment.bytes.clear();
+    while (const auto due_us = input_.next_sound_us()) {
+        moment.wall_us += *due_us - moment.due_us;
+        moment.due_us = *due_us;
+        if (!options_.as_fast_as_can) wait_due(moment);
+        if (stopping()) return;
+        pass_sound(moment, *due_us);
+    }
+    pass_sound(moment, INT64_MAX);
 }
 
 /* The next unit, across the ends of files and broken lines; false when there is none. */
@@ -162,11 +172,14 @@ bool Feeder::next(AccessUnit *unit)
 {
     bool just_rewound = false;
     while (!stopping()) {
+        if (is_idle() && !wait_while_idle()) return false;
         set_heartbeat_deadline(input_.live() ? Clock::now() + kSilence : Clock::now());
         switch (input_.read(unit)) {
         case Input::Read::kUnit:
             if (unit->key) note_facts();
-            meter_.arrived(Clock::now(), unit->bytes.size(), unit->key, std::nullopt);
+            if (!input_.live()) meter_.arrived(Clock::now(), unit->bytes.size(), unit->key, std::nullopt);
+            note_jump(input_.jumped_us());
+            meter_.missed(input_.take_missed());
             return true;
         case Input::Read::kInterrupted: return false;
         case Input::Read::kEnd:
@@ -174,7 +187,7 @@ bool Feeder::next(AccessUnit *unit)
                 if (!reconnect("the camera ended the session")) return false;
                 break;
             }
-            if (!options_.loop) return false;
+            if (!options_.loop && !source_.loop) return false;
             if (just_rewound || !input_.rewind()) {
                 report(just_rewound ? "nothing to read after going back to its start" : input_.error());
                 broken_.store(true);
@@ -206,18 +219,16 @@ bool Feeder::reconnect(const std::string &why)
         return false;
     }
     auto pause = std::chrono::duration_cast<std::chrono::milliseconds>(kFirstRetry);
-    const Codec codec_before = input_.facts().codec;
     report(why + "; connecting again");
     while (wait_until(Clock::now() + pause)) {
         set_heartbeat_deadline(Clock::now() + options_.open_limit);
         if (input_.open(options_.open_limit)) {
-            const bool first = !opened_.exchange(true);
+            opened_.store(true);
             note_facts();
             {
                 const std::scoped_lock guard(lock_);
                 ++counters_.reconnects;
             }
-            decoder_changes_ = first || input_.facts().codec != codec_before;
             return true;
         }
         report(input_.error() + "; trying again");
@@ -265,30 +276,6 @@ void Feeder::pace(const AccessUnit &unit)
     paced_at_ = Clock::now();
 }
 
-int32_t Feeder::send(const AccessUnit &unit)
-{
-    return events_.sink ? events_.sink(unit, input_.facts()) : send_to_decoder(unit);
-}
-
-int32_t Feeder::send_to_decoder(const AccessUnit &unit)
-{
-    const StreamFacts &facts = input_.facts();
-    FrameInfo frame = {};
-    frame.frame_type = unit.key ? 1 : 0;
-    frame.media = FRAME_MEDIA_VIDEO;
-    frame.length = static_cast<uint32_t>(unit.bytes.size());
-    frame.width = facts.width_px;
-    frame.height = facts.height_px;
-    frame.data = const_cast<uint8_t *>(unit.bytes.data()); /* only read by the library */
-    frame.channel = static_cast<uint32_t>(channel_);
-    frame.pts = static_cast<uint64_t>(unit.pts_us);
-    const int32_t result = ext_send_stream(&frame, static_cast<uint32_t>(facts.codec), options_.link_quality,
-                                           options_.rate_class);
-    const bool looked_at = !is_kept_out_by_zoom(channel_) && frame.length <= NVRHAL_MAX_SEND_BYTES;
-    if (result == 0 || looked_at) note_live_codec(channel_, facts.codec);
-    return result;
-}
-
 void Feeder::set_heartbeat_deadline(Clock::time_point when)
 {
     heartbeat_deadline_.store(when.time_since_epoch().count(), std::memory_order_relaxed);
@@ -296,7 +283,9 @@ void Feeder::set_heartbeat_deadline(Clock::time_point when)
 
 Clock::time_point Feeder::heartbeat_deadline() const
 {
-    return Clock::time_point(Clock::duration(heartbeat_deadline_.load(std::memory_order_relaxed)));
+    const Clock::time_point own(Clock::duration(heartbeat_deadline_.load(std::memory_order_relaxed)));
+    const auto second = sub();
+    return second ? std::min(own, second->heartbeat_deadline()) : own;
 }
 
 } // namespace nvrec

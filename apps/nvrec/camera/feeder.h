@@ -8,6 +8,10 @@
  * channel a decoder of its codec; the layout throws that frame away, and the thread sends it again
  * as its first.
  *
+ * A camera with a second address has a smaller stream for small panes. It is fed by a feeder of its own
+ * inside this one, and takes the decoder over with its first key frame; so does the main stream when it
+ * is wanted again. A main stream that nobody needs meanwhile is not read.
+ *
  * Threads: open(), start() and stop() from one thread, the counters from any.
  */
 #pragma once
@@ -17,6 +21,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <thread>
 
@@ -37,7 +42,9 @@ struct FeedOptions {
     uint64_t frames = 0;         /* end after so many; 0 = no limit                        */
     int32_t link_quality = 0;    /* for ext_send_stream; 0 = not measured                  */
     int32_t rate_class = 0;      /* likewise                                               */
+    bool link_measured = false;  /* instead of link_quality, what status() measured        */
     uint32_t sound_channels = 0; /* bit n = channel n's sound is wanted                    */
+    uint32_t main_channels = 0;  /* bit n = channel n's main stream is read whatever is shown */
     std::chrono::milliseconds open_limit = std::chrono::seconds(10);
 };
 
@@ -82,6 +89,12 @@ public:
      */
     void start(Events events);
 
+    /**
+     * Which stream the decoder is to be fed from; without a second address the main one is. What is fed
+     * now goes on until the other one's key frame comes. Main thread.
+     */
+    void want_stream(StreamChoice choice);
+
     /** Ask the thread to end; join waits for it. */
     void ask_to_stop();
     void join();
@@ -102,13 +115,16 @@ public:
     std::string shown_address() const { return nvrec::shown_address(source_.address); }
     const CameraSource &source() const { return source_; }
 
-    /** What stands with it now. Any thread. */
-    CameraStatus status() const;
+    /**
+     * What stands with it now; once it was asked to stop, what stood with it then. Any thread.
+     * @param at  may be null: receives the time that it is of
+     */
+    CameraStatus status(Clock::time_point *at = nullptr) const;
 
     /** Its decoder was flushed, by a layout: nothing is shown before a key frame. Any thread. */
     void expect_key() { waits_for_key_.store(true, std::memory_order_relaxed); }
 
-    /** Codec, size and frame rate as last learned. */
+    /** Codec, size and frame rate of the stream that is shown, as last learned. */
     StreamFacts facts() const;
     FeedCounters counters() const;
     std::string trouble() const;
@@ -121,10 +137,19 @@ private:
     bool wait_until(Clock::time_point when);
     void wait_due(const AccessUnit &unit);
     void pace(const AccessUnit &unit);
-    int32_t send(const AccessUnit &unit);
-    int32_t send_to_decoder(const AccessUnit &unit);
-    void pass_sound(int64_t until_us);
+    int32_t send_main(const AccessUnit &unit, bool *shown);
+    int32_t take_from_sub(const AccessUnit &unit, const StreamFacts &facts);
+    int32_t send_to_decoder(const AccessUnit &unit, const StreamFacts &facts);
+    void start_sub();
+    std::shared_ptr<Feeder> sub() const;
+    bool sub_is_well() const;
+    bool is_idle() const;
+    bool wait_while_idle();
+    void pass_sound(const AccessUnit &unit, int64_t until_us);
+    void pass_last_sound(const AccessUnit &last);
+    void note_jump(int64_t jumped_us);
     void note_facts();
+    void count(const AccessUnit &unit, bool accepted);
     void note_handed_on(const AccessUnit &unit, bool accepted);
     void report(const std::string &line);
     void set_heartbeat_deadline(Clock::time_point when);
@@ -136,6 +161,7 @@ private:
     Input input_;
     AccessUnit first_unit_;
     bool open_tried_ = false;
+    bool started_ = false;
     Events events_;
     std::thread thread_;
     std::atomic<bool> stop_ = false;
@@ -143,9 +169,18 @@ private:
     std::atomic<bool> broken_ = false;                       /* it ended by a failure, not by its own end */
     std::atomic<Clock::rep> heartbeat_deadline_ = INT64_MAX; /* ticks of the clock        */
     Clock::time_point started_at_;
-    Clock::time_point paced_at_;   /* live: when the last unit went on    */
-    int64_t paced_due_us_ = 0;     /* and when it was due                 */
-    bool decoder_changes_ = false; /* the next unit sent gives the channel another decoder */
+    Clock::time_point paced_at_;         /* live: when the last unit went on    */
+    int64_t paced_due_us_ = 0;           /* and when it was due                 */
+    std::optional<Codec> decoder_codec_; /* of what the decoder was fed last; guarded by gate_ */
+
+    /* Two streams, one decoder. */
+    std::atomic<StreamChoice> wanted_ = StreamChoice::kMain;
+    std::mutex gate_; /* held while a unit goes to the decoder; guards what follows */
+    StreamChoice shown_ = StreamChoice::kMain;
+    std::atomic<bool> sub_is_shown_ = false;  /* the same, for who does not hold it */
+    std::atomic<int64_t> input_epoch_us_ = 0; /* of the main stream's times; 0 = not known */
+    mutable std::mutex sub_lock_;             /* guards what follows */
+    std::shared_ptr<Feeder> sub_;             /* null = it was never wanted */
 
     std::atomic<bool> waits_for_key_ = true;
     CameraMeter meter_;
@@ -156,6 +191,8 @@ private:
     mutable std::mutex lock_; /* guards what follows */
     StreamFacts facts_;
     FeedCounters counters_;
+    uint64_t clock_jumps_ = 0;
+    std::optional<Clock::time_point> stopped_at_;
     std::string trouble_;
 };
 

@@ -1,7 +1,9 @@
 /* feeder_status.cpp - see feeder.h: what a camera's thread tells of itself. */
 #include "camera/feeder.h"
 
-#include "nvrhal.h"
+#include <cstdlib>
+
+#include "wall/text.h"
 
 namespace nvrec
 {
@@ -10,6 +12,15 @@ void Feeder::note_facts()
 {
     const std::scoped_lock guard(lock_);
     facts_ = input_.facts();
+    input_epoch_us_ = input_.epoch_us().value_or(0);
+}
+
+void Feeder::count(const AccessUnit &unit, bool accepted)
+{
+    const std::scoped_lock guard(lock_);
+    counters_.sent += accepted;
+    counters_.refused += !accepted;
+    counters_.bytes += accepted ? unit.bytes.size() : 0;
 }
 
 /* Frames that are wanted: those that come while a recording has the screen are not. */
@@ -30,8 +41,25 @@ void Feeder::report(const std::string &line)
     if (events_.trouble) events_.trouble(channel_, shown);
 }
 
+/* Pictures keep their right times; whoever looks at the camera's own clock wants to know. */
+void Feeder::note_jump(int64_t jumped_us)
+{
+    if (jumped_us == 0) return;
+    meter_.begin_again();
+    constexpr int64_t kWorthALine_us = 2'000'000;
+    {
+        const std::scoped_lock guard(lock_);
+        ++clock_jumps_;
+    }
+    if (std::llabs(jumped_us) >= kWorthALine_us)
+        report(text("its clock was set %s by %.1f s", jumped_us > 0 ? "forward" : "back",
+                    static_cast<double>(std::llabs(jumped_us)) / 1e6));
+}
+
 StreamFacts Feeder::facts() const
 {
+    const auto second = sub();
+    if (second && sub_is_shown_.load(std::memory_order_relaxed)) return second->facts();
     const std::scoped_lock guard(lock_);
     return facts_;
 }
@@ -48,9 +76,14 @@ std::string Feeder::trouble() const
     return trouble_;
 }
 
-CameraStatus Feeder::status() const
+CameraStatus Feeder::status(Clock::time_point *at) const
 {
-    const Clock::time_point now = Clock::now();
+    Clock::time_point now = Clock::now();
+    {
+        const std::scoped_lock guard(lock_);
+        now = std::min(now, stopped_at_.value_or(now));
+    }
+    if (at) *at = now;
     CameraStatus status;
     meter_.tell(&status, now);
     /* A file is fed in its own time: it is silent when it broke, or when its thread stands still. */
@@ -59,12 +92,20 @@ CameraStatus Feeder::status() const
     if (!input_.live() && status.state == CameraState::kLive && broken()) status.state = CameraState::kSilent;
     status.since_wall_us =
         std::chrono::duration_cast<std::chrono::microseconds>(wall_time().time_since_epoch()).count() -
-        (now - status.since).count();
+        (Clock::now() - status.since).count();
+    const auto second = sub();
+    if (second && sub_is_shown_.load(std::memory_order_relaxed)) {
+        const CameraStatus main = status;
+        status = second->status();
+        status.sub_stream = true;
+        if (main.state == CameraState::kEnded) status.state = main.state;
+    }
     status.waits_for_key = waits_for_key_.load(std::memory_order_relaxed);
     const std::scoped_lock guard(lock_);
-    status.facts = facts_;
+    if (!status.sub_stream) status.facts = facts_;
     status.reconnects = counters_.reconnects;
     status.refused = counters_.refused;
+    status.clock_jumps = clock_jumps_;
     status.last_error = trouble_;
     return status;
 }

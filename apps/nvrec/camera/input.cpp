@@ -2,19 +2,22 @@
 #include "camera/input.h"
 
 #include <algorithm>
+#include <iterator>
+#include <utility>
 
 namespace nvrec
 {
 
 bool Input::open(std::chrono::milliseconds limit)
 {
-    /* A camera that comes back counts from anew; its time goes on with the time it was away. */
-    if (source_.live() && last_unit_at_ != Clock::time_point{})
-        clock_.begin_after((Clock::now() - last_unit_at_).count());
-    else
-        clock_.begin();
+    clock_.begin();
     if (!source_.open(limit, sound_wanted_)) return false;
+    if (live()) {
+        live_clock_.set_stream(source_.facts().frame_rate, source_.held_back());
+        live_clock_.begin(source_.catch_up());
+    }
     clock_.set_stream(source_.facts().frame_rate, source_.held_back());
+    clock_.set_may_be_joined(source_.may_be_joined());
     return true;
 }
 
@@ -29,18 +32,31 @@ Input::Read Input::read(AccessUnit *unit)
     if (result == Read::kUnit) {
         unit->bytes.assign(source_.bytes(), source_.bytes() + source_.size());
         unit->key = source_.is_key();
-        clock_.set_stream(source_.facts().frame_rate, source_.held_back()); /* both may become known late */
-        const UnitClock::Stamp stamp = clock_.stamp(source_.times());
-        unit->due_us = stamp.due_us;
-        unit->pts_us = stamp.pts_us;
-        last_unit_at_ = Clock::now();
-        unit->wall_us =
-            std::chrono::duration_cast<std::chrono::microseconds>(wall_time().time_since_epoch()).count();
+        live() ? stamp_arrived(unit) : stamp_place(unit);
         source_.release();
     }
     place_sound();
     if (result == Read::kUnit && unit->key) source_.look_into(unit->bytes.data(), unit->bytes.size());
     return result;
+}
+
+void Input::stamp_arrived(AccessUnit *unit)
+{
+    const LiveClock::Stamp stamp =
+        live_clock_.stamp({source_.times(), source_.arrived_at().time_since_epoch().count()});
+    unit->due_us = stamp.due_us;
+    unit->pts_us = stamp.pts_us;
+    unit->wall_us = time_of_day_.of(stamp.at_us);
+    jumped_us_ = stamp.jumped_us;
+}
+
+void Input::stamp_place(AccessUnit *unit)
+{
+    clock_.set_stream(source_.facts().frame_rate, source_.held_back()); /* both may become known late */
+    const UnitClock::Stamp stamp = clock_.stamp(source_.times());
+    unit->due_us = stamp.due_us;
+    unit->pts_us = stamp.pts_us;
+    unit->wall_us = time_of_day_.of(Clock::now().time_since_epoch().count());
 }
 
 Input::Read Input::read_key(AccessUnit *unit)
@@ -54,12 +70,26 @@ Input::Read Input::read_key(AccessUnit *unit)
 /* Sound read before the first unit waits for that unit: it is what all times count from. */
 void Input::place_sound()
 {
-    const std::optional<int64_t> offset_us = clock_.offset_us();
+    const std::optional<int64_t> offset_us = live() ? live_clock_.offset_us() : clock_.offset_us();
     if (!source_.sound() || !offset_us) return;
     for (SoundBlock &block : source_.sound()->take()) {
         block.pts_us += *offset_us;
         if (block.pts_us >= 0) sound_.push_back(block);
     }
+    for (SoundPacket &packet : source_.take_sound_packets()) {
+        packet.pts_us += *offset_us;
+        if (packet.pts_us >= 0) sound_packets_.push_back(std::move(packet));
+    }
+}
+
+std::vector<SoundPacket> Input::take_sound_packets(int64_t until_us)
+{
+    const auto end = std::ranges::find_if(
+        sound_packets_, [until_us](const SoundPacket &packet) { return packet.pts_us > until_us; });
+    std::vector<SoundPacket> taken(std::make_move_iterator(sound_packets_.begin()),
+                                   std::make_move_iterator(end));
+    sound_packets_.erase(sound_packets_.begin(), end);
+    return taken;
 }
 
 std::vector<SoundBlock> Input::take_sound(int64_t until_us)

@@ -7,7 +7,7 @@
  *
  * Time: a unit is due a number of microseconds after the input's first unit. Containers say so by
  * their decoding time stamps; elementary streams carry none and run at the frame rate of their
- * parameter sets, 25 frames a second where those are silent.
+ * parameter sets, 25 frames a second where those are silent. Of network cameras, see live_clock.h.
  *
  * Threads: one thread reads; interrupt() may come from any.
  */
@@ -15,10 +15,12 @@
 
 #include <chrono>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "camera/live_clock.h"
 #include "camera/packet_source.h"
 #include "camera/sound_packet.h"
 #include "camera/unit_clock.h"
@@ -41,7 +43,10 @@ class Input
 public:
     using Read = PacketSource::Read;
 
-    explicit Input(std::string address) : source_(std::move(address)) {}
+    explicit Input(std::string address, Transport transport = Transport::kAuto)
+        : source_(std::move(address), transport)
+    {
+    }
 
     /**
      * Open the address and learn its codec, size and frame rate. Closes what was open.
@@ -59,6 +64,29 @@ public:
      * clock of due_us; INT64_MAX = all there is.
      */
     std::vector<SoundBlock> take_sound(int64_t until_us);
+
+    /** The same sound as it came, likewise; wall_us is not set. */
+    std::vector<SoundPacket> take_sound_packets(int64_t until_us);
+
+    /** When the first block of sound that waits is due; nothing = none waits. */
+    std::optional<int64_t> next_sound_us() const
+    {
+        return sound_.empty() ? std::nullopt : std::optional(sound_.front().pts_us);
+    }
+
+    /** By how much the camera's clock was set with the last unit; 0 = it was not. */
+    int64_t jumped_us() const { return jumped_us_; }
+
+    /** The monotonic time from which a network camera's times count, once it has one. */
+    std::optional<int64_t> epoch_us() const { return live_clock_.epoch_us(); }
+    void set_epoch_us(int64_t epoch_us) { live_clock_.set_epoch_us(epoch_us); }
+
+    /** Packets of the line that did not come, since the last call. */
+    uint64_t take_missed() { return source_.take_missed(); }
+
+    /** Called with every picture of a network camera as it comes, on a thread of the input's. Before open().
+     */
+    void watch_arrivals(PacketSource::ArrivalWatch watch) { source_.watch_arrivals(std::move(watch)); }
 
     /** The next access unit, whatever it is. kFailed: the reason is in error(). */
     Read read(AccessUnit *unit);
@@ -91,11 +119,16 @@ public:
 private:
     bool seek_in_bare_stream(int64_t target_us, AccessUnit *unit);
     void place_sound();
+    void stamp_arrived(AccessUnit *unit);
+    void stamp_place(AccessUnit *unit);
 
     PacketSource source_;
-    UnitClock clock_;
-    Clock::time_point last_unit_at_; /* when the last unit was read, if ever */
+    UnitClock clock_;      /* of a file           */
+    LiveClock live_clock_; /* of a network camera */
+    TimeOfDay time_of_day_;
+    int64_t jumped_us_ = 0;
     bool sound_wanted_ = false;
+    std::vector<SoundPacket> sound_packets_;
     std::vector<SoundBlock> sound_; /* not taken yet; times on the clock of due_us */
 };
 

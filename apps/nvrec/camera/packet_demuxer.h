@@ -20,6 +20,12 @@ struct PacketRelease {
 };
 using Packet = std::unique_ptr<AVPacket, PacketRelease>;
 
+/* A packet, and when it came off the line; of a file, never. */
+struct TimedPacket {
+    Packet packet;
+    Clock::time_point at;
+};
+
 /* Everything that libavformat and libavcodec hold for one open input. */
 struct PacketSource::Demuxer {
     AVFormatContext *format = nullptr;
@@ -29,8 +35,8 @@ struct PacketSource::Demuxer {
     AVCodecContext *parser_context = nullptr;
     std::unique_ptr<SoundTrack> sound;
     AVPacket *packet = av_packet_alloc();
-    std::deque<Packet> ahead; /* of the video stream, read and not filtered yet */
-    int ahead_end = 0;        /* why no more of them can be read; 0 = they can  */
+    std::deque<TimedPacket> ahead; /* of the video stream, read and not filtered yet */
+    int ahead_end = 0;             /* why no more of them can be read; 0 = they can  */
     bool filter_drained = false;
     bool bare = false; /* the bare stream of the codec: no time stamps, no index */
 

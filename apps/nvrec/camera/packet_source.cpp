@@ -4,6 +4,7 @@
 #include <optional>
 #include <utility>
 
+#include "camera/line_reader.h"
 #include "camera/packet_demuxer.h"
 
 namespace nvrec
@@ -11,7 +12,8 @@ namespace nvrec
 namespace
 {
 
-constexpr auto kReadLimit = std::chrono::seconds(10); /* a silent line counts as broken after this */
+constexpr auto kReadLimit = std::chrono::seconds(10); /* a file on a disk that does not answer */
+constexpr auto kCatchUpLimit = std::chrono::milliseconds(500);
 
 /* How far pictures are read ahead for the sound that belongs before them: a fragment or a chunk of a
  * recording has all of its pictures first. The count is for files whose times say nothing. */
@@ -32,26 +34,100 @@ std::optional<int64_t> time_of(const AVPacket &packet, const AVStream &stream)
 /* Read one packet: sound is decoded, video joins what is ahead. @return what libavformat says. */
 int PacketSource::read_packet()
 {
+    if (line_) return read_line();
     Packet packet(av_packet_alloc());
     if (!packet) return AVERROR(ENOMEM);
     give_up_at_ = Clock::now() + kReadLimit;
     const int code = av_read_frame(demuxer_->format, packet.get());
     if (code < 0) return code;
-    if (demuxer_->sound && packet->stream_index == demuxer_->sound->stream_index())
-        demuxer_->sound->decode(*packet);
-    if (packet->stream_index == demuxer_->stream->index && packet->size > 0)
-        demuxer_->ahead.push_back(std::move(packet));
+    sort({std::move(packet), {}});
     return 0;
+}
+
+int PacketSource::read_line()
+{
+    LineReader::Arrival arrival;
+    const int code = line_->take(&arrival);
+    if (code == 0) sort({std::move(arrival.packet), arrival.at});
+    return code;
+}
+
+/* Sound is decoded and kept as it came, video joins what is ahead, all else goes. */
+void PacketSource::sort(TimedPacket timed)
+{
+    const AVPacket &packet = *timed.packet;
+    if (demuxer_->sound && packet.stream_index == demuxer_->sound->stream_index()) {
+        demuxer_->sound->decode(packet);
+        keep_sound(packet);
+    }
+    if (packet.stream_index == demuxer_->stream->index && packet.size > 0)
+        demuxer_->ahead.push_back(std::move(timed));
+}
+
+void PacketSource::keep_sound(const AVPacket &packet)
+{
+    constexpr size_t kMostKept = 4096; /* of an input whose pictures never come */
+    if (packet.pts == AV_NOPTS_VALUE || packet.size <= 0 || sound_packets_.size() >= kMostKept) return;
+    if ((packet.flags & AV_PKT_FLAG_DISCARD) != 0) return; /* before the beginning that the file names */
+    const AVStream &stream = *demuxer_->format->streams[packet.stream_index];
+    const AVCodecParameters &parameters = *stream.codecpar;
+    SoundCodec codec = {.av_id = parameters.codec_id,
+                        .rate_hz = parameters.sample_rate,
+                        .channels = parameters.ch_layout.nb_channels,
+                        .frame_samples = parameters.frame_size,
+                        .block_bytes = parameters.block_align,
+                        .bit_rate_bps = parameters.bit_rate,
+                        .extradata = {}};
+    if (parameters.extradata_size > 0)
+        codec.extradata.assign(parameters.extradata, parameters.extradata + parameters.extradata_size);
+    if (!sound_codec_ || !(codec == *sound_codec_))
+        sound_codec_ = std::make_shared<const SoundCodec>(std::move(codec));
+    SoundPacket kept;
+    kept.bytes.assign(packet.data, packet.data + packet.size);
+    kept.pts_us = av_rescale_q(packet.pts, stream.time_base, AVRational{1, 1'000'000});
+    kept.duration_us = av_rescale_q(packet.duration, stream.time_base, AVRational{1, 1'000'000});
+    kept.codec = sound_codec_;
+    sound_packets_.push_back(std::move(kept));
+}
+
+std::vector<LiveClock::Arrived> PacketSource::catch_up()
+{
+    std::vector<LiveClock::Arrived> first;
+    if (!line_) return first;
+    const Clock::time_point begun = Clock::now();
+    LineReader::Arrival arrival;
+    bool empty = false; /* the line */
+    while (!empty && Clock::now() - begun < kCatchUpLimit && !interrupted()) {
+        const int code = line_->take(&arrival);
+        if (code < 0) {
+            demuxer_->ahead_end = code; /* next() says so behind what came before */
+            break;
+        }
+        const AVPacket &packet = *arrival.packet;
+        const AVStream &stream = *demuxer_->stream;
+        if (packet.stream_index == stream.index && packet.size > 0) {
+            /* A first picture without a time has it from those behind it. */
+            const bool tells =
+                packet.pts != AV_NOPTS_VALUE && first.size() > static_cast<size_t>(held_back_) + 1;
+            empty = arrival.waited_for && (tells || (!first.empty() && first.front().times.pts_us));
+            LiveClock::Arrived picture = {{}, arrival.at.time_since_epoch().count()};
+            if (packet.pts != AV_NOPTS_VALUE)
+                picture.times.pts_us = av_rescale_q(packet.pts, stream.time_base, AVRational{1, 1'000'000});
+            first.push_back(picture);
+        }
+        sort({std::move(arrival.packet), arrival.at});
+    }
+    return first;
 }
 
 /* Whether the first packet ahead may go, with all sound that belongs before it in hand. */
 bool PacketSource::first_is_ready() const
 {
-    const std::deque<Packet> &ahead = demuxer_->ahead;
+    const std::deque<TimedPacket> &ahead = demuxer_->ahead;
     if (ahead.empty()) return false;
     if (!demuxer_->sound || live_ || ahead.size() >= kMostAhead) return true; /* cameras send as it comes */
-    const auto first_us = time_of(*ahead.front(), *demuxer_->stream);
-    const auto last_us = time_of(*ahead.back(), *demuxer_->stream);
+    const auto first_us = time_of(*ahead.front().packet, *demuxer_->stream);
+    const auto last_us = time_of(*ahead.back().packet, *demuxer_->stream);
     if (!first_us || !last_us || *last_us - *first_us >= kFarthestAhead_us) return true;
     return demuxer_->sound->read_until_us() >= *first_us + kSoundAhead_us;
 }
@@ -72,15 +148,17 @@ PacketSource::Read PacketSource::next()
             demuxer_->ahead_end = read_packet();
         if (interrupted_.load(std::memory_order_relaxed)) return Read::kInterrupted;
         if (!demuxer_->ahead.empty()) {
-            const Packet first = std::move(demuxer_->ahead.front());
+            const TimedPacket first = std::move(demuxer_->ahead.front());
             demuxer_->ahead.pop_front();
+            unit_arrived_at_ = first.at; /* the filters answer every packet with one */
             /* A damaged unit that cannot be brought into form is left out: the stream goes on behind it. */
-            av_bsf_send_packet(demuxer_->filter, first.get());
+            av_bsf_send_packet(demuxer_->filter, first.packet.get());
             continue;
         }
         const int end = std::exchange(demuxer_->ahead_end, 0);
         if (end != AVERROR_EOF) {
-            fail(Clock::now() > give_up_at_ ? "nothing came for ten seconds" : "reading", end);
+            const bool silent = line_ ? line_->was_silent() : Clock::now() > give_up_at_.load();
+            fail(silent ? "nothing came for ten seconds" : "reading", end);
             return Read::kFailed;
         }
         if (demuxer_->filter_drained) return Read::kEnd;
@@ -111,6 +189,7 @@ UnitClock::PacketTimes PacketSource::times() const
     auto us = [base](int64_t time) { return av_rescale_q(time, base, AVRational{1, 1'000'000}); };
     UnitClock::PacketTimes times;
     times.key = is_key();
+    times.before_start = (packet->flags & AV_PKT_FLAG_DISCARD) != 0;
     if (demuxer_->bare) return times;
     if (packet->pts != AV_NOPTS_VALUE) times.pts_us = us(packet->pts);
     if (packet->dts != AV_NOPTS_VALUE) times.dts_us = us(packet->dts);
@@ -128,9 +207,14 @@ bool PacketSource::is_bare() const
     return demuxer_ && demuxer_->bare;
 }
 
+bool PacketSource::may_be_joined() const
+{
+    return (demuxer_->format->iformat->flags & AVFMT_TS_DISCONT) != 0;
+}
+
 int PacketSource::held_back() const
 {
-    return demuxer_->stream->codecpar->video_delay;
+    return live_ ? held_back_ : demuxer_->stream->codecpar->video_delay;
 }
 
 SoundTrack *PacketSource::sound() const
@@ -181,6 +265,7 @@ bool PacketSource::to_key_before(int64_t pts_us, const char *failure)
 void PacketSource::forget_position()
 {
     if (demuxer_->sound) demuxer_->sound->forget();
+    sound_packets_.clear();
     demuxer_->ahead.clear();
     demuxer_->ahead_end = 0;
     av_bsf_flush(demuxer_->filter);

@@ -5,8 +5,8 @@
  *   address -> demuxer -> packets ahead -> bit-stream filter -> one unit a packet, in Annex B form
  *                   \--> SoundTrack
  *
- * Files have their sound a little further on than the pictures it belongs to, so pictures are read
- * ahead until it is there.
+ * A network camera is read by a thread of its own, see line_reader.h. Files have their sound a little further
+ * on than the pictures it belongs to, so pictures are read ahead until it is there.
  *
  * Threads: one thread reads; interrupt() may come from any.
  */
@@ -15,11 +15,18 @@
 #include <atomic>
 #include <chrono>
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
+#include "camera/camera_source.h"
 #include "camera/codec.h"
+#include "camera/live_clock.h"
 #include "camera/sound.h"
+#include "camera/sound_packet.h"
 #include "camera/unit_clock.h"
 #include "host/clock.h"
 
@@ -28,6 +35,8 @@ struct AVPacket;
 
 namespace nvrec
 {
+
+struct TimedPacket;
 
 /** What an opened input delivers. Sizes follow the stream when they change. */
 struct StreamFacts {
@@ -43,7 +52,7 @@ class PacketSource
 public:
     enum class Read { kUnit, kEnd, kFailed, kInterrupted };
 
-    explicit PacketSource(std::string address);
+    explicit PacketSource(std::string address, Transport transport = Transport::kAuto);
     ~PacketSource();
     PacketSource(const PacketSource &) = delete;
     PacketSource &operator=(const PacketSource &) = delete;
@@ -59,6 +68,26 @@ public:
     size_t size() const;
     bool is_key() const;
     UnitClock::PacketTimes times() const;
+    /** When it came off the line. Network cameras only. */
+    Clock::time_point arrived_at() const { return unit_arrived_at_; }
+
+    /**
+     * After open(), of a network camera: take what has come until the line is empty, at most half a
+     * second. next() delivers it. @return its pictures' times
+     */
+    std::vector<LiveClock::Arrived> catch_up();
+
+    /** Called on the reading thread with every picture of a network camera as it comes. */
+    using ArrivalWatch =
+        std::function<void(Clock::time_point at, size_t bytes, bool key, std::optional<int64_t> camera_us)>;
+    void watch_arrivals(ArrivalWatch watch) { watch_ = std::move(watch); }
+
+    /** Packets of the line that are known not to have come, since the last call. Any thread. */
+    uint64_t take_missed() { return missed_.exchange(0, std::memory_order_relaxed); }
+    void add_missed(uint64_t packets) { missed_.fetch_add(packets, std::memory_order_relaxed); }
+
+    /** The sound packets read since the last call, if sound was wanted; times of the stream's own clock. */
+    std::vector<SoundPacket> take_sound_packets() { return std::exchange(sound_packets_, {}); }
 
     /** Let the unit at hand go. */
     void release();
@@ -83,6 +112,8 @@ public:
     bool live() const { return live_; }
     /** The bare stream of a codec: no time stamps, no index. */
     bool is_bare() const;
+    /** Its stamps jump where files were joined. */
+    bool may_be_joined() const;
     /** Units that a decoder holds back before it shows the first. */
     int held_back() const;
 
@@ -97,20 +128,38 @@ public:
 
 private:
     struct Demuxer;
+    class LineReader;
     bool open_stream(bool with_sound);
+    int open_line();
+    int open_format(Transport transport);
+    std::string reason_of(int av_code) const;
     bool choose_filter(const AVCodecParameters *parameters);
     bool open_parser(const AVCodecParameters *parameters);
     int read_packet();
+    int read_line();
+    void start_reading();
+    void sort(TimedPacket packet);
+    void keep_sound(const AVPacket &packet);
     bool first_is_ready() const;
     void forget_position();
     bool fail(const std::string &what, int av_code);
     static int stop_asked(void *source);
 
     const std::string address_;
+    const Transport transport_;
     const bool live_;
     std::atomic<bool> interrupted_ = false;
-    Clock::time_point give_up_at_; /* of the blocking call under way */
+    Transport worked_ = Transport::kAuto; /* the last time */
+    std::atomic<uint64_t> missed_ = 0;
+    std::atomic<bool> closing_ = false;
+    std::atomic<Clock::time_point> give_up_at_; /* of the blocking call under way */
     std::unique_ptr<Demuxer> demuxer_;
+    std::unique_ptr<LineReader> line_; /* of a network camera; it reads from the demuxer */
+    ArrivalWatch watch_;
+    Clock::time_point unit_arrived_at_;
+    std::vector<SoundPacket> sound_packets_;
+    std::shared_ptr<const SoundCodec> sound_codec_;
+    int held_back_ = 0; /* of a network camera, which is read on another thread */
     StreamFacts facts_;
     std::string error_;
 };

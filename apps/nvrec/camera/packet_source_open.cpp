@@ -1,7 +1,12 @@
 /* packet_source_open.cpp - see packet_source.h: opening, closing, and why it did not work. */
+#include <cerrno>
 #include <cstring>
 
+#include <netdb.h>
+
 #include "camera/address.h"
+#include "camera/line_reader.h"
+#include "camera/loss_count.h"
 #include "camera/packet_demuxer.h"
 
 namespace nvrec
@@ -10,6 +15,24 @@ namespace
 {
 
 constexpr double kSilentFrameRate = 25.0; /* of bare streams that state none */
+constexpr const char *kUdpBuffer_bytes = "2097152";
+
+/* Answers of a camera that does not offer the transport. */
+bool is_of_transport(int av_code)
+{
+    return av_code == AVERROR(EPROTONOSUPPORT) || av_code == AVERROR_INVALIDDATA ||
+           av_code == AVERROR_HTTP_BAD_REQUEST || av_code == AVERROR_HTTP_OTHER_4XX ||
+           av_code == AVERROR_HTTP_SERVER_ERROR;
+}
+
+/* Why a host's name leads nowhere; empty = it does not. */
+std::string name_problem(const std::string &host)
+{
+    addrinfo *found = nullptr;
+    const int code = getaddrinfo(host.c_str(), nullptr, nullptr, &found);
+    if (code == 0) freeaddrinfo(found);
+    return code == 0 ? "" : "the name " + host + " does not resolve: " + gai_strerror(code);
+}
 
 std::string text_of(int av_code)
 {
@@ -20,8 +43,8 @@ std::string text_of(int av_code)
 
 } // namespace
 
-PacketSource::PacketSource(std::string address)
-    : address_(std::move(address)), live_(is_network_address(address_))
+PacketSource::PacketSource(std::string address, Transport transport)
+    : address_(std::move(address)), transport_(transport), live_(is_network_address(address_))
 {
 }
 
@@ -43,7 +66,8 @@ int PacketSource::stop_asked(void *source)
 {
     const auto *self = static_cast<const PacketSource *>(source);
     if (self->interrupted_.load(std::memory_order_relaxed)) return 1;
-    return Clock::now() > self->give_up_at_;
+    if (self->closing_.load(std::memory_order_relaxed)) return 1;
+    return Clock::now() > self->give_up_at_.load(std::memory_order_relaxed);
 }
 
 bool PacketSource::open(std::chrono::milliseconds limit, bool with_sound)
@@ -51,29 +75,88 @@ bool PacketSource::open(std::chrono::milliseconds limit, bool with_sound)
     close();
     error_.clear();
     give_up_at_ = Clock::now() + limit;
-    if (open_stream(with_sound)) return true;
+    if (open_stream(with_sound)) {
+        if (live_) start_reading();
+        return true;
+    }
     close();
     return false;
 }
 
 void PacketSource::close()
 {
+    line_.reset();
     demuxer_.reset();
+    sound_packets_.clear();
+    sound_codec_.reset();
+}
+
+void PacketSource::start_reading()
+{
+    const AVStream *stream = demuxer_->stream;
+    line_ = std::make_unique<LineReader>(*this, [this, stream](const LineReader::Arrival &arrival) {
+        const AVPacket &packet = *arrival.packet;
+        if (!watch_ || packet.stream_index != stream->index || packet.size <= 0) return;
+        std::optional<int64_t> camera_us;
+        if (packet.pts != AV_NOPTS_VALUE)
+            camera_us = av_rescale_q(packet.pts, stream->time_base, AVRational{1, 1'000'000});
+        watch_(arrival.at, static_cast<size_t>(packet.size), (packet.flags & AV_PKT_FLAG_KEY) != 0,
+               camera_us);
+    });
+}
+
+/* What libavformat says, or what is behind it. */
+std::string PacketSource::reason_of(int av_code) const
+{
+    std::string reason = text_of(av_code);
+    if (live_ && av_code == AVERROR_EXIT && !interrupted()) reason = "no answer in time";
+    if (live_ && av_code == AVERROR_INVALIDDATA) reason = "what answers there does not speak RTSP";
+    if (live_ && av_code == AVERROR(EIO)) {
+        const std::string problem = name_problem(host_of(address_));
+        if (!problem.empty()) reason = problem;
+    }
+    return "cannot open: " + reason;
+}
+
+/* Open the file; or the line, over what the user says, or what worked before, or TCP, or else UDP. */
+int PacketSource::open_line()
+{
+    if (!live_) return open_format(Transport::kTcp);
+    const bool chosen = transport_ != Transport::kAuto;
+    const Transport first = chosen ? transport_ : std::exchange(worked_, Transport::kAuto);
+    Transport used = first == Transport::kUdp ? Transport::kUdp : Transport::kTcp;
+    int code = open_format(used);
+    if (code < 0 && !chosen && is_of_transport(code)) {
+        used = used == Transport::kTcp ? Transport::kUdp : Transport::kTcp;
+        const int other = open_format(used);
+        if (other >= 0 || other == AVERROR_EXIT) code = other;
+    }
+    if (code >= 0) worked_ = used;
+    return code;
+}
+
+int PacketSource::open_format(Transport transport)
+{
+    AVFormatContext *format = avformat_alloc_context();
+    if (!format) return AVERROR(ENOMEM);
+    format->interrupt_callback = {stop_asked, this};
+    count_losses(format, this);
+    AVDictionary *options = nullptr;
+    if (live_) av_dict_set(&options, "rtsp_transport", transport == Transport::kUdp ? "udp" : "tcp", 0);
+    if (live_) av_dict_set(&options, "buffer_size", kUdpBuffer_bytes, 0); /* a key frame comes at once */
+    const int code = avformat_open_input(&format, address_.c_str(), nullptr, &options);
+    av_dict_free(&options);
+    demuxer_->format = code < 0 ? nullptr : format;
+    return code;
 }
 
 bool PacketSource::open_stream(bool with_sound)
 {
     demuxer_ = std::make_unique<Demuxer>();
-    AVFormatContext *format = avformat_alloc_context();
-    if (!format || !demuxer_->packet) return fail("out of memory");
-    format->interrupt_callback = {stop_asked, this};
-
-    AVDictionary *options = nullptr;
-    if (live_) av_dict_set(&options, "rtsp_transport", "tcp", 0); /* a lost datagram is a torn picture */
-    int code = avformat_open_input(&format, address_.c_str(), nullptr, &options);
-    av_dict_free(&options);
-    if (code < 0) return fail("cannot open", code);
-    demuxer_->format = format;
+    if (!demuxer_->packet) return fail("out of memory");
+    int code = open_line();
+    if (code < 0) return fail(reason_of(code));
+    AVFormatContext *format = demuxer_->format;
 
     code = avformat_find_stream_info(format, nullptr);
     if (code < 0) return fail("cannot read its streams", code);
@@ -96,6 +179,7 @@ bool PacketSource::open_stream(bool with_sound)
     const AVRational rate = av_guess_frame_rate(format, demuxer_->stream, nullptr);
     /* libavformat names the demuxer of a bare stream after its codec. */
     demuxer_->bare = std::strcmp(format->iformat->name, avcodec_get_name(parameters->codec_id)) == 0;
+    held_back_ = parameters->video_delay;
     facts_.codec = row->codec;
     facts_.sound = demuxer_->sound != nullptr;
     facts_.width_px = static_cast<uint32_t>(parameters->width);

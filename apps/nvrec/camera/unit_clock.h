@@ -4,7 +4,8 @@
  *
  * Containers say so by their time stamps, which begin anywhere; a bare stream carries none and runs
  * at its frame rate. A pass is what is read between two beginnings: of a file that is begun again, or
- * of a line that was opened again. Due times go on from pass to pass and never fall back.
+ * of a line that was opened again. Due times go on from pass to pass and never fall back. Where the
+ * stamps of one pass fall back by more than a second, files were joined: time goes on one frame later.
  *
  * Threads: the one that reads the input.
  */
@@ -25,6 +26,7 @@ public:
         std::optional<int64_t> dts_us;
         int64_t pts_behind_dts_us = 0; /* when both are there; rounded by itself */
         bool key = false;
+        bool before_start = false; /* only decoded for those behind it: an edit list begins later */
     };
 
     struct Stamp {
@@ -35,7 +37,10 @@ public:
     /** Frames a second, and how many units the decoder holds back before it shows the first. */
     void set_stream(double frame_rate, int held_back);
 
-    /** The first pass; or, of a line, another one after so long. */
+    /** Stamps that jump forward are those of another file, joined to this one: of transport streams. */
+    void set_may_be_joined(bool may_be) { may_be_joined_ = may_be; }
+
+    /** The first pass; or another one after so long. */
     void begin();
     void begin_after(int64_t away_us);
 
@@ -43,7 +48,11 @@ public:
     void begin_again();
 
     /** From now on times are places in the file; what is read next has this number in it. */
-    void go_to_places() { pass_start_us_ = last_due_us_ = 0; }
+    void go_to_places()
+    {
+        pass_start_us_ = last_due_us_ = joined_us_ = 0;
+        last_dts_us_.reset();
+    }
     void set_next_number(int64_t number) { next_number_ = number; }
     /** The number of a unit due at that place. */
     int64_t number_at(int64_t due_us) const;
@@ -61,13 +70,18 @@ public:
     int64_t first_pts_us() const { return first_pts_us_.value_or(0); }
 
 private:
+    void look_for_join(int64_t dts_us);
+
     double frame_rate_ = 0;
     int held_back_ = 0;
     int64_t next_number_ = 0;
     int64_t pass_start_us_ = 0;           /* due time of this pass's first unit         */
     std::optional<int64_t> first_dts_us_; /* the pass's first decoding time stamp       */
     std::optional<int64_t> first_pts_us_; /* the file's first presentation time stamp   */
+    std::optional<int64_t> last_dts_us_;  /* of the last unit                           */
+    int64_t joined_us_ = 0;               /* by how much joined files' stamps lie apart */
     int64_t last_due_us_ = 0;
+    bool may_be_joined_ = false;
 };
 
 } // namespace nvrec

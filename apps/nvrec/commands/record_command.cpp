@@ -77,6 +77,8 @@ Command record_command(CLI::App &app)
 
     return {record, [=] {
                 line.options->feed.sound_channels = UINT32_MAX;
+                line.options->feed.main_channels =
+                    UINT32_MAX; /* what is recorded is read whatever is shown */
                 RecorderOptions recorder = {*options, {}, line.options->feed};
                 if (!read_network_addresses(*network, line.options->inputs.size(), &recorder.network))
                     return static_cast<int>(kExitUsage);

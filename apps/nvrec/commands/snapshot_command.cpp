@@ -132,7 +132,8 @@ Command snapshot_command(CLI::App &app)
         ->take_all()
         ->allow_extra_args(false)
         ->check(picture_problem);
-    add_log_options(*snapshot, command->wall);
+    snapshot->add_option("--log", command->wall.log_path, "Where the library's log goes; - = standard output")
+        ->capture_default_str();
 
     return {snapshot, [command] { return run_snapshot(*command); }};
 }

@@ -8,6 +8,7 @@
 #include "commands/module_options.h"
 #include "commands/overlay_options.h"
 #include "commands/screen_options.h"
+#include "commands/source_options.h"
 #include "commands/wall_options.h"
 #include "controls/controls.h"
 #include "play/snapshot.h"
@@ -70,6 +71,7 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
                      "Quality of the camera links, 1 to 100, which bounds the backlog; 0 = not measured")
         ->check(CLI::Range(0, 100))
         ->capture_default_str();
+    const auto sources = add_source_options(*wall, options->feed);
     wall->add_option("--json", options->json_path, "Write the closing table as JSON too");
 
     auto controls = std::make_shared<ControlOptions>();
@@ -92,6 +94,7 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
                     std::fprintf(stderr, "nvrec: --listen %d: channels count from 0\n", listen->channel);
                     return static_cast<int>(kExitUsage);
                 }
+                if (!apply_source_options(*sources, &options->inputs)) return static_cast<int>(kExitUsage);
                 options->wait_for_all = !closer->zoom.rect.empty();
                 if (listen->channel >= 0) options->feed.sound_channels |= 1u << listen->channel;
                 return run_wall(*options, *controls, *overlay, *closer, *listen, std::move(modules));

@@ -15,7 +15,6 @@ namespace
 
 using namespace std::chrono_literals;
 
-constexpr auto kCameraSilence = 3s; /* of a camera that ran: its video is lost */
 constexpr auto kIndicatorPeriod = 1s;
 constexpr auto kBuzz = 10s;        /* for a loss, however long it lasts */
 constexpr uint32_t kMaskBits = 32; /* channels with a loss bit */
@@ -55,24 +54,6 @@ void Indicators::read_clock()
                                 : "clock: it can be neither read nor set");
 }
 
-void Indicators::on_unit(int channel, const AccessUnit &, const StreamFacts &)
-{
-    const auto index = static_cast<size_t>(channel);
-    if (index < kMostChannels)
-        unit_at_[index].store(Clock::now().time_since_epoch().count(), std::memory_order_relaxed);
-}
-
-/* A file that has come to its end, and one that is fed slowly, lose nothing. */
-bool Indicators::is_silent(const Feeder &camera, Clock::time_point now) const
-{
-    const Clock::rep unit_at =
-        unit_at_[static_cast<size_t>(camera.channel())].load(std::memory_order_relaxed);
-    if (unit_at == 0 || now - Clock::time_point(Clock::duration(unit_at)) < kCameraSilence) return false;
-    const Clock::time_point deadline = camera.heartbeat_deadline();
-    if (deadline == Clock::time_point::max()) return camera.broken();
-    return camera.input().live() || deadline <= now;
-}
-
 void Indicators::look_for_loss(Clock::time_point now)
 {
     uint32_t mask[2] = {};
@@ -84,15 +65,12 @@ void Indicators::look_for_loss(Clock::time_point now)
         const auto channel = static_cast<size_t>(camera->channel());
         if (channel >= kMostChannels) continue;
         const bool no_signal = channel < kMaskBits && (mask[0] >> channel & 1) != 0;
-        const bool lost = no_signal || is_silent(*camera, now);
+        const CameraState state = camera->status().state;
+        const bool lost = no_signal || state == CameraState::kSilent || state == CameraState::kRefused;
         if (lost == lost_[channel]) continue;
         lost_[channel] = lost;
         const std::string name = "channel " + std::to_string(channel) + ": ";
-        if (lost) {
-            wall_->terminal().warning(name + "its video is lost");
-        } else {
-            wall_->terminal().warning(name + "its video is back");
-        }
+        wall_->terminal().error(name + (lost ? "its video is lost" : "its video is back"));
         if (lost) buzz_until_ = now + kBuzz;
     }
     if (std::ranges::none_of(lost_, [](bool lost) { return lost; })) buzz_until_ = {};

@@ -22,7 +22,6 @@ class Indicators final : public Module
 {
 public:
     bool start(WallControl &wall) override;
-    void on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts) override;
     Clock::time_point take_turn(Clock::time_point now) override;
     void stop() override;
 
@@ -33,10 +32,8 @@ private:
     void drive_lamp();
     void look_for_loss(Clock::time_point now);
     void drive_buzzer(Clock::time_point now);
-    bool is_silent(const Feeder &camera, Clock::time_point now) const;
 
     WallControl *wall_ = nullptr;
-    std::array<std::atomic<Clock::rep>, kMostChannels> unit_at_ = {}; /* of the last one; 0 = none */
     std::array<bool, kMostChannels> lost_ = {};
     bool front_end_failed_ = false;
     bool lamp_blinks_ = false;

@@ -68,7 +68,7 @@ std::vector<ChannelReport> Reporter::collect() const
         ChannelReport report;
         report.channel = feeder.channel();
         report.address = feeder.shown_address();
-        report.status = feeder.status();
+        report.status = feeder.status(&report.at);
         report.opened = feeder.opened();
         report.facts = feeder.facts();
         report.fed = feeder.counters();
@@ -81,17 +81,22 @@ std::vector<ChannelReport> Reporter::collect() const
     return channels;
 }
 
-std::string Reporter::progress_line(double seconds, int running) const
+std::string Reporter::progress_line(double seconds) const
 {
     ChannelReport sum;
+    int live = 0;
+    std::string missing;
     for (const ChannelReport &channel : collect()) {
         sum.fed.sent += channel.fed.sent;
         sum.decoder += channel.decoder;
         sum.counted &= channel.counted;
+        live += channel.status.state == CameraState::kLive;
+        if (channel.status.state != CameraState::kLive && channel.status.state != CameraState::kEnded)
+            missing += (missing.empty() ? ", none from " : " ") + std::to_string(channel.channel);
     }
     const double rate = seconds > 0 ? static_cast<double>(sum.fed.sent) / seconds : 0;
-    std::string line = text("%7.1f s  %d of %zu cameras  sent %llu (%.1f/s)", seconds, running,
-                            feeders_.size(), static_cast<Count>(sum.fed.sent), rate);
+    std::string line = text("%7.1f s  %d of %zu cameras", seconds, live, feeders_.size()) + missing +
+                       text("  sent %llu (%.1f/s)", static_cast<Count>(sum.fed.sent), rate);
     if (sum.counted)
         line += text("  decoded %llu  shown %llu  dropped %llu  resets %llu",
                      static_cast<Count>(sum.decoder.decoded), static_cast<Count>(sum.decoder.shown),
@@ -99,13 +104,29 @@ std::string Reporter::progress_line(double seconds, int running) const
     return line;
 }
 
+namespace
+{
+
+/* What stands with a camera at the end, and what went wrong last; empty = all is well. */
+std::string remark_of(const ChannelReport &channel)
+{
+    const CameraStatus &status = channel.status;
+    std::string remark;
+    if (status.state == CameraState::kSilent)
+        remark = text("silent for %.0f s", std::chrono::duration<double>(channel.at - status.since).count());
+    if (status.state == CameraState::kRefused) remark = "refused";
+    if (!channel.trouble.empty()) remark += (remark.empty() ? "" : ": ") + channel.trouble;
+    return remark.empty() ? "" : " (" + remark + ")";
+}
+
+} // namespace
+
 std::vector<std::string> table_of(const std::vector<ChannelReport> &channels)
 {
     std::vector<std::string> lines;
     lines.push_back(text("%3s  %-5s  %-9s  %6s  %8s %8s %8s %8s %8s %7s  %s", "ch", "codec", "size", "rate",
                          "sent", "refused", "decoded", "shown", "dropped", "resets", "input"));
     for (const ChannelReport &channel : channels) {
-        if (channel.address.empty()) continue; /* room for a camera */
         if (!channel.opened) {
             lines.push_back(text("%3d  %-5s  %-9s  %6s  %8s %8s %8s %8s %8s %7s  ", channel.channel, "-", "-",
                                  "-", "-", "-", "-", "-", "-", "-") +
@@ -120,7 +141,7 @@ std::vector<std::string> table_of(const std::vector<ChannelReport> &channels)
                              in_table(channel, channel.decoder.shown).c_str(),
                              in_table(channel, channel.decoder.dropped).c_str(),
                              in_table(channel, channel.decoder.resets).c_str()) +
-                        channel.address + (channel.trouble.empty() ? "" : " (" + channel.trouble + ")"));
+                        channel.address + remark_of(channel));
     }
     return lines;
 }
@@ -132,11 +153,11 @@ std::string json_of(const std::vector<ChannelReport> &channels, const std::strin
                        text(",\n  \"seconds\": %.3f,\n  \"channels\": [", seconds);
     const char *separator = "\n";
     for (const ChannelReport &channel : channels) {
-        if (channel.address.empty()) continue;
         json += separator;
         separator = ",\n";
         json += text("    {\"channel\": %d, \"input\": ", channel.channel) + json_string(channel.address);
-        json += text(", \"opened\": %s", channel.opened ? "true" : "false");
+        json += text(", \"opened\": %s, \"state\": ", channel.opened ? "true" : "false") +
+                json_string(camera_state_name(channel.status.state));
         if (channel.opened) {
             json += ", \"codec\": " + json_string(codec_name(channel.facts.codec));
             json += text(", \"width\": %u, \"height\": %u, \"frame_rate\": %.3f", channel.facts.width_px,
@@ -152,6 +173,11 @@ std::string json_of(const std::vector<ChannelReport> &channels, const std::strin
                 ", \"dropped\": " + in_json(channel, channel.decoder.dropped) +
                 ", \"damaged\": " + in_json(channel, channel.decoder.damaged) +
                 ", \"resets\": " + in_json(channel, channel.decoder.resets);
+        json +=
+            text(", \"jitter_ms\": %.1f, \"loss\": %.4f, \"link_quality\": %d, \"clock_jumps\": %llu, "
+                 "\"stream\": \"%s\"",
+                 channel.status.jitter_ms, channel.status.loss, channel.status.link_quality,
+                 static_cast<Count>(channel.status.clock_jumps), channel.status.sub_stream ? "sub" : "main");
         json += ", \"trouble\": " + json_string(channel.trouble) + "}";
     }
     json += "\n  ]";

@@ -24,6 +24,7 @@ struct ChannelReport {
     std::string address;
     bool opened = false;
     CameraStatus status;
+    Clock::time_point at; /* of the status */
     StreamFacts facts;
     FeedCounters fed;
     bool counted = true;           /* decoders tell what follows */
@@ -45,8 +46,8 @@ public:
     /** Every channel's counters now. */
     std::vector<ChannelReport> collect() const;
 
-    /** "  12.0 s   4 of 4 cameras   1200 sent ..." */
-    std::string progress_line(double seconds, int running) const;
+    /** "  12.0 s   3 of 4 cameras, none from 2   1200 sent ..." */
+    std::string progress_line(double seconds) const;
 
 private:
     const std::vector<std::unique_ptr<Feeder>> &feeders_;

@@ -15,13 +15,13 @@ namespace
 constexpr auto kLongWait = std::chrono::hours(1);
 constexpr auto kWindowPeriod = std::chrono::milliseconds(16);
 constexpr auto kLateCamera = std::chrono::seconds(3); /* the others wait for a camera no longer */
+constexpr auto kNoCamera = std::chrono::seconds(5);   /* the screen waits for the first one no longer   */
 constexpr auto kDrain = std::chrono::seconds(3);      /* for what decoders still hold at the inputs' end */
 
 } // namespace
 
 Wall::Wall(const WallOptions &options)
-    : options_(options), wakeup_(options.reload ? Hangup::kReloads : Hangup::kEnds),
-      openings_([this] { wakeup_.wake(); }), reporter_(feeders_)
+    : options_(options), openings_([this] { wakeup_.wake(); }), reporter_(feeders_)
 {
     for (const CameraSource &source : options_.inputs)
         feeders_.push_back(
@@ -34,7 +34,7 @@ Wall::Wall(const WallOptions &options)
 
 int Wall::run()
 {
-    if (!terminal_.send_log_to(options_.log_path, options_.log)) return kExitOutputFailed;
+    if (!terminal_.send_log_to(options_.log_path)) return kExitOutputFailed;
     if (!open_inputs()) {
         stop_cameras();
         return exit_code_;
@@ -55,26 +55,33 @@ int Wall::run()
 }
 
 /*
- * All at once. A camera that takes long to answer is left to its thread, and joins the others when
- * it has: the frames that these send meanwhile would be lost. False when none opened.
+ * All at once, files to the end. Network cameras have three seconds from the first that answers, or five
+ * when none does; then the wall stands, shows who is missing, and every camera joins when it comes.
+ * False when there is nothing to wait for.
  */
 bool Wall::open_inputs()
 {
-    for (const auto &feeder : feeders_) {
-        if (!feeder->source().address.empty()) openings_.start(*feeder); /* or else it is room for one */
-    }
+    for (const auto &feeder : feeders_)
+        openings_.start(*feeder);
     size_t opened = 0;
+    bool counts_down = false;
     Clock::time_point begin_at = Clock::now() + kLongWait;
     while (!openings_.empty() && !wakeup_.end_wanted() && Clock::now() < begin_at) {
+        if (!options_.wait_for_all && openings_.only_live()) {
+            const Clock::duration wait = opened > 0 ? kLateCamera : kNoCamera;
+            begin_at = counts_down && opened == 0 ? begin_at : std::min(begin_at, Clock::now() + wait);
+            counts_down = true;
+        }
         wakeup_.wait_until(begin_at);
         for (const Feeder *camera : finished_openings())
             opened += camera->opened();
-        if (opened > 0 && !options_.wait_for_all && openings_.only_live())
-            begin_at = std::min(begin_at, Clock::now() + kLateCamera);
     }
-    if (opened == 0 && openings_.empty() && !feeders_.empty()) terminal_.error("no input could be opened");
     if (wakeup_.end_wanted()) return false;
-    return opened > 0 || feeders_.empty(); /* the modules have pictures of their own */
+    const bool some_may_come =
+        std::ranges::any_of(feeders_, [](const auto &feeder) { return feeder->input().live(); });
+    if (opened > 0 || some_may_come || feeders_.empty()) return true; /* modules have pictures of their own */
+    terminal_.error("no input could be opened");
+    return false;
 }
 
 /* Those that could be opened, and those that could not, which is said. */
@@ -84,8 +91,8 @@ std::vector<Feeder *> Wall::finished_openings()
     for (const Feeder *camera : finished) {
         if (camera->opened()) continue;
         terminal_.error("channel " + std::to_string(camera->channel()) + ": " + camera->shown_address() +
-                        ": " + camera->trouble());
-        note_exit_code(kExitInputFailed);
+                        ": " + camera->trouble() + (camera->input().live() ? "; trying again" : ""));
+        if (!camera->input().live()) note_exit_code(kExitInputFailed);
     }
     return finished;
 }
@@ -127,40 +134,19 @@ bool Wall::lay_out()
     for (const auto &feeder : feeders_)
         feeder->expect_key();
     const bool done = enlarged_ >= 0 ? session_.apply_single(enlarged_) : session_.apply(layout_);
+    choose_streams();
     modules_.on_layout();
     return done;
 }
 
-/* Its thread may be waiting for a name or a line: the main one does not wait for that. */
-void Wall::change_camera(int channel, const CameraSource &source)
+/* Cameras in small panes, and those without one, are fed from their smaller stream. */
+void Wall::choose_streams()
 {
-    const auto index = static_cast<size_t>(channel);
-    if (index >= feeders_.size()) return;
-    feeders_[index]->ask_to_stop();
-    changes_.insert_or_assign(channel, source);
-    wake();
-}
-
-void Wall::make_changes()
-{
-    for (auto change = changes_.begin(); change != changes_.end();) {
-        std::unique_ptr<Feeder> &place = feeders_[static_cast<size_t>(change->first)];
-        const bool ended = place->heartbeat_deadline() == Clock::time_point::max();
-        if (openings_.contains(*place) || !ended) {
-            ++change;
-            continue;
-        }
-        place->join();
-        retired_.push_back(std::move(place));
-        place = std::make_unique<Feeder>(change->first, change->second, options_.feed);
-        watch_thread({"the thread of channel " + std::to_string(change->first),
-                      [camera = place.get()] { return camera->heartbeat_deadline(); }});
-        change = changes_.erase(change);
-        if (place->source().address.empty()) {
-            lay_out(); /* takes the last picture away */
-        } else {
-            openings_.start(*place);
-        }
+    for (const auto &feeder : feeders_) {
+        const auto &panes = session_.panes();
+        const auto pane = std::ranges::find(panes, feeder->channel(), &DispAttrib::channel);
+        const bool large = pane != panes.end() && pane->w * 2 > session_.mode().width_px;
+        feeder->want_stream(large ? StreamChoice::kMain : StreamChoice::kSub);
     }
 }
 
@@ -296,12 +282,9 @@ void Wall::watch()
         if (window_open_) next = std::min(next, Clock::now() + kWindowPeriod);
         wakeup_.wait_until(next);
 
-        if (wakeup_.take_reload()) options_.reload();
         if (window_open_ && !host::refresh_window()) end_wanted_ = true;
-        for (Feeder *camera : finished_openings()) {
-            if (!changes_.contains(camera->channel())) add_late_camera(*camera);
-        }
-        make_changes();
+        for (Feeder *camera : finished_openings())
+            add_late_camera(*camera);
         if (layout_stale_.exchange(false)) lay_out();
         if (picture_s && seconds() >= *picture_s) take_due_pictures(*picture_s, false);
         if (Clock::now() >= progress_at) {
@@ -316,7 +299,7 @@ std::string Wall::progress_line() const
 {
     std::string line = modules_.progress(seconds());
     if (!line.empty()) return line;
-    return reporter_.progress_line(seconds(), running_.load());
+    return reporter_.progress_line(seconds());
 }
 
 void Wall::take_due_pictures(double now_s, bool at_end)
@@ -361,7 +344,10 @@ void Wall::close()
     take_due_pictures(lasted_s_, true);
     modules_.stop();
     for (const auto &feeder : feeders_) {
-        if (feeder->broken()) note_exit_code(kExitInputFailed);
+        const CameraState state = feeder->status().state;
+        const bool dead =
+            feeder->input().live() && state != CameraState::kLive && state != CameraState::kEnded;
+        if (dead || feeder->broken()) note_exit_code(kExitInputFailed);
     }
 }
 

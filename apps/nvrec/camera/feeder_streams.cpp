@@ -1,0 +1,164 @@
+/*
+ * feeder_streams.cpp - see feeder.h: which of a camera's two streams the decoder is fed from.
+ *
+ *   main thread:  want_stream()
+ *   main stream's thread:  send_main(), idle while the sub stream is shown and nobody else needs it
+ *   sub stream's thread:   take_from_sub()
+ *
+ * Lock order: gate_, then sub_lock_ or lock_.
+ */
+#include "camera/feeder.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "camera/decoder_codec.h"
+#include "camera/kept_out.h"
+#include "nvrhal.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr auto kIdleLook = std::chrono::seconds(1); /* at how the sub stream does */
+
+} // namespace
+
+void Feeder::want_stream(StreamChoice choice)
+{
+    if (source_.sub_address.empty()) return;
+    wanted_.store(choice, std::memory_order_relaxed);
+    if (choice == StreamChoice::kSub && started_) start_sub();
+    const std::scoped_lock guard(sleep_lock_);
+    sleep_.notify();
+}
+
+std::shared_ptr<Feeder> Feeder::sub() const
+{
+    const std::scoped_lock guard(sub_lock_);
+    return sub_;
+}
+
+/* One that was asked to stop ends soon, and has a successor. */
+void Feeder::start_sub()
+{
+    const std::shared_ptr<Feeder> before = sub();
+    if (before && !before->stopping()) return;
+    if (before) before->join();
+
+    CameraSource source = source_;
+    source.address = source_.sub_address;
+    source.sub_address.clear();
+    FeedOptions options = options_;
+    options.frames = 0;
+    options.sound_channels = 0;
+    const auto second = std::make_shared<Feeder>(channel_, source, options);
+    if (const auto epoch_us = input_epoch_us_.load(); epoch_us != 0) second->input_.set_epoch_us(epoch_us);
+    Events events;
+    events.sink = [this](const AccessUnit &unit, const StreamFacts &facts) {
+        return take_from_sub(unit, facts);
+    };
+    events.trouble = [this](int, const std::string &line) { report("its sub stream: " + line); };
+    {
+        const std::scoped_lock guard(sub_lock_);
+        sub_ = second;
+    }
+    if (!stopping()) second->start(std::move(events));
+}
+
+/* A unit of the main stream. @param shown  set to false when the sub stream has the decoder */
+int32_t Feeder::send_main(const AccessUnit &unit, bool *shown)
+{
+    bool took_over = false;
+    int32_t result = 0;
+    {
+        const std::scoped_lock guard(gate_);
+        if (shown_ == StreamChoice::kSub) {
+            const bool may = wanted_ == StreamChoice::kMain || !sub_is_well();
+            *shown = took_over = may && unit.key;
+            if (!took_over) return 0;
+            shown_ = StreamChoice::kMain;
+            sub_is_shown_.store(false, std::memory_order_relaxed);
+        }
+        result = send_to_decoder(unit, input_.facts());
+    }
+    const auto second = sub();
+    if (second && wanted_ == StreamChoice::kMain) second->ask_to_stop();
+    return result;
+}
+
+/* A unit of the sub stream; what is not shown is as good as taken. */
+int32_t Feeder::take_from_sub(const AccessUnit &unit, const StreamFacts &facts)
+{
+    const std::scoped_lock guard(gate_);
+    if (shown_ == StreamChoice::kMain) {
+        if (wanted_ == StreamChoice::kMain || !unit.key) return 0;
+        shown_ = StreamChoice::kSub;
+        sub_is_shown_.store(true, std::memory_order_relaxed);
+        opened_.store(true);
+    }
+    const bool kept_out = is_kept_out(channel_);
+    const int32_t result = send_to_decoder(unit, facts);
+    count(unit, result == 0);
+    if (result == 0 && unit.key) waits_for_key_.store(false, std::memory_order_relaxed);
+    return kept_out || is_kept_out(channel_) ? 0 : result;
+}
+
+int32_t Feeder::send_to_decoder(const AccessUnit &unit, const StreamFacts &facts)
+{
+    FrameInfo frame = {};
+    frame.frame_type = unit.key ? 1 : 0;
+    frame.media = FRAME_MEDIA_VIDEO;
+    frame.length = static_cast<uint32_t>(unit.bytes.size());
+    frame.width = facts.width_px;
+    frame.height = facts.height_px;
+    frame.data = const_cast<uint8_t *>(unit.bytes.data()); /* only read by the library */
+    frame.channel = static_cast<uint32_t>(channel_);
+    frame.pts = static_cast<uint64_t>(unit.pts_us);
+    int32_t quality = source_.link_quality > 0 ? source_.link_quality : options_.link_quality;
+    if (options_.link_measured || source_.link_measured) quality = status().link_quality;
+    const int32_t result =
+        ext_send_stream(&frame, static_cast<uint32_t>(facts.codec), quality, options_.rate_class);
+    const bool looked_at = !is_kept_out_by_zoom(channel_) && frame.length <= NVRHAL_MAX_SEND_BYTES;
+    if (result == 0 || looked_at) note_live_codec(channel_, facts.codec);
+    /* Only now: the library changes the decoder when it sees the new codec. */
+    if (result == 0 && decoder_codec_ != facts.codec) {
+        decoder_codec_ = facts.codec;
+        if (events_.decoder_changed) events_.decoder_changed(channel_);
+    }
+    return result;
+}
+
+bool Feeder::sub_is_well() const
+{
+    const auto second = sub();
+    return second && !second->stopping() && second->status().state == CameraState::kLive;
+}
+
+/* Whether nobody needs the main stream now. */
+bool Feeder::is_idle() const
+{
+    if (source_.sub_address.empty() || !input_.live() || wanted_ != StreamChoice::kSub) return false;
+    const bool kept = channel_ < 32 && (options_.main_channels >> channel_ & 1) != 0;
+    return !kept && sub_is_shown_.load(std::memory_order_relaxed) && sub_is_well();
+}
+
+/* The line is closed until the main stream is needed. @return false = the recorder stops */
+bool Feeder::wait_while_idle()
+{
+    input_.close();
+    while (is_idle() && !stopping()) {
+        const Clock::time_point look_at = Clock::now() + kIdleLook;
+        set_heartbeat_deadline(look_at);
+        std::unique_lock guard(sleep_lock_);
+        sleep_.wait_until(guard, look_at, [this] { return stopping() || wanted_ != StreamChoice::kSub; });
+    }
+    if (stopping()) return false;
+    meter_.begin_again();
+    set_heartbeat_deadline(Clock::now() + options_.open_limit);
+    if (input_.open(options_.open_limit)) return true;
+    return !stopping() && reconnect(input_.error());
+}
+
+} // namespace nvrec

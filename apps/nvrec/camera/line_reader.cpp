@@ -1,0 +1,80 @@
+/* line_reader.cpp - see line_reader.h. */
+#include "camera/line_reader.h"
+
+#include <utility>
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr auto kSilentLimit = std::chrono::seconds(10); /* a silent line counts as broken after this  */
+constexpr auto kWaited = std::chrono::milliseconds(2);  /* a read that took so long found the line empty */
+constexpr size_t kMostWaiting_bytes = size_t{32} << 20;
+
+} // namespace
+
+PacketSource::LineReader::LineReader(PacketSource &source, std::function<void(const Arrival &)> came)
+    : source_(source), came_(std::move(came)), thread_([this] { run(); })
+{
+}
+
+PacketSource::LineReader::~LineReader()
+{
+    source_.closing_.store(true, std::memory_order_relaxed);
+    {
+        const std::scoped_lock guard(lock_);
+        closing_ = true;
+        changed_.notify();
+    }
+    thread_.join();
+    source_.closing_.store(false, std::memory_order_relaxed);
+}
+
+void PacketSource::LineReader::run()
+{
+    int code = 0;
+    bool gave_up = false;
+    Clock::time_point last = Clock::now(); /* arrival */
+    while (code == 0) {
+        Arrival arrival = {Packet(av_packet_alloc()), {}, false};
+        const Clock::time_point begun = Clock::now();
+        if (!gave_up) source_.give_up_at_ = begun + kSilentLimit;
+        code =
+            arrival.packet ? av_read_frame(source_.demuxer_->format, arrival.packet.get()) : AVERROR(ENOMEM);
+        const Clock::time_point ended = Clock::now();
+        /* A parser lets its last picture go when the line is given up: that is no sign of life. */
+        gave_up = gave_up || ended > source_.give_up_at_.load();
+        arrival.at = gave_up ? last : ended;
+        arrival.waited_for = !gave_up && ended - begun >= kWaited;
+        if (code == 0 && !gave_up && came_) came_(arrival);
+        last = arrival.at;
+
+        std::unique_lock guard(lock_);
+        if (code < 0) {
+            end_ = code;
+            silent_ = gave_up;
+        } else {
+            code = 0;
+            waiting_bytes_ += static_cast<size_t>(arrival.packet->size);
+            waiting_.push_back(std::move(arrival));
+        }
+        changed_.notify();
+        changed_.wait(guard, [this] { return closing_ || waiting_bytes_ < kMostWaiting_bytes; });
+        if (closing_) return;
+    }
+}
+
+int PacketSource::LineReader::take(Arrival *arrival)
+{
+    std::unique_lock guard(lock_);
+    changed_.wait(guard, [this] { return !waiting_.empty() || end_ != 0; });
+    if (waiting_.empty()) return end_;
+    *arrival = std::move(waiting_.front());
+    waiting_.pop_front();
+    waiting_bytes_ -= static_cast<size_t>(arrival->packet->size);
+    changed_.notify();
+    return 0;
+}
+
+} // namespace nvrec
