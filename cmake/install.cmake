@@ -108,6 +108,14 @@ install(FILES docs/abi.md docs/installing.md docs/porting.md docs/third-party.md
   DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT manuals)
 if(TARGET nvrec)
   install(FILES docs/nvrec.toml DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT manuals)
+  install(FILES apps/nvrec/service/nvrec.bash RENAME nvrec
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT runtime)
+endif()
+# A recorder that was built without the service manager's library never tells it that it stands.
+if(TARGET nvrec AND NVREC_SYSTEMD_FOUND)
+  configure_file(apps/nvrec/service/nvrec.service.in ${PROJECT_BINARY_DIR}/service/nvrec.service @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/service/nvrec.service DESTINATION lib/systemd/system COMPONENT runtime)
+  install(FILES apps/nvrec/service/nvrec.sysusers RENAME nvrec.conf DESTINATION lib/sysusers.d COMPONENT runtime)
 endif()
 
 # The archive that `cpack` makes: everything, stripped, below one folder, to be unpacked anywhere.

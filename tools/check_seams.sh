@@ -35,14 +35,17 @@ while read -r file; do
         violation "$file reaches below the library"
 done < <(sources apps)
 
-# JSON is for the board's remote face, and HTTP for the program that serves it.
+# JSON is for the board's remote face and the recorder's status, and HTTP for the programs that serve it.
 while read -r file; do
     grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"]nlohmann/' "$file" >/dev/null &&
-        [[ $file != platform/virtual/remote/* && $file != apps/vboard/* ]] &&
-        violation "$file includes JSON; only platform/virtual/remote and apps/vboard may"
+        [[ $file != platform/virtual/remote/* && $file != apps/vboard/* && $file != apps/nvrec/controls/status_json.cpp ]] &&
+        violation "$file includes JSON; only platform/virtual/remote, apps/vboard and the recorder's status may"
     grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"](libwebsockets|curl/)' "$file" >/dev/null &&
         [[ $file != apps/vboard/* ]] &&
         violation "$file includes HTTP; only apps/vboard may"
+    grep -nE '^[[:space:]]*#[[:space:]]*include[[:space:]]*[<"]microhttpd' "$file" >/dev/null &&
+        [[ $file != apps/nvrec/controls/status_page.cpp ]] &&
+        violation "$file includes HTTP; only the recorder's status page may"
 done < <(sources src include platform apps)
 
 # The recorder knows what stands under the library, and the machine's clocks, in its host room alone.

@@ -5,3 +5,10 @@ nvrhal_test(nvrec_config_test
 target_compile_definitions(nvrec_config_test PRIVATE
   NVREC_PROGRAM="$<TARGET_FILE:nvrec>" NVREC_EXAMPLE="${PROJECT_SOURCE_DIR}/docs/nvrec.toml")
 add_dependencies(nvrec_config_test nvrec)
+
+nvrhal_test(nvrec_status_test
+  ${CMAKE_CURRENT_LIST_DIR}/status_test.cpp
+  LIBS nvrec_run nvrec_pieces LABEL nvrec TIMEOUT 60)
+target_compile_definitions(nvrec_status_test PRIVATE
+  NVREC_PROGRAM="$<TARGET_FILE:nvrec>" NVREC_CLIP="${nvrec_clips}/h264.mp4" NVREC_VERSION="${PROJECT_VERSION}")
+add_dependencies(nvrec_status_test nvrec nvrec_clips)

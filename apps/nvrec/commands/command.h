@@ -32,5 +32,8 @@ Command snapshot_command(CLI::App &app);
 Command record_command(CLI::App &app);
 Command run_command(CLI::App &app);
 Command check_command(CLI::App &app);
+Command status_command(CLI::App &app);
+Command event_command(CLI::App &app);
+Command reload_command(CLI::App &app);
 
 } // namespace nvrec

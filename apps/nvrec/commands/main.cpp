@@ -14,6 +14,7 @@ extern "C" {
 
 #include "camera/address.h"
 #include "commands/command.h"
+#include "controls/versions.h"
 
 namespace
 {
@@ -32,9 +33,12 @@ int run(int argc, char **argv)
     app.require_subcommand(1);
     app.set_help_all_flag("--help-all", "Help of every subcommand");
 
+    app.set_version_flag("--version",
+                         "nvrec " + nvrec::nvrec_version() + ", libnvrhal " + nvrec::library_version());
     const std::vector<nvrec::Command> commands = {
-        nvrec::run_command(app),    nvrec::check_command(app), nvrec::wall_command(app),
-        nvrec::record_command(app), nvrec::play_command(app),  nvrec::snapshot_command(app),
+        nvrec::run_command(app),    nvrec::check_command(app),  nvrec::status_command(app),
+        nvrec::event_command(app),  nvrec::reload_command(app), nvrec::wall_command(app),
+        nvrec::record_command(app), nvrec::play_command(app),   nvrec::snapshot_command(app),
         nvrec::key_command(app),    nvrec::board_command(app),
     };
     try {

@@ -5,6 +5,7 @@
 #include <CLI/CLI.hpp>
 
 #include "commands/command.h"
+#include "commands/reload.h"
 #include "commands/run_options.h"
 #include "controls/controls.h"
 #include "play/snapshot.h"
@@ -24,6 +25,7 @@ struct RunCommand {
     double duration_s = 0;
     std::vector<std::string> pictures;
     std::string json_path;
+    bool quiet = false;
 };
 
 int run(const RunCommand &command)
@@ -37,6 +39,10 @@ int run(const RunCommand &command)
     wall_options.duration_s = command.duration_s;
     wall_options.pictures = command.pictures;
     wall_options.json_path = command.json_path;
+    wall_options.log.quiet = command.quiet;
+    auto reload = std::make_unique<Reload>(config, Reload::Takers());
+    Reload &reloading = *reload;
+    wall_options.reload = [&reloading] { reloading.reload_and_tell(); };
     Wall wall(wall_options);
     if (!config.record.directory.empty()) {
         RecorderOptions options;
@@ -49,6 +55,8 @@ int run(const RunCommand &command)
     if (listen.channel >= 0) wall.add(std::make_unique<Listener>(listen));
     ControlOptions controls;
     fill(config, &controls);
+    controls.hooks.reload = [&reloading](bool *ok) { return reloading.reload(ok); };
+    wall.add(std::move(reload));
     add_controls(wall, controls);
     OverlayOptions overlay;
     fill(config, &overlay);
@@ -80,6 +88,7 @@ Command run_command(CLI::App &app)
         ->allow_extra_args(false)
         ->check(picture_problem);
     run_app->add_option("--json", command->json_path, "Write the closing table as JSON too");
+    run_app->add_flag("-q,--quiet", command->quiet, "Print warnings and errors alone");
     return {run_app, [command] { return run(*command); }};
 }
 

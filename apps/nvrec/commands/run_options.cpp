@@ -5,6 +5,7 @@
 
 #include "camera/camera_source.h"
 #include "commands/overlay_options.h"
+#include "config/page_address.h"
 #include "controls/controls.h"
 #include "record/listen.h"
 #include "record/recorder.h"
@@ -60,6 +61,10 @@ CameraSource source_of(const config::Camera &camera)
                                                                      : Transport::kAuto;
     source.user = camera.user;
     source.password = camera.password;
+    source.link_measured = camera.measured_link;
+    source.link_quality = camera.link_quality;
+    source.loop = camera.loop;
+    source.sound = camera.sound;
     return source;
 }
 
@@ -71,18 +76,32 @@ std::string shown_camera(const config::Config &config, const config::Camera &cam
     return line + ", recorded " + (config.record.directory.empty() ? "never" : mode_name(camera.plan.mode));
 }
 
+LogOptions log_options(const config::Config &config)
+{
+    LogOptions options;
+    options.level = config.log.level == config::Level::kError     ? LogLevel::kError
+                    : config.log.level == config::Level::kWarning ? LogLevel::kWarning
+                    : config.log.level == config::Level::kDebug   ? LogLevel::kDebug
+                                                                  : LogLevel::kInfo;
+    options.size_bytes = config.log.size_bytes;
+    options.keep = config.log.keep;
+    options.append = true;
+    return options;
+}
+
 void fill(const config::Config &config, WallOptions *options)
 {
-    for (const config::Camera &camera : config.cameras) {
+    for (const config::Camera &camera : config.cameras)
         options->inputs.push_back(source_of(camera));
-        options->feed.loop |= camera.loop;
-    }
+    options->inputs.resize(static_cast<size_t>(config.channels())); /* room for more of them */
     options->layout = config.screen.layout;
     options->output = config.screen.output;
     options->window = window_of(config.screen.window);
     options->log_path = config.log.file;
+    options->log = log_options(config);
     options->channels = config.channels();
     options->feed.sound_channels = config.record.directory.empty() ? 0 : UINT32_MAX;
+    options->feed.main_channels = config.record.directory.empty() ? 0 : UINT32_MAX;
     const int heard = config.channel_of(config.sound.camera);
     if (heard >= 0) options->feed.sound_channels |= 1u << heard;
 }
@@ -112,6 +131,8 @@ void fill(const config::Config &config, ControlOptions *options)
     options->socket = config.control.socket;
     options->watchdog_s = config.board.watchdog_s;
     options->hung_after_s = config.board.hung_after_s;
+    if (const auto page = config::page_address(config.status.page))
+        options->page = {page->host, page->port, page->ipv6, config.status.token};
 }
 
 void fill(const config::Config &config, ListenOptions *options)

@@ -16,6 +16,7 @@ namespace nvrec
 struct CameraSource;
 struct ControlOptions;
 struct ListenOptions;
+struct LogOptions;
 struct OverlayOptions;
 struct RecorderOptions;
 struct WallOptions;
@@ -28,6 +29,7 @@ std::string shown_camera(const config::Config &config, const config::Camera &cam
 
 CameraSource source_of(const config::Camera &camera);
 
+LogOptions log_options(const config::Config &config);
 void fill(const config::Config &config, WallOptions *options);
 void fill(const config::Config &config, RecorderOptions *options);
 void fill(const config::Config &config, OverlayOptions *options);

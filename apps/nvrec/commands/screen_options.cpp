@@ -20,6 +20,13 @@ const std::map<std::string, WindowMode> kWindowModees = {
     {"off", WindowMode::kOff},
 };
 
+const std::map<std::string, LogLevel> kLogLevels = {
+    {"error", LogLevel::kError},
+    {"warning", LogLevel::kWarning},
+    {"info", LogLevel::kInfo},
+    {"debug", LogLevel::kDebug},
+};
+
 } // namespace
 
 CLI::Validator from_zero_on()
@@ -51,8 +58,30 @@ void add_screen_options(CLI::App &command, WallOptions &options)
     command.add_option("--window", options.window, "Open a window: auto (when there is a screen), on, off")
         ->transform(CLI::CheckedTransformer(kWindowModees, CLI::ignore_case))
         ->default_str("auto");
-    command.add_option("--log", options.log_path, "Where the library's log goes; - = standard output")
+    add_log_options(command, options);
+}
+
+void add_log_options(CLI::App &command, WallOptions &options)
+{
+    constexpr int kMegabyte = 1'000'000;
+    command
+        .add_option("--log", options.log_path,
+                    "Where the library's log goes, and what nvrec says beside it; - = standard output")
         ->capture_default_str();
+    command.add_option("--log-level", options.log.level, "What nvrec says: error, warning, info, debug")
+        ->transform(CLI::CheckedTransformer(kLogLevels, CLI::ignore_case))
+        ->default_str("info");
+    command
+        .add_option_function<int>(
+            "--log-size",
+            [&options](int megabytes) { options.log.size_bytes = int64_t{megabytes} * kMegabyte; },
+            "Megabytes after which the next log file is begun; 0 = never")
+        ->check(CLI::Range(0, 1'000'000))
+        ->default_str("10");
+    command.add_option("--log-keep", options.log.keep, "Log files that are kept of those before")
+        ->check(CLI::Range(0, 100))
+        ->capture_default_str();
+    command.add_flag("-q,--quiet", options.log.quiet, "Print warnings and errors alone");
 }
 
 void add_layout_option(CLI::App &command, std::string &layout, const std::string &meaning)

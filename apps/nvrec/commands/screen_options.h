@@ -17,6 +17,9 @@ constexpr size_t kMostInputs = NVRHAL_MAX_CAMERAS;
 /** Output, pictures, duration, window and log. `options` lives as long as the parser. */
 void add_screen_options(CLI::App &command, WallOptions &options);
 
+/** The log and what is printed; part of the above. */
+void add_log_options(CLI::App &command, WallOptions &options);
+
 /** "--layout", with "auto" in front. */
 void add_layout_option(CLI::App &command, std::string &layout, const std::string &meaning);
 

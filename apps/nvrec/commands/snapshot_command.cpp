@@ -132,8 +132,7 @@ Command snapshot_command(CLI::App &app)
         ->take_all()
         ->allow_extra_args(false)
         ->check(picture_problem);
-    snapshot->add_option("--log", command->wall.log_path, "Where the library's log goes; - = standard output")
-        ->capture_default_str();
+    add_log_options(*snapshot, command->wall);
 
     return {snapshot, [command] { return run_snapshot(*command); }};
 }

@@ -9,6 +9,7 @@
 #include "controls/key_names.h"
 #include "controls/keys.h"
 #include "controls/keys_navigation.h"
+#include "controls/service.h"
 #include "host/host.h"
 #include "wall/module.h"
 #include "wall/wall.h"
@@ -43,8 +44,15 @@ void add_controls(Wall &wall, const ControlOptions &options)
     wall.add(std::make_unique<Health>(options.watchdog_s, patience));
     wall.add(std::make_unique<Indicators>());
     wall.add(std::make_unique<Navigation>());
-    wall.add(std::make_unique<ControlRequests>(options.socket, *keys));
+    auto requests = std::make_unique<ControlRequests>(options.socket, *keys, options.hooks);
+    auto page =
+        std::make_unique<StatusPage>(options.page, [asked = requests.get()](const std::string &request) {
+            return asked->answer(request);
+        });
+    wall.add(std::move(page)); /* stopped behind the requests, which it may be waiting for */
+    wall.add(std::move(requests));
     wall.add(std::move(keys));
+    wall.add(std::make_unique<Service>()); /* ready when all of these are; the first to end */
 }
 
 } // namespace nvrec

@@ -7,6 +7,9 @@
 #include <chrono>
 #include <string>
 
+#include "controls/control_hooks.h"
+#include "controls/status_page.h"
+
 namespace nvrec
 {
 
@@ -16,6 +19,8 @@ struct ControlOptions {
     std::string socket;       /* path; empty = the user's own place, "none" = no socket              */
     int watchdog_s = 100;     /* time-out of the board's watchdog; 0 = it is switched off             */
     double hung_after_s = 10; /* a thread that is so late hangs                                   */
+    PageOptions page;
+    ControlHooks hooks;
 };
 
 /** The modules; to be added before all others, which then get keys first. */

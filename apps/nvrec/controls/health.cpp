@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "host/host.h"
+#include "host/service.h"
 #include "nvrhal.h"
 #include "wall/terminal.h"
 
@@ -29,10 +30,9 @@ void Health::watch(std::string name, HeartbeatDeadline deadline, Clock::duration
 bool Health::start(WallControl &wall)
 {
     wall_ = &wall;
-    if (watchdog_s_ == 0) {
-        ext_wdg_set(0);
-        return true;
-    }
+    service_period_ = host::service_watchdog();
+    if (watchdog_s_ == 0) ext_wdg_set(0);
+    if (watchdog_s_ == 0 && service_period_.count() == 0) return true;
     for (const auto &camera : wall.cameras()) {
         watch(
             "the thread of channel " + std::to_string(camera->channel()),
@@ -42,7 +42,8 @@ bool Health::start(WallControl &wall)
     watch(
         "the main thread", [this] { return Clock::time_point(Clock::duration(main_deadline_.load())); },
         Clock::duration::zero());
-    if (local_wdg_set_timeout(watchdog_s_) < 0) wall.terminal().error("watchdog: it refused its time-out");
+    if (watchdog_s_ > 0 && local_wdg_set_timeout(watchdog_s_) < 0)
+        wall.terminal().error("watchdog: it refused its time-out");
     feed();
     stop_ = false;
     thread_ = std::thread([this] { run(); });
@@ -51,6 +52,8 @@ bool Health::start(WallControl &wall)
 
 void Health::feed()
 {
+    feeding_ = true;
+    if (watchdog_s_ == 0) return; /* the service manager's alone */
     Set_Wdt_Fing(1);
     feeding_ = wdt_feed_pt() == 0;
     if (!feeding_) wall_->terminal().error("watchdog: there is no thread to feed it");
@@ -59,7 +62,7 @@ void Health::feed()
 Clock::time_point Health::take_turn(Clock::time_point now)
 {
     main_deadline_.store((now + kMainDeadline).time_since_epoch().count());
-    return watchdog_s_ == 0 ? Clock::time_point::max() : now + kMainPeriod;
+    return thread_.joinable() || watchdog_s_ > 0 ? now + kMainPeriod : Clock::time_point::max();
 }
 
 std::optional<std::string> Health::late_thread(Clock::time_point now) const
@@ -80,7 +83,7 @@ void Health::look(Clock::time_point now)
     const std::scoped_lock guard(looking_);
     const std::optional<std::string> late = late_thread(now);
     if (late && feeding_) {
-        Set_Wdt_Fing(0);
+        if (watchdog_s_ > 0) Set_Wdt_Fing(0);
         feeding_ = false;
         starved_at_ = now;
         wall_->terminal().error("watchdog: " + *late + " hangs; it is fed no more");
@@ -88,7 +91,16 @@ void Health::look(Clock::time_point now)
         feed(); /* before that, the thread that is to end would go on beside the new one */
         if (feeding_) wall_->terminal().error("watchdog: all threads run again; it is fed");
     }
+    if (!late) feed_service_manager(now);
     tell_expiry();
+}
+
+/* Four times as often as it wants to hear. */
+void Health::feed_service_manager(Clock::time_point now)
+{
+    if (service_period_.count() == 0 || now < service_at_) return;
+    service_at_ = now + service_period_ / 4;
+    host::tell_service_manager("WATCHDOG=1");
 }
 
 void Health::tell_expiry()
@@ -118,7 +130,7 @@ void Health::stop()
         changed_.notify();
     }
     thread_.join();
-    ext_wdg_set(0);
+    if (watchdog_s_ > 0) ext_wdg_set(0);
 }
 
 } // namespace nvrec

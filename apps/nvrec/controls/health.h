@@ -5,6 +5,8 @@
  *                                    |
  *                                    +--the watchdog's time-out--> the board resets
  *
+ * The service manager's watchdog, where it has one for this process, is fed and starved with it.
+ *
  * Every camera's thread, and the main thread, says when it gives its next sign of life at the latest.
  * The library's thread feeds; it is told to end when one of them is late for too long.
  *
@@ -61,7 +63,11 @@ private:
     void tell_expiry();
     void run();
 
+    void feed_service_manager(Clock::time_point now);
+
     const int watchdog_s_;
+    std::chrono::microseconds service_period_ = {}; /* the service manager's watchdog; zero = it has none */
+    Clock::time_point service_at_; /* when it is told next that all is well; guarded by looking_ */
     const Clock::duration patience_;
     WallControl *wall_ = nullptr;
     std::vector<Watched> watched_;

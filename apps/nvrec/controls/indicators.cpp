@@ -70,7 +70,11 @@ void Indicators::look_for_loss(Clock::time_point now)
         if (lost == lost_[channel]) continue;
         lost_[channel] = lost;
         const std::string name = "channel " + std::to_string(channel) + ": ";
-        wall_->terminal().error(name + (lost ? "its video is lost" : "its video is back"));
+        if (lost) {
+            wall_->terminal().warning(name + "its video is lost");
+        } else {
+            wall_->terminal().warning(name + "its video is back");
+        }
         if (lost) buzz_until_ = now + kBuzz;
     }
     if (std::ranges::none_of(lost_, [](bool lost) { return lost; })) buzz_until_ = {};

@@ -11,13 +11,20 @@ DecoderCounters &DecoderCounters::operator+=(const DecoderCounters &more)
     dropped += more.dropped;
     damaged += more.damaged;
     resets += more.resets;
+    sent += more.sent;
     return *this;
 }
 
 DecoderCounters DecoderCounters::operator-(const DecoderCounters &earlier) const
 {
     return {decoded - earlier.decoded, shown - earlier.shown, dropped - earlier.dropped,
-            damaged - earlier.damaged, resets - earlier.resets};
+            damaged - earlier.damaged, resets - earlier.resets, sent - earlier.sent};
+}
+
+uint64_t DecoderCounters::discarded(const DecoderBacklog &backlog) const
+{
+    const uint64_t accounted = decoded + damaged + backlog.frames;
+    return sent > accounted ? sent - accounted : 0;
 }
 
 } // namespace nvrec::host

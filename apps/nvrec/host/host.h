@@ -70,6 +70,12 @@ std::string press_panel_key(uint32_t key_code);
 
 /* ------------------------------------------------------------------- decoders, for reports --- */
 
+/** What a decoder has taken and not consumed yet. */
+struct DecoderBacklog {
+    uint64_t frames = 0;
+    uint64_t bytes = 0;
+};
+
 /** What became of the frames that a decoder channel was sent, since the board's start. */
 struct DecoderCounters {
     uint64_t decoded = 0;
@@ -77,6 +83,10 @@ struct DecoderCounters {
     uint64_t dropped = 0; /* decoded, and never on a screen         */
     uint64_t damaged = 0; /* withheld by the decoder                */
     uint64_t resets = 0;
+    uint64_t sent = 0; /* frames that it took */
+
+    /** Frames that it took and never gave a picture of: resets and flushes threw them away. */
+    uint64_t discarded(const DecoderBacklog &backlog) const;
 
     DecoderCounters &operator+=(const DecoderCounters &more);
     DecoderCounters operator-(const DecoderCounters &earlier) const;
@@ -84,6 +94,9 @@ struct DecoderCounters {
 
 /** A channel's counters; nothing where decoders do not tell. */
 std::optional<DecoderCounters> decoder_counters(int channel);
+
+/** Its backlog now; nothing where decoders do not tell. */
+std::optional<DecoderBacklog> decoder_backlog(int channel);
 
 /**
  * Wait until a decoder has consumed what it was sent and its pictures are on their way to the

@@ -79,6 +79,11 @@ std::optional<DecoderCounters> decoder_counters(int)
     return std::nullopt;
 }
 
+std::optional<DecoderBacklog> decoder_backlog(int)
+{
+    return std::nullopt;
+}
+
 void wait_for_decoder(int, std::chrono::milliseconds limit)
 {
     constexpr auto kPicture = std::chrono::milliseconds(40); /* at 25 pictures a second */

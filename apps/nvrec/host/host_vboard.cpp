@@ -111,7 +111,16 @@ std::optional<DecoderCounters> decoder_counters(int channel)
 {
     vboard_decoder_stat stat = {};
     if (vboard_decoder_get_stat(static_cast<uint32_t>(channel), &stat) != 0) return std::nullopt;
-    return DecoderCounters{stat.decoded, stat.shown, stat.dropped, stat.damaged, stat.resets};
+    return DecoderCounters{stat.decoded, stat.shown,  stat.dropped,
+                           stat.damaged, stat.resets, stat.frames_sent};
+}
+
+std::optional<DecoderBacklog> decoder_backlog(int channel)
+{
+    uint32_t bytes = 0;
+    uint32_t sends = 0;
+    if (vboard_decoder_get_backlog(static_cast<uint32_t>(channel), &bytes, &sends) != 0) return std::nullopt;
+    return DecoderBacklog{sends, bytes};
 }
 
 void wait_for_decoder(int channel, std::chrono::milliseconds limit)

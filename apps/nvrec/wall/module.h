@@ -82,6 +82,12 @@ public:
     virtual Reporter &reporter() = 0;
     virtual const std::vector<std::unique_ptr<Feeder>> &cameras() const = 0;
 
+    /**
+     * Take another camera for a channel, or none: an empty address. It comes when the thread of the one
+     * before has ended; all others go on.
+     */
+    virtual void change_camera(int /*channel*/, const CameraSource & /*source*/) {}
+
     /** Show this layout, all panes. */
     virtual void show_layout(Layout layout) = 0;
     virtual Layout layout() const = 0;

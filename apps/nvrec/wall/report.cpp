@@ -84,9 +84,11 @@ std::vector<ChannelReport> Reporter::collect() const
 std::string Reporter::progress_line(double seconds) const
 {
     ChannelReport sum;
-    int live = 0;
+    int live = 0, cameras = 0;
     std::string missing;
     for (const ChannelReport &channel : collect()) {
+        if (channel.address.empty()) continue; /* room for a camera */
+        ++cameras;
         sum.fed.sent += channel.fed.sent;
         sum.decoder += channel.decoder;
         sum.counted &= channel.counted;
@@ -95,7 +97,7 @@ std::string Reporter::progress_line(double seconds) const
             missing += (missing.empty() ? ", none from " : " ") + std::to_string(channel.channel);
     }
     const double rate = seconds > 0 ? static_cast<double>(sum.fed.sent) / seconds : 0;
-    std::string line = text("%7.1f s  %d of %zu cameras", seconds, live, feeders_.size()) + missing +
+    std::string line = text("%7.1f s  %d of %d cameras", seconds, live, cameras) + missing +
                        text("  sent %llu (%.1f/s)", static_cast<Count>(sum.fed.sent), rate);
     if (sum.counted)
         line += text("  decoded %llu  shown %llu  dropped %llu  resets %llu",
@@ -127,6 +129,7 @@ std::vector<std::string> table_of(const std::vector<ChannelReport> &channels)
     lines.push_back(text("%3s  %-5s  %-9s  %6s  %8s %8s %8s %8s %8s %7s  %s", "ch", "codec", "size", "rate",
                          "sent", "refused", "decoded", "shown", "dropped", "resets", "input"));
     for (const ChannelReport &channel : channels) {
+        if (channel.address.empty()) continue; /* room for a camera */
         if (!channel.opened) {
             lines.push_back(text("%3d  %-5s  %-9s  %6s  %8s %8s %8s %8s %8s %7s  ", channel.channel, "-", "-",
                                  "-", "-", "-", "-", "-", "-", "-") +
@@ -153,6 +156,7 @@ std::string json_of(const std::vector<ChannelReport> &channels, const std::strin
                        text(",\n  \"seconds\": %.3f,\n  \"channels\": [", seconds);
     const char *separator = "\n";
     for (const ChannelReport &channel : channels) {
+        if (channel.address.empty()) continue;
         json += separator;
         separator = ",\n";
         json += text("    {\"channel\": %d, \"input\": ", channel.channel) + json_string(channel.address);

@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <initializer_list>
 #include <system_error>
 #include <utility>
 
@@ -16,20 +17,28 @@ namespace nvrec
 namespace
 {
 
-sigset_t end_signals()
+sigset_t set_of(std::initializer_list<int> numbers)
 {
     sigset_t set;
     sigemptyset(&set);
-    sigaddset(&set, SIGINT);
-    sigaddset(&set, SIGTERM);
+    for (const int number : numbers)
+        sigaddset(&set, number);
     return set;
+}
+
+/* nohup(1) and the like: it is meant to outlive its terminal. */
+bool is_ignored(int number)
+{
+    struct sigaction action = {};
+    return sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN;
 }
 
 } // namespace
 
-Wakeup::Wakeup()
+Wakeup::Wakeup(Hangup hangup) : hangup_(hangup)
 {
-    const sigset_t set = end_signals();
+    sigset_t set = set_of({SIGINT, SIGTERM});
+    if (hangup == Hangup::kReloads || !is_ignored(SIGHUP)) sigaddset(&set, SIGHUP);
     pthread_sigmask(SIG_BLOCK, &set, nullptr);
     signals_ = signalfd(-1, &set, SFD_CLOEXEC | SFD_NONBLOCK);
     closing_ = eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
@@ -46,21 +55,35 @@ Wakeup::~Wakeup()
     close(closing_);
 }
 
+/*
+ * A second SIGINT or SIGTERM ends the process as usual: this thread takes it then. A second SIGHUP does
+ * not, since a terminal that goes away may send several.
+ */
 void Wakeup::take_signals()
 {
     pollfd sources[] = {{closing_, POLLIN, 0}, {signals_, POLLIN, 0}};
-    while (poll(sources, 2, -1) < 0 && errno == EINTR) {
+    while (!end_wanted_) {
+        while (poll(sources, 2, -1) < 0 && errno == EINTR) {
+        }
+        if (sources[0].revents != 0) return;
+        read_signals();
+        wake();
     }
-    if (sources[0].revents != 0) return;
+    const sigset_t set = set_of({SIGINT, SIGTERM});
+    pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+    while (poll(sources, 1, -1) < 0 && errno == EINTR) {
+    }
+}
 
+void Wakeup::read_signals()
+{
     signalfd_siginfo received;
     while (read(signals_, &received, sizeof received) == sizeof received) {
-    }
-    end_wanted_ = true;
-    wake();
-    const sigset_t set = end_signals();
-    pthread_sigmask(SIG_UNBLOCK, &set, nullptr); /* of this thread: it takes the second one */
-    while (poll(sources, 1, -1) < 0 && errno == EINTR) {
+        if (received.ssi_signo == SIGHUP && hangup_ == Hangup::kReloads) {
+            reload_wanted_ = true;
+        } else {
+            end_wanted_ = true;
+        }
     }
 }
 

@@ -1,5 +1,5 @@
 /*
- * wakeup.h - what ends the main thread's sleep: Ctrl-C, a call of wake(), or time.
+ * wakeup.h - what ends the main thread's sleep: a signal, a call of wake(), or time.
  *
  * Made before any other thread, so that every thread inherits the blocked signals and only this
  * object receives them, on a thread of its own.
@@ -15,10 +15,13 @@
 namespace nvrec
 {
 
+/** What SIGHUP asks for. */
+enum class Hangup { kEnds, kReloads };
+
 class Wakeup
 {
 public:
-    Wakeup();
+    explicit Wakeup(Hangup hangup = Hangup::kEnds);
     ~Wakeup();
     Wakeup(const Wakeup &) = delete;
     Wakeup &operator=(const Wakeup &) = delete;
@@ -29,16 +32,25 @@ public:
     /** End the sleep, or the next one. Any thread. */
     void wake();
 
-    /** True from the first SIGINT or SIGTERM on. A second one ends the process as usual. */
+    /**
+     * True from the first SIGINT or SIGTERM on, or SIGHUP where that ends. A second SIGINT or SIGTERM
+     * ends the process as usual.
+     */
     bool end_wanted() const { return end_wanted_; }
+
+    /** Whether SIGHUP came since the last call, where it reloads. */
+    bool take_reload() { return reload_wanted_.exchange(false); }
 
 private:
     void take_signals();
+    void read_signals();
 
-    int signals_ = -1; /* signalfd of SIGINT and SIGTERM     */
+    const Hangup hangup_;
+    int signals_ = -1; /* signalfd of what ends and reloads  */
     int closing_ = -1; /* eventfd: the thread is to end       */
     std::thread signal_thread_;
     std::atomic<bool> end_wanted_ = false;
+    std::atomic<bool> reload_wanted_ = false;
 
     std::mutex lock_; /* guards wake_asked_ */
     Condition woken_;

@@ -21,7 +21,8 @@ constexpr auto kDrain = std::chrono::seconds(3);      /* for what decoders still
 } // namespace
 
 Wall::Wall(const WallOptions &options)
-    : options_(options), openings_([this] { wakeup_.wake(); }), reporter_(feeders_)
+    : options_(options), wakeup_(options.reload ? Hangup::kReloads : Hangup::kEnds),
+      openings_([this] { wakeup_.wake(); }), reporter_(feeders_)
 {
     for (const CameraSource &source : options_.inputs)
         feeders_.push_back(
@@ -34,7 +35,7 @@ Wall::Wall(const WallOptions &options)
 
 int Wall::run()
 {
-    if (!terminal_.send_log_to(options_.log_path)) return kExitOutputFailed;
+    if (!terminal_.send_log_to(options_.log_path, options_.log)) return kExitOutputFailed;
     if (!open_inputs()) {
         stop_cameras();
         return exit_code_;
@@ -61,8 +62,9 @@ int Wall::run()
  */
 bool Wall::open_inputs()
 {
-    for (const auto &feeder : feeders_)
-        openings_.start(*feeder);
+    for (const auto &feeder : feeders_) {
+        if (!feeder->source().address.empty()) openings_.start(*feeder); /* or else it is room for one */
+    }
     size_t opened = 0;
     bool counts_down = false;
     Clock::time_point begin_at = Clock::now() + kLongWait;
@@ -137,6 +139,39 @@ bool Wall::lay_out()
     choose_streams();
     modules_.on_layout();
     return done;
+}
+
+/* Its thread may be waiting for a name or a line: the main one does not wait for that. */
+void Wall::change_camera(int channel, const CameraSource &source)
+{
+    const auto index = static_cast<size_t>(channel);
+    if (index >= feeders_.size()) return;
+    feeders_[index]->ask_to_stop();
+    changes_.insert_or_assign(channel, source);
+    wake();
+}
+
+void Wall::make_changes()
+{
+    for (auto change = changes_.begin(); change != changes_.end();) {
+        std::unique_ptr<Feeder> &place = feeders_[static_cast<size_t>(change->first)];
+        const bool ended = place->heartbeat_deadline() == Clock::time_point::max();
+        if (openings_.contains(*place) || !ended) {
+            ++change;
+            continue;
+        }
+        place->join();
+        retired_.push_back(std::move(place));
+        place = std::make_unique<Feeder>(change->first, change->second, options_.feed);
+        watch_thread({"the thread of channel " + std::to_string(change->first),
+                      [camera = place.get()] { return camera->heartbeat_deadline(); }});
+        change = changes_.erase(change);
+        if (place->source().address.empty()) {
+            lay_out(); /* takes the last picture away */
+        } else {
+            openings_.start(*place);
+        }
+    }
 }
 
 /* Cameras in small panes, and those without one, are fed from their smaller stream. */
@@ -282,9 +317,12 @@ void Wall::watch()
         if (window_open_) next = std::min(next, Clock::now() + kWindowPeriod);
         wakeup_.wait_until(next);
 
+        if (wakeup_.take_reload()) options_.reload();
         if (window_open_ && !host::refresh_window()) end_wanted_ = true;
-        for (Feeder *camera : finished_openings())
-            add_late_camera(*camera);
+        for (Feeder *camera : finished_openings()) {
+            if (!changes_.contains(camera->channel())) add_late_camera(*camera);
+        }
+        make_changes();
         if (layout_stale_.exchange(false)) lay_out();
         if (picture_s && seconds() >= *picture_s) take_due_pictures(*picture_s, false);
         if (Clock::now() >= progress_at) {

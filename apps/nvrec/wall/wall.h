@@ -14,6 +14,8 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <string>
@@ -41,6 +43,8 @@ struct WallOptions {
     double duration_s = 0; /* 0 = until every input has ended */
     WindowMode window = WindowMode::kAuto;
     std::string log_path = "out/nvrec.log";
+    LogOptions log;
+    std::function<void()> reload; /* on SIGHUP, by the main thread; none = SIGHUP ends the wall */
     std::string json_path;
     FeedOptions feed;
     bool wait_for_all = false; /* do not begin without the cameras that answer late */
@@ -63,6 +67,7 @@ private:
     Terminal &terminal() override { return terminal_; }
     Reporter &reporter() override { return reporter_; }
     const std::vector<std::unique_ptr<Feeder>> &cameras() const override { return feeders_; }
+    void change_camera(int channel, const CameraSource &source) override;
     void show_layout(Layout layout) override;
     Layout layout() const override { return layout_; }
     void enlarge(int channel) override;
@@ -87,6 +92,7 @@ private:
     bool open_inputs();
     std::vector<Feeder *> finished_openings();
     void add_late_camera(Feeder &camera);
+    void make_changes();
     void make_decoder(Feeder &camera);
     void start_feeding(Feeder &camera);
     bool show();
@@ -113,6 +119,8 @@ private:
     int enlarged_ = -1; /* the channel that has the screen to itself, or -1 */
     int selected_ = 0;
     std::vector<std::unique_ptr<Feeder>> feeders_;
+    std::map<int, CameraSource> changes_;          /* by channel: what comes when its thread has ended */
+    std::vector<std::unique_ptr<Feeder>> retired_; /* whoever watches threads may hold them still */
     Openings openings_;
     Reporter reporter_;
     std::vector<PictureOrder> orders_;

@@ -1,0 +1,29 @@
+/*
+ * control_hooks.h - what other rooms do when the control socket asks. One that is empty is not there,
+ * and whoever asks is told so.
+ *
+ * Threads: all are called on the main thread.
+ */
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "controls/status.h"
+
+namespace nvrec
+{
+
+struct ControlHooks {
+    /** Something happened at a camera, of a kind that names its source: "outside", "alarm", "motion". */
+    std::function<void(int channel, const std::string &kind, const std::string &text)> event;
+
+    /** Take up a changed configuration. @return lines that say what was done; ok = nothing is left undone */
+    std::function<std::string(bool *ok)> reload;
+
+    /** What is kept of the recordings. Does not wait for a disk. */
+    std::function<std::optional<ArchiveStatus>()> archive;
+};
+
+} // namespace nvrec

@@ -1,0 +1,57 @@
+/*
+ * event_inputs.h - what happens at a camera as the board tells it: its alarm input, and motion that the
+ * chip of its analog input sees. Channel n has alarm input n, and input n % 4 of chip n / 4.
+ *
+ * An event is told when it begins, and again while it lasts, so that what is recorded for it goes on.
+ *
+ * Threads: main.
+ */
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "wall/module.h"
+
+namespace nvrec
+{
+
+class EventInputs final : public Module
+{
+public:
+    struct Watched {
+        int channel = 0;
+        bool alarm = false;
+        bool motion = false;
+        Clock::duration again = std::chrono::seconds(1); /* so often it is told while it lasts */
+    };
+    using Teller = std::function<void(int channel, const std::string &kind, const std::string &text)>;
+
+    EventInputs(std::vector<Watched> watched, Teller on_event);
+
+    /** Watch these from now on. */
+    void set(std::vector<Watched> watched);
+
+    bool start(WallControl &wall) override;
+    Clock::time_point take_turn(Clock::time_point now) override;
+
+private:
+    struct Input {
+        Watched watched;
+        bool is_motion; /* or else an alarm input */
+        bool active = false;
+        Clock::time_point told_at;
+    };
+
+    void look(Input &input, bool active, const std::string &text, Clock::time_point now);
+    void begin_motion();
+
+    std::vector<Input> inputs_;
+    const Teller on_event_;
+    WallControl *wall_ = nullptr;
+    bool motion_begun_ = false;
+    Clock::time_point look_at_;
+};
+
+} // namespace nvrec

@@ -1,0 +1,86 @@
+/* status.cpp - see status.h: where it comes from. */
+#include "controls/status.h"
+
+#include <charconv>
+
+#include "controls/versions.h"
+#include "wall/module.h"
+
+namespace nvrec
+{
+namespace
+{
+
+/* What all recordings that run write now, by what their cameras send. */
+double bytes_per_second(const std::vector<CameraLine> &cameras)
+{
+    double bytes = 0;
+    for (const CameraLine &camera : cameras) {
+        for (const RecordingStatus &recording : camera.recordings) {
+            if (recording.state == RecordingState::kRuns && recording.stream == "main")
+                bytes += camera.status.bit_rate_bps / 8;
+        }
+    }
+    return bytes;
+}
+
+} // namespace
+
+std::string camera_name_of(WallControl &wall, int channel)
+{
+    const auto index = static_cast<size_t>(channel);
+    if (index < wall.cameras().size() && !wall.cameras()[index]->source().name.empty())
+        return wall.cameras()[index]->source().name;
+    return "Camera " + std::to_string(channel + 1);
+}
+
+int camera_named(WallControl &wall, const std::string &name)
+{
+    for (const auto &camera : wall.cameras()) {
+        if (camera_name_of(wall, camera->channel()) == name) return camera->channel();
+    }
+    int channel = -1;
+    const char *end = name.data() + name.size();
+    const auto [rest, error] = std::from_chars(name.data(), end, channel);
+    if (error != std::errc() || rest != end || channel < 0) return -1;
+    return static_cast<size_t>(channel) < wall.cameras().size() ? channel : -1;
+}
+
+RecorderStatus collect_status(WallControl &wall, const std::optional<ArchiveStatus> &archive,
+                              Clock::time_point started)
+{
+    RecorderStatus status;
+    status.version = nvrec_version();
+    status.library = library_version();
+    status.at_us =
+        std::chrono::duration_cast<std::chrono::microseconds>(wall_time().time_since_epoch()).count();
+    status.up_s = std::chrono::duration<double>(Clock::now() - started).count();
+    for (const auto &camera : wall.cameras()) {
+        CameraLine line;
+        line.channel = camera->channel();
+        line.name = camera_name_of(wall, line.channel);
+        line.address = camera->shown_address();
+        line.status = camera->status();
+        line.sent = camera->counters().sent;
+        line.decoder = host::decoder_counters(line.channel);
+        line.backlog = host::decoder_backlog(line.channel);
+        status.cameras.push_back(std::move(line));
+    }
+    if (const RecordingView *recorder = wall.recorder()) {
+        status.disk = recorder->disk();
+        for (RecordingStatus &recording : recorder->recordings()) {
+            const auto index = static_cast<size_t>(recording.channel);
+            if (index < status.cameras.size())
+                status.cameras[index].recordings.push_back(std::move(recording));
+        }
+    }
+    std::erase_if(status.cameras, [](const CameraLine &line) { return line.address.empty(); });
+    status.archive = archive;
+    const double rate = bytes_per_second(status.cameras);
+    if (archive && archive->free_bytes >= 0 && rate > 0)
+        status.disk_left_s = static_cast<double>(archive->free_bytes) / rate;
+    status.board = board_rows();
+    return status;
+}
+
+} // namespace nvrec

@@ -1,0 +1,489 @@
+/* The recorder's status: as a table, as JSON, for Prometheus; over the socket, HTTP and the commands. */
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include <arpa/inet.h>
+#include <csignal>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include "controls/control_requests.h"
+#include "controls/control_socket.h"
+#include "controls/status.h"
+#include "controls/status_page.h"
+#include "nvrec_run.h"
+
+namespace
+{
+
+using namespace nvrec;
+
+/* What the text format of Prometheus, version 0.0.4, allows and no more. */
+class Exposition
+{
+public:
+    /* The first thing that is wrong with a text; empty = nothing. */
+    static std::string problem(const std::string &text)
+    {
+        Exposition reader;
+        if (text.empty() || text.back() != '\n') return "the last line has no end";
+        std::istringstream lines(text);
+        for (std::string line; std::getline(lines, line);) {
+            const std::string found = line.starts_with("# ") ? reader.comment(line) : reader.sample(line);
+            if (!found.empty()) return found + ": " + line;
+        }
+        return "";
+    }
+
+private:
+    static bool is_name(const std::string &name, bool label)
+    {
+        if (name.empty() || std::isdigit(static_cast<unsigned char>(name[0])) != 0) return false;
+        for (const char letter : name) {
+            if (std::isalnum(static_cast<unsigned char>(letter)) == 0 && letter != '_' &&
+                (label || letter != ':'))
+                return false;
+        }
+        return true;
+    }
+
+    std::string comment(const std::string &line)
+    {
+        std::istringstream words(line.substr(2));
+        std::string word, name, rest;
+        words >> word >> name;
+        std::getline(words, rest);
+        if (!is_name(name, false)) return "no name";
+        if (word == "HELP")
+            return help_.insert(name).second && rest.size() > 2 ? "" : "a second or empty help";
+        if (word != "TYPE") return "neither help nor type";
+        if (rest != " gauge" && rest != " counter") return "an unknown type";
+        if (rest == " counter" && !name.ends_with("_total")) return "a counter that is not called so";
+        if (rest == " gauge" && name.ends_with("_total")) return "a gauge that is called a counter";
+        if (!help_.contains(name)) return "no help in front";
+        current_ = name;
+        return types_.insert(name).second ? "" : "its lines do not stand together";
+    }
+
+    std::string sample(const std::string &line)
+    {
+        const size_t end = line.find_first_of("{ ");
+        if (end == std::string::npos || line.substr(0, end) != current_) return "not of the type above";
+        size_t at = end;
+        if (line[at] == '{') {
+            const std::string found = labels(line, &at);
+            if (!found.empty()) return found;
+        }
+        if (at >= line.size() || line[at] != ' ') return "no blank in front of the value";
+        char *rest = nullptr;
+        std::strtod(line.c_str() + at + 1, &rest);
+        if (rest == line.c_str() + at + 1 || *rest != '\0') return "no number";
+        return samples_.insert(line.substr(0, at)).second ? "" : "twice the same labels";
+    }
+
+    static std::string labels(const std::string &line, size_t *at)
+    {
+        std::set<std::string> names;
+        for (++*at;;) {
+            const size_t equals = line.find('=', *at);
+            if (equals == std::string::npos) return "a label without a value";
+            const std::string name = line.substr(*at, equals - *at);
+            if (!is_name(name, true) || name.starts_with("__") || !names.insert(name).second)
+                return "a bad label";
+            if (line[equals + 1] != '"') return "a value without quotes";
+            size_t end = equals + 2;
+            for (; end < line.size() && line[end] != '"'; ++end) {
+                if (line[end] != '\\') continue;
+                if (std::string("\\\"n").find(line[++end]) == std::string::npos) return "a bad escape";
+            }
+            if (end >= line.size()) return "a value without an end";
+            *at = end + 2;
+            if (line[end + 1] == '}') return "";
+            if (line[end + 1] != ',') return "no comma";
+        }
+    }
+
+    std::set<std::string> help_, types_, samples_;
+    std::string current_;
+};
+
+RecorderStatus two_cameras()
+{
+    RecorderStatus status;
+    status.version = "1.0";
+    status.library = "1.0";
+    status.at_us = 1'790'000'000'000'000;
+    status.up_s = 12;
+    CameraLine yard;
+    yard.name = "yard \"1\" \\ a";
+    yard.address = "rtsp://***@192.0.2.7/s";
+    yard.status.state = CameraState::kSilent;
+    yard.status.since_wall_us = 1'789'999'990'000'000;
+    yard.status.bit_rate_bps = 4e6;
+    yard.status.last_error = "cannot open: Connection refused";
+    yard.sent = 100;
+    yard.decoder = host::DecoderCounters{80, 70, 10, 3, 2, 100};
+    yard.backlog = host::DecoderBacklog{5, 4096};
+    RecordingStatus recording;
+    recording.stream = "main";
+    recording.state = RecordingState::kRuns;
+    recording.written = 99;
+    recording.bytes = 12345678;
+    yard.recordings = {recording};
+    CameraLine door;
+    door.channel = 1;
+    door.name = "\xff not UTF-8";
+    status.cameras = {yard, door};
+    status.disk = DiskStatus{DiskState::kHangs, 3, 1000, 100000, "/rec does not answer"};
+    ArchiveStatus archive;
+    archive.free_bytes = 1'800'000'000;
+    archive.limit_bytes = 500'000'000'000;
+    status.archive = archive;
+    status.disk_left_s = 3600;
+    status.board = {{"line", "28 buzzer", "high"}, {"watchdog", "state", "disabled"}};
+    return status;
+}
+
+TEST(StatusFormats, FramesThatResetsThrewAwayAreCounted)
+{
+    EXPECT_EQ((host::DecoderCounters{80, 70, 10, 3, 2, 100}.discarded({5, 4096})), 12u);
+    EXPECT_EQ((host::DecoderCounters{80, 70, 10, 3, 2, 80}.discarded({5, 4096})), 0u) << "never below none";
+}
+
+TEST(StatusFormats, ForPrometheusAreWellFormedWhateverTheNames)
+{
+    const std::string text = status_metrics(two_cameras());
+    EXPECT_EQ(Exposition::problem(text), "") << text;
+    const char *lines[] = {
+        "nvrec_build_info{version=\"1.0\",library=\"1.0\"} 1\n",
+        "nvrec_camera_state{camera=\"yard \\\"1\\\" \\\\ a\",channel=\"0\",state=\"silent\"} 1\n",
+        "nvrec_camera_up{camera=\"yard \\\"1\\\" \\\\ a\",channel=\"0\"} 0\n",
+        "nvrec_decoder_frames_discarded_total{camera=\"yard \\\"1\\\" \\\\ a\",channel=\"0\"} 12\n",
+        "nvrec_disk_up 0\n",
+        "nvrec_disk_left_seconds 3600\n",
+        "nvrec_board_line_level{line=\"28 buzzer\"} 1\n",
+    };
+    for (const char *line : lines)
+        EXPECT_NE(text.find(line), std::string::npos) << line << text;
+}
+
+TEST(StatusFormats, TheReaderOfThisTestIsStrict)
+{
+    for (const char *bad :
+         {"", "x 1", "x 1\n", "# TYPE x gauge\nx 1\n", "# HELP x a b\n# TYPE x counter\nx 1\n",
+          "# HELP x a b\n# TYPE x gauge\nx 1\nx 1\n", "# HELP x a b\n# TYPE x gauge\nx{a=\"\\z\"} 1\n",
+          "# HELP x a b\n# TYPE x gauge\nx one\n", "# HELP x a b\n# TYPE x gauge\nx{a=\"b} 1\n"})
+        EXPECT_NE(Exposition::problem(bad), "") << bad;
+    EXPECT_EQ(Exposition::problem("# HELP x a b\n# TYPE x gauge\nx{a=\"b\",c=\"\\\\\"} 1.5\n"), "");
+}
+
+TEST(StatusFormats, TheTableNamesWhatIsWrong)
+{
+    const std::string text = status_table(two_cameras());
+    for (const char *word : {"silent", "Connection refused", "hangs for 3 s: /rec does not answer",
+                             "1.8 GB, 1.0 hours at this rate", "500.0 GB", "28 buzzer", "discarded"})
+        EXPECT_NE(text.find(word), std::string::npos) << word << "\n" << text;
+}
+
+TEST(ControlWords, TakeQuotes)
+{
+    using Words = std::vector<std::string>;
+    EXPECT_EQ(request_words("event  \"front door\" a b\r"), (Words{"event", "front door", "a", "b"}));
+    EXPECT_EQ(request_words(R"(event "a\"b\\" "")"), (Words{"event", "a\"b\\", ""}));
+    EXPECT_EQ(request_words(""), Words{});
+    EXPECT_FALSE(request_words("event \"front"));
+    for (const char *name : {"plain", "a b", "\"", "\\", "门", ""})
+        EXPECT_EQ(request_words(request_word(name)), Words{name});
+}
+
+TEST(StatusPageToken, IsWantedWhereThereIsOne)
+{
+    const StatusPage open({"127.0.0.1", 80, false, ""}, {});
+    for (const char *own : {"127.0.0.1:80", "localhost", "localhost:80", "[::1]:80"})
+        EXPECT_TRUE(open.admits(own, "", "")) << own;
+    for (const char *other : {"", "example.org", "example.org:80", "localhost.example.org", "[::2]:80", "["})
+        EXPECT_FALSE(open.admits(other, "", "")) << other << ": a web page that leads here by its own name";
+    const StatusPage closed({"0.0.0.0", 80, false, "0123456789abcdef"}, {});
+    EXPECT_TRUE(closed.admits("example.org", "Bearer 0123456789abcdef", ""));
+    EXPECT_TRUE(closed.admits("", "", "0123456789abcdef"));
+    for (const char *wrong :
+         {"", "Bearer ", "0123456789abcdef", "Bearer 0123456789abcde", "Bearer 0123456789abcdeF"})
+        EXPECT_FALSE(closed.admits("localhost", wrong, "")) << wrong;
+}
+
+constexpr const char *kSecret = "hunter2-is-secret";
+
+/* The recorder run by a file, with one camera that is a file and one that is never there. */
+class StatusOfARecorder : public testing::Test
+{
+protected:
+    ScratchDirectory scratch_;
+    int port_ = 0;
+
+    std::string file(const std::string &name) const { return scratch_.file(name); }
+
+    void write_config(const std::string &cameras, const std::string &more = "") const
+    {
+        const bool with_gone = cameras.find(gone()) != std::string::npos;
+        std::ofstream(file("secrets.toml"))
+            << (with_gone ? "[camera.gone]\nuser = \"admin\"\npassword = \"" + std::string(kSecret) + "\"\n"
+                          : "");
+        chmod(file("secrets.toml").c_str(), 0600);
+        std::ofstream(file("nvrec.toml"))
+            << "secrets = \"secrets.toml\"\n[screen]\nwindow = \"off\"\n[control]\nsocket = \"socket\"\n"
+            << "[log]\nfile = \"log\"\n[board]\nchannels = 3\nwatchdog = 0\n[status]\npage = \"127.0.0.1:"
+            << port_ << "\"\n"
+            << more << cameras;
+    }
+
+    static std::string yard()
+    {
+        return std::string("[[camera]]\nname = \"yard\"\nmain = \"") + NVREC_CLIP + "\"\nloop = true\n";
+    }
+    static std::string gone() { return "[[camera]]\nname = \"gone\"\nmain = \"rtsp://127.0.0.1:1/x\"\n"; }
+
+    void SetUp() override
+    {
+        const int probe = socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in address = {};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof address;
+        ASSERT_EQ(bind(probe, reinterpret_cast<sockaddr *>(&address), size), 0);
+        ASSERT_EQ(getsockname(probe, reinterpret_cast<sockaddr *>(&address), &size), 0);
+        port_ = ntohs(address.sin_port);
+        close(probe);
+    }
+
+    /* Wait until it answers. */
+    bool answers() const
+    {
+        for (int i = 0; i < 200; ++i) {
+            const auto reply = ask_recorder(file("socket"), "status");
+            if (reply && reply->ok) return true;
+            usleep(50'000);
+        }
+        return false;
+    }
+
+    std::string http(const std::string &request) const
+    {
+        const int connection = socket(AF_INET, SOCK_STREAM, 0);
+        sockaddr_in address = {};
+        address.sin_family = AF_INET;
+        address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        address.sin_port = htons(static_cast<uint16_t>(port_));
+        EXPECT_EQ(connect(connection, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+        EXPECT_EQ(send(connection, request.data(), request.size(), 0), static_cast<ssize_t>(request.size()));
+        std::string text;
+        char bytes[4096];
+        for (ssize_t count = 0; (count = recv(connection, bytes, sizeof bytes, 0)) > 0;)
+            text.append(bytes, static_cast<size_t>(count));
+        close(connection);
+        return text;
+    }
+
+    std::string get(const std::string &path) const
+    {
+        return http("GET " + path + " HTTP/1.1\r\nHost: localhost\r\nConnection: close\r\n\r\n");
+    }
+
+    std::string command(const std::vector<std::string> &words, int status) const
+    {
+        std::vector<std::string> all = {NVREC_PROGRAM};
+        all.insert(all.end(), words.begin(), words.end());
+        all.insert(all.end(), {"--control", file("socket")});
+        Process process(all);
+        EXPECT_EQ(process.wait(), status) << process.errors;
+        return process.output + process.errors;
+    }
+};
+
+TEST_F(StatusOfARecorder, IsToldEverywhereAndHoldsNoPassword)
+{
+    write_config(yard() + gone());
+    Process recorder({NVREC_PROGRAM, "run", file("nvrec.toml"), "--json", file("report")});
+    ASSERT_TRUE(answers());
+    std::string everything;
+    const std::string table = command({"status"}, 0);
+    EXPECT_NE(table.find("yard"), std::string::npos) << table;
+    EXPECT_NE(table.find("refused"), std::string::npos) << "why the other one is not there: " << table;
+    const std::string json = command({"status", "--json"}, 0);
+    EXPECT_NE(json.find("\"name\": \"gone\""), std::string::npos) << json;
+    EXPECT_NE(json.find("\"rtsp://127.0.0.1:1/x\""), std::string::npos) << json;
+    const std::string page = get("/metrics");
+    EXPECT_NE(page.find("text/plain; version=0.0.4"), std::string::npos) << page;
+    const size_t body = page.find("\r\n\r\n");
+    ASSERT_NE(body, std::string::npos);
+    EXPECT_EQ(Exposition::problem(page.substr(body + 4)), "") << page;
+    EXPECT_NE(page.find("nvrec_camera_up{camera=\"yard\",channel=\"0\"} 1\n"), std::string::npos) << page;
+    EXPECT_NE(get("/").find("200 OK"), std::string::npos);
+    EXPECT_NE(get("/none").find(" 404 "), std::string::npos);
+    EXPECT_NE(http("POST / HTTP/1.1\r\nHost: localhost\r\nContent-Length: 0\r\nConnection: close\r\n\r\n")
+                  .find(" 405 "),
+              std::string::npos);
+    EXPECT_NE(http("GET / HTTP/1.1\r\nHost: example.org\r\nConnection: close\r\n\r\n").find(" 401 "),
+              std::string::npos);
+    const std::string help = ask_recorder(file("socket"), "help")->text;
+    for (const char *form : {"key NAME", "board", "status [json]", "metrics", "event CAMERA", "reload"})
+        EXPECT_NE(help.find(form), std::string::npos) << help;
+    Process check({NVREC_PROGRAM, "check", file("nvrec.toml")});
+    EXPECT_EQ(check.wait(), 0);
+    everything =
+        table + json + page + get("/") + get("/json") + command({"event", "gone", "x"}, 4) + check.output;
+    recorder.signal(SIGTERM);
+    recorder.wait();
+    everything += recorder.output + recorder.errors + file_text(file("log")) + file_text(file("report"));
+    EXPECT_EQ(everything.find(kSecret), std::string::npos) << everything;
+    EXPECT_NE(file_text(file("log")).find(" error: channel 1: "), std::string::npos) << "with time and level";
+    struct stat log;
+    ASSERT_EQ(stat(file("log").c_str(), &log), 0);
+    EXPECT_EQ(log.st_mode & 0777, 0640u);
+}
+
+/* The number of a metric's line, -1 = there is no such line. */
+double metric(const std::string &page, const std::string &line)
+{
+    const size_t at = page.find("\n" + line + " ");
+    return at == std::string::npos ? -1 : std::strtod(page.c_str() + at + line.size() + 2, nullptr);
+}
+
+TEST_F(StatusOfARecorder, AChangedFileIsTakenUpAndNoFrameOfOthersIsLost)
+{
+    const std::string record = "[record]\ndirectory = \"rec\"\n";
+    const std::string door = std::string("[[camera]]\nname = \"door\"\nmain = \"") + NVREC_CLIP + "\"\n";
+    write_config(yard() + gone(), record);
+    Process recorder({NVREC_PROGRAM, "run", file("nvrec.toml"), "--json", file("report")});
+    ASSERT_TRUE(answers());
+    EXPECT_NE(command({"reload"}, 0).find("nothing has changed"), std::string::npos);
+
+    write_config(yard() + gone() + door, record);
+    EXPECT_EQ(command({"reload"}, 0), "camera \"door\": added as channel 2\n");
+    const std::string up = "nvrec_camera_up{camera=\"door\",channel=\"2\"}";
+    for (int i = 0; i < 100 && metric(get("/metrics"), up) != 1; ++i)
+        usleep(50'000);
+    EXPECT_EQ(metric(get("/metrics"), up), 1);
+
+    write_config(yard() + "nam = 3\n", record);
+    const std::string fault = command({"reload"}, 4);
+    EXPECT_NE(fault.find("did you mean \"name\"?"), std::string::npos) << fault;
+    EXPECT_NE(fault.find("nothing was taken up"), std::string::npos) << fault;
+    EXPECT_NE(get("/metrics").find("camera=\"gone\""), std::string::npos) << "nor was it";
+
+    write_config(
+        yard() + door +
+            "[[camera]]\nname = \"a\"\nmain = \"a.mp4\"\n[[camera]]\nname = \"b\"\nmain = \"b.mp4\"\n",
+        record);
+    std::string text = file_text(file("nvrec.toml"));
+    text.replace(text.find("channels = 3"), 12, "channels = 4");
+    std::ofstream(file("nvrec.toml")) << text;
+    const std::string more = command({"reload"}, 0);
+    EXPECT_NE(more.find("camera \"gone\": removed\n"), std::string::npos) << more;
+    EXPECT_NE(more.find("camera \"a\": added as channel 1\n"), std::string::npos) << more;
+    EXPECT_NE(more.find("camera \"b\": there is no channel left for it (board.channels): needs a restart\n"),
+              std::string::npos)
+        << more;
+    EXPECT_NE(more.find("board: needs a restart\n"), std::string::npos) << more;
+
+    write_config(yard(), record);
+    recorder.signal(SIGHUP);
+    for (int i = 0; i < 100 && file_text(file("log")).find("camera \"door\": removed") == std::string::npos;
+         ++i)
+        usleep(50'000);
+    EXPECT_NE(file_text(file("log")).find("info: configuration: camera \"door\": removed"),
+              std::string::npos);
+
+    recorder.signal(SIGTERM);
+    recorder.wait();
+    const std::string report = file_text(file("report"));
+    const std::string recordings = report.substr(report.find("\"recordings\""));
+    EXPECT_GT(reported(recordings, 0, "stored"), 50);
+    EXPECT_EQ(reported(recordings, 0, "written"), reported(recordings, 0, "stored")) << report;
+    EXPECT_EQ(reported(recordings, 0, "lost"), 0);
+    EXPECT_EQ(reported(recordings, 0, "skipped"), 0);
+}
+
+TEST_F(StatusOfARecorder, HangingUpEndsTheOtherCommandsInOrder)
+{
+    Process recorder({NVREC_PROGRAM, "record", "--window", "off", "--log", file("log"), "--control",
+                      file("socket"), "--dir", file("rec"), "--loop", NVREC_CLIP});
+    ASSERT_TRUE(answers());
+    EXPECT_NE(command({"reload"}, 4).find("not started by \"nvrec run\""), std::string::npos);
+    recorder.signal(SIGHUP);
+    recorder.signal(SIGHUP); /* a terminal that goes away sends several */
+    EXPECT_EQ(recorder.wait(), 0) << recorder.errors;
+    EXPECT_NE(recorder.output.find("written"), std::string::npos) << "its closing table: " << recorder.output;
+}
+
+TEST_F(StatusOfARecorder, QuietRecordersPrintNothingAndTheLogIsBegunAnewByItsSize)
+{
+    std::ofstream(file("nvrec.toml")) << "[screen]\nwindow = \"off\"\n[control]\nsocket = \"socket\"\n[log]\n"
+                                      << "file = \"log\"\nsize = \"1 kB\"\nkeep = 2\n"
+                                      << yard();
+    Process recorder({NVREC_PROGRAM, "run", file("nvrec.toml"), "--quiet"});
+    ASSERT_TRUE(answers());
+    for (int i = 0; i < 5; ++i) {
+        recorder.signal(SIGHUP);
+        usleep(100'000);
+    }
+    recorder.signal(SIGTERM);
+    EXPECT_EQ(recorder.wait(), 0);
+    EXPECT_EQ(recorder.output, "");
+    struct stat found;
+    EXPECT_EQ(stat(file("log.1").c_str(), &found), 0);
+    EXPECT_NE(stat(file("log.3").c_str(), &found), 0) << "two are kept";
+    const std::string logs = file_text(file("log")) + file_text(file("log.1")) + file_text(file("log.2"));
+    EXPECT_NE(logs.find(" info: configuration: nothing has changed\n"), std::string::npos) << logs;
+}
+
+TEST_F(StatusOfARecorder, TheServiceManagerHearsThatItStandsLivesReloadsAndEnds)
+{
+    const int manager = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    std::strncpy(address.sun_path, file("notify").c_str(), sizeof address.sun_path - 1);
+    ASSERT_EQ(bind(manager, reinterpret_cast<sockaddr *>(&address), sizeof address), 0);
+    const timeval limit = {20, 0};
+    setsockopt(manager, SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+    setenv("NOTIFY_SOCKET", file("notify").c_str(), 1);
+    setenv("WATCHDOG_USEC", "2000000", 1);
+    write_config(yard());
+    Process recorder({NVREC_PROGRAM, "run", file("nvrec.toml")});
+    unsetenv("NOTIFY_SOCKET");
+    unsetenv("WATCHDOG_USEC");
+    const auto hears = [manager](const std::string &wanted) {
+        char bytes[256];
+        for (ssize_t count = 0; (count = recv(manager, bytes, sizeof bytes, 0)) > 0;) {
+            if (std::string(bytes, static_cast<size_t>(count)).starts_with(wanted)) return true;
+        }
+        return false;
+    };
+    EXPECT_TRUE(hears("READY=1"));
+    EXPECT_TRUE(hears("WATCHDOG=1")) << "with the board's own watchdog switched off, too";
+    EXPECT_TRUE(hears("WATCHDOG=1"));
+    recorder.signal(SIGHUP);
+    EXPECT_TRUE(hears("RELOADING=1"));
+    EXPECT_TRUE(hears("READY=1"));
+    recorder.signal(SIGTERM);
+    EXPECT_TRUE(hears("STOPPING=1"));
+    EXPECT_EQ(recorder.wait(), 0) << recorder.errors;
+    close(manager);
+}
+
+TEST(Version, IsThatOfRecorderAndLibrary)
+{
+    Process version({NVREC_PROGRAM, "--version"});
+    EXPECT_EQ(version.wait(), 0);
+    EXPECT_EQ(version.output, "nvrec " NVREC_VERSION ", libnvrhal " NVREC_VERSION "\n");
+}
+
+} // namespace
