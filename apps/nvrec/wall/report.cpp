@@ -39,6 +39,12 @@ std::string in_table(const ChannelReport &channel, uint64_t count)
     return channel.counted ? text("%llu", static_cast<Count>(count)) : "-";
 }
 
+/* Frames that resets and layouts threw away. */
+uint64_t discarded(const ChannelReport &channel)
+{
+    return channel.decoder.discarded(channel.backlog);
+}
+
 std::string in_json(const ChannelReport &channel, uint64_t count)
 {
     return channel.counted ? text("%llu", static_cast<Count>(count)) : "null";
@@ -75,6 +81,7 @@ std::vector<ChannelReport> Reporter::collect() const
         const auto counters = host::decoder_counters(feeder.channel());
         report.counted = counters.has_value();
         if (counters) report.decoder = *counters - from;
+        report.backlog = host::decoder_backlog(feeder.channel()).value_or(host::DecoderBacklog());
         report.trouble = feeder.trouble();
         channels.push_back(std::move(report));
     }
@@ -126,24 +133,26 @@ std::string remark_of(const ChannelReport &channel)
 std::vector<std::string> table_of(const std::vector<ChannelReport> &channels)
 {
     std::vector<std::string> lines;
-    lines.push_back(text("%3s  %-5s  %-9s  %6s  %8s %8s %8s %8s %8s %7s  %s", "ch", "codec", "size", "rate",
-                         "sent", "refused", "decoded", "shown", "dropped", "resets", "input"));
+    lines.push_back(text("%3s  %-5s  %-9s  %6s  %8s %8s %8s %8s %8s %7s %9s  %s", "ch", "codec", "size",
+                         "rate", "sent", "refused", "decoded", "shown", "dropped", "resets", "discarded",
+                         "input"));
     for (const ChannelReport &channel : channels) {
         if (channel.address.empty()) continue; /* room for a camera */
         if (!channel.opened) {
-            lines.push_back(text("%3d  %-5s  %-9s  %6s  %8s %8s %8s %8s %8s %7s  ", channel.channel, "-", "-",
-                                 "-", "-", "-", "-", "-", "-", "-") +
+            lines.push_back(text("%3d  %-5s  %-9s  %6s  %8s %8s %8s %8s %8s %7s %9s  ", channel.channel, "-",
+                                 "-", "-", "-", "-", "-", "-", "-", "-", "-") +
                             channel.address + " (" + channel.trouble + ")");
             continue;
         }
         const std::string size = text("%ux%u", channel.facts.width_px, channel.facts.height_px);
-        lines.push_back(text("%3d  %-5s  %-9s  %6.2f  %8llu %8llu %8s %8s %8s %7s  ", channel.channel,
+        lines.push_back(text("%3d  %-5s  %-9s  %6.2f  %8llu %8llu %8s %8s %8s %7s %9s  ", channel.channel,
                              codec_name(channel.facts.codec), size.c_str(), channel.facts.frame_rate,
                              static_cast<Count>(channel.fed.sent), static_cast<Count>(channel.fed.refused),
                              in_table(channel, channel.decoder.decoded).c_str(),
                              in_table(channel, channel.decoder.shown).c_str(),
                              in_table(channel, channel.decoder.dropped).c_str(),
-                             in_table(channel, channel.decoder.resets).c_str()) +
+                             in_table(channel, channel.decoder.resets).c_str(),
+                             in_table(channel, discarded(channel)).c_str()) +
                         channel.address + remark_of(channel));
     }
     return lines;
@@ -176,7 +185,8 @@ std::string json_of(const std::vector<ChannelReport> &channels, const std::strin
                 ", \"shown\": " + in_json(channel, channel.decoder.shown) +
                 ", \"dropped\": " + in_json(channel, channel.decoder.dropped) +
                 ", \"damaged\": " + in_json(channel, channel.decoder.damaged) +
-                ", \"resets\": " + in_json(channel, channel.decoder.resets);
+                ", \"resets\": " + in_json(channel, channel.decoder.resets) +
+                ", \"discarded\": " + in_json(channel, discarded(channel));
         json +=
             text(", \"jitter_ms\": %.1f, \"loss\": %.4f, \"link_quality\": %d, \"clock_jumps\": %llu, "
                  "\"stream\": \"%s\"",

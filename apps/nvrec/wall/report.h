@@ -29,6 +29,7 @@ struct ChannelReport {
     FeedCounters fed;
     bool counted = true;           /* decoders tell what follows */
     host::DecoderCounters decoder; /* of the channel's frames    */
+    host::DecoderBacklog backlog;  /* what it has taken and not consumed */
     std::string trouble;           /* the last one, if any       */
 };
 
