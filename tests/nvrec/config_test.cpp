@@ -143,7 +143,7 @@ record = { mode = "hours", hours = ["Mon-Fri 08:00-18:00", "22:00-06:00"] }
     EXPECT_EQ(config.sound, (Sound{"yard", scratch_.file("heard.wav")}));
     EXPECT_EQ(config.board, (Board{3, 30, 2.5}));
     EXPECT_EQ(config.control.socket, scratch_.file("run/socket"));
-    EXPECT_EQ(config.status, (Status{"[::1]:9310", "0123456789abcdef"}));
+    EXPECT_EQ(config.status, (Status{"[::1]:9310", "0123456789abcdef", false}));
     EXPECT_EQ(config.log, (Log{scratch_.file("nvrec.log"), Level::kDebug, 1'000'000, 2}));
     ASSERT_EQ(config.cameras.size(), 2u);
     const Camera &yard = config.cameras[0];
@@ -219,6 +219,8 @@ TEST_F(Configuration, ValuesOfTheWrongKindAndOutOfBoundsAreFaults)
         {"sound.wav = \"x.wav\"", "1 sound.wav"},
         {"status.page = \"localhost\"", "1 status.page"},
         {"status.token = \"short\"", "1 status.token"},
+        {"status = { page = \"127.0.0.1:80\", qr = true }", "1 status.qr"},
+        {"status = { page = \"0.0.0.0:80\", token = \"0123456789abcdef\", qr = true }", "1 status.qr"},
         {"secrets = \"absent.toml\"", "0 "},
         {"control.socket = \"a\\u0000b\"", "1 control.socket"},
         {"retention.age = \"1 day\"", "1 retention"},
@@ -263,6 +265,11 @@ TEST_F(Configuration, PasswordsComeFromAFileOfTheirOwn)
     EXPECT_EQ(reading.config.cameras[0].user, "admin");
     EXPECT_EQ(reading.config.cameras[0].password, kSecret);
     EXPECT_EQ(reading.config.status.token, "0123456789abcdef");
+    EXPECT_EQ(
+        places(read(
+            std::string("secrets = \"secrets.toml\"\nstatus = { page = \"192.0.2.1:80\", qr = true }\n") +
+            kOneCamera)),
+        Texts{});
 }
 
 TEST_F(Configuration, AFileOfPasswordsThatOthersCanReadIsRefused)

@@ -406,7 +406,7 @@ TEST_F(StatusOfARecorder, AChangedFileIsTakenUpAndNoFrameOfOthersIsLost)
     recorder.wait();
     const std::string report = file_text(file("report"));
     const std::string recordings = report.substr(report.find("\"recordings\""));
-    EXPECT_GT(reported(recordings, 0, "stored"), 50);
+    EXPECT_GT(reported(recordings, 0, "stored"), 20);
     EXPECT_EQ(reported(recordings, 0, "written"), reported(recordings, 0, "stored")) << report;
     EXPECT_EQ(reported(recordings, 0, "lost"), 0);
     EXPECT_EQ(reported(recordings, 0, "skipped"), 0);

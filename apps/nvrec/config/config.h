@@ -108,6 +108,7 @@ struct Control {
 struct Status {
     std::string page;  /* "ADDRESS:PORT"; empty = there is none */
     std::string token; /* wanted from whoever asks; empty = of nobody, on loopback only */
+    bool qr = false;   /* page and token stand on the screen as a QR code               */
     bool operator==(const Status &) const = default;
 };
 

@@ -23,11 +23,13 @@ std::optional<PageAddress> page_address(const std::string &text)
         in6_addr number = {};
         if (inet_pton(AF_INET6, address.host.c_str(), &number) != 1) return std::nullopt;
         address.loopback = IN6_IS_ADDR_LOOPBACK(&number);
+        address.any = IN6_IS_ADDR_UNSPECIFIED(&number);
         return address;
     }
     in_addr number = {};
     if (inet_pton(AF_INET, address.host.c_str(), &number) != 1) return std::nullopt;
     address.loopback = (ntohl(number.s_addr) >> 24) == 127;
+    address.any = number.s_addr == INADDR_ANY;
     return address;
 }
 

@@ -17,6 +17,7 @@ struct PageAddress {
     uint16_t port = 0;
     bool ipv6 = false;
     bool loopback = false; /* nobody but this machine reaches it */
+    bool any = false;      /* all addresses of the machine        */
 };
 
 std::optional<PageAddress> page_address(const std::string &text);

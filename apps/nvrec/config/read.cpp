@@ -231,9 +231,14 @@ void Reader::status(TableReader table)
     status_line_ = table.line();
     table.text("page", &status.page);
     table.text("token", &status.token);
+    table.flag("qr", &status.qr);
     holds_password_ |= !status.token.empty();
     if (!status.page.empty() && !page_address(status.page))
         table.fault("page", R"(it has to be ADDRESS:PORT, such as "127.0.0.1:9310" or "[::1]:9310")");
+    const auto place = page_address(status.page);
+    if (status.qr && (!place || place->loopback || place->any))
+        table.fault("qr",
+                    "a QR code leads to a page at one address of this machine beyond loopback: set page");
     table.finish();
 }
 

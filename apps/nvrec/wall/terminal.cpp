@@ -107,6 +107,7 @@ bool Terminal::send_log_to(const std::string &path, const LogOptions &options)
     const int log = open_log(options.append ? 0 : O_TRUNC);
     if (log < 0) {
         std::fprintf(stderr, "nvrec: cannot write the log %s: %s\n", path.c_str(), error_text().c_str());
+        log_path_.clear();
         return false;
     }
     std::fflush(stdout);
@@ -115,6 +116,7 @@ bool Terminal::send_log_to(const std::string &path, const LogOptions &options)
     if (!own || !own_error || dup2(log, STDOUT_FILENO) < 0 || dup2(log, STDERR_FILENO) < 0) {
         std::fprintf(stderr, "nvrec: cannot part the log from the terminal: %s\n", error_text().c_str());
         close(log);
+        log_path_.clear();
         return false;
     }
     close(log);
