@@ -30,6 +30,12 @@ constexpr auto kPatience = std::chrono::seconds(60);
 constexpr int64_t kRetry_us = 10'000'000;
 constexpr rlim_t kFullDisk_bytes = 20'000;
 
+/* Makes no directory: it comes late. */
+class GivenDirectory : public FileSystem
+{
+    int make_directories(const std::string &) override { return 0; }
+};
+
 /* The network stream of a camera, which has a small picture and no sound, group after group. */
 class NvrecRecordRetry : public testing::Test
 {
@@ -63,7 +69,11 @@ protected:
         options.directory = directory_;
         options.container = Container::kMkv;
         options.segment_s = 86400;
-        recording_ = std::make_unique<Recording>(kChannel, PoolStream::kNetwork, options,
+        DiskWriterOptions disk;
+        disk.directory = directory_;
+        disk.files = std::make_shared<GivenDirectory>();
+        writer_ = std::make_unique<DiskWriter>(std::move(disk));
+        recording_ = std::make_unique<Recording>(kChannel, PoolStream::kNetwork, options, *writer_,
                                                  [this](const std::string &line) {
                                                      const std::scoped_lock guard(lock_);
                                                      complaints_.push_back(line);
@@ -82,6 +92,7 @@ protected:
             ASSERT_EQ(recording_->video().put(unit, camera_.facts()), 0);
             recording_->video().wait_for_reader();
         }
+        writer_->wait_until_idle();
     }
 
     void wait_for_complaint()
@@ -93,12 +104,16 @@ protected:
     RecordingReport finish()
     {
         recording_->finish();
+        DiskWriter::Leftover none;
+        EXPECT_TRUE(writer_->finish(&none));
+        recording_->settle();
         return recording_->reports().front();
     }
 
     ScratchDirectory scratch_;
     std::string directory_ = scratch_.file("files");
     Input camera_{std::string(NVREC_CLIPS) + "/network1.mp4"};
+    std::unique_ptr<DiskWriter> writer_;
     std::unique_ptr<Recording> recording_;
 
     std::mutex lock_; /* guards what follows */

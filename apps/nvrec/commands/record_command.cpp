@@ -75,11 +75,18 @@ Command record_command(CLI::App &app)
         ->take_all()
         ->allow_extra_args(false);
 
+    auto recycle = std::make_shared<bool>(false);
+    record->add_flag("--recycle", *recycle,
+                     "Delete the oldest recordings of the directory when the disk is full");
+
     return {record, [=] {
                 line.options->feed.sound_channels = UINT32_MAX;
                 line.options->feed.main_channels =
                     UINT32_MAX; /* what is recorded is read whatever is shown */
-                RecorderOptions recorder = {*options, {}, line.options->feed};
+                RecorderOptions recorder;
+                recorder.record = *options;
+                recorder.feed = line.options->feed;
+                recorder.recycle = *recycle;
                 if (!read_network_addresses(*network, line.options->inputs.size(), &recorder.network))
                     return static_cast<int>(kExitUsage);
                 std::vector<std::unique_ptr<Module>> modules;

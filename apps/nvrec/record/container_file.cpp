@@ -3,16 +3,13 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <cstring>
+#include <utility>
 
 extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
-#include <libavutil/opt.h>
 }
-
-#include "camera/sound.h"
 
 namespace nvrec
 {
@@ -21,13 +18,21 @@ namespace
 
 constexpr AVRational kMicroseconds = {1, 1'000'000};
 constexpr AVRational kVideoClock = {1, 90'000};
-constexpr AVRational kSoundClock = {1, kSoundRate_hz};
+constexpr int kAacFrame_samples = 1024;
+constexpr int kOutputBuffer_bytes = 64 << 10;
 
 struct Setting {
     const char *name, *value;
 };
+/*
+ * frag_discont: a track's first fragment says when it begins, so that sound which sets in later than
+ * the pictures does. It takes a track's beginning from the first picture's presentation time, however;
+ * write_held() takes that into account.
+ */
 constexpr Setting kMp4Settings[] = {
-    {"movflags", "frag_keyframe+empty_moov+default_base_moof"}, {"frag_duration", "2000000"}, /* us */
+    {"movflags", "frag_keyframe+empty_moov+default_base_moof+frag_discont"},
+    {"use_editlist", "1"},        /* none is written; without it sound would begin at 0 */
+    {"frag_duration", "1000000"}, /* us */
 };
 constexpr Setting kMkvSettings[] = {
     {"cluster_time_limit", "1000"}, /* ms */
@@ -36,9 +41,9 @@ constexpr Setting kMkvSettings[] = {
 struct ContainerRow {
     Container container;
     const char *ending;
-    const char *format;            /* of libavformat */
-    const char *format_with_sound; /* likewise       */
-    bool tagged;                   /* codecs have tags, as in the MP4 family */
+    const char *format;           /* of libavformat */
+    const char *format_with_g711; /* likewise       */
+    bool tagged;                  /* codecs have tags, as in the MP4 family */
     std::span<const Setting> settings;
 };
 constexpr ContainerRow kContainers[] = {
@@ -51,23 +56,102 @@ const ContainerRow &row_of(Container container)
     return kContainers[static_cast<size_t>(container)];
 }
 
+bool is_g711(const SoundFormat &format)
+{
+    return format.av_id == AV_CODEC_ID_PCM_ALAW || format.av_id == AV_CODEC_ID_PCM_MULAW;
+}
+
+bool set_extradata(AVCodecParameters *parameters, const std::vector<uint8_t> &bytes)
+{
+    parameters->extradata = static_cast<uint8_t *>(av_mallocz(bytes.size() + AV_INPUT_BUFFER_PADDING_SIZE));
+    if (!parameters->extradata) return false;
+    if (!bytes.empty()) std::memcpy(parameters->extradata, bytes.data(), bytes.size());
+    parameters->extradata_size = static_cast<int>(bytes.size());
+    return true;
+}
+
 } // namespace
+
+/* A file in memory that forgets what was taken out of it. */
+class ContainerFile::Output
+{
+public:
+    Output()
+        : context_(avio_alloc_context(static_cast<uint8_t *>(av_malloc(kOutputBuffer_bytes)),
+                                      kOutputBuffer_bytes, 1, this, nullptr, write, seek))
+    {
+    }
+    ~Output()
+    {
+        if (context_) av_freep(&context_->buffer);
+        avio_context_free(&context_);
+    }
+    Output(const Output &) = delete;
+    Output &operator=(const Output &) = delete;
+
+    AVIOContext *context() const { return context_; }
+    bool has_bytes() const { return !extents_.empty(); }
+    std::vector<FileChunk::Extent> take() { return std::exchange(extents_, {}); }
+
+private:
+    static int write(void *self, uint8_t *bytes, int size)
+    {
+        auto &output = *static_cast<Output *>(self);
+        auto &extents = output.extents_;
+        const bool goes_on =
+            !extents.empty() &&
+            extents.back().at + static_cast<int64_t>(extents.back().bytes.size()) == output.at_;
+        if (!goes_on) extents.push_back({output.at_, {}});
+        extents.back().bytes.insert(extents.back().bytes.end(), bytes, bytes + size);
+        output.at_ += size;
+        output.size_ = std::max(output.size_, output.at_);
+        return size;
+    }
+
+    static int64_t seek(void *self, int64_t offset, int whence)
+    {
+        auto &output = *static_cast<Output *>(self);
+        switch (whence & ~AVSEEK_FORCE) {
+        case AVSEEK_SIZE: return output.size_;
+        case SEEK_SET: break;
+        case SEEK_CUR: offset += output.at_; break;
+        case SEEK_END: offset += output.size_; break;
+        default: return AVERROR(EINVAL);
+        }
+        if (offset < 0) return AVERROR(EINVAL);
+        return output.at_ = offset;
+    }
+
+    AVIOContext *context_;
+    std::vector<FileChunk::Extent> extents_;
+    int64_t at_ = 0, size_ = 0;
+};
 
 const char *file_ending(Container container)
 {
     return row_of(container).ending;
 }
 
+uint64_t FileChunk::bytes() const
+{
+    uint64_t sum = 0;
+    for (const Extent &extent : extents)
+        sum += extent.bytes.size();
+    return sum;
+}
+
 bool TrackFacts::operator==(const TrackFacts &other) const
 {
+    const bool same_sound = sound == other.sound || (sound && other.sound && *sound == *other.sound);
     return stream.codec == other.stream.codec && stream.width_px == other.stream.width_px &&
-           stream.height_px == other.stream.height_px && stream.sound == other.stream.sound &&
-           parameter_sets == other.parameter_sets;
+           stream.height_px == other.stream.height_px && same_sound && parameter_sets == other.parameter_sets;
 }
+
+ContainerFile::ContainerFile() = default;
 
 ContainerFile::~ContainerFile()
 {
-    close();
+    discard();
 }
 
 bool ContainerFile::fail(int av_code)
@@ -78,45 +162,49 @@ bool ContainerFile::fail(int av_code)
     return false;
 }
 
-bool ContainerFile::open(const std::string &path, Container container, const TrackFacts &facts,
-                         int64_t origin_us)
+bool ContainerFile::open(Container container, const TrackFacts &facts, int64_t origin_us)
 {
-    close();
-    path_ = path;
+    discard();
+    container_ = container;
     facts_ = facts;
     origin_us_ = origin_us;
     last_video_dts_ = last_sound_end_ = INT64_MIN;
-    bytes_ = 0;
+    last_duration_ = 0;
+    last_was_sound_ = false;
+    muxed_pictures_ = muxed_sounds_ = 0;
+    muxed_until_us_ = origin_us;
+    ready_ = {};
 
     const ContainerRow &row = row_of(container);
-    int code = avformat_alloc_output_context2(
-        &format_, nullptr, facts.stream.sound ? row.format_with_sound : row.format, path.c_str());
+    const bool g711 = facts.sound && is_g711(*facts.sound);
+    output_ = std::make_unique<Output>();
+    int code =
+        avformat_alloc_output_context2(&format_, nullptr, g711 ? row.format_with_g711 : row.format, nullptr);
     if (code < 0) return fail(code);
-    if (!add_video() || (facts.stream.sound && !add_sound())) {
+    format_->pb = output_->context();
+    if (!format_->pb || !add_video() || (facts.sound && !add_sound())) {
         fail(AVERROR(ENOMEM));
         discard();
         return false;
     }
     video_->codecpar->codec_tag = row.tagged ? traits_of(facts.stream.codec).mp4_tag : 0;
     /* Nothing may wait in memory for a more convenient moment. */
-    format_->flags |= AVFMT_FLAG_FLUSH_PACKETS;
+    format_->flags |= AVFMT_FLAG_FLUSH_PACKETS | AVFMT_FLAG_CUSTOM_IO;
+    format_->avoid_negative_ts = AVFMT_AVOID_NEG_TS_DISABLED; /* times are as they are given */
 
     AVDictionary *settings = nullptr;
     for (const Setting &setting : row.settings)
         av_dict_set(&settings, setting.name, setting.value, 0);
-    code = avio_open(&format_->pb, path.c_str(), AVIO_FLAG_WRITE);
-    const bool made = code >= 0;
-    if (made) code = avformat_write_header(format_, &settings);
-    if (code >= 0) {
-        avio_flush(format_->pb); /* some containers keep their header for later */
-        code = format_->pb->error;
-    }
+    code = avformat_write_header(format_, &settings);
     av_dict_free(&settings);
-    if (code >= 0) return true;
-    fail(code);
-    discard();
-    if (made) std::remove(path.c_str()); /* a full disk would fill with empty files, try after try */
-    return false;
+    if (code < 0) {
+        fail(code);
+        discard();
+        return false;
+    }
+    avio_flush(format_->pb);
+    note_output(false);
+    return true;
 }
 
 bool ContainerFile::add_video()
@@ -129,30 +217,29 @@ bool ContainerFile::add_video()
     parameters->codec_id = static_cast<AVCodecID>(traits_of(stream.codec).av_id);
     parameters->width = static_cast<int>(stream.width_px);
     parameters->height = static_cast<int>(stream.height_px);
-    const size_t size = facts_.parameter_sets.size();
-    parameters->extradata = static_cast<uint8_t *>(av_mallocz(size + AV_INPUT_BUFFER_PADDING_SIZE));
-    if (!parameters->extradata) return false;
-    std::memcpy(parameters->extradata, facts_.parameter_sets.data(), size);
-    parameters->extradata_size = static_cast<int>(size);
     video_->time_base = kVideoClock;
     video_->avg_frame_rate = av_d2q(stream.frame_rate, 100'000);
-    return true;
+    return set_extradata(parameters, facts_.parameter_sets);
 }
 
 bool ContainerFile::add_sound()
 {
     sound_ = avformat_new_stream(format_, nullptr);
     if (!sound_) return false;
+    const SoundFormat &sound = *facts_.sound;
     AVCodecParameters *parameters = sound_->codecpar;
     parameters->codec_type = AVMEDIA_TYPE_AUDIO;
-    parameters->codec_id = AV_CODEC_ID_PCM_ALAW;
-    parameters->sample_rate = kSoundRate_hz;
-    av_channel_layout_default(&parameters->ch_layout, 1);
-    parameters->bits_per_coded_sample = 8;
-    parameters->bit_rate = 8 * kSoundRate_hz;
-    parameters->block_align = 1;
-    sound_->time_base = kSoundClock;
-    return true;
+    parameters->codec_id = static_cast<AVCodecID>(sound.av_id);
+    parameters->sample_rate = sound.rate_hz;
+    av_channel_layout_default(&parameters->ch_layout, sound.channels);
+    if (is_g711(sound)) {
+        parameters->bits_per_coded_sample = 8;
+        parameters->bit_rate = 8 * sound.rate_hz * sound.channels;
+        parameters->block_align = sound.channels;
+    }
+    if (sound.av_id == AV_CODEC_ID_AAC) parameters->frame_size = kAacFrame_samples;
+    sound_->time_base = {1, sound.rate_hz};
+    return set_extradata(parameters, sound.extradata);
 }
 
 bool ContainerFile::write_video(std::span<const uint8_t> unit, int64_t pts_us, int64_t dts_us, bool key)
@@ -161,20 +248,42 @@ bool ContainerFile::write_video(std::span<const uint8_t> unit, int64_t pts_us, i
     /* Decoding times must grow; a camera's may stand still for a moment. */
     const int64_t dts = std::max(av_rescale_q(dts_us - origin_us_, kMicroseconds, base), last_video_dts_ + 1);
     const int64_t pts = std::max(av_rescale_q(pts_us - origin_us_, kMicroseconds, base), dts);
-    const double rate = facts_.stream.frame_rate;
-    const int64_t duration = rate > 0 ? std::llround(static_cast<double>(base.den) / base.num / rate) : 0;
+    if (held_ && !write_held(dts - held_->dts)) return false;
     last_video_dts_ = dts;
-    return write(video_, unit, pts, dts, duration, key);
+    held_ = HeldPicture{{unit.begin(), unit.end()}, pts, dts, dts_us, key};
+    return true;
 }
 
-bool ContainerFile::write_sound(std::span<const uint8_t> samples, int64_t pts_us)
+bool ContainerFile::write_held(int64_t duration)
+{
+    const HeldPicture picture = std::move(*held_);
+    held_.reset();
+    const bool first = last_duration_ == 0;
+    last_duration_ = duration;
+    /* MP4's muxer moves the track by what its first picture is shown later than decoded. */
+    if (first) muxer_shift_ = container_ == Container::kMp4 ? picture.pts - picture.dts : 0;
+    if (!write(video_, picture.bytes, picture.pts - muxer_shift_, picture.dts - muxer_shift_, duration,
+               picture.key))
+        return false;
+    ++muxed_pictures_;
+    muxed_until_us_ = picture.dts_us + av_rescale_q(duration, video_->time_base, kMicroseconds);
+    return true;
+}
+
+bool ContainerFile::write_sound(std::span<const uint8_t> bytes, int64_t pts_us, int64_t duration_us)
 {
     if (!sound_) return fail(AVERROR(EINVAL));
     const AVRational base = sound_->time_base;
-    const int64_t duration = av_rescale_q(static_cast<int64_t>(samples.size()), kSoundClock, base);
+    int64_t duration = av_rescale_q(duration_us, kMicroseconds, base);
+    if (is_g711(*facts_.sound)) {
+        const auto samples = static_cast<int64_t>(bytes.size()) / facts_.sound->channels;
+        duration = av_rescale_q(samples, AVRational{1, facts_.sound->rate_hz}, base);
+    }
     const int64_t pts = std::max(av_rescale_q(pts_us - origin_us_, kMicroseconds, base), last_sound_end_);
-    last_sound_end_ = pts + duration;
-    return write(sound_, samples, pts, pts, duration, true);
+    last_sound_end_ = pts + std::max<int64_t>(duration, 1);
+    if (!write(sound_, bytes, pts, pts, duration, true)) return false;
+    ++muxed_sounds_;
+    return true;
 }
 
 bool ContainerFile::write(AVStream *stream, std::span<const uint8_t> bytes, int64_t pts, int64_t dts,
@@ -185,38 +294,63 @@ bool ContainerFile::write(AVStream *stream, std::span<const uint8_t> bytes, int6
         av_packet_free(&packet);
         return fail(AVERROR(ENOMEM));
     }
-    std::memcpy(packet->data, bytes.data(), bytes.size());
+    if (!bytes.empty()) std::memcpy(packet->data, bytes.data(), bytes.size());
     packet->stream_index = stream->index;
     packet->pts = pts;
     packet->dts = dts;
     packet->duration = duration;
     if (key) packet->flags |= AV_PKT_FLAG_KEY;
     /* Not the interleaving call: it holds pictures back while a camera is silent. */
-    int code = av_write_frame(format_, packet);
-    if (code >= 0 && format_->pb->error < 0) code = format_->pb->error;
+    const int code = av_write_frame(format_, packet);
     av_packet_free(&packet);
-    bytes_ = static_cast<uint64_t>(std::max<int64_t>(avio_tell(format_->pb), 0));
+    avio_flush(format_->pb);
+    /* What came out was muxed before this packet; MKV's muxer keeps one packet of sound to itself. */
+    note_output(container_ == Container::kMkv && last_was_sound_);
+    last_was_sound_ = stream == sound_;
     return code >= 0 || fail(code);
+}
+
+/* What libavformat has written by itself holds all that it was given before. */
+void ContainerFile::note_output(bool sound_cached)
+{
+    if (!output_->has_bytes()) return;
+    for (FileChunk::Extent &extent : output_->take())
+        ready_.extents.push_back(std::move(extent));
+    const uint64_t kept = sound_cached && muxed_sounds_ > 0 ? 1 : 0;
+    ready_.pictures += std::exchange(muxed_pictures_, 0);
+    ready_.sounds += std::exchange(muxed_sounds_, kept) - kept;
+    ready_.until_us = muxed_until_us_;
+}
+
+FileChunk ContainerFile::take_output()
+{
+    return std::exchange(ready_, {});
 }
 
 bool ContainerFile::close()
 {
     if (!format_) return true;
-    int code = av_write_trailer(format_);
-    bytes_ = std::max(bytes_, static_cast<uint64_t>(std::max<int64_t>(avio_tell(format_->pb), 0)));
-    const int closing = avio_closep(&format_->pb);
-    if (code >= 0) code = closing;
+    if (held_) {
+        const double rate = facts_.stream.frame_rate;
+        const AVRational base = video_->time_base;
+        const int64_t nominal = rate > 0 ? std::llround(static_cast<double>(base.den) / base.num / rate) : 1;
+        const int64_t second = base.den / base.num;
+        write_held(last_duration_ > 0 ? std::min(last_duration_, second) : nominal); /* a pause is none */
+    }
+    const int code = av_write_trailer(format_);
+    avio_flush(format_->pb);
+    note_output(false);
     discard();
     return code >= 0 || fail(code);
 }
 
-/* Let go of a file as it is. */
 void ContainerFile::discard()
 {
-    if (format_ && format_->pb) avio_closep(&format_->pb);
     avformat_free_context(format_);
     format_ = nullptr;
+    output_.reset();
     video_ = sound_ = nullptr;
+    held_.reset();
 }
 
 } // namespace nvrec

@@ -1,22 +1,27 @@
 /*
- * container_file.h - one file of a recording, written through libavformat without re-encoding.
+ * container_file.h - one file of a recording, muxed through libavformat without re-encoding. It
+ * touches no disk: what is to stand in the file comes out as chunks (take_output), each of which
+ * leaves a file that plays to its end when it is written whole.
  *
- * MP4: fragments, each complete in itself and written out at once, so that a recorder that dies
- * leaves a file which plays up to its last whole fragment. A fragment ends at a key frame, and after
- * two seconds in streams whose key frames stand further apart. A-law has no place in MP4 proper; a
- * file with sound is of the QuickTime kind of the same format, which has.
- * MKV: clusters of at most a second, likewise.
+ * MP4: fragments, each complete in itself. A fragment ends at a key frame, and after a second in
+ * streams whose key frames stand further apart. What a picture lasts is the distance to the next one,
+ * so a picture is held back until that one is there. G.711 has no place in MP4 proper; a file with it
+ * is of the QuickTime kind of the same format, which has.
+ * MKV: clusters of at most a second, likewise; at the end, what the head leaves open is written there.
  *
  * Threads: one.
  */
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <vector>
 
 #include "camera/input.h"
+#include "record/recorded_sound.h"
 
 struct AVFormatContext;
 struct AVStream;
@@ -31,54 +36,91 @@ const char *file_ending(Container container);
 /** What a file needs to know before its first frame. */
 struct TrackFacts {
     StreamFacts stream;
-    std::vector<uint8_t> parameter_sets; /* Annex B */
+    std::vector<uint8_t> parameter_sets;      /* Annex B                                             */
+    std::shared_ptr<const SoundFormat> sound; /* null = none                                         */
     bool operator==(const TrackFacts &other) const;
+};
+
+/** A part of a file: bytes at their places, in the order in which they are to be written. */
+struct FileChunk {
+    struct Extent {
+        int64_t at;
+        std::vector<uint8_t> bytes;
+    };
+    std::vector<Extent> extents;
+    uint64_t pictures = 0; /* that become readable by it */
+    uint64_t sounds = 0;
+    int64_t until_us = 0; /* decoding time behind the last of the pictures, on the camera's clock */
+
+    bool empty() const { return extents.empty(); }
+    uint64_t bytes() const;
 };
 
 class ContainerFile
 {
 public:
-    ContainerFile() = default;
+    ContainerFile();
     ~ContainerFile();
     ContainerFile(const ContainerFile &) = delete;
     ContainerFile &operator=(const ContainerFile &) = delete;
 
     /** Begin a file; its time begins at `origin_us`. @return false with the reason in error(). */
-    bool open(const std::string &path, Container container, const TrackFacts &facts, int64_t origin_us);
+    bool open(Container container, const TrackFacts &facts, int64_t origin_us);
 
     /** Append a picture in Annex B form. @return false with the reason in error(). */
     bool write_video(std::span<const uint8_t> unit, int64_t pts_us, int64_t dts_us, bool key);
 
-    /** Append a block of A-law, of the file's origin or later, to a file with sound. */
-    bool write_sound(std::span<const uint8_t> samples, int64_t pts_us);
+    /** Append sound in the file's format, of the file's origin or later, to a file with sound. */
+    bool write_sound(std::span<const uint8_t> bytes, int64_t pts_us, int64_t duration_us);
 
-    /** Write what is held back and end the file. @return false with the reason in error(). */
+    /** What can be written to the disk by now; empty = nothing whole is there. */
+    FileChunk take_output();
+
+    /** End the file; take_output() has its end then. @return false with the reason in error(). */
     bool close();
+
+    /** Let go of a file that cannot be written any more. */
+    void discard();
 
     bool is_open() const { return format_ != nullptr; }
     const TrackFacts &facts() const { return facts_; }
     int64_t origin_us() const { return origin_us_; }
-    const std::string &path() const { return path_; }
     const std::string &error() const { return error_; }
-    uint64_t bytes() const { return bytes_; } /* written so far; whole after close() */
 
 private:
+    class Output; /* where libavformat writes: memory */
+    struct HeldPicture {
+        std::vector<uint8_t> bytes;
+        int64_t pts, dts; /* in the track's time base */
+        int64_t dts_us;
+        bool key;
+    };
+
     bool add_video();
     bool add_sound();
+    bool write_held(int64_t duration);
     bool write(AVStream *stream, std::span<const uint8_t> bytes, int64_t pts, int64_t dts, int64_t duration,
                bool key);
+    void note_output(bool sound_cached);
     bool fail(int av_code);
-    void discard();
 
     AVFormatContext *format_ = nullptr;
+    std::unique_ptr<Output> output_;
     AVStream *video_ = nullptr;
     AVStream *sound_ = nullptr;
+    Container container_ = Container::kMp4;
     TrackFacts facts_;
-    std::string path_, error_;
+    std::string error_;
     int64_t origin_us_ = 0;
-    int64_t last_video_dts_ = INT64_MIN; /* in the track's time base */
+    std::optional<HeldPicture> held_;
+    int64_t last_duration_ = 0;          /* of a picture, in the track's time base; 0 = none yet */
+    int64_t muxer_shift_ = 0;            /* what the muxer adds to the pictures' times */
+    int64_t last_video_dts_ = INT64_MIN; /* likewise                               */
     int64_t last_sound_end_ = INT64_MIN;
-    uint64_t bytes_ = 0;
+    uint64_t muxed_pictures_ = 0, muxed_sounds_ = 0; /* given to libavformat, and not in a chunk yet */
+    int64_t muxed_until_us_ = 0;
+    bool last_was_sound_ = false;
+    FileChunk ready_;
 };
 
 } // namespace nvrec

@@ -4,7 +4,7 @@
  *   always   every frame
  *   hours    in local time, by day of the week; events outside of the hours are recorded, too
  *   event    from before_s before an event until after_s behind the last one; before_s is held in
- *            memory, whole groups of pictures, no more than kMostHeld_bytes a camera
+ *            memory, whole groups of pictures, no more than kMostHeld_bytes a stream
  *   never    only when the record key asks for it
  *
  * Threads: plain values.

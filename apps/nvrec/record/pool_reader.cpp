@@ -58,7 +58,7 @@ PoolReader::PoolReader(int channel, PoolStream stream, PoolEvent &event)
 {
 }
 
-int32_t PoolReader::put(const AccessUnit &unit, const StreamFacts &facts)
+int32_t PoolReader::put(const AccessUnit &unit, const StreamFacts &facts, int64_t wall_us)
 {
     FrameInfo frame = {};
     frame.frame_type = unit.key ? 1 : 0;
@@ -66,7 +66,7 @@ int32_t PoolReader::put(const AccessUnit &unit, const StreamFacts &facts)
     frame.width = facts.width_px;
     frame.height = facts.height_px;
     frame.data = const_cast<uint8_t *>(unit.bytes.data()); /* only read by the library */
-    return store({.pts_us = unit.pts_us, .dts_us = unit.due_us, .facts = facts}, &frame);
+    return store({.pts_us = unit.pts_us, .dts_us = unit.due_us, .wall_us = wall_us, .facts = facts}, &frame);
 }
 
 int32_t PoolReader::put(const SoundBlock &block)
@@ -171,7 +171,7 @@ bool PoolReader::take(PoolFrame *frame)
         frame->key = fetched.key;
         frame->pts_us = metadata.pts_us;
         frame->dts_us = metadata.dts_us;
-        frame->taken_at_us = fetched.taken_at_us;
+        frame->taken_at_us = metadata.wall_us != 0 ? metadata.wall_us : fetched.taken_at_us;
         frame->facts = metadata.facts;
         return true;
     }

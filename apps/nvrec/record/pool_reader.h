@@ -25,6 +25,7 @@
 #include "camera/feeder.h"
 #include "host/clock.h"
 #include "nvrhal.h"
+#include "record/recorded_sound.h"
 
 namespace nvrec
 {
@@ -66,8 +67,12 @@ struct PoolFrame {
     bool after_gap = false;  /* frames before it are missing                      */
     int64_t pts_us = 0;      /* presentation time, from the input's first unit on */
     int64_t dts_us = 0;      /* decoding time, likewise                           */
-    int64_t taken_at_us = 0; /* wall clock, microseconds since 1970               */
+    int64_t taken_at_us = 0; /* time of day, microseconds since 1970              */
     StreamFacts facts;
+
+    /* Of sound that is kept as the camera sent it. */
+    std::shared_ptr<const SoundFormat> sound;
+    int64_t duration_us = 0;
 };
 
 class PoolReader
@@ -75,8 +80,12 @@ class PoolReader
 public:
     PoolReader(int channel, PoolStream stream, PoolEvent &event);
 
-    /** Put a picture or a block of sound into the pool. @return 0 = stored, -1 = refused. */
-    int32_t put(const AccessUnit &unit, const StreamFacts &facts);
+    /**
+     * Put a picture or a block of sound into the pool.
+     * @param wall_us  time of day of the picture; 0 = when it is put
+     * @return 0 = stored, -1 = refused.
+     */
+    int32_t put(const AccessUnit &unit, const StreamFacts &facts, int64_t wall_us = 0);
     int32_t put(const SoundBlock &block);
 
     /** Take the next frame out. @return false when there is none now. */
@@ -96,6 +105,7 @@ private:
         uint32_t stamp = 0;         /* low 32 bits of pts_us */
         bool after_refused = false; /* the pool refused the frame before it */
         int64_t pts_us = 0, dts_us = 0;
+        int64_t wall_us = 0; /* 0 = when it was put */
         StreamFacts facts;
     };
     struct Fetched {

@@ -1,48 +1,93 @@
 /* recorder.cpp - see recorder.h. */
 #include "record/recorder.h"
 
-#include <filesystem>
+#include <algorithm>
 #include <utility>
 
+#include "archive/time_of_day.h"
 #include "wall/exit_code.h"
 #include "wall/terminal.h"
 
 namespace nvrec
 {
+namespace
+{
+
+constexpr auto kLookPeriod = std::chrono::milliseconds(500);
+constexpr auto kIndexLimit = std::chrono::seconds(5); /* a disk that just wrote, writes */
+
+std::string megabytes(uint64_t bytes)
+{
+    return std::to_string((bytes + 500'000) / 1'000'000) + " MB";
+}
+
+} // namespace
 
 Recorder::Recorder(RecorderOptions options) : options_(std::move(options)) {}
+Recorder::~Recorder() = default;
 
 bool Recorder::start(WallControl &wall)
 {
     wall_ = &wall;
-    make_directory();
+    start_writer();
     for (size_t channel = 0; channel < wall.cameras().size(); ++channel)
         main_.push_back(make_recording(static_cast<int>(channel), PoolStream::kMain));
     for (const auto &recording : main_)
         recording->start();
     for (const auto &[channel, address] : options_.network)
         start_network(channel, address);
+    wall.set_recorder(this);
     wall.set_recording(true);
     return true;
 }
 
-/* Without one the files fail, and are tried again: it may only be late, as a disk can be. */
-void Recorder::make_directory()
+void Recorder::start_writer()
 {
-    std::error_code error;
-    std::filesystem::create_directories(options_.record.directory, error);
-    if (!error) return;
-    directory_failed_ = true;
-    wall_->terminal().error("nothing is recorded: " + options_.record.directory + ": " + error.message());
+    began_at_ = Clock::now();
+    if (options_.index) {
+        index_ = std::make_unique<RecorderIndex>(
+            options_.record.directory, options_.names,
+            [terminal = &wall_->terminal()](bool trouble, const std::string &line) {
+                trouble ? terminal->error(line) : terminal->print(line);
+            });
+        index_->set_retention(options_.retention);
+        hooks_ = index_->hooks(options_.recycle);
+    } else {
+        hooks_ = options_.hooks;
+    }
+    DiskWriterOptions options;
+    options.directory = options_.record.directory;
+    if (options_.files) options.files = options_.files;
+    options.free_space = hooks_.free_space;
+    options.events = hooks_.files;
+    options.hold_directory = hooks_.hold_directory;
+    options.on_news = [wall = wall_] { wall->wake(); };
+    writer_ = std::make_unique<DiskWriter>(std::move(options));
+    wall_->watch_thread(
+        {"the thread that writes recordings", [this] { return writer_->heartbeat_deadline(); }});
 }
 
 std::unique_ptr<Recording> Recorder::make_recording(int channel, PoolStream stream)
 {
     Terminal &terminal = wall_->terminal();
-    return std::make_unique<Recording>(
-        channel, stream, options_.record, [&terminal, channel](const std::string &line) {
-            terminal.error("channel " + std::to_string(channel) + ": not recorded: " + line);
-        });
+    RecordOptions options = options_.record;
+    const auto plan = options_.plans.find(channel);
+    if (plan != options_.plans.end()) options.plan = plan->second;
+    const std::string stream_name = stream == PoolStream::kMain ? "main" : "network";
+    Recording::GapHandler on_gap;
+    if (hooks_.gap)
+        on_gap = [this, channel, stream_name](int64_t from_us, int64_t to_us, const std::string &why) {
+            hooks_.gap(channel, stream_name, from_us, to_us, why);
+        };
+    auto recording = std::make_unique<Recording>(
+        channel, stream, options, *writer_,
+        [&terminal, channel](const std::string &line) {
+            terminal.error("channel " + std::to_string(channel) + ": " + line);
+        },
+        std::move(on_gap));
+    wall_->watch_thread({"the recording of channel " + std::to_string(channel) + ", " + stream_name,
+                         [watched = recording.get()] { return watched->heartbeat_deadline(); }});
+    return recording;
 }
 
 void Recorder::start_network(int channel, const std::string &address)
@@ -50,16 +95,18 @@ void Recorder::start_network(int channel, const std::string &address)
     FeedOptions feed = options_.feed;
     feed.sound_channels = 0; /* it comes with the main stream */
     NetworkStream stream;
+    stream.channel = channel;
     stream.recording = make_recording(channel, PoolStream::kNetwork);
     stream.feeder = std::make_unique<Feeder>(channel, address, feed);
-    PoolReader &pool = stream.recording->video();
+    FrameRoute &route = stream.recording->video();
     Feeder::Events events;
     events.trouble = [this](int of_channel, const std::string &line) {
         wall_->terminal().error("channel " + std::to_string(of_channel) + ", network stream: " + line);
     };
-    events.sink = [this, &pool](const AccessUnit &unit, const StreamFacts &facts) {
-        const int32_t result = pool.put(unit, facts);
-        if (options_.feed.as_fast_as_can) pool.wait_for_reader();
+    events.sink = [this, &route, live = stream.feeder->input().live()](const AccessUnit &unit,
+                                                                       const StreamFacts &facts) {
+        const int32_t result = route.put(unit, facts, live ? unit.wall_us : 0);
+        if (options_.feed.as_fast_as_can) route.wait_for_reader();
         return result;
     };
     events.ended = [this](int) {
@@ -75,17 +122,156 @@ void Recorder::start_network(int channel, const std::string &address)
 void Recorder::on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts)
 {
     if (static_cast<size_t>(channel) >= main_.size()) return;
-    PoolReader &pool = main_[static_cast<size_t>(channel)]->video();
-    pool.put(unit, facts);
-    if (options_.feed.as_fast_as_can) pool.wait_for_reader();
+    FrameRoute &route = main_[static_cast<size_t>(channel)]->video();
+    /* A file's picture was taken when it is fed, not when it was read. */
+    const bool live = wall_->cameras()[static_cast<size_t>(channel)]->input().live();
+    route.put(unit, facts, live ? unit.wall_us : 0);
+    if (options_.feed.as_fast_as_can) route.wait_for_reader();
 }
 
 void Recorder::on_audio(int channel, const SoundBlock &block)
 {
     if (static_cast<size_t>(channel) >= main_.size()) return;
-    PoolReader &pool = main_[static_cast<size_t>(channel)]->sound();
-    pool.put(block);
-    if (options_.feed.as_fast_as_can) pool.wait_for_reader();
+    Recording &recording = *main_[static_cast<size_t>(channel)];
+    recording.put(block);
+    if (options_.feed.as_fast_as_can) recording.wait_for_sound_reader();
+}
+
+void Recorder::on_sound_packet(int channel, const SoundPacket &packet)
+{
+    if (static_cast<size_t>(channel) >= main_.size()) return;
+    Recording &recording = *main_[static_cast<size_t>(channel)];
+    recording.put(packet);
+    if (options_.feed.as_fast_as_can) recording.wait_for_sound_reader();
+}
+
+Clock::time_point Recorder::take_turn(Clock::time_point now)
+{
+    tell_lines();
+    tell_disk();
+    if (wall_->recording() != anything_runs()) wall_->set_recording(anything_runs());
+    return now + kLookPeriod;
+}
+
+void Recorder::tell_lines()
+{
+    for (const std::string &line : writer_->take_lines())
+        wall_->terminal().error(line);
+}
+
+/* A disk that hangs is said once; that it answers again is said by the writer. */
+void Recorder::tell_disk()
+{
+    const DiskStatus disk = writer_->status();
+    const bool hangs = disk.state == DiskState::kHangs;
+    if (hangs && !disk_hung_)
+        wall_->terminal().error(options_.record.directory + ": the disk does not answer; " +
+                                megabytes(disk.queued_bytes) + " of " + megabytes(disk.queue_limit_bytes) +
+                                " wait in memory");
+    disk_hung_ = hangs;
+    wall_->set_alarm(disk.state == DiskState::kGood ? "" : "Recording: " + disk.trouble);
+}
+
+bool Recorder::anything_runs() const
+{
+    for (size_t channel = 0; channel < main_.size(); ++channel) {
+        if (runs(static_cast<int>(channel))) return true;
+    }
+    return false;
+}
+
+bool Recorder::on_key(Key key)
+{
+    if (key != Key::kRecord) return false;
+    const bool runs_now = std::ranges::any_of(
+        main_, [](const auto &recording) { return recording->status().state != RecordingState::kOff; });
+    if (order_ != RecordOrder::kAsPlanned)
+        set_order(RecordOrder::kAsPlanned);
+    else
+        set_order(runs_now ? RecordOrder::kStop : RecordOrder::kStart);
+    return true;
+}
+
+void Recorder::set_order(RecordOrder order)
+{
+    order_ = order;
+    for (const auto &recording : main_)
+        recording->set_order(order);
+    for (const NetworkStream &stream : network_)
+        stream.recording->set_order(order);
+    wall_->terminal().print(order == RecordOrder::kStop    ? "recording is stopped by the record key"
+                            : order == RecordOrder::kStart ? "all cameras are recorded by the record key"
+                                                           : "recording goes by its plan");
+    wall_->wake();
+}
+
+void Recorder::set_plan(int channel, const RecordingPlan &plan)
+{
+    if (channel < 0 || static_cast<size_t>(channel) >= main_.size()) return;
+    main_[static_cast<size_t>(channel)]->set_plan(plan);
+    for (const NetworkStream &stream : network_) {
+        if (stream.channel == channel) stream.recording->set_plan(plan);
+    }
+}
+
+void Recorder::event(int channel, const std::string &kind, const std::string &text)
+{
+    if (channel < 0 || static_cast<size_t>(channel) >= main_.size()) return;
+    main_[static_cast<size_t>(channel)]->begin_event();
+    for (const NetworkStream &stream : network_) {
+        if (stream.channel == channel) stream.recording->begin_event();
+    }
+    if (!hooks_.event) return;
+    hooks_.event({channel, wall_now_us(), kind, text});
+}
+
+std::vector<RecordingStatus> Recorder::recordings() const
+{
+    const bool disk_answers = writer_->status().state != DiskState::kHangs;
+    std::vector<RecordingStatus> all;
+    for (const auto &recording : main_) {
+        all.push_back(recording->status());
+        for (const NetworkStream &stream : network_) {
+            if (stream.channel == all.back().channel) all.push_back(stream.recording->status());
+        }
+    }
+    for (RecordingStatus &status : all) {
+        if (status.state == RecordingState::kRuns && !disk_answers) status.state = RecordingState::kFailing;
+    }
+    return all;
+}
+
+DiskStatus Recorder::disk() const
+{
+    if (!writer_) return {};
+    DiskStatus disk = writer_->status();
+    if (!index_) return disk;
+    const RetentionState retention = index_->retention_state();
+    disk.recorded_bytes = retention.total_bytes;
+    disk.oldest_us = retention.oldest_us;
+    disk.free_bytes = retention.free_bytes;
+    disk.recycled_files = retention.deleted;
+    disk.retention_trouble = retention.trouble;
+    uint64_t written = 0;
+    for (const auto &recording : main_)
+        written += recording->status().bytes;
+    for (const NetworkStream &stream : network_)
+        written += stream.recording->status().bytes;
+    const double seconds = std::chrono::duration<double>(Clock::now() - began_at_).count();
+    if (written > 0 && seconds > 0 && disk.free_bytes >= 0)
+        disk.left_h = static_cast<double>(disk.free_bytes) * seconds / static_cast<double>(written) / 3600;
+    return disk;
+}
+
+void Recorder::set_retention(const RetentionOptions &retention)
+{
+    if (index_) index_->set_retention(retention);
+}
+
+bool Recorder::runs(int channel) const
+{
+    if (channel < 0 || static_cast<size_t>(channel) >= main_.size()) return false;
+    return main_[static_cast<size_t>(channel)]->runs() && writer_->status().state != DiskState::kHangs;
 }
 
 void Recorder::stop()
@@ -94,20 +280,44 @@ void Recorder::stop()
         stream.feeder->ask_to_stop();
     for (const NetworkStream &stream : network_)
         stream.feeder->join();
-    bool failed = directory_failed_;
-    for (const auto &recording : main_) {
+    for (const auto &recording : main_)
         recording->finish();
+    for (const NetworkStream &stream : network_)
+        stream.recording->finish();
+    bool failed = !finish_writer();
+    for (const auto &recording : main_) {
+        recording->settle();
         failed |= recording->failed();
     }
     for (const NetworkStream &stream : network_) {
-        stream.recording->finish();
+        stream.recording->settle();
         failed |= stream.recording->failed();
     }
     if (failed) wall_->end(kExitOutputFailed);
     for (const NetworkStream &stream : network_) {
         if (!stream.feeder->opened() || stream.feeder->broken()) wall_->end(kExitInputFailed);
     }
+    wall_->set_alarm("");
     wall_->set_recording(false);
+}
+
+/* @return false = the directory failed, or the disk did not answer any more. */
+bool Recorder::finish_writer()
+{
+    DiskWriter::Leftover left;
+    const bool finished = writer_->finish(&left);
+    tell_lines();
+    if (finished) {
+        if (index_) index_->stop(kIndexLimit);
+        return writer_->directory_trouble().empty();
+    }
+    std::string line = options_.record.directory + ": the disk does not answer; lost are " +
+                       std::to_string(left.pictures) + " pictures, " + std::to_string(left.bytes) +
+                       " bytes, of";
+    for (const std::string &path : left.paths)
+        line += " " + path;
+    wall_->terminal().error(line);
+    return false;
 }
 
 std::vector<RecordingReport> Recorder::rows() const

@@ -1,66 +1,115 @@
 /*
- * recorder.h - records the cameras beside the wall: every picture and the sound into the library's
- * frame pools, and from there into files.
+ * recorder.h - records the cameras beside the wall: every picture and the sound by the library's frame
+ * pools, or beside them (frame_route.h), and from there by one disk writer into files.
  *
  * A camera may have a second address for its network stream. That stream is fed by a thread of its
  * own, goes into the sub pool and has no decoder.
  *
- * Threads: main; on_unit() and on_audio() on the cameras' threads; a thread a network stream; a
- * thread a recording (see recording.h).
+ * The record key stops what is recorded, and starts it again; where nothing is recorded by plan it
+ * starts recording of all cameras, and stops it.
+ *
+ * A disk that does not answer is told within three seconds: a line, an alarm on the screen, and the
+ * record lamp stops to blink.
+ *
+ * Threads: main; on_unit(), on_audio() on the cameras' threads; a thread a network stream; a thread a
+ * recording (see recording.h); one that writes (disk_writer.h). event() and RecordingView on any.
  */
 #pragma once
 
 #include <atomic>
+#include <functional>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "nvrhal/limits.h"
+#include "record/disk_writer.h"
+#include "record/recorder_index.h"
 #include "record/recording.h"
+#include "record/recording_status.h"
 #include "wall/module.h"
 
 namespace nvrec
 {
 
-/** The pools have room for so many cameras. */
-constexpr int kMostRecorded = NVRHAL_STORED_CHANNELS;
+constexpr int kMostRecorded = NVRHAL_MAX_CAMERAS;
 
 struct RecorderOptions {
     RecordOptions record;
     std::map<int, std::string> network; /* channel -> address of its network stream */
     FeedOptions feed;                   /* as the wall's                            */
+    std::map<int, RecordingPlan> plans; /* of channels with another than record.plan */
+    std::shared_ptr<FileSystem> files;  /* null = the system's                      */
+
+    /** Keep an index beside the recordings (archive/index.h), with the cameras' names. */
+    bool index = true;
+    std::map<int, std::string> names; /* by channel                                          */
+    RetentionOptions retention;       /* zeros = no limit                                    */
+    bool recycle = false;             /* the oldest recordings make room when the disk is full */
+    RecorderHooks hooks;              /* besides the index; for tests                        */
 };
 
-class Recorder final : public Module
+class Recorder final : public Module, public RecordingView
 {
 public:
     explicit Recorder(RecorderOptions options);
+    ~Recorder() override;
 
     bool start(WallControl &wall) override;
     void on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts) override;
     void on_audio(int channel, const SoundBlock &block) override;
+    void on_sound_packet(int channel, const SoundPacket &packet) override;
+    Clock::time_point take_turn(Clock::time_point now) override;
+    bool on_key(Key key) override;
     bool busy() const override { return network_running_ > 0; }
     void stop() override;
     void report() override;
     std::string json() const override;
 
-private:
-    void make_directory();
-    std::vector<RecordingReport> rows() const;
-    std::unique_ptr<Recording> make_recording(int channel, PoolStream stream);
-    void start_network(int channel, const std::string &address);
+    /** Something happened at a camera: plans with events record it. Any thread. */
+    void event(int channel, const std::string &kind, const std::string &text);
 
-    const RecorderOptions options_;
-    WallControl *wall_ = nullptr;
-    bool directory_failed_ = false;
-    std::vector<std::unique_ptr<Recording>> main_; /* by channel */
+    /** Another plan of a camera from now on. Main thread. */
+    void set_plan(int channel, const RecordingPlan &plan);
+
+    /** Other retention from now on. Any thread. */
+    void set_retention(const RetentionOptions &retention);
+
+    /** Record all cameras, or none, or as planned, from now on. Main thread. */
+    void set_order(RecordOrder order);
+
+    std::vector<RecordingStatus> recordings() const override;
+    DiskStatus disk() const override;
+    bool runs(int channel) const override;
+
+private:
     struct NetworkStream {
+        int channel;
         std::unique_ptr<Recording> recording;
         std::unique_ptr<Feeder> feeder;
     };
+
+    void start_writer();
+    std::vector<RecordingReport> rows() const;
+    std::unique_ptr<Recording> make_recording(int channel, PoolStream stream);
+    void start_network(int channel, const std::string &address);
+    void tell_lines();
+    void tell_disk();
+    bool anything_runs() const;
+    bool finish_writer();
+
+    const RecorderOptions options_;
+    WallControl *wall_ = nullptr;
+    RecorderHooks hooks_;
+    std::unique_ptr<RecorderIndex> index_; /* outlives the writer, which calls it */
+    std::unique_ptr<DiskWriter> writer_;
+    Clock::time_point began_at_;
+    std::vector<std::unique_ptr<Recording>> main_; /* by channel */
     std::vector<NetworkStream> network_;
     std::atomic<int> network_running_ = 0; /* feeders not at their end */
+    RecordOrder order_ = RecordOrder::kAsPlanned;
+    bool disk_hung_ = false; /* when it was looked at last */
 };
 
 } // namespace nvrec

@@ -1,24 +1,37 @@
-/* recording.cpp - see recording.h. */
+/* recording.cpp - see recording.h: the thread, and what is wanted. */
 #include "record/recording.h"
 
+#include <algorithm>
 #include <utility>
+
+#include "archive/time_of_day.h"
 
 namespace nvrec
 {
 namespace
 {
 
-constexpr int64_t kRetry_us = 10'000'000;
+constexpr uint64_t kSoundQueue_bytes = 256u << 10; /* ten seconds of the best sound */
+constexpr int64_t kSoundPatience_us = 1'000'000;   /* pictures wait so long to hear what sound comes */
+constexpr uint64_t kHeard_blocks = 5;              /* of A-law alone: none comes as sent */
+constexpr auto kWorkLimit = std::chrono::seconds(10);
+
+int64_t microseconds(double seconds)
+{
+    return static_cast<int64_t>(seconds * 1e6);
+}
 
 } // namespace
 
-Recording::Recording(int channel, PoolStream stream, const RecordOptions &options, ErrorHandler on_error)
-    : channel_(channel), carries_sound_(stream == PoolStream::kMain), options_(options),
-      on_error_(std::move(on_error)), video_(channel, stream, event_),
-      sound_(channel, PoolStream::kSound, event_)
+Recording::Recording(int channel, PoolStream stream, const RecordOptions &options, DiskWriter &writer,
+                     ErrorHandler on_error, GapHandler on_gap)
+    : channel_(channel), carries_sound_(stream == PoolStream::kMain), options_(options), writer_(writer),
+      on_error_(std::move(on_error)), on_gap_(std::move(on_gap)),
+      stream_(carries_sound_ ? "main" : "network"), video_(channel, stream, *event_),
+      sound_queue_(kSoundQueue_bytes, *event_), plan_(options.plan)
 {
-    report_.channel = channel;
-    report_.stream = carries_sound_ ? "main" : "network";
+    if (channel < NVRHAL_STORED_CHANNELS && carries_sound_)
+        sound_pool_.emplace(channel, PoolStream::kSound, *event_);
 }
 
 Recording::~Recording()
@@ -31,134 +44,246 @@ void Recording::start()
     /* A reader's first look fixes where it begins: now, while the pool is empty. */
     PoolFrame none;
     video_.take(&none);
-    if (carries_sound_) sound_.take(&none);
+    if (sound_pool_) sound_pool_->take(&none);
     thread_ = std::thread([this] { run(); });
 }
 
 void Recording::finish()
 {
-    event_.close();
+    closing_ = true;
+    event_->close();
+    writer_.wake_waiting();
     if (thread_.joinable()) thread_.join();
+}
+
+void Recording::put(const SoundBlock &block)
+{
+    if (sound_pool_) {
+        sound_pool_->put(block);
+        return;
+    }
+    PoolFrame frame;
+    frame.bytes.assign(block.samples.begin(), block.samples.end());
+    frame.key = true;
+    frame.pts_us = frame.dts_us = block.pts_us;
+    sound_queue_.put(std::move(frame));
+}
+
+/* What a file has no place for comes as A-law. */
+void Recording::put(const SoundPacket &packet)
+{
+    if (!packet.codec || packet.bytes.empty()) return;
+    if (packet.codec != codec_) { /* one object for all packets between two changes */
+        codec_ = packet.codec;
+        SoundFormat format = {codec_->av_id, codec_->rate_hz, codec_->channels, codec_->extradata};
+        format = completed(std::move(format));
+        as_sent_ = is_recordable(format) ? std::make_shared<const SoundFormat>(std::move(format)) : nullptr;
+    }
+    sends_recordable_ = as_sent_ != nullptr;
+    if (!as_sent_) return;
+    PoolFrame frame;
+    frame.bytes = packet.bytes;
+    frame.key = true; /* every packet of sound can be begun with */
+    frame.pts_us = frame.dts_us = packet.pts_us;
+    frame.duration_us = packet.duration_us;
+    frame.sound = as_sent_;
+    sound_queue_.put(std::move(frame));
+}
+
+void Recording::wait_for_sound_reader()
+{
+    if (sound_pool_) sound_pool_->wait_for_reader();
+    sound_queue_.wait_for_reader();
+}
+
+void Recording::begin_event()
+{
+    const auto after = std::chrono::microseconds(microseconds(plan().after_s));
+    event_until_ = (Clock::now() + after).time_since_epoch().count();
+    event_->set();
+}
+
+void Recording::set_order(RecordOrder order)
+{
+    order_ = order;
+    event_->set();
+}
+
+void Recording::set_plan(const RecordingPlan &plan)
+{
+    {
+        const std::scoped_lock guard(lock_);
+        plan_ = plan;
+    }
+    event_->set();
+}
+
+RecordingPlan Recording::plan() const
+{
+    const std::scoped_lock guard(lock_);
+    return plan_;
+}
+
+bool Recording::is_wanted(int64_t wall_us) const
+{
+    if (order_ != RecordOrder::kAsPlanned) return order_ == RecordOrder::kStart;
+    const RecordingPlan now = plan();
+    if (is_planned(now, wall_us)) return true;
+    return now.mode != RecordingMode::kNever && Clock::now().time_since_epoch().count() < event_until_;
+}
+
+int64_t Recording::held_before_us() const
+{
+    const RecordingPlan now = plan();
+    const bool has_events = now.mode == RecordingMode::kEvent || now.mode == RecordingMode::kHours;
+    return has_events && order_ == RecordOrder::kAsPlanned ? microseconds(now.before_s) : 0;
 }
 
 void Recording::run()
 {
-    PoolFrame frame;
     bool more = true;
     while (more) {
-        more = event_.wait();
-        while (video_.take(&frame))
-            write_picture(frame);
-        write_sound(INT64_MAX);
+        heartbeat_deadline_ = INT64_MAX;
+        more = event_->wait();
+        heartbeat_deadline_ = (Clock::now() + kWorkLimit).time_since_epoch().count();
+        take_frames();
     }
+    waiting_for_sound_ = false;
+    let_held_go();
+    write_sound(INT64_MAX);
     video_.give_up();
-    sound_.give_up();
+    if (sound_pool_) sound_pool_->give_up();
+    sound_queue_.give_up();
     end_file();
+    heartbeat_deadline_ = INT64_MAX;
 }
 
-void Recording::write_picture(const PoolFrame &frame)
+void Recording::take_frames()
 {
-    last_taken_at_us_ = frame.taken_at_us;
-    if (frame.after_gap) waits_for_key_ = true;
-    if (frame.key) {
-        std::vector<uint8_t> sets = parameter_sets_of(frame.bytes, frame.facts.codec);
-        if (!sets.empty()) parameter_sets_ = std::move(sets); /* not every key frame repeats them */
-        const TrackFacts facts = {frame.facts, parameter_sets_};
-        waits_for_key_ = false;
-        if (needs_file(frame, facts)) begin_file(frame, facts);
+    PoolFrame frame;
+    for (;;) {
+        /* A full queue is the disk's affair, and watched there. */
+        heartbeat_deadline_ = INT64_MAX;
+        writer_.wait_for_room([this] { return closing_.load(); });
+        heartbeat_deadline_ = (Clock::now() + kWorkLimit).time_since_epoch().count();
+        take_sound();
+        if (!video_.take(&frame)) break;
+        handle(std::move(frame));
     }
-    if (waits_for_key_ || !file_.is_open()) {
-        ++report_.skipped;
+    if (held_.empty()) write_sound(INT64_MAX);
+    if (const uint64_t bytes = video_.take_too_large_bytes(); bytes > 0)
+        on_error_("the " + stream_ + " stream has a frame of " + std::to_string(bytes) +
+                  " bytes, and the frame pool takes " + std::to_string(video_.pool_limit_bytes()) +
+                  " at most: it is recorded beside the pool from there on");
+    look_for_trouble();
+    catch_up();
+    note_state();
+}
+
+/* What the record key or an event asked for while no picture came. */
+void Recording::catch_up()
+{
+    if (output_ && !is_wanted(wall_now_us())) end_file();
+    if (!waiting_for_sound_) let_held_go();
+}
+
+/* Which file pictures go into depends on the sound that comes with them. */
+bool Recording::waits_for_sound(const PoolFrame &frame)
+{
+    if (!carries_sound_ || sound_is_known_ || !frame.facts.sound) return false;
+    const bool heard = sent_taken_ > 0 || alaw_taken_ >= kHeard_blocks || held_.span_us() > kSoundPatience_us;
+    sound_is_known_ = heard || closing_;
+    return !sound_is_known_;
+}
+
+void Recording::handle(PoolFrame frame)
+{
+    const bool waits = waiting_for_sound_ = waits_for_sound(frame);
+    if (is_wanted(frame.taken_at_us) && !waits) {
+        let_held_go();
+        write_picture(frame);
         return;
     }
-    if (!file_.write_video(frame.bytes, frame.pts_us, frame.dts_us, frame.key)) {
-        ++report_.skipped;
-        fail(file_.error());
+    if (!waits) end_file();
+    const int64_t before_us = std::max(held_before_us(), waits ? 2 * kSoundPatience_us : 0);
+    if (before_us == 0) {
+        held_.clear();
+        early_sound_.clear();
         return;
     }
-    ++report_.written;
-}
-
-bool Recording::needs_file(const PoolFrame &frame, const TrackFacts &facts) const
-{
-    if (!file_.is_open()) return frame.taken_at_us >= try_again_at_us_;
-    return segment_slot(frame.taken_at_us, options_.segment_s) != slot_ || !(facts == file_.facts());
-}
-
-void Recording::begin_file(const PoolFrame &frame, const TrackFacts &facts)
-{
-    write_sound(frame.dts_us); /* what belongs to the file before it */
-    end_file();
-    if (facts.parameter_sets.empty()) return; /* nobody could play it */
-    const std::string path =
-        free_segment_path(options_.directory, segment_name(channel_, report_.stream, frame.taken_at_us),
-                          file_ending(options_.container));
-    if (!file_.open(path, options_.container, facts, frame.dts_us)) {
-        fail(file_.error());
-        return;
-    }
-    slot_ = segment_slot(frame.taken_at_us, options_.segment_s);
-    report_.files.push_back(path);
-}
-
-void Recording::end_file()
-{
-    if (!file_.is_open()) return;
-    if (!file_.close()) fail(file_.error());
-    report_.bytes += file_.bytes();
-}
-
-/* The file at hand cannot be written. Said once a reason, not once a try. */
-void Recording::fail(const std::string &reason)
-{
-    const std::string line = file_.path() + ": " + reason;
-    if (report_.trouble.empty() || !report_.trouble.ends_with(reason)) on_error_(line);
-    report_.trouble = line;
-    try_again_at_us_ = last_taken_at_us_ + kRetry_us;
-    end_file();
-}
-
-/* Write the sound that is there, as far as it lies before a time; the rest waits for the next file. */
-void Recording::write_sound(int64_t until_us)
-{
-    if (!carries_sound_) return;
-    PoolFrame block;
-    while (sound_.take(&block))
-        early_sound_.push_back(std::move(block));
-    while (!early_sound_.empty() && early_sound_.front().pts_us < until_us) {
-        write_block(early_sound_.front());
+    held_.add(std::move(frame), before_us);
+    while (!early_sound_.empty() && !held_.empty() && early_sound_.front().pts_us < held_.from_us())
         early_sound_.pop_front();
+}
+
+void Recording::let_held_go()
+{
+    if (held_.empty() || !is_wanted(held_.until_wall_us())) return;
+    for (const PoolFrame &frame : held_.take()) {
+        if (is_wanted(frame.taken_at_us)) write_picture(frame);
     }
 }
 
-void Recording::write_block(const PoolFrame &block)
+RecordingStatus Recording::status() const
 {
-    if (!file_.is_open() || !file_.facts().stream.sound || block.pts_us < file_.origin_us()) {
-        ++sound_skipped_;
-        return;
-    }
-    if (file_.write_sound(block.bytes, block.pts_us)) {
-        ++sound_written_;
-        return;
-    }
-    ++sound_skipped_;
-    fail(file_.error());
+    RecordingStatus status;
+    const PoolCounters frames = video_.counters();
+    status.channel = channel_;
+    status.stream = stream_;
+    status.state = state_;
+    status.by_event = plan().mode == RecordingMode::kEvent && state_ == RecordingState::kRuns;
+    status.beside_the_pool = video_.beside_the_pool();
+    status.file = tally_->current();
+    status.written = tally_->pictures;
+    status.bytes = tally_->bytes;
+    status.lost = frames.lost;
+    status.refused = frames.refused;
+    status.skipped = passed_over_;
+    status.pool_laps = frames.resynchronised;
+    const std::scoped_lock guard(lock_);
+    status.last_error = trouble_;
+    if (shown_output_) status.lag_s = writer_.lag_s(*shown_output_);
+    return status;
+}
+
+Clock::time_point Recording::heartbeat_deadline() const
+{
+    return Clock::time_point(Clock::duration(heartbeat_deadline_.load()));
 }
 
 std::vector<RecordingReport> Recording::reports() const
 {
-    std::vector<RecordingReport> reports = {report_};
-    reports.front().frames = video_.counters();
-    const PoolCounters sound = sound_.counters();
+    RecordingReport pictures;
+    pictures.channel = channel_;
+    pictures.stream = stream_;
+    pictures.frames = video_.counters();
+    pictures.written = tally_->pictures;
+    pictures.skipped = pictures.frames.read - pictures.written;
+    pictures.bytes = tally_->bytes;
+    pictures.files = tally_->files();
+    {
+        const std::scoped_lock guard(lock_);
+        pictures.trouble = trouble_;
+    }
+    std::vector<RecordingReport> reports = {pictures};
+    const PoolCounters sent = sound_queue_.counters();
+    const PoolCounters sound =
+        sent.stored + sent.refused > 0 || !sound_pool_ ? sent : sound_pool_->counters();
     if (sound.stored + sound.refused == 0) return reports;
     RecordingReport row;
     row.channel = channel_;
     row.stream = "sound";
     row.frames = sound;
-    row.written = sound_written_;
-    row.skipped = sound_skipped_;
+    row.written = tally_->sounds;
+    row.skipped = sound.read - std::min<uint64_t>(sound.read, row.written);
     reports.push_back(row);
     return reports;
+}
+
+bool Recording::failed() const
+{
+    const std::scoped_lock guard(lock_);
+    return !trouble_.empty();
 }
 
 } // namespace nvrec

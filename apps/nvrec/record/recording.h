@@ -1,26 +1,38 @@
 /*
- * recording.h - one stream of one channel on its way from the frame pool into files.
+ * recording.h - one stream of one channel on its way from the camera into files.
  *
- *   event -> take frames -> first key frame: a file -> frames -> key frame in another slot of time,
- *   or of another codec, size or parameter sets: the next file -> ... -> drained and closed
+ *   event -> take frames -> wanted? -> first key frame: a file -> frames -> chunks to the disk writer
+ *     -> key frame in another slot of time, or of another codec, size, parameter sets or sound, or
+ *        behind a jump of the clock: the next file -> ... -> drained and closed
+ *
+ * Not wanted: by its plan, or by the record key. A plan with events holds the last seconds in memory
+ * (held_frames.h); an event lets them go into the file before what comes.
  *
  * After frames were lost, pictures are passed over up to the next key frame. A file that cannot be
- * written is given up; at a key frame some seconds later the next one is tried.
+ * written is given up; at a key frame ten seconds later the next one is tried. While the disk writer's
+ * queue is full, frames stay where they are, and are overwritten there.
  *
- * Threads: the camera's thread puts into video() and sound(); a thread of the recording takes out
- * and writes; start() and finish() from one other.
+ * Threads: the camera's thread puts; a thread of the recording takes out, muxes and queues; start()
+ * and finish() from one other; the rest from any.
  */
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 
 #include "record/container_file.h"
+#include "record/disk_writer.h"
+#include "record/frame_route.h"
+#include "record/held_frames.h"
 #include "record/parameter_sets.h"
-#include "record/pool_reader.h"
+#include "record/plan.h"
+#include "record/recording_status.h"
 #include "record/segment.h"
 #include "record/summary.h"
 
@@ -31,62 +43,126 @@ struct RecordOptions {
     std::string directory;
     Container container = Container::kMp4;
     int segment_s = kHour_s; /* length of a file */
+    RecordingPlan plan;
 };
+
+/** What the record key says. */
+enum class RecordOrder { kAsPlanned, kStart, kStop };
 
 class Recording
 {
 public:
     using ErrorHandler = std::function<void(const std::string &line)>;
+    /** A time of day inside of a file of which nothing is kept. Called from the recording's thread. */
+    using GapHandler = std::function<void(int64_t from_us, int64_t to_us, const std::string &why)>;
 
     /**
      * @param stream    kMain or kNetwork; sound belongs to the main stream
-     * @param on_error  called from the recording's thread
+     * @param on_error  called from the recording's thread, and from finish()
      */
-    Recording(int channel, PoolStream stream, const RecordOptions &options, ErrorHandler on_error);
+    Recording(int channel, PoolStream stream, const RecordOptions &options, DiskWriter &writer,
+              ErrorHandler on_error, GapHandler on_gap = {});
     ~Recording();
 
     /** Begin to read. Before anything is put. */
     void start();
 
-    /** Nothing will be put any more: write what the pool still holds, end the file, end the thread. */
+    /** Nothing will be put any more: queue what is still there, end the file, end the thread. */
     void finish();
 
-    PoolReader &video() { return video_; }
-    PoolReader &sound() { return sound_; }
+    /** After finish(), and that of the disk writer: see what became of the last files. */
+    void settle();
 
-    /** After finish(): one row for the pictures, and one for the sound if there was any. */
+    /** For the camera's thread. */
+    FrameRoute &video() { return video_; }
+    void put(const SoundBlock &block);
+    void put(const SoundPacket &packet);
+    void wait_for_sound_reader();
+
+    /** Something happened: a plan with events records from its seconds before it on. */
+    void begin_event();
+    void set_order(RecordOrder order);
+    void set_plan(const RecordingPlan &plan);
+
+    RecordingStatus status() const;
+    bool runs() const { return state_ == RecordingState::kRuns; }
+    Clock::time_point heartbeat_deadline() const;
+
+    /** After finish(), and that of the disk writer: a row for the pictures, and one for sound if any came. */
     std::vector<RecordingReport> reports() const;
-    bool failed() const { return !report_.trouble.empty(); }
+    bool failed() const;
 
 private:
     void run();
+    void take_frames();
+    bool is_wanted(int64_t wall_us) const;
+    bool waits_for_sound(const PoolFrame &frame);
+    int64_t held_before_us() const;
+    RecordingPlan plan() const;
+    void handle(PoolFrame frame);
+    void let_held_go();
+    void catch_up();
     void write_picture(const PoolFrame &frame);
     bool needs_file(const PoolFrame &frame, const TrackFacts &facts) const;
+    std::shared_ptr<const SoundFormat> sound_of(const StreamFacts &facts) const;
     void begin_file(const PoolFrame &frame, const TrackFacts &facts);
+    std::string intended_path(const OutputFile &output) const;
     void end_file();
-    void fail(const std::string &reason);
+    void pass_output();
+    void look_for_trouble();
+    void note_trouble(const std::string &path, const std::string &reason);
+    void fail(const std::string &path, const std::string &reason);
+    void take_sound();
     void write_sound(int64_t until_us);
-    void write_block(const PoolFrame &block);
+    bool write_block(const PoolFrame &block);
+    void note_state();
 
     const int channel_;
     const bool carries_sound_;
     const RecordOptions options_;
+    DiskWriter &writer_;
     const ErrorHandler on_error_;
-    PoolEvent event_;
-    PoolReader video_;
-    PoolReader sound_;
+    const GapHandler on_gap_;
+    const std::string stream_;
+    const std::shared_ptr<PoolEvent> event_ =
+        std::make_shared<PoolEvent>(); /* the disk writer sets it, too */
+    FrameRoute video_;
+    std::optional<PoolReader> sound_pool_;       /* A-law */
+    PacketQueue sound_queue_;                    /* as sent; and A-law of channels that the pools have not */
+    std::shared_ptr<const SoundCodec> codec_;    /* of the last packet; the camera's thread only */
+    std::shared_ptr<const SoundFormat> as_sent_; /* the same as files have it; null = they do not */
     std::thread thread_;
+    const std::shared_ptr<OutputTally> tally_ = std::make_shared<OutputTally>();
+
+    std::atomic<bool> closing_ = false;
+    std::atomic<Clock::rep> event_until_ = INT64_MIN; /* ticks of the clock */
+    std::atomic<RecordOrder> order_ = RecordOrder::kAsPlanned;
+    std::atomic<RecordingState> state_ = RecordingState::kWaiting;
+    std::atomic<Clock::rep> heartbeat_deadline_ = INT64_MAX;
+    std::atomic<bool> sends_recordable_ = false; /* the camera's sound, as it is */
+    std::atomic<uint64_t> passed_over_ = 0;      /* pictures without a file */
 
     /* The recording's thread only; read by others after finish(). */
     ContainerFile file_;
-    int64_t slot_ = 0; /* of the open file */
+    std::shared_ptr<OutputFile> output_;             /* of the open file */
+    Segment segment_;                                /* likewise         */
+    std::vector<std::shared_ptr<OutputFile>> ended_; /* and not closed yet, as far as is known */
     std::vector<uint8_t> parameter_sets_;
     bool waits_for_key_ = true;
-    int64_t last_taken_at_us_ = 0;      /* wall clock                  */
-    int64_t try_again_at_us_ = 0;       /* wall clock, after a failure */
-    std::deque<PoolFrame> early_sound_; /* of the file that comes next */
-    RecordingReport report_;
-    uint64_t sound_written_ = 0, sound_skipped_ = 0;
+    int64_t last_wall_us_ = 0;    /* of the last frame in the open file            */
+    int64_t clock_offset_us_ = 0; /* time of day less monotonic time, as it began  */
+    Clock::time_point try_again_at_ = Clock::time_point::min();
+    HeldFrames held_{kMostHeld_bytes};
+    bool sound_is_known_ = false, waiting_for_sound_ = false;
+    std::shared_ptr<const SoundFormat> sent_sound_; /* null = A-law, or none */
+    std::deque<PoolFrame> early_sound_;             /* of pictures that come */
+    uint64_t sent_taken_ = 0, alaw_taken_ = 0;      /* sound                 */
+
+    mutable std::mutex lock_; /* guards what follows */
+    RecordingPlan plan_;
+    std::string trouble_; /* the last one: path and reason */
+    std::string said_reason_;
+    std::shared_ptr<OutputFile> shown_output_; /* for status() */
 };
 
 } // namespace nvrec

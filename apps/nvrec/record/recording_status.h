@@ -32,7 +32,7 @@ struct RecordingStatus {
     uint64_t written = 0;         /* frames that are in a file                                     */
     uint64_t lost = 0;            /* overwritten before they were read                             */
     uint64_t refused = 0;         /* too large for pool and packet queue                           */
-    uint64_t skipped = 0;         /* read, and in no file                                          */
+    uint64_t skipped = 0;         /* read, and before a key frame or without a file */
     uint64_t pool_laps = 0;       /* times that reading went on behind lost frames                 */
     uint64_t bytes = 0;           /* in files                                                      */
     std::string last_error;       /* empty = none yet                                              */
@@ -52,6 +52,14 @@ struct DiskStatus {
     uint64_t queued_bytes = 0; /* that wait for it                             */
     uint64_t queue_limit_bytes = 0;
     std::string trouble; /* what to show to the user; empty = none        */
+
+    /* Where an index is kept. */
+    int64_t recorded_bytes = -1; /* of all recordings in the directory; -1 = not known */
+    int64_t oldest_us = 0;       /* time of day of the oldest; 0 = there is none       */
+    int64_t free_bytes = -1;     /* of the disk; -1 = not known                        */
+    double left_h = -1;          /* until it is full at the rate so far; -1 = not known */
+    uint64_t recycled_files = 0; /* that retention deleted                             */
+    std::string retention_trouble;
 };
 
 /** Whoever records, as others see it. */

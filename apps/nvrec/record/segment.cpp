@@ -20,11 +20,27 @@ tm local_time(int64_t wall_clock_us)
     return parts;
 }
 
+/* Whether clocks were set back less than that ago, and showed this time then. */
+bool has_been_before(int64_t wall_clock_us)
+{
+    constexpr int64_t kLongestShift_us = 3 * 3600 * kSecond_us;
+    const long offset_s = local_time(wall_clock_us).tm_gmtoff;
+    const long offset_before_s = local_time(wall_clock_us - kLongestShift_us).tm_gmtoff;
+    if (offset_before_s <= offset_s) return false;
+    const int64_t first_us = wall_clock_us - (offset_before_s - offset_s) * kSecond_us;
+    return local_time(first_us).tm_gmtoff == offset_before_s;
+}
+
 } // namespace
 
 int64_t segment_slot(int64_t wall_clock_us, int segment_s)
 {
     return (wall_clock_us / kSecond_us + local_time(wall_clock_us).tm_gmtoff) / segment_s;
+}
+
+Segment segment_of(int64_t wall_clock_us, int segment_s)
+{
+    return {segment_slot(wall_clock_us, segment_s), local_time(wall_clock_us).tm_gmtoff};
 }
 
 std::string segment_name(int channel, const std::string &stream, int64_t wall_clock_us)
@@ -34,7 +50,9 @@ std::string segment_name(int channel, const std::string &stream, int64_t wall_cl
     std::strftime(time_text, sizeof time_text, "%Y%m%d-%H%M%S", &parts);
     char name[80];
     std::snprintf(name, sizeof name, "ch%02d-%s-%s", channel, stream.c_str(), time_text);
-    return name;
+    if (!has_been_before(wall_clock_us)) return name;
+    std::strftime(time_text, sizeof time_text, "%z", &parts);
+    return std::string(name) + time_text;
 }
 
 std::string free_segment_path(const std::string &directory, const std::string &name,

@@ -15,10 +15,24 @@ namespace nvrec
 
 constexpr int kHour_s = 3600;
 
-/** The slot that a time lies in; two times in one file have the same. */
+/** The slot that a time lies in, by its number of local time. */
 int64_t segment_slot(int64_t wall_clock_us, int segment_s);
 
-/** "ch03-main-20261121-140000", without directory and ending. */
+/**
+ * Two times in one file have the same. At the end of daylight saving an hour of local time comes a
+ * second time, with the same numbers and another distance from UTC.
+ */
+struct Segment {
+    int64_t slot = 0;
+    long utc_offset_s = 0;
+    bool operator==(const Segment &) const = default;
+};
+Segment segment_of(int64_t wall_clock_us, int segment_s);
+
+/**
+ * "ch03-main-20261121-140000", without directory and ending. A local time that has been before has
+ * its distance from UTC behind it: "ch03-main-20261025-020000+0100".
+ */
 std::string segment_name(int channel, const std::string &stream, int64_t wall_clock_us);
 
 /** A path of that name in the directory that is not taken: "-2", "-3" ... behind it where needed. */

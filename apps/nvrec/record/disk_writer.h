@@ -1,0 +1,117 @@
+/*
+ * disk_writer.h - the one thread that touches the recordings' disk, and the queue in front of it.
+ *
+ *   recordings --append--> [ chunks, bounded in bytes ] --> write -> sync within a second -> close
+ *
+ * The queue rides out a disk that stands still for ten seconds while eight cameras of 4 Mbit/s are
+ * recorded. When it is full, recordings leave their frames in the frame pools, which overwrite their
+ * oldest ones and count them. A recording adds the chunk at hand whatever the queue holds, so the
+ * bound may be exceeded by one chunk a recording.
+ *
+ * A chunk is written whole, or the file is cut back to where it stood: what a file holds can be
+ * played. A full disk is asked for room (free_space) before a file is given up. A file without a name,
+ * because it or its directory was deleted, is given up, and what is in it does not count as written.
+ *
+ * A call that has not come back for two seconds means that the disk hangs. Nothing can wake a thread
+ * that waits for a disk, so finish() leaves it to the end of the process: what the thread needs lives
+ * as long as the thread.
+ *
+ * Threads: one of its own; append() and the like on any.
+ */
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "host/clock.h"
+#include "record/container_file.h"
+#include "record/file_system.h"
+#include "record/output_file.h"
+#include "record/recording_status.h"
+
+namespace nvrec
+{
+
+constexpr uint64_t kMostQueued_bytes = 48u << 20; /* 10 s of 8 cameras of 4 Mbit/s are 40 MB   */
+constexpr auto kDiskHangsAfter = std::chrono::seconds(2);
+
+/** Who keeps books of files. Called on the disk writer's thread; must not wait for anything. */
+struct OutputEvents {
+    std::function<void(const std::string &path, const OutputFile &)> begun;
+    std::function<void(const std::string &path, int64_t until_us, uint64_t bytes)> grown; /* time of day */
+    std::function<void(const std::string &path, int64_t until_us, uint64_t bytes)> ended;
+    std::function<void(const std::string &path)> removed; /* there is nothing in it */
+};
+
+struct DiskWriterOptions {
+    std::string directory;
+    std::shared_ptr<FileSystem> files = std::make_shared<FileSystem>();
+
+    /** Holds the directory and mends what is torn in it, instead of the disk writer. @return why not */
+    std::function<std::string()> hold_directory;
+
+    /** Make room of so many bytes, for instance by recycling; false = there is none to make. */
+    std::function<bool(uint64_t bytes)> free_space;
+    OutputEvents events;
+    std::function<void()> on_news; /* take_lines() or the status have something new */
+    uint64_t most_queued_bytes = kMostQueued_bytes;
+};
+
+class DiskWriter
+{
+public:
+    explicit DiskWriter(DiskWriterOptions options);
+    ~DiskWriter();
+    DiskWriter(const DiskWriter &) = delete;
+    DiskWriter &operator=(const DiskWriter &) = delete;
+
+    /** Append to a file; its first chunk creates it. `until_us` is the time of day at the chunk's end. */
+    void append(const std::shared_ptr<OutputFile> &file, FileChunk chunk, int64_t until_us);
+
+    /** Nothing will be appended any more. */
+    void end(const std::shared_ptr<OutputFile> &file);
+
+    /** Wait while the queue is full. @return false once `given_up` says so; wake_waiting() has it asked. */
+    bool wait_for_room(const std::function<bool()> &given_up);
+    void wake_waiting();
+
+    /** Wait until all that was queued has been dealt with; for tests and producers that may wait. */
+    void wait_until_idle();
+
+    /** What is left when the disk does not answer. */
+    struct Leftover {
+        uint64_t pictures = 0, bytes = 0;
+        std::vector<std::string> paths; /* as far as they have one */
+    };
+
+    /**
+     * Write what is queued and end the thread. A disk that does not answer is waited for a second, one
+     * that is slow as long as it takes, up to half a minute.
+     * @return true = all was dealt with
+     */
+    bool finish(Leftover *leftover);
+
+    DiskStatus status() const;
+
+    /** Age of the oldest bytes of a file that wait. */
+    double lag_s(const OutputFile &file) const;
+
+    /** The directory could not be made or held; empty = it could. Whole after the first chunk. */
+    std::string directory_trouble() const;
+
+    /** Lines for the user that came up since. */
+    std::vector<std::string> take_lines();
+
+    /** When the thread comes back from the call that it makes now, at the latest; max() = it makes none. */
+    Clock::time_point heartbeat_deadline() const;
+
+private:
+    struct State;
+    std::shared_ptr<State> state_;
+    std::thread thread_;
+};
+
+} // namespace nvrec

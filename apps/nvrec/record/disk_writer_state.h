@@ -1,0 +1,90 @@
+/* disk_writer_state.h - what the disk writer and its thread share; the thread may outlive the writer. */
+#pragma once
+
+#include <deque>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "record/disk_writer.h"
+
+namespace nvrec
+{
+
+struct DiskWriter::State {
+    struct Job {
+        std::shared_ptr<OutputFile> file;
+        FileChunk chunk;
+        uint64_t bytes = 0;
+        int64_t until_us = 0;
+        bool end = false;
+        Clock::time_point queued_at;
+    };
+
+    /* A file that is open. The thread's own. */
+    struct Open {
+        std::shared_ptr<OutputFile> file;
+        std::string path;
+        int descriptor = -1;
+        int64_t size = 0; /* whole: up to the last chunk */
+        uint64_t pictures = 0, sounds = 0;
+        int64_t until_us = 0; /* time of day */
+        std::optional<Clock::time_point> unsynced_since;
+    };
+
+    DiskWriterOptions options; /* not changed behind the start; hooks under hooks_lock */
+
+    mutable std::mutex lock; /* guards what follows */
+    Condition work, room, done;
+    std::deque<Job> queue; /* the one at hand stays in front until it is dealt with */
+    uint64_t queued_bytes = 0;
+    bool closing = false, exited = false, abandoned = false;
+    std::optional<Clock::time_point> call_began; /* of the call to the disk under way */
+    uint64_t calls = 0;                          /* that came back                    */
+    DiskState trouble = DiskState::kGood;        /* beside a hanging call             */
+    Clock::time_point trouble_since;
+    std::string trouble_text, directory_trouble;
+    std::vector<std::string> lines;
+
+    std::mutex hooks_lock; /* held while a hook is called; taken before lock */
+
+    void add(Job job);
+    bool idle() const { return queue.empty() && !call_began; }
+    DiskStatus status(Clock::time_point now) const;
+    Clock::time_point waits_since(const OutputFile &file) const;
+    Leftover leftover() const;
+
+    /* The thread's. */
+    void run();
+
+private:
+    void prepare();
+    std::string hold_directory();
+    void repair_torn_files();
+    void deal_with(Job &job);
+    void append(Job &job);
+    int create(Open &open, std::string *problem);
+    int write_with_room(Open &open, const Job &job);
+    bool is_abandoned() const;
+    bool make_room(uint64_t bytes);
+    int write(const Open &open, const FileChunk &chunk);
+    void give_up(Open &open, int error, const std::string &problem);
+    void end(const OutputFile &file);
+    void close(Open &open);
+    void remove_empty(const Open &open);
+    void sync_old();
+    void sync(Open &open);
+    Open *find(const OutputFile &file);
+    void set_trouble(DiskState state, const std::string &text);
+    void say(const std::string &line);
+    template <typename Call> auto timed(Call call);
+    template <typename Hook, typename... Arguments> void tell(const Hook &hook, Arguments &&...arguments);
+
+    std::vector<std::unique_ptr<Open>> open_;
+    int directory_ = -1;   /* held for this process              */
+    bool is_held_ = false; /* by it, or by who was asked to do so */
+};
+
+} // namespace nvrec

@@ -1,0 +1,221 @@
+/* recording_files.cpp - see recording.h: frames into files, and files that fail. */
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+#include "archive/time_of_day.h"
+#include "record/recording.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr auto kRetry = std::chrono::seconds(10);
+constexpr int64_t kClockJump_us = 2'000'000; /* of the time of day against the monotonic clock */
+constexpr int64_t kGap_us = 2'000'000;       /* more without a picture is told to the index        */
+constexpr size_t kMostEarlySound = 3000;
+
+/* What changes when the clock is set. */
+int64_t clock_offset_us()
+{
+    return wall_now_us() - Clock::now().time_since_epoch().count();
+}
+
+} // namespace
+
+void Recording::write_picture(const PoolFrame &frame)
+{
+    look_for_trouble();
+    if (frame.after_gap) waits_for_key_ = true;
+    if (frame.key) {
+        std::vector<uint8_t> sets = parameter_sets_of(frame.bytes, frame.facts.codec);
+        if (!sets.empty()) parameter_sets_ = std::move(sets); /* not every key frame repeats them */
+        const TrackFacts facts = {frame.facts, parameter_sets_, sound_of(frame.facts)};
+        waits_for_key_ = false;
+        if (needs_file(frame, facts)) begin_file(frame, facts);
+    }
+    if (waits_for_key_ || !file_.is_open()) {
+        ++passed_over_;
+        return;
+    }
+    write_sound(frame.dts_us);
+    if (!file_.is_open()) return;
+    if (!file_.write_video(frame.bytes, frame.pts_us, frame.dts_us, frame.key)) {
+        fail(intended_path(*output_), file_.error());
+        return;
+    }
+    if (on_gap_ && last_wall_us_ != 0 && frame.taken_at_us - last_wall_us_ > kGap_us)
+        on_gap_(last_wall_us_, frame.taken_at_us, frame.after_gap ? "lost" : "no video");
+    last_wall_us_ = frame.taken_at_us;
+    pass_output();
+}
+
+std::shared_ptr<const SoundFormat> Recording::sound_of(const StreamFacts &facts) const
+{
+    if (!carries_sound_) return nullptr;
+    if (sent_sound_) return sent_sound_;
+    return facts.sound ? pool_sound_format() : nullptr;
+}
+
+bool Recording::needs_file(const PoolFrame &frame, const TrackFacts &facts) const
+{
+    if (!file_.is_open()) return Clock::now() >= try_again_at_;
+    return segment_of(frame.taken_at_us, options_.segment_s) != segment_ || !(facts == file_.facts()) ||
+           std::abs(clock_offset_us() - clock_offset_us_) > kClockJump_us;
+}
+
+/* The disk writer chooses another one where it is taken. */
+std::string Recording::intended_path(const OutputFile &output) const
+{
+    return options_.directory + "/" + output.name + output.ending;
+}
+
+void Recording::begin_file(const PoolFrame &frame, const TrackFacts &facts)
+{
+    write_sound(frame.dts_us); /* what belongs to the file before it */
+    end_file();
+    if (facts.parameter_sets.empty()) return; /* nobody could play it */
+    auto output = std::make_shared<OutputFile>();
+    output->channel = channel_;
+    output->stream = stream_;
+    output->name = segment_name(channel_, stream_, frame.taken_at_us);
+    output->ending = file_ending(options_.container);
+    output->from_us = frame.taken_at_us;
+    output->tally = tally_;
+    output->given_up = event_;
+    if (!file_.open(options_.container, facts, frame.dts_us)) {
+        fail(intended_path(*output), file_.error());
+        return;
+    }
+    segment_ = segment_of(frame.taken_at_us, options_.segment_s);
+    last_wall_us_ = 0;
+    clock_offset_us_ = clock_offset_us();
+    output_ = output;
+    pass_output(); /* a directory that takes no file is known at once */
+    const std::scoped_lock guard(lock_);
+    shown_output_ = output_;
+}
+
+/* What libavformat has made of the file, to the disk writer. */
+void Recording::pass_output()
+{
+    FileChunk chunk = file_.take_output();
+    if (chunk.empty()) return;
+    const int64_t until_us = output_->from_us + (chunk.until_us - file_.origin_us());
+    writer_.append(output_, std::move(chunk), until_us);
+}
+
+void Recording::end_file()
+{
+    if (!output_) return;
+    if (file_.is_open()) {
+        const bool ended = file_.close();
+        pass_output();
+        if (!ended) fail(intended_path(*output_), file_.error());
+    }
+    if (!output_) return;
+    writer_.end(output_);
+    ended_.push_back(std::move(output_));
+    output_.reset();
+}
+
+/* Whether the disk writer has given the file up, or one whose end it still had to write. */
+void Recording::look_for_trouble()
+{
+    if (output_) {
+        const OutputFile::Trouble trouble = output_->trouble();
+        if (trouble.kind != OutputTrouble::kNone) fail(trouble.path, trouble.reason);
+    }
+    std::erase_if(ended_, [this](const std::shared_ptr<OutputFile> &output) {
+        const bool closed = output->closed; /* first: what it is in trouble for is known then */
+        const OutputFile::Trouble trouble = output->trouble();
+        if (trouble.kind == OutputTrouble::kNone) return closed;
+        note_trouble(trouble.path, trouble.reason);
+        return true;
+    });
+}
+
+void Recording::settle()
+{
+    look_for_trouble();
+}
+
+/* Said once a reason, not once a try. */
+void Recording::note_trouble(const std::string &path, const std::string &reason)
+{
+    const std::string line = path + ": " + reason;
+    bool is_new = false;
+    {
+        const std::scoped_lock guard(lock_);
+        is_new = std::exchange(said_reason_, reason) != reason;
+        trouble_ = line;
+    }
+    if (is_new) on_error_("not recorded: " + line);
+}
+
+/* The file at hand cannot be written. */
+void Recording::fail(const std::string &path, const std::string &reason)
+{
+    note_trouble(path, reason);
+    try_again_at_ = Clock::now() + kRetry;
+    file_.discard();
+    if (output_) writer_.end(output_);
+    output_.reset();
+}
+
+void Recording::take_sound()
+{
+    if (!carries_sound_) return;
+    if (!sends_recordable_) sent_sound_.reset(); /* it was another one before */
+    PoolFrame block;
+    while (sound_pool_ && sound_pool_->take(&block)) {
+        ++alaw_taken_;
+        if (!sent_sound_) early_sound_.push_back(std::move(block));
+    }
+    while (sound_queue_.take(&block)) {
+        if (block.sound) {
+            ++sent_taken_;
+            if (!sent_sound_) early_sound_.clear(); /* A-law of the same */
+            if (!sent_sound_ || !(*sent_sound_ == *block.sound)) sent_sound_ = block.sound;
+        }
+        if (block.sound || !sent_sound_) early_sound_.push_back(std::move(block));
+    }
+    while (early_sound_.size() > kMostEarlySound)
+        early_sound_.pop_front();
+}
+
+/* Write the sound that is there, as far as it lies before a time; the rest waits for the next file. */
+void Recording::write_sound(int64_t until_us)
+{
+    while (!early_sound_.empty() && early_sound_.front().pts_us < until_us) {
+        write_block(early_sound_.front());
+        early_sound_.pop_front();
+    }
+}
+
+bool Recording::write_block(const PoolFrame &block)
+{
+    if (!file_.is_open() || !file_.facts().sound || block.pts_us < file_.origin_us()) return false;
+    const SoundFormat &wanted = block.sound ? *block.sound : *pool_sound_format();
+    if (!(wanted == *file_.facts().sound)) return false; /* the next file has a place for it */
+    if (!file_.write_sound(block.bytes, block.pts_us, block.duration_us)) {
+        fail(intended_path(*output_), file_.error());
+        return false;
+    }
+    pass_output();
+    return true;
+}
+
+void Recording::note_state()
+{
+    if (output_)
+        state_ = RecordingState::kRuns;
+    else if (!is_wanted(wall_now_us()))
+        state_ = RecordingState::kOff;
+    else
+        state_ =
+            Clock::now() < try_again_at_ || failed() ? RecordingState::kFailing : RecordingState::kWaiting;
+}
+
+} // namespace nvrec
