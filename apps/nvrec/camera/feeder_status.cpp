@@ -3,6 +3,7 @@
 
 #include <cstdlib>
 
+#include "camera/shown_channels.h"
 #include "wall/text.h"
 
 namespace nvrec
@@ -27,7 +28,7 @@ void Feeder::count(const AccessUnit &unit, bool accepted)
 void Feeder::note_handed_on(const AccessUnit &unit, bool accepted)
 {
     meter_.handed_on(unit.key, accepted);
-    if (accepted && unit.key) waits_for_key_.store(false, std::memory_order_relaxed);
+    if (accepted && unit.key && is_decoded(channel_)) waits_for_key_.store(false, std::memory_order_relaxed);
 }
 
 /* Whatever libavformat says may hold the address that it was given. */

@@ -14,6 +14,7 @@
 
 #include "camera/decoder_codec.h"
 #include "camera/kept_out.h"
+#include "camera/shown_channels.h"
 #include "nvrhal.h"
 
 namespace nvrec
@@ -101,12 +102,14 @@ int32_t Feeder::take_from_sub(const AccessUnit &unit, const StreamFacts &facts)
     const bool kept_out = is_kept_out(channel_);
     const int32_t result = send_to_decoder(unit, facts);
     count(unit, result == 0);
-    if (result == 0 && unit.key) waits_for_key_.store(false, std::memory_order_relaxed);
+    if (result == 0 && unit.key && is_decoded(channel_)) waits_for_key_.store(false, std::memory_order_relaxed);
     return kept_out || is_kept_out(channel_) ? 0 : result;
 }
 
 int32_t Feeder::send_to_decoder(const AccessUnit &unit, const StreamFacts &facts)
 {
+    /* A frame of another codec goes on, so that the decoder changes before it is shown. */
+    if (decoder_codec_ == facts.codec && is_held_back(channel_)) return 0;
     FrameInfo frame = {};
     frame.frame_type = unit.key ? 1 : 0;
     frame.media = FRAME_MEDIA_VIDEO;

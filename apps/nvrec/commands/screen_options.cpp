@@ -55,6 +55,23 @@ void add_screen_options(CLI::App &command, WallOptions &options)
         .add_option("-d,--duration", options.duration_s, "End after so many seconds; 0 = when the inputs end")
         ->check(from_zero_on())
         ->capture_default_str();
+    command
+        .add_option_function<std::vector<std::string>>(
+            "--aspect",
+            [&options](const std::vector<std::string> &texts) {
+                for (const std::string &text : texts)
+                    add_aspect(options.aspect, text);
+            },
+            "How pictures of another shape than their pane are shown: fit (whole, with bars) or stretch; "
+            "CH=fit or CH=stretch for one channel; may be repeated")
+        ->take_all()
+        ->allow_extra_args(false)
+        ->check([](const std::string &text) {
+            AspectOptions ignored;
+            return add_aspect(ignored, text) ? std::string()
+                                             : "not fit, stretch, CH=fit or CH=stretch: " + text;
+        })
+        ->default_str("fit");
     command.add_option("--window", options.window, "Open a window: auto (when there is a screen), on, off")
         ->transform(CLI::CheckedTransformer(kWindowModees, CLI::ignore_case))
         ->default_str("auto");

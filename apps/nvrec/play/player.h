@@ -78,7 +78,7 @@ public:
 
     bool playing() const { return playing_; }
     /** Width and height of the file that plays on a channel; zeros = none does. */
-    std::pair<uint32_t, uint32_t> picture_size(int channel) const;
+    std::pair<uint32_t, uint32_t> picture_size(int channel) const override;
 
 private:
     int pages() const;

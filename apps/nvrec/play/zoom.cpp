@@ -107,7 +107,7 @@ Clock::time_point Zoom::take_turn(Clock::time_point /*now*/)
     return Clock::time_point::max();
 }
 
-std::pair<uint32_t, uint32_t> Zoom::picture_size(int channel) const
+std::pair<uint32_t, uint32_t> Zoom::size_of_picture(int channel) const
 {
     if (size_of_) {
         const auto size = size_of_(channel);
@@ -123,7 +123,7 @@ std::string Zoom::begin(int channel, const ZoomRect &rect)
 {
     if (channel < 0 || channel >= wall_->session().channels())
         return "there is no channel " + std::to_string(channel);
-    const auto [width, height] = picture_size(channel);
+    const auto [width, height] = size_of_picture(channel);
     if (width == 0 || height == 0) return "channel " + std::to_string(channel) + " has no picture";
     if (rect.x + rect.w > static_cast<int>(width) || rect.y + rect.h > static_cast<int>(height))
         return "the part leaves the picture of " + std::to_string(width) + " x " + std::to_string(height);

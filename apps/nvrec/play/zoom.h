@@ -82,7 +82,7 @@ public:
     bool zoomed() const { return channel_ >= 0; }
 
 private:
-    std::pair<uint32_t, uint32_t> picture_size(int channel) const;
+    std::pair<uint32_t, uint32_t> size_of_picture(int channel) const;
     bool begin(int channel, const ZoomWindow &window);
     bool show(const ZoomWindow &window);
     bool apply();

@@ -14,6 +14,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "camera/feeder.h"
@@ -134,6 +135,9 @@ public:
 
     /** End as if the user had asked; the first exit code other than 0 stays. */
     virtual void end(int exit_code) = 0;
+
+    /** Someone at the screen wants to end: he is asked first while something records. */
+    virtual void end_by_user() { end(0); }
 };
 
 /**
@@ -176,6 +180,12 @@ public:
 
     /** The panes or the selection have changed. */
     virtual void on_layout() {}
+
+    /** Width and height of the picture that it shows on a channel instead of the camera's; zeros = none. */
+    virtual std::pair<uint32_t, uint32_t> picture_size(int /*channel*/) const { return {0, 0}; }
+
+    /** Someone at the screen wants to end while something records. @return true = he is asked. */
+    virtual bool ask_whether_to_end() { return false; }
 
     /** Where it stands among those that take keys and mouse events; asked for each of them. */
     virtual InputLayer input_layer() const { return InputLayer::kTools; }

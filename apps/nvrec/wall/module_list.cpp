@@ -84,6 +84,23 @@ bool ModuleList::busy() const
     return std::any_of(modules_.begin(), modules_.end(), [](const auto &module) { return module->busy(); });
 }
 
+std::pair<uint32_t, uint32_t> ModuleList::picture_size(int channel) const
+{
+    for (const auto &module : modules_) {
+        const auto size = module->picture_size(channel);
+        if (size.first > 0 && size.second > 0) return size;
+    }
+    return {0, 0};
+}
+
+bool ModuleList::ask_whether_to_end()
+{
+    for (size_t i = 0; i < started_; ++i) {
+        if (modules_[i]->ask_whether_to_end()) return true;
+    }
+    return false;
+}
+
 std::string ModuleList::progress(double seconds) const
 {
     for (const auto &module : modules_) {

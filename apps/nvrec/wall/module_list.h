@@ -45,6 +45,12 @@ public:
 
     bool busy() const;
 
+    /** The first size that one of them has for a channel; zeros = none. */
+    std::pair<uint32_t, uint32_t> picture_size(int channel) const;
+
+    /** @return true = one of them asks. */
+    bool ask_whether_to_end();
+
     /** The first progress line that one of them has; empty = none has. */
     std::string progress(double seconds) const;
 

@@ -1,8 +1,10 @@
 /* session.cpp - see session.h. */
 #include "wall/session.h"
 
+#include <algorithm>
 #include <utility>
 
+#include "camera/shown_channels.h"
 #include "nvrhal.h"
 
 namespace nvrec
@@ -16,6 +18,13 @@ constexpr OutputMode kModes[] = {
     {"1280x1024", 1280, 1280, 1024},
     {"1024x768", 1024, 1024, 768},
 };
+
+bool same_places(const std::vector<DispAttrib> &a, const std::vector<DispAttrib> &b)
+{
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const DispAttrib &p, const DispAttrib &q) {
+        return p.channel == q.channel && p.x == q.x && p.y == q.y && p.w == q.w && p.h == q.h;
+    });
+}
 
 } // namespace
 
@@ -58,10 +67,73 @@ bool Session::apply_single(int channel)
     return show(std::move(panes));
 }
 
+/* The frames of channels that go are held back from here on, and dropped by the library meanwhile. */
 bool Session::show(std::vector<DispAttrib> panes)
 {
     panes_ = std::move(panes);
-    return ext_change_display_format(panes_.data(), static_cast<int32_t>(panes_.size())) == 0;
+    uint32_t shown = 0;
+    for (const DispAttrib &pane : panes_)
+        shown |= 1u << pane.channel;
+    note_shown_channels(shown);
+    const bool single = panes_.size() == 1;
+    std::vector<DispAttrib> wanted = single ? panes_ : pictures();
+    if (ext_change_display_format(wanted.data(), static_cast<int32_t>(wanted.size())) != 0) return false;
+    open_library_mask();
+    if (single) wanted.front() = whole_screen(wanted.front());
+    placed_ = std::move(wanted);
+    return refit();
+}
+
+bool Session::set_shape(int channel, const PictureShape &shape)
+{
+    if (channel < 0 || static_cast<size_t>(channel) >= shapes_.size()) return false;
+    shapes_[static_cast<size_t>(channel)] = shape;
+    return !same_places(placed_, pictures());
+}
+
+/* Where the library puts a single pane, whatever its size. */
+DispAttrib Session::whole_screen(DispAttrib pane) const
+{
+    pane.x = pane.y = 0;
+    pane.w = static_cast<uint16_t>(mode_->width_px);
+    pane.h = static_cast<uint16_t>(mode_->height_px);
+    return pane;
+}
+
+DispAttrib Session::picture_in(const DispAttrib &pane) const
+{
+    return aspect_.of(pane.channel) == Aspect::kStretch ? pane : fitted(pane, shapes_[pane.channel]);
+}
+
+std::vector<DispAttrib> Session::pictures() const
+{
+    std::vector<DispAttrib> pictures;
+    pictures.reserve(panes_.size());
+    for (const DispAttrib &pane : panes_)
+        pictures.push_back(picture_in(pane));
+    return pictures;
+}
+
+std::optional<DispAttrib> Session::picture_of(int channel) const
+{
+    for (const DispAttrib &pane : panes_) {
+        if (pane.channel == channel) return picture_in(pane);
+    }
+    return std::nullopt;
+}
+
+/* Ports of every number are named, since those that are not would stay hidden in the next layout. */
+bool Session::refit()
+{
+    std::vector<DispAttrib> wanted = pictures();
+    if (same_places(placed_, wanted)) return true;
+    if (wanted.empty()) return true;
+    std::vector<DispAttrib> ports(static_cast<size_t>(channels_), wanted.front());
+    for (const DispAttrib &picture : wanted)
+        ports[picture.channel] = picture;
+    if (ext_change_zoom_format(ports.data(), static_cast<int32_t>(ports.size())) != 0) return false;
+    placed_ = std::move(wanted);
+    return true;
 }
 
 void Session::stop()

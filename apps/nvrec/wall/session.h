@@ -5,13 +5,23 @@
  * ext_send_stream, which gives the channel a decoder of the stream's codec; apply() then lays the
  * panes out and sets every decoder's output size. The other way round, a decoder that is recreated
  * for its codec after the layout would be neither bound to its pane nor sized for it.
+ *
+ * A pane is a part of the screen; the picture in it keeps its shape unless it is to be stretched. The
+ * library gives a single pane the whole screen, so a single picture of another shape is put into its
+ * place behind the layout, by the call that moves display ports without touching decoders. The same
+ * call follows a shape that becomes known later.
  */
 #pragma once
 
+#include <array>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "nvrhal/limits.h"
+#include "wall/aspect.h"
 #include "wall/layout.h"
 
 namespace nvrec
@@ -41,6 +51,15 @@ public:
     /** Put one channel alone on the whole screen. */
     bool apply_single(int channel);
 
+    /** How pictures are placed in their panes, from the next layout on. */
+    void set_aspect(AspectOptions options) { aspect_ = std::move(options); }
+
+    /** A channel's picture is of that shape now. @return true = refit() has something to do. */
+    bool set_shape(int channel, const PictureShape &shape);
+
+    /** Place the pictures of the layout that stands by their shapes; no decoder is flushed. */
+    bool refit();
+
     /** Take the pictures off the screen. Everything else runs until the process ends. */
     void stop();
 
@@ -51,12 +70,21 @@ public:
     int channels() const { return channels_; }
     const std::vector<DispAttrib> &panes() const { return panes_; }
 
+    /** Where a channel's picture lies in its pane; nothing = it has none. */
+    std::optional<DispAttrib> picture_of(int channel) const;
+
 private:
     bool show(std::vector<DispAttrib> panes);
+    DispAttrib whole_screen(DispAttrib pane) const;
+    DispAttrib picture_in(const DispAttrib &pane) const;
+    std::vector<DispAttrib> pictures() const;
 
     const OutputMode *mode_ = nullptr;
     int channels_ = 0;
     std::vector<DispAttrib> panes_;
+    std::vector<DispAttrib> placed_; /* the pictures, as the library shows them */
+    AspectOptions aspect_;
+    std::array<PictureShape, NVRHAL_MAX_CAMERAS> shapes_;
 };
 
 } // namespace nvrec

@@ -2,6 +2,7 @@
 #include "wall/wall.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/host.h"
 #include "record/recording_status.h"
@@ -12,6 +13,7 @@ namespace nvrec
 namespace
 {
 
+constexpr char kWindowTitle[] = "nvrec wall";
 constexpr auto kLongWait = std::chrono::hours(1);
 constexpr auto kWindowPeriod = std::chrono::milliseconds(16);
 constexpr auto kLateCamera = std::chrono::seconds(3); /* the others wait for a camera no longer */
@@ -30,6 +32,7 @@ Wall::Wall(const WallOptions &options)
     for (const std::string &picture : options_.pictures)
         orders_.push_back(picture_order(picture));
     const int channels = feeders_.empty() ? options_.channels : static_cast<int>(feeders_.size());
+    session_.set_aspect(options_.aspect);
     layout_ = layout_named(options_.layout).value_or(layout_for(channels));
 }
 
@@ -132,6 +135,7 @@ void Wall::make_decoder(Feeder &camera)
 /* Bring the panes on the screen as they are wanted now. */
 bool Wall::lay_out()
 {
+    take_shapes();
     modules_.before_layout();
     for (const auto &feeder : feeders_)
         feeder->expect_key();
@@ -183,6 +187,41 @@ void Wall::choose_streams()
         const bool large = pane != panes.end() && pane->w * 2 > session_.mode().width_px;
         feeder->want_stream(large ? StreamChoice::kMain : StreamChoice::kSub);
     }
+}
+
+/* What the pictures look like that the channels show now: a module's own, or the camera's. */
+bool Wall::take_shapes()
+{
+    bool differ = false;
+    for (int channel = 0; channel < session_.channels(); ++channel) {
+        auto [width, height] = modules_.picture_size(channel);
+        const auto index = static_cast<size_t>(channel);
+        if (width == 0 && index < feeders_.size() && feeders_[index]->opened()) {
+            const StreamFacts facts = feeders_[index]->facts();
+            width = facts.width_px;
+            height = facts.height_px;
+        }
+        differ |= session_.set_shape(channel, {width, height});
+    }
+    return differ;
+}
+
+/* The panes stay; only pictures move in them, and what modules draw about them. */
+void Wall::follow_shapes()
+{
+    if (!take_shapes()) return;
+    session_.refit();
+    modules_.on_layout();
+}
+
+/* The camera's thread. */
+void Wall::note_shape(int channel, const StreamFacts &facts)
+{
+    const uint64_t shape = static_cast<uint64_t>(facts.width_px) << 32 | facts.height_px;
+    const auto index = static_cast<size_t>(channel);
+    if (index >= noted_shapes_.size() || noted_shapes_[index].exchange(shape) == shape) return;
+    shapes_stale_ = true;
+    wakeup_.wake();
 }
 
 void Wall::show_layout(Layout layout)
@@ -237,6 +276,16 @@ std::vector<WatchedThread> Wall::watched_threads() const
     return watched_;
 }
 
+/* Whoever wants it again while he is asked knows what he does. */
+void Wall::end_by_user()
+{
+    if (recording_ && modules_.ask_whether_to_end()) {
+        wake();
+        return;
+    }
+    end(kExitDone);
+}
+
 void Wall::end(int exit_code)
 {
     note_exit_code(exit_code);
@@ -248,7 +297,7 @@ void Wall::open_window()
 {
     if (options_.window == WindowMode::kOff) return;
     if (options_.window == WindowMode::kAuto && !host::has_desktop()) return;
-    const std::string problem = host::open_window("nvrec wall");
+    const std::string problem = host::open_window(kWindowTitle);
     window_open_ = problem.empty();
     if (window_open_) return;
     terminal_.error(problem);
@@ -284,6 +333,7 @@ void Wall::start_feeding(Feeder &camera)
         wakeup_.wake();
     };
     events.unit = [this](int channel, const AccessUnit &unit, const StreamFacts &facts) {
+        if (unit.key) note_shape(channel, facts);
         modules_.on_unit(channel, unit, facts);
     };
     events.sound = [this](int channel, const SoundBlock &block) { modules_.on_audio(channel, block); };
@@ -291,6 +341,17 @@ void Wall::start_feeding(Feeder &camera)
         modules_.on_sound_packet(channel, packet);
     };
     camera.start(std::move(events));
+}
+
+/* A window that its user closes while something records comes back with a question in it. */
+void Wall::look_at_window()
+{
+    if (!window_open_ || host::refresh_window()) return;
+    end_by_user();
+    if (end_wanted_) return;
+    host::close_window();
+    window_open_ = host::open_window(kWindowTitle).empty();
+    if (!window_open_) end(kExitDone);
 }
 
 /*
@@ -318,12 +379,13 @@ void Wall::watch()
         wakeup_.wait_until(next);
 
         if (wakeup_.take_reload()) options_.reload();
-        if (window_open_ && !host::refresh_window()) end_wanted_ = true;
+        look_at_window();
         for (Feeder *camera : finished_openings()) {
             if (!changes_.contains(camera->channel())) add_late_camera(*camera);
         }
         make_changes();
         if (layout_stale_.exchange(false)) lay_out();
+        if (shapes_stale_.exchange(false)) follow_shapes();
         if (picture_s && seconds() >= *picture_s) take_due_pictures(*picture_s, false);
         if (Clock::now() >= progress_at) {
             terminal_.progress(progress_line());

@@ -12,6 +12,7 @@
  */
 #pragma once
 
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <functional>
@@ -48,6 +49,7 @@ struct WallOptions {
     std::string json_path;
     FeedOptions feed;
     bool wait_for_all = false; /* do not begin without the cameras that answer late */
+    AspectOptions aspect;      /* how pictures are placed in their panes           */
     int channels = 0;          /* at least so many, for modules that show pictures of their own */
 };
 
@@ -88,6 +90,7 @@ private:
     void watch_thread(WatchedThread thread) override;
     std::vector<WatchedThread> watched_threads() const override;
     void end(int exit_code) override;
+    void end_by_user() override;
 
     bool open_inputs();
     std::vector<Feeder *> finished_openings();
@@ -97,6 +100,10 @@ private:
     void start_feeding(Feeder &camera);
     bool show();
     void open_window();
+    void note_shape(int channel, const StreamFacts &facts);
+    bool take_shapes();
+    void follow_shapes();
+    void look_at_window();
     void start_feeding();
     void watch();
     bool lay_out();
@@ -138,6 +145,8 @@ private:
 
     std::atomic<int> running_ = 0;           /* feeders not at their end       */
     std::atomic<bool> layout_stale_ = false; /* a decoder was made anew        */
+    std::atomic<bool> shapes_stale_ = false; /* a camera's picture has changed its shape */
+    std::array<std::atomic<uint64_t>, NVRHAL_MAX_CAMERAS> noted_shapes_ = {}; /* width << 32 | height */
 };
 
 } // namespace nvrec
