@@ -4,7 +4,7 @@
  */
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <algorithm>
 #include <fstream>
 
 #include <unistd.h>
@@ -12,136 +12,16 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
-#include "nvrhal.h"
-#include "screen/overlay.h"
-#include "stand_in_wall.h"
+#include "overlay_board.h"
 
 using namespace nvrec;
+using namespace nvrec_test;
 
 namespace
 {
 
-constexpr int kCameras = 4;
-constexpr auto kSomeTime = std::chrono::seconds(1790000000); /* whole seconds of the epoch */
-
-/* A wall whose layouts are on the board's screen. */
-class NotingWall final : public nvrec_test::StandInWall
+class NvrecOverlay : public OverlayOnBoard
 {
-public:
-    void show_layout(Layout layout) override
-    {
-        StandInWall::show_layout(layout);
-        lay_out();
-    }
-    void enlarge(int channel) override
-    {
-        StandInWall::enlarge(channel);
-        lay_out();
-    }
-    void select(int channel) override
-    {
-        StandInWall::select(channel);
-        if (module) module->on_layout();
-    }
-    void wake() override { ++rings; }
-
-    void lay_out()
-    {
-        ASSERT_TRUE(enlarged() >= 0 ? session().apply_single(enlarged()) : session().apply(layout()));
-        if (module) module->on_layout();
-    }
-
-    Module *module = nullptr;
-    int rings = 0;
-};
-
-class NvrecOverlay : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(wall_.session().start(*output_mode_named("1920x1080"), kCameras));
-        wall_.lay_out();
-        options_.mode = OverlayMode::kOn;
-        options_.address = "http://192.0.2.10/";
-        options_.wall_time = [this] { return time_; };
-    }
-
-    void start()
-    {
-        overlay_ = std::make_unique<Overlay>(options_);
-        ASSERT_TRUE(overlay_->start(wall_));
-        wall_.module = overlay_.get();
-    }
-
-    static uint16_t pixel(int x, int y)
-    {
-        uint16_t value = 0;
-        const auto *memory = static_cast<const uint8_t *>(g_osd_info.mapped_address);
-        std::memcpy(&value, memory + static_cast<size_t>(y) * g_osd_info.fixed.line_length + 2 * x,
-                    sizeof value);
-        return value;
-    }
-
-    static std::vector<uint16_t> screen()
-    {
-        std::vector<uint16_t> pixels;
-        for (int y = 0; y < 1080; ++y)
-            for (int x = 0; x < 1920; ++x)
-                pixels.push_back(pixel(x, y));
-        return pixels;
-    }
-
-    /* Where two pictures of the screen differ. */
-    static Rect difference(const std::vector<uint16_t> &a, const std::vector<uint16_t> &b)
-    {
-        Rect all;
-        for (int y = 0; y < 1080; ++y)
-            for (int x = 0; x < 1920; ++x) {
-                const auto at = static_cast<size_t>(y * 1920 + x);
-                if (a[at] != b[at]) all = around(all, {x, y, 1, 1});
-            }
-        return all;
-    }
-
-    static bool inside(const Rect &inner, const Rect &outer) { return intersection(inner, outer) == inner; }
-
-    static void expect_frame(const Rect &pane, int thickness, Colour colour)
-    {
-        const int middle_x = pane.x + pane.w / 2, middle_y = pane.y + pane.h / 2;
-        for (int deep = 0; deep < thickness; ++deep) {
-            EXPECT_EQ(pixel(pane.x + deep, middle_y), pixel_of(colour));
-            EXPECT_EQ(pixel(pane.right() - 1 - deep, middle_y), pixel_of(colour));
-            EXPECT_EQ(pixel(middle_x, pane.y + deep), pixel_of(colour));
-            EXPECT_EQ(pixel(middle_x, pane.bottom() - 1 - deep), pixel_of(colour));
-        }
-        EXPECT_EQ(pixel(pane.x + thickness, middle_y), 0) << "the video begins here";
-        EXPECT_EQ(pixel(middle_x, pane.bottom() - 1 - thickness), 0);
-    }
-
-    void press(std::initializer_list<Key> keys)
-    {
-        for (const Key key : keys)
-            EXPECT_TRUE(overlay_->on_key(key));
-    }
-
-    /* Light that row of the open menu with the arrow keys. */
-    void light(MenuAction action, Layout layout = {})
-    {
-        const Menu &menu = *overlay_->menu();
-        for (size_t steps = 0; steps < menu.items().size(); ++steps) {
-            if (menu.chosen().action == action &&
-                (action != MenuAction::kLayout || menu.chosen().layout == layout))
-                return;
-            press({Key::kDown});
-        }
-        FAIL() << "the menu has no such row";
-    }
-
-    NotingWall wall_;
-    OverlayOptions options_;
-    ClockFace::Time time_{kSomeTime};
-    std::unique_ptr<Overlay> overlay_;
 };
 
 TEST_F(NvrecOverlay, BordersStandInsideThePanesAndTheSelectedOneIsHighlighted)
@@ -366,6 +246,23 @@ TEST(NvrecTexts, NamesComeInUtf8AndGb2312AndBothScripts)
     EXPECT_EQ(units_of("a\nb", ChineseScript::kAsTyped), u"a b");
     EXPECT_EQ(units_of("\xFF", ChineseScript::kAsTyped), u"") << "neither of both";
     EXPECT_EQ(units_of("", ChineseScript::kTraditional), u"");
+    EXPECT_EQ(units_of("Çatı Ωμέγα Двор 한옥 貓", ChineseScript::kAsTyped), u"Çatı Ωμέγα Двор 한옥 貓");
+    EXPECT_EQ(units_of("门 🐈 𠀀", ChineseScript::kTraditional), u"門 🐈 𠀀") << "beyond 16 bits";
+    for (const char *broken : {"\xF0\x9F\x90", "\xED\xA0\x80", "\xC0\x80", "\xF4\x90\x80\x80"})
+        EXPECT_FALSE(is_utf8(broken));
+}
+
+TEST(NvrecTexts, ACharacterThatTheFontLacksComesFromAnotherOrIsMarkedAsMissing)
+{
+    Font font;
+    ASSERT_EQ(font.open(find_font()), "");
+    for (const char16_t *text : {u"Ωμέγα", u"ឋ", u"🐈", u"\xD83D"}) { /* the last is half a character */
+        const Mask mask = font.render(text, 24, 500);
+        EXPECT_GT(mask.width, 0);
+        EXPECT_GT(std::ranges::count_if(mask.coverage, [](uint8_t ink) { return ink > 128; }), 5);
+    }
+    const Mask cut = font.render(u"🐈🐈🐈🐈🐈🐈🐈🐈🐈🐈🐈🐈🐈🐈🐈🐈🐈🐈🐈🐈", 24, 100);
+    EXPECT_LE(cut.width, 100);
 }
 
 TEST(NvrecCanvas, NoColourIsTheColourKey)

@@ -61,6 +61,21 @@ TEST_F(NvrecSnapshot, OfAChannelInLiveView)
     }
 }
 
+TEST_F(NvrecSnapshot, InTheCamerasOwnSize)
+{
+    for (const int channel : {0, 1}) { /* of both codecs */
+        ASSERT_EQ(snapshot({"--size", "camera", "--channel", std::to_string(channel)}), 0) << words_;
+        const Picture picture = read_picture(path());
+        ASSERT_EQ(picture.width, 640) << words_;
+        ASSERT_EQ(picture.height, 360);
+        const auto seen = stamp_in(picture, 0, 0, 640, 360);
+        ASSERT_TRUE(seen.has_value());
+        EXPECT_EQ(seen->channel, kFirstCamera + static_cast<unsigned>(channel));
+    }
+    EXPECT_EQ(file_text(path()).substr(0, 3), "\xFF\xD8\xFF") << "a JPEG file";
+    EXPECT_EQ(snapshot({"--size", "huge"}), 2);
+}
+
 TEST_F(NvrecSnapshot, OfAHiddenChannel)
 {
     const std::vector<std::string> inputs = {kCameras[0], kCameras[0], kCameras[0], kCameras[1]};
@@ -107,6 +122,12 @@ TEST_F(NvrecSnapshot, FromAScriptIntoTheSnapshotDirectory)
     const Picture picture = read_picture(path);
     ASSERT_EQ(picture.width, 352);
     EXPECT_EQ(stamp_in(picture, 0, 0, 352, 288).value_or(Stamp{}).channel, kFirstCamera + 1);
+
+    const std::string large = path.substr(0, path.size() - 4) + "-640x360.jpg";
+    EXPECT_NE(words_.find("snapshot of channel 1, 640x360: " + large), std::string::npos) << words_;
+    const Picture beside = read_picture(large);
+    ASSERT_EQ(beside.width, 640);
+    EXPECT_EQ(stamp_in(beside, 0, 0, 640, 360).value_or(Stamp{}).channel, kFirstCamera + 1);
 }
 
 TEST_F(NvrecSnapshot, OfACameraWithoutAPictureFails)

@@ -54,7 +54,8 @@ void expect_pane_shows(const Picture &picture, const Pane &pane, size_t colour)
 class NvrecWall : public testing::Test
 {
 protected:
-    /* Runs "nvrec wall" without a window, log, report and pictures in the scratch directory. */
+    /* Runs "nvrec wall" without a window, log, report and pictures in the scratch directory. The clips have
+     * another shape than the panes, which they are to fill. */
     int wall(std::vector<std::string> arguments)
     {
         Process process(command(std::move(arguments)));
@@ -70,7 +71,8 @@ protected:
         std::vector<std::string> whole = {NVREC_PROGRAM, "wall",
                                           "--window",    "off",
                                           "--log",       scratch_.file("log"),
-                                          "--json",      scratch_.file("report.json")};
+                                          "--json",      scratch_.file("report.json"),
+                                          "--aspect",    "stretch"};
         whole.insert(whole.end(), arguments.begin(), arguments.end());
         return whole;
     }
@@ -105,6 +107,38 @@ TEST_F(NvrecWall, FourCamerasOfBothCodecsEachInTheirOwnPane)
     EXPECT_NE(output_.find("codec"), std::string::npos) << "the closing table";
     EXPECT_EQ(output_.find("EEEEEE"), std::string::npos) << "the library's log stays out of it";
     EXPECT_NE(file_text(scratch_.file("log")).find("init done!"), std::string::npos);
+}
+
+/* 352 x 288 in 960 x 540: as high as the pane, with bars on both sides. */
+TEST_F(NvrecWall, APictureKeepsItsShapeUnlessItIsToBeStretched)
+{
+    ASSERT_EQ(wall({"--layout", "2x2", "--as-fast-as-can", "--aspect", "fit", "--aspect", "1=stretch", "-p",
+                    scratch_.file("wall.png"), clip("colour0.h264"), clip("colour1.h265")}),
+              0)
+        << last_words();
+    const Picture picture = read_picture(scratch_.file("wall.png"));
+    ASSERT_EQ(picture.width, 1920);
+    expect_pane_shows(picture, {150, 0, 660, 540}, 0);
+    expect_pane_shows(picture, {960, 0, 960, 540}, 1);
+    for (const int x : {0, 75, 147, 813, 900, 959})
+        EXPECT_TRUE(near(picture.at(x, 270), {0, 0, 0})) << x;
+}
+
+TEST_F(NvrecWall, ASinglePictureKeepsItsShapeToo)
+{
+    for (const auto &[aspect, pane] :
+         {std::pair("fit", Pane{300, 0, 1320, 1080}), {"0=stretch", Pane{0, 0, 1920, 1080}}}) {
+        ASSERT_EQ(wall({"--as-fast-as-can", "--aspect", "fit", "--aspect", aspect, "-p",
+                        scratch_.file("wall.png"), clip("colour4.h264")}),
+                  0)
+            << last_words();
+        const Picture picture = read_picture(scratch_.file("wall.png"));
+        ASSERT_EQ(picture.width, 1920);
+        expect_pane_shows(picture, pane, 4);
+        EXPECT_EQ(near(picture.at(100, 540), {0, 0, 0}), pane.x > 0);
+    }
+    EXPECT_EQ(wall({"--aspect", "wide", clip("colour4.h264")}), 2);
+    EXPECT_EQ(wall({"--aspect", "16=fit", clip("colour4.h264")}), 2);
 }
 
 TEST_F(NvrecWall, OneAndFiveOnAnotherOutput)
@@ -196,6 +230,30 @@ TEST_F(NvrecWall, APictureThatCannotBeWrittenIsAnError)
 {
     EXPECT_EQ(wall({"--as-fast-as-can", "-p", "/proc/none/wall.png", clip("colour0.h264")}), 5);
     EXPECT_NE(errors_.find("/proc/none/wall.png"), std::string::npos) << errors_;
+}
+
+TEST_F(NvrecWall, APictureIsJpegWhereItsNameSaysSo)
+{
+    for (const char *name : {"wall.jpg", "wall.JPEG"}) {
+        ASSERT_EQ(wall({"--as-fast-as-can", "-p", scratch_.file(name), clip("colour4.h264")}), 0);
+        EXPECT_EQ(file_text(scratch_.file(name)).substr(0, 3), "\xFF\xD8\xFF");
+        const Picture picture = read_picture(scratch_.file(name));
+        ASSERT_EQ(picture.width, 1920);
+        ASSERT_EQ(picture.height, 1080);
+        expect_pane_shows(picture, {0, 0, 1920, 1080}, 4);
+    }
+    EXPECT_EQ(wall({"--as-fast-as-can", "-p", "/proc/none/wall.jpg", clip("colour0.h264")}), 5);
+}
+
+TEST_F(NvrecWall, AWindowThatCannotBeHadIsAnError)
+{
+    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "SDL_VIDEODRIVER"})
+        unsetenv(name);
+    Process process({NVREC_PROGRAM, "wall", "--window", "on", "--log", scratch_.file("log"), "--control",
+                     "none", clip("colour0.h264")});
+    EXPECT_EQ(process.wait(), 4);
+    EXPECT_NE(process.errors.find("no window could be opened: there is no screen"), std::string::npos)
+        << process.errors;
 }
 
 TEST_F(NvrecWall, EndsAfterTheFramesAskedForAndBeginsFilesAgain)

@@ -10,6 +10,7 @@
 
 #include <CLI/CLI.hpp>
 
+#include "camera/address.h"
 #include "nvrhal/limits.h"
 #include "screen/qr_code.h"
 
@@ -50,10 +51,15 @@ std::string check_camera_name(const std::string &text)
            " and a text in UTF-8 or GB2312";
 }
 
-std::string check_address(const std::string &text)
+/* What the parser hands over for an option that was given without its value. */
+constexpr char kNoText[] = "true";
+
+/* Whoever forgets the text has the camera's address that stands behind it taken for one. */
+std::string check_code(const std::string &text)
 {
+    if (shown_address(text) != text) return "a QR code would show the password in " + shown_address(text);
     if (!text.empty() && text.size() <= kLongestQrText) return "";
-    return "an address of 1 to " + std::to_string(kLongestQrText) + " bytes is needed";
+    return "a text of 1 to " + std::to_string(kLongestQrText) + " bytes is needed";
 }
 
 } // namespace
@@ -98,10 +104,18 @@ std::shared_ptr<OverlayOptions> add_overlay_options(CLI::App &command)
         "Show Chinese texts in traditional characters");
     command.add_option("--font", options->font_path, "Font file (default: the system's for Chinese)")
         ->check(CLI::ExistingFile);
+    command.add_option("--address", options->address, "A text for the QR code, which the menu shows")
+        ->check(check_code);
     command
-        .add_option("--address", options->address, "What the QR code says (default: this machine's address)")
-        ->check(check_address);
-    command.add_flag("--qr", options->show_address, "Show the QR code from the start");
+        .add_option_function<std::string>(
+            "--qr",
+            [options](const std::string &text) {
+                options->show_address = true;
+                if (!text.empty() && text != kNoText) options->address = text;
+            },
+            "Show a QR code of this text from the start; without a text, of --address")
+        ->expected(0, 1)
+        ->check(check_code);
     return options;
 }
 

@@ -109,8 +109,11 @@ LogOptions log_options(const config::Config &config)
 
 void fill(const config::Config &config, WallOptions *options)
 {
-    for (const config::Camera &camera : config.cameras)
+    for (const config::Camera &camera : config.cameras) {
+        if (camera.aspect == config::Aspect::kStretch)
+            options->aspect.given[static_cast<int>(options->inputs.size())] = Aspect::kStretch;
         options->inputs.push_back(source_of(camera));
+    }
     options->inputs.resize(static_cast<size_t>(config.channels())); /* room for more of them */
     options->layout = config.screen.layout;
     options->output = config.screen.output;

@@ -46,8 +46,10 @@ void add_screen_options(CLI::App &command, WallOptions &options)
         ->check(CLI::IsMember(output_mode_names()))
         ->capture_default_str();
     command
-        .add_option("-p,--picture", options.pictures,
-                    "Write a PNG picture of the wall: FILE (at the end) or FILE,SECONDS; may be repeated")
+        .add_option(
+            "-p,--picture", options.pictures,
+            "Write a picture of the wall, PNG or JPEG by its name: FILE (at the end) or FILE,SECONDS; "
+            "may be repeated")
         ->take_all()
         ->allow_extra_args(false)
         ->check(picture_problem);

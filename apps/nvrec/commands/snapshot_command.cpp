@@ -1,6 +1,7 @@
 /* snapshot_command.cpp - "nvrec snapshot": one JPEG of one camera, then the end. */
 #include <algorithm>
 #include <cstdio>
+#include <map>
 #include <memory>
 #include <utility>
 
@@ -17,12 +18,18 @@ namespace nvrec
 namespace
 {
 
+const std::map<std::string, SnapshotSize> kSnapshotSizes = {
+    {"board", SnapshotSize::kBoard},
+    {"camera", SnapshotSize::kCamera},
+};
+
 struct SnapshotCommand {
     WallOptions wall;
     int channel = 0;
     std::string path;
     double patience_s = 10;
     bool during_playback = false;
+    SnapshotSize size = SnapshotSize::kBoard;
     std::vector<std::string> played;
 };
 
@@ -46,7 +53,8 @@ public:
         if (std::exchange(taken_, true)) return Clock::time_point::max();
         const auto patience = std::chrono::duration<double>(command_.patience_s);
         wall_->end(snapshots_.take(command_.channel, command_.path,
-                                   std::chrono::duration_cast<std::chrono::milliseconds>(patience)));
+                                   std::chrono::duration_cast<std::chrono::milliseconds>(patience),
+                                   command_.size));
         return Clock::time_point::max();
     }
 
@@ -107,7 +115,7 @@ Command snapshot_command(CLI::App &app)
 {
     auto command = std::make_shared<SnapshotCommand>();
     command->wall.window = WindowMode::kOff;
-    CLI::App *snapshot = app.add_subcommand("snapshot", "Write a JPEG picture, 352 x 288, of one camera");
+    CLI::App *snapshot = app.add_subcommand("snapshot", "Write a JPEG picture of one camera");
     snapshot->footer(
         "The channel need not be shown: --layout 1 --channel 3 takes a hidden one. Exit status: 0 written,\n"
         "2 command line, 3 an input failed, 4 the library or the board gave no picture, 5 it could not be\n"
@@ -118,6 +126,12 @@ Command snapshot_command(CLI::App &app)
         ->check(from_zero_on())
         ->capture_default_str();
     snapshot->add_option("-f,--output", command->path, "The file to write")->required();
+    snapshot
+        ->add_option(
+            "--size", command->size,
+            "board: 352 x 288, the camera's next picture; camera: its last key frame in its own size")
+        ->transform(CLI::CheckedTransformer(kSnapshotSizes, CLI::ignore_case))
+        ->default_str("board");
     add_layout_option(*snapshot, command->wall.layout, "What the wall shows meanwhile");
     auto *during = snapshot->add_flag("--during-playback", command->during_playback,
                                       "Take it while recordings play: the inputs that are files, or --play");

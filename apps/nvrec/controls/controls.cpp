@@ -25,6 +25,8 @@ void label_window_keys()
     std::vector<host::WindowKey> keys;
     for (const Button &button : buttons()) {
         if (button.pc_key) keys.push_back({button.pc_key, button.ir_code});
+        /* Without a meaning it would close the window, and with it end what is being recorded. */
+        if (button.key == Key::kBack && button.pc_key) keys.push_back({"Escape", button.ir_code});
     }
     host::set_window_keys(keys);
 }

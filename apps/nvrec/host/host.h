@@ -42,7 +42,7 @@ struct WindowKey {
 };
 void set_window_keys(const std::vector<WindowKey> &keys);
 
-/** Open the window that shows what the monitor shows. */
+/** Open the window that shows what the monitor shows, in any size, scaled smoothly. */
 std::string open_window(const char *title);
 
 /** Draw, and take the window's events. @return false = the user has closed it */
@@ -51,6 +51,13 @@ void close_window();
 
 /** Write what the monitor shows to a PNG file. */
 std::string save_monitor_picture(const std::string &path);
+
+/** What the monitor shows, R, G and B of every pixel, rows without gaps. */
+struct MonitorPicture {
+    int width = 0, height = 0;
+    std::vector<uint8_t> rgb;
+};
+std::string take_monitor_picture(MonitorPicture *picture);
 
 /* -------------------------------------------------------------------------------- the sound --- */
 

@@ -48,6 +48,11 @@ std::string save_monitor_picture(const std::string &)
     return "this board does not give back what its monitor shows";
 }
 
+std::string take_monitor_picture(MonitorPicture *)
+{
+    return "this board does not give back what its monitor shows";
+}
+
 std::string open_sound_file(const std::string &path)
 {
     return "cannot write " + path + ": this board's sound goes to its loudspeaker alone";

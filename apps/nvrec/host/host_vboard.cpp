@@ -17,6 +17,12 @@ namespace
 
 constexpr uint32_t kLoudspeaker = 3; /* the audio output that the library plays on */
 
+bool is_set(const char *name)
+{
+    const char *value = std::getenv(name); // NOLINT(concurrency-mt-unsafe): only the main thread writes it
+    return value && *value;
+}
+
 } // namespace
 
 namespace host
@@ -24,12 +30,7 @@ namespace host
 
 bool has_desktop()
 {
-    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY"}) {
-        const char *value =
-            std::getenv(name); // NOLINT(concurrency-mt-unsafe): nothing writes the environment
-        if (value && *value) return true;
-    }
-    return false;
+    return is_set("DISPLAY") || is_set("WAYLAND_DISPLAY");
 }
 
 bool has_own_monitor()
@@ -46,8 +47,16 @@ void set_window_keys(const std::vector<WindowKey> &keys)
     vboard_window_set_keys(board_keys.data(), board_keys.size());
 }
 
+/*
+ * The board draws its window by SDL, which without a screen would draw it nowhere and call that success,
+ * and which scales by single pixels unless the environment asks for better.
+ */
 std::string open_window(const char *title)
 {
+    if (!has_desktop() && !is_set("SDL_VIDEODRIVER"))
+        return "no window could be opened: there is no screen (neither DISPLAY nor WAYLAND_DISPLAY is set)";
+    constexpr int kKeepWhatIsThere = 0;
+    setenv("SDL_RENDER_SCALE_QUALITY", "linear", kKeepWhatIsThere); // NOLINT(concurrency-mt-unsafe)
     return vboard_window_open(title) == 0 ? "" : "no window could be opened";
 }
 
@@ -73,6 +82,18 @@ std::string save_monitor_picture(const std::string &path)
     }
     vboard_image_free(&image);
     return problem;
+}
+
+std::string take_monitor_picture(MonitorPicture *picture)
+{
+    vboard_image image = {};
+    if (vboard_monitor_capture(VBOARD_FORMAT_RGB24, &image) != 0) return "the board gave no picture";
+    picture->width = static_cast<int>(image.width);
+    picture->height = static_cast<int>(image.height);
+    picture->rgb.assign(image.bytes, image.bytes + image.size);
+    const bool blank = image.blank != 0;
+    vboard_image_free(&image);
+    return blank ? "the monitor has no signal: the picture is black" : "";
 }
 
 std::string open_sound_file(const std::string &path)

@@ -3,13 +3,12 @@
 
 #include <ctime>
 #include <filesystem>
-#include <fstream>
-#include <system_error>
 
 #include "camera/decoder_codec.h"
 #include "host/clock.h"
 #include "nvrhal.h"
 #include "wall/exit_code.h"
+#include "wall/jpeg.h"
 #include "wall/session.h"
 #include "wall/terminal.h"
 
@@ -19,17 +18,6 @@ namespace
 {
 
 constexpr auto kKeyPatience = std::chrono::milliseconds(5000);
-
-bool write_file(const std::string &path, const void *bytes, size_t size)
-{
-    std::error_code ignored; /* the write tells whether it worked */
-    const std::filesystem::path directory = std::filesystem::path(path).parent_path();
-    if (!directory.empty()) std::filesystem::create_directories(directory, ignored);
-    std::ofstream file(path, std::ios::binary);
-    file.write(static_cast<const char *>(bytes), static_cast<std::streamsize>(size));
-    file.close();
-    return bool(file);
-}
 
 /* "channel3-20240131-174502.250.jpg", local time; sorts by time. */
 std::string file_name(int channel, WallTime now)
@@ -64,14 +52,28 @@ bool Snapshots::on_key(Key key)
     return true;
 }
 
+void Snapshots::on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts)
+{
+    keys_.note(channel, unit, facts.codec);
+}
+
 int Snapshots::take(int channel)
 {
     const std::string name = file_name(channel, wall_time());
-    const std::string path = (std::filesystem::path(directory_) / name).string();
-    const int result = take(channel, path, kKeyPatience);
-    if (result == kExitDone)
-        wall_->terminal().print("snapshot of channel " + std::to_string(channel) + ": " + path);
-    return result;
+    const std::filesystem::path path = std::filesystem::path(directory_) / name;
+    const int result = take(channel, path.string(), kKeyPatience);
+    if (result != kExitDone) return result;
+    const std::string of = "snapshot of channel " + std::to_string(channel);
+    wall_->terminal().print(of + ": " + path.string());
+
+    const auto own = keys_.take(channel);
+    if (!own) return kExitDone; /* the camera's codec is one that this machine does not decode */
+    const std::string size = std::to_string(own->width) + "x" + std::to_string(own->height);
+    const std::string beside = (path.parent_path() / (path.stem().string() + "-" + size + ".jpg")).string();
+    if (!write_picture_file(beside, own->jpeg.data(), own->jpeg.size()))
+        return fail(kExitOutputFailed, "cannot write " + beside);
+    wall_->terminal().print(of + ", " + size + ": " + beside);
+    return kExitDone;
 }
 
 int Snapshots::fail(int exit_code, const std::string &line)
@@ -86,7 +88,8 @@ void Snapshots::match_spare_decoder(int channel)
     match_decoder(wall_->session().channels(), wall_->cameras()[static_cast<size_t>(channel)]->facts().codec);
 }
 
-int Snapshots::take(int channel, const std::string &path, std::chrono::milliseconds patience)
+/* @return kExitDone = there is nothing to complain of. */
+int Snapshots::complain_of(int channel)
 {
     const std::string name = "channel " + std::to_string(channel);
     const auto &cameras = wall_->cameras();
@@ -94,6 +97,15 @@ int Snapshots::take(int channel, const std::string &path, std::chrono::milliseco
         return fail(kExitUsage, "there is no camera on " + name);
     if (!cameras[static_cast<size_t>(channel)]->opened())
         return fail(kExitInputFailed, name + " has no picture: its input is not open");
+    return kExitDone;
+}
+
+int Snapshots::take(int channel, const std::string &path, std::chrono::milliseconds patience,
+                    SnapshotSize size)
+{
+    const int complaint = complain_of(channel);
+    if (complaint != kExitDone) return complaint;
+    if (size == SnapshotSize::kCamera) return take_in_own_size(channel, path, patience);
 
     const auto give_up_at = Clock::now() + patience;
     FrameInfo frame = {};
@@ -104,10 +116,22 @@ int Snapshots::take(int channel, const std::string &path, std::chrono::milliseco
         /* During playback the result speaks of the spare decoder; the length always of the picture. */
         ext_get_jpeg_stream(&frame);
     } while (frame.length == 0 && Clock::now() < give_up_at);
-    if (frame.length == 0) return fail(kExitBoardFailed, name + " gave no picture");
+    if (frame.length == 0)
+        return fail(kExitBoardFailed, "channel " + std::to_string(channel) + " gave no picture");
 
-    const bool written = write_file(path, frame.data, frame.length);
+    const bool written = write_picture_file(path, frame.data, frame.length);
     ext_release_jpeg_buf(&frame);
+    return written ? kExitDone : fail(kExitOutputFailed, "cannot write " + path);
+}
+
+int Snapshots::take_in_own_size(int channel, const std::string &path, std::chrono::milliseconds patience)
+{
+    const std::string name = "channel " + std::to_string(channel);
+    if (!keys_.wait_for(channel, Clock::now() + patience))
+        return fail(kExitInputFailed, name + " has sent no key frame");
+    const auto picture = keys_.take(channel);
+    if (!picture) return fail(kExitInputFailed, "the key frame of " + name + " cannot be decoded");
+    const bool written = write_picture_file(path, picture->jpeg.data(), picture->jpeg.size());
     return written ? kExitDone : fail(kExitOutputFailed, "cannot write " + path);
 }
 

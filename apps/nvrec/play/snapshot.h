@@ -1,5 +1,10 @@
 /*
- * snapshot.h - JPEG pictures of single channels, 352 x 288: shown, hidden, and while recordings play.
+ * snapshot.h - JPEG pictures of single channels: shown, hidden, and while recordings play.
+ *
+ *   352 x 288             the next picture, by the library's scaler and encoder
+ *   the camera's own size its last key frame, decoded beside the board (key_pictures.h)
+ *
+ * A key writes both, the second one beside the first with its size in its name.
  *
  * The library takes the next picture that the camera sends. A decoder that had nothing to do before
  * (a hidden channel, the spare one during playback) waits for a key frame, which may be longer than
@@ -12,10 +17,13 @@
 #include <chrono>
 #include <string>
 
+#include "play/key_pictures.h"
 #include "wall/module.h"
 
 namespace nvrec
 {
+
+enum class SnapshotSize { kBoard /* 352 x 288 */, kCamera /* as the camera sends it */ };
 
 class Snapshots final : public Module
 {
@@ -24,6 +32,7 @@ public:
     explicit Snapshots(std::string directory) : directory_(std::move(directory)) {}
 
     bool start(WallControl &wall) override;
+    void on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts) override;
     bool on_key(Key key) override;
 
     /**
@@ -33,13 +42,17 @@ public:
     int take(int channel);
 
     /** Take one into a file. @param patience  for a key frame. @return an ExitCode. */
-    int take(int channel, const std::string &path, std::chrono::milliseconds patience);
+    int take(int channel, const std::string &path, std::chrono::milliseconds patience,
+             SnapshotSize size = SnapshotSize::kBoard);
 
 private:
     int fail(int exit_code, const std::string &line);
+    int complain_of(int channel);
+    int take_in_own_size(int channel, const std::string &path, std::chrono::milliseconds patience);
     void match_spare_decoder(int channel);
 
     const std::string directory_;
+    KeyPictures keys_;
     WallControl *wall_ = nullptr;
 };
 

@@ -251,10 +251,14 @@ bool Zoom::on_pointer(const PointerEvent &event)
         if (channel < 0 || !begin(channel, ZoomWindow())) return false;
     }
     if (!zoomed()) return false;
-    const double width = mode.width_px, height = mode.height_px;
+    const auto picture = wall_->session().picture_of(channel_); /* it may have bars beside it */
+    const double width = picture ? picture->w : mode.width_px;
+    const double height = picture ? picture->h : mode.height_px;
+    const double left = picture ? picture->x : 0, top = picture ? picture->y : 0;
     if (event.wheel != 0)
         return change([&](ZoomWindow &window) {
-            const auto [x, y] = window.point_at(event.x / width, event.y / height);
+            const auto [x, y] = window.point_at(std::clamp((event.x - left) / width, 0.0, 1.0),
+                                                std::clamp((event.y - top) / height, 0.0, 1.0));
             window.scale_around(x, y, std::pow(kStep, event.wheel));
         });
     const bool held_before = (event.buttons & 1) != 0 && (event.pressed & 1) == 0;

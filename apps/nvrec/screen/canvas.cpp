@@ -126,6 +126,19 @@ void Canvas::frame(const Rect &rect, int thickness_px, Colour colour)
     fill({rect.right() - t, rect.y + t, t, rect.h - 2 * t}, colour);
 }
 
+void Canvas::veil(const Rect &rect)
+{
+    const uint16_t dark = pixel_of(kAlmostBlack);
+    const Rect seen = intersection(rect, clip_);
+    for (int y = seen.y; y < seen.bottom(); ++y) {
+        uint16_t *to = row(0, y);
+        const bool closed = (y & 1) != 0; /* by the screen's lines: parts that are drawn alone fit together */
+        for (int x = seen.x; x < seen.right(); ++x) {
+            if (closed || (x & 1) != 0) to[x] = dark;
+        }
+    }
+}
+
 /* write(destination, source, count) for every row of the tile inside the clip. */
 template <typename Write> void Canvas::each_visible(const Tile &tile, int x, int y, Write write)
 {

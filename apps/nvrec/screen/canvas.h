@@ -72,6 +72,9 @@ public:
     /** The edges of a rectangle, inside it. */
     void frame(const Rect &rect, int thickness_px, Colour colour);
 
+    /** Darken the video: three of four pixels nearly black, in a fine grid. */
+    void veil(const Rect &rect);
+
     /** A tile's pixels that are not 0. */
     void draw(const Tile &tile, int x, int y);
 

@@ -1,5 +1,6 @@
 /*
- * clock_face.h - date and time in a corner of the screen, to the second.
+ * clock_face.h - date and time on the screen, to the second: where no picture is, in one line or two,
+ * and in the upper right corner where pictures are everywhere.
  *
  * The tile is made once a second at most; its place and the widest it has been stay, so that a tick
  * damages one rectangle.
@@ -9,6 +10,7 @@
 #include <chrono>
 #include <ctime>
 #include <string>
+#include <vector>
 
 #include "screen/canvas.h"
 #include "screen/font.h"
@@ -34,6 +36,9 @@ public:
     /** Show that time from now on. @return what has to be painted anew; empty = the same second. */
     Rect set(Time time, const Rect &screen);
 
+    /** Where no picture is; empty ones count for nothing. The first that is large enough is taken. */
+    void offer(const std::vector<Rect> &free) { free_ = free; }
+
     void paint(Canvas &canvas) const { canvas.draw(tile_, place_.x, place_.y); }
     const Rect &place() const { return place_; }
 
@@ -45,6 +50,14 @@ private:
     const Language language_;
     const int size_px_;
     std::time_t shown_ = -1;
+    struct Line {
+        Mask date, time, both;
+    };
+    Tile two_lines(const Line &line, int rim) const;
+    void put(const Line &line, const Rect &screen);
+
+    std::vector<Rect> free_;
+    std::vector<Rect> offered_; /* when the tile was made */
     Tile tile_;
     Rect place_;
 };

@@ -1,5 +1,7 @@
 /*
- * font.h - letters as coverage: a scalable font of the host, rasterised by FreeType.
+ * font.h - letters as coverage: a scalable font of the host, rasterised by FreeType. A character that it
+ * does not have comes from another font of the host that has it. Text is UTF-16, drawn character after
+ * character from left to right: scripts that join or reorder their letters are not shaped.
  */
 #pragma once
 
@@ -35,8 +37,8 @@ public:
     /** Once. @return an empty text, or why the file is no font. */
     std::string open(const std::string &path);
 
-    /** Whether the font draws this character. */
-    bool has(char16_t unit) const;
+    /** Whether the font itself draws this character. */
+    bool has(char32_t code) const;
 
     /**
      * A line of text. The baseline lies at ascender(size_px); the mask is line_height(size_px) high.
@@ -48,12 +50,15 @@ public:
 
 private:
     struct Library;
+    struct Face;
 
+    Face &face_for(char32_t code);
     int width_of(std::u16string_view units);
     bool use_size(int size_px);
 
+    int size_px_ = 0; /* of the next glyphs */
+
     std::unique_ptr<Library> library_;
-    int size_px_ = 0;
 };
 
 /** Text on the video: letters of one colour with a dark rim of that many pixels around them. */

@@ -11,6 +11,7 @@ namespace nvrec
 namespace
 {
 
+constexpr char32_t kBeyondBasic = 0x10000; /* two units in UTF-16 */
 constexpr size_t kSpare_bytes = 4; /* the library may write a unit and an end past the size it is told */
 
 const uint8_t *bytes_of(const std::string &text)
@@ -18,27 +19,10 @@ const uint8_t *bytes_of(const std::string &text)
     return reinterpret_cast<const uint8_t *>(text.c_str());
 }
 
-/* Units of two bytes, high byte first, up to a zero unit. */
-std::u16string joined(const std::vector<uint8_t> &unicode)
-{
-    constexpr char16_t kFirstPrintable = 0x20, kDelete = 0x7F;
-    const int length = GetUnicodeLength(unicode.data());
-    std::u16string units;
-    for (int i = 0; i + 1 < length; i += 2) {
-        const auto unit =
-            static_cast<char16_t>(unicode[static_cast<size_t>(i)] << 8 | unicode[static_cast<size_t>(i) + 1]);
-        units += unit < kFirstPrintable || unit == kDelete ? u' ' : unit;
-    }
-    return units;
-}
-
-std::vector<uint8_t> unicode_of_utf8(const std::string &text)
-{
-    const size_t size = static_cast<size_t>(GetUTF8ToUnicodeLength(text.c_str()));
-    std::vector<uint8_t> unicode(size + kSpare_bytes);
-    if (UTF8ToUnicode(text.c_str(), unicode.data(), static_cast<int>(size)) != 0) unicode.assign(2, 0);
-    return unicode;
-}
+struct Character {
+    size_t length = 0; /* bytes */
+    char32_t code = 0;
+};
 
 /* Two zero bytes when it is no GB2312. */
 std::vector<uint8_t> unicode_of_gb2312(const std::string &text)
@@ -68,33 +52,66 @@ std::string traditional(const std::string &text)
     return converted;
 }
 
+/* A character's bytes and code point; length 0 = not well-formed. */
+Character character_at(const std::string &text, size_t at)
+{
+    const auto lead = static_cast<uint8_t>(text[at]);
+    if (lead < 0x80) return {1, lead};
+    const size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
+    if (lead < 0xC2 || lead > 0xF4 || text.size() - at < length) return {};
+    auto code = static_cast<char32_t>(lead & (0xFF >> (length + 1)));
+    for (size_t i = 1; i < length; ++i) {
+        const auto next = static_cast<uint8_t>(text[at + i]);
+        if ((next & 0xC0) != 0x80) return {};
+        code = code << 6 | (next & 0x3F);
+    }
+    constexpr char32_t kFirstOfLength[] = {0, 0, 0x80, 0x800, kBeyondBasic};
+    if (code < kFirstOfLength[length] || code > 0x10FFFF) return {};
+    if (code >= 0xD800 && code < 0xE000) return {}; /* a surrogate is none */
+    return {length, code};
+}
+
+/* One or two units; control characters as blanks. */
+void append(std::u16string &units, char32_t code)
+{
+    constexpr char32_t kFirstPrintable = 0x20, kDelete = 0x7F;
+    if (code >= kBeyondBasic) {
+        units += static_cast<char16_t>(0xD800 + ((code - kBeyondBasic) >> 10));
+        units += static_cast<char16_t>(0xDC00 + ((code - kBeyondBasic) & 0x3FF));
+    } else {
+        units += code < kFirstPrintable || code == kDelete ? u' ' : static_cast<char16_t>(code);
+    }
+}
+
 } // namespace
 
 bool is_utf8(const std::string &text)
 {
-    for (size_t i = 0; i < text.size();) {
-        uint8_t payload = 0;
-        const auto lead = static_cast<uint8_t>(text[i]);
-        const int bytes = GetUtf8ByteNumber(lead, &payload);
-        ++i;
-        if (bytes == 0) continue;
-        if (bytes < 2 || bytes > 3 || text.size() - i < static_cast<size_t>(bytes - 1)) return false;
-        uint32_t code = lead & payload;
-        for (int rest = 1; rest < bytes; ++rest, ++i) {
-            const auto next = static_cast<uint8_t>(text[i]);
-            if ((next & 0xC0) != 0x80) return false;
-            code = code << 6 | (next & 0x3F);
-        }
-        if (code < (bytes == 2 ? 0x80u : 0x800u)) return false; /* longer than it need be */
-        if (code >= 0xD800 && code < 0xE000) return false;      /* a surrogate            */
+    for (size_t at = 0; at < text.size();) {
+        const size_t length = character_at(text, at).length;
+        if (length == 0) return false;
+        at += length;
     }
     return true;
 }
 
+/* The library's tables have characters of the basic plane alone: each is converted by itself. */
 std::u16string units_of(const std::string &text, ChineseScript script)
 {
     const std::string utf8 = is_utf8(text) ? text : utf8_of(unicode_of_gb2312(text));
-    return joined(unicode_of_utf8(script == ChineseScript::kTraditional ? traditional(utf8) : utf8));
+    std::u16string units;
+    for (size_t at = 0; at < utf8.size();) {
+        Character character = character_at(utf8, at);
+        if (character.length == 0) return {};
+        if (character.length == 3 && script == ChineseScript::kTraditional) {
+            const std::string other = traditional(utf8.substr(at, character.length));
+            if (is_utf8(other) && !other.empty() && other[0] != 0)
+                character.code = character_at(other, 0).code;
+        }
+        append(units, character.code);
+        at += character.length;
+    }
+    return units;
 }
 
 } // namespace nvrec

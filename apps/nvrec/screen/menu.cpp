@@ -21,7 +21,7 @@ struct Row {
 constexpr Row kRows[] = {
     {MenuAction::kEnlarge, {"Selected camera alone", "放大所选通道"}},
     {MenuAction::kZoom, {"Digital zoom", "电子放大"}},
-    {MenuAction::kAddress, {"Recorder's address", "设备地址"}},
+    {MenuAction::kAddress, {"QR code", "二维码"}},
     {MenuAction::kQuit, {"Quit", "退出"}},
 };
 constexpr const char *kTitles[2] = {"Menu", "菜单"};
@@ -34,7 +34,7 @@ constexpr bool begins_a_group(MenuAction action)
 
 } // namespace
 
-Menu::Menu(Font &font, Language language, ChineseScript script, int text_size_px)
+Menu::Menu(Font &font, Language language, ChineseScript script, int text_size_px, bool has_address)
 {
     constexpr int kWidest_px = 700;
     const int in = static_cast<int>(language);
@@ -51,8 +51,10 @@ Menu::Menu(Font &font, Language language, ChineseScript script, int text_size_px
     };
     for (const LayoutRow &row : layouts())
         add(MenuAction::kLayout, row.layout, row.texts[in]);
-    for (const Row &row : kRows)
+    for (const Row &row : kRows) {
+        if (row.action == MenuAction::kAddress && !has_address) continue;
         add(row.action, {}, row.texts[in]);
+    }
     row_px_ = (title_.height + text_size_px / 2) & ~1;
     width_px_ = (widest + row_px_ * 4 + 1) & ~1;
 }

@@ -34,7 +34,8 @@ public:
         Tile lit, unlit;
     };
 
-    Menu(Font &font, Language language, ChineseScript script, int text_size_px);
+    /** @param has_address  there is a QR code to show */
+    Menu(Font &font, Language language, ChineseScript script, int text_size_px, bool has_address);
 
     /** Open in the middle of the screen, or with its corner at a place as near as it fits. */
     void open(const Rect &screen, const MenuState &state);

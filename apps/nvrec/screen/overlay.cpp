@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "host/host.h"
+#include "screen/pane_texts.h"
 #include "screen/qr_code.h"
 #include "wall/session.h"
 #include "wall/terminal.h"
@@ -35,9 +36,14 @@ bool Overlay::start(WallControl &wall)
         return true;
     }
     drawing_ = true;
+    watch_.start(wall, [&wall] { wall.wake(); });
+    running_ = true;
     open_font();
     make_parts();
     damage(canvas_.whole());
+    if (options_.show_address && options_.address.empty())
+        wall.terminal().error(
+            "no QR code: --qr was given no text, and nothing listens at an address of its own");
     if (options_.show_address) show_address(true);
     paint();
     return true;
@@ -62,13 +68,19 @@ void Overlay::open_font()
 void Overlay::make_parts()
 {
     panes_ = std::make_unique<PaneMarks>(font_.get(), options_.names);
-    tell_cameras();
-    panes_->lay(wall_->session().panes());
+    const ClockFace::Time time = options_.wall_time();
+    tell_cameras(Clock::now(), std::chrono::system_clock::to_time_t(time));
+    panes_->lay(wall_->session().panes(), wall_->session().unused_panes());
     panes_->select(wall_->selected());
     if (!font_) return;
-    clock_ = std::make_unique<ClockFace>(*font_, options_.names.language, text_size_px());
-    clock_->set(options_.wall_time(), canvas_.whole());
-    menu_ = std::make_unique<Menu>(*font_, options_.names.language, options_.names.script, text_size_px());
+    const CameraNames &names = options_.names;
+    const int size = text_size_px();
+    clock_ = std::make_unique<ClockFace>(*font_, names.language, size);
+    find_room_for_clock();
+    clock_->set(time, canvas_.whole());
+    line_ = std::make_unique<NoticeLine>(*font_, names.script, size);
+    menu_ = std::make_unique<Menu>(*font_, names.language, names.script, size, !options_.address.empty());
+    question_ = std::make_unique<Question>(question_of_ending(*font_, names, size));
 }
 
 /* Of the clock, the menu and the card. */
@@ -78,40 +90,87 @@ int Overlay::text_size_px() const
     return std::clamp(canvas_.height() / kScreenToText, kSmallest_px, kLargest_px);
 }
 
-void Overlay::tell_cameras()
+void Overlay::tell_cameras(Clock::time_point now, std::time_t wall_s)
 {
+    watch_.look(now);
     for (const auto &camera : wall_->cameras())
-        damage(panes_->set_live(camera->channel(), camera->opened() && !camera->broken()));
+        damage(panes_->set_state(camera->channel(), watch_.state_of(*camera, now), wall_s));
+}
+
+/* Beside the clock, where that is in its corner. */
+void Overlay::tell_alarms()
+{
+    if (!line_) return;
+    const int most = canvas_.width() - (clock_ ? clock_->place().w : 0) - 3 * text_size_px();
+    damage(line_->set(alarm_text(wall_->recorder(), wall_->alarm(), options_.names), most));
+}
+
+/* A pane that nobody uses, or a bar beside the picture in the upper right corner. */
+void Overlay::find_room_for_clock()
+{
+    std::vector<Rect> free = {panes_->unused_pane()};
+    const Session &session = wall_->session();
+    const int corner = channel_at(session.panes(), canvas_.width() - 1, 0);
+    const auto picture = corner >= 0 ? session.picture_of(corner) : std::nullopt;
+    if (picture) {
+        const Rect pane = panes_->pane_of(corner);
+        free.push_back({pane.x, pane.y, pane.w, picture->y - pane.y});
+        const int right = picture->x + picture->w;
+        free.push_back({right, pane.y, pane.right() - right, pane.h});
+    }
+    clock_->offer(free);
+}
+
+/* A camera's thread; one that came after start() has been left. */
+void Overlay::on_unit(int channel, const AccessUnit &unit, const StreamFacts & /*facts*/)
+{
+    if (running_) watch_.on_unit(channel, unit);
 }
 
 Clock::time_point Overlay::take_turn(Clock::time_point now)
 {
     if (!drawing_) return Clock::time_point::max();
-    tell_cameras();
     const ClockFace::Time time = options_.wall_time();
+    tell_cameras(now, std::chrono::system_clock::to_time_t(time));
     if (clock_) damage(clock_->set(time, canvas_.whole()));
+    tell_alarms();
     if (cursor_.wanted() && now - cursor_moved_at_ >= kCursorRests) {
         cursor_.hide();
         cursor_moved_ = true;
     }
     paint();
-    return now + std::chrono::ceil<Clock::duration>(ClockFace::until_next(time));
+    const Clock::time_point tick = now + std::chrono::ceil<Clock::duration>(ClockFace::until_next(time));
+    return std::min(tick, watch_.next_change(now));
 }
 
 void Overlay::on_layout()
 {
     if (!drawing_) return;
+    if (std::exchange(layout_comes_, false)) watch_.on_layout(Clock::now());
     for (const Rect &edge : panes_->select(wall_->selected()))
         damage(edge);
-    if (panes_->lay(wall_->session().panes())) damage(canvas_.whole());
+    if (panes_->lay(wall_->session().panes(), wall_->session().unused_panes())) damage(canvas_.whole());
+    if (clock_) {
+        find_room_for_clock();
+        damage(clock_->set(options_.wall_time(), canvas_.whole()));
+    }
     paint();
+}
+
+bool Overlay::ask_whether_to_end()
+{
+    if (!drawing_ || !question_ || question_->is_open()) return false;
+    if (menu_->is_open()) close_menu();
+    damage(question_->open(canvas_.whole()));
+    paint();
+    return true;
 }
 
 /* The next owner of the screen finds it empty. */
 void Overlay::stop()
 {
     if (!drawing_) return;
-    drawing_ = false;
+    drawing_ = running_ = false;
     if (!canvas_.begin()) return;
     canvas_.clear(canvas_.whole());
     canvas_.end();
@@ -142,14 +201,16 @@ void Overlay::paint_within(const Rect &rect)
     canvas_.clear(rect);
     panes_->paint(canvas_);
     if (clock_) clock_->paint(canvas_);
+    if (line_) line_->paint(canvas_);
     if (address_shown_) paint_address();
     if (menu_) menu_->paint(canvas_);
+    if (question_) question_->paint(canvas_);
 }
 
 /* The code is made when it is wanted first: most walls never show it. */
 void Overlay::make_card()
 {
-    const std::string address = options_.address.empty() ? own_address() : options_.address;
+    const std::string &address = options_.address;
     card_ = Card{qr_tile(address), {}, {}};
     if (card_->code.width == 0) {
         wall_->terminal().error("no QR code of the address: " + address);
@@ -164,7 +225,7 @@ void Overlay::make_card()
             return flat(font_->render(units, size, std::max(width, canvas_.width() / 4)), kCardLetters,
                         kCardGround);
         };
-        card_->title = text(chinese ? "扫码访问录像机" : "Scan to open the recorder", text_size_px() * 3 / 4);
+        card_->title = text(chinese ? "扫描二维码" : "Scan this code", text_size_px() * 3 / 4);
         card_->text = text(address, text_size_px() * 5 / 8);
         width = std::max({width, card_->title.width, card_->text.width});
         height += card_->title.height + card_->text.height;
@@ -176,6 +237,7 @@ void Overlay::make_card()
 
 void Overlay::show_address(bool shown)
 {
+    if (options_.address.empty()) return;
     if (!card_) make_card();
     if (card_->code.width == 0 || shown == address_shown_) return;
     address_shown_ = shown;

@@ -16,15 +16,51 @@ constexpr uint32_t kLeftButton = 1, kRightButton = 2;
 /* Open, the menu comes before all else; closed, it is a key among others. */
 InputLayer Overlay::input_layer() const
 {
-    return menu_ && menu_->is_open() ? InputLayer::kMenu : InputLayer::kTools;
+    const bool first = (menu_ && menu_->is_open()) || (question_ && question_->is_open());
+    return first ? InputLayer::kMenu : InputLayer::kTools;
 }
 
 bool Overlay::on_key(Key key)
 {
     if (!drawing_) return false;
-    const bool taken = menu_ && menu_->is_open() ? menu_key(key) : wall_key(key);
+    const bool taken = question_ && question_->is_open() ? question_key(key)
+                       : menu_ && menu_->is_open()       ? menu_key(key)
+                                                         : wall_key(key);
     paint();
     return taken;
+}
+
+/* Whoever wants back, or the menu, goes on recording. */
+bool Overlay::question_key(Key key)
+{
+    switch (key) {
+    case Key::kUp:
+    case Key::kDown:
+    case Key::kLeft:
+    case Key::kRight: damage(question_->step()); return true;
+    case Key::kEnter: answer(question_->is_yes()); return true;
+    case Key::kMenu:
+    case Key::kBack: answer(false); return true;
+    default: return key >= Key::kDigit0 && key <= Key::kDigit9;
+    }
+}
+
+bool Overlay::question_pointer(const PointerEvent &event)
+{
+    damage(question_->point_at(event.x, event.y));
+    if ((event.pressed & kLeftButton) != 0 && question_->is_on_answer(event.x, event.y))
+        answer(question_->is_yes());
+    else if ((event.pressed & kRightButton) != 0)
+        answer(false);
+    return true;
+}
+
+void Overlay::answer(bool yes)
+{
+    damage(question_->close());
+    if (!yes) return;
+    wall_->end(kExitDone);
+    wall_->wake();
 }
 
 /* The keys that move about the wall are not the overlay's. */
@@ -88,7 +124,7 @@ void Overlay::choose()
     case MenuAction::kZoom: wall_->key(Key::kZoom); break;
     case MenuAction::kAddress: show_address(!address_shown_); break;
     case MenuAction::kQuit:
-        wall_->end(kExitDone);
+        wall_->end_by_user();
         wall_->wake();
         break;
     }
@@ -100,7 +136,9 @@ bool Overlay::on_pointer(const PointerEvent &event)
     cursor_.move(event.x, event.y);
     cursor_moved_ = true;
     cursor_moved_at_ = Clock::now();
-    const bool taken = menu_ && menu_->is_open() ? menu_pointer(event) : wall_pointer(event);
+    const bool taken = question_ && question_->is_open() ? question_pointer(event)
+                       : menu_ && menu_->is_open()       ? menu_pointer(event)
+                                                         : wall_pointer(event);
     paint();
     return taken;
 }

@@ -2,6 +2,10 @@
 #include "screen/overlay_panes.h"
 
 #include <algorithm>
+#include <utility>
+
+#include "screen/pane_icons.h"
+#include "screen/pane_texts.h"
 
 namespace nvrec
 {
@@ -9,8 +13,8 @@ namespace
 {
 
 constexpr Colour kNameColour = 0xFFFFFF;
-constexpr Colour kNoticeColour = 0xA8B0B8;
-constexpr size_t kLongestName = 64; /* units; what does not fit the pane is cut anyway */
+constexpr Colour kTitleColour = 0xF0F4F8;
+constexpr Colour kNoticeColour = 0xC8D0D8;
 
 /* In proportion to the pane, within what is readable and what covers little. */
 int text_size_in(const Rect &pane)
@@ -19,58 +23,87 @@ int text_size_in(const Rect &pane)
     return std::clamp(pane.h / kPaneToText, kSmallest_px, kLargest_px);
 }
 
+int title_size_in(const Rect &pane)
+{
+    constexpr int kPaneToTitle = 8, kSmallest_px = 20, kLargest_px = 96;
+    return std::clamp(pane.h / kPaneToTitle, kSmallest_px, kLargest_px);
+}
+
 int rim_of(int size_px)
 {
     return size_px >= 24 ? 2 : 1;
 }
 
+bool same_pane(const Rect &area, const DispAttrib &wanted)
+{
+    return area == Rect{wanted.x, wanted.y, wanted.w, wanted.h};
+}
+
 } // namespace
 
-std::u16string CameraNames::of(int channel) const
+PaneMarks::Placed PaneMarks::in_the_middle(const Pane &pane, const std::string &text, int size_px, int top,
+                                           Colour colour) const
 {
-    const auto found = given.find(channel);
-    const std::string number = std::to_string(channel + 1);
-    const std::string name = found != given.end()             ? found->second
-                             : language == Language::kChinese ? "通道" + number
-                                                              : "Camera " + number;
-    return units_of(name, script).substr(0, kLongestName);
+    if (text.empty()) return {};
+    const int rim = rim_of(size_px);
+    Placed placed;
+    placed.tile =
+        rimmed(font_->render(units_of(text, names_.script), size_px, pane.area.w - size_px), colour, rim);
+    placed.place = {pane.area.x + (pane.area.w - placed.tile.width) / 2, top, placed.tile.width,
+                    placed.tile.height};
+    return placed;
+}
+
+/* Notice and signs of a pane, made anew from its state. */
+void PaneMarks::word(Pane &pane, std::time_t now) const
+{
+    pane.title = pane.line = pane.signs = {};
+    const int size = text_size_in(pane.area), margin = size / 2;
+    pane.signs.tile = icons_of(pane.state, size * 3 / 4);
+    if (pane.signs.tile.width > 0)
+        pane.signs.place = {pane.area.right() - margin - pane.signs.tile.width,
+                            pane.area.bottom() - margin - pane.signs.tile.height, pane.signs.tile.width,
+                            pane.signs.tile.height};
+    if (!font_ || pane.state.notice == PaneNotice::kNone) return;
+    const NoticeText text = notice_text(pane.state, names_.text_of(pane.channel), now, names_.language);
+    const int title_size = title_size_in(pane.area);
+    const int title_height = text.title.empty() ? 0 : font_->line_height(title_size);
+    const int line_height = text.line.empty() ? 0 : font_->line_height(size);
+    const int top = pane.area.y + (pane.area.h - title_height - line_height) / 2;
+    pane.title = in_the_middle(pane, text.title, title_size, top, kTitleColour);
+    pane.line = in_the_middle(pane, text.line, size, top + title_height, kNoticeColour);
 }
 
 PaneMarks::Pane PaneMarks::make_pane(const DispAttrib &from)
 {
-    Pane pane = {from.channel, {from.x, from.y, from.w, from.h}, {}, {}, {}, {}, true};
-    const auto known = live_.find(pane.channel);
-    if (known != live_.end()) pane.live = known->second;
+    Pane pane = {from.channel, {from.x, from.y, from.w, from.h}, {}, {}, {}, {}, {}};
+    const auto known = states_.find(pane.channel);
+    if (known != states_.end()) pane.state = known->second;
+    word(pane, now_);
     if (!font_) return pane;
 
     const int size = text_size_in(pane.area), margin = size / 2;
     const int most = pane.area.w - 2 * margin;
-    auto text = [&](const std::u16string &units, Colour colour) {
-        return rimmed(font_->render(units, size, most), colour, rim_of(size));
-    };
-    pane.name = text(names_.of(pane.channel), kNameColour);
-    pane.name_place = {pane.area.x + margin, pane.area.bottom() - margin - pane.name.height, pane.name.width,
-                       pane.name.height};
-    pane.notice =
-        text(units_of(names_.language == Language::kChinese ? "无视频信号" : "No video", names_.script),
-             kNoticeColour);
-    pane.notice_place = {pane.area.x + (pane.area.w - pane.notice.width) / 2,
-                         pane.area.y + (pane.area.h - pane.notice.height) / 2, pane.notice.width,
-                         pane.notice.height};
+    pane.name.tile = rimmed(font_->render(names_.of(pane.channel), size, most), kNameColour, rim_of(size));
+    pane.name.place = {pane.area.x + margin, pane.area.bottom() - margin - pane.name.tile.height,
+                       pane.name.tile.width, pane.name.tile.height};
     return pane;
 }
 
-bool PaneMarks::lay(const std::vector<DispAttrib> &panes)
+bool PaneMarks::lay(const std::vector<DispAttrib> &panes, const std::vector<DispAttrib> &unused)
 {
     const bool same = std::equal(panes_.begin(), panes_.end(), panes.begin(), panes.end(),
                                  [](const Pane &pane, const DispAttrib &wanted) {
-                                     return pane.channel == wanted.channel &&
-                                            pane.area == Rect{wanted.x, wanted.y, wanted.w, wanted.h};
-                                 });
+                                     return pane.channel == wanted.channel && same_pane(pane.area, wanted);
+                                 }) &&
+                      std::equal(unused_.begin(), unused_.end(), unused.begin(), unused.end(), same_pane);
     if (same) return false;
     panes_.clear();
     for (const DispAttrib &pane : panes)
         panes_.push_back(make_pane(pane));
+    unused_.clear();
+    for (const DispAttrib &pane : unused)
+        unused_.push_back({pane.x, pane.y, pane.w, pane.h});
     return true;
 }
 
@@ -90,27 +123,51 @@ std::vector<Rect> PaneMarks::select(int channel)
     return damaged;
 }
 
-Rect PaneMarks::set_live(int channel, bool live)
+/* The whole pane where the dark pattern comes or goes, else the texts and signs that change. */
+Rect PaneMarks::set_state(int channel, const PaneState &state, std::time_t now)
 {
-    live_[channel] = live;
+    now_ = now;
+    states_[channel] = state;
+    Rect damaged;
     for (Pane &pane : panes_) {
-        if (pane.channel != channel || pane.live == live) continue;
-        pane.live = live;
-        return pane.notice_place;
+        if (pane.channel != channel || pane.state == state) continue;
+        const bool veils =
+            (pane.state.notice == PaneNotice::kNoVideo) != (state.notice == PaneNotice::kNoVideo);
+        auto texts = [&pane] { return around(around(pane.title.place, pane.line.place), pane.signs.place); };
+        const Rect before = texts();
+        pane.state = state;
+        word(pane, now);
+        damaged = around(damaged, veils ? pane.area : around(before, texts()));
     }
-    return {};
+    return damaged;
+}
+
+void PaneMarks::paint_pane(Canvas &canvas, const Pane &pane) const
+{
+    if (pane.state.notice == PaneNotice::kNoVideo) canvas.veil(pane.area);
+    const bool selected = pane.channel == selected_;
+    if (has_borders())
+        canvas.frame(pane.area, selected ? kHighlight_px : kBorder_px,
+                     selected ? kHighlightColour : kBorderColour);
+    for (const Placed *placed : {&pane.name, &pane.signs, &pane.title, &pane.line})
+        canvas.draw(placed->tile, placed->place.x, placed->place.y);
+}
+
+void PaneMarks::paint_unused(Canvas &canvas, const Rect &area) const
+{
+    constexpr int kPaneToMark = 8;
+    canvas.fill(area, kUnusedGround);
+    canvas.frame(area, kBorder_px, kBorderColour);
+    const Tile mark = unused_mark(area.h / kPaneToMark);
+    canvas.draw(mark, area.x + (area.w - mark.width) / 2, area.y + (area.h - mark.height) / 2);
 }
 
 void PaneMarks::paint(Canvas &canvas) const
 {
-    for (const Pane &pane : panes_) {
-        const bool selected = pane.channel == selected_;
-        if (has_borders())
-            canvas.frame(pane.area, selected ? kHighlight_px : kBorder_px,
-                         selected ? kHighlightColour : kBorderColour);
-        canvas.draw(pane.name, pane.name_place.x, pane.name_place.y);
-        if (!pane.live) canvas.draw(pane.notice, pane.notice_place.x, pane.notice_place.y);
-    }
+    for (const Rect &area : unused_)
+        paint_unused(canvas, area);
+    for (const Pane &pane : panes_)
+        paint_pane(canvas, pane);
 }
 
 const PaneMarks::Pane *PaneMarks::find(int channel) const
@@ -130,7 +187,19 @@ Rect PaneMarks::pane_of(int channel) const
 Rect PaneMarks::name_of(int channel) const
 {
     const Pane *pane = find(channel);
-    return pane ? pane->name_place : Rect{};
+    return pane ? pane->name.place : Rect{};
+}
+
+Rect PaneMarks::notice_of(int channel) const
+{
+    const Pane *pane = find(channel);
+    return pane ? around(pane->title.place, pane->line.place) : Rect{};
+}
+
+Rect PaneMarks::signs_of(int channel) const
+{
+    const Pane *pane = find(channel);
+    return pane ? pane->signs.place : Rect{};
 }
 
 } // namespace nvrec

@@ -1,6 +1,6 @@
 /*
  * overlay_panes.h - what stands in the panes: their borders, the selected one's highlight, the
- * cameras' names, and a line where a camera gives no picture.
+ * cameras' names and signs, what a camera without pictures has to say, and a mark where no camera is.
  */
 #pragma once
 
@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "nvrhal.h"
+#include "screen/camera_names.h"
 #include "screen/canvas.h"
-#include "screen/clock_face.h"
 #include "screen/font.h"
-#include "screen/glyphs.h"
+#include "screen/pane_state.h"
 
 namespace nvrec
 {
@@ -21,15 +21,7 @@ constexpr int kBorder_px = 2;    /* inside every pane, so twice that between two
 constexpr int kHighlight_px = 4; /* the selected pane's                          */
 constexpr Colour kBorderColour = 0x202428;
 constexpr Colour kHighlightColour = 0x2090F8;
-
-/** Names as the user gave them; a camera without one is called by its number, counted from 1. */
-struct CameraNames {
-    std::map<int, std::string> given; /* by channel */
-    Language language = Language::kEnglish;
-    ChineseScript script = ChineseScript::kAsTyped;
-
-    std::u16string of(int channel) const;
-};
+constexpr Colour kUnusedGround = 0x101418; /* of a pane that has no camera */
 
 class PaneMarks
 {
@@ -38,40 +30,53 @@ public:
     PaneMarks(Font *font, CameraNames names) : font_(font), names_(std::move(names)) {}
 
     /** Stand in these panes from now on. @return true when they are others than before. */
-    bool lay(const std::vector<DispAttrib> &panes);
+    bool lay(const std::vector<DispAttrib> &panes, const std::vector<DispAttrib> &unused);
 
     /** Highlight that channel. @return what has to be painted anew. */
     std::vector<Rect> select(int channel);
 
-    /** Whether the channel has a picture. @return what has to be painted anew. */
-    Rect set_live(int channel, bool live);
+    /** What stands with the channel's camera. @return what has to be painted anew. */
+    Rect set_state(int channel, const PaneState &state, std::time_t now);
 
     void paint(Canvas &canvas) const;
 
-    /** Where a channel is shown, and its name there; empty = nowhere. */
+    /** Where a channel is shown, and its name, notice and signs there; empty = nowhere. */
     Rect pane_of(int channel) const;
     Rect name_of(int channel) const;
+    Rect notice_of(int channel) const;
+    Rect signs_of(int channel) const;
+
+    /** The last pane that no camera uses; empty = all are used. */
+    Rect unused_pane() const { return unused_.empty() ? Rect{} : unused_.back(); }
 
 private:
+    struct Placed {
+        Tile tile;
+        Rect place; /* empty = it is not there */
+    };
     struct Pane {
         int channel;
         Rect area;
-        Tile name;
-        Rect name_place;
-        Tile notice; /* in the middle, while the camera gives no picture */
-        Rect notice_place;
-        bool live = true;
+        Placed name, title, line, signs;
+        PaneState state;
         bool operator==(const Pane &other) const { return channel == other.channel && area == other.area; }
     };
 
     Pane make_pane(const DispAttrib &from);
+    void word(Pane &pane, std::time_t now) const;
+    void paint_pane(Canvas &canvas, const Pane &pane) const;
+    void paint_unused(Canvas &canvas, const Rect &area) const;
+    Placed in_the_middle(const Pane &pane, const std::string &text, int size_px, int top,
+                         Colour colour) const;
     const Pane *find(int channel) const;
-    bool has_borders() const { return panes_.size() > 1; }
+    bool has_borders() const { return panes_.size() + unused_.size() > 1; }
 
     Font *const font_;
     const CameraNames names_;
     std::vector<Pane> panes_;
-    std::map<int, bool> live_;
+    std::vector<Rect> unused_;
+    std::map<int, PaneState> states_;
+    std::time_t now_ = 0; /* of the last state */
     int selected_ = 0;
 };
 

@@ -8,6 +8,7 @@
 
 #include "host/host.h"
 #include "wall/exit_code.h"
+#include "wall/jpeg.h"
 
 namespace nvrec
 {
@@ -30,7 +31,8 @@ std::string picture_problem(const std::string &text)
 {
     const size_t comma = text.rfind(',');
     if (comma == std::string::npos || picture_order(text).at_s) return {};
-    if (!text.substr(0, comma).ends_with(".png")) return {};
+    const std::string path = text.substr(0, comma);
+    if (!path.ends_with(".png") && !names_jpeg(path)) return {};
     return "no number of seconds, 0 or more, behind the comma: " + text;
 }
 
@@ -40,7 +42,13 @@ std::string take_picture(const std::string &path)
     const std::filesystem::path directory = std::filesystem::path(path).parent_path();
     if (!directory.empty()) std::filesystem::create_directories(directory, ignored);
 
-    return host::save_monitor_picture(path);
+    if (!names_jpeg(path)) return host::save_monitor_picture(path);
+    host::MonitorPicture picture;
+    const std::string problem = host::take_monitor_picture(&picture);
+    if (picture.rgb.empty()) return problem;
+    const auto jpeg = jpeg_of_rgb(picture.width, picture.height, picture.rgb.data());
+    if (!jpeg) return "this machine does not encode JPEG";
+    return write_picture_file(path, jpeg->data(), jpeg->size()) ? problem : "cannot write it";
 }
 
 std::optional<double> next_picture_s(const std::vector<PictureOrder> &orders)

@@ -1,4 +1,5 @@
-/* pictures.h - pictures of the wall that the user asked for: PNG files at given times, or at the end. */
+/* pictures.h - pictures of the wall that the user asked for: PNG or JPEG files at given times, or at the end.
+ */
 #pragma once
 
 #include <optional>
@@ -21,7 +22,8 @@ PictureOrder picture_order(const std::string &text);
 std::string picture_problem(const std::string &text);
 
 /**
- * Write what the monitor shows. Missing directories are made.
+ * Write what the monitor shows: JPEG where the name ends in ".jpg" or ".jpeg", else PNG. Missing directories
+ * are made.
  * @return an empty text, or why there is no picture.
  */
 std::string take_picture(const std::string &path);

@@ -57,13 +57,18 @@ bool Session::start(const OutputMode &mode, int channels)
 
 bool Session::apply(Layout layout)
 {
-    return show(make_panes(layout, mode_->width_px, mode_->height_px, channels_));
+    std::vector<DispAttrib> panes = make_panes(layout, mode_->width_px, mode_->height_px, pane_count(layout));
+    const auto used = std::min(panes.size(), static_cast<size_t>(channels_));
+    unused_.assign(panes.begin() + static_cast<std::ptrdiff_t>(used), panes.end());
+    panes.resize(used);
+    return show(std::move(panes));
 }
 
 bool Session::apply_single(int channel)
 {
     std::vector<DispAttrib> panes = make_panes(Layout::kSingle, mode_->width_px, mode_->height_px, 1);
     panes.front().channel = static_cast<uint16_t>(channel);
+    unused_.clear();
     return show(std::move(panes));
 }
 

@@ -70,6 +70,9 @@ public:
     int channels() const { return channels_; }
     const std::vector<DispAttrib> &panes() const { return panes_; }
 
+    /** Panes of the layout that no channel uses. */
+    const std::vector<DispAttrib> &unused_panes() const { return unused_; }
+
     /** Where a channel's picture lies in its pane; nothing = it has none. */
     std::optional<DispAttrib> picture_of(int channel) const;
 
@@ -82,6 +85,7 @@ private:
     const OutputMode *mode_ = nullptr;
     int channels_ = 0;
     std::vector<DispAttrib> panes_;
+    std::vector<DispAttrib> unused_;
     std::vector<DispAttrib> placed_; /* the pictures, as the library shows them */
     AspectOptions aspect_;
     std::array<PictureShape, NVRHAL_MAX_CAMERAS> shapes_;

@@ -1,0 +1,112 @@
+/* pane_texts.cpp - see pane_texts.h. */
+#include "screen/pane_texts.h"
+
+#include <iterator>
+
+#include "nvrhal/limits.h"
+#include "record/recording_status.h"
+
+namespace nvrec
+{
+namespace
+{
+
+struct NoticeRow {
+    PaneNotice notice;
+    const char *titles[2]; /* by Language */
+};
+
+constexpr NoticeRow kNotices[] = {
+    {PaneNotice::kNone, {"", ""}},
+    {PaneNotice::kMissing, {"No video", "无视频信号"}},
+    {PaneNotice::kNoVideo, {"No video", "无视频信号"}},
+    {PaneNotice::kRefused, {"Cannot be shown", "无法显示"}},
+    {PaneNotice::kWaitsForKey, {"", ""}},
+};
+
+constexpr const char *kWaitsForKey[2] = {"Waiting for the next key frame", "等待下一个关键帧"};
+
+constexpr const char *kDiskTexts[][2] = {
+    {"", ""},
+    {"The disk does not answer", "磁盘无响应"},
+    {"The disk is full", "磁盘已满"},
+    {"Recording fails", "录像失败"},
+};
+static_assert(std::size(kDiskTexts) == static_cast<size_t>(DiskState::kFailing) + 1);
+
+constexpr const char *kRecordingFails[2] = {"is not recorded", "录像失败"};
+
+constexpr bool rows_are_in_order()
+{
+    int expected = 0;
+    for (const NoticeRow &row : kNotices) {
+        if (static_cast<int>(row.notice) != expected++) return false;
+    }
+    return true;
+}
+static_assert(rows_are_in_order(), "a notice is found by its position");
+
+/* Both sizes in thousands of bytes. */
+std::string refusal_of(const PaneState &state, bool chinese)
+{
+    if (state.too_large_bytes == 0) return state.reason;
+    auto kilobytes = [](uint64_t bytes) { return std::to_string((bytes + 500) / 1000) + " kB"; };
+    const std::string size = kilobytes(state.too_large_bytes), most = kilobytes(NVRHAL_MAX_SEND_BYTES);
+    return chinese ? "关键帧 " + size + "，超过上限 " + most
+                   : "its key frame has " + size + "; the decoder takes " + most;
+}
+
+std::string line_of(const PaneState &state, const std::string &name, std::time_t now, bool chinese)
+{
+    switch (state.notice) {
+    case PaneNotice::kNone: return {};
+    case PaneNotice::kWaitsForKey: return kWaitsForKey[chinese];
+    case PaneNotice::kMissing:
+        if (!state.reason.empty()) return name + (chinese ? "：" : ": ") + state.reason;
+        return chinese ? name + "尚未接入" : name + " has not come yet";
+    case PaneNotice::kRefused: return refusal_of(state, chinese);
+    case PaneNotice::kNoVideo: break;
+    }
+    if (state.since == 0) return state.reason;
+    const std::string since = since_text(state.since, now);
+    return chinese ? "自 " + since + " 起" : "since " + since;
+}
+
+} // namespace
+
+std::string since_text(std::time_t since, std::time_t now)
+{
+    std::tm then = {}, today = {};
+    localtime_r(&since, &then);
+    localtime_r(&now, &today);
+    const bool same_day = then.tm_year == today.tm_year && then.tm_yday == today.tm_yday;
+    char text[32];
+    std::strftime(text, sizeof text, same_day ? "%H:%M:%S" : "%Y-%m-%d %H:%M:%S", &then);
+    return text;
+}
+
+NoticeText notice_text(const PaneState &state, const std::string &name, std::time_t now, Language language)
+{
+    const bool chinese = language == Language::kChinese;
+    return {kNotices[static_cast<int>(state.notice)].titles[chinese], line_of(state, name, now, chinese)};
+}
+
+std::string alarm_text(const RecordingView *recorder, const std::string &alarm, const CameraNames &names)
+{
+    const bool chinese = names.language == Language::kChinese;
+    const std::string colon = chinese ? "：" : ": ";
+    auto with = [&colon](const std::string &text, const std::string &detail) {
+        return detail.empty() ? text : text + colon + detail;
+    };
+    const DiskStatus disk = recorder ? recorder->disk() : DiskStatus{};
+    if (disk.state != DiskState::kGood)
+        return with(kDiskTexts[static_cast<size_t>(disk.state)][chinese], disk.trouble);
+    for (const RecordingStatus &stream : recorder ? recorder->recordings() : std::vector<RecordingStatus>()) {
+        if (stream.state != RecordingState::kFailing) continue;
+        const std::string name = names.text_of(stream.channel);
+        return with(name + (chinese ? "" : " ") + kRecordingFails[chinese], stream.last_error);
+    }
+    return alarm;
+}
+
+} // namespace nvrec

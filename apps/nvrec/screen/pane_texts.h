@@ -1,0 +1,33 @@
+/* pane_texts.h - what panes, the line at the top and the question at the end say, in both languages. */
+#pragma once
+
+#include <ctime>
+#include <string>
+
+#include "screen/camera_names.h"
+#include "screen/pane_state.h"
+
+namespace nvrec
+{
+
+class RecordingView;
+
+/** The notice in large letters, and the line below it; both may be empty. */
+struct NoticeText {
+    std::string title, line;
+};
+
+/** @param name  the camera's; @param now  to leave out the date of today */
+NoticeText notice_text(const PaneState &state, const std::string &name, std::time_t now, Language language);
+
+/**
+ * What is wrong with recording, the gravest first; empty = nothing.
+ * @param recorder  null = nobody records
+ * @param alarm     what else the recorder has to say
+ */
+std::string alarm_text(const RecordingView *recorder, const std::string &alarm, const CameraNames &names);
+
+/** "14:05:09", or "2026-03-01 14:05:09" where that is another day than now's. */
+std::string since_text(std::time_t since, std::time_t now);
+
+} // namespace nvrec
