@@ -102,7 +102,8 @@ int32_t Feeder::take_from_sub(const AccessUnit &unit, const StreamFacts &facts)
     const bool kept_out = is_kept_out(channel_);
     const int32_t result = send_to_decoder(unit, facts);
     count(unit, result == 0);
-    if (result == 0 && unit.key && is_decoded(channel_)) waits_for_key_.store(false, std::memory_order_relaxed);
+    if (result == 0 && unit.key && is_decoded(channel_))
+        waits_for_key_.store(false, std::memory_order_relaxed);
     return kept_out || is_kept_out(channel_) ? 0 : result;
 }
 

@@ -122,9 +122,9 @@ void Overlay::find_room_for_clock()
 }
 
 /* A camera's thread; one that came after start() has been left. */
-void Overlay::on_unit(int channel, const AccessUnit &unit, const StreamFacts & /*facts*/)
+void Overlay::on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts)
 {
-    if (running_) watch_.on_unit(channel, unit);
+    if (running_) watch_.on_unit(channel, unit, facts);
 }
 
 Clock::time_point Overlay::take_turn(Clock::time_point now)

@@ -34,11 +34,12 @@ void PaneWatch::start(WallControl &wall, std::function<void()> changed)
     analog_.start(wall.session().channels());
 }
 
-void PaneWatch::on_unit(int channel, const AccessUnit &unit)
+void PaneWatch::on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts)
 {
     if (channel < 0 || static_cast<size_t>(channel) >= seen_.size()) return;
     Seen &seen = seen_[static_cast<size_t>(channel)];
     seen.unit_at.store(Clock::now().time_since_epoch().count(), std::memory_order_relaxed);
+    seen.sound.store(facts.sound, std::memory_order_relaxed);
     if (unit.key) {
         const size_t size = unit.bytes.size();
         seen.refused_bytes.store(size > NVRHAL_MAX_SEND_BYTES ? size : 0, std::memory_order_relaxed);
@@ -61,7 +62,7 @@ PaneState PaneWatch::state_of(const Feeder &camera, Clock::time_point now) const
     Seen &seen = seen_[static_cast<size_t>(channel)];
     const CameraStatus status = camera.status();
     state.recording = wall_->recording(channel);
-    state.sound = status.facts.sound;
+    state.sound = seen.sound.load(std::memory_order_relaxed) && now - time_of(seen.unit_at) < kSilentAfter;
     state.motion = analog_.moves(channel);
     state.no_signal = analog_.has_no_signal(channel);
     if (!playback_has_the_screen()) {
@@ -88,7 +89,7 @@ PaneNotice PaneWatch::notice_of(const CameraStatus &status, uint64_t too_large_b
     case CameraState::kLive: break;
     }
     if (!status.waits_for_key) return PaneNotice::kNone;
-    if (too_large_bytes > 0) return PaneNotice::kRefused;
+    if (too_large_bytes > 0 && !status.sub_stream) return PaneNotice::kRefused;
     return now - laid_out_at_ >= kSettles ? PaneNotice::kWaitsForKey : PaneNotice::kNone;
 }
 

@@ -25,7 +25,7 @@ public:
     /** @param changed  a pane may have something else to say; from any thread */
     void start(WallControl &wall, std::function<void()> changed);
 
-    void on_unit(int channel, const AccessUnit &unit);
+    void on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts);
 
     /** All panes' decoders have been flushed. */
     void on_layout(Clock::time_point now) { laid_out_at_ = now; }
@@ -45,6 +45,7 @@ private:
     struct Seen {
         std::atomic<Clock::rep> unit_at = 0;
         std::atomic<uint64_t> refused_bytes = 0; /* of the last key frame, when it is too large; else 0 */
+        std::atomic<bool> sound = false;         /* its sound is taken                                  */
         std::atomic<bool> notice = false;        /* its pane says something that pictures end           */
     };
 

@@ -220,7 +220,6 @@ void Wall::note_shape(int channel, const StreamFacts &facts)
     const uint64_t shape = static_cast<uint64_t>(facts.width_px) << 32 | facts.height_px;
     const auto index = static_cast<size_t>(channel);
     if (index >= noted_shapes_.size() || noted_shapes_[index].exchange(shape) == shape) return;
-    shapes_stale_ = true;
     wakeup_.wake();
 }
 
@@ -385,7 +384,7 @@ void Wall::watch()
         }
         make_changes();
         if (layout_stale_.exchange(false)) lay_out();
-        if (shapes_stale_.exchange(false)) follow_shapes();
+        follow_shapes(); /* also those of a stream that has taken another's place */
         if (picture_s && seconds() >= *picture_s) take_due_pictures(*picture_s, false);
         if (Clock::now() >= progress_at) {
             terminal_.progress(progress_line());

@@ -145,7 +145,6 @@ private:
 
     std::atomic<int> running_ = 0;           /* feeders not at their end       */
     std::atomic<bool> layout_stale_ = false; /* a decoder was made anew        */
-    std::atomic<bool> shapes_stale_ = false; /* a camera's picture has changed its shape */
     std::array<std::atomic<uint64_t>, NVRHAL_MAX_CAMERAS> noted_shapes_ = {}; /* width << 32 | height */
 };
 
