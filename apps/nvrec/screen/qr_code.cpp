@@ -8,10 +8,6 @@
 #include <fstream>
 #include <vector>
 
-#include <arpa/inet.h>
-#include <ifaddrs.h>
-#include <net/if.h>
-#include <netinet/in.h>
 #include <unistd.h>
 
 #include "nvrhal.h"
@@ -88,24 +84,6 @@ Tile qr_tile(const std::string &text)
     if (file.path().empty()) return {};
     qrencode(text.c_str(), file.path().c_str());
     return grey_image(file.path());
-}
-
-std::string own_address()
-{
-    std::string address = "127.0.0.1";
-    ifaddrs *list = nullptr;
-    if (getifaddrs(&list) != 0) return "http://" + address + "/";
-    for (const ifaddrs *entry = list; entry; entry = entry->ifa_next) {
-        if (!entry->ifa_addr || entry->ifa_addr->sa_family != AF_INET) continue;
-        if ((entry->ifa_flags & IFF_LOOPBACK) != 0 || (entry->ifa_flags & IFF_UP) == 0) continue;
-        char text[INET_ADDRSTRLEN] = {};
-        const auto *internet = reinterpret_cast<const sockaddr_in *>(entry->ifa_addr);
-        if (!inet_ntop(AF_INET, &internet->sin_addr, text, sizeof text)) continue;
-        address = text;
-        break;
-    }
-    freeifaddrs(list);
-    return "http://" + address + "/";
 }
 
 } // namespace nvrec

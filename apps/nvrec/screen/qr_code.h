@@ -20,7 +20,4 @@ constexpr size_t kLongestQrText = 300;
  */
 Tile qr_tile(const std::string &text);
 
-/** "http://ADDRESS/" of this machine in its network; of the machine itself when it has none. */
-std::string own_address();
-
 } // namespace nvrec
