@@ -18,6 +18,8 @@ namespace
 {
 
 constexpr int kLongestSegment_s = 24 * kHour_s;
+constexpr int64_t kKeptFree_bytes =
+    64'000'000; /* retention looks every ten seconds; the index needs room, too */
 
 const std::map<std::string, Container> kContainers = {
     {"mp4", Container::kMp4},
@@ -76,8 +78,9 @@ Command record_command(CLI::App &app)
         ->allow_extra_args(false);
 
     auto recycle = std::make_shared<bool>(false);
-    record->add_flag("--recycle", *recycle,
-                     "Delete the oldest recordings of the directory when the disk is full");
+    record->add_flag(
+        "--recycle", *recycle,
+        "Delete the oldest recordings of the directory when less than 64 MB of the disk are free");
 
     return {record, [=] {
                 line.options->feed.sound_channels = UINT32_MAX;
@@ -87,6 +90,7 @@ Command record_command(CLI::App &app)
                 recorder.record = *options;
                 recorder.feed = line.options->feed;
                 recorder.recycle = *recycle;
+                if (*recycle) recorder.retention.least_free = kKeptFree_bytes;
                 if (!read_network_addresses(*network, line.options->inputs.size(), &recorder.network))
                     return static_cast<int>(kExitUsage);
                 std::vector<std::unique_ptr<Module>> modules;
