@@ -15,3 +15,10 @@ nvrhal_test(nvrec_archive_test
   LIBS nvrec_run nvrec_pieces vboard LABEL nvrec TIMEOUT 60)
 target_compile_definitions(nvrec_archive_test PRIVATE NVREC_CLIPS="${nvrec_archive_clips}")
 add_dependencies(nvrec_archive_test nvrec_archive_clips)
+
+nvrhal_test(nvrec_archive_command_test
+  ${CMAKE_CURRENT_SOURCE_DIR}/archive_command_test.cpp
+  LIBS nvrec_record_files nvrec_pieces vboard LABEL nvrec TIMEOUT 120)
+target_compile_definitions(nvrec_archive_command_test PRIVATE
+  NVREC_CLIPS="${nvrec_archive_clips}" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
+add_dependencies(nvrec_archive_command_test nvrec nvrec_archive_clips)

@@ -15,3 +15,5 @@ encode -f lavfi -i "testsrc2=size=64x48:rate=1:duration=3600" "${h264[@]}" -g 60
 encode -f lavfi -i "testsrc2=size=64x48:rate=25:duration=20" "${h264[@]}" -g 25 "${fragments[@]}" seconds.mp4
 encode -i seconds.mp4 -c copy -cluster_time_limit 1000 seconds.mkv
 encode -i seconds.mp4 -c copy plain.mp4
+encode -f lavfi -i "testsrc2=size=64x48:rate=25:duration=20" -c:v libx264 -preset veryfast -bf 3 -pix_fmt yuv420p \
+    -sc_threshold 0 -g 25 "${fragments[@]}" reordered.mp4

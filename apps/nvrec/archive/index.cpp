@@ -138,6 +138,8 @@ int64_t Index::camera_number(int channel, const std::string &name)
     Statement name_it(database_.handle(), "UPDATE cameras SET name = ? WHERE channel = ? AND name = ''");
     if (!name.empty() && name_it.bind(0, name).bind(1, channel).run() && database_.changed() > 0)
         return camera_number(channel, name);
+    Statement named(database_.handle(), "SELECT id FROM cameras WHERE channel = ? ORDER BY id DESC");
+    if (name.empty() && named.bind(0, channel).next()) return named.number(0);
     Statement put(database_.handle(), "INSERT INTO cameras (channel, name) VALUES (?, ?)");
     return put.bind(0, channel).bind(1, name).run() ? database_.last_row() : 0;
 }

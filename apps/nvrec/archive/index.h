@@ -24,6 +24,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "archive/database.h"
@@ -121,6 +122,13 @@ public:
     std::vector<EventRow> events(const IndexQuery &query);
     std::vector<PinRow> pins();
     std::optional<SegmentRow> segment(const std::string &path);
+
+    /** How large each file is that it knows, by its name, and whether it is finished. */
+    struct KnownFile {
+        int64_t bytes = 0;
+        bool finished = false;
+    };
+    std::unordered_map<std::string, KnownFile> known_files();
 
     /** The last segment that begins before a time, and the first one that begins at it or later. */
     std::optional<SegmentRow> segment_before(const IndexQuery &query, int64_t at_us);

@@ -46,6 +46,16 @@ SegmentRow Index::segment_of(const Statement &row) const
     return segment;
 }
 
+std::unordered_map<std::string, Index::KnownFile> Index::known_files()
+{
+    std::unordered_map<std::string, KnownFile> known;
+    known.reserve(static_cast<size_t>(database_.number("SELECT count(*) FROM segments", 0)));
+    Statement find(database_.handle(), "SELECT file, bytes, finished FROM segments");
+    while (find.next())
+        known.emplace(find.text(0), KnownFile{find.number(1), find.number(2) != 0});
+    return known;
+}
+
 /* The condition's two parameters are the span's ends. */
 std::vector<SegmentRow> Index::segments_where(const std::string &condition, const IndexQuery &query,
                                               const std::string &order, int64_t most)

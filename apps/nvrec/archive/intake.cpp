@@ -4,13 +4,13 @@
 #include <algorithm>
 #include <cctype>
 #include <ctime>
-#include <map>
 
 #include <dirent.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "archive/file_extent.h"
+#include "archive/time_of_day.h"
 
 namespace nvrec
 {
@@ -93,8 +93,13 @@ std::optional<RecordingName> recording_name(std::string_view file)
         name = with_offset;
         says.from_us = (timegm(&parts) - (east ? 60 : -60) * (60 * hours + minutes)) * kNameSecond_us;
     } else {
+        /* Of an hour that occurs twice, names without an offset are of the first. */
+        char clock[40];
+        std::strftime(clock, sizeof clock, "%Y-%m-%dT%H:%M:%S", &parts);
+        std::string problem;
+        const auto first = read_time(clock, 0, &problem);
         parts.tm_isdst = -1;
-        says.from_us = mktime(&parts) * kNameSecond_us;
+        says.from_us = first ? *first : mktime(&parts) * kNameSecond_us;
     }
     if (name.take("-") && name.digits(1, 6) < 0) return std::nullopt;
     if (name.rest() != ".mp4" && name.rest() != ".mkv") return std::nullopt;
@@ -139,18 +144,17 @@ void cut_back(const std::string &path, FileExtent *extent, IntakeResult *result)
 IntakeResult take_in(Index &index, const std::vector<ListedFile> &files, const IntakeOptions &options)
 {
     IntakeResult result;
-    std::map<std::string, SegmentRow> known;
-    for (SegmentRow &row : index.segments({{}, ""}))
-        known.emplace(name_in_directory(row.path), std::move(row));
+    auto known = index.known_files();
 
     std::optional<Transaction> transaction;
     size_t in_transaction = 0;
     for (const ListedFile &file : files) {
         const auto found = known.find(file.name);
-        SegmentRow row = found == known.end() ? SegmentRow() : found->second;
         const bool is_new = found == known.end();
+        const Index::KnownFile as_known = is_new ? Index::KnownFile() : found->second;
         if (!is_new) known.erase(found);
-        if (!is_new && row.bytes == file.bytes && (row.finished || !options.repair)) continue;
+        if (!is_new && as_known.bytes == file.bytes && (as_known.finished || !options.repair)) continue;
+        SegmentRow row = is_new ? SegmentRow() : index.segment(file.name).value_or(SegmentRow());
         if (!transaction) transaction.emplace(index.database());
         const std::string path = index.directory() + "/" + file.name;
         FileExtent extent = extent_of(path);
@@ -177,8 +181,8 @@ IntakeResult take_in(Index &index, const std::vector<ListedFile> &files, const I
         }
     }
     if (!known.empty() && !transaction) transaction.emplace(index.database());
-    for (const auto &[name, row] : known)
-        result.removed += index.remove_segment(row.path);
+    for (const auto &[name, unused] : known)
+        result.removed += index.remove_segment(name);
     if (transaction) transaction->commit();
     return result;
 }

@@ -35,5 +35,10 @@ Command check_command(CLI::App &app);
 Command status_command(CLI::App &app);
 Command event_command(CLI::App &app);
 Command reload_command(CLI::App &app);
+Command find_command(CLI::App &app);
+Command list_command(CLI::App &app);
+Command export_command(CLI::App &app);
+Command pin_command(CLI::App &app);
+Command unpin_command(CLI::App &app);
 
 } // namespace nvrec

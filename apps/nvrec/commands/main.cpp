@@ -39,7 +39,9 @@ int run(int argc, char **argv)
         nvrec::run_command(app),    nvrec::check_command(app),  nvrec::status_command(app),
         nvrec::event_command(app),  nvrec::reload_command(app), nvrec::wall_command(app),
         nvrec::record_command(app), nvrec::play_command(app),   nvrec::snapshot_command(app),
-        nvrec::key_command(app),    nvrec::board_command(app),
+        nvrec::key_command(app),    nvrec::board_command(app),  nvrec::find_command(app),
+        nvrec::list_command(app),   nvrec::export_command(app), nvrec::pin_command(app),
+        nvrec::unpin_command(app),
     };
     try {
         app.name(arguments.empty() ? "nvrec" : arguments.front());

@@ -1,0 +1,154 @@
+/* clip.cpp - see clip.h: what a clip is made of, file by file. */
+#include "archive/clip.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "archive/clip_files.h"
+#include "archive/edit_list.h"
+
+namespace nvrec
+{
+namespace
+{
+
+/* Recordings follow one another within this: less is no gap to a user. */
+constexpr int64_t kNoGap_us = 1'500'000;
+
+class ClipMaker
+{
+public:
+    explicit ClipMaker(const ClipOptions &options) : options_(options) {}
+
+    ClipResult make(const std::vector<SegmentRow> &segments)
+    {
+        for (const SegmentRow &segment : segments) {
+            if (!result_.problem.empty()) break;
+            copy(segment);
+        }
+        finish();
+        tell_gaps();
+        if (result_.files.empty() && result_.problem.empty())
+            result_.problem = "nothing is recorded in that time";
+        return std::move(result_);
+    }
+
+private:
+    void copy(const SegmentRow &segment)
+    {
+        ClipSource source;
+        if (!source.open(segment.path, segment.from_us, options_.span.from_us)) {
+            result_.unreadable.push_back(segment.path + ": " + source.error());
+            return;
+        }
+        ClipPacket packet;
+        bool begun = false;
+        while (result_.problem.empty() && source.read(&packet)) {
+            if (!packet.sound && !begun) {
+                if (!packet.key) continue;
+                begun = true;
+                if (!output_ || !output_->can_take(source)) {
+                    finish();
+                    if (!begin(source, packet)) return;
+                }
+            }
+            if (!begun && !output_) continue;
+            if (packet.sound) {
+                if (packet.wall_us < options_.span.to_us && !output_->write(packet)) fail();
+                continue;
+            }
+            /* Behind a picture at or after the end there may be earlier ones, up to the next key frame. */
+            if (packet.key && packet.wall_us >= options_.span.to_us) break;
+            if (options_.exact && packet.dts_us >= options_.span.to_us) break;
+            note(packet.wall_us, packet.wall_us + packet.duration_us);
+            if (!output_->write(packet)) fail();
+        }
+        if (!source.error().empty()) result_.unreadable.push_back(segment.path + ": " + source.error());
+    }
+
+    bool begin(const ClipSource &source, const ClipPacket &first)
+    {
+        const std::string path = numbered(result_.files.size());
+        output_ = std::make_unique<ClipOutput>();
+        /* With an edit list the part before `from` has negative times. */
+        const int64_t origin_us =
+            options_.exact ? std::max(options_.span.from_us, first.wall_us) : first.wall_us;
+        result_.files.push_back({path, {origin_us, origin_us}, 0});
+        if (output_->open(path, source, origin_us)) return true;
+        fail();
+        output_.reset();
+        result_.files.pop_back();
+        return false;
+    }
+
+    std::string numbered(size_t count) const
+    {
+        if (count == 0) return options_.path;
+        const size_t dot = options_.path.find_last_of('.');
+        return options_.path.substr(0, dot) + "-" + std::to_string(count + 1) + options_.path.substr(dot);
+    }
+
+    void note(int64_t from_us, int64_t to_us)
+    {
+        ClipFile &file = result_.files.back();
+        ++file.pictures;
+        file.span.to_us = std::max(file.span.to_us, to_us);
+        if (!held_.empty() && from_us <= held_.back().to_us + kNoGap_us && from_us >= held_.back().from_us)
+            held_.back().to_us = std::max(held_.back().to_us, to_us);
+        else
+            held_.push_back({from_us, to_us});
+    }
+
+    void finish()
+    {
+        if (!output_) return;
+        ClipFile &file = result_.files.back();
+        if (!output_->close()) fail();
+        output_.reset();
+        if (!options_.exact || !result_.problem.empty()) return;
+        file.span.to_us = std::min(file.span.to_us, options_.span.to_us);
+        result_.problem = set_shown_length(file.path, file.span.to_us - file.span.from_us);
+    }
+
+    void fail()
+    {
+        result_.write_failed = true;
+        if (result_.problem.empty()) result_.problem = result_.files.back().path + ": " + output_->error();
+    }
+
+    /* What of the span no picture covers. */
+    void tell_gaps()
+    {
+        int64_t until_us = options_.span.from_us;
+        for (const TimeSpan &span : held_) {
+            if (span.from_us > until_us + kNoGap_us) result_.gaps.push_back({until_us, span.from_us});
+            until_us = std::max(until_us, span.to_us);
+        }
+        if (!held_.empty() && options_.span.to_us > until_us + kNoGap_us)
+            result_.gaps.push_back({until_us, options_.span.to_us});
+    }
+
+    const ClipOptions options_;
+    ClipResult result_;
+    std::unique_ptr<ClipOutput> output_;
+    std::vector<TimeSpan> held_;
+};
+
+} // namespace
+
+std::string clip_path_problem(const std::string &path, bool exact)
+{
+    const size_t dot = path.find_last_of('.');
+    const std::string ending = dot == std::string::npos ? "" : path.substr(dot);
+    if (ending == ".mkv")
+        return exact ? path + ": an exact clip needs an edit list, which .mp4 has and .mkv has not" : "";
+    if (ending == ".mp4" || ending == ".mov") return {};
+    return path + ": a clip is called .mp4, .mov or .mkv";
+}
+
+ClipResult write_clip(const std::vector<SegmentRow> &segments, const ClipOptions &options)
+{
+    return ClipMaker(options).make(segments);
+}
+
+} // namespace nvrec
