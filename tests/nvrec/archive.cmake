@@ -11,6 +11,7 @@ nvrhal_test(nvrec_archive_test
   ${CMAKE_CURRENT_SOURCE_DIR}/archive_index_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/archive_intake_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/archive_writer_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/time_line_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/time_of_day_test.cpp
   LIBS nvrec_run nvrec_pieces vboard LABEL nvrec TIMEOUT 60)
 target_compile_definitions(nvrec_archive_test PRIVATE NVREC_CLIPS="${nvrec_archive_clips}")

@@ -14,7 +14,18 @@ stamped_stream(play_1.h265 --codec h265 --frames 125 --gop 25 --channel 21 ${pla
 stamped_stream(play_camera_0.h265 --codec h265 --frames 40 --gop 10 --channel 1 ${play_stream})
 stamped_stream(play_camera_1.h264 --codec h264 --frames 40 --gop 10 --channel 2 ${play_stream})
 
-foreach(name play_test snapshot_test zoom_test)
+# The same in a container, with pictures that are shown in another order than they are decoded.
+set(play_reordered ${STAMPED_STREAM_DIR}/play_reordered.mp4)
+add_custom_command(OUTPUT ${play_reordered}
+  COMMAND ffmpeg -nostdin -v error -y -r 25 -i ${STAMPED_STREAM_DIR}/play_0.h264
+    -c:v libx264 -preset veryfast -bf 3 -g 25 -keyint_min 25 -sc_threshold 0 -pix_fmt yuv420p
+    -movflags frag_keyframe+empty_moov+default_base_moof ${play_reordered}
+  DEPENDS stream_play_0.h264
+  COMMENT "Encoding a recording with reordered pictures"
+  VERBATIM)
+add_custom_target(nvrec_play_reordered DEPENDS ${play_reordered})
+
+foreach(name play_test play_archive_test snapshot_test zoom_test)
   nvrhal_test(nvrec_${name}
     ${CMAKE_CURRENT_LIST_DIR}/${name}.cpp
     LIBS nvrec_run stamp LABEL nvrec TIMEOUT 120)
@@ -23,6 +34,7 @@ foreach(name play_test snapshot_test zoom_test)
   add_dependencies(nvrec_${name} nvrec stream_play_0.h264 stream_play_1.h265 stream_play_camera_0.h265
     stream_play_camera_1.h264)
 endforeach()
+add_dependencies(nvrec_play_archive_test nvrec_play_reordered)
 # The zoom's arithmetic, too.
 target_link_libraries(nvrec_zoom_test PRIVATE nvrec_pieces)
 

@@ -112,6 +112,9 @@ public:
     /** True for a network address: units come when they come, and the line may break. */
     bool live() const { return source_.live(); }
 
+    /** Units that a decoder holds back before it shows the first; known once a unit was read. */
+    int held_back() const { return source_.held_back(); }
+
     const std::string &address() const { return source_.address(); }
     const StreamFacts &facts() const { return source_.facts(); }
     const std::string &error() const { return source_.error(); }

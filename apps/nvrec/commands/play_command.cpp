@@ -1,14 +1,18 @@
 /* play_command.cpp - "nvrec play": the command line of playback in the wall. */
 #include <algorithm>
 #include <cstdio>
+#include <map>
 #include <memory>
 
 #include <CLI/CLI.hpp>
 
+#include "archive/time_of_day.h"
+#include "commands/archive_options.h"
 #include "commands/command.h"
 #include "commands/module_options.h"
 #include "commands/screen_options.h"
 #include "controls/controls.h"
+#include "play/play_screen.h"
 #include "play/play_script.h"
 #include "play/player.h"
 #include "play/snapshot.h"
@@ -23,6 +27,9 @@ namespace
 struct PlayCommand {
     WallOptions wall; /* its inputs are the cameras */
     PlayerOptions player;
+    std::string directory, at, stream = "main"; /* of recordings, instead of files */
+    std::vector<std::string> cameras;
+    PlayScreenOptions screen;
     ControlOptions controls;
     ZoomOptions zoom;
     std::string script;
@@ -77,13 +84,62 @@ void add_verbs(Script &script, int files, Player &player, Zoom &zoom, Snapshots 
     script.add_verb("end", {}, [&](const Arguments &) { player.end(); });
 }
 
+/* The cameras that are meant, each once, in the order in which they are named. */
+int choose_cameras(const PlayCommand &command, Archive *archive, std::vector<CameraRow> *chosen)
+{
+    std::vector<std::string> names = command.cameras;
+    if (names.empty()) names.emplace_back();
+    for (const std::string &name : names) {
+        std::string problem;
+        const auto rows = cameras_named(archive->index, name, &problem);
+        if (rows.empty()) return complain(name.empty() ? kExitInputFailed : kExitUsage, problem);
+        for (const CameraRow &row : rows) {
+            if (std::find(chosen->begin(), chosen->end(), row) == chosen->end()) chosen->push_back(row);
+        }
+    }
+    return kExitDone;
+}
+
+/* What is played of a directory, and from when on. */
+int plan_directory(PlayCommand *command)
+{
+    Archive archive;
+    const std::string problem = open_archive(command->directory, &archive);
+    for (const std::string &note : archive.notes)
+        complain(kExitDone, note);
+    if (!problem.empty()) return complain(kExitInputFailed, problem);
+    std::vector<CameraRow> cameras;
+    if (const int code = choose_cameras(*command, &archive, &cameras); code != kExitDone) return code;
+    command->player.plan = plan_of_archive(archive.index, cameras, command->stream);
+    if (command->player.plan.tracks.empty())
+        return complain(kExitInputFailed, command->directory + " holds no recordings of that stream");
+    if (command->at.empty()) return kExitDone;
+    const auto at_us = time_given("--at", command->at);
+    if (!at_us) return kExitUsage;
+    command->player.at_us = *at_us;
+    const IndexQuery query = {numbers_of(cameras), command->stream, {*at_us, *at_us + 1}};
+    if (!archive.index.segments(query).empty()) return kExitDone;
+    const auto next = archive.index.segment_after(query, *at_us);
+    if (!next) return complain(kExitInputFailed, "nothing is recorded at " + time_text(*at_us) + " or later");
+    complain(kExitDone,
+             "nothing is recorded at " + time_text(*at_us) + "; playing from " + time_text(next->from_us));
+    command->player.at_us = next->from_us;
+    return kExitDone;
+}
+
 int run_play(PlayCommand command)
 {
-    if (!count_fits(command.player.files.size(), "files") ||
-        !count_fits(command.wall.inputs.size(), "cameras"))
+    if (command.directory.empty() == command.player.files.empty())
+        return complain(kExitUsage, "play takes recordings, or --dir with recordings in it");
+    if (!command.directory.empty()) {
+        if (const int code = plan_directory(&command); code != kExitDone) return code;
+    } else {
+        command.player.plan = plan_of_files(command.player.files);
+    }
+    const size_t tracks = command.player.plan.tracks.size();
+    if (!count_fits(tracks, "recordings") || !count_fits(command.wall.inputs.size(), "cameras"))
         return kExitUsage;
-    command.wall.channels =
-        static_cast<int>(std::min<size_t>(command.player.files.size(), Playback::kPlayers));
+    command.wall.channels = static_cast<int>(std::min<size_t>(tracks, Playback::kPlayers));
     command.wall.feed.loop = true; /* cameras that are files do not end */
     command.wall.wait_for_all = true;
     command.player.output = command.wall.output;
@@ -94,7 +150,7 @@ int run_play(PlayCommand command)
     auto zoom = std::make_unique<Zoom>(
         command.zoom, [files = player.get()](int channel) { return files->picture_size(channel); });
     auto snapshots = std::make_unique<Snapshots>(command.snapshot_dir);
-    add_verbs(*script, static_cast<int>(command.player.files.size()), *player, *zoom, *snapshots);
+    add_verbs(*script, static_cast<int>(tracks), *player, *zoom, *snapshots);
     const std::string problem = script->parse(command.script);
     if (!problem.empty()) {
         std::fprintf(stderr, "nvrec: --do: %s\n", problem.c_str());
@@ -102,6 +158,7 @@ int run_play(PlayCommand command)
     }
     if (script->contains_verb("play")) player->wait_for_order();
     add_controls(wall, command.controls);
+    wall.add(std::make_unique<PlayScreen>(command.screen, *player));
     wall.add(std::move(player));
     wall.add(std::move(snapshots));
     wall.add(std::move(zoom));
@@ -117,13 +174,26 @@ Command play_command(CLI::App &app)
     CLI::App *play = app.add_subcommand("play", "Play 1 to " + std::to_string(kMostInputs) +
                                                     " recorded files on one screen");
     play->footer(
+        "Files that nvrec recorded of one camera are one picture, one behind the other. With --dir and --at\n"
+        "cameras play in step from a time of day on: 14:05, \"yesterday 14:05\", 2026-11-21T14:05, -10m.\n"
         "File and channel numbers count from 0 in the order given. Eight files play at once; of more,\n"
         "each eight make a page. --do acts at given seconds, e.g. --do \"2:pause,3:resume,4:seek 10\";\n"
         "its verbs: play, pause, resume, seek S, skip S, speed N, enlarge FILE, back, page N,\n"
         "hear FILE, live, snapshot CHANNEL, zoom CHANNEL X Y W H, unzoom, end. With \"play\" among them\n"
         "playback begins then, and at once without. Exit status as of wall.");
 
-    play->add_option("files", command->player.files, "Recordings: MP4, MKV, .h264, .h265, ...")->required();
+    play->add_option("files", command->player.files, "Recordings: MP4, MKV, .h264, .h265, ...");
+    play->add_option("--dir", command->directory, "Play what is recorded in this directory instead of files");
+    play->add_option("--at", command->at, "Begin at this time of day, all cameras in step")->needs("--dir");
+    play->add_option("--camera", command->cameras,
+                     "Of the directory this camera only: its name, or its channel from 0; may be repeated")
+        ->take_all()
+        ->allow_extra_args(false)
+        ->needs("--dir");
+    play->add_option("--stream", command->stream, "Of the directory: main, or network, the smaller stream")
+        ->check(CLI::IsMember(std::vector<std::string>{"main", "network"}))
+        ->needs("--dir")
+        ->capture_default_str();
     play->add_option("--live", command->wall.inputs,
                      "Cameras that are shown before and after; may be repeated")
         ->take_all()
@@ -144,6 +214,15 @@ Command play_command(CLI::App &app)
     play->add_option("--do", command->script, "What to do when, see below");
     play->add_option("--snapshot-dir", command->snapshot_dir, "Where snapshots go")->capture_default_str();
     play->add_option("--json", command->player.json_path, "Write the files' closing table as JSON too");
+    play->add_option("--overlay", command->screen.mode,
+                     "Time line, names and cursor: auto (when there is a window), on, off")
+        ->transform(CLI::CheckedTransformer(std::map<std::string, OverlayMode>{{"auto", OverlayMode::kAuto},
+                                                                               {"on", OverlayMode::kOn},
+                                                                               {"off", OverlayMode::kOff}},
+                                            CLI::ignore_case))
+        ->default_str("auto");
+    play->add_option("--font", command->screen.font_path, "Font file (default: the system's for Chinese)")
+        ->check(CLI::ExistingFile);
     add_control_options(*play, command->controls);
     add_zoom_options(*play, command->zoom);
 

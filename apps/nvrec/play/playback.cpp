@@ -16,10 +16,17 @@ constexpr int kLastTries = 5;
 
 } // namespace
 
+Playback::Playback(const std::vector<TrackPlan> &tracks)
+{
+    for (size_t i = 0; i < tracks.size(); ++i)
+        tracks_.push_back(std::make_unique<PlaybackTrack>(tracks[i], static_cast<int>(i) % kPlayers));
+}
+
 Playback::Playback(const std::vector<std::string> &files)
 {
     for (size_t i = 0; i < files.size(); ++i)
-        tracks_.push_back(std::make_unique<PlaybackTrack>(files[i], static_cast<int>(i) % kPlayers));
+        tracks_.push_back(
+            std::make_unique<PlaybackTrack>(TrackPlan{"", {{files[i], 0}}}, static_cast<int>(i) % kPlayers));
 }
 
 Playback::~Playback()
@@ -100,6 +107,33 @@ int64_t Playback::seek(int64_t position_us)
     catch_up();
     wake_.notify();
     return anchor_us_;
+}
+
+void Playback::seek_exactly(int64_t position_us)
+{
+    const auto guard = hold();
+    for (const size_t i : shown_)
+        tracks_[i]->flush();
+    anchor(std::max<int64_t>(0, position_us));
+    position_tracks();
+    wake_.notify();
+}
+
+bool Playback::ends_before(int64_t position_us)
+{
+    const auto guard = hold();
+    return std::all_of(shown_.begin(), shown_.end(),
+                       [&](size_t i) { return tracks_[i]->ends_before(position_us); });
+}
+
+int64_t Playback::next_due_us() const
+{
+    const auto guard = hold();
+    int64_t next_us = INT64_MAX;
+    for (const size_t i : shown_) {
+        if (!tracks_[i]->at_end()) next_us = std::min(next_us, tracks_[i]->next().due_us);
+    }
+    return next_us;
 }
 
 void Playback::set_speed(double speed)
@@ -189,10 +223,38 @@ void Playback::catch_up()
         track->wait_for_decoder(); /* as fast as it decodes, and no faster: its buffer is small */
         deliver(*track, false);
     }
+    /* Nothing follows in a paused recording that would bring the last pictures out. */
+    if (paused_) push_out();
     wait_for_decoders();
+    darken(anchor_us_);
     anchor(anchor_us_);
     ended_ = false;
     orders_ = true;
+}
+
+void Playback::push_out()
+{
+    for (const size_t i : shown_)
+        tracks_[i]->push_out(speed_ >= kDoubleSpeed);
+}
+
+/* When a gap has to be seen next. */
+int64_t Playback::dark_from_us() const
+{
+    int64_t first_us = INT64_MAX;
+    for (const size_t i : shown_)
+        first_us = std::min(first_us, tracks_[i]->dark_from_us());
+    return first_us;
+}
+
+/* A gap is seen as one: where nothing was recorded no picture stands. */
+void Playback::darken(int64_t position_us)
+{
+    for (const size_t i : shown_) {
+        if (tracks_[i]->dark_from_us() > position_us) continue;
+        tracks_[i]->flush();
+        tracks_[i]->note_dark();
+    }
 }
 
 void Playback::wait_for_decoders() const
@@ -213,13 +275,17 @@ void Playback::run()
             wake_.wait(guard, changed);
             continue;
         }
-        const int64_t wait_us = track->next().due_us - position_at(Clock::now());
+        const int64_t now_us = position_at(Clock::now());
+        darken(now_us);
+        const int64_t until_us = std::min(track->next().due_us, dark_from_us());
+        const int64_t wait_us = until_us - now_us;
         if (wait_us < -kLatest_us) anchor(track->next().due_us);
         const auto wait = std::chrono::duration<double, std::micro>(static_cast<double>(wait_us) / speed_);
         if (wait_us > 0 &&
             wake_.wait_until(guard, Clock::now() + std::chrono::duration_cast<Clock::duration>(wait),
                              changed))
             continue;
+        if (until_us < track->next().due_us) continue; /* a gap begins */
         deliver(*track, true);
     }
 }
@@ -233,12 +299,15 @@ void Playback::deliver(PlaybackTrack &track, bool with_sound)
     else
         track.drop_sound(due_us);
     track.deliver(speed_ >= kDoubleSpeed);
-    if (key_frames_only()) track.skip_to_key();
+    if (!key_frames_only()) return;
+    track.push_out(true); /* the next one comes much later */
+    track.skip_to_key();
 }
 
 /* All shown files are through: their last pictures are to be seen before anyone acts on it. */
 void Playback::end()
 {
+    push_out();
     /* On a PC that is slower than the recording much may be left to decode. */
     for (int tries = 0; tries < kLastTries; ++tries)
         wait_for_decoders();

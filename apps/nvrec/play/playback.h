@@ -37,6 +37,8 @@ public:
     /** The library plays on decoder channels 0 to 7: that many files run at once. */
     static constexpr int kPlayers = NVRHAL_PLAYBACK_CHANNELS;
 
+    explicit Playback(const std::vector<TrackPlan> &tracks);
+    /** A track a file. */
     explicit Playback(const std::vector<std::string> &files);
     ~Playback();
 
@@ -64,6 +66,12 @@ public:
     void pause(bool paused);
     /** Go to a place, every shown file to a key frame at or before it; back the position reached. */
     int64_t seek(int64_t position_us);
+    /** The same, but to that very place: a time of day, which is one for all of them. */
+    void seek_exactly(int64_t position_us);
+    /** Whether a place lies behind the end of all shown files. A seek has to follow. */
+    bool ends_before(int64_t position_us);
+    /** When the next picture of any shown file is due; INT64_MAX = there is none. */
+    int64_t next_due_us() const;
     /** Times the recorded rate: 1 or 2, or more, which shows key frames only. */
     void set_speed(double speed);
     /** Hear that file; -1 = none. */
@@ -90,6 +98,9 @@ private:
     PlaybackTrack *next_track(int64_t until_us);
     void catch_up();
     void wait_for_decoders() const;
+    void push_out();
+    int64_t dark_from_us() const;
+    void darken(int64_t position_us);
     void deliver(PlaybackTrack &track, bool with_sound);
     void end();
     int64_t position_at(Clock::time_point now) const;

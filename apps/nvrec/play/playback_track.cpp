@@ -1,9 +1,12 @@
 /* playback_track.cpp - see playback_track.h. */
 #include "play/playback_track.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
+#include <utility>
 
+#include "camera/address.h"
 #include "nvrhal.h"
 
 namespace nvrec
@@ -14,6 +17,8 @@ namespace
 constexpr auto kOpenLimit = std::chrono::seconds(10);
 constexpr auto kDecoderPatience = std::chrono::seconds(2);
 constexpr uint32_t kDoubleRate = 2; /* FrameInfo::display_rate */
+/* Pictures further apart have a gap between them, unless the camera sends so few. */
+constexpr int64_t kLeastGap_us = 2'000'000;
 
 FrameInfo empty_buffer(int decoder)
 {
@@ -39,59 +44,146 @@ bool PlaybackTrack::stop(const std::string &why)
     return false;
 }
 
+int64_t PlaybackTrack::frame_us() const
+{
+    const double rate = facts().frame_rate;
+    return rate > 0 ? static_cast<int64_t>(1e6 / rate) : 0;
+}
+
+/* Open a file of the track; nothing of it is held yet. */
+bool PlaybackTrack::open_file(size_t number)
+{
+    const TrackFile &file = plan_.files[number];
+    const Codec before = facts().codec;
+    auto input = std::make_unique<Input>(file.address);
+    if (input->live()) return stop(shown_address(file.address) + ": it is a camera and no recording");
+    input->want_sound();
+    if (!input->open(kOpenLimit)) return stop(file.address + ": " + input->error());
+    if (input_ && input->facts().codec != before)
+        return stop(file.address + ": its codec is another one than before");
+    input_ = std::move(input);
+    file_ = number;
+    return true;
+}
+
+/* At the end of a file: hold the first key frame of the next one that can be played. */
+bool PlaybackTrack::open_next_file()
+{
+    for (size_t number = file_ + 1; number < plan_.files.size(); ++number) {
+        if (open_file(number) && hold(input_->read_key(&next_))) return true;
+    }
+    file_ = plan_.files.size() - 1;
+    at_end_ = true;
+    return false;
+}
+
 bool PlaybackTrack::hold(Input::Read result)
 {
-    if (result == Input::Read::kFailed) return stop(input_.error());
+    if (result == Input::Read::kFailed) return stop(input_->error());
     at_end_ = result != Input::Read::kUnit;
-    return !at_end_;
+    if (at_end_) return file_ + 1 < plan_.files.size() && open_next_file();
+    next_.due_us += plan_.files[file_].from_us;
+    next_.pts_us += plan_.files[file_].from_us;
+    return true;
 }
 
 bool PlaybackTrack::open()
 {
-    if (input_.live()) return stop("it is a camera and no recording");
-    input_.want_sound();
-    if (!input_.open(kOpenLimit)) return stop(input_.error());
-    if (!hold(input_.read_key(&next_))) return stop(at_end_ ? "it holds no key frame" : input_.error());
-    opened_ = true;
-    return true;
+    std::string first_trouble;
+    for (size_t number = 0; number < plan_.files.size() && !opened_; ++number) {
+        opened_ = open_file(number) && hold(input_->read_key(&next_));
+        if (!opened_ && trouble_.empty()) stop(plan_.files[number].address + ": it holds no key frame");
+        if (!opened_ && first_trouble.empty()) first_trouble = trouble_;
+    }
+    if (!opened_) trouble_ = first_trouble;
+    return opened_;
 }
 
 bool PlaybackTrack::seek(int64_t position_us)
 {
     drop_sound(INT64_MAX);
-    at_end_ = !input_.seek(position_us, &next_);
-    return at_end_ ? stop(input_.error()) : true;
+    delivered_us_ = INT64_MIN;
+    dark_ = false;
+    size_t number = plan_.files.size() - 1;
+    while (number > 0 && plan_.files[number].from_us > position_us)
+        --number;
+    if ((!input_ || number != file_) && (!open_file(number) || !hold(input_->read_key(&next_)))) return false;
+    if (file_ != number) return true; /* what is there of it begins later */
+    at_end_ = !input_->seek(position_us - plan_.files[file_].from_us, &next_);
+    if (at_end_) return stop(input_->error());
+    next_.due_us += plan_.files[file_].from_us;
+    next_.pts_us += plan_.files[file_].from_us;
+    return true;
+}
+
+bool PlaybackTrack::ends_before(int64_t position_us)
+{
+    if (!seek(position_us)) return true;
+    int64_t last_us = next_.due_us;
+    while (!at_end_ && next_.due_us < position_us) {
+        last_us = next_.due_us;
+        hold(input_->read(&next_));
+    }
+    return at_end_ && position_us > last_us + frame_us();
+}
+
+int64_t PlaybackTrack::dark_from_us() const
+{
+    if (dark_ || delivered_us_ == INT64_MIN || at_end_) return INT64_MAX;
+    const int64_t gap_us = std::max(kLeastGap_us, 3 * frame_us());
+    return next_.due_us - delivered_us_ > gap_us ? delivered_us_ + gap_us / 2 : INT64_MAX;
+}
+
+/* A decoder that takes the byte stream hands a picture out when the next one begins, which it does
+ * not in a paused recording: a delimiter is that beginning. */
+bool PlaybackTrack::hand_over(const AccessUnit &unit, bool double_rate) const
+{
+    FrameInfo buffer = empty_buffer(decoder_);
+    const size_t room = buffer.length;
+    const std::span<const uint8_t> delimiter = traits_of(input_->facts().codec).delimiter;
+    if (unit.bytes.size() + delimiter.size() > room) return false;
+    buffer.length = 0;
+    append(&buffer, unit.bytes.data(), unit.bytes.size());
+    append(&buffer, delimiter.data(), delimiter.size());
+    buffer.frame_type = unit.key ? 1 : 0;
+    buffer.media = FRAME_MEDIA_VIDEO;
+    buffer.width = input_->facts().width_px;
+    buffer.height = input_->facts().height_px;
+    buffer.display_rate = double_rate ? kDoubleRate : 1;
+    buffer.pts = static_cast<uint64_t>(std::max<int64_t>(0, unit.pts_us));
+    return ext_playback_set_buf(&buffer) == 0;
 }
 
 void PlaybackTrack::deliver(bool double_rate)
 {
-    FrameInfo buffer = empty_buffer(decoder_);
-    const size_t room = buffer.length;
-    /* A decoder that takes the byte stream hands a picture out when the next one begins, which it does
-     * not in a paused recording. */
-    const std::span<const uint8_t> delimiter = traits_of(input_.facts().codec).delimiter;
-    bool accepted = false;
-    if (next_.bytes.size() + delimiter.size() <= room) {
-        buffer.length = 0;
-        append(&buffer, next_.bytes.data(), next_.bytes.size());
-        append(&buffer, delimiter.data(), delimiter.size());
-        buffer.frame_type = next_.key ? 1 : 0;
-        buffer.media = FRAME_MEDIA_VIDEO;
-        buffer.width = input_.facts().width_px;
-        buffer.height = input_.facts().height_px;
-        buffer.display_rate = double_rate ? kDoubleRate : 1;
-        buffer.pts = static_cast<uint64_t>(next_.pts_us);
-        accepted = ext_playback_set_buf(&buffer) == 0;
-    }
+    const bool accepted = hand_over(next_, double_rate);
     fed_.sent += accepted;
     fed_.refused += !accepted;
     fed_.bytes += accepted ? next_.bytes.size() : 0;
-    hold(input_.read(&next_));
+    delivered_us_ = next_.due_us;
+    dark_ = false;
+    if (next_.key && input_->held_back() > 0) last_key_ = next_;
+    hold(input_->read(&next_));
+}
+
+void PlaybackTrack::push_out(bool double_rate)
+{
+    if (delivered_us_ == INT64_MIN) return;
+    const int64_t place_us = delivered_us_;
+    for (int left = input_->held_back(); left > 0; --left) {
+        wait_for_decoder(); /* its buffer is small */
+        if (!at_end_ && next_.due_us - place_us < kLeastGap_us) {
+            deliver(double_rate);
+        } else if (!last_key_.bytes.empty()) {
+            hand_over(last_key_, double_rate); /* stays behind itself, and is never seen */
+        }
+    }
+    delivered_us_ = place_us;
 }
 
 void PlaybackTrack::skip_to_key()
 {
-    if (!at_end_ && !next_.key) hold(input_.read_key(&next_));
+    if (!at_end_ && !next_.key) hold(input_->read_key(&next_));
 }
 
 void PlaybackTrack::flush() const
@@ -102,9 +194,21 @@ void PlaybackTrack::flush() const
     ext_playback_set_buf(&nothing);
 }
 
+std::vector<SoundBlock> PlaybackTrack::take_sound(int64_t until_us)
+{
+    if (!input_) return {};
+    const int64_t from_us = plan_.files[file_].from_us;
+    return input_->take_sound(until_us == INT64_MAX ? until_us : until_us - from_us);
+}
+
+void PlaybackTrack::drop_sound(int64_t until_us)
+{
+    take_sound(until_us);
+}
+
 void PlaybackTrack::deliver_sound(int64_t until_us)
 {
-    for (const SoundBlock &block : input_.take_sound(until_us)) {
+    for (const SoundBlock &block : take_sound(until_us)) {
         constexpr std::array<uint8_t, NVRHAL_SOUND_HEADER_BYTES> kHeader = {};
         FrameInfo buffer = empty_buffer(decoder_);
         buffer.length = 0;
@@ -139,9 +243,10 @@ ChannelReport PlaybackTrack::report(int number) const
 {
     ChannelReport report;
     report.channel = number;
-    report.address = input_.address();
+    report.address = plan_.files.empty() ? std::string() : shown_address(plan_.files.front().address);
+    if (plan_.files.size() > 1) report.address += " and " + std::to_string(plan_.files.size() - 1) + " more";
     report.opened = opened_;
-    report.facts = input_.facts();
+    report.facts = facts();
     report.fed = fed_;
     report.counted = host::decoder_counters(decoder_).has_value();
     report.decoder = counted_;

@@ -4,12 +4,14 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "archive/time_of_day.h"
 #include "camera/decoder_codec.h"
 #include "host/host.h"
 #include "nvrhal.h"
 #include "wall/exit_code.h"
 #include "wall/session.h"
 #include "wall/terminal.h"
+#include "wall/text.h"
 
 namespace nvrec
 {
@@ -17,19 +19,31 @@ namespace
 {
 
 constexpr auto kLastSound = std::chrono::seconds(2);
+/* A gap of at least so long is passed over once it was seen so long; looked for so often. */
+constexpr int64_t kPassedGap_us = 5'000'000;
+constexpr auto kGapShown = std::chrono::seconds(3);
+constexpr auto kGapLook = std::chrono::milliseconds(500);
 
 } // namespace
 
-Player::Player(const PlayerOptions &options) : options_(options), playback_(options.files) {}
+Player::Player(const PlayerOptions &options)
+    : Player(options, options.plan.tracks.empty() ? plan_of_files(options.files) : options.plan)
+{
+}
+
+Player::Player(const PlayerOptions &options, PlayPlan plan)
+    : options_(options), plan_(std::move(plan)), playback_(plan_.tracks)
+{
+}
 
 bool Player::start(WallControl &wall)
 {
     wall_ = &wall;
     const size_t opened = playback_.open();
-    for (size_t i = 0; i < options_.files.size(); ++i) {
+    for (size_t i = 0; i < playback_.tracks().size(); ++i) {
         const PlaybackTrack &track = *playback_.tracks()[i];
         if (track.opened()) continue;
-        wall.terminal().error("file " + std::to_string(i) + ": " + options_.files[i] + ": " +
+        wall.terminal().error((track.name().empty() ? "file " + std::to_string(i) : track.name()) + ": " +
                               track.trouble());
         exit_code_ = kExitInputFailed;
     }
@@ -50,14 +64,38 @@ bool Player::start(WallControl &wall)
     return true;
 }
 
-Clock::time_point Player::take_turn(Clock::time_point /*now*/)
+Clock::time_point Player::take_turn(Clock::time_point now)
 {
     if (!begun_ && !wait_) play();
     if (playing_ && playback_.ended()) {
         at_end_of_page();
         wall_->wake(); /* the wall has something to decide */
     }
-    return Clock::time_point::max();
+    return pass_gap(now);
+}
+
+/* Where nothing was recorded of any shown camera the screen shows that for a moment; then playback goes
+ * on with what comes next. */
+Clock::time_point Player::pass_gap(Clock::time_point now)
+{
+    const bool several = std::any_of(plan_.tracks.begin(), plan_.tracks.end(),
+                                     [](const TrackPlan &track) { return track.files.size() > 1; });
+    if (!several || !playing_ || playback_.paused() || playback_.ended()) {
+        gap_seen_at_ = Clock::time_point::max();
+        return Clock::time_point::max();
+    }
+    const int64_t next_us = playback_.next_due_us();
+    if (next_us == INT64_MAX || next_us - playback_.position_us() < kPassedGap_us) {
+        gap_seen_at_ = Clock::time_point::max();
+        return now + kGapLook;
+    }
+    if (gap_seen_at_ == Clock::time_point::max()) gap_seen_at_ = now;
+    if (now - gap_seen_at_ < kGapShown) return gap_seen_at_ + kGapShown;
+    gap_seen_at_ = Clock::time_point::max();
+    if (plan_.has_base)
+        wall_->terminal().print("nothing was recorded until " + time_text(plan_.base_us + next_us));
+    go_to(next_us);
+    return now + kGapLook;
 }
 
 int Player::pages_of(int files)
@@ -67,7 +105,7 @@ int Player::pages_of(int files)
 
 int Player::pages() const
 {
-    return pages_of(static_cast<int>(options_.files.size()));
+    return pages_of(static_cast<int>(plan_.tracks.size()));
 }
 
 std::vector<size_t> Player::tracks_of(int page) const
@@ -93,9 +131,11 @@ int Player::page_after(int page) const
 void Player::at_end_of_page()
 {
     const int next = page_after(page_);
-    if (next == page_ && options_.loop) {
+    /* Pages of one time of day are of other cameras, and not of what comes next. */
+    const bool same_page = next == page_ || plan_.has_base;
+    if (options_.loop && same_page) {
         playback_.seek(0);
-    } else if (next > page_ || options_.loop) {
+    } else if (!same_page && (next > page_ || options_.loop)) {
         playback_.freeze();
         playback_.set_position(0);
         change_page(next);
@@ -125,7 +165,7 @@ void Player::play()
     }
     live_layout_ = wall_->layout();
     live_enlarged_ = wall_->enlarged();
-    const size_t files = std::min<size_t>(options_.files.size(), Playback::kPlayers);
+    const size_t files = std::min<size_t>(plan_.tracks.size(), Playback::kPlayers);
     if (ext_playback_start((1U << files) - 1, files > 1 ? 1 : 0) != 0) {
         wall_->terminal().error("the library did not enter playback");
         ext_playback_exit();
@@ -145,11 +185,29 @@ void Player::play()
     if (first) {
         hear(options_.heard);
         set_speed(options_.speed);
-        if (options_.seek_s > 0) seek(options_.seek_s);
+        if (!begin_where_asked()) return;
         playback_.pause(false);
     } else if (playback_.ended()) {
         seek(0);
     }
+}
+
+/* False: there is nothing there, which is said, and nvrec ends. */
+bool Player::begin_where_asked()
+{
+    if (options_.at_us != 0 && plan_.has_base) {
+        go_to(options_.at_us - plan_.base_us);
+        return true;
+    }
+    if (options_.seek_s <= 0) return true;
+    if (playback_.ends_before(static_cast<int64_t>(options_.seek_s * 1e6))) {
+        fail(kExitUsage, text("--seek %g: the recordings end before that", options_.seek_s));
+        done_ = true;
+        wall_->end(kExitUsage);
+        return false;
+    }
+    seek(options_.seek_s);
+    return true;
 }
 
 void Player::show_files()
@@ -255,10 +313,12 @@ std::string Player::progress(double seconds) const
 {
     if (!playing_) return {};
     char line[160];
-    std::snprintf(line, sizeof line, "%7.1f s  playing at %.1f s, %gx%s  %zu files, page %d of %d  sent %llu",
-                  seconds, static_cast<double>(playback_.position_us()) / 1e6, playback_.speed(),
-                  playback_.paused() ? ", paused" : "", options_.files.size(), page_ + 1, pages(),
-                  static_cast<unsigned long long>(playback_.sent()));
+    const int64_t position_us = playback_.position_us();
+    const std::string at = plan_.has_base ? time_text(plan_.base_us + position_us)
+                                          : text("%.1f s", static_cast<double>(position_us) / 1e6);
+    std::snprintf(line, sizeof line, "%7.1f s  playing at %s, %gx%s  %zu files, page %d of %d  sent %llu",
+                  seconds, at.c_str(), playback_.speed(), playback_.paused() ? ", paused" : "",
+                  plan_.tracks.size(), page_ + 1, pages(), static_cast<unsigned long long>(playback_.sent()));
     return line;
 }
 

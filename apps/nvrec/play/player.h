@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "play/playback.h"
+#include "play/track_plans.h"
 #include "wall/double_click.h"
 #include "wall/module.h"
 
@@ -26,7 +27,9 @@ namespace nvrec
 {
 
 struct PlayerOptions {
-    std::vector<std::string> files;
+    std::vector<std::string> files; /* or, when there is one, the plan         */
+    PlayPlan plan;
+    int64_t at_us = 0;           /* of a plan with a base: the time of day to begin at, 0 = its beginning */
     std::string layout = "auto"; /* of the files                               */
     double seek_s = 0;           /* where to begin                             */
     double speed = 1;            /* 1, 2 or 4                                  */
@@ -77,10 +80,18 @@ public:
     static bool is_speed(double times);
 
     bool playing() const { return playing_; }
+    const Playback &playback() const { return playback_; }
+    const PlayPlan &plan() const { return plan_; }
+    int page() const { return page_; }
+    /** Go to a place, in step: every shown track shows what was there, or that there was nothing. */
+    void go_to(int64_t position_us);
     /** Width and height of the file that plays on a channel; zeros = none does. */
     std::pair<uint32_t, uint32_t> picture_size(int channel) const override;
 
 private:
+    Player(const PlayerOptions &options, PlayPlan plan);
+    bool begin_where_asked();
+    Clock::time_point pass_gap(Clock::time_point now);
     int pages() const;
     int page_after(int page) const;
     std::vector<size_t> tracks_of(int page) const;
@@ -95,7 +106,9 @@ private:
     void show_files();
 
     const PlayerOptions options_;
+    const PlayPlan plan_;
     Playback playback_;
+    Clock::time_point gap_seen_at_ = Clock::time_point::max(); /* since when nothing is shown */
     WallControl *wall_ = nullptr;
     bool wait_ = false;     /* for an order to begin                                    */
     bool begun_ = false;    /* play() was called                                        */

@@ -6,6 +6,7 @@
 #include "wall/exit_code.h"
 #include "wall/session.h"
 #include "wall/terminal.h"
+#include "wall/text.h"
 
 namespace nvrec
 {
@@ -34,12 +35,29 @@ void Player::pause(bool paused)
 
 void Player::seek(double position_s)
 {
-    if (playing_) playback_.seek(microseconds(position_s));
+    if (!playing_) return;
+    const int64_t before_us = playback_.position_us();
+    if (position_s > 0 && playback_.ends_before(microseconds(position_s))) {
+        fail(kExitUsage, text("seek %g: the recordings end before that", position_s));
+        playback_.seek_exactly(before_us);
+        return;
+    }
+    playback_.seek(microseconds(position_s));
+}
+
+void Player::go_to(int64_t position_us)
+{
+    if (playing_) playback_.seek_exactly(position_us);
 }
 
 void Player::skip(double by_s)
 {
-    if (playing_) playback_.seek(playback_.position_us() + microseconds(by_s));
+    if (!playing_) return;
+    const int64_t position_us = playback_.position_us() + microseconds(by_s);
+    if (plan_.has_base)
+        playback_.seek_exactly(position_us);
+    else
+        playback_.seek(position_us);
 }
 
 void Player::set_speed(double speed)
@@ -49,7 +67,7 @@ void Player::set_speed(double speed)
 
 void Player::enlarge(int file)
 {
-    if (!playing_ || file >= static_cast<int>(options_.files.size())) return;
+    if (!playing_ || file >= static_cast<int>(plan_.tracks.size())) return;
     if (file >= 0) turn_to_page(file / Playback::kPlayers);
     wall_->enlarge(file < 0 ? -1 : file % Playback::kPlayers);
 }
@@ -62,7 +80,7 @@ void Player::turn_to_page(int page)
 
 void Player::hear(int file)
 {
-    if (playing_ && file < static_cast<int>(options_.files.size())) playback_.listen_to(file);
+    if (playing_ && file < static_cast<int>(plan_.tracks.size())) playback_.listen_to(file);
 }
 
 void Player::end()
