@@ -143,7 +143,11 @@ RecorderStatus two_cameras()
     door.channel = 1;
     door.name = "\xff not UTF-8";
     status.cameras = {yard, door};
-    status.disk = DiskStatus{DiskState::kHangs, 3, 1000, 100000, "/rec does not answer"};
+    DiskStatus disk;
+    disk.state = DiskState::kHangs;
+    disk.since_s = 3;
+    disk.trouble = "/rec does not answer";
+    status.disk = disk;
     ArchiveStatus archive;
     archive.free_bytes = 1'800'000'000;
     archive.limit_bytes = 500'000'000'000;
@@ -410,6 +414,32 @@ TEST_F(StatusOfARecorder, AChangedFileIsTakenUpAndNoFrameOfOthersIsLost)
     EXPECT_EQ(reported(recordings, 0, "written"), reported(recordings, 0, "stored")) << report;
     EXPECT_EQ(reported(recordings, 0, "lost"), 0);
     EXPECT_EQ(reported(recordings, 0, "skipped"), 0);
+}
+
+TEST_F(StatusOfARecorder, AnEventFromOutsideIsRecorded)
+{
+    write_config(yard() + "[camera.record]\nmode = \"event\"\nbefore = 1\nafter = 2\n" + gone(),
+                 "[record]\ndirectory = \"rec\"\n[retention]\nsize = \"1 GB\"\n");
+    Process recorder({NVREC_PROGRAM, "run", file("nvrec.toml"), "--json", file("report")});
+    ASSERT_TRUE(answers());
+    const std::string runs = "nvrec_recording_running{camera=\"yard\",channel=\"0\",stream=\"main\"}";
+    EXPECT_EQ(metric(get("/metrics"), runs), 0) << "nothing has happened";
+    EXPECT_EQ(command({"event", "yard", "a \"knock\""}, 0), "");
+    EXPECT_NE(command({"event", "garden"}, 4).find("there is no camera \"garden\""), std::string::npos);
+    for (int i = 0; i < 100 && metric(get("/metrics"), runs) != 1; ++i)
+        usleep(50'000);
+    EXPECT_EQ(metric(get("/metrics"), runs), 1);
+    EXPECT_NE(command({"status"}, 0).find("runs, event"), std::string::npos);
+    for (int i = 0; i < 120 && metric(get("/metrics"), runs) != 0; ++i)
+        usleep(50'000);
+    EXPECT_EQ(metric(get("/metrics"), runs), 0) << "two seconds behind it";
+    EXPECT_GT(metric(get("/metrics"), "nvrec_disk_free_bytes"), 0);
+    EXPECT_NE(command({"status"}, 0).find("1.0 GB"), std::string::npos) << "what is kept";
+    recorder.signal(SIGTERM);
+    recorder.wait();
+    const std::string report = file_text(file("report"));
+    const std::string recordings = report.substr(report.find("\"recordings\""));
+    EXPECT_GT(reported(recordings, 0, "written"), 30) << report;
 }
 
 TEST_F(StatusOfARecorder, HangingUpEndsTheOtherCommandsInOrder)

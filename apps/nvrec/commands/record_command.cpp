@@ -10,6 +10,7 @@
 
 #include "commands/command.h"
 #include "commands/wall_options.h"
+#include "controls/controls.h"
 #include "record/recorder.h"
 
 namespace nvrec
@@ -94,7 +95,12 @@ Command record_command(CLI::App &app)
                 if (!read_network_addresses(*network, line.options->inputs.size(), &recorder.network))
                     return static_cast<int>(kExitUsage);
                 std::vector<std::unique_ptr<Module>> modules;
-                modules.push_back(std::make_unique<Recorder>(std::move(recorder)));
+                auto records = std::make_unique<Recorder>(std::move(recorder));
+                line.controls->hooks.event = [asked = records.get()](int channel, const std::string &kind,
+                                                                     const std::string &text) {
+                    asked->event(channel, kind, text);
+                };
+                modules.push_back(std::move(records));
                 return line.run(std::move(modules));
             }};
 }

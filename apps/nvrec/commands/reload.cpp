@@ -26,8 +26,7 @@ bool is_same_line(const config::Camera &one, const config::Camera &other)
 
 } // namespace
 
-Reload::Reload(config::Config running, Takers takers)
-    : running_(std::move(running)), takers_(std::move(takers)), channels_(running_.cameras)
+Reload::Reload(config::Config running) : running_(std::move(running)), channels_(running_.cameras)
 {
     channels_.resize(static_cast<size_t>(running_.channels()));
 }
@@ -92,8 +91,8 @@ void Reload::take(const config::Config &fresh)
         tell("log: taken up");
     }
     if (!(fresh.retention == running_.retention)) {
-        const bool taken = takers_.retention && takers_.retention(fresh.retention);
-        if (taken) {
+        if (takers_.retention) {
+            takers_.retention(fresh.retention);
             tell("retention: taken up");
         } else {
             needs_restart("retention");
@@ -125,6 +124,7 @@ void Reload::take_cameras(const config::Config &fresh)
     for (const config::Camera &camera : fresh.cameras) {
         if (std::ranges::find(channels_, camera.name, &config::Camera::name) == channels_.end()) add(camera);
     }
+    if (takers_.plans) takers_.plans(channels_);
 }
 
 void Reload::change(int channel, const config::Camera &to)
@@ -137,7 +137,8 @@ void Reload::change(int channel, const config::Camera &to)
         tell(name + ": connected anew");
     }
     if (!(from.plan == to.plan)) {
-        if (takers_.plan && takers_.plan(channel, to.plan)) {
+        if (takers_.plan) {
+            takers_.plan(channel, to.plan);
             tell(name + ": its recording plan was taken up");
         } else {
             needs_restart(name + ", its recording plan");

@@ -27,11 +27,18 @@ class Reload final : public Module
 public:
     /** What a change is handed to; those that are empty are not there. */
     struct Takers {
-        std::function<bool(int channel, const config::Plan &plan)> plan; /* false = needs a restart */
-        std::function<bool(const config::Retention &retention)> retention;
+        std::function<void(int channel, const config::Plan &plan)> plan;
+        std::function<void(const std::vector<config::Camera> &channels)> plans; /* behind all of them */
+        std::function<void(const config::Retention &retention)> retention;
     };
 
-    Reload(config::Config running, Takers takers);
+    explicit Reload(config::Config running);
+
+    /** Before start(). */
+    void hand_to(Takers takers) { takers_ = std::move(takers); }
+
+    /** The configuration that holds now. */
+    const config::Config &running() const { return running_; }
 
     bool start(WallControl &wall) override;
 
@@ -54,7 +61,7 @@ private:
     void needs_restart(const std::string &what);
 
     config::Config running_;
-    const Takers takers_;
+    Takers takers_;
     std::vector<config::Camera> channels_; /* a name = a camera, none = free */
     WallControl *wall_ = nullptr;
     std::string lines_; /* of the reload at hand */

@@ -8,6 +8,7 @@
 #include "commands/reload.h"
 #include "commands/run_options.h"
 #include "controls/controls.h"
+#include "controls/event_inputs.h"
 #include "play/snapshot.h"
 #include "play/zoom.h"
 #include "record/listen.h"
@@ -28,6 +29,36 @@ struct RunCommand {
     bool quiet = false;
 };
 
+/* The recorder, what the board tells it of, and what a changed configuration and requests do to it. */
+void add_recorder(Wall &wall, std::unique_ptr<Recorder> recorder, Reload &reload, ControlHooks &hooks)
+{
+    Recorder &records = *recorder;
+    const auto on_event = [&records](int channel, const std::string &kind, const std::string &text) {
+        records.event(channel, kind, text);
+    };
+    auto inputs = std::make_unique<EventInputs>(watched_inputs(reload.running().cameras), on_event);
+    Reload::Takers takers;
+    takers.plan = [&records](int channel, const config::Plan &plan) {
+        records.set_plan(channel, plan_of(plan));
+    };
+    takers.plans = [watched = inputs.get()](const std::vector<config::Camera> &channels) {
+        watched->set(watched_inputs(channels));
+    };
+    takers.retention = [&records](const config::Retention &retention) {
+        records.set_retention(retention_of(retention));
+    };
+    reload.hand_to(std::move(takers));
+    hooks.event = on_event;
+    hooks.archive = [&reload] {
+        ArchiveStatus limits;
+        limits.limit_bytes = reload.running().retention.size_bytes;
+        limits.limit_age_s = reload.running().retention.age_s;
+        return std::optional(limits);
+    };
+    wall.add(std::move(recorder));
+    wall.add(std::move(inputs));
+}
+
 int run(const RunCommand &command)
 {
     const config::Reading reading = config::read_config(command.path);
@@ -40,22 +71,22 @@ int run(const RunCommand &command)
     wall_options.pictures = command.pictures;
     wall_options.json_path = command.json_path;
     wall_options.log.quiet = command.quiet;
-    auto reload = std::make_unique<Reload>(config, Reload::Takers());
+    auto reload = std::make_unique<Reload>(config);
     Reload &reloading = *reload;
     wall_options.reload = [&reloading] { reloading.reload_and_tell(); };
     Wall wall(wall_options);
+    ControlOptions controls;
+    fill(config, &controls);
+    controls.hooks.reload = [&reloading](bool *ok) { return reloading.reload(ok); };
     if (!config.record.directory.empty()) {
         RecorderOptions options;
         options.feed = wall_options.feed;
         fill(config, &options);
-        wall.add(std::make_unique<Recorder>(std::move(options)));
+        add_recorder(wall, std::make_unique<Recorder>(std::move(options)), reloading, controls.hooks);
     }
     ListenOptions listen;
     fill(config, &listen);
     if (listen.channel >= 0) wall.add(std::make_unique<Listener>(listen));
-    ControlOptions controls;
-    fill(config, &controls);
-    controls.hooks.reload = [&reloading](bool *ok) { return reloading.reload(ok); };
     wall.add(std::move(reload));
     add_controls(wall, controls);
     OverlayOptions overlay;

@@ -1,6 +1,7 @@
 /* run_options.cpp - see run_options.h. */
 #include "commands/run_options.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstdio>
 #include <string_view>
@@ -10,6 +11,7 @@
 #include "config/page_address.h"
 #include "controls/controls.h"
 #include "record/listen.h"
+#include "record/plan.h"
 #include "record/recorder.h"
 #include "wall/exit_code.h"
 #include "wall/wall.h"
@@ -127,12 +129,56 @@ void fill(const config::Config &config, WallOptions *options)
     if (heard >= 0) options->feed.sound_channels |= 1u << heard;
 }
 
+RecordingPlan plan_of(const config::Plan &plan)
+{
+    RecordingPlan recording;
+    recording.mode = plan.mode == config::RecordMode::kHours   ? RecordingMode::kHours
+                     : plan.mode == config::RecordMode::kEvent ? RecordingMode::kEvent
+                     : plan.mode == config::RecordMode::kNever ? RecordingMode::kNever
+                                                               : RecordingMode::kAlways;
+    for (const config::Hours &hours : plan.hours) {
+        PlanHours span;
+        for (size_t day = 0; day < span.days.size(); ++day) /* Monday first here, Sunday first there */
+            span.days[(day + 1) % span.days.size()] = (hours.days >> day & 1) != 0;
+        span.from_min = hours.from_min;
+        span.to_min = hours.to_min;
+        recording.hours.push_back(span);
+    }
+    recording.before_s = plan.before_s;
+    recording.after_s = plan.after_s;
+    return recording;
+}
+
+RetentionOptions retention_of(const config::Retention &retention)
+{
+    return {retention.size_bytes, retention.age_s, retention.free_bytes};
+}
+
+std::vector<EventInputs::Watched> watched_inputs(const std::vector<config::Camera> &channels)
+{
+    std::vector<EventInputs::Watched> watched;
+    for (size_t channel = 0; channel < channels.size(); ++channel) {
+        const config::Plan &plan = channels[channel].plan;
+        if (channels[channel].name.empty() || plan.mode != config::RecordMode::kEvent) continue;
+        const auto again = std::chrono::duration<double>(std::max(plan.after_s / 2, 1.0));
+        watched.push_back({static_cast<int>(channel), plan.on_alarm, plan.on_motion,
+                           std::chrono::duration_cast<Clock::duration>(again)});
+    }
+    return watched;
+}
+
 void fill(const config::Config &config, RecorderOptions *options)
 {
     options->record.directory = config.record.directory;
     options->record.container =
         config.record.format == config::Kind::kMkv ? Container::kMkv : Container::kMp4;
     options->record.segment_s = config.record.segment_s;
+    options->retention = retention_of(config.retention);
+    options->recycle = true;
+    for (size_t i = 0; i < config.cameras.size(); ++i) {
+        options->names.insert_or_assign(static_cast<int>(i), config.cameras[i].name);
+        options->plans.insert_or_assign(static_cast<int>(i), plan_of(config.cameras[i].plan));
+    }
 }
 
 void fill(const config::Config &config, OverlayOptions *options)

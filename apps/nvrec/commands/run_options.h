@@ -6,9 +6,11 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "config/config.h"
 #include "config/read.h"
+#include "controls/event_inputs.h"
 
 namespace nvrec
 {
@@ -19,6 +21,8 @@ struct ListenOptions;
 struct LogOptions;
 struct OverlayOptions;
 struct RecorderOptions;
+struct RecordingPlan;
+struct RetentionOptions;
 struct WallOptions;
 
 /** Print every fault to standard error. @return the exit status. */
@@ -28,6 +32,12 @@ int print_faults(const config::Reading &reading);
 std::string shown_camera(const config::Config &config, const config::Camera &camera);
 
 CameraSource source_of(const config::Camera &camera);
+
+RecordingPlan plan_of(const config::Plan &plan);
+RetentionOptions retention_of(const config::Retention &retention);
+
+/** The board's inputs that are events for cameras, by channel; those without a name are free. */
+std::vector<EventInputs::Watched> watched_inputs(const std::vector<config::Camera> &channels);
 
 LogOptions log_options(const config::Config &config);
 void fill(const config::Config &config, WallOptions *options);

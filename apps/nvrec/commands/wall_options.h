@@ -15,9 +15,12 @@ class App;
 namespace nvrec
 {
 
+struct ControlOptions;
+
 /** The options, filled when the subcommand is parsed, and what then runs the wall. */
 struct WallCommandLine {
     std::shared_ptr<WallOptions> options;
+    std::shared_ptr<ControlOptions> controls;
 
     /** @param modules  run beside the wall, before those that the options ask for */
     std::function<int(std::vector<std::unique_ptr<Module>> modules)> run;

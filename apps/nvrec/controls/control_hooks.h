@@ -22,7 +22,7 @@ struct ControlHooks {
     /** Take up a changed configuration. @return lines that say what was done; ok = nothing is left undone */
     std::function<std::string(bool *ok)> reload;
 
-    /** What is kept of the recordings. Does not wait for a disk. */
+    /** The limits of what is kept of the recordings; the rest of it comes from whoever records. */
     std::function<std::optional<ArchiveStatus>()> archive;
 };
 

@@ -11,17 +11,19 @@ namespace nvrec
 namespace
 {
 
-/* What all recordings that run write now, by what their cameras send. */
-double bytes_per_second(const std::vector<CameraLine> &cameras)
+constexpr double kSecondsOfAnHour = 3600;
+
+/* What whoever records knows of the disk and of what lies on it. */
+std::optional<ArchiveStatus> archive_of(const DiskStatus &disk, const ArchiveStatus &limits)
 {
-    double bytes = 0;
-    for (const CameraLine &camera : cameras) {
-        for (const RecordingStatus &recording : camera.recordings) {
-            if (recording.state == RecordingState::kRuns && recording.stream == "main")
-                bytes += camera.status.bit_rate_bps / 8;
-        }
-    }
-    return bytes;
+    if (disk.recorded_bytes < 0) return std::nullopt;
+    ArchiveStatus archive = limits;
+    archive.total_bytes = disk.recorded_bytes;
+    archive.oldest_us = disk.oldest_us;
+    archive.free_bytes = disk.free_bytes;
+    archive.deleted = disk.recycled_files;
+    archive.trouble = disk.retention_trouble;
+    return archive;
 }
 
 } // namespace
@@ -46,7 +48,7 @@ int camera_named(WallControl &wall, const std::string &name)
     return static_cast<size_t>(channel) < wall.cameras().size() ? channel : -1;
 }
 
-RecorderStatus collect_status(WallControl &wall, const std::optional<ArchiveStatus> &archive,
+RecorderStatus collect_status(WallControl &wall, const std::optional<ArchiveStatus> &limits,
                               Clock::time_point started)
 {
     RecorderStatus status;
@@ -75,10 +77,10 @@ RecorderStatus collect_status(WallControl &wall, const std::optional<ArchiveStat
         }
     }
     std::erase_if(status.cameras, [](const CameraLine &line) { return line.address.empty(); });
-    status.archive = archive;
-    const double rate = bytes_per_second(status.cameras);
-    if (archive && archive->free_bytes >= 0 && rate > 0)
-        status.disk_left_s = static_cast<double>(archive->free_bytes) / rate;
+    if (status.disk) {
+        status.archive = archive_of(*status.disk, limits.value_or(ArchiveStatus()));
+        if (status.disk->left_h >= 0) status.disk_left_s = status.disk->left_h * kSecondsOfAnHour;
+    }
     status.board = board_rows();
     return status;
 }

@@ -54,8 +54,8 @@ struct RecorderStatus {
     std::vector<BoardRow> board;
 };
 
-/** @param archive  as whoever keeps it tells; none = nobody does */
-RecorderStatus collect_status(WallControl &wall, const std::optional<ArchiveStatus> &archive,
+/** @param limits  of what is kept, when there are some: limit_bytes and limit_age_s of it count */
+RecorderStatus collect_status(WallControl &wall, const std::optional<ArchiveStatus> &limits,
                               Clock::time_point started);
 
 /** A camera's name, or "Camera N" counted from 1. */

@@ -18,7 +18,7 @@ namespace nvrec
 namespace
 {
 
-constexpr unsigned kMostReaders = 16;
+constexpr unsigned kMostReaders = 64;
 constexpr unsigned kConnectionLimit_s = 5;
 constexpr const char *kText = "text/plain; charset=utf-8";
 

@@ -59,6 +59,7 @@ PaneState PaneWatch::state_of(const Feeder &camera, Clock::time_point now) const
     const int channel = camera.channel();
     PaneState state;
     if (channel < 0 || static_cast<size_t>(channel) >= seen_.size()) return state;
+    if (camera.source().address.empty()) return state; /* room for a camera: nothing is missing */
     Seen &seen = seen_[static_cast<size_t>(channel)];
     const CameraStatus status = camera.status();
     state.recording = wall_->recording(channel);
