@@ -100,7 +100,8 @@ std::string alarm_text(const RecordingView *recorder, const std::string &alarm, 
     };
     const DiskStatus disk = recorder ? recorder->disk() : DiskStatus{};
     if (disk.state != DiskState::kGood)
-        return with(kDiskTexts[static_cast<size_t>(disk.state)][chinese], disk.trouble);
+        return with(kDiskTexts[static_cast<size_t>(disk.state)][chinese],
+                    disk.state == DiskState::kFailing ? disk.trouble : std::string());
     for (const RecordingStatus &stream : recorder ? recorder->recordings() : std::vector<RecordingStatus>()) {
         if (stream.state != RecordingState::kFailing) continue;
         const std::string name = names.text_of(stream.channel);
