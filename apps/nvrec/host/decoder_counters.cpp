@@ -17,7 +17,7 @@ DecoderCounters &DecoderCounters::operator+=(const DecoderCounters &more)
 
 DecoderCounters DecoderCounters::operator-(const DecoderCounters &earlier) const
 {
-    return {decoded - earlier.decoded, shown - earlier.shown, dropped - earlier.dropped,
+    return {decoded - earlier.decoded, shown - earlier.shown,   dropped - earlier.dropped,
             damaged - earlier.damaged, resets - earlier.resets, sent - earlier.sent};
 }
 
