@@ -56,6 +56,33 @@ TEST(NvrecFeeder, SoundBeyondTheLastPictureComesInItsOwnTime)
     EXPECT_GE(blocks.back().first - blocks.front().first, 600ms) << "at four times its rate";
 }
 
+TEST(NvrecFeeder, ARefusedKeyFrameIsNamedUntilOneIsTaken)
+{
+    FeedOptions options;
+    options.as_fast_as_can = true;
+    Feeder feeder(0, std::string(NVREC_CLIPS) + "/h264.mp4", options);
+    ASSERT_TRUE(feeder.open()) << feeder.trouble();
+    std::vector<CameraStatus> at_each;
+    std::promise<void> ended;
+    Feeder::Events events;
+    events.sink = [&](const AccessUnit &unit, const StreamFacts &) {
+        at_each.push_back(feeder.status());
+        return unit.key && at_each.size() < 30 ? -1 : 0; /* those at 0 and 20 */
+    };
+    events.ended = [&ended](int) { ended.set_value(); };
+    feeder.start(std::move(events));
+    ASSERT_EQ(ended.get_future().wait_for(30s), std::future_status::ready);
+    ASSERT_EQ(at_each.size(), 60u);
+    EXPECT_EQ(at_each[1].state, CameraState::kRefused);
+    EXPECT_NE(at_each[1].last_error.find("refused a frame of "), std::string::npos) << at_each[1].last_error;
+    EXPECT_EQ(at_each[40].state, CameraState::kRefused);
+    EXPECT_EQ(at_each[40].refused, 2u);
+    EXPECT_TRUE(at_each[40].waits_for_key);
+    EXPECT_EQ(at_each[41].state, CameraState::kLive);
+    EXPECT_FALSE(at_each[41].waits_for_key);
+    EXPECT_EQ(feeder.status().state, CameraState::kEnded);
+}
+
 #ifdef NVREC_RTSP_CAMERA
 
 TEST(NvrecFeeder, WhatWaitedOnTheLineIsCaughtUpWithoutABurst)

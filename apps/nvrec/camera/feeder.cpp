@@ -66,7 +66,9 @@ bool Feeder::open()
 
 int32_t Feeder::send_first()
 {
-    return send_to_decoder(first_unit_, input_.facts());
+    const int32_t result = send_to_decoder(first_unit_, input_.facts());
+    decoder_changes_ = false; /* the layout comes next */
+    return result;
 }
 
 void Feeder::start(Events events)

@@ -115,11 +115,17 @@ public:
     std::string shown_address() const { return nvrec::shown_address(source_.address); }
     const CameraSource &source() const { return source_; }
 
+    /** "channel 0", or "channel 0 (yard)": how messages begin. */
+    std::string label() const;
+
     /**
      * What stands with it now; once it was asked to stop, what stood with it then. Any thread.
      * @param at  may be null: receives the time that it is of
      */
     CameraStatus status(Clock::time_point *at = nullptr) const;
+
+    /** A layout stands. Main thread. */
+    void layout_done();
 
     /** Its decoder was flushed, by a layout: nothing is shown before a key frame. Any thread. */
     void expect_key() { waits_for_key_.store(true, std::memory_order_relaxed); }
@@ -140,6 +146,7 @@ private:
     int32_t send_main(const AccessUnit &unit, bool *shown);
     int32_t take_from_sub(const AccessUnit &unit, const StreamFacts &facts);
     int32_t send_to_decoder(const AccessUnit &unit, const StreamFacts &facts);
+    void send_again_if_laid_out(const AccessUnit &unit, const StreamFacts &facts, StreamChoice stream);
     void start_sub();
     std::shared_ptr<Feeder> sub() const;
     bool sub_is_well() const;
@@ -177,6 +184,8 @@ private:
     std::atomic<StreamChoice> wanted_ = StreamChoice::kMain;
     std::mutex gate_; /* held while a unit goes to the decoder; guards what follows */
     StreamChoice shown_ = StreamChoice::kMain;
+    bool decoder_changes_ = false;            /* a unit was the first of another codec */
+    std::atomic<uint64_t> laid_out_ = 0;      /* times that a layout was applied */
     std::atomic<bool> sub_is_shown_ = false;  /* the same, for who does not hold it */
     std::atomic<int64_t> input_epoch_us_ = 0; /* of the main stream's times; 0 = not known */
     mutable std::mutex sub_lock_;             /* guards what follows */

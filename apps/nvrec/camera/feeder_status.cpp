@@ -31,6 +31,11 @@ void Feeder::note_handed_on(const AccessUnit &unit, bool accepted)
     if (accepted && unit.key && is_decoded(channel_)) waits_for_key_.store(false, std::memory_order_relaxed);
 }
 
+std::string Feeder::label() const
+{
+    return "channel " + std::to_string(channel_) + (source_.name.empty() ? "" : " (" + source_.name + ")");
+}
+
 /* Whatever libavformat says may hold the address that it was given. */
 void Feeder::report(const std::string &line)
 {

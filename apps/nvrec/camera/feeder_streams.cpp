@@ -22,6 +22,7 @@ namespace nvrec
 namespace
 {
 
+constexpr auto kLayoutPatience = std::chrono::seconds(3);
 constexpr auto kIdleLook = std::chrono::seconds(1); /* at how the sub stream does */
 
 } // namespace
@@ -84,6 +85,7 @@ int32_t Feeder::send_main(const AccessUnit &unit, bool *shown)
         }
         result = send_to_decoder(unit, input_.facts());
     }
+    send_again_if_laid_out(unit, input_.facts(), StreamChoice::kMain);
     const auto second = sub();
     if (second && wanted_ == StreamChoice::kMain) second->ask_to_stop();
     return result;
@@ -92,19 +94,57 @@ int32_t Feeder::send_main(const AccessUnit &unit, bool *shown)
 /* A unit of the sub stream; what is not shown is as good as taken. */
 int32_t Feeder::take_from_sub(const AccessUnit &unit, const StreamFacts &facts)
 {
-    const std::scoped_lock guard(gate_);
-    if (shown_ == StreamChoice::kMain) {
-        if (wanted_ == StreamChoice::kMain || !unit.key) return 0;
-        shown_ = StreamChoice::kSub;
-        sub_is_shown_.store(true, std::memory_order_relaxed);
-        opened_.store(true);
-    }
+    int32_t result = 0;
     const bool kept_out = is_kept_out(channel_);
-    const int32_t result = send_to_decoder(unit, facts);
+    {
+        const std::scoped_lock guard(gate_);
+        if (shown_ == StreamChoice::kMain) {
+            if (wanted_ == StreamChoice::kMain || !unit.key) return 0;
+            shown_ = StreamChoice::kSub;
+            sub_is_shown_.store(true, std::memory_order_relaxed);
+            opened_.store(true);
+        }
+        result = send_to_decoder(unit, facts);
+    }
+    send_again_if_laid_out(unit, facts, StreamChoice::kSub);
     count(unit, result == 0);
     if (result == 0 && unit.key && is_decoded(channel_))
         waits_for_key_.store(false, std::memory_order_relaxed);
     return kept_out || is_kept_out(channel_) ? 0 : result;
+}
+
+/*
+ * A decoder that was made anew by a unit is bound to no pane, and the layout that binds it throws that
+ * unit away: once it stands, the unit goes a second time. What comes meanwhile waits on its line.
+ */
+void Feeder::send_again_if_laid_out(const AccessUnit &unit, const StreamFacts &facts, StreamChoice stream)
+{
+    uint64_t before = 0;
+    {
+        const std::scoped_lock guard(gate_);
+        if (!decoder_changes_) return;
+        decoder_changes_ = false;
+        before = laid_out_.load();
+    }
+    if (!events_.decoder_changed) return;
+    events_.decoder_changed(channel_);
+    const Clock::time_point limit = Clock::now() + kLayoutPatience;
+    set_heartbeat_deadline(limit);
+    {
+        std::unique_lock guard(sleep_lock_);
+        const bool laid_out =
+            sleep_.wait_until(guard, limit, [&] { return stopping() || laid_out_.load() != before; });
+        if (!laid_out || stopping()) return;
+    }
+    const std::scoped_lock guard(gate_);
+    if (shown_ == stream) send_to_decoder(unit, facts);
+}
+
+void Feeder::layout_done()
+{
+    laid_out_.fetch_add(1);
+    const std::scoped_lock guard(sleep_lock_);
+    sleep_.notify();
 }
 
 int32_t Feeder::send_to_decoder(const AccessUnit &unit, const StreamFacts &facts)
@@ -129,7 +169,7 @@ int32_t Feeder::send_to_decoder(const AccessUnit &unit, const StreamFacts &facts
     /* Only now: the library changes the decoder when it sees the new codec. */
     if (result == 0 && decoder_codec_ != facts.codec) {
         decoder_codec_ = facts.codec;
-        if (events_.decoder_changed) events_.decoder_changed(channel_);
+        decoder_changes_ = true;
     }
     return result;
 }

@@ -69,7 +69,7 @@ void Indicators::look_for_loss(Clock::time_point now)
         const bool lost = no_signal || state == CameraState::kSilent || state == CameraState::kRefused;
         if (lost == lost_[channel]) continue;
         lost_[channel] = lost;
-        const std::string name = "channel " + std::to_string(channel) + ": ";
+        const std::string name = camera->label() + ": ";
         if (lost) {
             wall_->terminal().warning(name + "its video is lost");
         } else {

@@ -95,8 +95,8 @@ std::vector<Feeder *> Wall::finished_openings()
     std::vector<Feeder *> finished = openings_.take_finished();
     for (const Feeder *camera : finished) {
         if (camera->opened()) continue;
-        terminal_.error("channel " + std::to_string(camera->channel()) + ": " + camera->shown_address() +
-                        ": " + camera->trouble() + (camera->input().live() ? "; trying again" : ""));
+        terminal_.error(camera->label() + ": " + camera->shown_address() + ": " + camera->trouble() +
+                        (camera->input().live() ? "; trying again" : ""));
         if (!camera->input().live()) note_exit_code(kExitInputFailed);
     }
     return finished;
@@ -129,7 +129,7 @@ bool Wall::show()
 void Wall::make_decoder(Feeder &camera)
 {
     if (camera.send_first() == 0) return;
-    terminal_.error("channel " + std::to_string(camera.channel()) + ": its first frame was refused");
+    terminal_.error(camera.label() + ": its first frame was refused");
 }
 
 /* Bring the panes on the screen as they are wanted now. */
@@ -141,6 +141,8 @@ bool Wall::lay_out()
         feeder->expect_key();
     const bool done = enlarged_ >= 0 ? session_.apply_single(enlarged_) : session_.apply(layout_);
     choose_streams();
+    for (const auto &feeder : feeders_)
+        feeder->layout_done();
     modules_.on_layout();
     return done;
 }
@@ -320,8 +322,8 @@ void Wall::start_feeding(Feeder &camera)
     if (!camera.opened() && !camera.input().live()) return;
     ++running_;
     Feeder::Events events;
-    events.trouble = [this](int channel, const std::string &line) {
-        terminal_.error("channel " + std::to_string(channel) + ": " + line);
+    events.trouble = [this, label = camera.label()](int, const std::string &line) {
+        terminal_.error(label + ": " + line);
     };
     events.decoder_changed = [this](int) {
         layout_stale_ = true;
