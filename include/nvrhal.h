@@ -35,7 +35,7 @@
  *   A recorder with all of this needs these functions and objects; nvrec uses no others.
  *     start      ext_device_init ext_device_quit globalVoDev
  *     live       ext_send_stream vdec_resetchn
- *     layout     ext_change_display_format
+ *     layout     ext_change_display_format ext_change_zoom_format cur_display_chnn
  *     zoom       ext_vidoe_image_zoom vo_for_ezoom zoom_channel zoom_arg zoom_flag_click
  *     playback   ext_playback_start ext_playback_get_buf ext_playback_set_buf ext_playback_stop
  *                ext_playback_exit ext_signal_spilt_start ext_signal_spilt_exit vdec_recreate
@@ -43,19 +43,19 @@
  *     streams    ext_set_primary_video_stream ext_set_network_video_stream ext_set_audio_stream
  *                ext_get_primary_video_stream ext_get_network_video_stream kx_stream_getStartPos
  *                kx_stream_getOneFrame
- *     snapshot   ext_set_snap_channel_enable ext_get_jpeg_stream ext_release_jpeg_buf
+ *     snapshot   ext_set_snap_channel_enable ext_get_jpeg_stream ext_release_jpeg_buf cur_snap_chnn
  *     sound      ext_set_audio_live_channel ext_set_audio_output_volume
  *     GUI        g_osd_info ext_get_fb_info ext_tde_begin_job ext_tde_end_job drawRect getFBColorFmt
  *                OSD_MAKECOLOR_U16 s_OSDCompInfo CurseValue MOUSE_IMAGE_WIDTH MOUSE_IMAGE_HEIGHT
  *                qrencode GetBmpInfo
  *     text       GetGB2312ToUnicodeLength FromGb2312ToUnicode GetUnicodeLength UnicodeToUTF8
- *                GetUtf8ByteNumber GetUTF8ToUnicodeLength UTF8ToUnicode SimplifiedToTraditionalUTF8
+ *                SimplifiedToTraditionalUTF8
  *     keys       ext_keyboard_initial ext_keyboard_value ext_keyboard_close hi_remotekey_proc key_que
  *                g_key_lock
  *     mouse      ext_mouse_get_status g_mouse_fd g_s32KeyValue g_bMouseEvent g_mouse_lock
  *     board      ext_buzzer_set ext_rtc_time_system hi_start_record_proc hi_stop_record_proc
  *     watchdog   ext_wdg_set local_wdg_set_timeout Set_Wdt_Fing wdt_feed_pt
- *     analog     ext_get_video_loss_status
+ *     analog     ext_get_video_loss_status ext_alarm_status_get InitMotion SetMotionArea GetMotionArea
  *
  * Names that are there for the binary interface
  *   Every name here is one that applications have been linked against, spelt as it was then: "vidoe",

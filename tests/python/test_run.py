@@ -28,7 +28,7 @@ def test_the_board_shows_what_the_cameras_send(recorder):
     assert (picture.width, picture.height) == (1920, 1080)
     # Two cameras fill the upper half of the grid.
     assert picture.mean_luma((100, 100, 700, 400)) > 30
-    assert picture.mean_luma((100, 640, 700, 400)) < 30
+    assert picture.mean_luma((100, 640, 700, 400)) < 40 # dark, with a quiet mark
     part = board.picture(region=[100, 100, 64, 32])
     assert (part.width, part.height) == (64, 32)
 
@@ -45,11 +45,12 @@ def test_the_screen_is_written_to_files(recorder, tmp_path):
 def test_a_key_changes_the_picture(recorder):
     board = recorder.board
     board.wait_decoded(0, 5)
-    shown = board.picture(region=[0, 540, 1920, 540])
+    menu = [760, 540, 400, 200] # its lower half, over panes that nothing moves in
+    shown = board.picture(region=menu)
     board.press("menu")
-    board.wait_until(lambda: board.picture(region=[0, 540, 1920, 540]).difference(shown) > 2)
+    board.wait_until(lambda: board.picture(region=menu).difference(shown) > 2)
     board.press("back")
-    board.wait_until(lambda: board.picture(region=[0, 540, 1920, 540]).difference(shown) < 1)
+    board.wait_until(lambda: board.picture(region=menu).difference(shown) < 1)
 
 
 def test_the_monitors_plug_is_pulled(recorder):
