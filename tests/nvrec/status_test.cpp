@@ -348,7 +348,8 @@ TEST_F(StatusOfARecorder, IsToldEverywhereAndHoldsNoPassword)
     recorder.wait();
     everything += recorder.output + recorder.errors + file_text(file("log")) + file_text(file("report"));
     EXPECT_EQ(everything.find(kSecret), std::string::npos) << everything;
-    EXPECT_NE(file_text(file("log")).find(" error: channel 1 (gone): "), std::string::npos) << "with time and level";
+    EXPECT_NE(file_text(file("log")).find(" error: channel 1 (gone): "), std::string::npos)
+        << "with time and level";
     struct stat log;
     ASSERT_EQ(stat(file("log").c_str(), &log), 0);
     EXPECT_EQ(log.st_mode & 0777, 0640u);
