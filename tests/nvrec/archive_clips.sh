@@ -17,3 +17,5 @@ encode -i seconds.mp4 -c copy -cluster_time_limit 1000 seconds.mkv
 encode -i seconds.mp4 -c copy plain.mp4
 encode -f lavfi -i "testsrc2=size=64x48:rate=25:duration=20" -c:v libx264 -preset veryfast -bf 3 -pix_fmt yuv420p \
     -sc_threshold 0 -g 25 "${fragments[@]}" reordered.mp4
+encode -f lavfi -i "testsrc2=size=64x48:rate=25:duration=10" -f lavfi -i "sine=duration=10:sample_rate=16000" \
+    "${h264[@]}" -g 50 -c:a aac "${fragments[@]}" sound.mp4

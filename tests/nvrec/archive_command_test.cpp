@@ -172,6 +172,34 @@ TEST_F(ArchiveCommands, ExportIsExactByAnEditList)
     }
 }
 
+/* A fragment's sound stands behind its pictures: the clip has it up to its end all the same. */
+TEST_F(ArchiveCommands, ExportHasTheSoundUpToItsEnd)
+{
+    const int64_t from = local(2026, 11, 21, 14, 5);
+    put(scratch_.path(), 2, from, "sound.mp4");
+    for (const char *exact : {"", "--exact"}) {
+        const std::string path = scratch_.file(std::string("heard") + exact + ".mp4");
+        std::vector<std::string> arguments = {"--camera", "2",   "--from", "2026-11-21T14:05:03",
+                                              "--to",     "+4s", path};
+        if (*exact) arguments.push_back(exact);
+        ASSERT_EQ(run("export", arguments), 0) << errors_;
+        EXPECT_NEAR(std::stod(probe(path, "a:0", "duration")), *exact ? 4 : 5, 0.1)
+            << exact << ": from the key frame before";
+    }
+}
+
+TEST_F(ArchiveCommands, ExportReplacesNoRecording)
+{
+    put_two_with_a_gap();
+    const std::string recording = scratch_.file("ch00-main-20261121-140530.mp4");
+    const std::string before = file_text(recording);
+    EXPECT_EQ(run("export", {"--camera", "0", "--from", "2026-11-21T14:05:10", "--to", "+5s", "--overwrite",
+                             recording}),
+              5);
+    EXPECT_TRUE(complains("the place of a recording")) << errors_;
+    EXPECT_EQ(file_text(recording), before);
+}
+
 TEST_F(ArchiveCommands, ExportRefusesWhatItCannotDo)
 {
     put_two_with_a_gap();

@@ -2,6 +2,7 @@
 #include "archive/clip.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
 
 #include "archive/clip_files.h"
@@ -14,6 +15,8 @@ namespace
 
 /* Recordings follow one another within this: less is no gap to a user. */
 constexpr int64_t kNoGap_us = 1'500'000;
+/* Sound stands in a file up to a fragment behind the pictures that it goes with. */
+constexpr int64_t kSoundLate_us = 3'000'000;
 
 class ClipMaker
 {
@@ -42,7 +45,7 @@ private:
             return;
         }
         ClipPacket packet;
-        bool begun = false;
+        bool begun = false, pictures_over = false;
         while (result_.problem.empty() && source.read(&packet)) {
             if (!packet.sound && !begun) {
                 if (!packet.key) continue;
@@ -54,21 +57,39 @@ private:
             }
             if (!begun && !output_) continue;
             if (packet.sound) {
-                if (packet.wall_us < options_.span.to_us && !output_->write(packet)) fail();
+                if (packet.wall_us < options_.span.to_us) {
+                    if (!output_->write(packet)) fail();
+                } else if (pictures_over) {
+                    break;
+                }
                 continue;
             }
-            /* Behind a picture at or after the end there may be earlier ones, up to the next key frame. */
-            if (packet.key && packet.wall_us >= options_.span.to_us) break;
-            if (options_.exact && packet.dts_us >= options_.span.to_us) break;
+            if (is_over(packet)) {
+                pictures_over = true;
+                if (packet.dts_us >= options_.span.to_us + kSoundLate_us) break;
+            }
+            if (pictures_over) continue;
             note(packet.wall_us, packet.wall_us + packet.duration_us);
             if (!output_->write(packet)) fail();
         }
         if (!source.error().empty()) result_.unreadable.push_back(segment.path + ": " + source.error());
     }
 
+    /* Behind a picture at or after the end there may be earlier ones, up to the next key frame. */
+    bool is_over(const ClipPacket &picture) const
+    {
+        return (picture.key && picture.wall_us >= options_.span.to_us) ||
+               (options_.exact && picture.dts_us >= options_.span.to_us);
+    }
+
     bool begin(const ClipSource &source, const ClipPacket &first)
     {
         const std::string path = numbered(result_.files.size());
+        if (!result_.files.empty() && !options_.overwrite && std::filesystem::exists(path)) {
+            result_.problem = path + " is there already";
+            result_.write_failed = true;
+            return false;
+        }
         output_ = std::make_unique<ClipOutput>();
         /* With an edit list the part before `from` has negative times. */
         const int64_t origin_us =

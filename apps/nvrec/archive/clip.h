@@ -29,6 +29,7 @@ struct ClipOptions {
     std::string path; /* of the clip; .mp4, .mov or .mkv */
     TimeSpan span;    /* what it is to hold              */
     bool exact = false;
+    bool overwrite = false; /* files that are there, of those beside `path` */
 };
 
 /** One file that was written. */

@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 
 #include "archive/clip.h"
+#include "archive/intake.h"
 #include "archive/time_of_day.h"
 #include "commands/archive_options.h"
 #include "commands/command.h"
@@ -22,12 +23,24 @@ struct ExportOptions {
     bool overwrite = false;
 };
 
+/* Whether the clip would stand where a recording of the directory stands, or may one day. */
+bool is_a_recording(const ExportOptions &options)
+{
+    std::error_code ignored;
+    const auto clip = std::filesystem::weakly_canonical(options.path, ignored);
+    return recording_name(clip.filename().string()) &&
+           std::filesystem::equivalent(clip.parent_path(), options.archive.directory, ignored);
+}
+
 int run_export(const ExportOptions &options)
 {
     const std::string wrong = clip_path_problem(options.path, options.exact);
     if (!wrong.empty()) return complain(kExitUsage, wrong);
     TimeSpan span;
     if (const int code = read_span(options.archive, &span); code != kExitDone) return code;
+    if (is_a_recording(options))
+        return complain(kExitOutputFailed,
+                        options.path + " is the place of a recording, which no clip replaces");
     if (!options.overwrite && std::filesystem::exists(options.path))
         return complain(kExitOutputFailed, options.path + " is there already; --overwrite replaces it");
     Archive archive;
@@ -35,7 +48,7 @@ int run_export(const ExportOptions &options)
     if (const int code = open_archive_for(options.archive, &archive, &cameras); code != kExitDone)
         return code;
     const auto segments = archive.index.segments({numbers_of(cameras), options.archive.stream, span});
-    const ClipResult result = write_clip(segments, {options.path, span, options.exact});
+    const ClipResult result = write_clip(segments, {options.path, span, options.exact, options.overwrite});
     for (const std::string &line : result.unreadable)
         complain(kExitDone, "left out: " + line);
     for (const ClipFile &file : result.files)
