@@ -1,7 +1,14 @@
-/* The index's writer: what is told to it is there, one recorder a directory, room on a full disk. */
+/*
+ * The index's writer: what is told to it is there, also where the disk did not take it at first; one
+ * recorder a directory, room on a full disk.
+ */
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <mutex>
+#include <thread>
+
+#include <sys/resource.h>
 
 #include <gtest/gtest.h>
 
@@ -14,6 +21,23 @@ namespace
 using namespace nvrec;
 using namespace archive_days;
 using std::chrono::seconds;
+
+/* Files of this process grow no further while it lives: to SQLite that is a disk that takes nothing. */
+class NoFileGrows
+{
+public:
+    NoFileGrows()
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit none = {512, before_.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &none);
+    }
+    ~NoFileGrows() { setrlimit(RLIMIT_FSIZE, &before_); }
+
+private:
+    rlimit before_ = {};
+};
 
 class WritingTheIndex : public testing::Test
 {
@@ -32,6 +56,15 @@ protected:
     {
         const std::scoped_lock guard(lock_);
         return said_;
+    }
+
+    bool says(const std::string &text)
+    {
+        for (int tenths = 0; tenths < 100; ++tenths) {
+            if (said().find(text) != std::string::npos) return true;
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        }
+        return false;
     }
 
     ScratchDirectory scratch_;
@@ -66,6 +99,65 @@ TEST_F(WritingTheIndex, WritesWhatItWasTold)
     EXPECT_TRUE(rows[0].finished);
     EXPECT_EQ(index.gaps({}).size(), 1u);
     EXPECT_EQ(index.events({}).size(), 1u);
+}
+
+TEST_F(WritingTheIndex, KeepsWhatTheDiskDoesNotTakeUntilItDoes)
+{
+    IndexWriter writer(teller());
+    writer.start(scratch_.path());
+    ASSERT_EQ(writer.wait_open(seconds(10)), "");
+    const std::string path = scratch_.file("ch02-main-20261121-140000.mp4");
+    {
+        const NoFileGrows full;
+        writer.segment_begun({2, "yard", "main", path, 100, 100, 0, false});
+        writer.event({2, "yard", 150, "alarm", "door"});
+        for (int64_t grown = 1; grown < 5000; ++grown)
+            writer.segment_grown(path, 100 + grown, grown);
+        ASSERT_TRUE(says("the index cannot be written"));
+        EXPECT_EQ(said().find("rollback"), std::string::npos) << said();
+        const uint64_t beyond_the_queue = writer.dropped();
+        writer.segment_ended(path, 9000, 9000);
+        writer.event({2, "yard", 160, "alarm", "gate"});
+        EXPECT_EQ(writer.dropped(), beyond_the_queue) << "outdated lengths made room";
+    }
+    ASSERT_TRUE(writer.stop(seconds(10)));
+
+    Index index;
+    ASSERT_EQ(index.open(scratch_.path()), "");
+    const auto rows = index.segments({});
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0].to_us, 9000);
+    EXPECT_TRUE(rows[0].finished);
+    EXPECT_EQ(index.events({}).size(), 2u) << "each once";
+}
+
+TEST_F(WritingTheIndex, EndsAlthoughTheDiskTakesNothingAndCountsWhatIsLost)
+{
+    IndexWriter writer(teller());
+    writer.start(scratch_.path());
+    ASSERT_EQ(writer.wait_open(seconds(10)), "");
+    const NoFileGrows full;
+    writer.event({2, "yard", 150, "alarm", "door"});
+    EXPECT_TRUE(writer.stop(seconds(10)));
+    EXPECT_EQ(writer.dropped(), 1u);
+}
+
+TEST_F(WritingTheIndex, LeavesOutWhatTheIndexNeverTakes)
+{
+    IndexWriter writer(teller());
+    writer.start(scratch_.path());
+    ASSERT_EQ(writer.wait_open(seconds(10)), "");
+    Database other;
+    ASSERT_TRUE(other.open(scratch_.file(kIndexName)));
+    ASSERT_TRUE(other.run("DROP TABLE events")) << other.error();
+    other.close();
+    writer.event({2, "yard", 150, "alarm", "door"});
+    writer.gap({2, "yard", "main", 120, 130, "lost"});
+    ASSERT_TRUE(writer.stop(seconds(10)));
+    EXPECT_EQ(writer.dropped(), 1u);
+    Index index;
+    ASSERT_EQ(index.open(scratch_.path()), "");
+    EXPECT_EQ(index.gaps({}).size(), 1u);
 }
 
 TEST_F(WritingTheIndex, RefusesASecondRecorderInADirectory)

@@ -108,6 +108,20 @@ bool Database::damaged() const
     return code == SQLITE_CORRUPT || code == SQLITE_NOTADB;
 }
 
+bool Database::may_pass() const
+{
+    switch (handle_ ? sqlite3_errcode(handle_) & 0xFF : SQLITE_CANTOPEN) {
+    case SQLITE_FULL:
+    case SQLITE_IOERR:
+    case SQLITE_BUSY:
+    case SQLITE_LOCKED:
+    case SQLITE_NOMEM:
+    case SQLITE_READONLY:
+    case SQLITE_CANTOPEN: return true;
+    default: return false;
+    }
+}
+
 int64_t Database::changed() const
 {
     return handle_ ? sqlite3_changes64(handle_) : 0;

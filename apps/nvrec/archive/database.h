@@ -69,6 +69,12 @@ public:
     /** The file is no database, or a damaged one. */
     bool damaged() const;
 
+    /**
+     * The last call may succeed when it is repeated later: the disk is full or fails, another process
+     * writes. Otherwise it is the statement's own fault.
+     */
+    bool may_pass() const;
+
     /** Rows that the last statement changed. */
     int64_t changed() const;
     /** The number of the row that was put in last. */

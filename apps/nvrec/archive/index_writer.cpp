@@ -7,6 +7,7 @@
 #include <deque>
 #include <mutex>
 #include <thread>
+#include <unordered_set>
 #include <utility>
 
 #include <fcntl.h>
@@ -18,6 +19,13 @@
 
 namespace nvrec
 {
+
+/* What is queued. */
+struct IndexChange {
+    std::function<bool(Index &)> make;
+    std::string grown; /* the file of which it says no more than how long it is */
+};
+
 namespace
 {
 
@@ -26,7 +34,46 @@ constexpr auto kCommitPeriod = std::chrono::seconds(1); /* what a crash may take
 constexpr auto kRetentionPeriod = std::chrono::seconds(10);
 constexpr auto kLastPatience = std::chrono::milliseconds(500);
 
-using Change = std::function<bool(Index &)>;
+using Changes = std::deque<IndexChange>;
+
+/* What came of changes that were made together. */
+struct Made {
+    size_t refused = 0; /* by the index, whatever the disk does */
+    bool all = true;    /* but those; false = none              */
+    std::string trouble;
+};
+
+/* In one transaction, or none of them: a failed statement may have ended the transaction, and what
+ * follows it would be made twice when all of it is repeated. */
+Made make_together(Index &index, Changes *changes)
+{
+    Made made;
+    while (!changes->empty()) {
+        Transaction transaction(index.database());
+        auto failed = changes->begin();
+        if (transaction.is_open())
+            failed = std::find_if_not(changes->begin(), changes->end(),
+                                      [&index](const IndexChange &change) { return change.make(index); });
+        if (transaction.is_open() && failed == changes->end() && transaction.commit()) break;
+        made.trouble = "the index cannot be written: " + index.error();
+        made.all = failed != changes->end() && transaction.is_open() && !index.database().may_pass();
+        if (!made.all) return made;
+        changes->erase(failed);
+        ++made.refused;
+    }
+    return made;
+}
+
+/* How long a file is counts once, with the last word on it. */
+void forget_outdated(Changes *changes)
+{
+    std::unordered_set<std::string> told;
+    Changes kept;
+    for (auto change = changes->rbegin(); change != changes->rend(); ++change) {
+        if (change->grown.empty() || told.insert(change->grown).second) kept.push_front(std::move(*change));
+    }
+    *changes = std::move(kept);
+}
 
 /* One recorder a directory. The lock goes with the process, however that ends. */
 class DirectoryLock
@@ -63,7 +110,7 @@ struct IndexWriter::State {
     Condition changed;
     Teller tell;
     RetentionOptions retention;
-    std::deque<Change> queue;
+    Changes queue;
     bool opened = false; /* locked and open, or refused */
     std::string refused; /* why                         */
     bool quit = false;
@@ -74,14 +121,14 @@ struct IndexWriter::State {
     uint64_t rooms_made = 0;
     bool room = false;
 
-    void push(Change change)
+    void push(std::function<bool(Index &)> make, const std::string &grown = "")
     {
         const std::scoped_lock guard(lock);
         if (queue.size() >= kMostQueued) {
             ++dropped;
             return;
         }
-        queue.push_back(std::move(change));
+        queue.push_back({std::move(make), grown});
     }
 
     void say(bool trouble, const std::string &line)
@@ -155,7 +202,7 @@ void IndexWriter::segment_begun(const SegmentRow &row)
 
 void IndexWriter::segment_grown(const std::string &path, int64_t to_us, int64_t bytes)
 {
-    state_->push([=](Index &index) { return index.grow_segment(path, to_us, bytes, false); });
+    state_->push([=](Index &index) { return index.grow_segment(path, to_us, bytes, false); }, path);
 }
 
 void IndexWriter::segment_ended(const std::string &path, int64_t to_us, int64_t bytes)
@@ -243,19 +290,14 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
         const Clock::time_point commit_at = Clock::now() + kCommitPeriod;
         state->changed.wait_until(guard, std::min(commit_at, retention_at),
                                   [&] { return state->quit || state->room_wanted > 0; });
-        std::deque<Change> changes = std::exchange(state->queue, {});
+        Changes changes = std::exchange(state->queue, {});
+        const bool last_try = state->quit;
         const int64_t room_wanted = state->room_wanted;
         retention.set(state->retention);
         guard.unlock();
 
-        bool written = true;
-        if (!changes.empty()) {
-            Transaction transaction(index.database());
-            for (const Change &change : changes)
-                written &= change(index);
-            written &= transaction.commit();
-        }
-        std::string trouble = written ? "" : "the index cannot be written: " + index.error();
+        Made made = make_together(index, &changes);
+        std::string trouble = made.trouble;
         bool room = false;
         if (room_wanted > 0) room = retention.make_room(room_wanted);
         if (Clock::now() >= retention_at) {
@@ -266,7 +308,17 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
         if (!trouble.empty() && trouble != told) state->say(true, trouble);
         told = trouble;
 
+        /* Room may have come of it. */
+        if (!made.all && room) made = make_together(index, &changes);
+        if (!made.all) forget_outdated(&changes);
+
         guard.lock();
+        state->dropped += made.refused;
+        if (!made.all && last_try)
+            state->dropped += changes.size(); /* the files say it again at the next start */
+        else if (!made.all)
+            state->queue.insert(state->queue.begin(), std::make_move_iterator(changes.begin()),
+                                std::make_move_iterator(changes.end()));
         state->retained = retention.state();
         state->retained.trouble = trouble;
         if (room_wanted > 0) {

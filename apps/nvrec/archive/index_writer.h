@@ -6,6 +6,9 @@
  *                                      ones in, then write what is queued, together, once a second,
  *                                      and see to retention
  *
+ * What the index does not take, because its disk is full or fails, or because another process writes,
+ * is kept and repeated, all of it, once a second.
+ *
  * One recorder at a time records into a directory: a lock on nvrec.lock in it, which goes with the
  * process. When the queue is full, what comes is dropped and counted; the files say it again at the
  * next start.
@@ -73,7 +76,7 @@ public:
     /** What retention did and what it sees. */
     RetentionState retention_state() const;
 
-    /** Entries that the queue had no room for. */
+    /** Entries that the queue had no room for, or that the index did not take to the end. */
     uint64_t dropped() const;
 
     /**
