@@ -14,10 +14,12 @@ extern "C" {
 #include <libavformat/avformat.h>
 }
 
+#include "archive/intake.h"
 #include "camera/input.h"
 #include "nvrec_run.h"
 #include "record/container_file.h"
 #include "record/parameter_sets.h"
+#include "record/segment.h"
 
 namespace
 {
@@ -26,6 +28,8 @@ using namespace nvrec;
 
 constexpr int64_t kOrigin_us = 7'000'000;
 constexpr int64_t kMillisecond_us = 1000;
+constexpr int64_t kFrom_us = 1'795'352'399'987'654; /* a time of day */
+constexpr const char *kCamera = "Hof \xC3\xBC\xE5\xBA\xAD";
 
 struct Times {
     std::vector<int64_t> video_us, sound_us;
@@ -67,6 +71,20 @@ const SoundRow kSounds[] = {
     {"opus", {AV_CODEC_ID_OPUS, 48'000, 1, {}}, 81, 20'000}, /* two frames of 40 bytes, says the first byte */
 };
 
+/* An index that is made from the files has what the recorder's own would have. */
+void expect_index_has_it(const std::string &directory)
+{
+    Index index;
+    ASSERT_EQ(index.open(directory), "");
+    const IntakeResult result = take_in(index, list_recordings(directory), {.repair = true});
+    EXPECT_TRUE(result.lines.empty()) << result.lines.front();
+    const auto rows = index.segments({});
+    ASSERT_EQ(rows.size(), 1u);
+    EXPECT_EQ(rows[0].channel, 3);
+    EXPECT_EQ(rows[0].camera, kCamera);
+    EXPECT_EQ(rows[0].from_us, kFrom_us);
+}
+
 class NvrecContainer : public testing::TestWithParam<std::tuple<Container, size_t>>
 {
 };
@@ -86,7 +104,7 @@ TEST_P(NvrecContainer, KeepsEveryTimeThatItWasGiven)
         facts.sound = std::make_shared<const SoundFormat>(completed(sound.format));
     }
     ContainerFile file;
-    ASSERT_TRUE(file.open(container, facts, kOrigin_us)) << file.error();
+    ASSERT_TRUE(file.open(container, facts, kOrigin_us, {kCamera, kFrom_us})) << file.error();
 
     std::vector<int64_t> video_us, sound_us;
     std::string bytes;
@@ -125,8 +143,9 @@ TEST_P(NvrecContainer, KeepsEveryTimeThatItWasGiven)
     EXPECT_EQ(sounds, sound_us.size());
 
     ScratchDirectory scratch;
-    const std::string path = scratch.file(std::string("times") + file_ending(container));
+    const std::string path = scratch.file(segment_name(3, "main", kFrom_us) + file_ending(container));
     std::ofstream(path, std::ios::binary) << bytes;
+    expect_index_has_it(scratch.path());
     Times times = times_in(path);
     ASSERT_EQ(times.video_us.size(), video_us.size());
     ASSERT_EQ(times.sound_us.size(), sound_us.size());
@@ -138,6 +157,42 @@ TEST_P(NvrecContainer, KeepsEveryTimeThatItWasGiven)
             << "sound " << i;
     if (row > 0) {
         EXPECT_EQ(times.sound_codec, sound.name);
+    }
+}
+
+/* A copy under another name is where that says, and a title alone makes nobody a camera. */
+TEST(NvrecFileLabel, OfACopyElsewhereIsNotItsOwn)
+{
+    Input input(std::string(NVREC_CLIPS) + "/camera1.mkv");
+    ASSERT_TRUE(input.open(std::chrono::seconds(10)));
+    AccessUnit unit;
+    ASSERT_EQ(input.read(&unit), Input::Read::kUnit);
+    ScratchDirectory scratch;
+    constexpr int64_t kWeek_us = int64_t{7} * 24 * 3600 * 1'000'000;
+    for (const Container container : {Container::kMp4, Container::kMkv}) {
+        ContainerFile file;
+        ASSERT_TRUE(file.open(container,
+                              {input.facts(), parameter_sets_of(unit.bytes, input.facts().codec), nullptr},
+                              unit.due_us, {kCamera, kFrom_us}));
+        ASSERT_TRUE(file.write_video(unit.bytes, unit.pts_us, unit.due_us, true));
+        ASSERT_TRUE(file.close());
+        std::ofstream stream(
+            scratch.file(segment_name(0, "main", kFrom_us + kWeek_us) + file_ending(container)),
+            std::ios::binary);
+        for (const FileChunk::Extent &extent : file.take_output().extents) {
+            stream.seekp(extent.at);
+            stream.write(reinterpret_cast<const char *>(extent.bytes.data()),
+                         static_cast<std::streamsize>(extent.bytes.size()));
+        }
+    }
+    Index index;
+    ASSERT_EQ(index.open(scratch.path()), "");
+    take_in(index, list_recordings(scratch.path()), {.repair = true});
+    const auto rows = index.segments({});
+    ASSERT_EQ(rows.size(), 2u);
+    for (const SegmentRow &row : rows) {
+        EXPECT_EQ(row.camera, "") << row.path;
+        EXPECT_EQ(row.from_us, (kFrom_us + kWeek_us) / 1'000'000 * 1'000'000) << row.path;
     }
 }
 

@@ -5,6 +5,7 @@
 
 #include "archive/file_bytes.h"
 #include "archive/file_extent_mkv.h"
+#include "archive/time_of_day.h"
 
 namespace nvrec
 {
@@ -78,6 +79,32 @@ void read_track(std::span<const uint8_t> trak, VideoTrack *found)
         });
     });
     if (video && found->number == 0) *found = track;
+}
+
+/* A text of the head: of MP4 in a box of its own, of QuickTime behind its length and language. */
+std::string text_in(std::span<const uint8_t> box)
+{
+    constexpr size_t kTextHead = 16; /* of MP4: size, name, type, country */
+    ByteReader reader(box);
+    const uint64_t length = reader.number(2);
+    reader.skip(2);
+    const bool quicktime = box.size() >= 8 && reader.number(4) != four("data");
+    const auto text = quicktime ? box.subspan(4, std::min<uint64_t>(length, box.size() - 4))
+                                : box.subspan(std::min(kTextHead, box.size()));
+    return {text.begin(), text.end()};
+}
+
+void read_label(std::span<const uint8_t> user_data, FileExtent *extent)
+{
+    each_box(user_data, [&](uint32_t name, std::span<const uint8_t> box) {
+        std::string ignored;
+        if (name == four("meta") && box.size() > 4) read_label(box.subspan(4), extent);
+        if (name == four("ilst")) read_label(box, extent);
+        if (name == four("\xA9nam")) extent->title = text_in(box);
+        if (name == four("\xA9"
+                         "day"))
+            extent->from_us = read_time(text_in(box), 0, &ignored).value_or(0);
+    });
 }
 
 VideoTrack read_movie(std::span<const uint8_t> moov)
@@ -167,6 +194,9 @@ FileExtent mp4_extent(const ReadFile &file)
         at += size;
         if (name == four("moov") && whole_head) {
             track = read_movie(inside);
+            each_box(inside, [&](uint32_t inner, std::span<const uint8_t> user_data) {
+                if (inner == four("udta")) read_label(user_data, &extent);
+            });
             extent.readable = track.number != 0 && track.ticks != 0;
             end_ticks = track.duration;
         } else if (name == four("moof") && whole_head) {

@@ -12,9 +12,11 @@ namespace
 {
 
 constexpr uint32_t kEbml = 0x1A45DFA3, kSegment = 0x18538067, kInfo = 0x1549A966, kTracks = 0x1654AE6B,
-                   kCluster = 0x1F43B675, kTimestampScale = 0x2AD7B1, kDuration = 0x4489, kTrack = 0xAE,
-                   kDefaultDuration = 0x23E383, kTrackType = 0x83, kTrackNumber = 0xD7, kTimestamp = 0xE7,
-                   kSimpleBlock = 0xA3, kBlockGroup = 0xA0, kBlock = 0xA1;
+                   kCluster = 0x1F43B675, kTimestampScale = 0x2AD7B1, kTitle = 0x7BA9, kDate = 0x4461,
+                   kDuration = 0x4489, kTrack = 0xAE, kDefaultDuration = 0x23E383, kTrackType = 0x83,
+                   kTrackNumber = 0xD7, kTimestamp = 0xE7, kSimpleBlock = 0xA3, kBlockGroup = 0xA0,
+                   kBlock = 0xA1;
+constexpr int64_t kDatesBegin_us = 978'307'200'000'000; /* 2001 in UTC */
 constexpr uint64_t kUnknown = UINT64_MAX;
 constexpr int64_t kLargestMkvHead_bytes = 16 << 20;
 constexpr uint64_t kVideo = 1;
@@ -74,6 +76,8 @@ struct Movie {
     double duration = 0; /* in that scale; 0 = not known yet */
     uint64_t video = 0;  /* track */
     uint64_t frame_ns = 0;
+    int64_t from_us = 0;
+    std::string title;
 };
 
 void read_info(std::span<const uint8_t> body, Movie *movie)
@@ -81,6 +85,9 @@ void read_info(std::span<const uint8_t> body, Movie *movie)
     each_element(body, [&](uint32_t id, std::span<const uint8_t> value) {
         if (id == kTimestampScale && number_in(value) > 0) movie->scale_ns = number_in(value);
         if (id == kDuration) movie->duration = real_in(value);
+        if (id == kTitle) movie->title = {value.begin(), value.end()};
+        if (id == kDate && value.size() == 8)
+            movie->from_us = kDatesBegin_us + static_cast<int64_t>(number_in(value)) / 1000;
     });
 }
 
@@ -162,6 +169,8 @@ FileExtent mkv_extent(const ReadFile &file)
         extent.whole_bytes = at = body_at + size;
     }
     if (extent.readable) extent.problem.clear();
+    extent.from_us = movie.from_us;
+    extent.title = movie.title.substr(0, movie.title.find('\0')); /* which may be filled up with zeros */
     const double scale_us = static_cast<double>(movie.scale_ns) / 1e3;
     if (movie.duration > 0 && ended) {
         extent.duration_us = static_cast<int64_t>(movie.duration * scale_us);

@@ -139,6 +139,38 @@ void cut_back(const std::string &path, FileExtent *extent, IntakeResult *result)
     ++result->cut;
 }
 
+/* Whether a file that begins at a time would be called so, in whichever time zone: a copy under another
+ * name is where its name says. */
+bool is_named_by(const RecordingName &says, int64_t from_us)
+{
+    constexpr int64_t kWidestZones_us = int64_t{26} * 3600 * kNameSecond_us;
+    constexpr int64_t kZoneStep_us = int64_t{15} * 60 * kNameSecond_us;
+    const int64_t later_us = from_us - says.from_us + kWidestZones_us;
+    return later_us >= 0 && later_us <= 2 * kWidestZones_us && later_us % kZoneStep_us < kNameSecond_us;
+}
+
+bool is_camera_name(const std::string &text)
+{
+    constexpr size_t kLongestName = 255;
+    return text.size() <= kLongestName && std::ranges::none_of(text, [](char letter) {
+               return static_cast<unsigned char>(letter) < 0x20 || letter == 0x7F;
+           });
+}
+
+/* What a new file says of itself is exact; its name says it to the second, and no camera's name. */
+SegmentRow new_row(const std::string &path, const RecordingName &says, const FileExtent &extent)
+{
+    SegmentRow row;
+    row.channel = says.channel;
+    row.stream = says.stream;
+    row.path = path;
+    row.from_us = says.from_us;
+    if (extent.from_us == 0 || !is_named_by(says, extent.from_us)) return row;
+    row.from_us = extent.from_us;
+    if (is_camera_name(extent.title)) row.camera = extent.title;
+    return row;
+}
+
 } // namespace
 
 IntakeResult take_in(Index &index, const std::vector<ListedFile> &files, const IntakeOptions &options)
@@ -164,12 +196,7 @@ IntakeResult take_in(Index &index, const std::vector<ListedFile> &files, const I
             continue;
         }
         if (options.repair) cut_back(path, &extent, &result);
-        if (is_new) {
-            row.channel = file.says.channel;
-            row.stream = file.says.stream;
-            row.path = path;
-            row.from_us = file.says.from_us;
-        }
+        if (is_new) row = new_row(path, file.says, extent);
         row.to_us = row.from_us + extent.duration_us;
         row.bytes = extent.bytes;
         row.finished = options.repair || (!extent.torn() && is_new);

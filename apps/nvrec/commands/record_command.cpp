@@ -12,6 +12,7 @@
 #include "commands/wall_options.h"
 #include "controls/controls.h"
 #include "record/recorder.h"
+#include "screen/overlay.h"
 
 namespace nvrec
 {
@@ -90,6 +91,7 @@ Command record_command(CLI::App &app)
                 RecorderOptions recorder;
                 recorder.record = *options;
                 recorder.feed = line.options->feed;
+                recorder.names = line.overlay->names.given;
                 recorder.recycle = *recycle;
                 if (*recycle) recorder.retention.least_free = kKeptFree_bytes;
                 if (!read_network_addresses(*network, line.options->inputs.size(), &recorder.network))

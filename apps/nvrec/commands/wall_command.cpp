@@ -84,7 +84,7 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
     auto listen = std::make_shared<ListenOptions>();
     add_listen_options(*wall, *listen);
 
-    return {options, controls, [=](Modules modules) {
+    return {options, controls, overlay, [=](Modules modules) {
                 if (options->inputs.size() > most_inputs) {
                     std::fprintf(stderr, "nvrec: %zu inputs; it takes at most %zu\n", options->inputs.size(),
                                  most_inputs);

@@ -16,11 +16,13 @@ namespace nvrec
 {
 
 struct ControlOptions;
+struct OverlayOptions;
 
 /** The options, filled when the subcommand is parsed, and what then runs the wall. */
 struct WallCommandLine {
     std::shared_ptr<WallOptions> options;
     std::shared_ptr<ControlOptions> controls;
+    std::shared_ptr<const OverlayOptions> overlay;
 
     /** @param modules  run beside the wall, before those that the options ask for */
     std::function<int(std::vector<std::unique_ptr<Module>> modules)> run;

@@ -11,6 +11,8 @@ extern "C" {
 #include <libavformat/avformat.h>
 }
 
+#include "archive/time_of_day.h"
+
 namespace nvrec
 {
 namespace
@@ -162,7 +164,8 @@ bool ContainerFile::fail(int av_code)
     return false;
 }
 
-bool ContainerFile::open(Container container, const TrackFacts &facts, int64_t origin_us)
+bool ContainerFile::open(Container container, const TrackFacts &facts, int64_t origin_us,
+                         const FileLabel &label)
 {
     discard();
     container_ = container;
@@ -188,6 +191,7 @@ bool ContainerFile::open(Container container, const TrackFacts &facts, int64_t o
         return false;
     }
     video_->codecpar->codec_tag = row.tagged ? traits_of(facts.stream.codec).mp4_tag : 0;
+    set_label(label);
     /* Nothing may wait in memory for a more convenient moment. */
     format_->flags |= AVFMT_FLAG_FLUSH_PACKETS | AVFMT_FLAG_CUSTOM_IO;
     format_->avoid_negative_ts = AVFMT_AVOID_NEG_TS_DISABLED; /* times are as they are given */
@@ -205,6 +209,16 @@ bool ContainerFile::open(Container container, const TrackFacts &facts, int64_t o
     avio_flush(format_->pb);
     note_output(false);
     return true;
+}
+
+/* MP4's own time of creation is in whole seconds; the date is a text. */
+void ContainerFile::set_label(const FileLabel &label)
+{
+    if (!label.camera.empty()) av_dict_set(&format_->metadata, "title", label.camera.c_str(), 0);
+    if (label.from_us == 0) return;
+    const std::string from = iso_time(label.from_us);
+    for (const char *key : {"creation_time", "date"})
+        av_dict_set(&format_->metadata, key, from.c_str(), 0);
 }
 
 bool ContainerFile::add_video()

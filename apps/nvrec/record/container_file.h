@@ -9,6 +9,9 @@
  * is of the QuickTime kind of the same format, which has.
  * MKV: clusters of at most a second, likewise; at the end, what the head leaves open is written there.
  *
+ * The head has the camera's name as its title and the time of day at which the file begins, to the
+ * microsecond, so that an index can be made from the files alone.
+ *
  * Threads: one.
  */
 #pragma once
@@ -41,6 +44,12 @@ struct TrackFacts {
     bool operator==(const TrackFacts &other) const;
 };
 
+/** What a file says of itself. */
+struct FileLabel {
+    std::string camera;  /* its name; empty = it has none                                  */
+    int64_t from_us = 0; /* time of day of the origin, us since 1970; 0 = the file says none */
+};
+
 /** A part of a file: bytes at their places, in the order in which they are to be written. */
 struct FileChunk {
     struct Extent {
@@ -65,7 +74,7 @@ public:
     ContainerFile &operator=(const ContainerFile &) = delete;
 
     /** Begin a file; its time begins at `origin_us`. @return false with the reason in error(). */
-    bool open(Container container, const TrackFacts &facts, int64_t origin_us);
+    bool open(Container container, const TrackFacts &facts, int64_t origin_us, const FileLabel &label = {});
 
     /** Append a picture in Annex B form. @return false with the reason in error(). */
     bool write_video(std::span<const uint8_t> unit, int64_t pts_us, int64_t dts_us, bool key);
@@ -96,6 +105,7 @@ private:
         bool key;
     };
 
+    void set_label(const FileLabel &label);
     bool add_video();
     bool add_sound();
     bool write_held(int64_t duration);

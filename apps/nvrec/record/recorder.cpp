@@ -73,6 +73,8 @@ std::unique_ptr<Recording> Recorder::make_recording(int channel, PoolStream stre
     RecordOptions options = options_.record;
     const auto plan = options_.plans.find(channel);
     if (plan != options_.plans.end()) options.plan = plan->second;
+    const auto name = options_.names.find(channel);
+    if (name != options_.names.end()) options.camera = name->second;
     const std::string stream_name = stream == PoolStream::kMain ? "main" : "network";
     Recording::GapHandler on_gap;
     if (hooks_.gap)

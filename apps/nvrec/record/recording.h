@@ -44,6 +44,7 @@ struct RecordOptions {
     Container container = Container::kMp4;
     int segment_s = kHour_s; /* length of a file */
     RecordingPlan plan;
+    std::string camera; /* its name, which stands in the files; may be empty */
 };
 
 /** What the record key says. */

@@ -84,7 +84,7 @@ void Recording::begin_file(const PoolFrame &frame, const TrackFacts &facts)
     output->from_us = frame.taken_at_us;
     output->tally = tally_;
     output->given_up = event_;
-    if (!file_.open(options_.container, facts, frame.dts_us)) {
+    if (!file_.open(options_.container, facts, frame.dts_us, {options_.camera, frame.taken_at_us})) {
         fail(intended_path(*output), file_.error());
         return;
     }
