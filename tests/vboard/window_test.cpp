@@ -85,6 +85,24 @@ protected:
     int mouse_ = -1;
 };
 
+TEST_F(Window, F11FillsTheDeskAndGivesTheFrameBack)
+{
+    SDL_Window *window = SDL_GetWindowFromID(1);
+    ASSERT_NE(window, nullptr);
+    for (const bool filled : {true, false}) {
+        push_key(SDLK_F11);
+        ASSERT_EQ(vboard_window_poll(), VBOARD_WINDOW_OPEN);
+        EXPECT_EQ((SDL_GetWindowFlags(window) & SDL_WINDOW_FULLSCREEN_DESKTOP) != 0, filled);
+    }
+    const vboard_window_key keys[] = {{"F11", kUp}};
+    ASSERT_EQ(vboard_window_set_keys(keys, 1), 0);
+    push_key(SDLK_F11);
+    ASSERT_EQ(vboard_window_poll(), VBOARD_WINDOW_OPEN);
+    EXPECT_EQ(SDL_GetWindowFlags(window) & SDL_WINDOW_FULLSCREEN_DESKTOP, 0u) << "it is a button now";
+    EXPECT_EQ(next_frame().code, kUp);
+    EXPECT_EQ(vboard_window_set_keys(nullptr, 0), 0);
+}
+
 TEST_F(Window, AKeyPressesItsButtonOfTheRemoteControl)
 {
     const vboard_window_key keys[] = {{"Up", kUp}, {"Backspace", kBack}};

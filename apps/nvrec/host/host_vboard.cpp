@@ -47,16 +47,11 @@ void set_window_keys(const std::vector<WindowKey> &keys)
     vboard_window_set_keys(board_keys.data(), board_keys.size());
 }
 
-/*
- * The board draws its window by SDL, which without a screen would draw it nowhere and call that success,
- * and which scales by single pixels unless the environment asks for better.
- */
+/* The board draws its window by SDL, which without a screen would draw it nowhere and call that success. */
 std::string open_window(const char *title)
 {
     if (!has_desktop() && !is_set("SDL_VIDEODRIVER"))
         return "no window could be opened: there is no screen (neither DISPLAY nor WAYLAND_DISPLAY is set)";
-    constexpr int kKeepWhatIsThere = 0;
-    setenv("SDL_RENDER_SCALE_QUALITY", "linear", kKeepWhatIsThere); // NOLINT(concurrency-mt-unsafe)
     return vboard_window_open(title) == 0 ? "" : "no window could be opened";
 }
 

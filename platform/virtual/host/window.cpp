@@ -84,6 +84,14 @@ private:
             input.press(found->second);
         else if (key == SDLK_ESCAPE)
             open_ = false;
+        else if (key == SDLK_F11)
+            fill_desk((SDL_GetWindowFlags(window_.get()) & SDL_WINDOW_FULLSCREEN_DESKTOP) == 0);
+    }
+
+    void fill_desk(bool fill)
+    {
+        SDL_SetWindowFullscreen(window_.get(), fill ? SDL_WINDOW_FULLSCREEN_DESKTOP : 0);
+        SDL_ShowCursor(fill ? SDL_DISABLE : SDL_ENABLE); // the recorder draws its own
     }
 
     // The mouse of the board does not leave the output; the window's may be beside the picture.
@@ -133,6 +141,8 @@ std::unique_ptr<DeskWindow> DeskWindow::open(const char *title, int width, int h
     // The application keeps its own signal handling and main function.
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
     SDL_SetMainReady();
+    // Unless the environment says otherwise, a window of another size is not scaled by whole pixels.
+    SDL_SetHintWithPriority(SDL_HINT_RENDER_SCALE_QUALITY, "linear", SDL_HINT_DEFAULT);
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) return nullptr;
     // A window larger than most desks is opened at half its size.
     const int divisor = width > 1600 ? 2 : 1;

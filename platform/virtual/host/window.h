@@ -41,7 +41,10 @@ public:
     /* Put a picture into the window; any size. */
     virtual bool show(const PlanarView &picture) = 0;
 
-    /* Handle the window's events; false once the user has closed it or pressed an Esc without a button. */
+    /*
+     * Handle the window's events; false once the user has closed it or pressed an Esc without a button. An
+     * F11 without a button lets the window fill the desk, and the next one gives it its frame again.
+     */
     virtual bool handle_events(const WindowKeys &keys, DeskInput &input) = 0;
 };
 
