@@ -222,6 +222,7 @@ bool Feeder::reconnect(const std::string &why)
     }
     auto pause = std::chrono::duration_cast<std::chrono::milliseconds>(kFirstRetry);
     report(why + "; connecting again");
+    std::string told; /* a line a reason: a camera may be away for weeks */
     while (wait_until(Clock::now() + pause)) {
         set_heartbeat_deadline(Clock::now() + options_.open_limit);
         if (input_.open(options_.open_limit)) {
@@ -233,7 +234,8 @@ bool Feeder::reconnect(const std::string &why)
             }
             return true;
         }
-        report(input_.error() + "; trying again");
+        const std::string line = input_.error() + "; trying again";
+        if (line != std::exchange(told, line)) report(line);
         pause = std::min<std::chrono::milliseconds>(pause * 2, kLongestRetry);
     }
     return false;
