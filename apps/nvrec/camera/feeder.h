@@ -150,6 +150,7 @@ private:
     void start_sub();
     std::shared_ptr<Feeder> sub() const;
     bool sub_is_well() const;
+    bool shows_nothing_yet() const;
     bool is_idle() const;
     bool wait_while_idle();
     void pass_sound(const AccessUnit &unit, int64_t until_us);
@@ -192,6 +193,7 @@ private:
     std::shared_ptr<Feeder> sub_;             /* null = it was never wanted */
 
     std::atomic<bool> waits_for_key_ = true;
+    std::atomic<uint64_t> shown_at_layout_ = UINT64_MAX; /* pictures; UINT64_MAX = not known */
     CameraMeter meter_;
 
     std::mutex sleep_lock_; /* with sleep_, only to wake a waiting thread at stop */

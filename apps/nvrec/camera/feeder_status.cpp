@@ -106,7 +106,7 @@ CameraStatus Feeder::status(Clock::time_point *at) const
         status.sub_stream = true;
         if (main.state == CameraState::kEnded) status.state = main.state;
     }
-    status.waits_for_key = waits_for_key_.load(std::memory_order_relaxed);
+    status.waits_for_key = waits_for_key_.load(std::memory_order_relaxed) || shows_nothing_yet();
     const std::scoped_lock guard(lock_);
     if (!status.sub_stream) status.facts = facts_;
     status.reconnects = counters_.reconnects;

@@ -15,6 +15,7 @@
 #include "camera/decoder_codec.h"
 #include "camera/kept_out.h"
 #include "camera/shown_channels.h"
+#include "host/host.h"
 #include "nvrhal.h"
 
 namespace nvrec
@@ -142,9 +143,21 @@ void Feeder::send_again_if_laid_out(const AccessUnit &unit, const StreamFacts &f
 
 void Feeder::layout_done()
 {
+    const auto decoder = host::decoder_counters(channel_);
+    shown_at_layout_ = decoder ? decoder->shown : UINT64_MAX;
     laid_out_.fetch_add(1);
     const std::scoped_lock guard(sleep_lock_);
     sleep_.notify();
+}
+
+/*
+ * A layout takes a while. A key frame that comes meanwhile may be thrown away with all else that the
+ * decoder holds, and the camera knows nothing of it: the pane stays black until the next one.
+ */
+bool Feeder::shows_nothing_yet() const
+{
+    const auto decoder = host::decoder_counters(channel_);
+    return decoder && is_decoded(channel_) && decoder->shown == shown_at_layout_;
 }
 
 int32_t Feeder::send_to_decoder(const AccessUnit &unit, const StreamFacts &facts)
