@@ -201,12 +201,12 @@ std::string ControlRequests::reload(const Words &words)
     if (!hooks_.reload) return "error: this recorder was not started by \"nvrec run\"\n";
     return on_main_thread([this] {
         bool ok = true;
-        std::string lines = hooks_.reload(&ok);
+        const std::string lines = hooks_.reload(&ok);
         if (ok) return "ok\n" + lines;
-        std::ranges::replace(lines, '\n', ';'); /* a reason is one line */
-        while (!lines.empty() && lines.back() == ';')
-            lines.pop_back();
-        return "error: " + lines + "\n";
+        std::string reason; /* is one line */
+        for (const char letter : lines.substr(0, lines.find_last_not_of('\n') + 1))
+            reason += letter == '\n' ? std::string("; ") : std::string(1, letter);
+        return "error: " + reason + "\n";
     });
 }
 

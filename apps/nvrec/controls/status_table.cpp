@@ -17,6 +17,18 @@ constexpr double kHourSeconds = 3600;
 
 using Row = std::vector<std::string>;
 
+/* Of UTF-8 on a terminal, where Chinese letters are two columns wide. */
+size_t width_of(const std::string &text)
+{
+    constexpr unsigned char kContinues = 0x80, kBegins = 0xC0, kWide = 0xE3; /* from U+3000 on */
+    size_t width = 0;
+    for (const char letter : text) {
+        const auto byte = static_cast<unsigned char>(letter);
+        if (byte < kContinues || byte >= kBegins) width += byte >= kWide ? 2 : 1;
+    }
+    return width;
+}
+
 /* Columns as wide as their widest text; the last one is as long as it likes. */
 std::string columns(const std::vector<Row> &rows)
 {
@@ -24,13 +36,13 @@ std::string columns(const std::vector<Row> &rows)
     for (const Row &row : rows) {
         widths.resize(std::max(widths.size(), row.size()));
         for (size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], row[i].size());
+            widths[i] = std::max(widths[i], width_of(row[i]));
     }
     std::string lines;
     for (const Row &row : rows) {
         std::string line;
         for (size_t i = 0; i < row.size(); ++i)
-            line += row[i] + std::string(widths[i] - row[i].size() + 2, ' ');
+            line += row[i] + std::string(widths[i] - width_of(row[i]) + 2, ' ');
         line.erase(line.find_last_not_of(' ') + 1);
         lines += line + "\n";
     }
