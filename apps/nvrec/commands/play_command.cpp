@@ -11,6 +11,7 @@
 #include "commands/command.h"
 #include "commands/module_options.h"
 #include "commands/screen_options.h"
+#include "commands/source_options.h"
 #include "controls/controls.h"
 #include "play/play_screen.h"
 #include "play/play_script.h"
@@ -32,6 +33,7 @@ struct PlayCommand {
     PlayScreenOptions screen;
     ControlOptions controls;
     ZoomOptions zoom;
+    std::shared_ptr<SourceOptions> sources; /* of the cameras */
     std::string script;
     std::string snapshot_dir = "out";
 };
@@ -137,7 +139,8 @@ int run_play(PlayCommand command)
         command.player.plan = plan_of_files(command.player.files);
     }
     const size_t tracks = command.player.plan.tracks.size();
-    if (!count_fits(tracks, "recordings") || !count_fits(command.wall.inputs.size(), "cameras"))
+    if (!count_fits(tracks, "recordings") || !count_fits(command.wall.inputs.size(), "cameras") ||
+        !apply_source_options(*command.sources, &command.wall.inputs))
         return kExitUsage;
     command.wall.channels = static_cast<int>(std::min<size_t>(tracks, Playback::kPlayers));
     command.wall.feed.loop = true; /* cameras that are files do not end */
@@ -198,6 +201,7 @@ Command play_command(CLI::App &app)
                      "Cameras that are shown before and after; may be repeated")
         ->take_all()
         ->allow_extra_args(false);
+    command->sources = add_source_options(*play, command->wall.feed);
     add_layout_option(*play, command->player.layout, "How the screen is divided; auto = the smallest grid");
     add_screen_options(*play, command->wall);
     play->add_option("--seek", command->player.seek_s, "Begin at the key frame before this second")

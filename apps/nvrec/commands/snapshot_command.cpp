@@ -9,6 +9,7 @@
 
 #include "commands/command.h"
 #include "commands/screen_options.h"
+#include "commands/source_options.h"
 #include "play/player.h"
 #include "play/snapshot.h"
 #include "wall/pictures.h"
@@ -31,6 +32,7 @@ struct SnapshotCommand {
     bool during_playback = false;
     SnapshotSize size = SnapshotSize::kBoard;
     std::vector<std::string> played;
+    std::shared_ptr<SourceOptions> sources;
 };
 
 /* Takes the picture at the first turn, when the cameras run, and ends the wall. */
@@ -81,7 +83,9 @@ std::vector<std::string> recordings_of(const SnapshotCommand &command)
 
 int run_snapshot(SnapshotCommand command)
 {
-    if (!count_fits(command.wall.inputs.size(), "inputs")) return kExitUsage;
+    if (!count_fits(command.wall.inputs.size(), "inputs") ||
+        !apply_source_options(*command.sources, &command.wall.inputs))
+        return kExitUsage;
     if (command.channel >= static_cast<int>(command.wall.inputs.size())) {
         std::fprintf(stderr, "nvrec: channel %d of %zu inputs, which count from 0\n", command.channel,
                      command.wall.inputs.size());
@@ -132,6 +136,7 @@ Command snapshot_command(CLI::App &app)
             "board: 352 x 288, the camera's next picture; camera: its last key frame in its own size")
         ->transform(CLI::CheckedTransformer(kSnapshotSizes, CLI::ignore_case))
         ->default_str("board");
+    command->sources = add_source_options(*snapshot, command->wall.feed);
     add_layout_option(*snapshot, command->wall.layout, "What the wall shows meanwhile");
     auto *during = snapshot->add_flag("--during-playback", command->during_playback,
                                       "Take it while recordings play: the inputs that are files, or --play");
