@@ -58,7 +58,8 @@ bool PacketSource::fail(const std::string &reason)
 
 bool PacketSource::fail(const std::string &what, int av_code)
 {
-    return fail(what + ": " + text_of(av_code));
+    const bool gave_up = av_code == AVERROR_EXIT; /* stop_asked() said so */
+    return fail(what + ": " + (gave_up ? "it does not answer" : text_of(av_code)));
 }
 
 /* libavformat asks this while it waits; non-zero ends the wait. */

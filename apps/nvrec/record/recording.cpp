@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "archive/time_of_day.h"
+#include "camera/camera_status.h"
 
 namespace nvrec
 {
@@ -224,14 +225,22 @@ void Recording::let_held_go()
     }
 }
 
+/* A file stays open for a camera that has fallen silent; nothing goes into it. */
+RecordingState Recording::state() const
+{
+    const Clock::time_point written_at(Clock::duration(written_at_.load()));
+    const bool waits = state_ == RecordingState::kRuns && Clock::now() - written_at >= kSilentAfter;
+    return waits ? RecordingState::kWaiting : state_.load();
+}
+
 RecordingStatus Recording::status() const
 {
     RecordingStatus status;
     const PoolCounters frames = video_.counters();
     status.channel = channel_;
     status.stream = stream_;
-    status.state = state_;
-    status.by_event = plan().mode == RecordingMode::kEvent && state_ == RecordingState::kRuns;
+    status.state = state();
+    status.by_event = plan().mode == RecordingMode::kEvent && status.state == RecordingState::kRuns;
     status.beside_the_pool = video_.beside_the_pool();
     status.file = tally_->current();
     status.written = tally_->pictures;

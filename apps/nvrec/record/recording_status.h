@@ -15,7 +15,7 @@ namespace nvrec
 
 enum class RecordingState {
     kOff,     /* neither plan, key nor event wants it now            */
-    kWaiting, /* wanted, and nothing is written yet: no key frame came */
+    kWaiting, /* wanted, and no picture comes, or none that a file can begin with */
     kRuns,    /* frames go into a file                               */
     kFailing  /* wanted, and the disk takes nothing: last_error says why */
 };
