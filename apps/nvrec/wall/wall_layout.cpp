@@ -1,0 +1,91 @@
+/* wall_layout.cpp - see wall.h: the panes, the shapes of the pictures in them, the selected one. */
+#include <algorithm>
+
+#include "wall/wall.h"
+
+namespace nvrec
+{
+
+/* Bring the panes on the screen as they are wanted now. */
+bool Wall::lay_out()
+{
+    take_shapes();
+    modules_.before_layout();
+    for (const auto &feeder : feeders_)
+        feeder->expect_key();
+    const bool done = enlarged_ >= 0 ? session_.apply_single(enlarged_) : session_.apply(layout_);
+    choose_streams();
+    for (const auto &feeder : feeders_)
+        feeder->layout_done();
+    modules_.on_layout();
+    return done;
+}
+
+/* Cameras in small panes, and those without one, are fed from their smaller stream. */
+void Wall::choose_streams()
+{
+    for (const auto &feeder : feeders_) {
+        const auto &panes = session_.panes();
+        const auto pane = std::ranges::find(panes, feeder->channel(), &DispAttrib::channel);
+        const bool large = pane != panes.end() && pane->w * 2 > session_.mode().width_px;
+        feeder->want_stream(large ? StreamChoice::kMain : StreamChoice::kSub);
+    }
+}
+
+/* What the pictures look like that the channels show now: a module's own, or the camera's. */
+bool Wall::take_shapes()
+{
+    bool differ = false;
+    for (int channel = 0; channel < session_.channels(); ++channel) {
+        auto [width, height] = modules_.picture_size(channel);
+        const auto index = static_cast<size_t>(channel);
+        if (width == 0 && index < feeders_.size() && feeders_[index]->opened()) {
+            const StreamFacts facts = feeders_[index]->facts();
+            width = facts.width_px;
+            height = facts.height_px;
+        }
+        differ |= session_.set_shape(channel, {width, height});
+    }
+    return differ;
+}
+
+/* The panes stay; only pictures move in them, and what modules draw about them. */
+void Wall::follow_shapes()
+{
+    if (!take_shapes()) return;
+    session_.refit();
+    modules_.on_layout();
+}
+
+/* The camera's thread. */
+void Wall::note_shape(int channel, const StreamFacts &facts)
+{
+    const uint64_t shape = static_cast<uint64_t>(facts.width_px) << 32 | facts.height_px;
+    const auto index = static_cast<size_t>(channel);
+    if (index >= noted_shapes_.size() || noted_shapes_[index].exchange(shape) == shape) return;
+    wakeup_.wake();
+}
+
+void Wall::show_layout(Layout layout)
+{
+    layout_ = layout;
+    enlarged_ = -1;
+    lay_out();
+}
+
+void Wall::enlarge(int channel)
+{
+    if (channel >= session_.channels() || channel == enlarged_) return;
+    enlarged_ = channel;
+    if (channel >= 0) selected_ = channel;
+    lay_out();
+}
+
+void Wall::select(int channel)
+{
+    if (channel < 0 || channel >= session_.channels() || channel == selected_) return;
+    selected_ = channel;
+    modules_.on_layout();
+}
+
+} // namespace nvrec
