@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include "archive/index.h"
 #include "camera/input.h"
 #include "nvrec_run.h"
 #include "nvrhal.h"
@@ -185,6 +186,34 @@ TEST_F(NvrecRecorder, TheRecordKeyRecordsWhatNoPlanWants)
     recorder_->stop();
     ASSERT_EQ(files().size(), 1u);
     EXPECT_EQ(picture_checksums(files()[0]).size(), 50u);
+}
+
+TEST_F(NvrecRecorder, ACameraThatFellSilentIsNotRecordedAndTheNextOneHasAFileOfItsOwn)
+{
+    RecorderOptions options;
+    options.names = {{0, "yard"}};
+    start(1, std::move(options));
+    ASSERT_TRUE(clip_.open(std::chrono::seconds(10)));
+    put(0, clip_, 50);
+    ASSERT_TRUE(comes_true([&] { return recorder_->runs(0); }));
+    ASSERT_TRUE(comes_true([&] { return !recorder_->runs(0); })) << "three seconds without a picture";
+    EXPECT_EQ(status(0).state, RecordingState::kWaiting);
+    recorder_->take_turn(Clock::now());
+    EXPECT_FALSE(wall_->recording()) << "the lamp";
+
+    recorder_->set_name(0, "door");
+    put(0, clip_, 50);
+    ASSERT_TRUE(comes_true([&] { return recorder_->runs(0); }));
+    recorder_->stop();
+    ASSERT_EQ(files().size(), 2u);
+    for (const std::string &path : files())
+        EXPECT_EQ(picture_checksums(path).size(), 50u) << path;
+    Index index;
+    ASSERT_EQ(index.open(scratch_.file("files")), "");
+    std::vector<std::string> names;
+    for (const CameraRow &camera : index.cameras())
+        names.push_back(camera.name);
+    EXPECT_EQ(names, (std::vector<std::string>{"yard", "door"}));
 }
 
 TEST_F(NvrecRecorder, SixteenCamerasAreRecordedWholly)

@@ -96,10 +96,13 @@ void Recorder::start_network(int channel, const std::string &address)
 {
     FeedOptions feed = options_.feed;
     feed.sound_channels = 0; /* it comes with the main stream */
+    CameraSource source = wall_->cameras()[static_cast<size_t>(channel)]->source();
+    source.address = address;
+    source.sub_address.clear();
     NetworkStream stream;
     stream.channel = channel;
     stream.recording = make_recording(channel, PoolStream::kNetwork);
-    stream.feeder = std::make_unique<Feeder>(channel, address, feed);
+    stream.feeder = std::make_unique<Feeder>(channel, source, feed);
     FrameRoute &route = stream.recording->video();
     Feeder::Events events;
     events.trouble = [this](int of_channel, const std::string &line) {
@@ -238,7 +241,9 @@ std::vector<RecordingStatus> Recorder::recordings() const
         }
     }
     for (RecordingStatus &status : all) {
-        if (status.state == RecordingState::kRuns && !disk_answers) status.state = RecordingState::kFailing;
+        const bool writes = status.state == RecordingState::kRuns ||
+                            (status.state == RecordingState::kWaiting && !status.file.empty());
+        if (writes && !disk_answers) status.state = RecordingState::kFailing;
     }
     return all;
 }
@@ -263,6 +268,16 @@ DiskStatus Recorder::disk() const
     if (written > 0 && seconds > 0 && disk.free_bytes >= 0)
         disk.left_h = static_cast<double>(disk.free_bytes) * seconds / static_cast<double>(written) / 3600;
     return disk;
+}
+
+void Recorder::set_name(int channel, const std::string &name)
+{
+    if (index_) index_->set_name(channel, name);
+    if (channel < 0 || static_cast<size_t>(channel) >= main_.size()) return;
+    main_[static_cast<size_t>(channel)]->begin_anew(name);
+    for (const NetworkStream &stream : network_) {
+        if (stream.channel == channel) stream.recording->begin_anew(name);
+    }
 }
 
 void Recorder::set_retention(const RetentionOptions &retention)

@@ -73,6 +73,12 @@ public:
     /** Another plan of a camera from now on. Main thread. */
     void set_plan(int channel, const RecordingPlan &plan);
 
+    /**
+     * Another camera stands on a channel, of that name in the index. Its recording begins a file of its
+     * own; the one that is being written keeps the name that it was begun under. Main thread.
+     */
+    void set_name(int channel, const std::string &name);
+
     /** Other retention from now on. Any thread. */
     void set_retention(const RetentionOptions &retention);
 

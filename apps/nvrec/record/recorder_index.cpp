@@ -15,7 +15,7 @@ constexpr auto kRoomLimit = std::chrono::seconds(10);
 
 RecorderIndex::RecorderIndex(std::string directory, std::map<int, std::string> names,
                              IndexWriter::Teller on_line)
-    : directory_(std::move(directory)), names_(std::move(names)), on_line_(std::move(on_line))
+    : directory_(std::move(directory)), on_line_(std::move(on_line)), names_(std::move(names))
 {
 }
 
@@ -80,8 +80,15 @@ std::shared_ptr<IndexWriter> RecorderIndex::writer() const
 
 std::string RecorderIndex::name_of(int channel) const
 {
+    const std::scoped_lock guard(lock_);
     const auto found = names_.find(channel);
     return found != names_.end() ? found->second : std::string();
+}
+
+void RecorderIndex::set_name(int channel, const std::string &name)
+{
+    const std::scoped_lock guard(lock_);
+    names_.insert_or_assign(channel, name);
 }
 
 void RecorderIndex::set_retention(const RetentionOptions &retention)

@@ -50,6 +50,9 @@ public:
     /** @param recycle  a full disk has the oldest recordings deleted */
     RecorderHooks hooks(bool recycle);
 
+    /** What the camera there is called from now on. */
+    void set_name(int channel, const std::string &name);
+
     void set_retention(const RetentionOptions &retention);
     RetentionState retention_state() const;
 
@@ -62,10 +65,10 @@ private:
     std::string name_of(int channel) const;
 
     const std::string directory_;
-    const std::map<int, std::string> names_;
     const IndexWriter::Teller on_line_;
 
     mutable std::mutex lock_; /* guards what follows */
+    std::map<int, std::string> names_;
     RetentionOptions retention_;
     std::shared_ptr<IndexWriter> writer_; /* null = the directory is not held */
 };

@@ -29,7 +29,7 @@ Recording::Recording(int channel, PoolStream stream, const RecordOptions &option
     : channel_(channel), carries_sound_(stream == PoolStream::kMain), options_(options), writer_(writer),
       on_error_(std::move(on_error)), on_gap_(std::move(on_gap)),
       stream_(carries_sound_ ? "main" : "network"), video_(channel, stream, *event_),
-      sound_queue_(kSoundQueue_bytes, *event_), plan_(options.plan)
+      sound_queue_(kSoundQueue_bytes, *event_), plan_(options.plan), camera_(options.camera)
 {
     if (channel < NVRHAL_STORED_CHANNELS && carries_sound_)
         sound_pool_.emplace(channel, PoolStream::kSound, *event_);
@@ -117,6 +117,21 @@ void Recording::set_plan(const RecordingPlan &plan)
         plan_ = plan;
     }
     event_->set();
+}
+
+void Recording::begin_anew(const std::string &camera)
+{
+    {
+        const std::scoped_lock guard(lock_);
+        camera_ = camera;
+    }
+    anew_ = true;
+}
+
+std::string Recording::camera() const
+{
+    const std::scoped_lock guard(lock_);
+    return camera_;
 }
 
 RecordingPlan Recording::plan() const

@@ -83,10 +83,12 @@ public:
     /** Something happened: a plan with events records from its seconds before it on. */
     void begin_event();
     void set_order(RecordOrder order);
+    /** The next key frame begins a file: what comes from now on is another camera's, of that name. */
+    void begin_anew(const std::string &camera);
     void set_plan(const RecordingPlan &plan);
 
     RecordingStatus status() const;
-    bool runs() const { return state_ == RecordingState::kRuns; }
+    bool runs() const { return state() == RecordingState::kRuns; }
     Clock::time_point heartbeat_deadline() const;
 
     /** After finish(), and that of the disk writer: a row for the pictures, and one for sound if any came. */
@@ -97,9 +99,11 @@ private:
     void run();
     void take_frames();
     bool is_wanted(int64_t wall_us) const;
+    RecordingState state() const;
     bool waits_for_sound(const PoolFrame &frame);
     int64_t held_before_us() const;
     RecordingPlan plan() const;
+    std::string camera() const;
     void handle(PoolFrame frame);
     void let_held_go();
     void catch_up();
@@ -141,6 +145,8 @@ private:
     std::atomic<RecordingState> state_ = RecordingState::kWaiting;
     std::atomic<Clock::rep> heartbeat_deadline_ = INT64_MAX;
     std::atomic<bool> sends_recordable_ = false; /* the camera's sound, as it is */
+    std::atomic<Clock::rep> written_at_ = 0;     /* ticks of the clock: the last picture       */
+    std::atomic<bool> anew_ = false;             /* the next key frame begins a file */
     std::atomic<uint64_t> passed_over_ = 0;      /* pictures without a file */
 
     /* The recording's thread only; read by others after finish(). */
@@ -161,6 +167,7 @@ private:
 
     mutable std::mutex lock_; /* guards what follows */
     RecordingPlan plan_;
+    std::string camera_;  /* its name, which stands in the files; may be empty */
     std::string trouble_; /* the last one: path and reason */
     std::string said_reason_;
     std::shared_ptr<OutputFile> shown_output_; /* for status() */

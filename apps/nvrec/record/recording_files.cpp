@@ -48,6 +48,7 @@ void Recording::write_picture(const PoolFrame &frame)
     if (on_gap_ && last_wall_us_ != 0 && frame.taken_at_us - last_wall_us_ > kGap_us)
         on_gap_(last_wall_us_, frame.taken_at_us, frame.after_gap ? "lost" : "no video");
     last_wall_us_ = frame.taken_at_us;
+    written_at_ = Clock::now().time_since_epoch().count();
     pass_output();
 }
 
@@ -61,8 +62,8 @@ std::shared_ptr<const SoundFormat> Recording::sound_of(const StreamFacts &facts)
 bool Recording::needs_file(const PoolFrame &frame, const TrackFacts &facts) const
 {
     if (!file_.is_open()) return Clock::now() >= try_again_at_;
-    return segment_of(frame.taken_at_us, options_.segment_s) != segment_ || !(facts == file_.facts()) ||
-           std::abs(clock_offset_us() - clock_offset_us_) > kClockJump_us;
+    return anew_ || segment_of(frame.taken_at_us, options_.segment_s) != segment_ ||
+           !(facts == file_.facts()) || std::abs(clock_offset_us() - clock_offset_us_) > kClockJump_us;
 }
 
 /* The disk writer chooses another one where it is taken. */
@@ -75,6 +76,7 @@ void Recording::begin_file(const PoolFrame &frame, const TrackFacts &facts)
 {
     write_sound(frame.dts_us); /* what belongs to the file before it */
     end_file();
+    anew_ = false;
     if (facts.parameter_sets.empty()) return; /* nobody could play it */
     auto output = std::make_shared<OutputFile>();
     output->channel = channel_;
@@ -84,7 +86,7 @@ void Recording::begin_file(const PoolFrame &frame, const TrackFacts &facts)
     output->from_us = frame.taken_at_us;
     output->tally = tally_;
     output->given_up = event_;
-    if (!file_.open(options_.container, facts, frame.dts_us, {options_.camera, frame.taken_at_us})) {
+    if (!file_.open(options_.container, facts, frame.dts_us, {camera(), frame.taken_at_us})) {
         fail(intended_path(*output), file_.error());
         return;
     }
