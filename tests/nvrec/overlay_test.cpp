@@ -97,6 +97,21 @@ TEST_F(NvrecOverlay, TheClockTicksOnceASecondAndTouchesOnlyItsPlace)
     EXPECT_TRUE(inside(changed, around(before_place, overlay_->clock()->place())));
 }
 
+TEST_F(NvrecOverlay, ACameraThatComesWhileItStandsHasItsName)
+{
+    start();
+    const auto before = screen();
+    const Rect numbered = overlay_->panes()->name_of(2);
+    overlay_->name_camera(2, "the door to the yard behind the house");
+    const Rect named = overlay_->panes()->name_of(2);
+    EXPECT_GT(named.w, numbered.w);
+    EXPECT_TRUE(inside(difference(before, screen()), around(numbered, named)));
+    EXPECT_NE(screen(), before);
+    overlay_->name_camera(2, "");
+    EXPECT_EQ(overlay_->panes()->name_of(2), numbered);
+    EXPECT_EQ(screen(), before) << "by its number again";
+}
+
 TEST_F(NvrecOverlay, TheMenuChangesTheLayout)
 {
     start();

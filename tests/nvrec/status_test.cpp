@@ -415,6 +415,10 @@ TEST_F(StatusOfARecorder, AChangedFileIsTakenUpAndNoFrameOfOthersIsLost)
     EXPECT_EQ(reported(recordings, 0, "written"), reported(recordings, 0, "stored")) << report;
     EXPECT_EQ(reported(recordings, 0, "lost"), 0);
     EXPECT_EQ(reported(recordings, 0, "skipped"), 0);
+
+    Process list({NVREC_PROGRAM, "list", "--dir", file("rec")});
+    EXPECT_EQ(list.wait(), 0) << list.errors;
+    EXPECT_NE(list.output.find("door"), std::string::npos) << "the index knows its name: " << list.output;
 }
 
 TEST_F(StatusOfARecorder, AnEventFromOutsideIsRecorded)

@@ -118,6 +118,7 @@ void Reload::take_cameras(const config::Config &fresh)
             continue;
         }
         wall_->change_camera(static_cast<int>(channel), {});
+        call(static_cast<int>(channel), {});
         channels_[channel] = {};
         tell("camera \"" + name + "\": removed");
     }
@@ -125,6 +126,13 @@ void Reload::take_cameras(const config::Config &fresh)
         if (std::ranges::find(channels_, camera.name, &config::Camera::name) == channels_.end()) add(camera);
     }
     if (takers_.plans) takers_.plans(channels_);
+}
+
+/* To the screen and the index. */
+void Reload::call(int channel, const std::string &name)
+{
+    for (const auto &taker : takers_.names)
+        taker(channel, name);
 }
 
 void Reload::change(int channel, const config::Camera &to)
@@ -144,7 +152,10 @@ void Reload::change(int channel, const config::Camera &to)
             needs_restart(name + ", its recording plan");
         }
     }
-    if (from.aspect != to.aspect) needs_restart(name + ", its aspect");
+    if (from.aspect != to.aspect) {
+        wall_->set_aspect(channel, aspect_of(to));
+        tell(name + ": its aspect was taken up");
+    }
     from = to;
 }
 
@@ -158,6 +169,8 @@ void Reload::add(const config::Camera &camera)
     }
     const auto channel = static_cast<int>(free - channels_.begin());
     *free = camera;
+    wall_->set_aspect(channel, aspect_of(camera));
+    call(channel, camera.name);
     wall_->change_camera(channel, source_of(camera));
     if (takers_.plan) takers_.plan(channel, camera.plan);
     tell(name + ": added as channel " + std::to_string(channel));

@@ -27,6 +27,7 @@ class Reload final : public Module
 public:
     /** What a change is handed to; those that are empty are not there. */
     struct Takers {
+        std::vector<std::function<void(int channel, const std::string &name)>> names; /* empty = none */
         std::function<void(int channel, const config::Plan &plan)> plan;
         std::function<void(const std::vector<config::Camera> &channels)> plans; /* behind all of them */
         std::function<void(const config::Retention &retention)> retention;
@@ -35,7 +36,7 @@ public:
     explicit Reload(config::Config running);
 
     /** Before start(). */
-    void hand_to(Takers takers) { takers_ = std::move(takers); }
+    Takers &takers() { return takers_; }
 
     /** The configuration that holds now. */
     const config::Config &running() const { return running_; }
@@ -54,6 +55,7 @@ public:
 private:
     void take(const config::Config &fresh);
     void take_cameras(const config::Config &fresh);
+    void call(int channel, const std::string &name);
     void change(int channel, const config::Camera &to);
     void add(const config::Camera &camera);
     void take_screen(const config::Config &fresh);

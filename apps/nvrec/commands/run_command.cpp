@@ -37,7 +37,9 @@ void add_recorder(Wall &wall, std::unique_ptr<Recorder> recorder, Reload &reload
         records.event(channel, kind, text);
     };
     auto inputs = std::make_unique<EventInputs>(watched_inputs(reload.running().cameras), on_event);
-    Reload::Takers takers;
+    Reload::Takers &takers = reload.takers();
+    takers.names.push_back(
+        [&records](int channel, const std::string &name) { records.set_name(channel, name); });
     takers.plan = [&records](int channel, const config::Plan &plan) {
         records.set_plan(channel, plan_of(plan));
     };
@@ -47,7 +49,6 @@ void add_recorder(Wall &wall, std::unique_ptr<Recorder> recorder, Reload &reload
     takers.retention = [&records](const config::Retention &retention) {
         records.set_retention(retention_of(retention));
     };
-    reload.hand_to(std::move(takers));
     hooks.event = on_event;
     hooks.archive = [&reload] {
         ArchiveStatus limits;
@@ -91,7 +92,10 @@ int run(const RunCommand &command)
     add_controls(wall, controls);
     OverlayOptions overlay;
     fill(config, &overlay);
-    wall.add(std::make_unique<Overlay>(overlay));
+    auto screen = std::make_unique<Overlay>(overlay);
+    reloading.takers().names.push_back(
+        [named = screen.get()](int channel, const std::string &name) { named->name_camera(channel, name); });
+    wall.add(std::move(screen));
     wall.add(std::make_unique<Snapshots>(config.screen.snapshots));
     wall.add(std::make_unique<Zoom>(ZoomOptions())); /* last: it wants the arrow keys while it zooms */
     return wall.run();

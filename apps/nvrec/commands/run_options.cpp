@@ -88,6 +88,11 @@ CameraSource source_of(const config::Camera &camera)
     return source;
 }
 
+Aspect aspect_of(const config::Camera &camera)
+{
+    return camera.aspect == config::Aspect::kStretch ? Aspect::kStretch : Aspect::kFit;
+}
+
 std::string shown_camera(const config::Config &config, const config::Camera &camera)
 {
     const CameraSource source = source_of(camera);
@@ -112,8 +117,7 @@ LogOptions log_options(const config::Config &config)
 void fill(const config::Config &config, WallOptions *options)
 {
     for (const config::Camera &camera : config.cameras) {
-        if (camera.aspect == config::Aspect::kStretch)
-            options->aspect.given[static_cast<int>(options->inputs.size())] = Aspect::kStretch;
+        options->aspect.given[static_cast<int>(options->inputs.size())] = aspect_of(camera);
         options->inputs.push_back(source_of(camera));
     }
     options->inputs.resize(static_cast<size_t>(config.channels())); /* room for more of them */

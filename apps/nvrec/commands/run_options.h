@@ -11,6 +11,7 @@
 #include "config/config.h"
 #include "config/read.h"
 #include "controls/event_inputs.h"
+#include "wall/aspect.h"
 
 namespace nvrec
 {
@@ -32,6 +33,7 @@ int print_faults(const config::Reading &reading);
 std::string shown_camera(const config::Config &config, const config::Camera &camera);
 
 CameraSource source_of(const config::Camera &camera);
+Aspect aspect_of(const config::Camera &camera);
 
 RecordingPlan plan_of(const config::Plan &plan);
 RetentionOptions retention_of(const config::Retention &retention);

@@ -24,4 +24,13 @@ std::u16string CameraNames::of(int channel) const
     return units_of(text_of(channel), script).substr(0, kLongestName);
 }
 
+void CameraNames::name(int channel, const std::string &text)
+{
+    if (text.empty()) {
+        given.erase(channel);
+    } else {
+        given.insert_or_assign(channel, text);
+    }
+}
+
 } // namespace nvrec

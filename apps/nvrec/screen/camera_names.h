@@ -18,6 +18,9 @@ struct CameraNames {
 
     std::string text_of(int channel) const;
     std::u16string of(int channel) const;
+
+    /** From now on the camera there is called that; empty = by its number. */
+    void name(int channel, const std::string &text);
 };
 
 } // namespace nvrec

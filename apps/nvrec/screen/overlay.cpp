@@ -20,7 +20,7 @@ constexpr Colour kCardGround = 0xFFFFFF, kCardLetters = 0x202428, kCardEdge = 0x
 
 } // namespace
 
-Overlay::Overlay(OverlayOptions options) : options_(std::move(options)) {}
+Overlay::Overlay(OverlayOptions options) : options_(std::move(options)), names_(options_.names) {}
 Overlay::~Overlay() = default;
 
 /* Without a framebuffer or a font the wall stands all the same. */
@@ -67,20 +67,19 @@ void Overlay::open_font()
 
 void Overlay::make_parts()
 {
-    panes_ = std::make_unique<PaneMarks>(font_.get(), options_.names);
+    panes_ = std::make_unique<PaneMarks>(font_.get(), names_);
     const ClockFace::Time time = options_.wall_time();
     tell_cameras(Clock::now(), std::chrono::system_clock::to_time_t(time));
     panes_->lay(wall_->session().panes(), wall_->session().unused_panes());
     panes_->select(wall_->selected());
     if (!font_) return;
-    const CameraNames &names = options_.names;
     const int size = text_size_px();
-    clock_ = std::make_unique<ClockFace>(*font_, names.language, size);
+    clock_ = std::make_unique<ClockFace>(*font_, names_.language, size);
     find_room_for_clock();
     clock_->set(time, canvas_.whole());
-    line_ = std::make_unique<NoticeLine>(*font_, names.script, size);
-    menu_ = std::make_unique<Menu>(*font_, names.language, names.script, size, !options_.address.empty());
-    question_ = std::make_unique<Question>(question_of_ending(*font_, names, size));
+    line_ = std::make_unique<NoticeLine>(*font_, names_.script, size);
+    menu_ = std::make_unique<Menu>(*font_, names_.language, names_.script, size, !options_.address.empty());
+    question_ = std::make_unique<Question>(question_of_ending(*font_, names_, size));
 }
 
 /* Of the clock, the menu and the card. */
@@ -102,7 +101,7 @@ void Overlay::tell_alarms()
 {
     if (!line_) return;
     const int most = canvas_.width() - (clock_ ? clock_->place().w : 0) - 3 * text_size_px();
-    damage(line_->set(alarm_text(wall_->recorder(), wall_->alarm(), options_.names), most));
+    damage(line_->set(alarm_text(wall_->recorder(), wall_->alarm(), names_), most));
 }
 
 /* A pane that nobody uses, or a bar beside the picture in the upper right corner. */
@@ -176,6 +175,14 @@ void Overlay::stop()
     canvas_.end();
 }
 
+void Overlay::name_camera(int channel, const std::string &name)
+{
+    names_.name(channel, name);
+    if (!drawing_) return;
+    damage(panes_->name_camera(channel, name));
+    paint();
+}
+
 void Overlay::damage(const Rect &rect)
 {
     if (!rect.empty()) damage_.push_back(rect);
@@ -217,11 +224,11 @@ void Overlay::make_card()
         return;
     }
     const int margin = text_size_px();
-    const bool chinese = options_.names.language == Language::kChinese;
+    const bool chinese = names_.language == Language::kChinese;
     int width = card_->code.width, height = card_->code.height;
     if (font_) {
         auto text = [&](const std::string &line, int size) {
-            const std::u16string units = units_of(line, options_.names.script);
+            const std::u16string units = units_of(line, names_.script);
             return flat(font_->render(units, size, std::max(width, canvas_.width() / 4)), kCardLetters,
                         kCardGround);
         };

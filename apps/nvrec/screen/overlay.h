@@ -64,6 +64,9 @@ public:
     bool on_pointer(const PointerEvent &event) override;
     void stop() override;
 
+    /** Another camera stands on a channel, of that name; empty = of none. Main thread. */
+    void name_camera(int channel, const std::string &name);
+
     /** For tests: where things stand. */
     const PaneMarks *panes() const { return panes_.get(); }
     const Menu *menu() const { return menu_.get(); }
@@ -103,6 +106,7 @@ private:
     int text_size_px() const;
 
     const OverlayOptions options_;
+    CameraNames names_; /* as they are called now */
     WallControl *wall_ = nullptr;
     bool drawing_ = false;
     bool layout_comes_ = false; /* the panes change, and not only the selection */

@@ -74,9 +74,9 @@ void PaneMarks::word(Pane &pane, std::time_t now) const
     pane.line = in_the_middle(pane, text.line, size, top + title_height, kNoticeColour);
 }
 
-PaneMarks::Pane PaneMarks::make_pane(const DispAttrib &from)
+PaneMarks::Pane PaneMarks::make_pane(int channel, const Rect &area)
 {
-    Pane pane = {from.channel, {from.x, from.y, from.w, from.h}, {}, {}, {}, {}, {}};
+    Pane pane = {channel, area, {}, {}, {}, {}, {}};
     const auto known = states_.find(pane.channel);
     if (known != states_.end()) pane.state = known->second;
     word(pane, now_);
@@ -100,7 +100,7 @@ bool PaneMarks::lay(const std::vector<DispAttrib> &panes, const std::vector<Disp
     if (same) return false;
     panes_.clear();
     for (const DispAttrib &pane : panes)
-        panes_.push_back(make_pane(pane));
+        panes_.push_back(make_pane(pane.channel, {pane.x, pane.y, pane.w, pane.h}));
     unused_.clear();
     for (const DispAttrib &pane : unused)
         unused_.push_back({pane.x, pane.y, pane.w, pane.h});
@@ -160,6 +160,17 @@ void PaneMarks::paint_unused(Canvas &canvas, const Rect &area) const
     canvas.frame(area, kBorder_px, kBorderColour);
     const Tile mark = unused_mark(area.h / kPaneToMark);
     canvas.draw(mark, area.x + (area.w - mark.width) / 2, area.y + (area.h - mark.height) / 2);
+}
+
+Rect PaneMarks::name_camera(int channel, const std::string &name)
+{
+    names_.name(channel, name);
+    for (Pane &pane : panes_) {
+        if (pane.channel != channel) continue;
+        pane = make_pane(channel, Rect(pane.area));
+        return pane.area; /* its texts may be longer or shorter than they were */
+    }
+    return {};
 }
 
 void PaneMarks::paint(Canvas &canvas) const

@@ -38,6 +38,9 @@ public:
     /** What stands with the channel's camera. @return what has to be painted anew. */
     Rect set_state(int channel, const PaneState &state, std::time_t now);
 
+    /** Another camera stands there, of that name; empty = of none. @return what has to be painted anew. */
+    Rect name_camera(int channel, const std::string &name);
+
     void paint(Canvas &canvas) const;
 
     /** Where a channel is shown, and its name, notice and signs there; empty = nowhere. */
@@ -62,7 +65,7 @@ private:
         bool operator==(const Pane &other) const { return channel == other.channel && area == other.area; }
     };
 
-    Pane make_pane(const DispAttrib &from);
+    Pane make_pane(int channel, const Rect &area);
     void word(Pane &pane, std::time_t now) const;
     void paint_pane(Canvas &canvas, const Pane &pane) const;
     void paint_unused(Canvas &canvas, const Rect &area) const;
@@ -72,7 +75,7 @@ private:
     bool has_borders() const { return panes_.size() + unused_.size() > 1; }
 
     Font *const font_;
-    const CameraNames names_;
+    CameraNames names_;
     std::vector<Pane> panes_;
     std::vector<Rect> unused_;
     std::map<int, PaneState> states_;

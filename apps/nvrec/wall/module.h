@@ -19,6 +19,7 @@
 
 #include "camera/feeder.h"
 #include "host/clock.h"
+#include "wall/aspect.h"
 #include "wall/layout.h"
 
 namespace nvrec
@@ -88,6 +89,9 @@ public:
      * before has ended; all others go on.
      */
     virtual void change_camera(int /*channel*/, const CameraSource & /*source*/) {}
+
+    /** How a channel's pictures are placed in its pane from now on. */
+    virtual void set_aspect(int /*channel*/, Aspect /*aspect*/) {}
 
     /** Show this layout, all panes. */
     virtual void show_layout(Layout layout) = 0;

@@ -54,6 +54,9 @@ public:
     /** How pictures are placed in their panes, from the next layout on. */
     void set_aspect(AspectOptions options) { aspect_ = std::move(options); }
 
+    /** The same for one channel; refit() brings it into the layout that stands. */
+    void set_aspect(int channel, Aspect aspect) { aspect_.given.insert_or_assign(channel, aspect); }
+
     /** A channel's picture is of that shape now. @return true = refit() has something to do. */
     bool set_shape(int channel, const PictureShape &shape);
 

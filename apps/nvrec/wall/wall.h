@@ -70,6 +70,7 @@ private:
     Reporter &reporter() override { return reporter_; }
     const std::vector<std::unique_ptr<Feeder>> &cameras() const override { return feeders_; }
     void change_camera(int channel, const CameraSource &source) override;
+    void set_aspect(int channel, Aspect aspect) override;
     void show_layout(Layout layout) override;
     Layout layout() const override { return layout_; }
     void enlarge(int channel) override;

@@ -66,6 +66,13 @@ void Wall::note_shape(int channel, const StreamFacts &facts)
     wakeup_.wake();
 }
 
+void Wall::set_aspect(int channel, Aspect aspect)
+{
+    session_.set_aspect(channel, aspect);
+    session_.refit();
+    modules_.on_layout();
+}
+
 void Wall::show_layout(Layout layout)
 {
     layout_ = layout;
