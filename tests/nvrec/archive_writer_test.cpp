@@ -111,14 +111,16 @@ TEST_F(WritingTheIndex, KeepsWhatTheDiskDoesNotTakeUntilItDoes)
         const NoFileGrows full;
         writer.segment_begun({2, "yard", "main", path, 100, 100, 0, false});
         writer.event({2, "yard", 150, "alarm", "door"});
-        for (int64_t grown = 1; grown < 5000; ++grown)
+        for (int64_t grown = 1; grown < 3000; ++grown)
             writer.segment_grown(path, 100 + grown, grown);
         ASSERT_TRUE(says("the index cannot be written"));
         EXPECT_EQ(said().find("rollback"), std::string::npos) << said();
-        const uint64_t beyond_the_queue = writer.dropped();
+        std::this_thread::sleep_for(std::chrono::milliseconds(2500)); /* it is tried again, in vain */
+        for (int64_t grown = 3000; grown < 6000; ++grown)
+            writer.segment_grown(path, 100 + grown, grown);
         writer.segment_ended(path, 9000, 9000);
         writer.event({2, "yard", 160, "alarm", "gate"});
-        EXPECT_EQ(writer.dropped(), beyond_the_queue) << "outdated lengths made room";
+        EXPECT_EQ(writer.dropped(), 0u) << "outdated lengths made room";
     }
     ASSERT_TRUE(writer.stop(seconds(10)));
 

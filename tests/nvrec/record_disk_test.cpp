@@ -15,12 +15,12 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "archive/intake.h"
 #include "camera/input.h"
 #include "nvrec_run.h"
 #include "record/container_file.h"
 #include "record/disk_writer.h"
 #include "record/parameter_sets.h"
-#include "record/repair.h"
 #include "vboard.h"
 
 namespace
@@ -176,6 +176,14 @@ protected:
         return count;
     }
 
+    /* What the next recorder does with the directory. */
+    IntakeResult start_again() const
+    {
+        Index index;
+        EXPECT_EQ(index.open_in_memory(scratch_.file("files")), "");
+        return take_in(index, list_recordings(scratch_.file("files")), {.repair = true});
+    }
+
     std::vector<std::string> left_files() const
     {
         std::vector<std::string> paths;
@@ -209,7 +217,7 @@ TEST_P(NvrecFullDisk, EveryFileOnItCanBePlayedAndHoldsWhatWasCounted)
         std::filesystem::remove_all(scratch_.file("files"));
         tally_ = std::make_shared<OutputTally>();
         open(std::make_shared<StandInDisk>(size * disk / kDisks));
-        const auto file = write_clip("camera1.mkv", GetParam(), "cut");
+        const auto file = write_clip("camera1.mkv", GetParam(), "ch00-main-20261121-140000");
         ASSERT_TRUE(writer_->finish(&none));
         EXPECT_EQ(file->trouble().kind, OutputTrouble::kFull) << disk;
         const std::vector<std::string> paths = left_files();
@@ -222,7 +230,7 @@ TEST_P(NvrecFullDisk, EveryFileOnItCanBePlayedAndHoldsWhatWasCounted)
         ++left;
         EXPECT_EQ(pictures_in(paths[0]), static_cast<int>(tally_->pictures)) << disk;
         EXPECT_EQ(std::filesystem::file_size(paths[0]), tally_->bytes) << disk;
-        EXPECT_EQ(repair_end(paths[0]).cut_bytes, 0) << disk;
+        EXPECT_EQ(start_again().cut, 0u) << disk;
     }
     EXPECT_GE(left, kDisks / 2) << "most of these disks have room for a fragment";
 }
@@ -396,22 +404,23 @@ TEST_P(NvrecTornEnd, IsCutBackToTheLastWholeFragment)
     write_clip("camera1.mkv", GetParam(), "ch00-main-20261121-140000");
     DiskWriter::Leftover none;
     ASSERT_TRUE(writer_->finish(&none));
-    const std::string whole = tally_->files().at(0);
-    EXPECT_EQ(repair_end(whole).cut_bytes, 0) << "an end that is whole stays";
-    const std::string bytes = file_text(whole);
-    const std::string torn = scratch_.file("torn" + std::string(file_ending(GetParam())));
+    const std::string path = tally_->files().at(0);
+    EXPECT_EQ(start_again().cut, 0u) << "an end that is whole stays";
+    const std::string bytes = file_text(path);
     int last = 0;
     for (size_t size = 0; size < bytes.size(); size += bytes.size() / 60) {
-        std::ofstream(torn, std::ios::binary) << bytes.substr(0, size);
-        const RepairResult result = repair_end(torn);
-        EXPECT_TRUE(result.problem.empty()) << result.problem;
-        EXPECT_EQ(result.removed, !std::filesystem::exists(torn));
-        if (result.removed) continue;
-        EXPECT_EQ(std::filesystem::file_size(torn) + static_cast<uint64_t>(result.cut_bytes), size);
-        const int pictures = pictures_in(torn);
+        std::ofstream(path, std::ios::binary) << bytes.substr(0, size);
+        const size_t cut = start_again().cut;
+        EXPECT_EQ(std::filesystem::file_size(path) < size, cut > 0);
+        const int pictures = pictures_in(path);
+        if (pictures < 10) { /* no fragment is whole: what there is stays */
+            EXPECT_EQ(last, 0) << size;
+            EXPECT_EQ(cut, 0u) << size;
+            continue;
+        }
         EXPECT_GE(pictures, std::max(last, 10)) << size;
         EXPECT_EQ(pictures % 10, 0) << size << ": fragments of ten";
-        EXPECT_EQ(repair_end(torn).cut_bytes, 0) << "mended once";
+        EXPECT_EQ(start_again().cut, 0u) << "mended once";
         last = pictures;
     }
     EXPECT_GE(last, 220);
@@ -420,30 +429,17 @@ TEST_P(NvrecTornEnd, IsCutBackToTheLastWholeFragment)
 INSTANTIATE_TEST_SUITE_P(Kinds, NvrecTornEnd, testing::Values(Container::kMp4, Container::kMkv),
                          [](const auto &named) { return file_ending(named.param) + 1; });
 
-TEST_F(NvrecDisk, WhatIsNoRecordingIsLeftAlone)
+/* Not in fragments: one index for all of it. */
+TEST_F(NvrecDisk, AFileOfAnotherKindIsNotCut)
 {
-    /* Not in fragments: one index for all. */
-    const std::string other = scratch_.file("other.mp4");
-    std::filesystem::copy_file(clip("network1.mp4"), other);
-    EXPECT_EQ(repair_end(other).cut_bytes, 0);
-    EXPECT_EQ(pictures_in(other), 240);
-    EXPECT_FALSE(repair_end(scratch_.file("absent.mp4")).problem.empty());
-}
-
-TEST_F(NvrecDisk, TheNextStartMendsWhatTheLastOneLeftTorn)
-{
-    open(std::make_shared<StandInDisk>());
-    write_clip("camera1.mkv", Container::kMp4, "ch00-main-20261121-140000");
-    DiskWriter::Leftover none;
-    ASSERT_TRUE(writer_->finish(&none));
-    const std::string path = tally_->files().at(0);
-    std::filesystem::resize_file(path, std::filesystem::file_size(path) * 2 / 3);
-    open(std::make_shared<StandInDisk>());
-    ASSERT_TRUE(writer_->finish(&none));
-    const std::vector<std::string> lines = writer_->take_lines();
-    ASSERT_EQ(lines.size(), 1u);
-    EXPECT_TRUE(lines[0].starts_with(path + ": its end was torn; ")) << lines[0];
-    EXPECT_EQ(pictures_in(path) % 10, 0);
+    std::filesystem::create_directories(scratch_.file("files"));
+    const std::string other = scratch_.file("files/ch00-main-20261121-140000.mp4");
+    const std::string bytes = file_text(clip("network1.mp4"));
+    for (const size_t size : {bytes.size(), bytes.size() * 2 / 3, size_t{5000}}) {
+        std::ofstream(other, std::ios::binary) << bytes.substr(0, size);
+        EXPECT_EQ(start_again().cut, 0u) << size;
+        EXPECT_EQ(std::filesystem::file_size(other), size);
+    }
 }
 
 } // namespace

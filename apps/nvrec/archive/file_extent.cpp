@@ -206,6 +206,7 @@ FileExtent mp4_extent(const ReadFile &file)
         } else if (name == four("mdat") && media) {
             end_ticks = std::max(end_ticks, open_end);
             media = false;
+            extent.in_fragments = true;
         }
         extent.whole_bytes = at;
     }

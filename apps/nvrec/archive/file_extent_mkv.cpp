@@ -165,6 +165,7 @@ FileExtent mkv_extent(const ReadFile &file)
         } else if (head->id == kCluster) {
             last_at = body_at;
             last_size = head->size;
+            extent.in_fragments = true;
         }
         extent.whole_bytes = at = body_at + size;
     }

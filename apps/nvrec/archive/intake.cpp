@@ -6,6 +6,7 @@
 #include <ctime>
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -125,11 +126,20 @@ std::vector<ListedFile> list_recordings(const std::string &directory)
 namespace
 {
 
-/* Cut a torn end off, where that is wanted, and say so. */
+bool cut_file(const std::string &path, int64_t bytes)
+{
+    const int file = ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
+    const bool cut = file >= 0 && ::ftruncate(file, bytes) == 0 && ::fsync(file) == 0;
+    if (file >= 0) ::close(file);
+    return cut;
+}
+
+/* Cut a torn end off, and say so. A file with one index for all of it, as others write them, has no
+ * place where it could be cut. */
 void cut_back(const std::string &path, FileExtent *extent, IntakeResult *result)
 {
-    if (!extent->torn() || extent->duration_us <= 0) return;
-    if (::truncate(path.c_str(), extent->whole_bytes) != 0) {
+    if (!extent->torn() || !extent->in_fragments) return;
+    if (!cut_file(path, extent->whole_bytes)) {
         result->lines.push_back(path + ": its end is torn, and cannot be cut off");
         return;
     }

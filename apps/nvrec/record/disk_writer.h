@@ -50,7 +50,7 @@ struct DiskWriterOptions {
     std::string directory;
     std::shared_ptr<FileSystem> files = std::make_shared<FileSystem>();
 
-    /** Holds the directory and mends what is torn in it, instead of the disk writer. @return why not */
+    /** Holds the directory, instead of the disk writer. @return why not */
     std::function<std::string()> hold_directory;
 
     /** Make room of so many bytes, for instance by recycling; false = there is none to make. */

@@ -62,7 +62,6 @@ struct DiskWriter::State {
 private:
     void prepare();
     std::string hold_directory();
-    void repair_torn_files();
     void deal_with(Job &job);
     void append(Job &job);
     int create(Open &open, std::string *problem);

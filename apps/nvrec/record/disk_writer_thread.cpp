@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "record/disk_writer_state.h"
-#include "record/repair.h"
 
 namespace nvrec
 {
@@ -160,10 +159,7 @@ void DiskWriter::State::prepare()
     FileSystem &files = *options.files;
     const int error = timed([&] { return files.make_directories(options.directory); });
     const std::string problem = error != 0 ? std::strerror(error) : hold_directory();
-    if (problem.empty()) {
-        if (!options.hold_directory) repair_torn_files();
-        return;
-    }
+    if (problem.empty()) return;
     {
         const std::scoped_lock guard(lock);
         directory_trouble = problem;
@@ -186,20 +182,6 @@ std::string DiskWriter::State::hold_directory()
     }
     is_held_ = problem.empty();
     return problem;
-}
-
-/* Of the recorder that ran before, and did not come to its end. */
-void DiskWriter::State::repair_torn_files()
-{
-    for (const std::string &path : newest_recordings(options.directory)) {
-        const RepairResult result = timed([&] { return repair_end(path); });
-        if (result.removed) {
-            say(path + ": removed: nothing in it can be played");
-            tell(options.events.removed, path);
-        } else if (result.cut_bytes > 0) {
-            say(path + ": its end was torn; " + std::to_string(result.cut_bytes) + " bytes were cut off");
-        }
-    }
 }
 
 DiskWriter::State::Open *DiskWriter::State::find(const OutputFile &file)
