@@ -33,7 +33,7 @@
  *
  * The calls of an application
  *   A recorder with all of this needs these functions and objects; nvrec uses no others.
- *     start      ext_device_init ext_device_quit globalVoDev
+ *     start      ext_device_init ext_device_quit globalVoDev nvrhal_set_log
  *     live       ext_send_stream vdec_resetchn
  *     layout     ext_change_display_format ext_change_zoom_format cur_display_chnn
  *     zoom       ext_vidoe_image_zoom vo_for_ezoom zoom_channel zoom_arg zoom_flag_click

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <fstream>
 
 #include <unistd.h>
@@ -13,6 +14,7 @@
 #include FT_FREETYPE_H
 
 #include "overlay_board.h"
+#include "screen/qr_code.h"
 
 using namespace nvrec;
 using namespace nvrec_test;
@@ -23,6 +25,17 @@ namespace
 class NvrecOverlay : public OverlayOnBoard
 {
 };
+
+TEST(QrCode, TheTokenOfAnAddressDoesNotStandInTheLog)
+{
+    testing::internal::CaptureStdout();
+    const Tile code = qr_tile("http://192.0.2.9:9310/?token=0123456789abcdef");
+    std::fflush(stdout);
+    const std::string log = testing::internal::GetCapturedStdout();
+    EXPECT_GT(code.width, 0);
+    EXPECT_NE(log.find("192.0.2.9"), std::string::npos) << log;
+    EXPECT_EQ(log.find("0123456789abcdef"), std::string::npos) << log;
+}
 
 TEST_F(NvrecOverlay, BordersStandInsideThePanesAndTheSelectedOneIsHighlighted)
 {

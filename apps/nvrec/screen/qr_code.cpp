@@ -4,12 +4,15 @@
  */
 #include "screen/qr_code.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <string>
 #include <vector>
 
 #include <unistd.h>
 
+#include "camera/address.h"
 #include "nvrhal.h"
 
 namespace nvrec
@@ -75,6 +78,34 @@ Tile grey_image(const std::string &path)
     return tile;
 }
 
+/*
+ * The library prints the text of a code. While one of these lives it stands in the log as it may be shown:
+ * the token of a status page's address does not.
+ */
+class GuardedLog
+{
+public:
+    explicit GuardedLog(std::string text) : text_(std::move(text)), shown_(shown_text(text_))
+    {
+        nvrhal_set_log(write, this);
+    }
+    ~GuardedLog() { nvrhal_set_log(nullptr, nullptr); }
+    GuardedLog(const GuardedLog &) = delete;
+    GuardedLog &operator=(const GuardedLog &) = delete;
+
+private:
+    static void write(const char *text, size_t length, void *user)
+    {
+        const auto &self = *static_cast<const GuardedLog *>(user);
+        std::string line(text, length);
+        for (size_t at = 0; (at = line.find(self.text_, at)) != std::string::npos; at += self.shown_.size())
+            line.replace(at, self.text_.size(), self.shown_);
+        std::fwrite(line.data(), 1, line.size(), stdout);
+    }
+
+    const std::string text_, shown_;
+};
+
 } // namespace
 
 Tile qr_tile(const std::string &text)
@@ -82,6 +113,7 @@ Tile qr_tile(const std::string &text)
     if (text.empty() || text.size() > kLongestQrText) return {};
     const ScratchFile file; /* made first: the library ends the process over a file that it cannot make */
     if (file.path().empty()) return {};
+    const GuardedLog log(text);
     qrencode(text.c_str(), file.path().c_str());
     return grey_image(file.path());
 }
