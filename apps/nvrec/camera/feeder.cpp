@@ -45,6 +45,7 @@ Feeder::~Feeder()
 {
     ask_to_stop();
     join();
+    input_.close(); /* its reading thread tells the meter, which goes before it */
 }
 
 bool Feeder::open()
