@@ -14,7 +14,7 @@ namespace
 {
 
 constexpr auto kLookPeriod = std::chrono::milliseconds(250);
-constexpr int kTextShare = 42, kSmallestText_px = 16, kLargestText_px = 40; /* of the screen's height */
+constexpr int kSmallestText_px = 16, kLargestText_px = 40; /* of a name in a pane */
 constexpr Colour kNameLetters = 0xFFFFFF;
 constexpr int64_t kGapBegins_us = 1'000'000; /* as long a picture may stand */
 constexpr uint32_t kLeft = 1;
@@ -24,9 +24,7 @@ constexpr uint32_t kLeft = 1;
 bool PlayScreen::start(WallControl &wall)
 {
     wall_ = &wall;
-    if (options_.mode == OverlayMode::kOff) return true;
-    if (options_.mode == OverlayMode::kAuto && !wall.window_is_open() && !host::has_own_monitor())
-        return true;
+    if (!is_drawn(options_.mode, wall)) return true;
     const std::string problem = canvas_.open();
     if (!problem.empty()) {
         wall.terminal().error("no time line: " + problem);
@@ -38,8 +36,7 @@ bool PlayScreen::start(WallControl &wall)
         wall.terminal().error("no names and times on the screen: this machine has no font that can be read");
         font_.reset();
     }
-    const int text_px = std::clamp(canvas_.height() / kTextShare, kSmallestText_px, kLargestText_px);
-    line_ = std::make_unique<TimeLine>(font_.get(), canvas_.whole(), text_px);
+    line_ = std::make_unique<TimeLine>(font_.get(), canvas_.whole(), screen_text_size_px(canvas_.height()));
     drawing_ = true;
     damage(canvas_.whole());
     return true;

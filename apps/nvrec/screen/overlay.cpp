@@ -27,9 +27,7 @@ Overlay::~Overlay() = default;
 bool Overlay::start(WallControl &wall)
 {
     wall_ = &wall;
-    if (options_.mode == OverlayMode::kOff) return true;
-    if (options_.mode == OverlayMode::kAuto && !wall.window_is_open() && !host::has_own_monitor())
-        return true;
+    if (!is_drawn(options_.mode, wall)) return true;
     const std::string problem = canvas_.open();
     if (!problem.empty()) {
         wall.terminal().error("no screen overlay: " + problem);
@@ -85,8 +83,7 @@ void Overlay::make_parts()
 /* Of the clock, the menu and the card. */
 int Overlay::text_size_px() const
 {
-    constexpr int kScreenToText = 42, kSmallest_px = 16, kLargest_px = 40;
-    return std::clamp(canvas_.height() / kScreenToText, kSmallest_px, kLargest_px);
+    return screen_text_size_px(canvas_.height());
 }
 
 void Overlay::tell_cameras(Clock::time_point now, std::time_t wall_s)

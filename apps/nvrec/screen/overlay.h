@@ -28,6 +28,7 @@
 #include "screen/font.h"
 #include "screen/menu.h"
 #include "screen/notice_line.h"
+#include "screen/overlay_mode.h"
 #include "screen/overlay_panes.h"
 #include "screen/pane_watch.h"
 #include "screen/question.h"
@@ -35,8 +36,6 @@
 
 namespace nvrec
 {
-
-enum class OverlayMode { kAuto, kOn, kOff };
 
 struct OverlayOptions {
     OverlayMode mode = OverlayMode::kAuto; /* auto = with a window */
