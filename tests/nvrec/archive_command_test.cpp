@@ -4,7 +4,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include "archive/index.h"
 #include "archive/time_of_day.h"
@@ -128,6 +130,31 @@ TEST_F(ArchiveCommands, ListShowsSpansFilesAndPins)
     EXPECT_EQ(run("unpin", {"--camera", "0", "--from", "2026-11-21", "--to", "2026-11-22"}), 3);
     EXPECT_EQ(run("list", {"--json"}), 0);
     EXPECT_TRUE(says("\"pins\": []")) << output_;
+}
+
+/* A recorder that died leaves its last file unfinished in the index; while one runs, it holds the lock. */
+TEST_F(ArchiveCommands, ToldOfAFileThatIsNotFinishedIsWhetherARecorderWritesIt)
+{
+    put(scratch_.path(), 0, local(2026, 11, 21, 14, 5));
+    ASSERT_EQ(run("list", {"--files"}), 0);
+    EXPECT_FALSE(says("torn") || says("being written")) << output_;
+    {
+        nvrec::Index index;
+        ASSERT_EQ(index.open(scratch_.path()), "");
+        const nvrec::SegmentRow row = index.segments({}).at(0);
+        ASSERT_TRUE(index.grow_segment(row.path, row.to_us, row.bytes, false)) << index.error();
+    }
+    ASSERT_EQ(run("list", {"--files"}), 0);
+    EXPECT_TRUE(says(" (its end is torn, until a recorder has cut it back)")) << output_;
+    const int lock = open((scratch_.path() + "/" + nvrec::kLockName).c_str(), O_RDWR | O_CREAT, 0640);
+    struct flock whole = {};
+    whole.l_type = F_WRLCK;
+    ASSERT_EQ(fcntl(lock, F_OFD_SETLK, &whole), 0);
+    ASSERT_EQ(run("list", {"--files"}), 0);
+    EXPECT_TRUE(says(" (being written)")) << output_;
+    ASSERT_EQ(run("find", {"--at", "2026-11-21T14:05:05"}), 0) << errors_;
+    EXPECT_TRUE(says(", being written")) << output_;
+    close(lock);
 }
 
 TEST_F(ArchiveCommands, ExportCutsAtKeyFramesAcrossFilesAndTellsTheGap)

@@ -5,11 +5,19 @@
 
 #include <CLI/CLI.hpp>
 
+#include "archive/index_writer.h"
 #include "archive/time_of_day.h"
 #include "wall/exit_code.h"
 
 namespace nvrec
 {
+
+std::string file_state(const SegmentRow &row, const std::string &directory)
+{
+    if (row.finished) return {};
+    return is_recorded_into(directory) ? "being written"
+                                       : "its end is torn, until a recorder has cut it back";
+}
 
 int complain(int exit_code, const std::string &line)
 {

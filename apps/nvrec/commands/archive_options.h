@@ -39,6 +39,10 @@ int read_span(const ArchiveOptions &options, TimeSpan *span);
 std::optional<int64_t> time_given(const char *option, const std::string &text,
                                   std::optional<int64_t> from_us = std::nullopt);
 
+/** What is to be said of a file that is not finished: a recorder writes it, or its end is torn. Else empty.
+ */
+std::string file_state(const SegmentRow &row, const std::string &directory);
+
 /** Complain on standard error. @return the code */
 int complain(int exit_code, const std::string &line);
 

@@ -17,14 +17,15 @@ namespace
 
 constexpr double kPlaceSecond_us = 1e6;
 
-std::string found_line(const CameraRow &camera, const Place &place)
+std::string found_line(const CameraRow &camera, const Place &place, const std::string &directory)
 {
     const std::string name = camera.shown();
     if (place.segment) {
+        const std::string state = file_state(*place.segment, directory);
         return text("%-12s %s  at %s (%.3f s)%s", name.c_str(), place.segment->path.c_str(),
                     duration_text(place.offset_us).c_str(),
                     static_cast<double>(place.offset_us) / kPlaceSecond_us,
-                    place.segment->finished ? "" : ", being written");
+                    (state.empty() ? state : ", " + state).c_str());
     }
     std::string line = text("%-12s not recorded", name.c_str());
     if (place.gap) line += " (" + place.gap->why + ")";
@@ -70,7 +71,7 @@ int run_find(const ArchiveOptions &options)
         if (options.json)
             json += (json.empty() ? "[\n  " : ",\n  ") + found_json(camera, options, *at_us, place);
         else
-            std::printf("%s\n", found_line(camera, place).c_str());
+            std::printf("%s\n", found_line(camera, place, options.directory).c_str());
     }
     if (options.json) std::printf("%s\n]\n", json.c_str());
     return found ? kExitDone : kExitInputFailed;

@@ -60,11 +60,13 @@ void print_tables(Index &index, const std::vector<CameraRow> &cameras, const Ind
     }
     if (files) {
         std::printf("\n%3s  %-26s %9s %10s  %s\n", "ch", "from", "length", "MB", "file");
-        for (const SegmentRow &row : index.segments(query))
+        for (const SegmentRow &row : index.segments(query)) {
+            const std::string state = file_state(row, index.directory());
             std::printf("%3d  %-26s %9s %10.1f  %s%s\n", row.channel, time_text(row.from_us).c_str(),
                         duration_text(row.to_us - row.from_us).c_str(),
                         static_cast<double>(row.bytes) / kListedMegabyte_bytes, row.path.c_str(),
-                        row.finished ? "" : " (being written)");
+                        (state.empty() ? state : " (" + state + ")").c_str());
+        }
     }
     auto heading = [first = true](const char *text) mutable {
         if (std::exchange(first, false)) std::printf("\n%s\n", text);
