@@ -153,6 +153,14 @@ void Overlay::on_layout()
     paint();
 }
 
+/* A pane whose decoder was still behind at the last turn has its picture by now. */
+void Overlay::before_last_pictures()
+{
+    if (!drawing_) return;
+    tell_cameras(Clock::now(), std::chrono::system_clock::to_time_t(options_.wall_time()));
+    paint();
+}
+
 bool Overlay::ask_whether_to_end()
 {
     if (!drawing_ || !question_ || question_->is_open()) return false;

@@ -57,6 +57,7 @@ public:
     Clock::time_point take_turn(Clock::time_point now) override;
     void before_layout() override { layout_comes_ = true; }
     void on_layout() override;
+    void before_last_pictures() override;
     bool ask_whether_to_end() override;
     InputLayer input_layer() const override;
     bool on_key(Key key) override;

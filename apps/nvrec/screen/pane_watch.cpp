@@ -81,17 +81,18 @@ PaneState PaneWatch::state_of(const Feeder &camera, Clock::time_point now) const
 PaneNotice PaneWatch::notice_of(const CameraStatus &status, uint64_t too_large_bytes,
                                 Clock::time_point now) const
 {
+    const bool settled = now - laid_out_at_ >= kSettles;
     switch (status.state) {
     case CameraState::kConnecting: return PaneNotice::kMissing;
     case CameraState::kSilent: return PaneNotice::kNoVideo;
     case CameraState::kRefused: return PaneNotice::kRefused;
     case CameraState::kEnded: /* its last picture stays, unless a layout has taken it off */
-        return status.waits_for_key ? PaneNotice::kNoVideo : PaneNotice::kNone;
+        return status.waits_for_key && settled ? PaneNotice::kNoVideo : PaneNotice::kNone;
     case CameraState::kLive: break;
     }
     if (!status.waits_for_key) return PaneNotice::kNone;
     if (too_large_bytes > 0 && !status.sub_stream) return PaneNotice::kRefused;
-    return now - laid_out_at_ >= kSettles ? PaneNotice::kWaitsForKey : PaneNotice::kNone;
+    return settled ? PaneNotice::kWaitsForKey : PaneNotice::kNone;
 }
 
 Clock::time_point PaneWatch::next_change(Clock::time_point now) const

@@ -185,6 +185,9 @@ public:
     /** The panes or the selection have changed. */
     virtual void on_layout() {}
 
+    /** The cameras have stopped and their decoders are empty: the pictures of the end are taken next. */
+    virtual void before_last_pictures() {}
+
     /** Width and height of the picture that it shows on a channel instead of the camera's; zeros = none. */
     virtual std::pair<uint32_t, uint32_t> picture_size(int /*channel*/) const { return {0, 0}; }
 

@@ -40,6 +40,12 @@ void ModuleList::on_layout()
         modules_[i]->on_layout();
 }
 
+void ModuleList::before_last_pictures()
+{
+    for (size_t i = 0; i < started_; ++i)
+        modules_[i]->before_last_pictures();
+}
+
 void ModuleList::offer(const std::function<bool(Module &)> &taken)
 {
     std::vector<Module *> order;

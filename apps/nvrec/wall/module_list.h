@@ -34,6 +34,7 @@ public:
 
     void before_layout();
     void on_layout();
+    void before_last_pictures();
 
     /** Offer it by layer, and in a layer to the module added last. */
     void key(Key key);

@@ -207,6 +207,7 @@ void Wall::close()
     lasted_s_ = seconds();
     stop_cameras();
     if (ran_out || pictured) wait_for_decoders();
+    if (pictured) modules_.before_last_pictures();
     take_due_pictures(lasted_s_, true);
     modules_.stop();
     for (const auto &feeder : feeders_) {
