@@ -56,6 +56,8 @@ TEST_F(TimeOfDay, IsReadInEveryForm)
     EXPECT_EQ(read("-10m"), now_us_ - 600 * kSecond_us);
     EXPECT_EQ(read("-45s"), now_us_ - 45 * kSecond_us);
     EXPECT_EQ(read("-1h30m"), now_us_ - 5400 * kSecond_us);
+    EXPECT_EQ(read("-1m2.5s"), now_us_ - 62'500'000);
+    EXPECT_EQ(read("-1.5h"), now_us_ - 5400 * kSecond_us);
     EXPECT_EQ(read("-2d"), now_us_ - 48 * kHour_us);
 }
 
@@ -100,6 +102,9 @@ TEST_F(TimeOfDay, ThatIsNoneIsNamedInTheError)
                              "+10m",
                              "2026-11-21T14:05+99:00",
                              "-99999999999s",
+                             "-999999999d",
+                             "-1.s",
+                             "-1.1234567s",
                              "1969-12-31"}) {
         if (std::string(text) == "2026-11-21T") continue; /* a date all the same */
         EXPECT_NE(problem_of(text).find("\"" + std::string(text).substr(0, 1)), std::string::npos) << text;

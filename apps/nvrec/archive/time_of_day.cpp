@@ -16,6 +16,7 @@ namespace
 
 constexpr int64_t kWholeSecond_us = 1'000'000;
 constexpr int kDay_s = 24 * 3600;
+constexpr int64_t kLongestSpan_s = int64_t{100} * 366 * kDay_s;
 
 /* A date and a time of day, as written. */
 struct Written {
@@ -58,6 +59,19 @@ public:
         if (count < fewest) return false;
         text_.remove_prefix(count);
         *value = static_cast<int>(sum);
+        return true;
+    }
+    /** What may stand behind a number, ".5": one to six digits, in millionths. @return false = it is none */
+    bool millionths(int64_t *value)
+    {
+        *value = 0;
+        if (!take('.')) return true;
+        const size_t digits = digits_ahead();
+        int part = 0;
+        if (digits > 6 || !number(1, 6, &part)) return false;
+        *value = part;
+        for (size_t i = digits; i < 6; ++i)
+            *value *= 10;
         return true;
     }
     size_t digits_ahead() const
@@ -117,14 +131,7 @@ bool read_clock(Words *words, Written *written)
     if (!words->number(1, 2, &written->hour) || !words->take(':') || !words->number(2, 2, &written->minute))
         return false;
     if (words->take(':') && !words->number(2, 2, &written->second)) return false;
-    if (words->take('.')) {
-        const size_t digits = words->digits_ahead();
-        int part = 0;
-        if (digits > 6 || !words->number(1, 6, &part)) return false;
-        written->part_us = part;
-        for (size_t i = digits; i < 6; ++i)
-            written->part_us *= 10;
-    }
+    if (!words->millionths(&written->part_us)) return false;
     words->skip_blanks();
     if (words->take('Z')) {
         written->offset_s = 0;
@@ -141,21 +148,24 @@ bool read_clock(Words *words, Written *written)
     return true;
 }
 
-/* "10m", "1h30m" */
+/* "10m", "1h30m", "2.5s" */
 bool read_span(Words *words, int64_t *span_us)
 {
     *span_us = 0;
     if (words->empty()) return false;
     while (!words->empty()) {
         int count = 0;
-        if (words->digits_ahead() > 9 || !words->number(1, 9, &count)) return false;
+        int64_t part_us = 0;
+        if (words->digits_ahead() > 9 || !words->number(1, 9, &count) || !words->millionths(&part_us))
+            return false;
         const int64_t unit_s = words->take('s')   ? 1
                                : words->take('m') ? 60
                                : words->take('h') ? 3600
                                : words->take('d') ? kDay_s
                                                   : 0;
         if (unit_s == 0) return false;
-        *span_us += count * unit_s * kWholeSecond_us;
+        if (count > kLongestSpan_s / unit_s) return false;
+        *span_us += unit_s * (count * kWholeSecond_us + part_us);
     }
     return true;
 }
