@@ -1,4 +1,6 @@
 /* "nvrec snapshot" as a user runs it: the right camera's picture, whatever the wall shows meanwhile. */
+#include <filesystem>
+
 #include <gtest/gtest.h>
 
 #include "nvrec_run.h"
@@ -74,6 +76,15 @@ TEST_F(NvrecSnapshot, InTheCamerasOwnSize)
     }
     EXPECT_EQ(file_text(path()).substr(0, 3), "\xFF\xD8\xFF") << "a JPEG file";
     EXPECT_EQ(snapshot({"--size", "huge"}), 2);
+}
+
+TEST_F(NvrecSnapshot, IsNotWrittenUnderTheNameOfAnotherKindOfPicture)
+{
+    Process nvrec({NVREC_PROGRAM, "snapshot", kCameras[0], "-f", scratch_.file("shot.PNG")});
+    EXPECT_EQ(nvrec.wait(), 2);
+    EXPECT_NE(nvrec.errors.find("a snapshot is a JPEG picture, name it .jpg"), std::string::npos)
+        << nvrec.errors;
+    EXPECT_FALSE(std::filesystem::exists(scratch_.file("shot.PNG")));
 }
 
 TEST_F(NvrecSnapshot, OfAHiddenChannel)

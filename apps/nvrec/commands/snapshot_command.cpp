@@ -1,8 +1,10 @@
 /* snapshot_command.cpp - "nvrec snapshot": one JPEG of one camera, then the end. */
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <map>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include <CLI/CLI.hpp>
@@ -13,6 +15,7 @@
 #include "play/player.h"
 #include "play/snapshot.h"
 #include "wall/pictures.h"
+#include "wall/text.h"
 
 namespace nvrec
 {
@@ -81,6 +84,15 @@ std::vector<std::string> recordings_of(const SnapshotCommand &command)
     return files;
 }
 
+/* Viewers go by the name: a JPEG that is called a PNG is taken for a broken file. */
+std::string jpeg_name_problem(const std::string &path)
+{
+    constexpr std::string_view kOtherPictures[] = {".png", ".bmp", ".gif", ".webp", ".tif", ".tiff"};
+    const std::string ending = small_letters(std::filesystem::path(path).extension().string());
+    if (std::ranges::find(kOtherPictures, ending) == std::end(kOtherPictures)) return {};
+    return "a snapshot is a JPEG picture, name it .jpg: " + path;
+}
+
 int run_snapshot(SnapshotCommand command)
 {
     if (!count_fits(command.wall.inputs.size(), "inputs") ||
@@ -129,7 +141,9 @@ Command snapshot_command(CLI::App &app)
     snapshot->add_option("-c,--channel", command->channel, "The camera, from 0")
         ->check(from_zero_on())
         ->capture_default_str();
-    snapshot->add_option("-f,--output", command->path, "The file to write")->required();
+    snapshot->add_option("-f,--output", command->path, "The file to write")
+        ->required()
+        ->check(jpeg_name_problem);
     snapshot
         ->add_option(
             "--size", command->size,

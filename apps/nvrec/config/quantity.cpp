@@ -8,6 +8,8 @@
 #include <cmath>
 #include <string_view>
 
+#include "wall/text.h"
+
 namespace nvrec::config
 {
 namespace
@@ -34,13 +36,6 @@ constexpr std::array<std::string_view, 7> kDays = {"mon", "tue", "wed", "thu", "
 constexpr double kMost = 1e15; /* far beyond any disk and any archive */
 constexpr int kHour_min = 60;
 constexpr int kDay_min = 24 * kHour_min;
-
-std::string small_letters(std::string_view text)
-{
-    std::string small(text);
-    std::ranges::transform(small, small.begin(), [](unsigned char letter) { return std::tolower(letter); });
-    return small;
-}
 
 std::string_view trimmed(std::string_view text)
 {

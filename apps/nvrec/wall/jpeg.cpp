@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -13,6 +12,8 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavutil/pixdesc.h>
 }
+
+#include "wall/text.h"
 
 namespace nvrec
 {
@@ -154,8 +155,7 @@ std::optional<std::vector<uint8_t>> jpeg_of_picture(const AVFrame &picture)
 
 bool names_jpeg(const std::string &path)
 {
-    std::string ending = std::filesystem::path(path).extension().string();
-    std::ranges::transform(ending, ending.begin(), [](unsigned char letter) { return std::tolower(letter); });
+    const std::string ending = small_letters(std::filesystem::path(path).extension().string());
     return ending == ".jpg" || ending == ".jpeg";
 }
 

@@ -1,6 +1,8 @@
 /* text.cpp - see text.h. */
 #include "wall/text.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdarg>
 #include <cstdio>
 
@@ -15,6 +17,13 @@ std::string text(const char *format, ...)
     std::vsnprintf(line, sizeof line, format, arguments);
     va_end(arguments);
     return line;
+}
+
+std::string small_letters(std::string_view text)
+{
+    std::string small(text);
+    std::ranges::transform(small, small.begin(), [](unsigned char letter) { return std::tolower(letter); });
+    return small;
 }
 
 } // namespace nvrec
