@@ -46,9 +46,8 @@ const Value *TableReader::find(std::string_view key)
 {
     if (std::ranges::find(known_, key) == known_.end()) known_.push_back(key);
     if (!table_) return nullptr;
-    const auto found =
-        std::ranges::find(table_->members, key, [](const auto &member) { return member.first; });
-    return found == table_->members.end() ? nullptr : &found->second;
+    const auto found = std::ranges::find(table_->members, key, &Member::key);
+    return found == table_->members.end() ? nullptr : &found->value;
 }
 
 std::string TableReader::place_of(std::string_view key) const

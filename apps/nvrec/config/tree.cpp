@@ -22,8 +22,8 @@ Value table_of(const toml::table &table, int line)
     Value value;
     value.line = line;
     for (const auto &[key, node] : table)
-        value.members.emplace_back(std::string(key.str()), value_of(node, line_of(key.source())));
-    std::ranges::stable_sort(value.members, {}, [](const auto &member) { return member.second.line; });
+        value.members.push_back({std::string(key.str()), value_of(node, line_of(key.source()))});
+    std::ranges::stable_sort(value.members, {}, [](const auto &member) { return member.value.line; });
     return value;
 }
 

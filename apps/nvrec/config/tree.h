@@ -7,11 +7,12 @@
 #pragma once
 
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace nvrec::config
 {
+
+struct Member;
 
 /** A value of the file. Which members count depends on its kind. */
 struct Value {
@@ -23,8 +24,13 @@ struct Value {
     int64_t whole = 0;
     double number = 0; /* of kWhole too */
     bool flag = false;
-    std::vector<std::pair<std::string, Value>> members; /* in the order of their lines */
+    std::vector<Member> members; /* in the order of their lines */
     std::vector<Value> items;
+};
+
+struct Member {
+    std::string key;
+    Value value;
 };
 
 /** What the parser made of a text. */

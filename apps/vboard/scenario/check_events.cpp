@@ -159,7 +159,7 @@ std::vector<std::string> field_names(const CallFields &call)
 
 std::vector<Wanted> wanted_fields(Reader &reader, const CallFields *call)
 {
-    const Node *node = reader.take("with");
+    const TreeNode *node = reader.take("with");
     if (node == nullptr) return {};
     std::vector<Wanted> all;
     Reader fields(*node, "\"with\"", reader.context());

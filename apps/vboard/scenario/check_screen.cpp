@@ -72,14 +72,14 @@ private:
 
 std::optional<Region> region_of(Reader &reader)
 {
-    const Node *node = reader.take("region");
+    const TreeNode *node = reader.take("region");
     if (node == nullptr) return {};
     std::vector<int> numbers;
-    if (node->kind == Node::Kind::list)
-        for (const Node &item : node->items)
-            if (const auto value = item.kind == Node::Kind::text ? integer_of(item.text) : std::nullopt)
+    if (node->kind == TreeNode::Kind::list)
+        for (const TreeNode &item : node->items)
+            if (const auto value = item.kind == TreeNode::Kind::text ? integer_of(item.text) : std::nullopt)
                 if (*value >= 0 && *value <= 8192) numbers.push_back(static_cast<int>(*value));
-    const bool whole = node->kind == Node::Kind::list && node->items.size() == 4 && numbers.size() == 4;
+    const bool whole = node->kind == TreeNode::Kind::list && node->items.size() == 4 && numbers.size() == 4;
     if (!whole || numbers[2] == 0 || numbers[3] == 0) {
         reader.problem(node->line, "\"region\" is not [x, y, width, height] in pixels of the screen");
         return {};

@@ -60,16 +60,16 @@ void read_monitor(Reader &reader, BoardStart &board)
 }
 
 /* The items of a list; a single one may stand without it. */
-std::vector<Node> items_of(const Node &node)
+std::vector<TreeNode> items_of(const TreeNode &node)
 {
-    return node.kind == Node::Kind::list ? node.items : std::vector<Node>{node};
+    return node.kind == TreeNode::Kind::list ? node.items : std::vector<TreeNode>{node};
 }
 
 void read_faults(Reader &reader, BoardStart &board)
 {
-    const Node *list = reader.take("faults");
+    const TreeNode *list = reader.take("faults");
     if (list == nullptr) return;
-    for (const Node &item : items_of(*list)) {
+    for (const TreeNode &item : items_of(*list)) {
         Reader entry(item, "a fault", reader.context());
         const auto call = entry.text("call");
         BootFault fault;
@@ -79,7 +79,7 @@ void read_faults(Reader &reader, BoardStart &board)
         entry.finish({"call", "nth", "count", "code"});
         if (call)
             fault.call = *call;
-        else if (item.kind == Node::Kind::map && !entry.has("call"))
+        else if (item.kind == TreeNode::Kind::map && !entry.has("call"))
             entry.problem(item.line, "a fault names no \"call\"");
         board.faults.push_back(fault);
     }
@@ -87,15 +87,15 @@ void read_faults(Reader &reader, BoardStart &board)
 
 void read_analog(Reader &reader, BoardStart &board)
 {
-    const Node *list = reader.take("analog");
+    const TreeNode *list = reader.take("analog");
     if (list == nullptr) return;
-    for (const Node &item : items_of(*list)) {
+    for (const TreeNode &item : items_of(*list)) {
         Reader entry(item, "an analog input", reader.context());
         BootInput input;
         input.input = static_cast<uint32_t>(entry.integer("input", 0, 15).value_or(0));
         input.lost = entry.boolean("lost").value_or(false);
         input.moving = static_cast<uint32_t>(entry.integer("moving", 0, UINT32_MAX).value_or(0));
-        if (item.kind == Node::Kind::map && !entry.has("input"))
+        if (item.kind == TreeNode::Kind::map && !entry.has("input"))
             entry.problem(item.line, "an analog input wants its number, \"input\"");
         entry.finish({"input", "lost", "moving"});
         board.analog.push_back(input);
@@ -116,7 +116,7 @@ void read_rtc(Reader &reader, BoardStart &board)
 
 } // namespace
 
-BoardStart read_board(const Node &node, Context &context)
+BoardStart read_board(const TreeNode &node, Context &context)
 {
     Reader reader(node, "\"board\"", context);
     BoardStart board;

@@ -15,19 +15,19 @@ const std::vector<std::string> kKeys = {"name", "board", "program", "cameras", "
 
 void read_lists(Reader &reader, Scenario &scenario)
 {
-    const auto items = [&](const char *key) -> const std::vector<Node> * {
-        const Node *list = reader.take(key);
-        if (list == nullptr || list->kind == Node::Kind::nothing) return nullptr;
-        if (list->kind == Node::Kind::list) return &list->items;
+    const auto items = [&](const char *key) -> const std::vector<TreeNode> * {
+        const TreeNode *list = reader.take(key);
+        if (list == nullptr || list->kind == TreeNode::Kind::nothing) return nullptr;
+        if (list->kind == TreeNode::Kind::list) return &list->items;
         reader.problem(list->line,
                        std::string("\"") + key + "\" is " + kind_text(list->kind) + ", not a list");
         return nullptr;
     };
     if (const auto *steps = items("steps"))
-        for (const Node &item : *steps)
+        for (const TreeNode &item : *steps)
             if (auto step = read_step(item, reader.context())) scenario.steps.push_back(std::move(*step));
     if (const auto *list = items("expect"))
-        for (const Node &item : *list)
+        for (const TreeNode &item : *list)
             if (auto one = read_expectation(item, reader.context()))
                 scenario.expectations.push_back(std::move(*one));
 }
@@ -47,9 +47,9 @@ bool looks_at_calls(const Scenario &scenario)
 
 void read_arguments(Reader &reader, Scenario &scenario)
 {
-    if (const Node *program = reader.take("program"))
+    if (const TreeNode *program = reader.take("program"))
         scenario.arguments = texts_of(*program, "program", reader.context());
-    const Node *cameras = reader.take("cameras");
+    const TreeNode *cameras = reader.take("cameras");
     if (cameras == nullptr) return;
     for (const std::string &camera : texts_of(*cameras, "cameras", reader.context())) {
         const bool address = camera.find("://") != std::string::npos;
@@ -73,7 +73,7 @@ std::optional<Scenario> read_scenario(const std::string &path, const ReadOrders 
         problems.add(0, "it is a folder");
         return {};
     }
-    const std::optional<Node> tree = read_tree(file, problems);
+    const std::optional<TreeNode> tree = read_tree(file, problems);
     if (!tree) return {};
 
     const std::filesystem::path folder = std::filesystem::absolute(path).parent_path();
@@ -83,9 +83,9 @@ std::optional<Scenario> read_scenario(const std::string &path, const ReadOrders 
     Scenario scenario;
     scenario.path = path;
     scenario.name = reader.text("name").value_or(std::filesystem::path(path).stem().string());
-    Node no_board;
-    no_board.kind = Node::Kind::map;
-    const Node *board = reader.take("board");
+    TreeNode no_board;
+    no_board.kind = TreeNode::Kind::map;
+    const TreeNode *board = reader.take("board");
     scenario.board = read_board(board != nullptr ? *board : no_board, context);
     if (orders.stepped) scenario.board.stepped = *orders.stepped;
     read_arguments(reader, scenario);

@@ -27,11 +27,11 @@ std::vector<std::string> action_names()
 }
 
 /* A value as the request's parameter wants it. */
-json parameter_value(const std::string &name, const json &description, const Node &node, Context &context)
+json parameter_value(const std::string &name, const json &description, const TreeNode &node, Context &context)
 {
-    if (node.kind == Node::Kind::list) {
+    if (node.kind == TreeNode::Kind::list) {
         json list = json::array();
-        for (const Node &item : node.items) {
+        for (const TreeNode &item : node.items) {
             const auto text = text_of(item, name, context);
             const auto number = text ? integer_of(*text) : std::nullopt;
             list.push_back(number ? json(*number) : json(text.value_or("")));
@@ -43,28 +43,28 @@ json parameter_value(const std::string &name, const json &description, const Nod
 }
 
 /* What stands behind an action's name: nothing, a value, some values in order, or all by name. */
-json parameters_of_action(const json &request, const Node &node, Context &context)
+json parameters_of_action(const json &request, const TreeNode &node, Context &context)
 {
     const json &known = api::parameters_of(request);
     const std::vector<std::string> order = request.value("arguments", std::vector<std::string>());
     json parameters = json::object();
-    const auto put = [&](const std::string &name, const Node &value) {
+    const auto put = [&](const std::string &name, const TreeNode &value) {
         const auto description = known.find(name);
         if (description == known.end())
             parameters[name] = nullptr; // the check tells it
         else
             parameters[name] = parameter_value(name, *description, value, context);
     };
-    if (node.kind == Node::Kind::map) {
+    if (node.kind == TreeNode::Kind::map) {
         for (const auto &[key, value] : node.entries)
             put(key.text, value);
-    } else if (node.kind == Node::Kind::list) {
+    } else if (node.kind == TreeNode::Kind::list) {
         if (node.items.size() > order.size())
             throw RequestError("bad_parameter",
                                "it takes at most " + std::to_string(order.size()) + " values");
         for (size_t i = 0; i < node.items.size(); ++i)
             put(order[i], node.items[i]);
-    } else if (node.kind == Node::Kind::text) {
+    } else if (node.kind == TreeNode::Kind::text) {
         // "clock.take: true" stands where there is nothing to say.
         if (!order.empty())
             put(order[0], node);
@@ -74,7 +74,7 @@ json parameters_of_action(const json &request, const Node &node, Context &contex
     return parameters;
 }
 
-std::optional<Request> read_action(const std::string &name, const Node &node, Context &context)
+std::optional<Request> read_action(const std::string &name, const TreeNode &node, Context &context)
 {
     Request action;
     action.line = node.line;
@@ -90,7 +90,7 @@ std::optional<Request> read_action(const std::string &name, const Node &node, Co
     }
 }
 
-std::optional<Condition> read_condition(const Node &node, Context &context)
+std::optional<Condition> read_condition(const TreeNode &node, Context &context)
 {
     Reader reader(node, "\"after\"", context);
     std::vector<std::string> keys = {"within", "then"};
@@ -102,7 +102,7 @@ std::optional<Condition> read_condition(const Node &node, Context &context)
     const bool says_what = std::any_of(check_names().begin(), check_names().end(),
                                        [&](const std::string &name) { return reader.has(name); });
     reader.finish(keys);
-    if (!says_what && node.kind == Node::Kind::map)
+    if (!says_what && node.kind == TreeNode::Kind::map)
         reader.problem(node.line, "\"after\" says nothing to wait for, as log, call, screen or pane");
     if (!condition.check) return {};
     return condition;
@@ -110,14 +110,15 @@ std::optional<Condition> read_condition(const Node &node, Context &context)
 
 void read_span(Reader &reader, When &when)
 {
-    const Node *node = reader.take("during");
+    const TreeNode *node = reader.take("during");
     if (node == nullptr) return;
     std::vector<int64_t> ends;
-    if (node->kind == Node::Kind::list)
-        for (const Node &item : node->items)
-            if (const auto end = item.kind == Node::Kind::text ? duration_of(item.text) : std::nullopt)
+    if (node->kind == TreeNode::Kind::list)
+        for (const TreeNode &item : node->items)
+            if (const auto end = item.kind == TreeNode::Kind::text ? duration_of(item.text) : std::nullopt)
                 ends.push_back(*end);
-    if (node->kind == Node::Kind::list && node->items.size() == 2 && ends.size() == 2 && ends[0] < ends[1])
+    if (node->kind == TreeNode::Kind::list && node->items.size() == 2 && ends.size() == 2 &&
+        ends[0] < ends[1])
         when.during_us = {ends[0], ends[1]};
     else
         reader.problem(node->line, "\"during\" is not two times, the earlier one first, as [2s, 5s]");
@@ -125,17 +126,17 @@ void read_span(Reader &reader, When &when)
 
 } // namespace
 
-std::string text_of_node(const Node &node)
+std::string text_of_node(const TreeNode &node)
 {
     std::string text;
     switch (node.kind) {
-    case Node::Kind::nothing: return "~";
-    case Node::Kind::text: return node.text;
-    case Node::Kind::list:
-        for (const Node &item : node.items)
+    case TreeNode::Kind::nothing: return "~";
+    case TreeNode::Kind::text: return node.text;
+    case TreeNode::Kind::list:
+        for (const TreeNode &item : node.items)
             text += (text.empty() ? "" : ", ") + text_of_node(item);
         return "[" + text + "]";
-    case Node::Kind::map:
+    case TreeNode::Kind::map:
         for (const auto &[key, value] : node.entries)
             text += (text.empty() ? "" : ", ") + key.text + ": " + text_of_node(value);
         return "{" + text + "}";
@@ -148,14 +149,14 @@ When read_when(Reader &reader, std::vector<std::string> &keys)
     keys.insert(keys.end(), {"at", "after"});
     When when;
     when.at_us = reader.duration("at");
-    if (const Node *after = reader.take("after")) when.after = read_condition(*after, reader.context());
+    if (const TreeNode *after = reader.take("after")) when.after = read_condition(*after, reader.context());
     if (reader.has("at") && reader.has("after"))
         reader.problem(reader.line(),
                        "\"at\" and \"after\" stand side by side; with \"then\" in \"after\" it is later");
     return when;
 }
 
-std::optional<Step> read_step(const Node &node, Context &context)
+std::optional<Step> read_step(const TreeNode &node, Context &context)
 {
     Reader reader(node, "a step", context);
     std::vector<std::string> keys;
@@ -173,7 +174,7 @@ std::optional<Step> read_step(const Node &node, Context &context)
     for (const auto &[key, value] : reader.node().entries)
         if (std::find(times.begin(), times.end(), key.text) == times.end()) named.push_back(key.text);
     reader.finish(keys);
-    if (node.kind != Node::Kind::map) return {};
+    if (node.kind != TreeNode::Kind::map) return {};
     if (named.size() != 1) {
         reader.problem(node.line, named.empty()
                                       ? "a step does nothing: it wants an action, as press or monitor"
@@ -198,7 +199,7 @@ std::optional<Step> read_step(const Node &node, Context &context)
     return step;
 }
 
-std::optional<Expectation> read_expectation(const Node &node, Context &context)
+std::optional<Expectation> read_expectation(const TreeNode &node, Context &context)
 {
     Reader reader(node, "an expectation", context);
     std::vector<std::string> keys = {"within", "during", "never"};
@@ -218,7 +219,7 @@ std::optional<Expectation> read_expectation(const Node &node, Context &context)
     const bool says_what = std::any_of(check_names().begin(), check_names().end(),
                                        [&](const std::string &name) { return reader.has(name); });
     reader.finish(keys);
-    if (!says_what && node.kind == Node::Kind::map)
+    if (!says_what && node.kind == TreeNode::Kind::map)
         reader.problem(node.line,
                        "an expectation expects nothing: it wants one of screen, pane, log, call, lamp, "
                        "watchdog, decoder, memory, state, boot, starts, exit");

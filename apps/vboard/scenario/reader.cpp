@@ -11,14 +11,14 @@ namespace vboard_app::scenario
 namespace
 {
 
-const Node &group_or_empty(const Node &node, const std::string &what, Context &context)
+const TreeNode &group_or_empty(const TreeNode &node, const std::string &what, Context &context)
 {
-    static const Node empty = [] {
-        Node none;
-        none.kind = Node::Kind::map;
+    static const TreeNode empty = [] {
+        TreeNode none;
+        none.kind = TreeNode::Kind::map;
         return none;
     }();
-    if (node.kind == Node::Kind::map) return node;
+    if (node.kind == TreeNode::Kind::map) return node;
     context.problems.add(node.line, what + " is " + kind_text(node.kind) + ", not a group of keys");
     return empty;
 }
@@ -67,9 +67,9 @@ std::string expanded(const std::string &text, int line, Context &context)
     }
 }
 
-std::optional<std::string> text_of(const Node &node, const std::string &key, Context &context)
+std::optional<std::string> text_of(const TreeNode &node, const std::string &key, Context &context)
 {
-    if (node.kind != Node::Kind::text) {
+    if (node.kind != TreeNode::Kind::text) {
         context.problems.add(node.line,
                              "\"" + key + "\" is " + kind_text(node.kind) + ", not a single value");
         return {};
@@ -77,11 +77,11 @@ std::optional<std::string> text_of(const Node &node, const std::string &key, Con
     return expanded(node.text, node.line, context);
 }
 
-std::vector<std::string> texts_of(const Node &node, const std::string &key, Context &context)
+std::vector<std::string> texts_of(const TreeNode &node, const std::string &key, Context &context)
 {
     std::vector<std::string> texts;
-    if (node.kind == Node::Kind::list) {
-        for (const Node &item : node.items)
+    if (node.kind == TreeNode::Kind::list) {
+        for (const TreeNode &item : node.items)
             if (const auto text = text_of(item, key, context)) texts.push_back(*text);
     } else if (const auto text = text_of(node, key, context)) {
         texts.push_back(*text);
@@ -95,19 +95,19 @@ std::string file_of(const std::string &name, const Context &context)
     return path.is_absolute() ? name : (std::filesystem::path(context.folder) / path).string();
 }
 
-Reader::Reader(const Node &node, std::string what, Context &context)
+Reader::Reader(const TreeNode &node, std::string what, Context &context)
     : node_(group_or_empty(node, what, context)), what_(std::move(what)), context_(context)
 {
 }
 
-const Node *Reader::take(const std::string &key)
+const TreeNode *Reader::take(const std::string &key)
 {
     return node_.find(key);
 }
 
 std::optional<std::string> Reader::text(const std::string &key)
 {
-    const Node *node = take(key);
+    const TreeNode *node = take(key);
     return node != nullptr ? text_of(*node, key, context_) : std::nullopt;
 }
 

@@ -29,15 +29,15 @@ class Reader
 {
 public:
     /* @param what  "a step": for the messages. A node that is no group of keys is a problem. */
-    Reader(const Node &node, std::string what, Context &context);
+    Reader(const TreeNode &node, std::string what, Context &context);
 
     Context &context() { return context_; }
-    const Node &node() const { return node_; }
+    const TreeNode &node() const { return node_; }
     int line() const { return node_.line; }
     bool has(const std::string &key) const { return node_.find(key) != nullptr; }
 
     /* A key's node, which counts as asked for; null: it is not there. */
-    const Node *take(const std::string &key);
+    const TreeNode *take(const std::string &key);
 
     /* Nothing: the key is not there, or wrong, which is told. */
     std::optional<std::string> text(const std::string &key);
@@ -61,7 +61,7 @@ private:
     auto parsed(const std::string &key, Parse parse, const std::string &wanted)
         -> decltype(parse(std::string()));
 
-    const Node node_; // an empty group when it was none
+    const TreeNode node_; // an empty group when it was none
     const std::string what_;
     Context &context_;
 };
@@ -70,10 +70,10 @@ private:
 std::string expanded(const std::string &text, int line, Context &context);
 
 /* The text of a node; nothing, told, when it is a list or a group. */
-std::optional<std::string> text_of(const Node &node, const std::string &key, Context &context);
+std::optional<std::string> text_of(const TreeNode &node, const std::string &key, Context &context);
 
 /* A list of texts; a single text is a list of one. */
-std::vector<std::string> texts_of(const Node &node, const std::string &key, Context &context);
+std::vector<std::string> texts_of(const TreeNode &node, const std::string &key, Context &context);
 
 /* A file's name: relative to the scenario's folder. */
 std::string file_of(const std::string &name, const Context &context);

@@ -107,13 +107,13 @@ struct ReadOrders {
 std::optional<Scenario> read_scenario(const std::string &path, const ReadOrders &orders, Problems &problems);
 
 /* Parts of it, each in its file. */
-BoardStart read_board(const Node &node, Context &context);
+BoardStart read_board(const TreeNode &node, Context &context);
 When read_when(Reader &reader, std::vector<std::string> &keys);
-std::optional<Step> read_step(const Node &node, Context &context);
-std::optional<Expectation> read_expectation(const Node &node, Context &context);
+std::optional<Step> read_step(const TreeNode &node, Context &context);
+std::optional<Expectation> read_expectation(const TreeNode &node, Context &context);
 
 /* A node as it stands in the file, on one line, for messages. */
-std::string text_of_node(const Node &node);
+std::string text_of_node(const TreeNode &node);
 
 /* Where the wall clock stands at the start of a stepped scenario that names no time: 2026-01-01 00:00 UTC. */
 constexpr int64_t kUsualWall_us = 1'767'225'600LL * 1'000'000;

@@ -28,10 +28,10 @@ public:
     const int line;
 };
 
-size_t size_of(const Node &node)
+size_t size_of(const TreeNode &node)
 {
     size_t size = 1;
-    for (const Node &item : node.items)
+    for (const TreeNode &item : node.items)
         size += size_of(item);
     for (const auto &[key, value] : node.entries)
         size += 1 + size_of(value);
@@ -43,22 +43,23 @@ class Builder final : public YAML::EventHandler
 public:
     explicit Builder(Problems &problems) : problems_(problems) {}
 
-    std::optional<Node> take() { return std::move(root_); }
+    std::optional<TreeNode> take() { return std::move(root_); }
 
     void OnDocumentStart(const YAML::Mark &) override {}
     void OnDocumentEnd() override {}
 
     void OnNull(const YAML::Mark &mark, YAML::anchor_t anchor) override
     {
-        place(leaf(Node::Kind::nothing, mark), anchor);
+        place(leaf(TreeNode::Kind::nothing, mark), anchor);
     }
 
     void OnScalar(const YAML::Mark &mark, const std::string &tag, YAML::anchor_t anchor,
                   const std::string &value) override
     {
-        Node node = leaf(Node::Kind::text, mark);
+        TreeNode node = leaf(TreeNode::Kind::text, mark);
         node.text = value;
-        if (tag == "?" && (value.empty() || value == "~" || value == "null")) node.kind = Node::Kind::nothing;
+        if (tag == "?" && (value.empty() || value == "~" || value == "null"))
+            node.kind = TreeNode::Kind::nothing;
         place(std::move(node), anchor);
     }
 
@@ -67,34 +68,34 @@ public:
         const auto found = anchors_.find(anchor);
         if (found == anchors_.end()) throw Refusal(mark.line + 1, "an alias lies within what it stands for");
         count(size_of(found->second), mark.line + 1);
-        Node copy = found->second;
+        TreeNode copy = found->second;
         place(std::move(copy), 0);
     }
 
     void OnSequenceStart(const YAML::Mark &mark, const std::string &, YAML::anchor_t anchor,
                          YAML::EmitterStyle::value) override
     {
-        open(Node::Kind::list, mark, anchor);
+        open(TreeNode::Kind::list, mark, anchor);
     }
     void OnSequenceEnd() override { close(); }
 
     void OnMapStart(const YAML::Mark &mark, const std::string &, YAML::anchor_t anchor,
                     YAML::EmitterStyle::value) override
     {
-        open(Node::Kind::map, mark, anchor);
+        open(TreeNode::Kind::map, mark, anchor);
     }
     void OnMapEnd() override { close(); }
 
 private:
     struct Open {
-        Node node;
+        TreeNode node;
         YAML::anchor_t anchor;
-        std::optional<Node> key; // of a map, until its value comes
+        std::optional<TreeNode> key; // of a map, until its value comes
     };
 
-    Node leaf(Node::Kind kind, const YAML::Mark &mark)
+    TreeNode leaf(TreeNode::Kind kind, const YAML::Mark &mark)
     {
-        Node node;
+        TreeNode node;
         node.kind = kind;
         node.line = mark.line + 1;
         count(1, node.line);
@@ -108,7 +109,7 @@ private:
             throw Refusal(line, "it holds more than " + std::to_string(kMostNodes) + " values");
     }
 
-    void open(Node::Kind kind, const YAML::Mark &mark, YAML::anchor_t anchor)
+    void open(TreeNode::Kind kind, const YAML::Mark &mark, YAML::anchor_t anchor)
     {
         if (open_.size() >= kDeepest)
             throw Refusal(mark.line + 1, "it is nested deeper than " + std::to_string(kDeepest) + " levels");
@@ -122,7 +123,7 @@ private:
         place(std::move(done.node), done.anchor);
     }
 
-    void place(Node node, YAML::anchor_t anchor)
+    void place(TreeNode node, YAML::anchor_t anchor)
     {
         if (anchor != 0) anchors_[anchor] = node;
         if (open_.empty()) {
@@ -130,10 +131,10 @@ private:
             return;
         }
         Open &parent = open_.back();
-        if (parent.node.kind == Node::Kind::list) {
+        if (parent.node.kind == TreeNode::Kind::list) {
             parent.node.items.push_back(std::move(node));
         } else if (!parent.key) {
-            if (node.kind != Node::Kind::text) {
+            if (node.kind != TreeNode::Kind::text) {
                 problems_.add(node.line, std::string("a key is ") + kind_text(node.kind) + ", not a text");
                 node.text.clear();
             }
@@ -143,24 +144,24 @@ private:
         }
     }
 
-    void add_entry(Open &parent, Node value)
+    void add_entry(Open &parent, TreeNode value)
     {
-        const Node key = std::move(*parent.key);
+        const TreeNode key = std::move(*parent.key);
         parent.key.reset();
-        if (key.kind != Node::Kind::text) return; // told already
-        if (const Node *first = parent.node.find(key.text)) {
+        if (key.kind != TreeNode::Kind::text) return; // told already
+        if (const TreeNode *first = parent.node.find(key.text)) {
             problems_.add(key.line, "the key \"" + key.text +
                                         "\" stands here twice; the first time in line " +
                                         std::to_string(first->line));
             return;
         }
-        parent.node.entries.emplace_back(key, std::move(value));
+        parent.node.entries.push_back({key, std::move(value)});
     }
 
     Problems &problems_;
     std::vector<Open> open_;
-    std::map<YAML::anchor_t, Node> anchors_;
-    std::optional<Node> root_;
+    std::map<YAML::anchor_t, TreeNode> anchors_;
+    std::optional<TreeNode> root_;
     size_t count_ = 0;
 };
 
@@ -174,25 +175,25 @@ std::vector<Problem> Problems::sorted() const
     return sorted;
 }
 
-const Node *Node::find(const std::string &key) const
+const TreeNode *TreeNode::find(const std::string &key) const
 {
     for (const auto &[name, value] : entries)
         if (name.text == key) return &value;
     return nullptr;
 }
 
-const char *kind_text(Node::Kind kind)
+const char *kind_text(TreeNode::Kind kind)
 {
     switch (kind) {
-    case Node::Kind::nothing: return "nothing";
-    case Node::Kind::text: return "a single value";
-    case Node::Kind::list: return "a list";
-    case Node::Kind::map: return "a group of keys";
+    case TreeNode::Kind::nothing: return "nothing";
+    case TreeNode::Kind::text: return "a single value";
+    case TreeNode::Kind::list: return "a list";
+    case TreeNode::Kind::map: return "a group of keys";
     }
     return "";
 }
 
-std::optional<Node> read_tree(std::istream &file, Problems &problems)
+std::optional<TreeNode> read_tree(std::istream &file, Problems &problems)
 {
     std::string bytes(kMostBytes + 1, '\0');
     file.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));

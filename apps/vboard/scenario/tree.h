@@ -10,7 +10,6 @@
 #include <istream>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace vboard_app::scenario
@@ -35,22 +34,29 @@ private:
     std::vector<Problem> all_;
 };
 
-struct Node {
+struct TreeEntry;
+
+struct TreeNode {
     enum class Kind { nothing, text, list, map };
 
     Kind kind = Kind::nothing;
     int line = 0;
     std::string text; // of a text: numbers and booleans are texts, too
-    std::vector<Node> items;
-    std::vector<std::pair<Node, Node>> entries; // keys are texts
+    std::vector<TreeNode> items;
+    std::vector<TreeEntry> entries; // of a map
 
-    const Node *find(const std::string &key) const; // null: there is none
+    const TreeNode *find(const std::string &key) const; // null: there is none
 };
 
-const char *kind_text(Node::Kind kind); // "a list"
+struct TreeEntry {
+    TreeNode key; // a text
+    TreeNode value;
+};
+
+const char *kind_text(TreeNode::Kind kind); // "a list"
 
 /* The first document of a file; nothing when it is none, with the reason among the problems. */
-std::optional<Node> read_tree(std::istream &file, Problems &problems);
+std::optional<TreeNode> read_tree(std::istream &file, Problems &problems);
 
 } // namespace vboard_app::scenario
 
