@@ -34,7 +34,7 @@ public:
     using StandInWall::StandInWall;
     void set_alarm(const std::string &text) override { alarm_ = text; }
     std::string alarm() const override { return alarm_; }
-    void watch_thread(WatchedThread thread) override { watched.push_back(std::move(thread)); }
+    void watch_thread(const WatchedThread &thread) override { watched.push_back(thread); }
     std::vector<WatchedThread> watched;
 
 private:

@@ -82,7 +82,7 @@ std::string open_archive(const std::string &directory, Archive *archive)
 
 std::vector<CameraRow> cameras_named(Index &index, const std::string &text, std::string *problem)
 {
-    const std::vector<CameraRow> all = index.cameras();
+    std::vector<CameraRow> all = index.cameras();
     auto where = [&all](auto fits) {
         std::vector<CameraRow> rows;
         std::ranges::copy_if(all, std::back_inserter(rows), fits);
@@ -114,9 +114,8 @@ std::vector<CameraRow> cameras_named(Index &index, const std::string &text, std:
 
 std::vector<int64_t> numbers_of(const std::vector<CameraRow> &cameras)
 {
-    std::vector<int64_t> numbers;
-    for (const CameraRow &row : cameras)
-        numbers.push_back(row.id);
+    std::vector<int64_t> numbers(cameras.size());
+    std::ranges::transform(cameras, numbers.begin(), &CameraRow::id);
     return numbers;
 }
 

@@ -9,6 +9,7 @@
 #include "archive/edit_list.h"
 
 #include <cerrno>
+#include <cmath>
 #include <cstring>
 
 #include "archive/file_bytes.h"
@@ -111,7 +112,8 @@ private:
 
     uint64_t in_ticks() const
     {
-        return static_cast<uint64_t>(static_cast<double>(length_us_) * ticks_ / kEditMicroseconds + 0.5);
+        return static_cast<uint64_t>(
+            std::llround(static_cast<double>(length_us_) * ticks_ / kEditMicroseconds));
     }
 
     const ReadFile file_;

@@ -168,13 +168,15 @@ private:
     const FeedOptions options_;
     Input input_;
     AccessUnit first_unit_;
-    bool open_tried_ = false;
-    bool started_ = false;
     Events events_;
     std::thread thread_;
+    bool open_tried_ = false;
+    bool started_ = false;
     std::atomic<bool> stop_ = false;
-    std::atomic<bool> opened_ = false;                       /* the input was opened at least once        */
-    std::atomic<bool> broken_ = false;                       /* it ended by a failure, not by its own end */
+    std::atomic<bool> opened_ = false; /* the input was opened at least once        */
+    std::atomic<bool> broken_ = false; /* it ended by a failure, not by its own end */
+    std::atomic<bool> waits_for_key_ = true;
+    std::atomic<bool> sub_is_shown_ = false;                 /* shown_, for who does not hold gate_ */
     std::atomic<Clock::rep> heartbeat_deadline_ = INT64_MAX; /* ticks of the clock        */
     Clock::time_point started_at_;
     Clock::time_point paced_at_;         /* live: when the last unit went on    */
@@ -187,12 +189,10 @@ private:
     StreamChoice shown_ = StreamChoice::kMain;
     bool decoder_changes_ = false;            /* a unit was the first of another codec */
     std::atomic<uint64_t> laid_out_ = 0;      /* times that a layout was applied */
-    std::atomic<bool> sub_is_shown_ = false;  /* the same, for who does not hold it */
     std::atomic<int64_t> input_epoch_us_ = 0; /* of the main stream's times; 0 = not known */
     mutable std::mutex sub_lock_;             /* guards what follows */
     std::shared_ptr<Feeder> sub_;             /* null = it was never wanted */
 
-    std::atomic<bool> waits_for_key_ = true;
     std::atomic<uint64_t> shown_at_layout_ = UINT64_MAX; /* pictures; UINT64_MAX = not known */
     CameraMeter meter_;
 

@@ -26,7 +26,7 @@ void listen(void *object, int level, const char *format, va_list arguments)
         auto *source = static_cast<PacketSource *>(static_cast<AVFormatContext *>(object)->opaque);
         va_list copy;
         va_copy(copy, arguments);
-        const int packets = va_arg(copy, int);
+        const int packets = va_arg(copy, int); // NOLINT(clang-analyzer-valist.Uninitialized): copied above
         va_end(copy);
         if (source && packets > 0) source->add_missed(static_cast<uint64_t>(packets));
     }

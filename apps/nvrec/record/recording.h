@@ -140,14 +140,14 @@ private:
     const std::shared_ptr<OutputTally> tally_ = std::make_shared<OutputTally>();
 
     std::atomic<bool> closing_ = false;
-    std::atomic<Clock::rep> event_until_ = INT64_MIN; /* ticks of the clock */
+    std::atomic<bool> anew_ = false;             /* the next key frame begins a file */
+    std::atomic<bool> sends_recordable_ = false; /* the camera's sound, as it is */
     std::atomic<RecordOrder> order_ = RecordOrder::kAsPlanned;
     std::atomic<RecordingState> state_ = RecordingState::kWaiting;
+    std::atomic<Clock::rep> event_until_ = INT64_MIN; /* ticks of the clock */
     std::atomic<Clock::rep> heartbeat_deadline_ = INT64_MAX;
-    std::atomic<bool> sends_recordable_ = false; /* the camera's sound, as it is */
-    std::atomic<Clock::rep> written_at_ = 0;     /* ticks of the clock: the last picture       */
-    std::atomic<bool> anew_ = false;             /* the next key frame begins a file */
-    std::atomic<uint64_t> passed_over_ = 0;      /* pictures without a file */
+    std::atomic<Clock::rep> written_at_ = 0; /* ticks of the clock: the last picture */
+    std::atomic<uint64_t> passed_over_ = 0;  /* pictures without a file */
 
     /* The recording's thread only; read by others after finish(). */
     ContainerFile file_;
@@ -155,12 +155,11 @@ private:
     Segment segment_;                                /* likewise         */
     std::vector<std::shared_ptr<OutputFile>> ended_; /* and not closed yet, as far as is known */
     std::vector<uint8_t> parameter_sets_;
-    bool waits_for_key_ = true;
+    bool waits_for_key_ = true, sound_is_known_ = false, waiting_for_sound_ = false;
     int64_t last_wall_us_ = 0;    /* of the last frame in the open file            */
     int64_t clock_offset_us_ = 0; /* time of day less monotonic time, as it began  */
     Clock::time_point try_again_at_ = Clock::time_point::min();
     HeldFrames held_{kMostHeld_bytes};
-    bool sound_is_known_ = false, waiting_for_sound_ = false;
     std::shared_ptr<const SoundFormat> sent_sound_; /* null = A-law, or none */
     std::deque<PoolFrame> early_sound_;             /* of pictures that come */
     uint64_t sent_taken_ = 0, alaw_taken_ = 0;      /* sound                 */

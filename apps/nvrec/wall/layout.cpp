@@ -14,12 +14,12 @@ constexpr int kEmptiest = 2; /* panes for a camera: with more, most of the scree
 
 /* In the order of the menu and of the help. */
 constexpr LayoutRow kLayouts[] = {
-    {Layout::kSingle, "1", 1, 1, 0, {"Single camera", "单画面"}},
-    {Layout::kGrid2, "2x2", 2, 1, 1, {"2 x 2", "四画面"}},
-    {Layout::kGrid3, "3x3", 3, 1, 4, {"3 x 3", "九画面"}},
-    {Layout::kGrid4, "4x4", 4, 1, 5, {"4 x 4", "十六画面"}},
-    {Layout::kOneAndFive, "1+5", 3, 2, 2, {"1 + 5", "一大五小"}},
-    {Layout::kOneAndSeven, "1+7", 4, 3, 3, {"1 + 7", "一大七小"}},
+    {"1", Layout::kSingle, 1, 1, 0, {"Single camera", "单画面"}},
+    {"2x2", Layout::kGrid2, 2, 1, 1, {"2 x 2", "四画面"}},
+    {"3x3", Layout::kGrid3, 3, 1, 4, {"3 x 3", "九画面"}},
+    {"4x4", Layout::kGrid4, 4, 1, 5, {"4 x 4", "十六画面"}},
+    {"1+5", Layout::kOneAndFive, 3, 2, 2, {"1 + 5", "一大五小"}},
+    {"1+7", Layout::kOneAndSeven, 4, 3, 3, {"1 + 7", "一大七小"}},
 };
 
 constexpr int kTurns = 5; /* of the layout key */

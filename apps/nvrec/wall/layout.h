@@ -30,12 +30,12 @@ enum class Layout {
 
 /** What is known of a layout: for its panes, the command line, the layout key and the menu. */
 struct LayoutRow {
-    Layout layout;
     std::string_view name; /* on the command line              */
-    int side;              /* cells across and down            */
-    int large_side;        /* cells of the first pane's side   */
-    int key_turn;          /* in the order of the layout key, from 1; 0 = it is not among them */
-    const char *texts[2];  /* in the menu: English, Chinese    */
+    Layout layout;
+    int side;             /* cells across and down            */
+    int large_side;       /* cells of the first pane's side   */
+    int key_turn;         /* in the order of the layout key, from 1; 0 = it is not among them */
+    const char *texts[2]; /* in the menu: English, Chinese    */
 };
 
 /** All layouts, in the order of the menu and of the help. */

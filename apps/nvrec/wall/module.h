@@ -134,7 +134,7 @@ public:
     virtual std::string alarm() const { return {}; }
 
     /** Have a module's thread watched by who feeds the watchdog, for as long as the wall stands. */
-    virtual void watch_thread(WatchedThread /*thread*/) {}
+    virtual void watch_thread(const WatchedThread & /*thread*/) {}
     virtual std::vector<WatchedThread> watched_threads() const { return {}; } /* any thread */
 
     /** End as if the user had asked; the first exit code other than 0 stays. */

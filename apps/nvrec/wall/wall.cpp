@@ -83,10 +83,10 @@ void Wall::set_alarm(const std::string &text)
     wake();
 }
 
-void Wall::watch_thread(WatchedThread thread)
+void Wall::watch_thread(const WatchedThread &thread)
 {
     const std::scoped_lock guard(watched_lock_);
-    watched_.push_back(std::move(thread));
+    watched_.push_back(thread);
 }
 
 std::vector<WatchedThread> Wall::watched_threads() const

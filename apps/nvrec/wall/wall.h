@@ -88,7 +88,7 @@ private:
     bool recording(int channel) const override;
     void set_alarm(const std::string &text) override;
     std::string alarm() const override { return alarm_; }
-    void watch_thread(WatchedThread thread) override;
+    void watch_thread(const WatchedThread &thread) override;
     std::vector<WatchedThread> watched_threads() const override;
     void end(int exit_code) override;
     void end_by_user() override;

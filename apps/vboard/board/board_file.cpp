@@ -54,7 +54,7 @@ std::string file_within(const std::string &folder, const std::string &name, cons
         throw RequestError("bad_parameter", "there is no folder for \"" + name + "\"", parameter);
     if (!lies_in(parent, root)) outside(name, parameter);
 
-    const std::string path = (fs::path(parent) / relative.filename()).string();
+    std::string path = (fs::path(parent) / relative.filename()).string();
     std::string target = path;
     struct stat entry = {};
     if (lstat(path.c_str(), &entry) != 0) {

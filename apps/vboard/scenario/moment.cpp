@@ -66,7 +66,7 @@ std::string Call::text() const
 {
     std::string line = name;
     for (const auto &[key, value] : arguments)
-        line += " " + key + "=" + value;
+        line.append(" ").append(key).append("=").append(value);
     return line + " = " + result;
 }
 

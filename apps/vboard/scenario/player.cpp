@@ -132,7 +132,7 @@ void Player::note(const Judgement &one, Moment *moment)
 std::string Player::evidence_of(const Expectation &expectation, Moment &moment)
 {
     const std::string path = output_path("line-" + std::to_string(expectation.line));
-    const std::string file = expectation.check->write_evidence(path);
+    std::string file = expectation.check->write_evidence(path);
     if (!file.empty()) return file;
     if (moment.state() == nullptr) return {};
     const Image *screen = moment.screen();

@@ -117,7 +117,7 @@ std::string ScenarioRecorder::add(const std::string &request, const json &parame
     const std::scoped_lock guard(mutex_);
     last_us_ = std::max(last_us_, at);
     if (start_.stepped && moves_clock(request)) return {};
-    const std::string line = flow_map([&](YAML::Emitter &out) {
+    std::string line = flow_map([&](YAML::Emitter &out) {
         out << YAML::Key << "at" << YAML::Value << scenario::duration_text(at);
         out << YAML::Key << request << YAML::Value;
         emit_parameters(out, request, parameters);
@@ -149,7 +149,7 @@ std::string ScenarioRecorder::expect(const Picture &screen, const std::vector<in
     const std::string picture_path = (file.parent_path() / picture).string();
     if (!scenario::write_png(picture_path, image)) cannot_write(picture_path);
 
-    const std::string line = flow_map([&](YAML::Emitter &out) {
+    std::string line = flow_map([&](YAML::Emitter &out) {
         out << YAML::Key << "at" << YAML::Value;
         if (start_.stepped) {
             out << scenario::duration_text(at);

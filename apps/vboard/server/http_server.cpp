@@ -26,8 +26,10 @@ constexpr int kKeepAlive = 15;    // and one between two requests
 constexpr auto kLastWords = std::chrono::milliseconds(500); // for clients to take what they were not sent yet
 constexpr auto kGlance = std::chrono::milliseconds(5);
 
+constexpr size_t kPerConnection_bytes = sizeof(void *); // its Session
+
 const lws_protocols kProtocols[] = {
-    {"vboard", HttpServer::Self::callback, sizeof(Session *), kLongestBody, 0, nullptr, 0},
+    {"vboard", HttpServer::Self::callback, kPerConnection_bytes, kLongestBody, 0, nullptr, 0},
     {nullptr, nullptr, 0, 0, 0, nullptr, 0},
 };
 

@@ -96,6 +96,7 @@
     FUNCTION(board_unmap)
 /* clang-format on */
 
+/* What is declared takes no parentheses. NOLINTNEXTLINE(bugprone-macro-parentheses) */
 #define VBOARD_REMOTE_WEAK(name) extern "C" __attribute__((weak)) decltype(name) name;
 VBOARD_REMOTE_FUNCTIONS(VBOARD_REMOTE_WEAK)
 #undef VBOARD_REMOTE_WEAK

@@ -37,8 +37,8 @@ DEFINE_NEXT(__openat64_2)
 
 #define EXPORTED __attribute__((visibility("default")))
 
-// The mode is there only when a file may be made.
-#define TAKE_MODE(mode)                                                                                      \
+// `mode`, which is there only when a file may be made.
+#define TAKE_MODE                                                                                            \
     mode_t mode = 0;                                                                                         \
     if ((flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE) {                                        \
         va_list arguments;                                                                                   \
@@ -54,25 +54,25 @@ extern "C" {
 
 EXPORTED int open(const char *path, int flags, ...)
 {
-    TAKE_MODE(mode)
+    TAKE_MODE
     return is_board_path(path) ? open_board_node(path, flags) : NEXT(open)(path, flags, mode);
 }
 
 EXPORTED int open64(const char *path, int flags, ...)
 {
-    TAKE_MODE(mode)
+    TAKE_MODE
     return is_board_path(path) ? open_board_node(path, flags) : NEXT(open64)(path, flags, mode);
 }
 
 EXPORTED int openat(int folder, const char *path, int flags, ...)
 {
-    TAKE_MODE(mode)
+    TAKE_MODE
     return is_board_path(path) ? open_board_node(path, flags) : NEXT(openat)(folder, path, flags, mode);
 }
 
 EXPORTED int openat64(int folder, const char *path, int flags, ...)
 {
-    TAKE_MODE(mode)
+    TAKE_MODE
     return is_board_path(path) ? open_board_node(path, flags) : NEXT(openat64)(folder, path, flags, mode);
 }
 

@@ -59,7 +59,7 @@ OpeningPtr take_out(Table &openings, int descriptor)
 {
     const auto found = openings.openings.find(descriptor);
     if (found == openings.openings.end()) return nullptr;
-    const OpeningPtr opening = std::move(found->second);
+    OpeningPtr opening = std::move(found->second);
     openings.openings.erase(found);
     set_known(descriptor, false);
     if (!is_other_process()) opening->remove(descriptor); // in a child, its lock may never become free
