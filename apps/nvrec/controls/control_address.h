@@ -1,5 +1,5 @@
 /*
- * control_address.h - a path as the address of a Unix socket.
+ * control_address.h - the control socket's path: as an address, and whose directory it stands in.
  *
  * Threads: any.
  */
@@ -25,5 +25,8 @@ inline bool make_control_address(const std::string &path, sockaddr_un *address)
     std::memcpy(address->sun_path, path.data(), path.size());
     return true;
 }
+
+/** Make the directory of a socket, for its user alone. @return empty, or why no socket may stand there */
+std::string control_directory_problem(const std::string &path);
 
 } // namespace nvrec

@@ -4,9 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 #include <deque>
-#include <filesystem>
 #include <mutex>
 #include <system_error>
 #include <thread>
@@ -36,26 +34,10 @@ constexpr size_t kWorkers = 4;
 constexpr auto kAcceptAgain = std::chrono::seconds(1); /* after the system refused */
 constexpr auto kLastReplies = std::chrono::milliseconds(200);
 constexpr mode_t kOwnerOnly = 0600;
-constexpr mode_t kOthersWrite = S_IWGRP | S_IWOTH;
 
 std::string error_text()
 {
     return std::system_category().message(errno);
-}
-
-bool is_private_directory(const std::string &path)
-{
-    struct stat found;
-    return lstat(path.c_str(), &found) == 0 && S_ISDIR(found.st_mode) && found.st_uid == getuid() &&
-           (found.st_mode & 077) == 0;
-}
-
-/* A directory in which nobody else can put another socket in the place of ours, or hold our lock. */
-bool is_guarded_directory(const std::string &path)
-{
-    struct stat found;
-    if (stat(path.c_str(), &found) != 0) return true; /* what is missing is told better by bind() */
-    return (found.st_uid == getuid() || found.st_uid == 0) && (found.st_mode & kOthersWrite) == 0;
 }
 
 int open_spare()
@@ -64,13 +46,6 @@ int open_spare()
 }
 
 } // namespace
-
-std::string default_control_path()
-{
-    const char *runtime = std::getenv("XDG_RUNTIME_DIR"); // NOLINT(concurrency-mt-unsafe): nobody writes it
-    if (runtime && *runtime) return std::string(runtime) + "/nvrec.socket";
-    return "/tmp/nvrec-" + std::to_string(getuid()) + "/nvrec.socket";
-}
 
 /* What a server has while it listens. */
 struct ControlServer::Listening {
@@ -148,14 +123,7 @@ std::string ControlServer::Listening::open(const std::string &wanted)
     sockaddr_un address;
     if (!make_control_address(path, &address))
         return "a socket's path has 1 to " + std::to_string(kLongestControlPath) + " letters";
-    std::filesystem::path directory = std::filesystem::path(path).parent_path();
-    if (directory.empty()) directory = ".";
-    mkdir(directory.c_str(), 0700); /* the next calls tell whether it is there */
-    if (path == default_control_path() && !is_private_directory(directory))
-        return directory.string() + " is not a directory of this user alone";
-    if (!is_guarded_directory(directory))
-        return "others can write to the directory " + directory.string() +
-               ", and could put a socket of theirs in its place";
+    if (const std::string problem = control_directory_problem(path); !problem.empty()) return problem;
     if (!lock()) {
         taken = errno == EWOULDBLOCK;
         return taken ? "another recorder listens there" : error_text();

@@ -1,4 +1,4 @@
-/* player.cpp - see player.h: into playback and back, pages, and what is on the screen. */
+/* player.cpp - see player.h: into playback and back, and what is on the screen. */
 #include "play/player.h"
 
 #include <algorithm>
@@ -96,54 +96,6 @@ Clock::time_point Player::pass_gap(Clock::time_point now)
         wall_->terminal().print("nothing was recorded until " + time_text(plan_.base_us + next_us));
     go_to(next_us);
     return now + kGapLook;
-}
-
-int Player::pages_of(int files)
-{
-    return (files + Playback::kPlayers - 1) / Playback::kPlayers;
-}
-
-int Player::pages() const
-{
-    return pages_of(static_cast<int>(plan_.tracks.size()));
-}
-
-std::vector<size_t> Player::tracks_of(int page) const
-{
-    const auto first = static_cast<size_t>(page) * Playback::kPlayers;
-    const size_t end = std::min(first + Playback::kPlayers, playback_.tracks().size());
-    std::vector<size_t> tracks;
-    for (size_t i = first; i < end; ++i) {
-        if (playback_.tracks()[i]->opened()) tracks.push_back(i);
-    }
-    return tracks;
-}
-
-/* The next page with a file that could be opened; after the last one, the first. */
-int Player::page_after(int page) const
-{
-    do {
-        page = (page + 1) % pages();
-    } while (tracks_of(page).empty());
-    return page;
-}
-
-void Player::at_end_of_page()
-{
-    const int next = page_after(page_);
-    /* Pages of one time of day are of other cameras, and not of what comes next. */
-    const bool same_page = next == page_ || plan_.has_base;
-    if (options_.loop && same_page) {
-        playback_.seek(0);
-    } else if (!same_page && (next > page_ || options_.loop)) {
-        playback_.freeze();
-        playback_.set_position(0);
-        change_page(next);
-    } else if (!wall_->cameras().empty()) {
-        live();
-    } else {
-        done_ = true;
-    }
 }
 
 std::pair<uint32_t, uint32_t> Player::picture_size(int channel) const
@@ -298,15 +250,6 @@ void Player::on_layout()
             shown.push_back(i);
     }
     playback_.thaw(shown);
-}
-
-void Player::change_page(int page)
-{
-    playback_.freeze();
-    count_to_here();
-    page_ = page;
-    count_from_here();
-    show_files();
 }
 
 std::string Player::progress(double seconds) const

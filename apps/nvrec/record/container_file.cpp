@@ -12,6 +12,7 @@ extern "C" {
 }
 
 #include "archive/time_of_day.h"
+#include "record/container_output.h"
 
 namespace nvrec
 {
@@ -21,7 +22,6 @@ namespace
 constexpr AVRational kMicroseconds = {1, 1'000'000};
 constexpr AVRational kVideoClock = {1, 90'000};
 constexpr int kAacFrame_samples = 1024;
-constexpr int kOutputBuffer_bytes = 64 << 10;
 
 struct Setting {
     const char *name, *value;
@@ -73,61 +73,6 @@ bool set_extradata(AVCodecParameters *parameters, const std::vector<uint8_t> &by
 }
 
 } // namespace
-
-/* A file in memory that forgets what was taken out of it. */
-class ContainerFile::Output
-{
-public:
-    Output()
-        : context_(avio_alloc_context(static_cast<uint8_t *>(av_malloc(kOutputBuffer_bytes)),
-                                      kOutputBuffer_bytes, 1, this, nullptr, write, seek))
-    {
-    }
-    ~Output()
-    {
-        if (context_) av_freep(&context_->buffer);
-        avio_context_free(&context_);
-    }
-    Output(const Output &) = delete;
-    Output &operator=(const Output &) = delete;
-
-    AVIOContext *context() const { return context_; }
-    bool has_bytes() const { return !extents_.empty(); }
-    std::vector<FileChunk::Extent> take() { return std::exchange(extents_, {}); }
-
-private:
-    static int write(void *self, uint8_t *bytes, int size)
-    {
-        auto &output = *static_cast<Output *>(self);
-        auto &extents = output.extents_;
-        const bool goes_on =
-            !extents.empty() &&
-            extents.back().at + static_cast<int64_t>(extents.back().bytes.size()) == output.at_;
-        if (!goes_on) extents.push_back({output.at_, {}});
-        extents.back().bytes.insert(extents.back().bytes.end(), bytes, bytes + size);
-        output.at_ += size;
-        output.size_ = std::max(output.size_, output.at_);
-        return size;
-    }
-
-    static int64_t seek(void *self, int64_t offset, int whence)
-    {
-        auto &output = *static_cast<Output *>(self);
-        switch (whence & ~AVSEEK_FORCE) {
-        case AVSEEK_SIZE: return output.size_;
-        case SEEK_SET: break;
-        case SEEK_CUR: offset += output.at_; break;
-        case SEEK_END: offset += output.size_; break;
-        default: return AVERROR(EINVAL);
-        }
-        if (offset < 0) return AVERROR(EINVAL);
-        return output.at_ = offset;
-    }
-
-    AVIOContext *context_;
-    std::vector<FileChunk::Extent> extents_;
-    int64_t at_ = 0, size_ = 0;
-};
 
 const char *file_ending(Container container)
 {

@@ -129,4 +129,41 @@ Clock::time_point DiskWriter::heartbeat_deadline() const
     return *state_->call_began + kUnansweredLimit;
 }
 
+DiskStatus DiskWriter::State::status(Clock::time_point now) const
+{
+    DiskStatus status;
+    status.queued_bytes = queued_bytes;
+    status.queue_limit_bytes = options.most_queued_bytes;
+    Clock::time_point since = trouble_since;
+    status.state = trouble;
+    status.trouble = trouble_text;
+    if (call_began && now - *call_began >= kDiskHangsAfter) {
+        status.state = DiskState::kHangs;
+        status.trouble = "the disk does not answer";
+        since = *call_began;
+    }
+    if (status.state != DiskState::kGood) status.since_s = std::chrono::duration<double>(now - since).count();
+    return status;
+}
+
+Clock::time_point DiskWriter::State::waits_since(const OutputFile &file) const
+{
+    for (const Job &job : queue) {
+        if (job.file.get() == &file && job.bytes > 0) return job.queued_at;
+    }
+    return Clock::time_point::max();
+}
+
+DiskWriter::Leftover DiskWriter::State::leftover() const
+{
+    Leftover left;
+    for (const Job &job : queue) {
+        left.pictures += job.chunk.pictures;
+        left.bytes += job.bytes;
+        const std::string name = job.file->name + job.file->ending;
+        if (std::ranges::find(left.paths, name) == left.paths.end()) left.paths.push_back(name);
+    }
+    return left;
+}
+
 } // namespace nvrec

@@ -82,12 +82,9 @@ std::unique_ptr<Recording> Recorder::make_recording(int channel, PoolStream stre
             hooks_.gap(channel, stream_name, from_us, to_us, why);
         };
     auto recording = std::make_unique<Recording>(
-        channel, stream, options, *writer_,
-        [&terminal, channel](const std::string &line) {
-            terminal.error("channel " + std::to_string(channel) + ": " + line);
-        },
+        channel, stream, options, *writer_, [&terminal](const std::string &line) { terminal.error(line); },
         std::move(on_gap));
-    wall_->watch_thread({"the recording of channel " + std::to_string(channel) + ", " + stream_name,
+    wall_->watch_thread({"the recording of " + channel_label(channel, options.camera) + ", " + stream_name,
                          [watched = recording.get()] { return watched->heartbeat_deadline(); }});
     return recording;
 }
@@ -105,8 +102,8 @@ void Recorder::start_network(int channel, const std::string &address)
     stream.feeder = std::make_unique<Feeder>(channel, source, feed);
     FrameRoute &route = stream.recording->video();
     Feeder::Events events;
-    events.trouble = [this](int of_channel, const std::string &line) {
-        wall_->terminal().error("channel " + std::to_string(of_channel) + ", network stream: " + line);
+    events.trouble = [this, label = stream.feeder->label()](int, const std::string &line) {
+        wall_->terminal().error(label + ", network stream: " + line);
     };
     events.sink = [this, &route, live = stream.feeder->input().live()](const AccessUnit &unit,
                                                                        const StreamFacts &facts) {
@@ -230,46 +227,6 @@ void Recorder::event(int channel, const std::string &kind, const std::string &te
     hooks_.event({channel, wall_now_us(), kind, text});
 }
 
-std::vector<RecordingStatus> Recorder::recordings() const
-{
-    const bool disk_answers = writer_->status().state != DiskState::kHangs;
-    std::vector<RecordingStatus> all;
-    for (const auto &recording : main_) {
-        all.push_back(recording->status());
-        for (const NetworkStream &stream : network_) {
-            if (stream.channel == all.back().channel) all.push_back(stream.recording->status());
-        }
-    }
-    for (RecordingStatus &status : all) {
-        const bool writes = status.state == RecordingState::kRuns ||
-                            (status.state == RecordingState::kWaiting && !status.file.empty());
-        if (writes && !disk_answers) status.state = RecordingState::kFailing;
-    }
-    return all;
-}
-
-DiskStatus Recorder::disk() const
-{
-    if (!writer_) return {};
-    DiskStatus disk = writer_->status();
-    if (!index_) return disk;
-    const RetentionState retention = index_->retention_state();
-    disk.recorded_bytes = retention.total_bytes;
-    disk.oldest_us = retention.oldest_us;
-    disk.free_bytes = retention.free_bytes;
-    disk.recycled_files = retention.deleted;
-    disk.retention_trouble = retention.trouble;
-    uint64_t written = 0;
-    for (const auto &recording : main_)
-        written += recording->status().bytes;
-    for (const NetworkStream &stream : network_)
-        written += stream.recording->status().bytes;
-    const double seconds = std::chrono::duration<double>(Clock::now() - began_at_).count();
-    if (written > 0 && seconds > 0 && disk.free_bytes >= 0)
-        disk.left_h = static_cast<double>(disk.free_bytes) * seconds / static_cast<double>(written) / 3600;
-    return disk;
-}
-
 void Recorder::set_name(int channel, const std::string &name)
 {
     if (index_) index_->set_name(channel, name);
@@ -335,28 +292,6 @@ bool Recorder::finish_writer()
         line += " " + path;
     wall_->terminal().error(line);
     return false;
-}
-
-std::vector<RecordingReport> Recorder::rows() const
-{
-    std::vector<RecordingReport> rows;
-    for (const auto &recording : main_)
-        for (RecordingReport &row : recording->reports())
-            rows.push_back(std::move(row));
-    for (const NetworkStream &stream : network_)
-        rows.push_back(stream.recording->reports().front());
-    return rows;
-}
-
-void Recorder::report()
-{
-    for (const std::string &line : table_of(rows()))
-        wall_->terminal().print(line);
-}
-
-std::string Recorder::json() const
-{
-    return json_of(rows());
 }
 
 } // namespace nvrec

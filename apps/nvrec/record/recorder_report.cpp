@@ -1,0 +1,73 @@
+/* recorder_report.cpp - see recorder.h: what it says of its recordings and of the disk, now and at the end.
+ */
+#include <utility>
+
+#include "record/recorder.h"
+#include "wall/terminal.h"
+
+namespace nvrec
+{
+
+std::vector<RecordingStatus> Recorder::recordings() const
+{
+    const bool disk_answers = writer_->status().state != DiskState::kHangs;
+    std::vector<RecordingStatus> all;
+    for (const auto &recording : main_) {
+        all.push_back(recording->status());
+        for (const NetworkStream &stream : network_) {
+            if (stream.channel == all.back().channel) all.push_back(stream.recording->status());
+        }
+    }
+    for (RecordingStatus &status : all) {
+        const bool writes = status.state == RecordingState::kRuns ||
+                            (status.state == RecordingState::kWaiting && !status.file.empty());
+        if (writes && !disk_answers) status.state = RecordingState::kFailing;
+    }
+    return all;
+}
+
+DiskStatus Recorder::disk() const
+{
+    if (!writer_) return {};
+    DiskStatus disk = writer_->status();
+    if (!index_) return disk;
+    const RetentionState retention = index_->retention_state();
+    disk.recorded_bytes = retention.total_bytes;
+    disk.oldest_us = retention.oldest_us;
+    disk.free_bytes = retention.free_bytes;
+    disk.recycled_files = retention.deleted;
+    disk.retention_trouble = retention.trouble;
+    uint64_t written = 0;
+    for (const auto &recording : main_)
+        written += recording->status().bytes;
+    for (const NetworkStream &stream : network_)
+        written += stream.recording->status().bytes;
+    const double seconds = std::chrono::duration<double>(Clock::now() - began_at_).count();
+    if (written > 0 && seconds > 0 && disk.free_bytes >= 0)
+        disk.left_h = static_cast<double>(disk.free_bytes) * seconds / static_cast<double>(written) / 3600;
+    return disk;
+}
+
+std::vector<RecordingReport> Recorder::rows() const
+{
+    std::vector<RecordingReport> rows;
+    for (const auto &recording : main_)
+        for (RecordingReport &row : recording->reports())
+            rows.push_back(std::move(row));
+    for (const NetworkStream &stream : network_)
+        rows.push_back(stream.recording->reports().front());
+    return rows;
+}
+
+void Recorder::report()
+{
+    for (const std::string &line : table_of(rows()))
+        wall_->terminal().print(line);
+}
+
+std::string Recorder::json() const
+{
+    return json_of(rows());
+}
+
+} // namespace nvrec
