@@ -3,9 +3,11 @@
 
 #include <ctime>
 
+#include "controls/event_inputs.h"
 #include "overlay_board.h"
 #include "record/recording_status.h"
 #include "screen/pane_texts.h"
+#include "vboard_devices.h"
 
 using namespace nvrec;
 using namespace nvrec_test;
@@ -102,6 +104,36 @@ TEST_F(NvrecScreenStates, SignsStandInTheLowerRightCornerOneForEachThingThatIs)
         for (int x = signs.x; x < signs.right(); ++x)
             red += pixel(x, y) == pixel_of(0xF83030);
     EXPECT_GT(red, 100) << "the recording dot";
+}
+
+/* As the chips of the board's analog inputs tell it, beside another who wants motion events. */
+TEST_F(NvrecScreenStates, ThePaneOfAnAnalogInputShowsItsMotionAndItsLoss)
+{
+    wall_.add_cameras(kCameras);
+    start();
+    std::vector<int> events;
+    EventInputs plan(
+        {{2, false, true, std::chrono::seconds(5)}},
+        [&events](int channel, const std::string &, const std::string &) { events.push_back(channel); });
+    ASSERT_TRUE(plan.start(wall_));
+    auto now = Clock::now() + std::chrono::seconds(2);
+    overlay_->take_turn(now);
+    EXPECT_TRUE(overlay_->panes()->signs_of(1).empty());
+    ASSERT_EQ(vboard_ad_set_motion(1, 5), 0);
+    overlay_->take_turn(now += std::chrono::seconds(2));
+    const Rect moving = overlay_->panes()->signs_of(1);
+    EXPECT_FALSE(moving.empty());
+    EXPECT_TRUE(overlay_->panes()->signs_of(2).empty());
+    ASSERT_EQ(vboard_ad_set_loss(1, 1), 0);
+    overlay_->take_turn(now += std::chrono::seconds(2));
+    EXPECT_GT(overlay_->panes()->signs_of(1).w, moving.w) << "no signal beside motion";
+    for (const uint32_t channel : {1u, 2u}) {
+        vboard_ad_input input = {};
+        ASSERT_EQ(vboard_ad_get_input(channel, &input), 0);
+        EXPECT_GT(input.area_bits, 0u) << "watched still, after another one began: " << channel;
+    }
+    plan.take_turn(now);
+    EXPECT_EQ(events, std::vector<int>{}) << "nothing moves at the plan's camera";
 }
 
 TEST_F(NvrecScreenStates, PanesWithoutACameraHaveAQuietMarkAndRoomForTheClock)

@@ -19,8 +19,10 @@ namespace nvrec_test
 class StandInWall : public nvrec::WallControl
 {
 public:
-    /** With so many cameras, which are never opened. */
-    explicit StandInWall(int cameras = 0)
+    explicit StandInWall(int cameras = 0) { add_cameras(cameras); }
+
+    /** So many, which are never opened. */
+    void add_cameras(int cameras)
     {
         for (int channel = 0; channel < cameras; ++channel)
             cameras_.push_back(std::make_unique<nvrec::Feeder>(channel, "none", nvrec::FeedOptions()));

@@ -7,7 +7,7 @@
  *   ch03-main-20261121-140000+0100.mp4   of the first picture, the offset from UTC where it is there;
  *   ch03-main-20261121-140000-2.mkv      a number where the name was taken
  *
- * Files of other names are nobody's business. A file says how long it is, which camera's it is and when
+ * Files with other names are left alone. A file says how long it is, which camera's it is and when
  * it begins; of one that does not, as those of earlier versions, the name says when, to the second.
  *
  * Threads: the one that has the index.

@@ -6,7 +6,7 @@
  * take something else - a recording, a snapshot during playback, the camera afterwards - is made anew
  * by the recorder. Both are noted here, since the library has no call that tells.
  *
- * The library is the process's, and so are these notes. Threads: any.
+ * There is one library in a process, so there is one such table. Threads: any.
  */
 #pragma once
 

@@ -33,7 +33,7 @@ void Feeder::note_handed_on(const AccessUnit &unit, bool accepted)
 
 std::string Feeder::label() const
 {
-    return "channel " + std::to_string(channel_) + (source_.name.empty() ? "" : " (" + source_.name + ")");
+    return channel_label(channel_, source_.name);
 }
 
 /* Whatever libavformat says may hold the address that it was given. */

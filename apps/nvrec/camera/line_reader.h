@@ -7,7 +7,7 @@
  *
  * No more than 32 MB wait. Beyond that the line waits, which over TCP makes the camera wait.
  *
- * For the packet source's own sources alone. Threads: start(), take() and stop() from one.
+ * Included by packet_source*.cpp alone. Threads: start(), take() and stop() from one.
  */
 #pragma once
 

@@ -2,7 +2,7 @@
  * loss_count.h - packets that a network camera sent and that did not come. libavformat knows it from
  * their sequence numbers and tells nobody but its log, so its log is listened to.
  *
- * For the packet source's own sources alone. Threads: any.
+ * Included by packet_source*.cpp alone. Threads: any.
  */
 #pragma once
 

@@ -1,4 +1,4 @@
-/* packet_demuxer.h - what a packet source holds of libavformat. For its own sources alone. */
+/* packet_demuxer.h - what a packet source holds of libavformat. Included by packet_source*.cpp alone. */
 #pragma once
 
 #include <deque>

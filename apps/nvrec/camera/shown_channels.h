@@ -5,7 +5,7 @@
  * to 15: a layout that shows one of them takes the value that stands for all channels, and the
  * recorder then holds the frames of hidden cameras back itself.
  *
- * The library's mask is the process's, and so is this. Threads: any.
+ * There is one library in a process, so there is one such mask. Threads: any.
  */
 #pragma once
 

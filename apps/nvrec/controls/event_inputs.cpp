@@ -3,8 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <optional>
-#include <string_view>
 #include <utility>
 
 #include "nvrhal.h"
@@ -16,43 +14,7 @@ namespace
 {
 
 constexpr auto kEventPeriod = std::chrono::milliseconds(250);
-constexpr int kMotionInputsPerChip = 4;
 constexpr int kAlarmInputs = 64; /* bits of their mask */
-
-/* What the library's question about motion looks like: offsets 0, 1, 4. */
-struct MotionQuery {
-    uint8_t chip;
-    uint8_t input;
-    uint8_t unused[2];
-    uint32_t blocks; /* out: those that move */
-};
-static_assert(sizeof(MotionQuery) == 8);
-
-/* And what it takes as the part of a picture that is watched. */
-struct MotionArea {
-    uint8_t chip;
-    uint8_t input;
-    uint8_t blocks[640]; /* a bit a block */
-};
-static_assert(sizeof(MotionArea) == 642);
-
-bool watch_whole_picture(int channel)
-{
-    MotionArea area = {};
-    area.chip = static_cast<uint8_t>(channel / kMotionInputsPerChip);
-    area.input = static_cast<uint8_t>(channel % kMotionInputsPerChip);
-    std::ranges::fill(area.blocks, uint8_t{0xff});
-    return SetMotionArea(reinterpret_cast<const AdMotionArea *>(&area)) == 0;
-}
-
-std::optional<uint32_t> moving_blocks(int channel)
-{
-    MotionQuery query = {};
-    query.chip = static_cast<uint8_t>(channel / kMotionInputsPerChip);
-    query.input = static_cast<uint8_t>(channel % kMotionInputsPerChip);
-    if (GetMotionArea(reinterpret_cast<AdMotionQuery *>(&query)) != 0) return std::nullopt;
-    return query.blocks;
-}
 
 } // namespace
 
@@ -65,8 +27,8 @@ void EventInputs::set(std::vector<Watched> watched)
 {
     inputs_.clear();
     for (const Watched &one : watched) {
-        if (one.alarm && one.channel < kAlarmInputs) inputs_.push_back({one, false, false, {}});
-        if (one.motion) inputs_.push_back({one, true, false, {}});
+        if (one.alarm && one.channel < kAlarmInputs) inputs_.push_back({one, false, false, false, {}});
+        if (one.motion) inputs_.push_back({one, true, false, false, {}});
     }
     if (wall_) begin_motion();
 }
@@ -81,12 +43,12 @@ bool EventInputs::start(WallControl &wall)
 /* A board without analog inputs has no chips that look for motion. */
 void EventInputs::begin_motion()
 {
-    if (std::ranges::none_of(inputs_, &Input::is_motion)) return;
-    if (!motion_begun_) motion_begun_ = InitMotion() == 0; /* watches nothing yet */
-    for (const Input &input : inputs_) {
-        if (motion_begun_ && input.is_motion) watch_whole_picture(input.watched.channel);
+    bool missing = false;
+    for (Input &input : inputs_) {
+        input.is_watched = input.is_motion && wall_->session().motion().watch(input.watched.channel);
+        missing |= input.is_motion && !input.is_watched;
     }
-    if (!motion_begun_) wall_->terminal().warning("events: no analog input tells of motion on this board");
+    if (missing) wall_->terminal().warning("events: no analog input tells of motion on this board");
 }
 
 void EventInputs::look(Input &input, bool active, const std::string &text, Clock::time_point now)
@@ -109,8 +71,9 @@ Clock::time_point EventInputs::take_turn(Clock::time_point now)
         if (!input.is_motion) {
             look(input, alarms_told && (alarms >> input.watched.channel & 1) != 0,
                  "alarm input " + std::to_string(input.watched.channel), now);
-        } else if (motion_begun_) {
-            const uint32_t blocks = moving_blocks(input.watched.channel).value_or(0);
+        } else if (input.is_watched) {
+            const uint32_t blocks =
+                wall_->session().motion().moving_blocks(input.watched.channel).value_or(0);
             look(input, blocks > 0, std::to_string(blocks) + " blocks move", now);
         }
     }

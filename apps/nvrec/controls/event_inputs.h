@@ -1,6 +1,6 @@
 /*
  * event_inputs.h - what happens at a camera as the board tells it: its alarm input, and motion that the
- * chip of its analog input sees. Channel n has alarm input n, and input n % 4 of chip n / 4.
+ * chip of its analog input sees. Channel n has alarm input n.
  *
  * An event is told when it begins, and again while it lasts, so that what is recorded for it goes on.
  *
@@ -39,7 +39,8 @@ public:
 private:
     struct Input {
         Watched watched;
-        bool is_motion; /* or else an alarm input */
+        bool is_motion;          /* or else an alarm input */
+        bool is_watched = false; /* for motion, by a chip */
         bool active = false;
         Clock::time_point told_at;
     };
@@ -50,7 +51,6 @@ private:
     std::vector<Input> inputs_;
     const Teller on_event_;
     WallControl *wall_ = nullptr;
-    bool motion_begun_ = false;
     Clock::time_point look_at_;
 };
 

@@ -35,7 +35,7 @@ bool Health::start(WallControl &wall)
     if (watchdog_s_ == 0 && service_period_.count() == 0) return true;
     for (const auto &camera : wall.cameras()) {
         watch(
-            "the thread of channel " + std::to_string(camera->channel()),
+            "the thread of " + camera->label(),
             [feeder = camera.get()] { return feeder->heartbeat_deadline(); }, patience_);
     }
     take_turn(Clock::now());

@@ -1,8 +1,8 @@
 /*
  * indicators.h - what the recorder shows and sounds: the record lamp, the buzzer, the clock.
  *
- * The lamp blinks while something records and is lit otherwise. The buzzer sounds ten seconds for a
- * camera whose video is lost: one that ran and sends nothing for three seconds, or whose analog
+ * The lamp is dark until something records, blinks while it does and is lit afterwards. The buzzer sounds ten
+ * seconds for a camera whose video is lost: one that ran and sends nothing for three seconds, or whose analog
  * input has no signal. The clock is read once, and set from the system's when it has lost its time.
  *
  * Threads: the main one; on_unit() on the cameras'.

@@ -35,7 +35,7 @@ bool Listener::start(WallControl &wall)
     wall_ = &wall;
     const Feeder &camera = *wall.cameras()[static_cast<size_t>(options_.channel)];
     if (camera.opened() && !camera.facts().sound)
-        wall.terminal().error("channel " + std::to_string(options_.channel) + ": it comes without sound");
+        wall.terminal().error(camera.label() + ": it comes without sound");
     open_sink();
     ext_set_audio_live_channel(1, options_.channel);
     thread_ = std::thread([this] { run(); });

@@ -188,7 +188,7 @@ void Recording::take_frames()
     }
     if (held_.empty()) write_sound(INT64_MAX);
     if (const uint64_t bytes = video_.take_too_large_bytes(); bytes > 0)
-        on_error_("the " + stream_ + " stream has a frame of " + std::to_string(bytes) +
+        on_error_(label() + ": the " + stream_ + " stream has a frame of " + std::to_string(bytes) +
                   " bytes, and the frame pool takes " + std::to_string(video_.pool_limit_bytes()) +
                   " at most: it is recorded beside the pool from there on");
     look_for_trouble();

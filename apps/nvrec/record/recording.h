@@ -26,6 +26,7 @@
 #include <string>
 #include <thread>
 
+#include "camera/camera_source.h"
 #include "record/container_file.h"
 #include "record/disk_writer.h"
 #include "record/frame_route.h"
@@ -59,7 +60,8 @@ public:
 
     /**
      * @param stream    kMain or kNetwork; sound belongs to the main stream
-     * @param on_error  called from the recording's thread, and from finish()
+     * @param on_error  gets lines that begin with the camera; called from the recording's thread, and from
+     *                  finish()
      */
     Recording(int channel, PoolStream stream, const RecordOptions &options, DiskWriter &writer,
               ErrorHandler on_error, GapHandler on_gap = {});
@@ -104,6 +106,7 @@ private:
     int64_t held_before_us() const;
     RecordingPlan plan() const;
     std::string camera() const;
+    std::string label() const { return channel_label(channel_, camera()); }
     void handle(PoolFrame frame);
     void let_held_go();
     void catch_up();

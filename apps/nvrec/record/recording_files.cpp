@@ -153,7 +153,7 @@ void Recording::note_trouble(const std::string &path, const std::string &reason)
         is_new = std::exchange(said_reason_, reason) != reason;
         trouble_ = line;
     }
-    if (is_new) on_error_("not recorded: " + line);
+    if (is_new) on_error_(label() + ": not recorded: " + line);
 }
 
 /* The file at hand cannot be written. */

@@ -1,6 +1,5 @@
 /*
- * analog_inputs.h - signal and motion of the board's analog inputs: channel n is input n % 4 of
- * decoder chip n / 4. The chips watch the whole picture.
+ * analog_inputs.h - signal and motion of the board's analog inputs, for the signs in their panes.
  *
  * Threads: the main one.
  */
@@ -8,14 +7,16 @@
 
 #include <cstdint>
 
+#include "wall/motion_chips.h"
+
 namespace nvrec
 {
 
 class AnalogInputs
 {
 public:
-    /** Begin to watch for motion. @param channels  live channels */
-    void start(int channels);
+    /** Begin to watch for motion. @param channels  live channels @param chips  outlive this */
+    void start(MotionChips &chips, int channels);
 
     /** Ask the chips. */
     void look();
@@ -29,8 +30,8 @@ private:
         return channel >= 0 && channel < 32 && (mask >> channel & 1) != 0;
     }
 
-    int channels_ = 0;
-    bool watches_motion_ = false;
+    MotionChips *chips_ = nullptr;
+    int channels_ = 0;               /* those that a chip watches */
     uint32_t moving_ = 0, lost_ = 0; /* bit n = channel n */
 };
 

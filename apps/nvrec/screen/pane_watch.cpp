@@ -31,7 +31,7 @@ void PaneWatch::start(WallControl &wall, std::function<void()> changed)
     wall_ = &wall;
     changed_ = std::move(changed);
     laid_out_at_ = Clock::now();
-    analog_.start(wall.session().channels());
+    analog_.start(wall.session().motion(), wall.session().channels());
 }
 
 void PaneWatch::on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts)

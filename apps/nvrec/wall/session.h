@@ -23,6 +23,7 @@
 #include "nvrhal/limits.h"
 #include "wall/aspect.h"
 #include "wall/layout.h"
+#include "wall/motion_chips.h"
 
 namespace nvrec
 {
@@ -66,6 +67,9 @@ public:
     /** Take the pictures off the screen. Everything else runs until the process ends. */
     void stop();
 
+    /** What sees motion, for all who want it. */
+    MotionChips &motion() { return motion_; }
+
     /** The display device that the library chose. */
     int device() const;
 
@@ -90,6 +94,7 @@ private:
     std::vector<DispAttrib> panes_;
     std::vector<DispAttrib> unused_;
     std::vector<DispAttrib> placed_; /* the pictures, as the library shows them */
+    MotionChips motion_;
     AspectOptions aspect_;
     std::array<PictureShape, NVRHAL_MAX_CAMERAS> shapes_;
 };

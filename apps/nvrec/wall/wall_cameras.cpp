@@ -103,7 +103,7 @@ void Wall::make_changes()
         place->join();
         retired_.push_back(std::move(place));
         place = std::make_unique<Feeder>(change->first, change->second, options_.feed);
-        watch_thread({"the thread of channel " + std::to_string(change->first),
+        watch_thread({"the thread of " + place->label(),
                       [camera = place.get()] { return camera->heartbeat_deadline(); }});
         change = changes_.erase(change);
         if (place->source().address.empty()) {
