@@ -43,7 +43,7 @@ namespace
 constexpr char kSource[] = "audio.c";
 
 constexpr uint32_t kOutputRateHz = 48000;
-constexpr uint32_t kInputRateHz = 8000;
+constexpr uint32_t kInputRateHz = NVRHAL_SOUND_RATE_HZ;
 constexpr uint32_t kSamplesPerFrame = 2048;
 constexpr uint32_t kHdmiAudioDevice = 5;
 constexpr uint32_t kVolumeSpanDb = 90;

@@ -38,8 +38,8 @@ uint32_t enNorm_vga = 4; // 1920 x 1080 at 60 Hz
 
 // Written by start-up, by every video frame (size) and by the quality setters; read by the analog
 // front end, motion areas and format reports.
-StreamAttr major_stream[17];
-StreamAttr minor_stream[16];
+StreamAttr major_stream[NVRHAL_MAX_DECODERS];
+StreamAttr minor_stream[NVRHAL_MAX_CAMERAS];
 
 // Written by start-up only.
 uint32_t nvrhal::global_format_e;

@@ -43,7 +43,7 @@ static_assert(FBIOSET_GLOBAL_ALPHA == _IOW('F', 0x65, FbGlobalAlpha));
 static_assert(FBIOGET_GLOBAL_ALPHA == _IOR('F', 0x64, FbGlobalAlpha));
 static_assert(FBIOSET_SHOW == _IOW('F', 0x63, uint8_t));
 
-constexpr char kDevicePath[] = "/dev/fb0";
+constexpr char kDevicePath[] = FB_NODE;
 static_assert(sizeof kDevicePath <= sizeof g_osd_info.path);
 
 // The widest GUI that is shown pixel by pixel; one that exceeds both is read at half its width.

@@ -15,7 +15,6 @@ namespace vboard
 namespace
 {
 
-constexpr uint32_t kLines = 128;
 constexpr size_t kMostChanges = 4096;
 constexpr int kNoOutput = -1;
 
@@ -35,7 +34,7 @@ public:
     int level(uint32_t line)
     {
         const std::lock_guard guard(mutex_);
-        return line < kLines ? levels_[line] : kNoOutput;
+        return line < VBOARD_GPIO_LINES ? levels_[line] : kNoOutput;
     }
 
     uint32_t count()
@@ -58,7 +57,8 @@ protected:
         const auto *line = static_cast<const GpioLine *>(argument);
         const uint32_t request = static_cast<uint32_t>(code);
         if (request != GPIO_CONFIGURE_OUTPUT && request != GPIO_DRIVE) return refuse_request(code);
-        if (line == nullptr || line->line >= kLines) return refuse_argument("there are lines 0 to 127");
+        if (line == nullptr || line->line >= VBOARD_GPIO_LINES)
+            return refuse_argument("there are lines 0 to 127");
         const std::lock_guard guard(mutex_);
         const bool configures = request == GPIO_CONFIGURE_OUTPUT;
         if (!configures && levels_[line->line] == kNoOutput)
@@ -72,7 +72,7 @@ protected:
 
 private:
     std::mutex mutex_; // guards all below
-    std::array<int, kLines> levels_;
+    std::array<int, VBOARD_GPIO_LINES> levels_;
     std::vector<vboard_gpio_change> changes_;
     uint32_t count_ = 0;
 };

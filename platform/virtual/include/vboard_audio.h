@@ -37,6 +37,8 @@ typedef struct vboard_audio_stat {
     uint64_t ran_dry;                  /* times nothing was left to play, the end of a sound included */
 } vboard_audio_stat;
 
+#define VBOARD_AUDIO_DEVICES 8 /* numbered from 0 */
+
 /** Read a device's state. 0, or -1. */
 int vboard_audio_get_stat(uint32_t device, vboard_audio_stat *stat);
 

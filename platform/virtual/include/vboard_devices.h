@@ -67,6 +67,8 @@ void vboard_rtc_fail_battery(void);
 
 /* --------------------------------------------------------------------------- the output lines --- */
 
+#define VBOARD_GPIO_LINES 128 /* numbered from 0 */
+
 /** One change of an output line of "/dev/ms_gpio". */
 typedef struct vboard_gpio_change {
     int64_t time_us;     /* board clock                                        */

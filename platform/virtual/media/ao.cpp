@@ -37,7 +37,7 @@ template <typename Step> int32_t with_channel(uint32_t number, uint32_t channel,
 
 void ao_reset()
 {
-    for (uint32_t number = 0; number < kAudioDevices; ++number)
+    for (uint32_t number = 0; number < VBOARD_AUDIO_DEVICES; ++number)
         audio_device(number)->reset();
 }
 

@@ -289,11 +289,11 @@ void AudioDevice::reset()
 AudioDevice *audio_device(uint32_t number)
 {
     // Never freed: the sound card's thread may come in until the process ends.
-    static AudioDevice *const devices[kAudioDevices] = {
+    static AudioDevice *const devices[VBOARD_AUDIO_DEVICES] = {
         new AudioDevice(0), new AudioDevice(1), new AudioDevice(2), new AudioDevice(3),
         new AudioDevice(4), new AudioDevice(5), new AudioDevice(6), new AudioDevice(7),
     };
-    return number < kAudioDevices ? devices[number] : nullptr;
+    return number < VBOARD_AUDIO_DEVICES ? devices[number] : nullptr;
 }
 
 } // namespace vboard

@@ -32,8 +32,6 @@
 namespace vboard
 {
 
-constexpr uint32_t kAudioDevices = 8;
-
 class AudioDevice
 {
 public:
@@ -95,7 +93,7 @@ private:
     uint64_t power_ons_ = 0; // a sender that waits finds out that the power went
 };
 
-/* Device 0 to kAudioDevices - 1; null beyond. */
+/* Device 0 to VBOARD_AUDIO_DEVICES - 1; null beyond. */
 AudioDevice *audio_device(uint32_t number);
 
 } // namespace vboard

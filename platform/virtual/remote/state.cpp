@@ -16,9 +16,7 @@ namespace
 using nlohmann::json;
 
 constexpr int32_t kDevices[] = {-1, 0, 1, 2};
-constexpr uint32_t kAudioDevices = 8;
 constexpr uint32_t kLevelWindow_ms = 300;
-constexpr uint32_t kGpioLines = 128;
 
 json clock_state()
 {
@@ -74,13 +72,14 @@ json displays_state()
     return displays;
 }
 
-const char *codec_name(uint32_t codec)
+json codec_name(uint32_t codec)
 {
     switch (codec) {
+    case MI_VDEC_CODEC_H264: return "h264";
     case MI_VDEC_CODEC_H265: return "h265";
     case MI_VDEC_CODEC_JPEG: return "jpeg";
-    default: return "h264";
     }
+    return nullptr; // the board creates no decoder of another one
 }
 
 json decoders_state()
@@ -118,7 +117,7 @@ json decoders_state()
 json audio_state()
 {
     json devices = json::array();
-    for (uint32_t number = 0; number < kAudioDevices; ++number) {
+    for (uint32_t number = 0; number < VBOARD_AUDIO_DEVICES; ++number) {
         vboard_audio_stat audio = {};
         if (vboard_audio_get_stat(number, &audio) != 0 || audio.enabled == 0) continue;
         vboard_audio_level level = {VBOARD_AUDIO_SILENCE_DBFS, VBOARD_AUDIO_SILENCE_DBFS};
@@ -164,7 +163,7 @@ json rtc_state()
 json gpio_state()
 {
     json lines = json::array();
-    for (uint32_t line = 0; line < kGpioLines; ++line)
+    for (uint32_t line = 0; line < VBOARD_GPIO_LINES; ++line)
         if (const int level = vboard_gpio_level(line); level >= 0)
             lines.push_back({{"line", line}, {"level", level}});
     return lines;
