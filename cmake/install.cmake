@@ -107,6 +107,8 @@ install(DIRECTORY platform/skeleton conformance DESTINATION ${shared_data} COMPO
 install(FILES docs/abi.md docs/installing.md docs/porting.md docs/third-party.md docs/writing-a-recorder.md
   DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT manuals)
 if(TARGET nvrec)
+  file(GLOB recorder_pages CONFIGURE_DEPENDS docs/recorder-*.md)
+  install(FILES ${recorder_pages} DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT manuals)
   install(FILES docs/nvrec.toml DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT manuals)
   install(FILES apps/nvrec/service/nvrec.bash RENAME nvrec
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT runtime)

@@ -34,9 +34,11 @@ suspects() {
         find "${places[@]}" -type f "${kinds[@]}" | grep -iE "$loose"
     } | sort -u
 }
-places=(README.md ARCHITECTURE.md docs include src platform apps examples tests tools bench cmake)
+places=(README.md ARCHITECTURE.md demo.sh test.sh docs include src platform apps conformance examples tests tools bench
+    cmake debian python)
 kinds=(\( -name '*.md' -o -name '*.h' -o -name '*.c' -o -name '*.cpp' -o -name '*.sh' -o -name '*.py' -o -name '*.cmake'
-    -o -name '*.txt' \) ! -name check_words.sh ! -path "$page")
+    -o -name '*.txt' -o -name '*.js' -o -name '*.html' -o -name '*.css' -o -name '*.1' -o -name '*.7' -o -name '*.yaml'
+    -o -name '*.toml' -o -name '*.json' -o -name '*.inc' \) ! -name check_words.sh ! -path "$page")
 
 found=0
 while read -r file; do

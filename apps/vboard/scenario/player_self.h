@@ -1,4 +1,5 @@
-/* player_self.h - what one playing of a scenario knows and does; see player.h. For its own sources alone. */
+/* player_self.h - what one playing of a scenario knows and does; see player.h. Included by player*.cpp alone.
+ */
 #ifndef VBOARD_APP_SCENARIO_PLAYER_SELF_H
 #define VBOARD_APP_SCENARIO_PLAYER_SELF_H
 
