@@ -174,6 +174,9 @@ TEST(StatusFormats, ForPrometheusAreWellFormedWhateverTheNames)
         "nvrec_decoder_frames_discarded_total{camera=\"yard \\\"1\\\" \\\\ a\",channel=\"0\"} 12\n",
         "nvrec_disk_up 0\n",
         "nvrec_disk_left_seconds 3600\n",
+        "nvrec_camera_last_error{camera=\"yard \\\"1\\\" \\\\ a\",channel=\"0\",error=\"cannot open: "
+        "Connection refused\"} 1\n",
+        "nvrec_retention_up 1\n",
         "nvrec_board_line_level{line=\"28 buzzer\"} 1\n",
     };
     for (const char *line : lines)
@@ -214,7 +217,8 @@ TEST(StatusPageToken, IsWantedWhereThereIsOne)
     const StatusPage open({"127.0.0.1", 80, false, ""}, {});
     for (const char *own : {"127.0.0.1:80", "localhost", "localhost:80", "[::1]:80"})
         EXPECT_TRUE(open.admits(own, "", "")) << own;
-    for (const char *other : {"", "example.org", "example.org:80", "localhost.example.org", "[::2]:80", "["})
+    for (const char *other : {"", "example.org", "example.org:80", "localhost.example.org", "[::2]:80", "[",
+                              "127.example.org", "127.0.0.1.example.org:80", "128.0.0.1", "127.1"})
         EXPECT_FALSE(open.admits(other, "", "")) << other << ": a web page that leads here by its own name";
     const StatusPage closed({"0.0.0.0", 80, false, "0123456789abcdef"}, {});
     EXPECT_TRUE(closed.admits("example.org", "Bearer 0123456789abcdef", ""));

@@ -205,6 +205,38 @@ void add_cameras(Page *page, const RecorderStatus &status)
     }
 }
 
+/* A text is no number: it stands as a label, of a row that is there while there is a text. */
+void add_errors(Page *page, const RecorderStatus &status)
+{
+    page->begin("nvrec_camera_last_error", "gauge", "What went wrong last with the camera, as a label.");
+    for (const CameraLine &line : status.cameras) {
+        if (!line.status.last_error.empty())
+            page->add(labels_of(line) + ",error=\"" + label_text(line.status.last_error) + "\"", 1);
+    }
+    page->begin("nvrec_recording_last_error", "gauge",
+                "What went wrong last with the recording, as a label.");
+    for (const CameraLine &line : status.cameras) {
+        for (const RecordingStatus &one : line.recordings) {
+            if (one.last_error.empty()) continue;
+            page->add(labels_of(line) + ",stream=\"" + label_text(one.stream) + "\",error=\"" +
+                          label_text(one.last_error) + "\"",
+                      1);
+        }
+    }
+}
+
+void add_retention(Page *page, const ArchiveStatus &archive)
+{
+    page->single("nvrec_retention_up", "gauge", "1 while retention can do what it is told.",
+                 archive.trouble.empty() ? 1 : 0);
+    if (archive.limit_bytes > 0)
+        page->single("nvrec_retention_limit_bytes", "gauge", "What all recordings may take.",
+                     static_cast<double>(archive.limit_bytes));
+    if (archive.limit_age_s > 0)
+        page->single("nvrec_retention_limit_seconds", "gauge", "How old recordings may get.",
+                     static_cast<double>(archive.limit_age_s));
+}
+
 void add_disk(Page *page, const RecorderStatus &status)
 {
     if (status.disk) {
@@ -228,6 +260,7 @@ void add_disk(Page *page, const RecorderStatus &status)
                      static_cast<double>(status.archive->oldest_us) / kMicrosecondsInOne);
     page->single("nvrec_archive_deleted_files_total", "counter", "Recordings that made room for others.",
                  number(status.archive->deleted));
+    add_retention(page, *status.archive);
 }
 
 } // namespace
@@ -240,6 +273,7 @@ std::string status_metrics(const RecorderStatus &status)
              1);
     page.single("nvrec_uptime_seconds", "gauge", "Time since the recorder's screen stood.", status.up_s);
     add_cameras(&page, status);
+    add_errors(&page, status);
     add_disk(&page, status);
     page.begin("nvrec_board_line_level", "gauge", "Level of an output line of the board, 1 = high.");
     for (const BoardRow &row : status.board) {

@@ -9,6 +9,7 @@
 
 #include <arpa/inet.h>
 #include <microhttpd.h>
+#include <netinet/in.h>
 
 #include "wall/exit_code.h"
 #include "wall/terminal.h"
@@ -31,12 +32,15 @@ bool is_same_token(const std::string &one, const std::string &other)
     return different == 0;
 }
 
+/* A name that only begins like an address, "127.example.org", may lead anywhere. */
 bool is_loopback_name(std::string_view host)
 {
     const bool bracketed = host.starts_with('[');
     const size_t end = bracketed ? host.find(']') + 1 : std::min(host.find(':'), host.size());
-    const std::string_view name = host.substr(0, end);
-    return name == "localhost" || name == "[::1]" || name.starts_with("127.");
+    const std::string name(host.substr(0, end));
+    if (name == "localhost" || name == "[::1]") return true;
+    in_addr address = {};
+    return inet_pton(AF_INET, name.c_str(), &address) == 1 && ntohl(address.s_addr) >> 24 == IN_LOOPBACKNET;
 }
 
 std::string field(MHD_Connection *connection, MHD_ValueKind kind, const char *name)
