@@ -4,7 +4,7 @@ pkg_check_modules(NVREC_FREETYPE REQUIRED IMPORTED_TARGET freetype2)
 nvrhal_test(nvrec_overlay_test
   ${CMAKE_CURRENT_LIST_DIR}/overlay_states_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/overlay_test.cpp
-  LIBS nvrec_run nvrec_pieces PkgConfig::NVREC_FREETYPE LABEL nvrec TIMEOUT 120)
+  LIBS nvrec_run nvrec_pieces vboard PkgConfig::NVREC_FREETYPE LABEL nvrec TIMEOUT 120)
 
 nvrhal_test(nvrec_overlay_wall_test
   ${CMAKE_CURRENT_LIST_DIR}/overlay_wall_test.cpp

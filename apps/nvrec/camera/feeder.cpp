@@ -101,10 +101,22 @@ void Feeder::join()
     if (const auto second = sub()) second->join();
 }
 
+void Feeder::hang_up()
+{
+    input_.close();
+    if (const auto second = sub()) second->hang_up();
+}
+
+void Feeder::go_on_from(const Feeder &before)
+{
+    const int64_t epoch_us = before.input_epoch_us_.load();
+    if (input_.live() && epoch_us != 0) input_.set_epoch_us(epoch_us);
+}
+
 void Feeder::run()
 {
     if (!open_tried_) {
-        set_heartbeat_deadline(Clock::now() + options_.open_limit);
+        note_opening();
         open();
         started_at_ = Clock::now();
     }
@@ -225,7 +237,7 @@ bool Feeder::reconnect(const std::string &why)
     report(why + "; connecting again");
     std::string told; /* a line a reason: a camera may be away for weeks */
     while (wait_until(Clock::now() + pause)) {
-        set_heartbeat_deadline(Clock::now() + options_.open_limit);
+        note_opening();
         if (input_.open(options_.open_limit)) {
             opened_.store(true);
             note_facts();
@@ -279,6 +291,14 @@ void Feeder::pace(const AccessUnit &unit)
     wait_until(std::max(when, Clock::now())); /* a deadline in the past would look like a thread that hangs */
     paced_due_us_ = unit.due_us;
     paced_at_ = Clock::now();
+}
+
+/* The limit does not hold for the system's resolver, which asks each name server twice. */
+void Feeder::note_opening()
+{
+    constexpr auto kNameLimit = std::chrono::seconds(30);
+    set_heartbeat_deadline(Clock::now() + options_.open_limit +
+                           (input_.live() ? kNameLimit : std::chrono::seconds(0)));
 }
 
 void Feeder::set_heartbeat_deadline(Clock::time_point when)

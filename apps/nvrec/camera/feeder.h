@@ -99,6 +99,12 @@ public:
     void ask_to_stop();
     void join();
 
+    /** Behind join(): end the camera's session, so that its successor gets one. */
+    void hang_up();
+
+    /** Before start(): the times of a network camera go on from those of the one that it follows. */
+    void go_on_from(const Feeder &before);
+
     int channel() const { return channel_; }
     const Input &input() const { return input_; }
     bool opened() const { return opened_.load(); }
@@ -161,6 +167,7 @@ private:
     void note_handed_on(const AccessUnit &unit, bool accepted);
     void report(const std::string &line);
     void set_heartbeat_deadline(Clock::time_point when);
+    void note_opening();
     bool stopping() const { return stop_.load(std::memory_order_relaxed); }
 
     const int channel_;

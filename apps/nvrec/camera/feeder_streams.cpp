@@ -213,7 +213,7 @@ bool Feeder::wait_while_idle()
     }
     if (stopping()) return false;
     meter_.begin_again();
-    set_heartbeat_deadline(Clock::now() + options_.open_limit);
+    note_opening();
     if (input_.open(options_.open_limit)) return true;
     return !stopping() && reconnect(input_.error());
 }

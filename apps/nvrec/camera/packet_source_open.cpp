@@ -112,7 +112,7 @@ std::string PacketSource::reason_of(int av_code) const
     std::string reason = text_of(av_code);
     if (live_ && av_code == AVERROR_EXIT && !interrupted()) reason = "no answer in time";
     if (live_ && av_code == AVERROR_INVALIDDATA) reason = "what answers there does not speak RTSP";
-    if (live_ && av_code == AVERROR(EIO)) {
+    if (live_ && av_code == AVERROR(EIO) && !interrupted()) { /* to ask for a name may take half a minute */
         const std::string problem = name_problem(host_of(address_));
         if (!problem.empty()) reason = problem;
     }

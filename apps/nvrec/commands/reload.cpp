@@ -104,7 +104,23 @@ void Reload::take(const config::Config &fresh)
     if (!(fresh.status == running_.status)) needs_restart("status");
     if (fresh.channels() > static_cast<int>(channels_.size()) || !(fresh.board == running_.board))
         needs_restart("board");
-    running_ = fresh;
+    note_taken(fresh);
+}
+
+/* What needs a restart is not taken up, and is said again by the next reload. */
+void Reload::note_taken(const config::Config &fresh)
+{
+    config::Config running = fresh;
+    running.log.file = running_.log.file;
+    if (!takers_.retention) running.retention = running_.retention;
+    running.screen = running_.screen;
+    running.screen.layout = fresh.screen.layout;
+    running.record = running_.record;
+    running.sound = running_.sound;
+    running.control = running_.control;
+    running.status = running_.status;
+    running.board = running_.board;
+    running_ = std::move(running);
 }
 
 void Reload::take_cameras(const config::Config &fresh)
@@ -156,7 +172,9 @@ void Reload::change(int channel, const config::Camera &to)
         wall_->set_aspect(channel, aspect_of(to));
         tell(name + ": its aspect was taken up");
     }
+    const config::Plan plan = takers_.plan ? to.plan : from.plan;
     from = to;
+    from.plan = plan;
 }
 
 void Reload::add(const config::Camera &camera)

@@ -59,6 +59,7 @@ private:
     void change(int channel, const config::Camera &to);
     void add(const config::Camera &camera);
     void take_screen(const config::Config &fresh);
+    void note_taken(const config::Config &fresh);
     void tell(const std::string &line);
     void needs_restart(const std::string &what);
 

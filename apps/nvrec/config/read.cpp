@@ -12,6 +12,7 @@
 #include "nvrhal/limits.h"
 #include "wall/layout.h"
 #include "wall/session.h"
+#include "wall/text.h"
 
 namespace nvrec::config
 {
@@ -29,6 +30,14 @@ constexpr Choice<Kind> kKinds[] = {{"mp4", Kind::kMp4}, {"mkv", Kind::kMkv}};
 constexpr Choice<Level> kLevels[] = {
     {"error", Level::kError}, {"warning", Level::kWarning}, {"info", Level::kInfo}, {"debug", Level::kDebug}};
 constexpr Choice<const char *> kLanguages[] = {{"en", "en"}, {"zh", "zh"}};
+
+/* The parser's own words may hold a piece of the text. */
+bool tells_a_secret(const std::string &text)
+{
+    const std::string small = small_letters(text);
+    return small.find("password") != std::string::npos || small.find("token") != std::string::npos ||
+           (small.find("://") != std::string::npos && small.find('@') != std::string::npos);
+}
 
 /* The tables of one file, in the order in which docs/nvrec.toml has them. */
 class Reader
@@ -100,7 +109,8 @@ Reading Reader::read()
     }
     const Parsed parsed = parse_toml(file.text);
     if (!parsed.error.empty()) {
-        faults_.push_back({path_, parsed.line, "", parsed.error});
+        faults_.push_back(
+            {path_, parsed.line, "", tells_a_secret(file.text) ? "it is not TOML" : parsed.error});
         return {config_, faults_};
     }
     TableReader root(&parsed.root, "", path_, &faults_);

@@ -43,7 +43,7 @@ bool Recorder::start(WallControl &wall)
 
 void Recorder::start_writer()
 {
-    began_at_ = Clock::now();
+    rate_.note(Clock::now(), 0);
     if (options_.index) {
         index_ = std::make_unique<RecorderIndex>(
             options_.record.directory, options_.names,
@@ -131,6 +131,11 @@ void Recorder::on_unit(int channel, const AccessUnit &unit, const StreamFacts &f
     if (options_.feed.as_fast_as_can) route.wait_for_reader();
 }
 
+void Recorder::on_camera_changed(int channel)
+{
+    if (static_cast<size_t>(channel) < main_.size()) main_[static_cast<size_t>(channel)]->end_camera();
+}
+
 void Recorder::on_audio(int channel, const SoundBlock &block)
 {
     if (static_cast<size_t>(channel) >= main_.size()) return;
@@ -149,6 +154,7 @@ void Recorder::on_sound_packet(int channel, const SoundPacket &packet)
 
 Clock::time_point Recorder::take_turn(Clock::time_point now)
 {
+    rate_.note(now, written_bytes());
     tell_lines();
     tell_disk();
     if (wall_->recording() != anything_runs()) wall_->set_recording(anything_runs());

@@ -25,6 +25,7 @@
 
 #include "nvrhal/limits.h"
 #include "record/disk_writer.h"
+#include "record/recent_rate.h"
 #include "record/recorder_index.h"
 #include "record/recording.h"
 #include "record/recording_status.h"
@@ -57,6 +58,7 @@ public:
     ~Recorder() override;
 
     bool start(WallControl &wall) override;
+    void on_camera_changed(int channel) override;
     void on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts) override;
     void on_audio(int channel, const SoundBlock &block) override;
     void on_sound_packet(int channel, const SoundPacket &packet) override;
@@ -98,6 +100,7 @@ private:
 
     void start_writer();
     std::vector<RecordingReport> rows() const;
+    uint64_t written_bytes() const;
     std::unique_ptr<Recording> make_recording(int channel, PoolStream stream);
     void start_network(int channel, const std::string &address);
     void tell_lines();
@@ -110,7 +113,7 @@ private:
     RecorderHooks hooks_;
     std::unique_ptr<RecorderIndex> index_; /* outlives the writer, which calls it */
     std::unique_ptr<DiskWriter> writer_;
-    Clock::time_point began_at_;
+    RecentRate rate_;                              /* of bytes written */
     std::vector<std::unique_ptr<Recording>> main_; /* by channel */
     std::vector<NetworkStream> network_;
     std::atomic<int> network_running_ = 0; /* feeders not at their end */

@@ -7,6 +7,12 @@
 
 namespace nvrec
 {
+namespace
+{
+
+constexpr double kSecondsOfAnHour = 3600;
+
+} // namespace
 
 std::vector<RecordingStatus> Recorder::recordings() const
 {
@@ -37,15 +43,20 @@ DiskStatus Recorder::disk() const
     disk.free_bytes = retention.free_bytes;
     disk.recycled_files = retention.deleted;
     disk.retention_trouble = retention.trouble;
+    const std::optional<double> rate = rate_.per_s(Clock::now(), written_bytes());
+    if (rate.value_or(0) > 0 && disk.free_bytes >= 0)
+        disk.left_h = static_cast<double>(disk.free_bytes) / *rate / kSecondsOfAnHour;
+    return disk;
+}
+
+uint64_t Recorder::written_bytes() const
+{
     uint64_t written = 0;
     for (const auto &recording : main_)
         written += recording->status().bytes;
     for (const NetworkStream &stream : network_)
         written += stream.recording->status().bytes;
-    const double seconds = std::chrono::duration<double>(Clock::now() - began_at_).count();
-    if (written > 0 && seconds > 0 && disk.free_bytes >= 0)
-        disk.left_h = static_cast<double>(disk.free_bytes) * seconds / static_cast<double>(written) / 3600;
-    return disk;
+    return written;
 }
 
 std::vector<RecordingReport> Recorder::rows() const

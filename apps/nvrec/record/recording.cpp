@@ -128,6 +128,12 @@ void Recording::begin_anew(const std::string &camera)
     anew_ = true;
 }
 
+void Recording::end_camera()
+{
+    camera_ended_ = true;
+    event_->set();
+}
+
 std::string Recording::camera() const
 {
     const std::scoped_lock guard(lock_);
@@ -191,9 +197,24 @@ void Recording::take_frames()
         on_error_(label() + ": the " + stream_ + " stream has a frame of " + std::to_string(bytes) +
                   " bytes, and the frame pool takes " + std::to_string(video_.pool_limit_bytes()) +
                   " at most: it is recorded beside the pool from there on");
+    if (camera_ended_.exchange(false)) forget_camera();
     look_for_trouble();
     catch_up();
     note_state();
+}
+
+/* The next one may send other sound, and begins with a key frame. */
+void Recording::forget_camera()
+{
+    waiting_for_sound_ = sound_is_known_ = false;
+    let_held_go();
+    held_.clear();
+    write_sound(INT64_MAX);
+    end_file();
+    early_sound_.clear();
+    sent_sound_ = nullptr;
+    sent_taken_ = alaw_taken_ = 0;
+    waits_for_key_ = anew_ = true;
 }
 
 /* What the record key or an event asked for while no picture came. */

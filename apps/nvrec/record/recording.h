@@ -88,6 +88,8 @@ public:
     /** The next key frame begins a file: what comes from now on is another camera's, of that name. */
     void begin_anew(const std::string &camera);
     void set_plan(const RecordingPlan &plan);
+    /** What was put last is the last of that camera, or of that line to it: its file ends. */
+    void end_camera();
 
     RecordingStatus status() const;
     bool runs() const { return state() == RecordingState::kRuns; }
@@ -100,6 +102,7 @@ public:
 private:
     void run();
     void take_frames();
+    void forget_camera();
     bool is_wanted(int64_t wall_us) const;
     RecordingState state() const;
     bool waits_for_sound(const PoolFrame &frame);
@@ -143,6 +146,7 @@ private:
     const std::shared_ptr<OutputTally> tally_ = std::make_shared<OutputTally>();
 
     std::atomic<bool> closing_ = false;
+    std::atomic<bool> camera_ended_ = false;
     std::atomic<bool> anew_ = false;             /* the next key frame begins a file */
     std::atomic<bool> sends_recordable_ = false; /* the camera's sound, as it is */
     std::atomic<RecordOrder> order_ = RecordOrder::kAsPlanned;

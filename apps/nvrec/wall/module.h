@@ -191,6 +191,10 @@ public:
     /** Width and height of the picture that it shows on a channel instead of the camera's; zeros = none. */
     virtual std::pair<uint32_t, uint32_t> picture_size(int /*channel*/) const { return {0, 0}; }
 
+    /** A channel has another camera, another line to it, or none: nothing of the one before comes any more.
+     */
+    virtual void on_camera_changed(int /*channel*/) {}
+
     /** Someone at the screen wants to end while something records. @return true = he is asked. */
     virtual bool ask_whether_to_end() { return false; }
 

@@ -46,6 +46,12 @@ void ModuleList::before_last_pictures()
         modules_[i]->before_last_pictures();
 }
 
+void ModuleList::on_camera_changed(int channel)
+{
+    for (size_t i = 0; i < started_; ++i)
+        modules_[i]->on_camera_changed(channel);
+}
+
 void ModuleList::offer(const std::function<bool(Module &)> &taken)
 {
     std::vector<Module *> order;

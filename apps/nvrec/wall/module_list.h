@@ -35,6 +35,7 @@ public:
     void before_layout();
     void on_layout();
     void before_last_pictures();
+    void on_camera_changed(int channel);
 
     /** Offer it by layer, and in a layer to the module added last. */
     void key(Key key);

@@ -101,8 +101,11 @@ void Wall::make_changes()
             continue;
         }
         place->join();
-        retired_.push_back(std::move(place));
-        place = std::make_unique<Feeder>(change->first, change->second, options_.feed);
+        place->hang_up();
+        modules_.on_camera_changed(change->first);
+        auto camera = std::make_unique<Feeder>(change->first, change->second, options_.feed);
+        camera->go_on_from(*place);
+        retired_.push_back(std::exchange(place, std::move(camera)));
         watch_thread({"the thread of " + place->label(),
                       [camera = place.get()] { return camera->heartbeat_deadline(); }});
         change = changes_.erase(change);
