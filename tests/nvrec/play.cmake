@@ -2,6 +2,7 @@
 
 nvrhal_test(nvrec_play_seek_test
   ${CMAKE_CURRENT_LIST_DIR}/play_seek_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/playback_track_test.cpp
   LIBS nvrec_run nvrec_pieces LABEL nvrec TIMEOUT 60)
 target_compile_definitions(nvrec_play_seek_test PRIVATE NVREC_CLIPS="${nvrec_clips}")
 add_dependencies(nvrec_play_seek_test nvrec_clips)
@@ -25,16 +26,28 @@ add_custom_command(OUTPUT ${play_reordered}
   VERBATIM)
 add_custom_target(nvrec_play_reordered DEPENDS ${play_reordered})
 
+# A recording of another codec.
+set(play_h265 ${STAMPED_STREAM_DIR}/play_h265.mp4)
+add_custom_command(OUTPUT ${play_h265}
+  COMMAND ffmpeg -nostdin -v error -y -r 25 -i ${STAMPED_STREAM_DIR}/play_1.h265
+    -c:v libx265 -preset ultrafast -x265-params log-level=error:keyint=25:min-keyint=25:scenecut=0:bframes=0
+    -pix_fmt yuv420p -movflags frag_keyframe+empty_moov+default_base_moof ${play_h265}
+  DEPENDS stream_play_1.h265
+  COMMENT "Encoding a recording of another codec"
+  VERBATIM)
+add_custom_target(nvrec_play_h265 DEPENDS ${play_h265})
+
+set(play_archive_test_more ${CMAKE_CURRENT_LIST_DIR}/play_days_test.cpp)
 foreach(name play_test play_archive_test snapshot_test zoom_test)
   nvrhal_test(nvrec_${name}
-    ${CMAKE_CURRENT_LIST_DIR}/${name}.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/${name}.cpp ${${name}_more}
     LIBS nvrec_run stamp LABEL nvrec TIMEOUT 120)
   target_compile_definitions(nvrec_${name} PRIVATE
     NVREC_STREAMS="${STAMPED_STREAM_DIR}" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
   add_dependencies(nvrec_${name} nvrec stream_play_0.h264 stream_play_1.h265 stream_play_camera_0.h265
     stream_play_camera_1.h264)
 endforeach()
-add_dependencies(nvrec_play_archive_test nvrec_play_reordered)
+add_dependencies(nvrec_play_archive_test nvrec_play_reordered nvrec_play_h265)
 # The zoom's arithmetic, too.
 target_link_libraries(nvrec_zoom_test PRIVATE nvrec_pieces)
 

@@ -1,59 +1,11 @@
 /* "nvrec play" of what a recorder wrote: reordered pictures, file after file, gaps, times of day. */
-#include <cstdlib>
-#include <filesystem>
-
-#include <gtest/gtest.h>
-
-#include "nvrec_run.h"
-#include "play_clips.h"
-#include "stamps.h"
+#include "play_recordings.h"
 
 namespace
 {
 
-using nvrec_test::clip;
-using nvrec_test::stamp_in;
+using namespace nvrec_test;
 using stamp::Stamp;
-
-/* The clip: 125 pictures, 25 a second, a key frame a second, of a stamp channel of its own. */
-constexpr uint32_t kRate = 25;
-constexpr uint32_t kLast = 124;
-constexpr unsigned kChannel = 20;
-
-class PlayRecordings : public testing::Test
-{
-protected:
-    void SetUp() override { setenv("TZ", "Europe/Berlin", 1); }
-
-    int play(const std::vector<std::string> &arguments)
-    {
-        std::vector<std::string> whole = {
-            NVREC_PROGRAM, "play", "--window", "off", "--log", scratch_.file("log"),
-            "--control",   "none", "--layout", "1",   "-p",    scratch_.file("seen.png")};
-        whole.insert(whole.end(), arguments.begin(), arguments.end());
-        Process process(whole);
-        const int status = process.wait();
-        words_ = process.output + process.errors;
-        return status;
-    }
-
-    std::optional<Stamp> seen() const
-    {
-        return stamp_in(read_picture(scratch_.file("seen.png")), 0, 0, 1920, 1080);
-    }
-
-    /* A recording of channel 0 that begins at that time of 2026-11-21. */
-    void put(const std::string &time, int channel = 0)
-    {
-        std::filesystem::create_directories(scratch_.file("rec"));
-        std::filesystem::copy_file(
-            clip("play_reordered.mp4"),
-            scratch_.file("rec/ch0" + std::to_string(channel) + "-main-20261121-" + time + ".mp4"));
-    }
-
-    ScratchDirectory scratch_;
-    std::string words_;
-};
 
 TEST_F(PlayRecordings, WithReorderedPicturesShowsTheOneThatASeekInAPauseAskedFor)
 {

@@ -8,6 +8,10 @@
  * jump), the files go back to a key frame and deliver what lies between it and the position at once,
  * so that the picture on the screen belongs to the position.
  *
+ * Where a file's codec is another one than its decoder was made for, time stands until the main thread
+ * has had the decoders made anew: waits_for_decoders(), then freeze(), make_decoders_fit(), a layout,
+ * thaw().
+ *
  * Threads: one playback thread delivers; all else is called from the main thread, and what both use
  * is behind one lock, held during a delivery. freeze() keeps it until thaw(): the library's layouts
  * and the playback thread stay out of each other's way.
@@ -42,10 +46,13 @@ public:
     explicit Playback(const std::vector<std::string> &files);
     ~Playback();
 
-    /** Open all files. @return how many opened; trouble is in the tracks. */
-    size_t open();
+    /** Open every track's file of a place. @return how many opened; trouble is in the tracks. */
+    size_t open(int64_t position_us = 0);
 
-    /** Start the thread, frozen. @param changed  called by it when the position has reached the end. */
+    /**
+     * Start the thread, frozen.
+     * @param changed  called by any thread when the position has reached the end, or decoders do not fit
+     */
     void start(std::function<void()> changed);
 
     /** End the thread and everything with it. */
@@ -56,6 +63,9 @@ public:
 
     /** Between freeze() and thaw(): go on from another place. */
     void set_position(int64_t position_us) { anchor(position_us); }
+
+    /** Between freeze() and thaw(): make the decoders of these tracks for what comes at the position. */
+    void make_decoders_fit(const std::vector<size_t> &tracks);
 
     /**
      * Go on after the decoders were flushed, with these files on the screen.
@@ -82,6 +92,8 @@ public:
     double speed() const { return speed_.load(); }
     /** Every shown file has been played to its end. */
     bool ended() const { return ended_.load(); }
+    /** Nothing goes on before decoders were made for another codec. */
+    bool waits_for_decoders() const { return waits_for_decoders_.load(); }
 
     const std::vector<std::unique_ptr<PlaybackTrack>> &tracks() const { return tracks_; }
 
@@ -103,6 +115,7 @@ private:
     void darken(int64_t position_us);
     void deliver(PlaybackTrack &track, bool with_sound);
     void end();
+    void ask_for_decoders();
     int64_t position_at(Clock::time_point now) const;
     void anchor(int64_t position_us);
     bool key_frames_only() const;
@@ -123,6 +136,7 @@ private:
     std::atomic<bool> paused_ = false;
     std::atomic<double> speed_ = 1.0;
     std::atomic<bool> ended_ = false;
+    std::atomic<bool> waits_for_decoders_ = false;
 };
 
 } // namespace nvrec

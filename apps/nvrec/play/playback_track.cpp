@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "camera/address.h"
+#include "camera/decoder_codec.h"
 #include "nvrhal.h"
 
 namespace nvrec
@@ -50,53 +51,76 @@ int64_t PlaybackTrack::frame_us() const
     return rate > 0 ? static_cast<int64_t>(1e6 / rate) : 0;
 }
 
+/* The last file that begins by then, or the first one. */
+size_t PlaybackTrack::file_at(int64_t position_us) const
+{
+    size_t number = plan_.files.size() - 1;
+    while (number > 0 && plan_.files[number].from_us > position_us)
+        --number;
+    return number;
+}
+
 /* Open a file of the track; nothing of it is held yet. */
 bool PlaybackTrack::open_file(size_t number)
 {
     const TrackFile &file = plan_.files[number];
-    const Codec before = facts().codec;
     auto input = std::make_unique<Input>(file.address);
     if (input->live()) return stop(shown_address(file.address) + ": it is a camera and no recording");
     input->want_sound();
     if (!input->open(kOpenLimit)) return stop(file.address + ": " + input->error());
-    if (input_ && input->facts().codec != before)
-        return stop(file.address + ": its codec is another one than before");
     input_ = std::move(input);
     file_ = number;
     return true;
 }
 
-/* At the end of a file: hold the first key frame of the next one that can be played. */
-bool PlaybackTrack::open_next_file()
+/* Hold the first key frame of the first file from a number on that can be played. */
+bool PlaybackTrack::hold_from(size_t number)
 {
-    for (size_t number = file_ + 1; number < plan_.files.size(); ++number) {
-        if (open_file(number) && hold(input_->read_key(&next_))) return true;
+    for (; number < plan_.files.size(); ++number) {
+        if (open_file(number) && take(input_->read_key(&next_))) return true;
     }
-    file_ = plan_.files.size() - 1;
     at_end_ = true;
     return false;
 }
 
-bool PlaybackTrack::hold(Input::Read result)
+/* What was read of the file at hand is held; false: it has nothing more. */
+bool PlaybackTrack::take(Input::Read result)
 {
     if (result == Input::Read::kFailed) return stop(input_->error());
     at_end_ = result != Input::Read::kUnit;
-    if (at_end_) return file_ + 1 < plan_.files.size() && open_next_file();
-    next_.due_us += plan_.files[file_].from_us;
-    next_.pts_us += plan_.files[file_].from_us;
+    if (at_end_) return false;
+    times_to_places();
     return true;
 }
 
-bool PlaybackTrack::open()
+/* The held picture's times are its file's so far. */
+void PlaybackTrack::times_to_places()
+{
+    next_.due_us += plan_.files[file_].from_us;
+    next_.pts_us += plan_.files[file_].from_us;
+}
+
+bool PlaybackTrack::open(int64_t position_us)
 {
     std::string first_trouble;
-    for (size_t number = 0; number < plan_.files.size() && !opened_; ++number) {
-        opened_ = open_file(number) && hold(input_->read_key(&next_));
+    auto try_file = [&](size_t number) {
+        opened_ = open_file(number) && take(input_->read_key(&next_));
         if (!opened_ && trouble_.empty()) stop(plan_.files[number].address + ": it holds no key frame");
         if (!opened_ && first_trouble.empty()) first_trouble = trouble_;
-    }
+    };
+    const size_t begin = file_at(position_us);
+    for (size_t number = begin; number < plan_.files.size() && !opened_; ++number)
+        try_file(number);
+    for (size_t number = begin; number > 0 && !opened_; --number)
+        try_file(number - 1);
     if (!opened_) trouble_ = first_trouble;
     return opened_;
+}
+
+void PlaybackTrack::turn_to(int64_t position_us)
+{
+    const size_t number = file_at(position_us);
+    if (!input_ || number != file_) hold_from(number);
 }
 
 bool PlaybackTrack::seek(int64_t position_us)
@@ -104,15 +128,15 @@ bool PlaybackTrack::seek(int64_t position_us)
     drop_sound(INT64_MAX);
     delivered_us_ = INT64_MIN;
     dark_ = false;
-    size_t number = plan_.files.size() - 1;
-    while (number > 0 && plan_.files[number].from_us > position_us)
-        --number;
-    if ((!input_ || number != file_) && (!open_file(number) || !hold(input_->read_key(&next_)))) return false;
+    const size_t number = file_at(position_us);
+    if ((!input_ || number != file_) && !hold_from(number)) return false;
     if (file_ != number) return true; /* what is there of it begins later */
-    at_end_ = !input_->seek(position_us - plan_.files[file_].from_us, &next_);
-    if (at_end_) return stop(input_->error());
-    next_.due_us += plan_.files[file_].from_us;
-    next_.pts_us += plan_.files[file_].from_us;
+    if (!input_->seek(position_us - plan_.files[file_].from_us, &next_)) {
+        stop(input_->error());
+        return hold_from(number + 1);
+    }
+    at_end_ = false;
+    times_to_places();
     return true;
 }
 
@@ -140,7 +164,7 @@ bool PlaybackTrack::hand_over(const AccessUnit &unit, bool double_rate) const
 {
     FrameInfo buffer = empty_buffer(decoder_);
     const size_t room = buffer.length;
-    const std::span<const uint8_t> delimiter = traits_of(input_->facts().codec).delimiter;
+    const std::span<const uint8_t> delimiter = traits_of(made_for_.value_or(facts().codec)).delimiter;
     if (unit.bytes.size() + delimiter.size() > room) return false;
     buffer.length = 0;
     append(&buffer, unit.bytes.data(), unit.bytes.size());
@@ -172,7 +196,7 @@ void PlaybackTrack::push_out(bool double_rate)
     const int64_t place_us = delivered_us_;
     for (int left = input_->held_back(); left > 0; --left) {
         wait_for_decoder(); /* its buffer is small */
-        if (!at_end_ && next_.due_us - place_us < kLeastGap_us) {
+        if (!at_end_ && decoder_fits() && next_.due_us - place_us < kLeastGap_us) {
             deliver(double_rate);
         } else if (!last_key_.bytes.empty()) {
             hand_over(last_key_, double_rate); /* stays behind itself, and is never seen */
@@ -184,6 +208,14 @@ void PlaybackTrack::push_out(bool double_rate)
 void PlaybackTrack::skip_to_key()
 {
     if (!at_end_ && !next_.key) hold(input_->read_key(&next_));
+}
+
+void PlaybackTrack::make_decoder_fit()
+{
+    const Codec codec = facts().codec;
+    match_decoder(decoder_, codec);
+    if (made_for_ != codec) last_key_ = {}; /* of the codec before */
+    made_for_ = codec;
 }
 
 void PlaybackTrack::flush() const

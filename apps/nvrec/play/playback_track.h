@@ -9,6 +9,9 @@
  * A decoder holds pictures back where a stream shows them in another order than it decodes them. The
  * picture of a place comes out when as many further ones have gone in: see push_out().
  *
+ * Files of one camera may be of different codecs: a camera was set up anew. The decoder is made for one
+ * codec; decoder_fits() says whether it takes the held picture, make_decoder_fit() makes it anew.
+ *
  * Threads: one at a time; Playback sees to it.
  */
 #pragma once
@@ -44,12 +47,18 @@ public:
     /** @param decoder  the decoder channel and display port it plays on */
     PlaybackTrack(TrackPlan plan, int decoder) : decoder_(decoder), plan_(std::move(plan)) {}
 
-    /** Open the first file and hold its first key frame. False: the reason is in trouble(). */
-    bool open();
+    /**
+     * Open the file of a place, or the nearest one that can be opened, later ones first, and hold its
+     * first key frame. False: the reason is in trouble().
+     */
+    bool open(int64_t position_us = 0);
+
+    /** Have the file of a place open, so that facts() are those of what comes there. seek() follows. */
+    void turn_to(int64_t position_us);
 
     /**
-     * Hold the last key frame at or before a place; before the first one, and in front of a gap's end,
-     * what comes there. False: the track is at its end.
+     * Hold the last key frame at or before a place; before the first one, in front of a gap's end, and
+     * where a file cannot be read, what comes there. False: the track is at its end.
      */
     bool seek(int64_t position_us);
 
@@ -64,6 +73,12 @@ public:
     bool opened() const { return opened_; }
     bool at_end() const { return at_end_; }
     int decoder() const { return decoder_; }
+
+    /** Whether the decoder was made for the codec of the held picture. True before it was made at all. */
+    bool decoder_fits() const { return !made_for_ || *made_for_ == facts().codec; }
+    /** Make it for that codec. It is bound to no pane then: a layout comes next. Main thread. */
+    void make_decoder_fit();
+
     const AccessUnit &next() const { return next_; } /* unless at_end() */
 
     /** Deliver the held picture and hold the next one. @param double_rate  ask for the fast display. */
@@ -101,9 +116,12 @@ public:
     ChannelReport report(int number) const;
 
 private:
+    size_t file_at(int64_t position_us) const;
     bool open_file(size_t number);
-    bool open_next_file();
-    bool hold(Input::Read result);
+    bool hold_from(size_t number);
+    bool take(Input::Read result);
+    bool hold(Input::Read result) { return take(result) || hold_from(file_ + 1); }
+    void times_to_places();
     bool stop(const std::string &why);
     std::vector<SoundBlock> take_sound(int64_t until_us);
     bool hand_over(const AccessUnit &unit, bool double_rate) const;
@@ -111,9 +129,10 @@ private:
 
     const int decoder_;
     const TrackPlan plan_;
-    std::unique_ptr<Input> input_; /* of the file at hand */
-    size_t file_ = 0;
-    AccessUnit next_; /* its times are places of the track */
+    std::unique_ptr<Input> input_;  /* of the file at hand */
+    size_t file_ = 0;               /* its number          */
+    std::optional<Codec> made_for_; /* what the decoder takes; nothing = whoever plays saw to it */
+    AccessUnit next_;               /* its times are places of the track */
     AccessUnit last_key_;
     int64_t delivered_us_ =
         INT64_MIN; /* place of the picture delivered last; INT64_MIN = none is on the screen */

@@ -39,7 +39,7 @@ Player::Player(const PlayerOptions &options, PlayPlan plan)
 bool Player::start(WallControl &wall)
 {
     wall_ = &wall;
-    const size_t opened = playback_.open();
+    const size_t opened = playback_.open(begin_us());
     for (size_t i = 0; i < playback_.tracks().size(); ++i) {
         const PlaybackTrack &track = *playback_.tracks()[i];
         if (track.opened()) continue;
@@ -67,6 +67,7 @@ bool Player::start(WallControl &wall)
 Clock::time_point Player::take_turn(Clock::time_point now)
 {
     if (!begun_ && !wait_) play();
+    if (playing_ && playback_.waits_for_decoders()) show_again();
     if (playing_ && playback_.ended()) {
         at_end_of_page();
         wall_->wake(); /* the wall has something to decide */
@@ -130,6 +131,7 @@ void Player::play()
     done_ = false;
     began_at_ = Clock::now();
     single_ = -1;
+    if (first) playback_.set_position(begin_us());
     if (tracks_of_page().empty()) page_ = page_after(page_);
     count_from_here();
     if (first) playback_.pause(true); /* nothing runs before it is where and as fast as it is to be */
@@ -147,10 +149,6 @@ void Player::play()
 /* False: there is nothing there, which is said, and nvrec ends. */
 bool Player::begin_where_asked()
 {
-    if (options_.at_us != 0 && plan_.has_base) {
-        go_to(options_.at_us - plan_.base_us);
-        return true;
-    }
     if (options_.seek_s <= 0) return true;
     if (playback_.ends_before(static_cast<int64_t>(options_.seek_s * 1e6))) {
         fail(kExitUsage, text("--seek %g: the recordings end before that", options_.seek_s));
@@ -169,6 +167,14 @@ void Player::show_files()
     wall_->show_layout(layout_named(options_.layout).value_or(layout_for(panes)));
 }
 
+/* What is on the screen, once more: decoders were made for other codecs and are bound to no pane. */
+void Player::show_again()
+{
+    const int alone = wall_->enlarged();
+    wall_->show_layout(wall_->layout());
+    if (alone >= 0) wall_->enlarge(alone);
+}
+
 void Player::count_from_here()
 {
     for (const size_t i : tracks_of_page())
@@ -182,12 +188,6 @@ void Player::count_to_here()
         PlaybackTrack &track = *playback_.tracks()[i];
         wall_->reporter().leave_out(track.decoder(), track.end_count());
     }
-}
-
-void Player::match_decoders_to_files()
-{
-    for (const size_t i : tracks_of_page())
-        match_decoder(playback_.tracks()[i]->decoder(), playback_.tracks()[i]->facts().codec);
 }
 
 /* Live intake knows which codec it gave a channel, and would not change it again by itself. */
@@ -234,7 +234,7 @@ void Player::before_layout()
         if (next >= 0) ext_signal_spilt_start(static_cast<uint32_t>(next));
         single_ = next;
     }
-    match_decoders_to_files();
+    playback_.make_decoders_fit(tracks_of_page());
 }
 
 void Player::on_layout()

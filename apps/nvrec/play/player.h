@@ -94,16 +94,17 @@ private:
     Clock::time_point pass_gap(Clock::time_point now);
     int pages() const;
     int page_after(int page) const;
+    int64_t begin_us() const;
     std::vector<size_t> tracks_of(int page) const;
     std::vector<size_t> tracks_of_page() const { return tracks_of(page_); }
     void at_end_of_page();
     void change_page(int page);
-    void match_decoders_to_files();
     void match_decoders_to_cameras();
     void count_from_here();
     void count_to_here();
     void hand_back();
     void show_files();
+    void show_again();
 
     const PlayerOptions options_;
     const PlayPlan plan_;

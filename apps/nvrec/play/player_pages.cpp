@@ -5,7 +5,6 @@
 
 namespace nvrec
 {
-
 int Player::pages_of(int files)
 {
     return (files + Playback::kPlayers - 1) / Playback::kPlayers;
@@ -34,6 +33,13 @@ int Player::page_after(int page) const
         page = (page + 1) % pages();
     } while (tracks_of(page).empty());
     return page;
+}
+
+/* The place at which playback begins, and begins again. */
+int64_t Player::begin_us() const
+{
+    if (options_.at_us == 0 || !plan_.has_base) return 0;
+    return std::max<int64_t>(0, options_.at_us - plan_.base_us);
 }
 
 void Player::at_end_of_page()

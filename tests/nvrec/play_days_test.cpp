@@ -1,0 +1,48 @@
+/* "nvrec play --dir" of cameras that change, come, go, and are many. */
+#include "play_recordings.h"
+
+namespace
+{
+
+using namespace nvrec_test;
+using stamp::Stamp;
+
+/* A camera was set up anew: its codec is another one from then on. */
+TEST_F(PlayRecordings, OfAnotherCodecThanTheOldestPlayFromTheirTimeOn)
+{
+    put("140500");
+    put("140505", 0, kOtherCodec);
+    ASSERT_EQ(play_at("14:05:07", {"--do", "0:pause,0.8:end"}), 0) << words_;
+    EXPECT_EQ(seen(), (Stamp{kOtherChannel, 2 * kRate}));
+}
+
+TEST_F(PlayRecordings, OfAnotherCodecFollowTheOnesBefore)
+{
+    put("140500", 0, kOtherCodec);
+    put("140505");
+    put("140510", 0, kOtherCodec);
+    ASSERT_EQ(play_at("14:05:09", {"--speed", "2"}), 0) << words_;
+    EXPECT_EQ(seen(), (Stamp{kOtherChannel, kLast})) << "the end of the last one";
+}
+
+TEST_F(PlayRecordings, OfAnotherCodecAreGoneToAndBack)
+{
+    put("140500");
+    put("140505", 0, kOtherCodec);
+    ASSERT_EQ(play_at("14:05:01", {"--do", "0:pause,0.4:skip 7,1.4:end"}), 0) << words_;
+    EXPECT_EQ(seen(), (Stamp{kOtherChannel, 3 * kRate}));
+    ASSERT_EQ(play_at("14:05:07", {"--do", "0:pause,0.4:skip -5,1.4:end"}), 0) << words_;
+    EXPECT_EQ(seen(), (Stamp{kChannel, 2 * kRate}));
+}
+
+TEST_F(PlayRecordings, OfAnotherCodecStayAloneOnTheScreen)
+{
+    put("140500");
+    put("140505", 0, kOtherCodec);
+    put("140500", 1);
+    layout_ = "2x2";
+    ASSERT_EQ(play_at("14:05:01", {"--do", "0:pause,0.3:enlarge 0,0.9:skip 7,2.2:end"}), 0) << words_;
+    EXPECT_EQ(seen(), (Stamp{kOtherChannel, 3 * kRate}));
+}
+
+} // namespace
