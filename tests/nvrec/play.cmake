@@ -70,6 +70,7 @@ add_dependencies(nvrec_play_test nvrec_play_sound)
 # The wall in one process with the test, which moves the mouse, follows the screen and steps the clock.
 nvrhal_test(nvrec_running_wall_test
   ${CMAKE_CURRENT_LIST_DIR}/mouse_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/play_line_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/play_loop_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/play_snapshot_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/single_views_test.cpp
@@ -77,5 +78,5 @@ nvrhal_test(nvrec_running_wall_test
   LIBS nvrec_run nvrec_pieces vboard stamp LABEL nvrec TIMEOUT 120)
 target_compile_definitions(nvrec_running_wall_test PRIVATE NVREC_STREAMS="${STAMPED_STREAM_DIR}"
   NVREC_CLIPS="${nvrec_clips}")
-add_dependencies(nvrec_running_wall_test nvrec_clips stream_play_0.h264 stream_play_1.h265 stream_play_camera_0.h265
-  stream_play_camera_1.h264)
+add_dependencies(nvrec_running_wall_test nvrec_clips nvrec_play_reordered stream_play_0.h264 stream_play_1.h265
+  stream_play_camera_0.h265 stream_play_camera_1.h264)

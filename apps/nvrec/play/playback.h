@@ -90,7 +90,7 @@ public:
     int64_t position_us() const;
     bool paused() const { return paused_.load(); }
     double speed() const { return speed_.load(); }
-    /** Every shown file has been played to its end. */
+    /** Every shown file has been played to its end, and not paused there. */
     bool ended() const { return ended_.load(); }
     /** Nothing goes on before decoders were made for another codec. */
     bool waits_for_decoders() const { return waits_for_decoders_.load(); }

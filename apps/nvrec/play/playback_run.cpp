@@ -96,7 +96,7 @@ void Playback::run()
     while (!quit_) {
         orders_ = false;
         PlaybackTrack *track = next_track(INT64_MAX);
-        if (!track && !shown_.empty() && !ended_) end();
+        if (!track && !shown_.empty() && !ended_ && !paused_) end();
         if (!track || paused_ || waits_for_decoders_) {
             wake_.wait(guard, changed);
             continue;

@@ -24,6 +24,13 @@ constexpr int64_t kPassedGap_us = 5'000'000;
 constexpr auto kGapShown = std::chrono::seconds(3);
 constexpr auto kGapLook = std::chrono::milliseconds(500);
 
+/* With something said of every track, be it nothing. */
+PlayPlan whole(PlayPlan plan)
+{
+    plan.recorded.resize(plan.tracks.size());
+    return plan;
+}
+
 } // namespace
 
 Player::Player(const PlayerOptions &options)
@@ -32,7 +39,7 @@ Player::Player(const PlayerOptions &options)
 }
 
 Player::Player(const PlayerOptions &options, PlayPlan plan)
-    : options_(options), plan_(std::move(plan)), playback_(plan_.tracks)
+    : options_(options), plan_(whole(std::move(plan))), playback_(plan_.tracks)
 {
 }
 
@@ -95,7 +102,7 @@ Clock::time_point Player::pass_gap(Clock::time_point now)
     gap_seen_at_ = Clock::time_point::max();
     if (plan_.has_base)
         wall_->terminal().print("nothing was recorded until " + time_text(plan_.base_us + next_us));
-    go_to(next_us);
+    playback_.seek_exactly(next_us);
     return now + kGapLook;
 }
 
@@ -113,7 +120,7 @@ std::pair<uint32_t, uint32_t> Player::picture_size(int channel) const
 void Player::play()
 {
     if (playing_) {
-        playback_.pause(false);
+        pause(false);
         return;
     }
     live_layout_ = wall_->layout();
@@ -141,7 +148,7 @@ void Player::play()
         set_speed(options_.speed);
         if (!begin_where_asked()) return;
         playback_.pause(false);
-    } else if (playback_.ended()) {
+    } else if (playback_.ended() || stands_at_end_) {
         seek(0);
     }
 }

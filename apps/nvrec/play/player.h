@@ -9,6 +9,8 @@
  * The library plays on decoder channels 0 to 7: of more files, eight make a page, and one page is on
  * the screen, then the next. A file plays on the channel of its number in its page.
  *
+ * A place behind the last recording shows its last picture, and playback stands there.
+ *
  * Keys: play, pause, stop (back to the cameras), faster (1, 2, 4 times), left and right (10 s),
  * previous (the beginning), next (the next page), enter or a double click (one picture alone).
  */
@@ -83,7 +85,10 @@ public:
     const Playback &playback() const { return playback_; }
     const PlayPlan &plan() const { return plan_; }
     int page() const { return page_; }
-    /** Go to a place, in step: every shown track shows what was there, or that there was nothing. */
+    /**
+     * Go to a place, in step: every shown track shows what was there, or that there was nothing. Behind
+     * the last recording of the page: to its last picture, and stand there until told otherwise.
+     */
     void go_to(int64_t position_us);
     /** Width and height of the file that plays on a channel; zeros = none does. */
     std::pair<uint32_t, uint32_t> picture_size(int channel) const override;
@@ -95,6 +100,7 @@ private:
     int pages() const;
     int page_after(int page) const;
     int64_t begin_us() const;
+    int64_t last_place_us() const;
     std::vector<size_t> tracks_of(int page) const;
     std::vector<size_t> tracks_of_page() const { return tracks_of(page_); }
     void at_end_of_page();
@@ -116,6 +122,8 @@ private:
     bool playing_ = false;  /* the library is in playback                               */
     bool done_ = false;     /* nothing more is to come                                  */
     bool changing_ = false; /* between before_layout and on_layout                     */
+
+    bool stands_at_end_ = false; /* because somebody went behind it */
     int page_ = 0;
     int single_ = -1; /* the channel that plays alone */
     int exit_code_ = 0;

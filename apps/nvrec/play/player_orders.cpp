@@ -1,6 +1,7 @@
 /* player_orders.cpp - see player.h: what keys, the mouse and scripts ask for. */
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "play/player.h"
 #include "wall/exit_code.h"
@@ -30,7 +31,9 @@ bool Player::is_speed(double times)
 
 void Player::pause(bool paused)
 {
-    if (playing_) playback_.pause(paused);
+    if (!playing_) return;
+    stands_at_end_ = false;
+    playback_.pause(paused);
 }
 
 void Player::seek(double position_s)
@@ -43,11 +46,20 @@ void Player::seek(double position_s)
         return;
     }
     playback_.seek(microseconds(position_s));
+    if (std::exchange(stands_at_end_, false)) playback_.pause(false);
 }
 
 void Player::go_to(int64_t position_us)
 {
-    if (playing_) playback_.seek_exactly(position_us);
+    if (!playing_) return;
+    const int64_t last_us = last_place_us();
+    const bool behind = position_us >= last_us;
+    if (behind && !playback_.paused()) {
+        playback_.pause(true);
+        stands_at_end_ = true;
+    }
+    playback_.seek_exactly(std::min(position_us, last_us));
+    if (!behind && std::exchange(stands_at_end_, false)) playback_.pause(false);
 }
 
 void Player::skip(double by_s)
@@ -55,7 +67,7 @@ void Player::skip(double by_s)
     if (!playing_) return;
     const int64_t position_us = playback_.position_us() + microseconds(by_s);
     if (plan_.has_base)
-        playback_.seek_exactly(position_us);
+        go_to(position_us);
     else
         playback_.seek(position_us);
 }

@@ -42,6 +42,17 @@ int64_t Player::begin_us() const
     return std::max<int64_t>(0, options_.at_us - plan_.base_us);
 }
 
+/* Where the recordings of the page end; INT64_MAX = that is not known. */
+int64_t Player::last_place_us() const
+{
+    int64_t last_us = INT64_MIN;
+    for (const size_t i : tracks_of_page()) {
+        for (const TimeSpan &span : plan_.recorded[i])
+            last_us = std::max(last_us, span.to_us);
+    }
+    return last_us == INT64_MIN ? INT64_MAX : last_us;
+}
+
 void Player::at_end_of_page()
 {
     const int next = page_after(page_);

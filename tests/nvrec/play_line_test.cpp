@@ -1,0 +1,148 @@
+/* The time line under the running recorder: the mouse and the keys go along recordings. */
+#include <condition_variable>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include "controls/controls.h"
+#include "nvrec_run.h"
+#include "nvrhal/input_nodes.h"
+#include "play/play_screen.h"
+#include "play/player.h"
+#include "play_clips.h"
+#include "running_wall.h"
+#include "vboard.h"
+#include "vboard_devices.h"
+
+namespace
+{
+
+using namespace nvrec;
+using nvrec_test::clip;
+using nvrec_test::RunningWall;
+
+constexpr int64_t kSecond_us = 1'000'000;
+constexpr auto kSoon = std::chrono::seconds(20); /* ends a test whose place does not come */
+
+/* Where playback is. */
+struct Whereabouts {
+    int64_t position_us = 0;
+    bool paused = false;
+};
+
+/* Tells it at every turn. */
+class Follower final : public Module
+{
+public:
+    explicit Follower(const Player &player) : player_(player) {}
+
+    bool start(WallControl &) override { return true; }
+
+    Clock::time_point take_turn(Clock::time_point now) override
+    {
+        const std::scoped_lock guard(lock_);
+        at_ = {player_.playback().position_us(), player_.playback().paused()};
+        seen_ = player_.playing();
+        changed_.notify_all();
+        return now + std::chrono::milliseconds(20);
+    }
+
+    bool wait_for(const std::function<bool(const Whereabouts &)> &holds)
+    {
+        std::unique_lock guard(lock_);
+        return changed_.wait_for(guard, kSoon, [&] { return seen_ && holds(at_); });
+    }
+
+private:
+    const Player &player_;
+    std::mutex lock_; /* guards what follows */
+    std::condition_variable changed_;
+    Whereabouts at_;
+    bool seen_ = false;
+};
+
+/* A camera of which five seconds were recorded, and five more ten minutes later. */
+class TimeLineOnTheScreen : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        PlayerOptions options;
+        for (const char *time : {"140500", "141500"}) {
+            options.files.push_back(scratch_.file("ch00-main-20261121-" + std::string(time) + ".mp4"));
+            std::filesystem::copy_file(clip("play_reordered.mp4"), options.files.back());
+        }
+        WallOptions wall;
+        wall.channels = 1;
+        wall_ = std::make_unique<RunningWall>(wall);
+        ControlOptions controls;
+        controls.socket = "none";
+        controls.watchdog_s = 0;
+        add_controls(wall_->wall(), controls);
+        auto player = std::make_unique<Player>(options);
+        PlayScreenOptions screen;
+        screen.mode = OverlayMode::kOn;
+        auto play_screen = std::make_unique<PlayScreen>(screen, *player);
+        auto follower = std::make_unique<Follower>(*player);
+        screen_ = play_screen.get();
+        follower_ = follower.get();
+        wall_->wall().add(std::move(play_screen));
+        wall_->wall().add(std::move(player));
+        wall_->wall().add(std::move(follower));
+        ASSERT_TRUE(wall_->start());
+        ASSERT_TRUE(follower_->wait_for([](const Whereabouts &) { return true; }));
+    }
+
+    void TearDown() override
+    {
+        if (!wall_) return;
+        EXPECT_EQ(wall_->end(), 0);
+    }
+
+    /* At a share of the screen's width, on the bars of the line. */
+    void move_along(double share)
+    {
+        const Rect line = screen_->time_line()->place();
+        wall_->after([&] { vboard_mouse_move(static_cast<int>(share * line.w), line.y + line.h / 2); });
+    }
+    void press_line(double share)
+    {
+        move_along(share);
+        wall_->after(
+            [] {
+                vboard_mouse_buttons(MOUSE_LEFT_DOWN);
+                vboard_mouse_buttons(0);
+            },
+            2);
+    }
+
+    bool comes_to(int64_t from_us, int64_t to_us, bool paused)
+    {
+        return follower_->wait_for([=](const Whereabouts &at) {
+            return from_us <= at.position_us && at.position_us <= to_us && at.paused == paused;
+        });
+    }
+
+    static constexpr int64_t kEnd_us = 605 * kSecond_us;
+
+    ScratchDirectory scratch_;
+    std::unique_ptr<RunningWall> wall_;
+    PlayScreen *screen_ = nullptr;
+    Follower *follower_ = nullptr;
+};
+
+/* The line shows an hour, a quarter of it before the beginning: its right end is half an hour on. */
+TEST_F(TimeLineOnTheScreen, APressBehindTheLastRecordingGoesToItsEndAndStandsThere)
+{
+    press_line(0.9);
+    ASSERT_TRUE(comes_to(kEnd_us - kSecond_us, kEnd_us, true));
+    press_line(0.2);
+    EXPECT_TRUE(comes_to(0, 4 * kSecond_us, false)) << "and from there to the beginning, where it runs";
+}
+
+} // namespace
