@@ -45,4 +45,32 @@ TEST_F(PlayRecordings, OfAnotherCodecStayAloneOnTheScreen)
     EXPECT_EQ(seen(), (Stamp{kOtherChannel, 3 * kRate}));
 }
 
+class PlayPages : public PlayRecordings
+{
+protected:
+    /* The first page's cameras. */
+    void put_eight(const std::string &time)
+    {
+        for (int channel = 0; channel < 8; ++channel)
+            put(time, channel);
+    }
+};
+
+TEST_F(PlayPages, BeginWithTheFirstThatHasSomethingFromTheTimeOn)
+{
+    put_eight("140500");
+    put("140600", 8, kOtherCodec);
+    ASSERT_EQ(play_at("14:05:30", {"--do", "0:pause,0.8:end"}), 0) << words_;
+    EXPECT_NE(words_.find("playing from 2026-11-21 14:06:00 +0100"), std::string::npos) << words_;
+    EXPECT_EQ(seen(), (Stamp{kOtherChannel, 0}));
+}
+
+TEST_F(PlayPages, FollowWhereTheOneBeforeHasNothingMore)
+{
+    put_eight("140500");
+    put("140504", 8, kOtherCodec);
+    ASSERT_EQ(play_at("14:05:04", {"--speed", "2"}), 0) << words_;
+    EXPECT_EQ(seen(), (Stamp{kOtherChannel, kLast})) << "of the ninth camera";
+}
+
 } // namespace

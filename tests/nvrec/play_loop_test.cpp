@@ -1,6 +1,7 @@
 /* "nvrec play --loop": what follows the end of the files on the screen, refresh by refresh. */
 #include <algorithm>
 #include <condition_variable>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -9,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "nvrec_run.h"
 #include "play/player.h"
 #include "play_clips.h"
 #include "running_wall.h"
@@ -52,6 +54,13 @@ public:
                 return at != stamps_.end();
             });
         });
+    }
+
+    /* Whether there was such a picture so far. */
+    bool was_there(const std::function<bool(const Stamp &)> &holds)
+    {
+        const std::scoped_lock guard(lock_);
+        return std::ranges::any_of(stamps_, holds);
     }
 
 private:
@@ -104,6 +113,31 @@ TEST(NvrecPlayLoop, BeginsAgainAtTheEnd)
     ASSERT_TRUE(wall->start());
     EXPECT_TRUE(screen.wait_for({in_the_last_second(20), before_the_last_second(20)}));
     EXPECT_EQ(wall->end(), kExitDone);
+}
+
+/* What is recorded of a time of day begins again at the time that was asked for. */
+TEST(NvrecPlayLoop, BeginsAgainAtTheTimeOfDay)
+{
+    const ScratchDirectory scratch;
+    const std::string path = scratch.file("ch00-main-20261121-140500.mp4");
+    std::filesystem::copy_file(clip("play_reordered.mp4"), path);
+    PlayerOptions player;
+    player.plan = plan_of_files({path});
+    ASSERT_TRUE(player.plan.has_base);
+    player.at_us = player.plan.base_us + static_cast<int64_t>(kLastSecond_s * 1e6);
+    player.loop = true;
+    WallOptions options;
+    options.channels = 1;
+    RunningWall wall(options);
+    wall.wall().add(std::make_unique<Player>(player));
+    Watched screen(0, 0, 1920, 1080);
+    ASSERT_TRUE(wall.start());
+    constexpr uint32_t kMiddle = kOfLastSecond + kRate / 2;
+    EXPECT_TRUE(screen.wait_for({[](const Stamp &seen) { return seen.frame > kMiddle; },
+                                 [](const Stamp &seen) { return seen.frame < kMiddle; },
+                                 [](const Stamp &seen) { return seen.frame > kMiddle; }}));
+    EXPECT_FALSE(screen.was_there(before_the_last_second(20)));
+    EXPECT_EQ(wall.end(), kExitDone);
 }
 
 /* Of the first eight files only the last is there: it plays in the eighth of nine panes. */

@@ -46,6 +46,7 @@ Player::Player(const PlayerOptions &options, PlayPlan plan)
 bool Player::start(WallControl &wall)
 {
     wall_ = &wall;
+    over_us_.assign(static_cast<size_t>(pages()), INT64_MAX);
     const size_t opened = playback_.open(begin_us());
     for (size_t i = 0; i < playback_.tracks().size(); ++i) {
         const PlaybackTrack &track = *playback_.tracks()[i];
@@ -88,7 +89,7 @@ Clock::time_point Player::pass_gap(Clock::time_point now)
 {
     const bool several = std::any_of(plan_.tracks.begin(), plan_.tracks.end(),
                                      [](const TrackPlan &track) { return track.files.size() > 1; });
-    if (!several || !playing_ || playback_.paused() || playback_.ended()) {
+    if ((!several && !plan_.has_base) || !playing_ || playback_.paused() || playback_.ended()) {
         gap_seen_at_ = Clock::time_point::max();
         return Clock::time_point::max();
     }
@@ -138,7 +139,10 @@ void Player::play()
     done_ = false;
     began_at_ = Clock::now();
     single_ = -1;
-    if (first) playback_.set_position(begin_us());
+    if (first && plan_.has_base) {
+        page_ = std::max(0, page_that_goes_on(begin_us(), 0));
+        playback_.set_position(begin_us());
+    }
     if (tracks_of_page().empty()) page_ = page_after(page_);
     count_from_here();
     if (first) playback_.pause(true); /* nothing runs before it is where and as fast as it is to be */
@@ -149,7 +153,7 @@ void Player::play()
         if (!begin_where_asked()) return;
         playback_.pause(false);
     } else if (playback_.ended() || stands_at_end_) {
-        seek(0);
+        plan_.has_base ? go_to(begin_us()) : seek(0);
     }
 }
 

@@ -9,6 +9,10 @@
  * The library plays on decoder channels 0 to 7: of more files, eight make a page, and one page is on
  * the screen, then the next. A file plays on the channel of its number in its page.
  *
+ * Files that nobody dated follow one another, page after page. Recordings of one time of day are in
+ * step on all pages: where those of a page have nothing more, playback goes on at that time on the page
+ * whose recordings do.
+ *
  * A place behind the last recording shows its last picture, and playback stands there.
  *
  * Keys: play, pause, stop (back to the cameras), faster (1, 2, 4 times), left and right (10 s),
@@ -101,6 +105,10 @@ private:
     int page_after(int page) const;
     int64_t begin_us() const;
     int64_t last_place_us() const;
+    int64_t next_recorded_us(int page, int64_t position_us) const;
+    int page_that_goes_on(int64_t position_us, int first) const;
+    bool follow_pages();
+    bool follow_time();
     std::vector<size_t> tracks_of(int page) const;
     std::vector<size_t> tracks_of_page() const { return tracks_of(page_); }
     void at_end_of_page();
@@ -125,7 +133,9 @@ private:
 
     bool stands_at_end_ = false; /* because somebody went behind it */
     int page_ = 0;
-    int single_ = -1; /* the channel that plays alone */
+    std::vector<int64_t> over_us_;       /* by page, where its recordings came to their end */
+    uint64_t sent_at_loop_ = UINT64_MAX; /* pictures, when playback began anew last */
+    int single_ = -1;                    /* the channel that plays alone */
     int exit_code_ = 0;
     double played_s_ = 0;
     Clock::time_point began_at_;

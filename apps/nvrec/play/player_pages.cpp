@@ -5,6 +5,14 @@
 
 namespace nvrec
 {
+namespace
+{
+
+/* Cameras that were recorded together end within this time of each other. */
+constexpr int64_t kWorthTurning_us = 2'000'000;
+
+} // namespace
+
 int Player::pages_of(int files)
 {
     return (files + Playback::kPlayers - 1) / Playback::kPlayers;
@@ -53,22 +61,82 @@ int64_t Player::last_place_us() const
     return last_us == INT64_MIN ? INT64_MAX : last_us;
 }
 
+/* A place, or where the recordings of a page go on after it; INT64_MAX = they do not. */
+int64_t Player::next_recorded_us(int page, int64_t position_us) const
+{
+    int64_t next_us = INT64_MAX;
+    for (const size_t i : tracks_of(page)) {
+        for (const TimeSpan &span : plan_.recorded[i]) {
+            if (span.to_us > position_us) next_us = std::min(next_us, std::max(span.from_us, position_us));
+        }
+    }
+    return next_us;
+}
+
+/* The page whose recordings go on first, of several the first from a page on; -1 = none do. */
+int Player::page_that_goes_on(int64_t position_us, int first) const
+{
+    int found = -1;
+    int64_t soonest_us = INT64_MAX;
+    for (int i = 0; i < pages(); ++i) {
+        const int page = (first + i) % pages();
+        /* It came to its end before that, whatever the index says of it. */
+        if (over_us_[static_cast<size_t>(page)] <= position_us) continue;
+        const int64_t next_us = next_recorded_us(page, position_us);
+        if (next_us >= soonest_us) continue;
+        soonest_us = next_us;
+        found = page;
+    }
+    return found;
+}
+
 void Player::at_end_of_page()
 {
-    const int next = page_after(page_);
-    /* Pages of one time of day are of other cameras, and not of what comes next. */
-    const bool same_page = next == page_ || plan_.has_base;
-    if (options_.loop && same_page) {
-        playback_.seek(0);
-    } else if (!same_page && (next > page_ || options_.loop)) {
-        playback_.freeze();
-        playback_.set_position(0);
-        change_page(next);
-    } else if (!wall_->cameras().empty()) {
+    if (plan_.has_base ? follow_time() : follow_pages()) return;
+    if (!wall_->cameras().empty())
         live();
-    } else {
+    else
         done_ = true;
+}
+
+/* The next page from its beginning. False: there is none. */
+bool Player::follow_pages()
+{
+    const int next = page_after(page_);
+    if (next <= page_ && !options_.loop) return false;
+    if (next == page_) {
+        playback_.seek(0);
+        return true;
     }
+    playback_.freeze();
+    playback_.set_position(0);
+    change_page(next);
+    return true;
+}
+
+/*
+ * Pages of one time of day are of other cameras: the page that has more at this time, or after it. Of
+ * a picture that was alone on the screen the others of its page may go on.
+ */
+bool Player::follow_time()
+{
+    const int64_t position_us = playback_.position_us();
+    if (wall_->enlarged() < 0) over_us_[static_cast<size_t>(page_)] = position_us;
+    int next = page_that_goes_on(position_us + kWorthTurning_us, (page_ + 1) % pages());
+    if (next < 0) {
+        if (!options_.loop || playback_.sent() == sent_at_loop_) return false;
+        sent_at_loop_ = playback_.sent();
+        over_us_.assign(over_us_.size(), INT64_MAX);
+        next = std::max(0, page_that_goes_on(begin_us(), 0));
+        if (next == page_) {
+            playback_.seek_exactly(begin_us());
+            return true;
+        }
+        playback_.freeze();
+        playback_.set_position(begin_us());
+    }
+    change_page(next);
+    return true;
 }
 
 void Player::change_page(int page)
