@@ -1,6 +1,7 @@
 # Playback, snapshots and zoom in the recorder, on the clips that wall.cmake makes.
 
 nvrhal_test(nvrec_play_seek_test
+  ${CMAKE_CURRENT_LIST_DIR}/line_drag_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/play_seek_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/playback_track_test.cpp
   LIBS nvrec_run nvrec_pieces LABEL nvrec TIMEOUT 60)

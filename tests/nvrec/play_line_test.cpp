@@ -121,6 +121,8 @@ protected:
             2);
     }
 
+    static void key(const char *name) { ASSERT_EQ(vboard_panel_press_named(name), 0); }
+
     bool comes_to(int64_t from_us, int64_t to_us, bool paused)
     {
         return follower_->wait_for([=](const Whereabouts &at) {
@@ -143,6 +145,41 @@ TEST_F(TimeLineOnTheScreen, APressBehindTheLastRecordingGoesToItsEndAndStandsThe
     ASSERT_TRUE(comes_to(kEnd_us - kSecond_us, kEnd_us, true));
     press_line(0.2);
     EXPECT_TRUE(comes_to(0, 4 * kSecond_us, false)) << "and from there to the beginning, where it runs";
+}
+
+TEST_F(TimeLineOnTheScreen, DraggingEndsWhereTheMouseIsLetGo)
+{
+    move_along(0.2);
+    wall_->after([] { vboard_mouse_buttons(MOUSE_LEFT_DOWN); });
+    for (int percent = 30; percent <= 90; percent += 10)
+        move_along(percent / 100.0);
+    wall_->after([] { vboard_mouse_buttons(0); });
+    EXPECT_TRUE(comes_to(kEnd_us - kSecond_us, kEnd_us, true));
+}
+
+TEST_F(TimeLineOnTheScreen, AKeyBehindTheLastRecordingGoesToItsEndAndStandsThere)
+{
+    for (int i = 0; i < 12; ++i)
+        key("right"); /* a minute each */
+    ASSERT_TRUE(comes_to(kEnd_us - kSecond_us, kEnd_us, true));
+    key("play");
+    EXPECT_EQ(wall_->wait_for_end(), 0) << "who goes on there has come to the end";
+    wall_.reset();
+}
+
+TEST_F(TimeLineOnTheScreen, KeysGoAsFarAsIsSeenOnTheLine)
+{
+    key("pause");
+    ASSERT_TRUE(comes_to(0, 5 * kSecond_us, true));
+    key("right");
+    ASSERT_TRUE(comes_to(60 * kSecond_us, 65 * kSecond_us, true)) << "a minute, of an hour";
+    key("down");
+    key("right");
+    ASSERT_TRUE(comes_to(70 * kSecond_us, 75 * kSecond_us, true)) << "ten seconds, of ten minutes";
+    key("menu");
+    key("down"); /* which is nobody's now */
+    key("left");
+    EXPECT_TRUE(comes_to(60 * kSecond_us, 65 * kSecond_us, true)) << "ten seconds, without a line";
 }
 
 } // namespace

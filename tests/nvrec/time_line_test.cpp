@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "screen/time_line.h"
+#include "screen/time_line_texts.h"
 
 namespace
 {
@@ -77,6 +78,29 @@ TEST(TimeLine, KeepsThePositionInSightHoweverFarItGoes)
         ASSERT_TRUE(at_us) << position_us;
         EXPECT_NEAR(static_cast<double>(*at_us), static_cast<double>(position_us), 10e6) << position_us;
     }
+}
+
+TEST(TimeLine, AStepIsSeenOnALineOfAnyLength)
+{
+    TimeLine line(nullptr, kScreen, 24);
+    line.set(two_cameras_at(0));
+    for (int i = 0; i < 20; ++i)
+        line.step_span(-1);
+    do {
+        EXPECT_GE(line.shown_span_us(), 20 * line.step_us()) << line.shown_span_us();
+        EXPECT_LE(line.shown_span_us(), 60 * line.step_us()) << line.shown_span_us();
+    } while (!line.step_span(1).empty());
+}
+
+TEST(TimeLine, SpeaksBothLanguages)
+{
+    TimeLineState state = two_cameras_at(0);
+    state.speed = 2;
+    EXPECT_EQ(time_line_heading(state, "14:05", Language::kEnglish), "Playing 2x    14:05");
+    EXPECT_EQ(time_line_heading(state, "14:05", Language::kChinese), "正在播放 2x    14:05");
+    state.paused = state.in_gap = true;
+    EXPECT_EQ(time_line_heading(state, "14:05", Language::kEnglish), "Paused    14:05    Not recorded");
+    EXPECT_EQ(time_line_heading(state, "14:05", Language::kChinese), "已暂停    14:05    无录像");
 }
 
 } // namespace

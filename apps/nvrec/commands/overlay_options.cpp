@@ -75,10 +75,17 @@ Language host_language()
     return Language::kEnglish;
 }
 
+void add_language_option(CLI::App &command, Language &language, const std::string &help)
+{
+    language = host_language();
+    command.add_option("--language", language, help)
+        ->transform(CLI::CheckedTransformer(kLanguages, CLI::ignore_case))
+        ->default_str("locale");
+}
+
 std::shared_ptr<OverlayOptions> add_overlay_options(CLI::App &command)
 {
     auto options = std::make_shared<OverlayOptions>();
-    options->names.language = host_language();
     command
         .add_option("--overlay,--furniture", options->mode,
                     "Borders, names, clock, menu and cursor: auto (when there is a window), on, off")
@@ -96,9 +103,7 @@ std::shared_ptr<OverlayOptions> add_overlay_options(CLI::App &command)
         ->take_all()
         ->allow_extra_args(false)
         ->check(check_camera_name);
-    command.add_option("--language", options->names.language, "Language of the overlay: en or zh")
-        ->transform(CLI::CheckedTransformer(kLanguages, CLI::ignore_case))
-        ->default_str("locale");
+    add_language_option(command, options->names.language, "Language of the overlay: en or zh");
     command.add_flag_callback(
         "--traditional", [options] { options->names.script = ChineseScript::kTraditional; },
         "Show Chinese texts in traditional characters");

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 #include "screen/overlay.h"
 
@@ -15,6 +16,9 @@ namespace nvrec
 
 /** Give a subcommand the overlay's options; they are filled when it is parsed. */
 std::shared_ptr<OverlayOptions> add_overlay_options(CLI::App &command);
+
+/** "--language", the environment's unless it is given. */
+void add_language_option(CLI::App &command, Language &language, const std::string &help);
 
 /** The language that the environment asks for, its variables taken in the order of the C library. */
 Language host_language();

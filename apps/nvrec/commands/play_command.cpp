@@ -10,6 +10,7 @@
 #include "commands/archive_options.h"
 #include "commands/command.h"
 #include "commands/module_options.h"
+#include "commands/overlay_options.h"
 #include "commands/screen_options.h"
 #include "commands/source_options.h"
 #include "controls/controls.h"
@@ -225,6 +226,7 @@ Command play_command(CLI::App &app)
                                                                                {"off", OverlayMode::kOff}},
                                             CLI::ignore_case))
         ->default_str("auto");
+    add_language_option(*play, command->screen.language, "Language of the time line: en or zh");
     play->add_option("--font", command->screen.font_path, "Font file (default: the system's for Chinese)")
         ->check(CLI::ExistingFile);
     add_control_options(*play, command->controls);

@@ -36,7 +36,8 @@ bool PlayScreen::start(WallControl &wall)
         wall.terminal().error("no names and times on the screen: this machine has no font that can be read");
         font_.reset();
     }
-    line_ = std::make_unique<TimeLine>(font_.get(), canvas_.whole(), screen_text_size_px(canvas_.height()));
+    line_ = std::make_unique<TimeLine>(font_.get(), canvas_.whole(), screen_text_size_px(canvas_.height()),
+                                       options_.language);
     drawing_ = true;
     damage(canvas_.whole());
     return true;
@@ -47,7 +48,7 @@ TimeLineState PlayScreen::state() const
     const PlayPlan &plan = player_.plan();
     const Playback &playback = player_.playback();
     TimeLineState state;
-    state.position_us = playback.position_us();
+    state.position_us = drag_.waiting().value_or(playback.position_us());
     if (plan.has_base) state.base_us = plan.base_us;
     state.speed = playback.speed();
     state.paused = playback.paused();
@@ -72,11 +73,32 @@ Clock::time_point PlayScreen::take_turn(Clock::time_point now)
     if (!drawing_) return Clock::time_point::max();
     if (shown() != was_shown_) {
         was_shown_ = shown();
+        set_key_step();
         damage(canvas_.whole());
     }
+    go_to(drag_.take_due(now));
     if (shown()) damage(line_->set(state()));
     paint();
-    return now + kLookPeriod;
+    return std::min(now + kLookPeriod, drag_.due_at());
+}
+
+void PlayScreen::step_span(int steps)
+{
+    damage(line_->step_span(steps));
+    set_key_step();
+}
+
+void PlayScreen::go_to(std::optional<int64_t> place_us)
+{
+    if (!place_us) return;
+    player_.go_to(*place_us);
+    drag_.went(Clock::now());
+}
+
+/* Without times of day recordings may be far shorter than the line. */
+void PlayScreen::set_key_step()
+{
+    player_.set_key_step(shown() && player_.plan().has_base ? line_->step_us() : Player::kKeyStep_us);
 }
 
 /* Every camera's name in the upper left corner of its pane. */
@@ -117,7 +139,7 @@ bool PlayScreen::on_key(Key key)
         return true;
     }
     if (!shown() || wall_->enlarged() >= 0 || (key != Key::kUp && key != Key::kDown)) return false;
-    damage(line_->step_span(key == Key::kUp ? 1 : -1));
+    step_span(key == Key::kUp ? 1 : -1);
     paint();
     return true;
 }
@@ -130,14 +152,15 @@ bool PlayScreen::on_pointer(const PointerEvent &event)
     bool taken = false;
     if (shown()) {
         const auto at_us = line_->time_at(event.x, event.y);
-        if ((event.buttons & kLeft) == 0) dragging_ = false;
-        if ((event.pressed & kLeft) != 0 && at_us) dragging_ = true;
-        taken = dragging_ || line_->place().contains(event.x, event.y);
-        if (dragging_ && at_us) {
-            player_.go_to(*at_us);
-            damage(line_->set(state()));
-        }
-        if (taken && event.wheel != 0) damage(line_->step_span(event.wheel > 0 ? -1 : 1));
+        if (drag_.held() && (event.buttons & kLeft) == 0)
+            go_to(drag_.release());
+        else if (at_us && (event.pressed & kLeft) != 0)
+            go_to(drag_.press(*at_us));
+        else if (at_us)
+            go_to(drag_.move(*at_us, Clock::now()));
+        taken = drag_.held() || line_->place().contains(event.x, event.y);
+        if (taken) damage(line_->set(state()));
+        if (taken && event.wheel != 0) step_span(event.wheel > 0 ? -1 : 1);
     }
     paint();
     return taken;

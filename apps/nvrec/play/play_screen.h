@@ -4,16 +4,18 @@
  *
  * Mouse: a press on the time line goes there, and so does dragging; the wheel shows a longer or
  * shorter time. Keys: menu takes the time line away and brings it back; up and down show a longer or
- * shorter time. All else is the player's.
+ * shorter time. All else is the player's, whose keys left and right go as far as is seen on the line.
  *
  * Threads: main thread.
  */
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "play/line_drag.h"
 #include "play/player.h"
 #include "screen/canvas.h"
 #include "screen/cursor.h"
@@ -27,7 +29,8 @@ namespace nvrec
 
 struct PlayScreenOptions {
     OverlayMode mode = OverlayMode::kAuto; /* auto = with a window      */
-    std::string font_path;                 /* empty = the host's        */
+    Language language = Language::kEnglish;
+    std::string font_path; /* empty = the host's        */
 };
 
 class PlayScreen final : public Module
@@ -56,6 +59,9 @@ private:
 
     bool shown() const { return wanted_ && player_.playing(); }
     TimeLineState state() const;
+    void go_to(std::optional<int64_t> place_us);
+    void set_key_step();
+    void step_span(int steps);
     void lay_names();
     void damage(const Rect &rect);
     void paint();
@@ -66,7 +72,7 @@ private:
     bool drawing_ = false;
     bool wanted_ = true; /* the time line, by the menu key */
     bool was_shown_ = false;
-    bool dragging_ = false;
+    LineDrag drag_;
     Canvas canvas_;
     std::unique_ptr<Font> font_; /* null = no text */
     std::unique_ptr<TimeLine> line_;

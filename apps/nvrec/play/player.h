@@ -15,8 +15,9 @@
  *
  * A place behind the last recording shows its last picture, and playback stands there.
  *
- * Keys: play, pause, stop (back to the cameras), faster (1, 2, 4 times), left and right (10 s),
- * previous (the beginning), next (the next page), enter or a double click (one picture alone).
+ * Keys: play, pause, stop (back to the cameras), faster (1, 2, 4 times), left and right (10 s, or what
+ * set_key_step() says), previous (the beginning), next (the next page), enter or a double click (one
+ * picture alone).
  */
 #pragma once
 
@@ -72,6 +73,8 @@ public:
     void pause(bool paused);
     void seek(double position_s);
     void skip(double by_s);
+    /** By how much the keys left and right go back and on. */
+    void set_key_step(int64_t step_us) { key_step_us_ = step_us; }
     void set_speed(double speed);
     void enlarge(int file); /* -1 = the layout again */
     void turn_to_page(int page);
@@ -94,6 +97,8 @@ public:
      * the last recording of the page: to its last picture, and stand there until told otherwise.
      */
     void go_to(int64_t position_us);
+    /** The keys' step where nothing else was said. */
+    static constexpr int64_t kKeyStep_us = 10'000'000;
     /** Width and height of the file that plays on a channel; zeros = none does. */
     std::pair<uint32_t, uint32_t> picture_size(int channel) const override;
 
@@ -132,6 +137,7 @@ private:
     bool changing_ = false; /* between before_layout and on_layout                     */
 
     bool stands_at_end_ = false; /* because somebody went behind it */
+    int64_t key_step_us_ = kKeyStep_us;
     int page_ = 0;
     std::vector<int64_t> over_us_;       /* by page, where its recordings came to their end */
     uint64_t sent_at_loop_ = UINT64_MAX; /* pictures, when playback began anew last */

@@ -14,7 +14,6 @@ namespace nvrec
 namespace
 {
 
-constexpr double kSkip_s = 10;
 constexpr double kSpeeds[] = {1, 2, 4};
 
 int64_t microseconds(double seconds)
@@ -121,8 +120,8 @@ bool Player::on_key(Key key)
         set_speed(next == std::end(kSpeeds) ? kSpeeds[0] : *next);
         return true;
     }
-    case Key::kLeft: skip(-kSkip_s); return true;
-    case Key::kRight: skip(kSkip_s); return true;
+    case Key::kLeft: skip(-static_cast<double>(key_step_us_) / 1e6); return true;
+    case Key::kRight: skip(static_cast<double>(key_step_us_) / 1e6); return true;
     case Key::kPrevious: seek(0); return true;
     case Key::kNext: turn_to_page(page_after(page_)); return true;
     case Key::kEnter: wall_->enlarge(wall_->enlarged() < 0 ? wall_->selected() : -1); return true;

@@ -2,28 +2,36 @@
 #include "screen/time_line.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 
 #include "archive/time_of_day.h"
 #include "screen/glyphs.h"
+#include "screen/time_line_texts.h"
 
 namespace nvrec
 {
 namespace
 {
 
-constexpr int64_t kMinute_us = 60'000'000;
-constexpr int64_t kSpans_us[] = {kMinute_us,          10 * kMinute_us,      60 * kMinute_us,
-                                 6 * 60 * kMinute_us, 24 * 60 * kMinute_us, 7 * 24 * 60 * kMinute_us};
+constexpr int64_t kSecond_us = 1'000'000, kMinute_us = 60 * kSecond_us, kHour_us = 60 * kMinute_us;
+
+struct SpanRow {
+    int64_t span_us; /* shown at once                     */
+    int64_t step_us; /* by a key: some thirty to sixty a line */
+};
+
+constexpr SpanRow kSpans[] = {
+    {kMinute_us, 2 * kSecond_us},    {10 * kMinute_us, 10 * kSecond_us}, {kHour_us, kMinute_us},
+    {6 * kHour_us, 10 * kMinute_us}, {24 * kHour_us, 30 * kMinute_us},   {7 * 24 * kHour_us, 4 * kHour_us},
+};
 constexpr Colour kLineGround = 0x14181C, kLineTrough = 0x303840, kLineRecorded = 0x3C9A5F,
                  kLineNow = 0xF0C040, kLineLetters = 0xE8ECF0, kLineQuiet = 0xA0A8B0;
 constexpr int kNames_share = 8; /* of the width: an eighth */
 
 } // namespace
 
-TimeLine::TimeLine(Font *font, const Rect &screen, int text_px)
-    : font_(font), screen_(screen), text_px_(text_px)
+TimeLine::TimeLine(Font *font, const Rect &screen, int text_px, Language language)
+    : font_(font), screen_(screen), text_px_(text_px), language_(language)
 {
     lay();
 }
@@ -42,7 +50,12 @@ void TimeLine::lay()
 
 int64_t TimeLine::shown_span_us() const
 {
-    return kSpans_us[span_];
+    return kSpans[span_].span_us;
+}
+
+int64_t TimeLine::step_us() const
+{
+    return kSpans[span_].step_us;
 }
 
 /* The part moves by halves, so that the line stands still while playback runs. */
@@ -78,10 +91,7 @@ std::string TimeLine::clock(int64_t position_us, bool with_date) const
 
 std::string TimeLine::heading() const
 {
-    char speed[40] = "Paused";
-    if (!state_.paused) std::snprintf(speed, sizeof speed, "Playing %gx", state_.speed);
-    return std::string(speed) + "    " + clock(state_.position_us, true) +
-           (state_.in_gap ? "    Not recorded" : "");
+    return time_line_heading(state_, clock(state_.position_us, true), language_);
 }
 
 Rect TimeLine::set(const TimeLineState &state)
@@ -97,7 +107,7 @@ Rect TimeLine::set(const TimeLineState &state)
 
 Rect TimeLine::step_span(int steps)
 {
-    const int last = static_cast<int>(std::size(kSpans_us)) - 1;
+    const int last = static_cast<int>(std::size(kSpans)) - 1;
     const auto wanted = static_cast<size_t>(std::clamp(static_cast<int>(span_) + steps, 0, last));
     if (wanted == span_) return {};
     span_ = wanted;

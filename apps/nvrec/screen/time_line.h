@@ -20,6 +20,7 @@
 
 #include "archive/index.h"
 #include "screen/canvas.h"
+#include "screen/clock_face.h"
 #include "screen/font.h"
 
 namespace nvrec
@@ -45,7 +46,7 @@ class TimeLine
 {
 public:
     /** @param font  null = no text */
-    TimeLine(Font *font, const Rect &screen, int text_px);
+    TimeLine(Font *font, const Rect &screen, int text_px, Language language = Language::kEnglish);
 
     /** @return what has to be painted anew; empty = it looks as before. */
     Rect set(const TimeLineState &state);
@@ -53,6 +54,9 @@ public:
     /** Show a longer part of the time (above 0) or a shorter one. @return what has to be painted anew. */
     Rect step_span(int steps);
     int64_t shown_span_us() const;
+
+    /** A step of the position that is seen on a line of that length. */
+    int64_t step_us() const;
 
     void paint(Canvas &canvas);
     Rect place() const { return place_; }
@@ -73,6 +77,7 @@ private:
     Font *const font_;
     const Rect screen_;
     const int text_px_;
+    const Language language_;
     TimeLineState state_;
     size_t span_ = 2; /* of the table of spans */
     Rect place_;      /* all of it             */
