@@ -73,4 +73,37 @@ TEST_F(PlayPages, FollowWhereTheOneBeforeHasNothingMore)
     EXPECT_EQ(seen(), (Stamp{kOtherChannel, kLast})) << "of the ninth camera";
 }
 
+TEST_F(PlayPages, AreAsManyAsADirectoryHasCameras)
+{
+    put_eight("140500");
+    for (int channel = 8; channel < 16; ++channel)
+        put("140500", channel);
+    put("140500", 16, kOtherCodec);
+    ASSERT_EQ(play_at("14:05:02", {"--do", "0:pause,0.4:page 3,1.6:end"}), 0) << words_;
+    EXPECT_EQ(seen(), (Stamp{kOtherChannel, 2 * kRate})) << "the seventeenth camera";
+}
+
+TEST_F(PlayPages, LeaveCamerasOutThatHaveNothingMoreWhereThereAreMany)
+{
+    put_eight("140500");
+    for (int channel = 8; channel < 16; ++channel)
+        put("140500", channel);
+    put("150000", 16, kOtherCodec);
+    ASSERT_EQ(play_at("15:00:02", {"--do", "0:pause,0.8:end"}), 0) << words_;
+    EXPECT_NE(words_.find("nothing is recorded of 16 cameras at 2026-11-21 15:00:02 +0100 or later"),
+              std::string::npos)
+        << words_;
+    EXPECT_EQ(seen(), (Stamp{kOtherChannel, 2 * kRate}));
+}
+
+TEST_F(PlayPages, OfMoreCamerasThanCanBePlayedAreChosenByName)
+{
+    for (int channel = 0; channel < 65; ++channel)
+        put("140500", channel);
+    EXPECT_EQ(play_at("14:05:02", {"--do", "0.2:end"}), 2);
+    EXPECT_NE(words_.find("recordings of 65 cameras; at most 64"), std::string::npos) << words_;
+    EXPECT_NE(words_.find("--camera"), std::string::npos) << words_;
+    EXPECT_EQ(play_at("14:05:02", {"--camera", "64", "--language", "zh", "--do", "0.2:end"}), 0) << words_;
+}
+
 } // namespace

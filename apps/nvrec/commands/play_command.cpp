@@ -43,6 +43,9 @@ struct PlayCommand {
 constexpr int kFewestPixels = 2;
 constexpr int kMostPixels = 65535;
 
+/* Cameras of a directory: eight pages. */
+constexpr size_t kMostCameras = 8 * static_cast<size_t>(Playback::kPlayers);
+
 int whole(double number)
 {
     return static_cast<int>(number);
@@ -103,6 +106,50 @@ int choose_cameras(const PlayCommand &command, Archive *archive, std::vector<Cam
     return kExitDone;
 }
 
+/* When a directory is played from: what --at says, or what comes next. */
+int choose_time(PlayCommand *command, Index &index, const std::vector<CameraRow> &cameras)
+{
+    if (command->at.empty()) return kExitDone;
+    const auto at_us = time_given("--at", command->at);
+    if (!at_us) return kExitUsage;
+    command->player.at_us = *at_us;
+    const IndexQuery query = {numbers_of(cameras), command->stream, {*at_us, *at_us + 1}};
+    if (!index.segments(query, 1).empty()) return kExitDone;
+    const auto next = index.segment_after(query, *at_us);
+    if (!next) return complain(kExitInputFailed, "nothing is recorded at " + time_text(*at_us) + " or later");
+    complain(kExitDone,
+             "nothing is recorded at " + time_text(*at_us) + "; playing from " + time_text(next->from_us));
+    command->player.at_us = next->from_us;
+    return kExitDone;
+}
+
+/* Whether there is something of a camera at a time or later. */
+bool has_recordings(Index &index, const CameraRow &camera, const std::string &stream, int64_t from_us)
+{
+    return !index.segments({{camera.id}, stream, {from_us, INT64_MAX}}, 1).empty();
+}
+
+/*
+ * A directory of years knows cameras that have long gone, by each of their names. If they would fill more
+ * than two pages, only those are played that have something at the time that is asked for, or later.
+ */
+int leave_out_cameras(const PlayCommand &command, Index &index, std::vector<CameraRow> *cameras)
+{
+    const int64_t at_us = command.player.at_us;
+    if (cameras->size() > kMostInputs && at_us != 0) {
+        const size_t left_out = std::erase_if(*cameras, [&](const CameraRow &camera) {
+            return !has_recordings(index, camera, command.stream, at_us);
+        });
+        if (left_out > 0)
+            complain(kExitDone, "left out: nothing is recorded of " + std::to_string(left_out) +
+                                    " cameras at " + time_text(at_us) + " or later");
+    }
+    if (cameras->size() <= kMostCameras) return kExitDone;
+    return complain(kExitUsage, command.directory + " has recordings of " + std::to_string(cameras->size()) +
+                                    " cameras; at most " + std::to_string(kMostCameras) +
+                                    " play at once: name those to play with --camera");
+}
+
 /* What is played of a directory, and from when on. */
 int plan_directory(PlayCommand *command)
 {
@@ -113,20 +160,14 @@ int plan_directory(PlayCommand *command)
     if (!problem.empty()) return complain(kExitInputFailed, problem);
     std::vector<CameraRow> cameras;
     if (const int code = choose_cameras(*command, &archive, &cameras); code != kExitDone) return code;
-    command->player.plan = plan_of_archive(archive.index, cameras, command->stream);
-    if (command->player.plan.tracks.empty())
+    std::erase_if(cameras, [&](const CameraRow &camera) {
+        return !has_recordings(archive.index, camera, command->stream, INT64_MIN);
+    });
+    if (cameras.empty())
         return complain(kExitInputFailed, command->directory + " holds no recordings of that stream");
-    if (command->at.empty()) return kExitDone;
-    const auto at_us = time_given("--at", command->at);
-    if (!at_us) return kExitUsage;
-    command->player.at_us = *at_us;
-    const IndexQuery query = {numbers_of(cameras), command->stream, {*at_us, *at_us + 1}};
-    if (!archive.index.segments(query).empty()) return kExitDone;
-    const auto next = archive.index.segment_after(query, *at_us);
-    if (!next) return complain(kExitInputFailed, "nothing is recorded at " + time_text(*at_us) + " or later");
-    complain(kExitDone,
-             "nothing is recorded at " + time_text(*at_us) + "; playing from " + time_text(next->from_us));
-    command->player.at_us = next->from_us;
+    if (const int code = choose_time(command, archive.index, cameras); code != kExitDone) return code;
+    if (const int code = leave_out_cameras(*command, archive.index, &cameras); code != kExitDone) return code;
+    command->player.plan = plan_of_archive(archive.index, cameras, command->stream);
     return kExitDone;
 }
 
@@ -140,7 +181,8 @@ int run_play(PlayCommand command)
         command.player.plan = plan_of_files(command.player.files);
     }
     const size_t tracks = command.player.plan.tracks.size();
-    if (!count_fits(tracks, "recordings") || !count_fits(command.wall.inputs.size(), "cameras") ||
+    if ((command.directory.empty() && !count_fits(tracks, "recordings")) ||
+        !count_fits(command.wall.inputs.size(), "cameras") ||
         !apply_source_options(*command.sources, &command.wall.inputs))
         return kExitUsage;
     command.wall.channels = static_cast<int>(std::min<size_t>(tracks, Playback::kPlayers));
@@ -212,7 +254,7 @@ Command play_command(CLI::App &app)
         ->check(CLI::IsMember(std::vector<double>{1, 2, 4}))
         ->capture_default_str();
     play->add_option("--hear", command->player.heard, "The file whose sound is heard; -1 = none")
-        ->check(CLI::Range(-1, static_cast<int>(kMostInputs) - 1))
+        ->check(CLI::Range(-1, static_cast<int>(kMostCameras) - 1))
         ->capture_default_str();
     play->add_option("--wav", command->player.wav_path, "Write the sound that is heard to a WAV file");
     play->add_flag("--loop", command->player.loop, "Begin again when all files have ended");
