@@ -8,7 +8,7 @@
 
 #include <dirent.h>
 
-#include "archive/index_writer.h"
+#include "archive/directory_lock.h"
 #include "archive/intake.h"
 
 namespace nvrec
@@ -74,7 +74,7 @@ std::string open_archive(const std::string &directory, Archive *archive)
     if (archive->in_memory) problem = archive->index.open_in_memory(directory);
     if (!problem.empty()) return problem;
     if (!archive->index.note().empty()) archive->notes.push_back(archive->index.note());
-    if (archive->recorded_into && !archive->index.made_anew()) return {};
+    if (is_index_kept_up(directory) && !archive->index.made_anew()) return {};
     IntakeResult taken = take_in(archive->index, list_recordings(directory), {});
     archive->notes.insert(archive->notes.end(), taken.lines.begin(), taken.lines.end());
     return {};

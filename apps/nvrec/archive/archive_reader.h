@@ -2,8 +2,8 @@
  * archive_reader.h - a directory of recordings, opened by whoever looks for something in it while a
  * recorder may be at work there.
  *
- * Where one is, its index is believed; where none is, files that the index does not know are taken in
- * first. A directory that cannot be written is read with an index in memory.
+ * Where one is that keeps the index up, that is believed; otherwise files that the index does not know
+ * are taken in first. A directory that cannot be written is read with an index in memory.
  *
  * Threads: one at a time.
  */

@@ -1,6 +1,8 @@
 /* database.cpp - see database.h. */
 #include "archive/database.h"
 
+#include <utility>
+
 #include <sqlite3.h>
 
 namespace nvrec
@@ -83,6 +85,12 @@ void Database::close()
 {
     if (handle_) sqlite3_close_v2(handle_);
     handle_ = nullptr;
+}
+
+void Database::swap(Database &other)
+{
+    std::swap(handle_, other.handle_);
+    open_error_.swap(other.open_error_);
 }
 
 bool Database::run(const char *sql)

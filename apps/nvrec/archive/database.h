@@ -55,6 +55,7 @@ public:
     /** Open a file that is there already. An empty path is a database in memory. @return false = error(). */
     bool open(const std::string &path);
     void close();
+    void swap(Database &other);
     bool is_open() const { return handle_ != nullptr; }
 
     /** Run statements that have no parameters and whose rows nobody wants. */

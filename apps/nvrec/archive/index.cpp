@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <tuple>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -42,10 +44,15 @@ constexpr const char *kTables =
     "  from_us INTEGER NOT NULL, to_us INTEGER NOT NULL);"
     "PRAGMA user_version = 1;";
 
-/* An empty file of the right mode is an empty database; what SQLite makes beside it has its mode. */
-std::string make_file(const std::string &path)
+/* An empty file of the right mode is an empty database; what SQLite makes beside it has its mode and
+ * owner. Root who looks into a directory first leaves no index there that its recorder cannot open. */
+std::string make_file(const std::string &path, const std::string &directory)
 {
-    const int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kIndexMode);
+    int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kIndexMode);
+    struct stat owner = {};
+    if (file >= 0 && ::geteuid() == 0 && ::stat(directory.c_str(), &owner) == 0)
+        std::ignore = ::fchown(file, owner.st_uid, owner.st_gid);
+    if (file < 0 && errno == EEXIST) file = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kIndexMode);
     if (file < 0) return std::strerror(errno);
     ::fchmod(file, kIndexMode);
     ::close(file);
@@ -73,10 +80,10 @@ std::string CameraRow::shown() const
 std::string Index::open(const std::string &directory)
 {
     directory_ = directory.empty() ? "." : directory;
-    made_anew_ = false;
+    made_anew_ = in_memory_ = false;
     note_.clear();
     const std::string path = path_of(kIndexName);
-    std::string problem = make_file(path);
+    std::string problem = make_file(path, directory_);
     if (!problem.empty()) return path + ": " + problem;
 
     Irreplaceable saved;
@@ -92,7 +99,7 @@ std::string Index::open(const std::string &directory)
         if (database_.is_open()) saved = {events({{}, ""}), pins()};
         database_.close();
         if (!set_aside(path)) return path + ": it is damaged, and cannot be renamed: " + std::strerror(errno);
-        problem = make_file(path);
+        problem = make_file(path, directory_);
         if (!problem.empty()) return path + ": " + problem;
         if (!database_.open(path) || !database_.run(kSettings)) return path + ": " + database_.error();
     }
@@ -108,9 +115,18 @@ std::string Index::open(const std::string &directory)
 std::string Index::open_in_memory(const std::string &directory)
 {
     directory_ = directory.empty() ? "." : directory;
-    made_anew_ = true;
+    made_anew_ = in_memory_ = true;
     if (database_.open("") && make_tables()) return {};
     return "no index in memory: " + database_.error();
+}
+
+void Index::swap(Index &other)
+{
+    database_.swap(other.database_);
+    directory_.swap(other.directory_);
+    note_.swap(other.note_);
+    std::swap(made_anew_, other.made_anew_);
+    std::swap(in_memory_, other.in_memory_);
 }
 
 bool Index::make_tables()

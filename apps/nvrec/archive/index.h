@@ -28,13 +28,12 @@
 #include <vector>
 
 #include "archive/database.h"
+#include "archive/directory_lock.h"
 
 namespace nvrec
 {
 
 constexpr const char *kIndexName = "nvrec.sqlite";
-/** Held by the recorder that records into the directory. */
-constexpr const char *kLockName = "nvrec.lock";
 
 /** A camera as the directory knows it: a channel under a name. */
 struct CameraRow {
@@ -105,10 +104,12 @@ public:
      */
     std::string open(const std::string &directory);
 
-    /** An index in memory only, for a directory that cannot be written. Empty at first. */
+    /** An index in memory only, for a directory that cannot be written. Empty at first, without pins. */
     std::string open_in_memory(const std::string &directory);
+    bool in_memory() const { return in_memory_; }
 
     void close() { database_.close(); }
+    void swap(Index &other);
     bool made_anew() const { return made_anew_; }
     /** What was done with a damaged index; empty = there was none. */
     const std::string &note() const { return note_; }
@@ -176,6 +177,7 @@ private:
     std::string directory_;
     std::string note_;
     bool made_anew_ = false;
+    bool in_memory_ = false;
 };
 
 /** The name of a file in its directory. */

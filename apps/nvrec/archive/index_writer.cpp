@@ -2,17 +2,14 @@
 #include "archive/index_writer.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <deque>
 #include <mutex>
 #include <thread>
 #include <unordered_set>
 #include <utility>
 
-#include <fcntl.h>
-#include <unistd.h>
-
+#include "archive/directory_lock.h"
+#include "archive/index_in_memory.h"
 #include "archive/intake.h"
 #include "archive/time_of_day.h"
 #include "host/clock.h"
@@ -32,6 +29,7 @@ namespace
 constexpr size_t kMostQueued = 4096;
 constexpr auto kCommitPeriod = std::chrono::seconds(1); /* what a crash may take from the index */
 constexpr auto kRetentionPeriod = std::chrono::seconds(10);
+constexpr auto kReopenPeriod = std::chrono::seconds(60);
 constexpr auto kLastPatience = std::chrono::milliseconds(500);
 
 using Changes = std::deque<IndexChange>;
@@ -75,31 +73,6 @@ void forget_outdated(Changes *changes)
     *changes = std::move(kept);
 }
 
-/* One recorder a directory. The lock goes with the process, however that ends. */
-class DirectoryLock
-{
-public:
-    ~DirectoryLock()
-    {
-        if (file_ >= 0) ::close(file_);
-    }
-
-    /** @return empty, or why not. */
-    std::string take(const std::string &directory)
-    {
-        const std::string path = directory + "/" + kLockName;
-        if (file_ < 0) file_ = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0640);
-        if (file_ < 0) return path + ": " + std::strerror(errno);
-        struct flock whole = {};
-        whole.l_type = F_WRLCK;
-        if (::fcntl(file_, F_OFD_SETLK, &whole) == 0) return {};
-        return directory + ": another recorder records into this directory";
-    }
-
-private:
-    int file_ = -1;
-};
-
 } // namespace
 
 /* Lives as long as the thread, which may outlive the writer while a disk hangs. */
@@ -141,17 +114,6 @@ struct IndexWriter::State {
         if (teller) teller(trouble, line);
     }
 };
-
-bool is_recorded_into(const std::string &directory)
-{
-    const int file = ::open((directory + "/" + kLockName).c_str(), O_RDONLY | O_CLOEXEC);
-    if (file < 0) return false;
-    struct flock whole = {};
-    whole.l_type = F_WRLCK;
-    const bool taken = ::fcntl(file, F_OFD_GETLK, &whole) == 0 && whole.l_type != F_UNLCK;
-    ::close(file);
-    return taken;
-}
 
 IndexWriter::IndexWriter(Teller on_line) : state_(std::make_shared<State>())
 {
@@ -271,8 +233,9 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
     }
     if (!refused.empty()) return;
     if (!problem.empty()) {
-        /* Recordings go on without an index: it is made from them later. */
+        /* Recordings go on; what they say is written into the index when it can be opened. */
         state->say(true, "no index: " + problem);
+        directory_lock.set_index_kept_up(false);
         problem = index.open_in_memory(state->directory);
         if (!problem.empty()) return;
     }
@@ -284,6 +247,7 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
         state->say(false, "deleted to make room: " + segment.path);
     });
     Clock::time_point retention_at = Clock::now();
+    Clock::time_point reopen_at = retention_at + kReopenPeriod;
     std::string told;
     std::unique_lock guard(state->lock);
     while (!state->quit || !state->queue.empty()) {
@@ -296,6 +260,14 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
         retention.set(state->retention);
         guard.unlock();
 
+        if (index.in_memory() && Clock::now() >= reopen_at) {
+            reopen_at = Clock::now() + kReopenPeriod;
+            if (return_to_file(&index).empty()) {
+                directory_lock.set_index_kept_up(true);
+                state->say(false, "the index is open again, and holds what was recorded meanwhile");
+                retention_at = Clock::now();
+            }
+        }
         Made made = make_together(index, &changes);
         std::string trouble = made.trouble;
         bool room = false;
@@ -328,6 +300,13 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
             state->changed.notify();
         }
     }
+    guard.unlock();
+    if (!index.in_memory() || return_to_file(&index).empty()) return;
+    /* The files say the rest again. */
+    const IndexQuery all = {{}, "", {INT64_MIN, INT64_MAX}};
+    const size_t lost = index.events(all).size() + index.gaps(all).size();
+    guard.lock();
+    state->dropped += lost;
 }
 
 } // namespace nvrec

@@ -11,7 +11,8 @@
  *
  * One recorder at a time records into a directory: a lock on nvrec.lock in it, which goes with the
  * process. When the queue is full, what comes is dropped and counted; the files say it again at the
- * next start.
+ * next start. An index that cannot be opened is kept in memory and tried again every minute; until
+ * then nothing is deleted, since nobody knows what is pinned.
  *
  * Threads: all calls from any thread. on_line() is called from the writer's thread.
  */
@@ -91,8 +92,5 @@ private:
 
     std::shared_ptr<State> state_;
 };
-
-/** Whether a recorder, of whichever process, records into a directory now. */
-bool is_recorded_into(const std::string &directory);
 
 } // namespace nvrec

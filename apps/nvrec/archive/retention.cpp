@@ -13,6 +13,8 @@ namespace
 {
 
 constexpr int64_t kAgeSecond_us = 1'000'000;
+constexpr const char *kPinsUnknown =
+    "nothing is deleted to make room: the index cannot be opened, and what is pinned stands in it alone";
 
 } // namespace
 
@@ -34,6 +36,10 @@ void Recycler::look()
 /* @return false = there is none that may go, or it does not */
 bool Recycler::remove_oldest(const char *why)
 {
+    if (index_.in_memory()) {
+        state_.trouble = kPinsUnknown;
+        return false;
+    }
     const auto segment = index_.oldest_unpinned();
     if (!segment) {
         state_.trouble =
@@ -58,7 +64,7 @@ bool Recycler::remove_oldest(const char *why)
 
 void Recycler::apply(int64_t now_us, int most_files)
 {
-    state_.trouble.clear();
+    state_.trouble = index_.in_memory() ? kPinsUnknown : "";
     look();
     for (int left = most_files; left > 0; --left) {
         const char *why = nullptr;

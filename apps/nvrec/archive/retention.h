@@ -1,7 +1,7 @@
 /*
  * retention.h - which recordings go, so that others have room: by total size, by age, and by what is
  * left on the disk. The oldest go first, whichever camera's they are; pinned ones and the files that
- * are being written never.
+ * are being written never. While the index is in memory alone nothing goes, since pins are not in it.
  *
  * Threads: the one that has the index.
  */

@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "archive/index_writer.h"
+#include "archive/directory_lock.h"
 #include "archive/time_of_day.h"
 #include "wall/exit_code.h"
 

@@ -1,0 +1,67 @@
+/* index_in_memory.cpp - see index_in_memory.h. */
+#include "archive/index_in_memory.h"
+
+#include <cerrno>
+
+#include <unistd.h>
+
+namespace nvrec
+{
+namespace
+{
+
+const IndexQuery kAllOfIt = {{}, "", {INT64_MIN, INT64_MAX}};
+
+bool has_gone(const std::string &path)
+{
+    return ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
+}
+
+/* How long a file is by now is known in memory; whose it is and when it begins, the directory's index
+ * knows of a file as well or better. */
+bool put(Index &file, const SegmentRow &row, const Index::KnownFile &known)
+{
+    if (known.bytes == row.bytes && known.finished == row.finished) return true;
+    SegmentRow own = file.segment(row.path).value_or(row);
+    own.to_us = own.from_us + (row.to_us - row.from_us);
+    own.bytes = row.bytes;
+    own.finished = row.finished;
+    return file.put_segment(own);
+}
+
+bool write_into(Index &file, Index &memory)
+{
+    Transaction transaction(file.database());
+    if (!transaction.is_open()) return false;
+    auto known = file.known_files();
+    for (const SegmentRow &row : memory.segments(kAllOfIt)) {
+        const auto found = known.find(name_in_directory(row.path));
+        const bool is_put = found == known.end() ? file.put_segment(row) : put(file, row, found->second);
+        if (!is_put) return false;
+        if (found != known.end()) known.erase(found);
+    }
+    for (const auto &[name, unused] : known) {
+        if (has_gone(file.directory() + "/" + name) && !file.remove_segment(name)) return false;
+    }
+    for (const GapRow &gap : memory.gaps(kAllOfIt)) {
+        if (!file.put_gap(gap)) return false;
+    }
+    for (const EventRow &event : memory.events(kAllOfIt)) {
+        if (!file.put_event(event)) return false;
+    }
+    return transaction.commit();
+}
+
+} // namespace
+
+std::string return_to_file(Index *index)
+{
+    Index file;
+    std::string problem = file.open(index->directory());
+    if (!problem.empty()) return problem;
+    if (!write_into(file, *index)) return "the index cannot be written: " + file.error();
+    index->swap(file);
+    return {};
+}
+
+} // namespace nvrec
