@@ -9,6 +9,7 @@ add_custom_target(nvrec_archive_clips DEPENDS ${nvrec_archive_clips}/made)
 
 nvrhal_test(nvrec_archive_test
   ${CMAKE_CURRENT_SOURCE_DIR}/archive_in_memory_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/archive_index_faults_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/archive_index_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/archive_intake_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/archive_writer_test.cpp

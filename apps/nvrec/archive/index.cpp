@@ -77,7 +77,7 @@ std::string CameraRow::shown() const
     return name.empty() ? "channel " + std::to_string(channel) : name;
 }
 
-std::string Index::open(const std::string &directory)
+std::string Index::open(const std::string &directory, OpenedBy user)
 {
     directory_ = directory.empty() ? "." : directory;
     made_anew_ = in_memory_ = false;
@@ -86,17 +86,16 @@ std::string Index::open(const std::string &directory)
     std::string problem = make_file(path, directory_);
     if (!problem.empty()) return path + ": " + problem;
 
+    if (!database_.open(path)) return path + ": " + database_.error();
     Irreplaceable saved;
-    const bool opened = database_.open(path) && database_.run(kSettings);
-    const int64_t version = opened ? database_.number("PRAGMA user_version", -1) : -1;
-    const int64_t tables = opened ? database_.number("SELECT count(*) FROM sqlite_master", -1) : -1;
-    const bool fresh = version == 0 && tables == 0;
-    const bool whole = version == kVersion && database_.number("SELECT count(*) FROM segments", -1) >= 0 &&
-                       database_.number("SELECT count(*) FROM pins", -1) >= 0;
-    if (whole) return {};
-    if (!fresh) {
-        if (!database_.damaged() && version < 0) return path + ": " + database_.error();
-        if (database_.is_open()) saved = {events({{}, ""}), pins()};
+    switch (look()) {
+    case Content::kWhole: return {};
+    case Content::kNotKnown: return path + ": " + database_.error();
+    case Content::kNothing: break;
+    case Content::kUnusable:
+        if (user == OpenedBy::kReader && is_recorded_into(directory_))
+            return path + ": it is damaged or of another version, and a recorder is at work there";
+        saved = {events({{}, ""}), pins()};
         database_.close();
         if (!set_aside(path)) return path + ": it is damaged, and cannot be renamed: " + std::strerror(errno);
         problem = make_file(path, directory_);
@@ -110,6 +109,31 @@ std::string Index::open(const std::string &directory)
         put_pin(camera_number(pin.channel, pin.camera), pin.span);
     made_anew_ = true;
     return {};
+}
+
+/* A question that could not be answered, the disk did not answer or another process held it, says
+ * nothing of what is in it. */
+Index::Content Index::look()
+{
+    constexpr int64_t kFailed = INT64_MIN;
+    const auto ask = [this](const char *sql) { return database_.number(sql, kFailed); };
+    const auto not_answered = [this] {
+        return database_.damaged() ? Content::kUnusable : Content::kNotKnown;
+    };
+    if (!database_.run(kSettings)) return not_answered();
+    const int64_t version = ask("PRAGMA user_version");
+    if (version == kFailed) return not_answered();
+    const int64_t tables = ask("SELECT count(*) FROM sqlite_master");
+    if (tables == kFailed) return not_answered();
+    if (version == 0 && tables == 0) return Content::kNothing;
+    if (version != kVersion) return Content::kUnusable;
+    const int64_t own = ask("SELECT count(*) FROM sqlite_master WHERE name IN ('segments', 'pins')");
+    if (own == kFailed) return not_answered();
+    if (own < 2) return Content::kUnusable;
+    for (const char *sql : {"SELECT count(*) FROM segments", "SELECT count(*) FROM pins"}) {
+        if (ask(sql) == kFailed) return not_answered();
+    }
+    return Content::kWhole;
 }
 
 std::string Index::open_in_memory(const std::string &directory)

@@ -94,15 +94,19 @@ struct IndexQuery {
     TimeSpan span = {INT64_MIN, INT64_MAX};
 };
 
+/** The recorder that holds the directory's lock, or anybody else. */
+enum class OpenedBy { kReader, kRecorder };
+
 class Index
 {
 public:
     /**
      * Open the index of a directory, and make it when it is missing, damaged or of another version;
-     * then it is empty and made_anew() says so: whoever opened it takes the files in.
+     * then it is empty and made_anew() says so: whoever opened it takes the files in. A reader leaves
+     * the index of a recorder that is at work alone, whatever is wrong with it.
      * @return empty, or why not.
      */
-    std::string open(const std::string &directory);
+    std::string open(const std::string &directory, OpenedBy user = OpenedBy::kReader);
 
     /** An index in memory only, for a directory that cannot be written. Empty at first, without pins. */
     std::string open_in_memory(const std::string &directory);
@@ -166,6 +170,9 @@ public:
     Database &database() { return database_; }
 
 private:
+    enum class Content { kNothing, kWhole, kUnusable, kNotKnown /* error() says why */ };
+
+    Content look();
     bool make_tables();
     bool set_aside(const std::string &path);
     std::string path_of(const std::string &name) const { return directory_ + "/" + name; }

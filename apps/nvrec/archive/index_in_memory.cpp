@@ -57,7 +57,7 @@ bool write_into(Index &file, Index &memory)
 std::string return_to_file(Index *index)
 {
     Index file;
-    std::string problem = file.open(index->directory());
+    std::string problem = file.open(index->directory(), OpenedBy::kRecorder);
     if (!problem.empty()) return problem;
     if (!write_into(file, *index)) return "the index cannot be written: " + file.error();
     index->swap(file);

@@ -222,7 +222,7 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
     DirectoryLock directory_lock;
     const std::string refused = directory_lock.take(state->directory);
     Index index;
-    std::string problem = refused.empty() ? index.open(state->directory) : std::string();
+    std::string problem = refused.empty() ? index.open(state->directory, OpenedBy::kRecorder) : std::string();
     /* Before anybody records: what is begun from here on must not be taken for torn. */
     const std::vector<ListedFile> files = list_recordings(state->directory);
     {
