@@ -177,6 +177,29 @@ TEST_F(ArchiveCommands, ExportCutsAtKeyFramesAcrossFilesAndTellsTheGap)
     EXPECT_EQ(copies[250], originals[0]);
 }
 
+/* Files of 20 s from 14:05:00 and 14:05:20 on, and after the clock was set back from 14:05:10 and 14:05:30.
+ */
+TEST_F(ArchiveCommands, ExportOfATimeThatWasRecordedTwiceIsTwoClipsInTheirOrder)
+{
+    const int64_t at = local(2026, 11, 21, 14, 5);
+    for (const int64_t seconds : {0, 10, 20, 30})
+        put(scratch_.path(), 0, at + seconds * kSecond_us);
+    EXPECT_EQ(run("export",
+                  {"--camera", "0", "--from", "2026-11-21T14:05", "--to", "+1m", scratch_.file("clip.mp4")}),
+              0)
+        << errors_;
+    for (const char *name : {"clip.mp4", "clip-2.mp4"}) {
+        const std::vector<double> times = picture_times(scratch_.file(name));
+        ASSERT_EQ(times.size(), 2 * 20 * 25u) << name;
+        for (size_t i = 1; i < times.size(); ++i)
+            ASSERT_NEAR(times[i] - times[i - 1], 0.04, 0.001) << name << ", picture " << i;
+    }
+    EXPECT_FALSE(std::filesystem::exists(scratch_.file("clip-3.mp4")));
+    EXPECT_TRUE(says("clip-2.mp4: channel 0 from 2026-11-21 14:05:10 +0100 to 2026-11-21 14:05:50 +0100"))
+        << output_;
+    EXPECT_TRUE(says("not recorded: from 2026-11-21 14:05:50 +0100 to 2026-11-21 14:06:00 +0100")) << output_;
+}
+
 TEST_F(ArchiveCommands, ExportIsExactByAnEditList)
 {
     put_two_with_a_gap();

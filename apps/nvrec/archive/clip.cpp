@@ -17,6 +17,25 @@ namespace
 constexpr int64_t kNoGap_us = 1'500'000;
 /* Sound stands in a file up to a fragment behind the pictures that it goes with. */
 constexpr int64_t kSoundLate_us = 3'000'000;
+/* Files of one run overlap by less, the pictures that a decoder held back: more is a clock set back. */
+constexpr int64_t kOverlap_us = 2'000'000;
+
+/* Each with what follows it in time. Where a time was recorded twice there are two runs and more. */
+std::vector<std::vector<SegmentRow>> in_runs(const std::vector<SegmentRow> &segments)
+{
+    std::vector<std::vector<SegmentRow>> runs;
+    const auto end = [](const std::vector<SegmentRow> &run) { return run.back().to_us; };
+    for (const SegmentRow &segment : segments) {
+        auto follows = runs.end();
+        for (auto run = runs.begin(); run != runs.end(); ++run) {
+            const bool fits = segment.from_us >= end(*run) - kOverlap_us;
+            if (fits && (follows == runs.end() || end(*run) > end(*follows))) follows = run;
+        }
+        if (follows == runs.end()) follows = runs.emplace(runs.end());
+        follows->push_back(segment);
+    }
+    return runs;
+}
 
 class ClipMaker
 {
@@ -25,11 +44,13 @@ public:
 
     ClipResult make(const std::vector<SegmentRow> &segments)
     {
-        for (const SegmentRow &segment : segments) {
-            if (!result_.problem.empty()) break;
-            copy(segment);
+        for (const std::vector<SegmentRow> &run : in_runs(segments)) {
+            for (const SegmentRow &segment : run) {
+                if (!result_.problem.empty()) break;
+                copy(segment);
+            }
+            finish();
         }
-        finish();
         tell_gaps();
         if (result_.files.empty() && result_.problem.empty())
             result_.problem = "nothing is recorded in that time";
@@ -50,7 +71,7 @@ private:
             if (!packet.sound && !begun) {
                 if (!packet.key) continue;
                 begun = true;
-                if (!output_ || !output_->can_take(source)) {
+                if (!output_ || !output_->can_take(source) || packet.wall_us < last_us_ - kOverlap_us) {
                     finish();
                     if (!begin(source, packet)) return;
                 }
@@ -91,6 +112,7 @@ private:
             return false;
         }
         output_ = std::make_unique<ClipOutput>();
+        last_us_ = first.wall_us;
         /* With an edit list the part before `from` has negative times. */
         const int64_t origin_us =
             options_.exact ? std::max(options_.span.from_us, first.wall_us) : first.wall_us;
@@ -113,6 +135,7 @@ private:
     {
         ClipFile &file = result_.files.back();
         ++file.pictures;
+        last_us_ = std::max(last_us_, from_us);
         file.span.to_us = std::max(file.span.to_us, to_us);
         if (!held_.empty() && from_us <= held_.back().to_us + kNoGap_us && from_us >= held_.back().from_us)
             held_.back().to_us = std::max(held_.back().to_us, to_us);
@@ -140,6 +163,7 @@ private:
     /* What of the span no picture covers. */
     void tell_gaps()
     {
+        std::ranges::sort(held_, {}, &TimeSpan::from_us);
         int64_t until_us = options_.span.from_us;
         for (const TimeSpan &span : held_) {
             if (span.from_us > until_us + kNoGap_us) result_.gaps.push_back({until_us, span.from_us});
@@ -152,6 +176,7 @@ private:
     const ClipOptions options_;
     ClipResult result_;
     std::unique_ptr<ClipOutput> output_;
+    int64_t last_us_ = 0; /* of the pictures in output_, when the last one was taken */
     std::vector<TimeSpan> held_;
 };
 

@@ -11,7 +11,7 @@
  * with silence, since a file has no other way to say that such sound pauses.
  *
  * Where the codec, the picture size or the parameter sets change, a file cannot go on: the next one
- * is clip-2.mp4.
+ * is clip-2.mp4. So is what was recorded when a clock that had been set back came by a time again.
  *
  * Threads: any one.
  */
