@@ -177,6 +177,34 @@ TEST_F(TakingIn, CutsATornFileBackAndKeepsWhatItHolds)
     EXPECT_GT(rows[0].to_us - rows[0].from_us, 7 * kSecond_us);
 }
 
+/* As after a power cut in the file's first second: known as begun, or not known at all. */
+TEST_F(TakingIn, LeavesOutAFileOfAHeadWithoutAWholeFragment)
+{
+    for (const char *name : {"seconds.mp4", "seconds.mkv"}) {
+        const std::string path = put(scratch_.path(), 0, local(2026, 11, 21, 14), name);
+        const auto is_head = [&] {
+            const FileExtent extent = extent_of(path);
+            return extent.readable && extent.duration_us == 0;
+        };
+        for (uintmax_t bytes = 20'000; bytes > 0 && !is_head(); bytes -= 50)
+            std::filesystem::resize_file(path, bytes);
+        ASSERT_TRUE(is_head()) << name;
+        const auto bytes = static_cast<int64_t>(std::filesystem::file_size(path));
+        for (const bool known : {false, true}) {
+            const int64_t from_us = local(2026, 11, 21, 14);
+            if (known) {
+                ASSERT_TRUE(index_.put_segment({0, "yard", "main", path, from_us, from_us, bytes, false}));
+            }
+            const IntakeResult result = take();
+            ASSERT_EQ(result.lines.size(), 1u);
+            EXPECT_NE(result.lines[0].find("cannot be played"), std::string::npos) << result.lines[0];
+            EXPECT_TRUE(index_.segments({{}, "", {INT64_MIN, INT64_MAX}}).empty()) << name;
+        }
+        EXPECT_EQ(static_cast<int64_t>(std::filesystem::file_size(path)), bytes) << "it is left as it is";
+        std::filesystem::remove(path);
+    }
+}
+
 TEST_F(TakingIn, LeavesFilesAsTheyAreWhenItMayNotRepair)
 {
     const std::string path = put(scratch_.path(), 0, local(2026, 11, 21, 14));

@@ -27,6 +27,8 @@ struct FileExtent {
     bool in_fragments = false; /* with one at least that is whole: can be cut behind it         */
     int64_t from_us = 0;       /* time of day of the file's start; 0 = its head does not say  */
     std::string title;         /* what its head says: a recording has its camera's name there */
+    /** It has a head and nothing that follows it: the disk's power went before the first fragment. */
+    bool empty() const { return readable && duration_us == 0 && !in_fragments; }
     bool torn() const { return readable && whole_bytes < bytes; }
 };
 

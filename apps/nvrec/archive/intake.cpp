@@ -200,8 +200,9 @@ IntakeResult take_in(Index &index, const std::vector<ListedFile> &files, const I
         if (!transaction) transaction.emplace(index.database());
         const std::string path = index.directory() + "/" + file.name;
         FileExtent extent = extent_of(path);
-        if (!extent.readable) {
-            result.lines.push_back(path + ": it cannot be played: " + extent.problem);
+        if (!extent.readable || extent.empty()) {
+            result.lines.push_back(path + ": it cannot be played: " +
+                                   (extent.readable ? "it holds no whole fragment" : extent.problem));
             if (!is_new) index.remove_segment(path);
             continue;
         }
