@@ -188,6 +188,39 @@ TEST_F(RetentionOfFiles, SaysWhenNothingMayBeDeleted)
     EXPECT_NE(retention_.state().trouble.find("pinned"), std::string::npos);
 }
 
+/* A directory where the file was cannot be unlinked, by root neither. */
+TEST_F(RetentionOfFiles, PassesOverAFileThatCannotBeDeletedAndTriesItAgain)
+{
+    std::filesystem::remove(scratch_.file("file0"));
+    std::filesystem::create_directory(scratch_.file("file0"));
+    retention_.set({.most_bytes = 8500});
+    retention_.apply(10 * kHour_us);
+    for (int hour = 0; hour < 10; ++hour)
+        EXPECT_EQ(there(hour), hour == 0 || hour >= 3) << hour;
+    EXPECT_EQ(retention_.state().deleted, 2u);
+    EXPECT_NE(retention_.state().trouble.find(scratch_.file("file0") + " cannot be deleted"),
+              std::string::npos)
+        << retention_.state().trouble;
+
+    std::filesystem::remove(scratch_.file("file0"));
+    std::ofstream(scratch_.file("file0")) << "it can go now";
+    retention_.set({.most_bytes = 7500});
+    retention_.apply(10 * kHour_us);
+    EXPECT_FALSE(there(0));
+    EXPECT_TRUE(there(3));
+    EXPECT_EQ(retention_.state().trouble, "");
+}
+
+TEST_F(RetentionOfFiles, FreesRoomThoughTheOldestFileCannotBeDeleted)
+{
+    std::filesystem::remove(scratch_.file("file0"));
+    std::filesystem::create_directory(scratch_.file("file0"));
+    EXPECT_FALSE(retention_.make_room(INT64_MAX)) << "no disk is so large";
+    for (int hour = 1; hour < 10; ++hour)
+        EXPECT_FALSE(there(hour)) << hour;
+    EXPECT_NE(retention_.state().trouble.find("file0 cannot be deleted"), std::string::npos);
+}
+
 TEST_F(RetentionOfFiles, LeavesTheFileAloneThatIsBeingWritten)
 {
     SegmentRow growing = segment(0, "yard", "file0", 0, kHour_us);

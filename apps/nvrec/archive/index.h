@@ -148,8 +148,8 @@ public:
     /** Bytes of all segments. */
     int64_t total_bytes();
 
-    /** The oldest finished segment that no pin touches; nothing = there is none. */
-    std::optional<SegmentRow> oldest_unpinned();
+    /** The oldest finished segment that no pin touches, but those; nothing = there is none. */
+    std::optional<SegmentRow> oldest_unpinned(const std::vector<std::string> &but_paths = {});
 
     /* Changes. @return false = error() says why. */
     bool put_segment(const SegmentRow &row);

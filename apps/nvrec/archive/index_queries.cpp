@@ -172,15 +172,19 @@ int64_t Index::total_bytes()
     return database_.number("SELECT total(bytes) FROM segments", 0);
 }
 
-std::optional<SegmentRow> Index::oldest_unpinned()
+std::optional<SegmentRow> Index::oldest_unpinned(const std::vector<std::string> &but_paths)
 {
     const std::string sql = std::string(kSegmentColumns) +
                             " WHERE finished = 1 AND NOT EXISTS (SELECT 1 FROM pins WHERE"
                             " pins.camera = segments.camera AND pins.from_us < segments.to_us AND"
-                            " pins.to_us > segments.from_us) ORDER BY to_us LIMIT 1";
+                            " pins.to_us > segments.from_us) ORDER BY to_us LIMIT ?";
     Statement find(database_.handle(), sql.c_str());
-    if (!find.next()) return std::nullopt;
-    return segment_of(find);
+    find.bind(0, static_cast<int64_t>(but_paths.size()) + 1);
+    while (find.next()) {
+        SegmentRow segment = segment_of(find);
+        if (std::ranges::find(but_paths, segment.path) == but_paths.end()) return segment;
+    }
+    return std::nullopt;
 }
 
 } // namespace nvrec

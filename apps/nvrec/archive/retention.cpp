@@ -13,6 +13,7 @@ namespace
 {
 
 constexpr int64_t kAgeSecond_us = 1'000'000;
+constexpr size_t kMostPassedOver = 16;
 constexpr const char *kPinsUnknown =
     "nothing is deleted to make room: the index cannot be opened, and what is pinned stands in it alone";
 
@@ -33,25 +34,37 @@ void Recycler::look()
     state_.oldest_us = first ? first->from_us : 0;
 }
 
-/* @return false = there is none that may go, or it does not */
-bool Recycler::remove_oldest(const char *why)
+/* @return nothing = there is none that may go, or none of the oldest does */
+std::optional<SegmentRow> Recycler::delete_oldest_file(const char *why)
 {
     if (index_.in_memory()) {
         state_.trouble = kPinsUnknown;
-        return false;
+        return std::nullopt;
     }
-    const auto segment = index_.oldest_unpinned();
-    if (!segment) {
+    std::optional<SegmentRow> segment;
+    while (passed_over_.size() < kMostPassedOver) {
+        segment = index_.oldest_unpinned(passed_over_);
+        /* The file first: an entry without a file is found at the next start, a file without an entry is
+         * taken in again. */
+        if (!segment || ::unlink(segment->path.c_str()) == 0 || errno == ENOENT) break;
+        if (passed_over_.empty())
+            not_deleted_ = segment->path + " cannot be deleted: " + std::strerror(errno);
+        passed_over_.push_back(segment->path);
+        segment.reset();
+    }
+    if (!passed_over_.empty())
+        state_.trouble = std::string(why) + ", and " + not_deleted_;
+    else if (!segment)
         state_.trouble =
             std::string(why) + ", and nothing may be deleted: all of it is pinned or being written";
-        return false;
-    }
-    /* The file first: an entry without a file is found at the next start, a file without an entry is
-     * taken in again. */
-    if (::unlink(segment->path.c_str()) != 0 && errno != ENOENT) {
-        state_.trouble = segment->path + ": cannot be deleted: " + std::strerror(errno);
-        return false;
-    }
+    return segment;
+}
+
+/* @return false = nothing went */
+bool Recycler::remove_oldest(const char *why)
+{
+    const auto segment = delete_oldest_file(why);
+    if (!segment) return false;
     if (!index_.remove_segment(segment->path)) {
         state_.trouble = "the index: " + index_.error();
         return false;
@@ -65,6 +78,7 @@ bool Recycler::remove_oldest(const char *why)
 void Recycler::apply(int64_t now_us, int most_files)
 {
     state_.trouble = index_.in_memory() ? kPinsUnknown : "";
+    passed_over_.clear();
     look();
     for (int left = most_files; left > 0; --left) {
         const char *why = nullptr;
@@ -74,7 +88,7 @@ void Recycler::apply(int64_t now_us, int most_files)
                    state_.free_bytes < options_.least_free) {
             why = "less is free on the disk than there is to be";
         } else if (options_.most_age_s > 0) {
-            const auto oldest = index_.oldest_unpinned(); /* what is pinned may be as old as it likes */
+            const auto oldest = index_.oldest_unpinned(passed_over_); /* pinned ones may be of any age */
             if (oldest && oldest->to_us < now_us - options_.most_age_s * kAgeSecond_us)
                 why = "recordings are older than they may be";
         }

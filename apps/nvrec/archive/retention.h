@@ -3,13 +3,18 @@
  * left on the disk. The oldest go first, whichever camera's they are; pinned ones and the files that
  * are being written never. While the index is in memory alone nothing goes, since pins are not in it.
  *
+ * A file that cannot be deleted is passed over until apply() is called again, and said; so that a
+ * directory that lets none go takes little time, no more than a few are.
+ *
  * Threads: the one that has the index.
  */
 #pragma once
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "archive/index.h"
 
@@ -53,12 +58,15 @@ public:
 
 private:
     bool remove_oldest(const char *why);
+    std::optional<SegmentRow> delete_oldest_file(const char *why);
     void look();
 
     Index &index_;
     const std::function<void(const SegmentRow &)> told_;
     RetentionOptions options_;
     RetentionState state_;
+    std::vector<std::string> passed_over_; /* files that could not be deleted    */
+    std::string not_deleted_;              /* the first of them, and why it could not */
 };
 
 /** Bytes that a process may still write into the directory; -1 = not known. */
