@@ -188,6 +188,43 @@ TEST_F(RetentionOfFiles, SaysWhenNothingMayBeDeleted)
     EXPECT_NE(retention_.state().trouble.find("pinned"), std::string::npos);
 }
 
+/* Of a camera that is not recorded, the gate after two o'clock and the yard where it was pinned. */
+TEST_F(RetentionOfFiles, ForgetsGapsAndEventsWithTheRecordingsOfTheirTime)
+{
+    for (int hour = 0; hour < 10; ++hour) {
+        const std::string text = std::to_string(hour);
+        for (const EventRow &event : {EventRow{0, "yard", hour * kHour_us + 5, "alarm", "y" + text},
+                                      EventRow{1, "gate", hour * kHour_us + 5, "alarm", "g" + text},
+                                      EventRow{2, "door", hour * kHour_us + 5, "alarm", "d" + text}})
+            ASSERT_TRUE(index_.put_event(event));
+        ASSERT_TRUE(
+            index_.put_gap({0, "yard", "main", hour * kHour_us + 7, hour * kHour_us + 9, "y" + text}));
+    }
+    ASSERT_NE(index_.put_pin(index_.camera_number(0, "yard"), {0, 1}), 0);
+    ASSERT_NE(index_.put_pin(index_.camera_number(1, "gate"), {2 * kHour_us, 2 * kHour_us + 6}), 0);
+    const auto left = [this] {
+        std::string texts;
+        for (const EventRow &event : index_.events({}))
+            texts += event.text + " ";
+        for (const GapRow &gap : index_.gaps({}))
+            texts += "gap-" + gap.why + " ";
+        return texts;
+    };
+    const std::string all = left();
+    retention_.set({.most_bytes = 10'000, .most_age_s = 24 * 3600});
+    retention_.apply(10 * kHour_us);
+    EXPECT_EQ(left(), all) << "nothing was deleted, and nothing is older";
+    retention_.set({.most_bytes = 8000});
+    retention_.apply(10 * kHour_us);
+    ASSERT_FALSE(there(1) || there(2));
+    ASSERT_TRUE(there(0) && there(3));
+    EXPECT_EQ(left().substr(0, 27), "y0 g2 y3 g3 d3 y4 g4 d4 y5 ");
+    EXPECT_NE(left().find(" gap-y0 gap-y3 "), std::string::npos) << left();
+    retention_.set({.most_age_s = 3 * 3600});
+    retention_.apply(30 * kHour_us);
+    EXPECT_EQ(left(), "y0 g2 gap-y0 ") << "of the camera that is not recorded, too";
+}
+
 /* A directory where the file was cannot be unlinked, by root neither. */
 TEST_F(RetentionOfFiles, PassesOverAFileThatCannotBeDeletedAndTriesItAgain)
 {

@@ -13,7 +13,6 @@
 
 #include <gtest/gtest.h>
 
-#include "controls/event_inputs.h"
 #include "controls/health.h"
 #include "controls/indicators.h"
 #include "controls/key_names.h"
@@ -298,36 +297,6 @@ TEST_F(RecorderIndicators, AClockThatKeptItsTimeIsLeftAlone)
     vboard_rtc_set(1000000000);
     ASSERT_TRUE(indicators_.start(wall_));
     EXPECT_NEAR(static_cast<double>(vboard_rtc_get()), 1e9, 60.0);
-}
-
-TEST_F(RecorderIndicators, MotionIsAnEventWhenItBeginsAndAgainWhileItLasts)
-{
-    std::vector<std::string> told;
-    EventInputs inputs({{2, true, true, 5s}, {3, true, false, 5s}},
-                       [&](int channel, const std::string &kind, const std::string &text) {
-                           told.push_back(std::to_string(channel) + " " + kind + " " + text);
-                       });
-    ASSERT_TRUE(inputs.start(wall_));
-    vboard_ad_stat chips = {};
-    ASSERT_EQ(vboard_ad_get_stat(&chips), 0);
-    EXPECT_EQ(chips.motion_started, 1u);
-    vboard_ad_input input = {};
-    ASSERT_EQ(vboard_ad_get_input(2, &input), 0);
-    EXPECT_GT(input.area_bits, 0u) << "there is no motion in an area of nothing";
-    auto now = Clock::now();
-    inputs.take_turn(now);
-    EXPECT_EQ(told, std::vector<std::string>{});
-    ASSERT_EQ(vboard_ad_set_motion(2, 7), 0);
-    ASSERT_EQ(vboard_ad_set_motion(3, 9), 0); /* whose motion nobody wants */
-    inputs.take_turn(now += 1s);
-    EXPECT_EQ(told, std::vector<std::string>{"2 motion 7 blocks move"});
-    inputs.take_turn(now += 4s);
-    EXPECT_EQ(told.size(), 1u);
-    inputs.take_turn(now += 1s);
-    EXPECT_EQ(told.size(), 2u) << "it lasts, and so must the recording";
-    ASSERT_EQ(vboard_ad_set_motion(2, 0), 0);
-    inputs.take_turn(now += 10s);
-    EXPECT_EQ(told.size(), 2u);
 }
 
 /* The library's feeder and the health's own thread sleep on the taken board clock. */

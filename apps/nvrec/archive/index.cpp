@@ -238,6 +238,22 @@ bool Index::put_event(const EventRow &row)
     return put.bind(0, camera).bind(1, row.at_us).bind(2, row.kind).bind(3, row.text).run();
 }
 
+/* What is left of recordings from before that time is little, so that it is looked through by time. */
+bool Index::forget_before(int64_t at_us)
+{
+    Statement events(database_.handle(),
+                     "DELETE FROM events WHERE at_us < ? AND NOT EXISTS (SELECT 1 FROM segments INDEXED BY"
+                     " segments_by_time WHERE from_us <= at_us AND to_us > at_us AND"
+                     " segments.camera = events.camera) AND NOT EXISTS (SELECT 1 FROM pins WHERE"
+                     " from_us <= at_us AND to_us > at_us AND pins.camera = events.camera)");
+    Statement gaps(database_.handle(),
+                   "DELETE FROM gaps WHERE to_us <= ? AND NOT EXISTS (SELECT 1 FROM segments INDEXED BY"
+                   " segments_by_time WHERE segments.from_us < gaps.to_us AND segments.to_us > gaps.from_us"
+                   " AND segments.camera = gaps.camera) AND NOT EXISTS (SELECT 1 FROM pins WHERE"
+                   " pins.from_us < gaps.to_us AND pins.to_us > gaps.from_us AND pins.camera = gaps.camera)");
+    return events.bind(0, at_us).run() && gaps.bind(0, at_us).run();
+}
+
 int64_t Index::put_pin(int64_t camera, const TimeSpan &span)
 {
     Statement put(database_.handle(), "INSERT INTO pins (camera, from_us, to_us) VALUES (?, ?, ?)");

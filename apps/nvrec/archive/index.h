@@ -156,6 +156,8 @@ public:
     bool grow_segment(const std::string &path, int64_t to_us, int64_t bytes, bool finished);
     bool remove_segment(const std::string &path);
     bool put_gap(const GapRow &row);
+    /** Take gaps and events from before a time out where no recording and no pin of their camera is. */
+    bool forget_before(int64_t at_us);
     bool put_event(const EventRow &row);
 
     /** Pin a time of a camera. @return the pin's number, 0 = failed. */

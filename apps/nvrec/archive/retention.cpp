@@ -71,6 +71,9 @@ bool Recycler::remove_oldest(const char *why)
     }
     ++state_.deleted;
     state_.deleted_bytes += segment->bytes;
+    /* The oldest goes first, so that what ended before it has gone but for what is kept. What the index
+     * does not forget now, it forgets with the next file. */
+    index_.forget_before(segment->to_us);
     if (told_) told_(*segment);
     return true;
 }
@@ -95,6 +98,9 @@ void Recycler::apply(int64_t now_us, int most_files)
         if (!why || !remove_oldest(why)) break;
         look();
     }
+    /* Events of cameras that are not recorded, too. */
+    if (options_.most_age_s > 0 && !index_.in_memory())
+        index_.forget_before(now_us - options_.most_age_s * kAgeSecond_us);
 }
 
 bool Recycler::make_room(int64_t bytes)

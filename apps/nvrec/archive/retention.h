@@ -3,6 +3,8 @@
  * left on the disk. The oldest go first, whichever camera's they are; pinned ones and the files that
  * are being written never. While the index is in memory alone nothing goes, since pins are not in it.
  *
+ * Gaps and events go with the recordings of their time.
+ *
  * A file that cannot be deleted is passed over until apply() is called again, and said; so that a
  * directory that lets none go takes little time, no more than a few are.
  *

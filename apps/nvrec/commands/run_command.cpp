@@ -36,7 +36,8 @@ void add_recorder(Wall &wall, std::unique_ptr<Recorder> recorder, Reload &reload
     const auto on_event = [&records](int channel, const std::string &kind, const std::string &text) {
         records.event(channel, kind, text);
     };
-    auto inputs = std::make_unique<EventInputs>(watched_inputs(reload.running().cameras), on_event);
+    auto inputs = std::make_unique<EventInputs>(watched_inputs(reload.running().cameras), on_event,
+                                                [&records](int channel) { records.prolong_event(channel); });
     Reload::Takers &takers = reload.takers();
     takers.names.push_back(
         [&records](int channel, const std::string &name) { records.set_name(channel, name); });

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "nvrhal.h"
+#include "wall/session.h"
 #include "wall/terminal.h"
 
 namespace nvrec
@@ -18,17 +19,18 @@ constexpr int kAlarmInputs = 64; /* bits of their mask */
 
 } // namespace
 
-EventInputs::EventInputs(std::vector<Watched> watched, Teller on_event) : on_event_(std::move(on_event))
+EventInputs::EventInputs(const std::vector<Watched> &watched, Teller on_event, LastingTeller on_lasting)
+    : on_event_(std::move(on_event)), on_lasting_(std::move(on_lasting))
 {
-    set(std::move(watched));
+    set(watched);
 }
 
-void EventInputs::set(std::vector<Watched> watched)
+void EventInputs::set(const std::vector<Watched> &watched)
 {
     inputs_.clear();
     for (const Watched &one : watched) {
-        if (one.alarm && one.channel < kAlarmInputs) inputs_.push_back({one, false, false, false, {}});
-        if (one.motion) inputs_.push_back({one, true, false, false, {}});
+        if (one.alarm && one.channel < kAlarmInputs) inputs_.push_back({.watched = one, .is_motion = false});
+        if (one.motion) inputs_.push_back({.watched = one, .is_motion = true});
     }
     if (wall_) begin_motion();
 }
@@ -53,11 +55,17 @@ void EventInputs::begin_motion()
 
 void EventInputs::look(Input &input, bool active, const std::string &text, Clock::time_point now)
 {
-    const bool begins = active && !input.active;
+    const bool goes_on = input.is_motion && input.active_at > now - input.watched.again;
+    const bool begins = active && !input.active && !goes_on;
     input.active = active;
-    if (!active || (!begins && now - input.told_at < input.watched.again)) return;
+    if (!active) return;
+    input.active_at = now;
+    if (!begins && now - input.told_at < input.watched.again) return;
     input.told_at = now;
-    on_event_(input.watched.channel, input.is_motion ? "motion" : "alarm", text);
+    if (begins)
+        on_event_(input.watched.channel, input.is_motion ? "motion" : "alarm", text);
+    else if (on_lasting_)
+        on_lasting_(input.watched.channel);
 }
 
 Clock::time_point EventInputs::take_turn(Clock::time_point now)

@@ -2,7 +2,9 @@
  * event_inputs.h - what happens at a camera as the board tells it: its alarm input, and motion that the
  * chip of its analog input sees. Channel n has alarm input n.
  *
- * An event is told when it begins, and again while it lasts, so that what is recorded for it goes on.
+ * An event is told when it begins, once; that it lasts is told apart from it, so that what is recorded
+ * for it goes on. Blocks of a picture move at one moment and not at the next: motion that pauses for less
+ * than Watched::again is one.
  *
  * Threads: main.
  */
@@ -24,14 +26,15 @@ public:
         int channel = 0;
         bool alarm = false;
         bool motion = false;
-        Clock::duration again = std::chrono::seconds(1); /* so often it is told while it lasts */
+        Clock::duration again = std::chrono::seconds(1); /* so often it is told that it lasts */
     };
     using Teller = std::function<void(int channel, const std::string &kind, const std::string &text)>;
+    using LastingTeller = std::function<void(int channel)>;
 
-    EventInputs(std::vector<Watched> watched, Teller on_event);
+    EventInputs(const std::vector<Watched> &watched, Teller on_event, LastingTeller on_lasting = {});
 
     /** Watch these from now on. */
-    void set(std::vector<Watched> watched);
+    void set(const std::vector<Watched> &watched);
 
     bool start(WallControl &wall) override;
     Clock::time_point take_turn(Clock::time_point now) override;
@@ -39,10 +42,11 @@ public:
 private:
     struct Input {
         Watched watched;
-        bool is_motion;          /* or else an alarm input */
+        bool is_motion = false;  /* or else an alarm input */
         bool is_watched = false; /* for motion, by a chip */
         bool active = false;
-        Clock::time_point told_at;
+        Clock::time_point told_at = {};                         /* that it began, or lasts */
+        Clock::time_point active_at = Clock::time_point::min(); /* the last time */
     };
 
     void look(Input &input, bool active, const std::string &text, Clock::time_point now);
@@ -50,6 +54,7 @@ private:
 
     std::vector<Input> inputs_;
     const Teller on_event_;
+    const LastingTeller on_lasting_;
     WallControl *wall_ = nullptr;
     Clock::time_point look_at_;
 };

@@ -225,12 +225,18 @@ void Recorder::set_plan(int channel, const RecordingPlan &plan)
 void Recorder::event(int channel, const std::string &kind, const std::string &text)
 {
     if (channel < 0 || static_cast<size_t>(channel) >= main_.size()) return;
+    prolong_event(channel);
+    if (!hooks_.event) return;
+    hooks_.event({channel, wall_now_us(), kind, text});
+}
+
+void Recorder::prolong_event(int channel)
+{
+    if (channel < 0 || static_cast<size_t>(channel) >= main_.size()) return;
     main_[static_cast<size_t>(channel)]->begin_event();
     for (const NetworkStream &stream : network_) {
         if (stream.channel == channel) stream.recording->begin_event();
     }
-    if (!hooks_.event) return;
-    hooks_.event({channel, wall_now_us(), kind, text});
 }
 
 void Recorder::set_name(int channel, const std::string &name)

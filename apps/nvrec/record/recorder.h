@@ -72,6 +72,9 @@ public:
     /** Something happened at a camera: plans with events record it. Any thread. */
     void event(int channel, const std::string &kind, const std::string &text);
 
+    /** The last event of a camera lasts: what is recorded for it goes on. Any thread. */
+    void prolong_event(int channel);
+
     /** Another plan of a camera from now on. Main thread. */
     void set_plan(int channel, const RecordingPlan &plan);
 
