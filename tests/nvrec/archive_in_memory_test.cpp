@@ -15,6 +15,7 @@
 #include "archive/index_writer.h"
 #include "archive/intake.h"
 #include "archive_days.h"
+#include "no_file_grows.h"
 #include "vboard.h"
 
 namespace
@@ -85,14 +86,51 @@ TEST_F(IndexInMemory, KeepsRetentionFromDeletingAndSaysSo)
     Index index;
     ASSERT_EQ(index.open_in_memory(scratch_.path()), "");
     ASSERT_EQ(take_in(index, list_recordings(scratch_.path()), {.repair = true}).added, 1u);
+    stop_opening();
     Recycler retention(index);
     retention.set({.most_bytes = 1, .most_age_s = 1});
     retention.apply(local(2026, 1, 1, 14));
-    EXPECT_NE(retention.state().trouble.find("the index cannot be opened"), std::string::npos);
+    EXPECT_NE(retention.state().trouble.find("nothing is deleted"), std::string::npos);
     EXPECT_FALSE(retention.make_room(INT64_MAX));
-    EXPECT_NE(retention.state().trouble.find("the index cannot be opened"), std::string::npos);
+    EXPECT_NE(retention.state().trouble.find("nothing is deleted"), std::string::npos);
     EXPECT_TRUE(std::filesystem::exists(path));
     EXPECT_GT(retention.state().total_bytes, 0) << "the rest of what it sees stands";
+}
+
+/* Otherwise a disk that is full when the recorder starts would stay full. */
+TEST_F(IndexInMemory, LetsUnpinnedFilesGoWhereTheDirectorysCanBeReadAlthoughTheDiskIsFull)
+{
+    const std::string pinned = put_pinned(local(2020, 1, 1, 14));
+    const std::string free = put(scratch_.path(), 0, local(2020, 1, 2, 14));
+    {
+        const NoFileGrows full;
+        Index index;
+        ASSERT_NE(index.open(scratch_.path(), OpenedBy::kRecorder), "");
+        ASSERT_EQ(index.open_in_memory(scratch_.path()), "");
+        ASSERT_EQ(take_in(index, list_recordings(scratch_.path()), {.repair = true}).added, 2u);
+        Recycler retention(index);
+        retention.set({.most_age_s = 1});
+        retention.apply(local(2020, 1, 2, 15));
+        EXPECT_FALSE(std::filesystem::exists(free));
+        EXPECT_TRUE(std::filesystem::exists(pinned));
+        EXPECT_NE(retention.state().trouble.find("the index cannot be opened"), std::string::npos);
+        EXPECT_FALSE(retention.make_room(INT64_MAX));
+        EXPECT_TRUE(std::filesystem::exists(pinned));
+    }
+    Index index;
+    ASSERT_EQ(index.open(scratch_.path()), "");
+    EXPECT_EQ(index.pins().size(), 1u);
+}
+
+TEST_F(IndexInMemory, DeletesWithoutQuestionsWhereThereIsNoOtherOne)
+{
+    const std::string path = put(scratch_.path(), 0, local(2020, 1, 1, 14));
+    Index index;
+    ASSERT_EQ(index.open_in_memory(scratch_.path()), "");
+    ASSERT_EQ(take_in(index, list_recordings(scratch_.path()), {.repair = true}).added, 1u);
+    Recycler retention(index);
+    EXPECT_FALSE(retention.make_room(INT64_MAX));
+    EXPECT_FALSE(std::filesystem::exists(path)) << "nobody can have pinned anything";
 }
 
 TEST_F(IndexInMemory, IsWrittenIntoTheOneOfTheDirectory)

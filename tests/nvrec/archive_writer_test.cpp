@@ -2,18 +2,16 @@
  * The index's writer: what is told to it is there, also where the disk did not take it at first; one
  * recorder a directory, room on a full disk.
  */
-#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <mutex>
 #include <thread>
 
-#include <sys/resource.h>
-
 #include <gtest/gtest.h>
 
 #include "archive/index_writer.h"
 #include "archive_days.h"
+#include "no_file_grows.h"
 
 namespace
 {
@@ -21,23 +19,6 @@ namespace
 using namespace nvrec;
 using namespace archive_days;
 using std::chrono::seconds;
-
-/* Files of this process grow no further while it lives: to SQLite that is a disk that takes nothing. */
-class NoFileGrows
-{
-public:
-    NoFileGrows()
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit none = {512, before_.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &none);
-    }
-    ~NoFileGrows() { setrlimit(RLIMIT_FSIZE, &before_); }
-
-private:
-    rlimit before_ = {};
-};
 
 class WritingTheIndex : public testing::Test
 {

@@ -2,7 +2,10 @@
 #include "archive/index_in_memory.h"
 
 #include <cerrno>
+#include <optional>
+#include <utility>
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace nvrec
@@ -52,7 +55,38 @@ bool write_into(Index &file, Index &memory)
     return transaction.commit();
 }
 
+/* By the only one who reads or writes: who shares a database with others needs a file for that, which
+ * cannot be made on a full disk. */
+std::optional<std::vector<PinRow>> read_pins(const std::string &directory)
+{
+    const std::string path = directory + "/" + kIndexName;
+    struct stat facts = {};
+    const bool missing = ::stat(path.c_str(), &facts) != 0;
+    if (missing && errno != ENOENT) return std::nullopt;
+    std::vector<PinRow> pins;
+    if (missing || (S_ISREG(facts.st_mode) && facts.st_size == 0)) return pins; /* nobody ever pinned */
+    Database file;
+    if (!file.open(path) || !file.run("PRAGMA locking_mode = EXCLUSIVE")) return std::nullopt;
+    Statement find(file.handle(), "SELECT channel, from_us, to_us FROM pins JOIN cameras"
+                                  " ON camera = cameras.id");
+    while (find.next())
+        pins.push_back({0, static_cast<int>(find.number(0)), "", {find.number(1), find.number(2)}});
+    return find.done() ? std::optional(std::move(pins)) : std::nullopt;
+}
+
 } // namespace
+
+bool bring_pins(Index *index)
+{
+    const auto pins = read_pins(index->directory());
+    if (!pins || !index->database().run("DELETE FROM pins")) return false;
+    for (const PinRow &pin : *pins) {
+        for (const CameraRow &camera : index->cameras()) {
+            if (camera.channel == pin.channel && index->put_pin(camera.id, pin.span) == 0) return false;
+        }
+    }
+    return true;
+}
 
 std::string return_to_file(Index *index)
 {

@@ -3,7 +3,8 @@
  * full or it is another user's: an index in memory stands for it and is made from the files, until the
  * one of the directory can be opened again.
  *
- * Pins stand in the directory's index alone, so whoever deletes recordings asks Index::in_memory() first.
+ * Pins stand in the directory's index alone, so whoever deletes recordings brings them in first, and
+ * deletes nothing where they cannot be read.
  *
  * Threads: the one that has the index.
  */
@@ -15,6 +16,14 @@
 
 namespace nvrec
 {
+
+/**
+ * Give an index in memory the pins of the directory's, as they are now: each to all cameras of its
+ * channel, since files of before a camera had a name may be another one's in memory. Nothing is written
+ * for that, so that it can be done on a full disk.
+ * @return false = they cannot be read
+ */
+bool bring_pins(Index *index);
 
 /**
  * Open the directory's index, write into it what the one in memory holds, and take entries of files

@@ -11,8 +11,8 @@
  *
  * One recorder at a time records into a directory: a lock on nvrec.lock in it, which goes with the
  * process. When the queue is full, what comes is dropped and counted; the files say it again at the
- * next start. An index that cannot be opened is kept in memory and tried again every minute; until
- * then nothing is deleted, since nobody knows what is pinned.
+ * next start. An index that cannot be opened is kept in memory and tried again every minute (see
+ * index_in_memory.h).
  *
  * Threads: all calls from any thread. on_line() is called from the writer's thread.
  */

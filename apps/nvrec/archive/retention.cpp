@@ -7,6 +7,8 @@
 #include <sys/statvfs.h>
 #include <unistd.h>
 
+#include "archive/index_in_memory.h"
+
 namespace nvrec
 {
 namespace
@@ -14,8 +16,9 @@ namespace
 
 constexpr int64_t kAgeSecond_us = 1'000'000;
 constexpr size_t kMostPassedOver = 16;
+constexpr const char *kInMemory = "the index cannot be opened; what belongs into it is kept in memory";
 constexpr const char *kPinsUnknown =
-    "nothing is deleted to make room: the index cannot be opened, and what is pinned stands in it alone";
+    "nothing is deleted to make room: the index cannot be read, and what is pinned stands in it alone";
 
 } // namespace
 
@@ -34,13 +37,17 @@ void Recycler::look()
     state_.oldest_us = first ? first->from_us : 0;
 }
 
+bool Recycler::knows_pins()
+{
+    if (!index_.in_memory() || bring_pins(&index_)) return true;
+    state_.trouble = kPinsUnknown;
+    return false;
+}
+
 /* @return nothing = there is none that may go, or none of the oldest does */
 std::optional<SegmentRow> Recycler::delete_oldest_file(const char *why)
 {
-    if (index_.in_memory()) {
-        state_.trouble = kPinsUnknown;
-        return std::nullopt;
-    }
+    if (!knows_pins()) return std::nullopt;
     std::optional<SegmentRow> segment;
     while (passed_over_.size() < kMostPassedOver) {
         segment = index_.oldest_unpinned(passed_over_);
@@ -80,9 +87,10 @@ bool Recycler::remove_oldest(const char *why)
 
 void Recycler::apply(int64_t now_us, int most_files)
 {
-    state_.trouble = index_.in_memory() ? kPinsUnknown : "";
+    state_.trouble = index_.in_memory() ? kInMemory : "";
     passed_over_.clear();
     look();
+    if (!knows_pins()) return;
     for (int left = most_files; left > 0; --left) {
         const char *why = nullptr;
         if (options_.most_bytes > 0 && state_.total_bytes > options_.most_bytes) {
@@ -99,8 +107,7 @@ void Recycler::apply(int64_t now_us, int most_files)
         look();
     }
     /* Events of cameras that are not recorded, too. */
-    if (options_.most_age_s > 0 && !index_.in_memory())
-        index_.forget_before(now_us - options_.most_age_s * kAgeSecond_us);
+    if (options_.most_age_s > 0) index_.forget_before(now_us - options_.most_age_s * kAgeSecond_us);
 }
 
 bool Recycler::make_room(int64_t bytes)

@@ -1,7 +1,7 @@
 /*
  * retention.h - which recordings go, so that others have room: by total size, by age, and by what is
  * left on the disk. The oldest go first, whichever camera's they are; pinned ones and the files that
- * are being written never. While the index is in memory alone nothing goes, since pins are not in it.
+ * are being written never. While the index is in memory alone, nothing goes unless the pins can be read.
  *
  * Gaps and events go with the recordings of their time.
  *
@@ -59,6 +59,7 @@ public:
     const RetentionState &state() const { return state_; }
 
 private:
+    bool knows_pins();
     bool remove_oldest(const char *why);
     std::optional<SegmentRow> delete_oldest_file(const char *why);
     void look();
