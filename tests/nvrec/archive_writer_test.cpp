@@ -191,6 +191,34 @@ TEST_F(WritingTheIndex, DeletesOldRecordingsForRoom)
     EXPECT_NE(said().find("deleted to make room: " + path), std::string::npos);
 }
 
+/* A quota, or blocks that a file system keeps back: free bytes that nobody gets. */
+TEST_F(WritingTheIndex, DeletesOneForRoomThatTheDiskOnlyCallsFree)
+{
+    const std::string older = put(scratch_.path(), 0, local(2020, 1, 1, 14));
+    const std::string newer = put(scratch_.path(), 0, local(2020, 1, 1, 15));
+    IndexWriter writer(teller());
+    writer.start(scratch_.path());
+    ASSERT_EQ(writer.wait_open(seconds(10)), "");
+    EXPECT_TRUE(writer.free_space(1, seconds(10), true));
+    EXPECT_FALSE(std::filesystem::exists(older));
+    EXPECT_TRUE(std::filesystem::exists(newer)) << "one of them";
+    EXPECT_TRUE(writer.free_space(1, seconds(10))) << "asked anew";
+    EXPECT_TRUE(std::filesystem::exists(newer));
+    EXPECT_TRUE(writer.free_space(1, seconds(10), true));
+    EXPECT_FALSE(std::filesystem::exists(newer));
+    EXPECT_FALSE(writer.free_space(1, seconds(10), true)) << "there is none left";
+    ASSERT_TRUE(writer.stop(seconds(10)));
+}
+
+TEST_F(WritingTheIndex, AnswersWhoAsksForNoRoomAtAll)
+{
+    IndexWriter writer(teller());
+    writer.start(scratch_.path());
+    ASSERT_EQ(writer.wait_open(seconds(10)), "");
+    EXPECT_TRUE(writer.free_space(0, seconds(10)));
+    ASSERT_TRUE(writer.stop(seconds(10)));
+}
+
 TEST_F(WritingTheIndex, SaysThatTheDirectoryIsMissing)
 {
     IndexWriter writer(teller());

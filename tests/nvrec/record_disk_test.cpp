@@ -106,7 +106,7 @@ private:
 class NvrecDisk : public testing::Test
 {
 protected:
-    void open(const std::shared_ptr<StandInDisk> &disk, std::function<bool(uint64_t)> free_space = {})
+    void open(const std::shared_ptr<StandInDisk> &disk, std::function<bool(uint64_t, bool)> free_space = {})
     {
         DiskWriterOptions options;
         options.directory = scratch_.file("files");
@@ -242,7 +242,7 @@ TEST_F(NvrecDisk, AFullDiskIsRecycledAndTheFileGoesOn)
 {
     const auto disk = std::make_shared<StandInDisk>(20'000);
     std::vector<uint64_t> asked;
-    open(disk, [&](uint64_t bytes) {
+    open(disk, [&](uint64_t bytes, bool) {
         asked.push_back(bytes);
         disk->add_room(15'000);
         return true;

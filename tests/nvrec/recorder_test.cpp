@@ -3,6 +3,7 @@
  * clips that the test reads by itself, so that it knows what was put.
  */
 #include <atomic>
+#include <cerrno>
 #include <condition_variable>
 #include <filesystem>
 #include <memory>
@@ -59,6 +60,20 @@ public:
 
 private:
     std::atomic<bool> hangs_ = false;
+};
+
+/* Has no place for a new file while another one lies there, though it says that much is free. */
+class QuotaDisk : public FileSystem
+{
+public:
+    explicit QuotaDisk(std::string full_with) : full_with_(std::move(full_with)) {}
+    int create(const std::string &path, int *descriptor) override
+    {
+        return std::filesystem::exists(full_with_) ? EDQUOT : FileSystem::create(path, descriptor);
+    }
+
+private:
+    const std::string full_with_;
 };
 
 class NvrecRecorder : public testing::Test
@@ -214,6 +229,25 @@ TEST_F(NvrecRecorder, ACameraThatFellSilentIsNotRecordedAndTheNextOneHasAFileOfI
     for (const CameraRow &camera : index.cameras())
         names.push_back(camera.name);
     EXPECT_EQ(names, (std::vector<std::string>{"yard", "door"}));
+}
+
+TEST_F(NvrecRecorder, AFullDiskMakesRoomForANewFile)
+{
+    std::filesystem::create_directories(scratch_.file("files"));
+    const std::string oldest = scratch_.file("files/ch00-main-20200101-140000.mp4");
+    std::filesystem::copy_file(std::string(NVREC_CLIPS) + "/camera2.mp4", oldest);
+    RecorderOptions options;
+    options.recycle = true;
+    options.files = std::make_shared<QuotaDisk>(oldest);
+    start(1, std::move(options));
+    ASSERT_TRUE(clip_.open(std::chrono::seconds(10)));
+    put(0, clip_, 50);
+    recorder_->stop();
+    EXPECT_FALSE(std::filesystem::exists(oldest));
+    ASSERT_EQ(files().size(), 1u);
+    EXPECT_EQ(picture_checksums(files()[0]).size(), 50u);
+    EXPECT_TRUE(wall_->ends.empty());
+    EXPECT_EQ(recorder_->disk().recycled_files, 1u);
 }
 
 TEST_F(NvrecRecorder, SixteenCamerasAreRecordedWholly)

@@ -91,6 +91,7 @@ struct IndexWriter::State {
     uint64_t dropped = 0;
     RetentionState retained;
     int64_t room_wanted = 0; /* bytes that somebody waits for; 0 = nobody */
+    bool one_goes = false;   /* whatever is free */
     uint64_t rooms_made = 0;
     bool room = false;
 
@@ -193,11 +194,12 @@ void IndexWriter::set_retention(const RetentionOptions &retention)
     state_->retention = retention;
 }
 
-bool IndexWriter::free_space(int64_t bytes, std::chrono::milliseconds limit)
+bool IndexWriter::free_space(int64_t bytes, std::chrono::milliseconds limit, bool one_goes)
 {
     std::unique_lock guard(state_->lock);
     const uint64_t before = state_->rooms_made;
-    state_->room_wanted = std::max(state_->room_wanted, bytes);
+    state_->room_wanted = std::max({state_->room_wanted, bytes, int64_t{1}});
+    state_->one_goes |= one_goes;
     state_->changed.notify();
     return state_->changed.wait_for(
                guard, limit, [&] { return state_->rooms_made != before || state_->ended || state_->quit; }) &&
@@ -257,6 +259,7 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
         Changes changes = std::exchange(state->queue, {});
         const bool last_try = state->quit;
         const int64_t room_wanted = state->room_wanted;
+        const bool one_goes = state->one_goes;
         retention.set(state->retention);
         guard.unlock();
 
@@ -271,7 +274,7 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
         Made made = make_together(index, &changes);
         std::string trouble = made.trouble;
         bool room = false;
-        if (room_wanted > 0) room = retention.make_room(room_wanted);
+        if (room_wanted > 0) room = retention.make_room(room_wanted, one_goes);
         if (Clock::now() >= retention_at) {
             retention.apply(wall_now_us());
             retention_at = Clock::now() + kRetentionPeriod;
@@ -296,6 +299,7 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
         if (room_wanted > 0) {
             state->room = room;
             state->room_wanted = 0;
+            state->one_goes = false;
             ++state->rooms_made;
             state->changed.notify();
         }

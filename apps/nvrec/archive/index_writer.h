@@ -70,9 +70,10 @@ public:
     /**
      * The disk is full: delete the oldest recordings that are not pinned until so much is free. Waits
      * at most the limit, so call it from a thread that writes, and from no other.
+     * @param one_goes  delete one in any case: a quota or a reserve refuses what the disk calls free
      * @return true = there is room now
      */
-    bool free_space(int64_t bytes, std::chrono::milliseconds limit);
+    bool free_space(int64_t bytes, std::chrono::milliseconds limit, bool one_goes = false);
 
     /** What retention did and what it sees. */
     RetentionState retention_state() const;

@@ -110,9 +110,10 @@ void Recycler::apply(int64_t now_us, int most_files)
     if (options_.most_age_s > 0) index_.forget_before(now_us - options_.most_age_s * kAgeSecond_us);
 }
 
-bool Recycler::make_room(int64_t bytes)
+bool Recycler::make_room(int64_t bytes, bool one_goes)
 {
     state_.trouble.clear();
+    if (one_goes && !remove_oldest("the disk is full")) return false;
     look();
     while (state_.free_bytes >= 0 && state_.free_bytes < bytes) {
         if (!remove_oldest("the disk is full")) return false;

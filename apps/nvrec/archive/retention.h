@@ -53,8 +53,12 @@ public:
     /** Delete what is too much or too old now. At most so many files a call, the rest in the next one. */
     void apply(int64_t now_us, int most_files = 64);
 
-    /** Delete the oldest until so many bytes are free on the disk. @return whether they are. */
-    bool make_room(int64_t bytes);
+    /**
+     * Delete the oldest until so many bytes are free on the disk.
+     * @param one_goes  one of them, whatever is free
+     * @return whether they are
+     */
+    bool make_room(int64_t bytes, bool one_goes = false);
 
     const RetentionState &state() const { return state_; }
 

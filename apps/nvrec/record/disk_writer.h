@@ -53,8 +53,12 @@ struct DiskWriterOptions {
     /** Holds the directory, instead of the disk writer. @return why not */
     std::function<std::string()> hold_directory;
 
-    /** Make room of so many bytes, for instance by recycling; false = there is none to make. */
-    std::function<bool(uint64_t bytes)> free_space;
+    /**
+     * Make room of so many bytes, for instance by recycling; false = there is none to make.
+     * @param in_vain  it was made before, and the disk refuses as full all the same: what it says of
+     *                 its free bytes does not count, something has to go
+     */
+    std::function<bool(uint64_t bytes, bool in_vain)> free_space;
     OutputEvents events;
     std::function<void()> on_news; /* take_lines() or the status have something new */
     uint64_t most_queued_bytes = kMostQueued_bytes;

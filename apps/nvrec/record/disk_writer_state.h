@@ -67,7 +67,7 @@ private:
     int create(Open &open, std::string *problem);
     int write_with_room(Open &open, const Job &job);
     bool is_abandoned() const;
-    bool make_room(uint64_t bytes);
+    bool make_room(uint64_t bytes, bool in_vain);
     int write(const Open &open, const FileChunk &chunk);
     void give_up(Open &open, int error, const std::string &problem);
     void end(const OutputFile &file);

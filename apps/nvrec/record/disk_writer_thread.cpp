@@ -14,7 +14,8 @@ namespace
 constexpr auto kSyncPeriod = std::chrono::seconds(1);
 constexpr const char *kTaken = "another recorder records into it";
 constexpr int kMostNames = 1000;
-constexpr int kMostRecycled = 64; /* times that room is asked for, for one chunk */
+constexpr uint64_t kLeastRoom_bytes = 8u << 20; /* that is asked for: a name needs room, too     */
+constexpr int kMostRecycled = 8; /* times that it is asked for; behind the first a recording goes each time */
 
 bool is_full(int error)
 {
@@ -217,7 +218,7 @@ int DiskWriter::State::create(Open &open, std::string *problem)
         if (directory_ >= 0) options.files->close(std::exchange(directory_, -1));
         is_held_ = false;
     }
-    for (int tries = 0; is_full(error) && tries < kMostRecycled && make_room(0); ++tries)
+    for (int tries = 0; is_full(error) && tries < kMostRecycled && make_room(0, tries > 0); ++tries)
         error = timed([&] { return options.files->create(open.path, &open.descriptor); });
     return error;
 }
@@ -226,7 +227,7 @@ int DiskWriter::State::create(Open &open, std::string *problem)
 int DiskWriter::State::write_with_room(Open &open, const Job &job)
 {
     int error = write(open, job.chunk);
-    for (int tries = 0; is_full(error) && tries < kMostRecycled && make_room(job.bytes); ++tries)
+    for (int tries = 0; is_full(error) && tries < kMostRecycled && make_room(job.bytes, tries > 0); ++tries)
         error = write(open, job.chunk);
     return error;
 }
@@ -237,10 +238,10 @@ bool DiskWriter::State::is_abandoned() const
     return abandoned;
 }
 
-bool DiskWriter::State::make_room(uint64_t bytes)
+bool DiskWriter::State::make_room(uint64_t bytes, bool in_vain)
 {
     if (!options.free_space || is_abandoned()) return false;
-    return timed([&] { return options.free_space(bytes); });
+    return timed([&] { return options.free_space(std::max(bytes, kLeastRoom_bytes), in_vain); });
 }
 
 int DiskWriter::State::write(const Open &open, const FileChunk &chunk)

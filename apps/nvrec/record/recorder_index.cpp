@@ -46,9 +46,9 @@ RecorderHooks RecorderIndex::hooks(bool recycle)
             index->event({event.channel, name_of(event.channel), event.at_us, event.kind, event.text});
     };
     if (recycle)
-        hooks.free_space = [this](uint64_t bytes) {
+        hooks.free_space = [this](uint64_t bytes, bool in_vain) {
             const auto index = writer();
-            return index && index->free_space(static_cast<int64_t>(bytes), kRoomLimit);
+            return index && index->free_space(static_cast<int64_t>(bytes), kRoomLimit, in_vain);
         };
     return hooks;
 }

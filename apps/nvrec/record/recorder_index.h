@@ -39,7 +39,7 @@ struct RecorderHooks {
 
     /** As DiskWriterOptions has them. */
     std::function<std::string()> hold_directory;
-    std::function<bool(uint64_t bytes)> free_space;
+    std::function<bool(uint64_t bytes, bool in_vain)> free_space;
 };
 
 class RecorderIndex
