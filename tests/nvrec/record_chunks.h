@@ -18,7 +18,6 @@ inline std::shared_ptr<nvrec::OutputFile> file_named(const std::string &name)
     file->name = name;
     file->ending = ".mkv";
     file->tally = std::make_shared<nvrec::OutputTally>();
-    file->given_up = std::make_shared<nvrec::PoolEvent>();
     return file;
 }
 

@@ -76,6 +76,11 @@ private:
     const std::string full_with_;
 };
 
+class UnsyncedDisk : public FileSystem
+{
+    int sync(int) override { return EIO; }
+};
+
 class NvrecRecorder : public testing::Test
 {
 protected:
@@ -248,6 +253,19 @@ TEST_F(NvrecRecorder, AFullDiskMakesRoomForANewFile)
     EXPECT_EQ(picture_checksums(files()[0]).size(), 50u);
     EXPECT_TRUE(wall_->ends.empty());
     EXPECT_EQ(recorder_->disk().recycled_files, 1u);
+}
+
+TEST_F(NvrecRecorder, WhatMayNotBeOnTheDiskShowsInTheExitStatus)
+{
+    RecorderOptions options;
+    options.files = std::make_shared<UnsyncedDisk>();
+    start(1, std::move(options));
+    ASSERT_TRUE(clip_.open(std::chrono::seconds(10)));
+    put(0, clip_, 50);
+    recorder_->stop();
+    EXPECT_EQ(wall_->ends, std::vector<int>{kExitOutputFailed});
+    EXPECT_EQ(status(0).written, 0u);
+    EXPECT_NE(status(0).last_error.find("may not be on the disk"), std::string::npos) << status(0).last_error;
 }
 
 TEST_F(NvrecRecorder, SixteenCamerasAreRecordedWholly)

@@ -9,8 +9,9 @@
  * bound may be exceeded by one chunk a recording.
  *
  * A chunk is written whole, or the file is cut back to where it stood: what a file holds can be
- * played. A full disk is asked for room (free_space) before a file is given up. A file without a name,
- * because it or its directory was deleted, is given up, and what is in it does not count as written.
+ * played. A file that cannot be synced is cut back to what was, and given up. A full disk is asked for room
+ * (free_space) before a file is given up. A file without a name, because it or its directory was deleted, is
+ * given up, and what is in it does not count as written.
  *
  * A call that has not come back for two seconds means that the disk hangs. Nothing can wake a thread
  * that waits for a disk, so finish() leaves it to the end of the process: what the thread needs lives

@@ -6,12 +6,15 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "record/disk_writer.h"
 
 namespace nvrec
 {
+
+constexpr auto kSyncPeriod = std::chrono::seconds(1);
 
 struct DiskWriter::State {
     struct Job {
@@ -23,14 +26,21 @@ struct DiskWriter::State {
         Clock::time_point queued_at;
     };
 
+    /* What is in a file up to the end of a chunk. */
+    struct Content {
+        int64_t size = 0;
+        uint64_t pictures = 0, sounds = 0;
+        int64_t until_us = 0; /* time of day */
+    };
+
     /* A file that is open. The thread's own. */
     struct Open {
         std::shared_ptr<OutputFile> file;
         std::string path;
         int descriptor = -1;
-        int64_t size = 0; /* whole: up to the last chunk */
-        uint64_t pictures = 0, sounds = 0;
-        int64_t until_us = 0; /* time of day */
+        Content written;
+        Content synced; /* of it, what a power cut leaves */
+        bool name_is_synced = false;
         std::optional<Clock::time_point> unsynced_since;
     };
 
@@ -72,18 +82,40 @@ private:
     void give_up(Open &open, int error, const std::string &problem);
     void end(const OutputFile &file);
     void close(Open &open);
-    void remove_empty(const Open &open);
+    void let_go(Open &open);
+    void fall_back(Open &open, const Content &to);
     void sync_old();
-    void sync(Open &open);
+    int sync(Open &open);
+    int sync_names();
     Open *find(const OutputFile &file);
     void set_trouble(DiskState state, const std::string &text);
     void say(const std::string &line);
-    template <typename Call> auto timed(Call call);
-    template <typename Hook, typename... Arguments> void tell(const Hook &hook, Arguments &&...arguments);
+    void began_call();
+    void ended_call();
+
+    /* A call to the disk, which may not come back. */
+    template <typename Call> auto timed(Call call)
+    {
+        began_call();
+        const auto result = call();
+        ended_call();
+        return result;
+    }
+
+    template <typename Hook, typename... Arguments> void tell(const Hook &hook, Arguments &&...arguments)
+    {
+        const std::scoped_lock guard(hooks_lock);
+        {
+            const std::scoped_lock state_guard(lock);
+            if (abandoned) return;
+        }
+        if (hook) hook(std::forward<Arguments>(arguments)...);
+    }
 
     std::vector<std::unique_ptr<Open>> open_;
-    int directory_ = -1;   /* held for this process              */
-    bool is_held_ = false; /* by it, or by who was asked to do so */
+    int directory_ = -1;       /* held for this process              */
+    bool is_held_ = false;     /* by it, or by who was asked to do so */
+    bool sync_failed_ = false; /* the last one: that a file takes bytes means nothing then */
 };
 
 } // namespace nvrec

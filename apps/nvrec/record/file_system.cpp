@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -21,13 +22,26 @@ int result_of(int returned)
     return returned < 0 ? errno : 0;
 }
 
+/* What a file system, or what is none of a disk's files, answers that knows no such call. */
+bool is_unknown_call(int error)
+{
+    return error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EOPNOTSUPP;
+}
+
 } // namespace
 
 int FileSystem::make_directories(const std::string &path)
 {
     std::error_code error;
+    std::vector<std::filesystem::path> missing;
+    std::filesystem::path part = std::filesystem::absolute(path, error).lexically_normal();
+    for (; part.has_relative_path() && !std::filesystem::exists(part, error); part = part.parent_path())
+        missing.push_back(part);
     std::filesystem::create_directories(path, error);
-    return error.value();
+    int result = error.value();
+    for (; result == 0 && !missing.empty(); missing.pop_back()) /* from above */
+        result = sync_directory(missing.back().parent_path());
+    return result;
 }
 
 int FileSystem::lock_directory(const std::string &path, int *descriptor)
@@ -61,7 +75,16 @@ int FileSystem::write(int descriptor, std::span<const uint8_t> bytes, int64_t at
 int FileSystem::sync(int descriptor)
 {
     const int result = result_of(fdatasync(descriptor));
-    return result == EINVAL ? 0 : result; /* what cannot be synced is none of a disk's files */
+    return is_unknown_call(result) ? 0 : result;
+}
+
+int FileSystem::sync_directory(const std::string &path)
+{
+    const int directory = ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (directory < 0) return errno == EACCES ? 0 : errno; /* it can be written and not be read */
+    const int result = result_of(fsync(directory));
+    ::close(directory);
+    return is_unknown_call(result) || result == EBADF || result == EPERM ? 0 : result; /* of directories */
 }
 
 int FileSystem::truncate(int descriptor, int64_t size)
@@ -77,7 +100,8 @@ bool FileSystem::has_name(int descriptor)
 
 int FileSystem::close(int descriptor)
 {
-    return result_of(::close(descriptor));
+    const int result = result_of(::close(descriptor));
+    return result == EINTR ? 0 : result; /* it is closed */
 }
 
 int FileSystem::remove(const std::string &path)

@@ -20,7 +20,7 @@ class FileSystem
 public:
     virtual ~FileSystem() = default;
 
-    /** A directory and those above it; there already = 0. */
+    /** A directory and those above it, which are on the disk then; there already = 0. */
     virtual int make_directories(const std::string &path);
 
     /** Hold a directory for this process. EWOULDBLOCK = another one has it. */
@@ -32,6 +32,9 @@ public:
     /** All of the bytes, at a place. */
     virtual int write(int descriptor, std::span<const uint8_t> bytes, int64_t at);
     virtual int sync(int descriptor);
+
+    /** The names in a directory, so that a new file is found behind a power cut. */
+    virtual int sync_directory(const std::string &path);
     virtual int truncate(int descriptor, int64_t size);
 
     /** Whether an open file still has a name, so that anybody can find it. */
