@@ -20,6 +20,7 @@ add_dependencies(nvrec_record_pieces_test nvrec_record_clips)
 nvrhal_test(nvrec_record_disk_test
   ${CMAKE_CURRENT_SOURCE_DIR}/record_container_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_disk_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/record_event_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_plan_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_room_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_sync_test.cpp

@@ -99,8 +99,7 @@ void Recording::wait_for_sound_reader()
 
 void Recording::begin_event()
 {
-    const auto after = std::chrono::microseconds(microseconds(plan().after_s));
-    event_until_ = (Clock::now() + after).time_since_epoch().count();
+    event_span_.begin(plan().after_s);
     event_->set();
 }
 
@@ -151,14 +150,24 @@ bool Recording::is_wanted(int64_t wall_us) const
     if (order_ != RecordOrder::kAsPlanned) return order_ == RecordOrder::kStart;
     const RecordingPlan now = plan();
     if (is_planned(now, wall_us)) return true;
-    return now.mode != RecordingMode::kNever && Clock::now().time_since_epoch().count() < event_until_;
+    return now.mode != RecordingMode::kNever && event_span_.holds(wall_us);
+}
+
+bool Recording::wants_held() const
+{
+    return !held_.empty() && is_wanted(held_.until_wall_us());
+}
+
+bool Recording::goes_by_events() const
+{
+    const RecordingMode mode = plan().mode;
+    const bool has_events = mode == RecordingMode::kEvent || mode == RecordingMode::kHours;
+    return has_events && order_ == RecordOrder::kAsPlanned;
 }
 
 int64_t Recording::held_before_us() const
 {
-    const RecordingPlan now = plan();
-    const bool has_events = now.mode == RecordingMode::kEvent || now.mode == RecordingMode::kHours;
-    return has_events && order_ == RecordOrder::kAsPlanned ? microseconds(now.before_s) : 0;
+    return goes_by_events() ? microseconds(plan().before_s) : 0;
 }
 
 void Recording::run()
@@ -171,7 +180,7 @@ void Recording::run()
         take_frames();
     }
     waiting_for_sound_ = false;
-    let_held_go();
+    if (wants_held()) let_held_go();
     write_sound(INT64_MAX);
     video_.give_up();
     if (sound_pool_) sound_pool_->give_up();
@@ -180,14 +189,19 @@ void Recording::run()
     heartbeat_deadline_ = INT64_MAX;
 }
 
+/* A full queue is the disk's affair, and watched there. */
+void Recording::wait_for_room()
+{
+    heartbeat_deadline_ = INT64_MAX;
+    writer_.wait_for_room([this] { return closing_.load(); });
+    heartbeat_deadline_ = (Clock::now() + kWorkLimit).time_since_epoch().count();
+}
+
 void Recording::take_frames()
 {
     PoolFrame frame;
     for (;;) {
-        /* A full queue is the disk's affair, and watched there. */
-        heartbeat_deadline_ = INT64_MAX;
-        writer_.wait_for_room([this] { return closing_.load(); });
-        heartbeat_deadline_ = (Clock::now() + kWorkLimit).time_since_epoch().count();
+        wait_for_room();
         take_sound();
         if (!video_.take(&frame)) break;
         handle(std::move(frame));
@@ -207,7 +221,7 @@ void Recording::take_frames()
 void Recording::forget_camera()
 {
     waiting_for_sound_ = sound_is_known_ = false;
-    let_held_go();
+    if (wants_held()) let_held_go();
     held_.clear();
     write_sound(INT64_MAX);
     end_file();
@@ -220,8 +234,9 @@ void Recording::forget_camera()
 /* What the record key or an event asked for while no picture came. */
 void Recording::catch_up()
 {
-    if (output_ && !is_wanted(wall_now_us())) end_file();
-    if (!waiting_for_sound_) let_held_go();
+    const bool may_end = !goes_by_events() || is_silent(); /* there, a key frame ends it */
+    if (output_ && may_end && !is_wanted(wall_now_us())) end_file();
+    if (!waiting_for_sound_ && wants_held()) let_held_go();
 }
 
 /* Which file pictures go into depends on the sound that comes with them. */
@@ -236,18 +251,22 @@ bool Recording::waits_for_sound(const PoolFrame &frame)
 void Recording::handle(PoolFrame frame)
 {
     const bool waits = waiting_for_sound_ = waits_for_sound(frame);
-    if (is_wanted(frame.taken_at_us) && !waits) {
+    const bool goes_on = output_ && !frame.key && goes_by_events();
+    /* It goes where the pictures before it in its group do. */
+    const int64_t wall_us =
+        held_.empty() ? frame.taken_at_us : std::max(frame.taken_at_us, held_.until_wall_us());
+    if (!waits && (goes_on || is_wanted(wall_us))) {
         let_held_go();
         write_picture(frame);
         return;
     }
     if (!waits) end_file();
-    const int64_t before_us = std::max(held_before_us(), waits ? 2 * kSoundPatience_us : 0);
-    if (before_us == 0) {
+    if (!waits && !goes_by_events()) {
         held_.clear();
         early_sound_.clear();
         return;
     }
+    const int64_t before_us = std::max(held_before_us(), waits ? 2 * kSoundPatience_us : 0);
     held_.add(std::move(frame), before_us);
     while (!early_sound_.empty() && !held_.empty() && early_sound_.front().pts_us < held_.from_us())
         early_sound_.pop_front();
@@ -255,18 +274,24 @@ void Recording::handle(PoolFrame frame)
 
 void Recording::let_held_go()
 {
-    if (held_.empty() || !is_wanted(held_.until_wall_us())) return;
+    const bool all = goes_by_events();
     for (const PoolFrame &frame : held_.take()) {
-        if (is_wanted(frame.taken_at_us)) write_picture(frame);
+        if (!all && !is_wanted(frame.taken_at_us)) continue;
+        wait_for_room();
+        write_picture(frame);
     }
+}
+
+bool Recording::is_silent() const
+{
+    return Clock::now() - Clock::time_point(Clock::duration(written_at_.load())) >= kSilentAfter;
 }
 
 /* A file stays open for a camera that has fallen silent; nothing goes into it. */
 RecordingState Recording::state() const
 {
-    const Clock::time_point written_at(Clock::duration(written_at_.load()));
-    const bool waits = state_ == RecordingState::kRuns && Clock::now() - written_at >= kSilentAfter;
-    return waits ? RecordingState::kWaiting : state_.load();
+    const RecordingState state = state_;
+    return state == RecordingState::kRuns && is_silent() ? RecordingState::kWaiting : state;
 }
 
 RecordingStatus Recording::status() const

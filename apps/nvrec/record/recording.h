@@ -6,7 +6,8 @@
  *        behind a jump of the clock: the next file -> ... -> drained and closed
  *
  * Not wanted: by its plan, or by the record key. A plan with events holds the last seconds in memory
- * (held_frames.h); an event lets them go into the file before what comes.
+ * (held_frames.h); an event lets them go into the file before what comes. Its file ends at a key frame,
+ * since only from one on pictures can be held for the next event.
  *
  * After frames were lost, pictures are passed over up to the next key frame. A file that cannot be
  * written is given up; at a key frame ten seconds later the next one is tried. While the disk writer's
@@ -29,6 +30,7 @@
 #include "camera/camera_source.h"
 #include "record/container_file.h"
 #include "record/disk_writer.h"
+#include "record/event_span.h"
 #include "record/frame_route.h"
 #include "record/held_frames.h"
 #include "record/parameter_sets.h"
@@ -103,7 +105,11 @@ private:
     void run();
     void take_frames();
     void forget_camera();
+    void wait_for_room();
     bool is_wanted(int64_t wall_us) const;
+    bool wants_held() const;
+    bool goes_by_events() const;
+    bool is_silent() const;
     RecordingState state() const;
     bool waits_for_sound(const PoolFrame &frame);
     int64_t held_before_us() const;
@@ -151,7 +157,7 @@ private:
     std::atomic<bool> sends_recordable_ = false; /* the camera's sound, as it is */
     std::atomic<RecordOrder> order_ = RecordOrder::kAsPlanned;
     std::atomic<RecordingState> state_ = RecordingState::kWaiting;
-    std::atomic<Clock::rep> event_until_ = INT64_MIN; /* ticks of the clock */
+    EventSpan event_span_;
     std::atomic<Clock::rep> heartbeat_deadline_ = INT64_MAX;
     std::atomic<Clock::rep> written_at_ = 0; /* ticks of the clock: the last picture */
     std::atomic<uint64_t> passed_over_ = 0;  /* pictures without a file */

@@ -1,0 +1,24 @@
+/* event_span.cpp - see event_span.h. */
+#include "record/event_span.h"
+
+#include "archive/time_of_day.h"
+
+namespace nvrec
+{
+
+void EventSpan::begin(double after_s)
+{
+    const auto after = std::chrono::microseconds(static_cast<int64_t>(after_s * 1e6));
+    until_ = (Clock::now() + after).time_since_epoch().count();
+}
+
+/* While it lasts every picture belongs to it, also one from before a clock that was set back. */
+bool EventSpan::holds(int64_t wall_us) const
+{
+    const Clock::rep until = until_;
+    if (until == kNone) return false;
+    const int64_t left_us = until - Clock::now().time_since_epoch().count();
+    return left_us > 0 || wall_us < wall_now_us() + left_us;
+}
+
+} // namespace nvrec

@@ -1,0 +1,34 @@
+/*
+ * event_span.h - until when pictures belong to the last event of a camera.
+ *
+ * The end is kept on the monotonic clock, which nobody sets, and compared with a picture's time of day:
+ * a picture that waited for the disk belongs to the event that it was taken in.
+ *
+ * Threads: any.
+ */
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+
+#include "host/clock.h"
+
+namespace nvrec
+{
+
+class EventSpan
+{
+public:
+    /** An event happens now; what comes within so many seconds belongs to it. */
+    void begin(double after_s);
+
+    /** Whether a picture of that time of day, microseconds since 1970, comes before the end of the last
+     * event. */
+    bool holds(int64_t wall_us) const;
+
+private:
+    static constexpr Clock::rep kNone = INT64_MIN;
+    std::atomic<Clock::rep> until_ = kNone; /* ticks of the clock */
+};
+
+} // namespace nvrec
