@@ -2,6 +2,7 @@
  * When and by which way a stream is recorded: plans, what is held for an event, the packet queue
  * beside the pools, and files at the end of daylight saving.
  */
+#include <algorithm>
 #include <cstdlib>
 #include <ctime>
 
@@ -124,6 +125,30 @@ TEST(HeldFrames, AreBoundedInBytes)
     EXPECT_EQ(held.take().front().key, true);
     held.add(frame_of(2000, true, 0), kSecond_us);
     EXPECT_TRUE(held.empty()) << "one that is too large";
+}
+
+/* Groups of 16 Mbit/s, five seconds long. */
+TEST(HeldFrames, CoverTheSecondsBeforeOfACameraOfAHighRate)
+{
+    HeldFrames held(kMostHeld_bytes);
+    for (int64_t number = 0; number < 25; ++number) {
+        held.add(frame_of(2'000'000, number % 5 == 0, number), 5 * kSecond_us);
+        ASSERT_FALSE(held.empty());
+        EXPECT_LE(held.from_us(), std::max<int64_t>(number - 5, 0) * kSecond_us) << number;
+    }
+}
+
+TEST(HeldFrames, GoOnBehindAGroupThatIsTooLarge)
+{
+    HeldFrames held(1000);
+    for (int64_t number = 0; number < 20; ++number) /* and with it the one before */
+        held.add(frame_of(90, number == 0 || number == 5, number), 60 * kSecond_us);
+    EXPECT_TRUE(held.empty());
+    EXPECT_EQ(held.bytes(), 0u);
+    held.add(frame_of(90, true, 20), 60 * kSecond_us);
+    held.add(frame_of(90, false, 21), 60 * kSecond_us);
+    EXPECT_EQ(held.bytes(), 180u);
+    EXPECT_EQ(held.from_us(), 20 * kSecond_us);
 }
 
 TEST(HeldFrames, BeginAnewBehindAHole)

@@ -2,6 +2,7 @@
 #include "record/held_frames.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace nvrec
@@ -14,15 +15,12 @@ void HeldFrames::add(PoolFrame frame, int64_t before_us)
     const int64_t needed_from_us = frame.dts_us - before_us;
     bytes_ += frame.bytes.size();
     frames_.push_back(std::move(frame));
-    for (;;) {
-        const auto second = std::find_if(frames_.begin() + 1, frames_.end(),
+    while (!frames_.empty()) {
+        const auto second = std::find_if(std::next(frames_.begin()), frames_.end(),
                                          [](const PoolFrame &other) { return other.key; });
-        if (bytes_ > most_bytes_)
-            drop_first_group();
-        else if (second != frames_.end() && second->dts_us <= needed_from_us)
-            drop_first_group();
-        else
-            return;
+        const bool is_outdated = second != frames_.end() && second->dts_us <= needed_from_us;
+        if (bytes_ <= most_bytes_ && !is_outdated) return;
+        drop_first_group();
     }
 }
 

@@ -1,6 +1,7 @@
 /*
  * held_frames.h - the last seconds of a stream, kept in memory for an event that may come: whole
- * groups of pictures, bounded in time and in bytes.
+ * groups of pictures, bounded in time and in bytes. Where a single group is larger than the bound,
+ * nothing is held up to the next key frame: what comes behind it cannot be decoded without it.
  *
  * Threads: one.
  */

@@ -35,8 +35,11 @@ struct RecordingPlan {
     double after_s = 20;          /* kEvent and kHours: and what lies behind the last  */
 };
 
-/** Frames that are held for an event that may come. */
-constexpr uint64_t kMostHeld_bytes = 8u << 20;
+/**
+ * Frames that are held for an event that may come: a camera of 16 Mbit/s with five seconds before and
+ * as many between key frames needs 20 MB, one of 4 Mbit/s with a minute before 32 MB.
+ */
+constexpr uint64_t kMostHeld_bytes = 32u << 20;
 constexpr double kLongestBefore_s = 60;
 constexpr double kLongestAfter_s = 3600;
 
