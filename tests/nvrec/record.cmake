@@ -24,6 +24,7 @@ nvrhal_test(nvrec_record_disk_test
   ${CMAKE_CURRENT_SOURCE_DIR}/record_plan_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_room_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_sync_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/recorder_log_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/recorder_test.cpp
   LIBS nvrec_record_files nvrec_pieces vboard LABEL nvrec TIMEOUT 60)
 target_compile_definitions(nvrec_record_disk_test PRIVATE NVREC_CLIPS="${nvrec_record_clips}")

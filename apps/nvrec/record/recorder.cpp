@@ -48,7 +48,7 @@ void Recorder::start_writer()
         index_ = std::make_unique<RecorderIndex>(
             options_.record.directory, options_.names,
             [terminal = &wall_->terminal()](bool trouble, const std::string &line) {
-                trouble ? terminal->error(line) : terminal->print(line);
+                trouble ? terminal->error(line) : terminal->info(line);
             });
         index_->set_retention(options_.retention);
         hooks_ = index_->hooks(options_.recycle);
@@ -207,9 +207,9 @@ void Recorder::set_order(RecordOrder order)
         recording->set_order(order);
     for (const NetworkStream &stream : network_)
         stream.recording->set_order(order);
-    wall_->terminal().print(order == RecordOrder::kStop    ? "recording is stopped by the record key"
-                            : order == RecordOrder::kStart ? "all cameras are recorded by the record key"
-                                                           : "recording goes by its plan");
+    wall_->terminal().info(order == RecordOrder::kStop    ? "recording is stopped by the record key"
+                           : order == RecordOrder::kStart ? "all cameras are recorded by the record key"
+                                                          : "recording goes by its plan");
     wall_->wake();
 }
 
