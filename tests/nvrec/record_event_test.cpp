@@ -162,6 +162,17 @@ TEST_F(NvrecEvents, PicturesThatWaitForTheDiskBelongToTheEventTheyWereTakenIn)
     EXPECT_EQ(finish(), std::vector<size_t>{60});
 }
 
+TEST_F(NvrecEvents, CountInNoOtherPlan)
+{
+    plan_.mode = RecordingMode::kHours; /* none of the day's */
+    begin("network1.mp4");
+    put(20);
+    recording_->begin_event();
+    put(20);
+    EXPECT_TRUE(finish().empty());
+    EXPECT_EQ(recording_->status().written, 0u);
+}
+
 TEST_F(NvrecEvents, LastForTheTimeOfDayOfPictures)
 {
     const int64_t begin_us = wall_now_us();

@@ -2,7 +2,7 @@
  * plan.h - when a camera is recorded: always, never, within hours of the day, or around events.
  *
  *   always   every frame
- *   hours    in local time, by day of the week; events outside of the hours are recorded, too
+ *   hours    in local time, by day of the week; events change nothing in it
  *   event    from before_s before an event until after_s behind the last one; before_s is held in
  *            memory, whole groups of pictures, no more than kMostHeld_bytes a stream
  *   never    only when the record key asks for it
@@ -32,7 +32,7 @@ struct RecordingPlan {
     RecordingMode mode = RecordingMode::kAlways;
     std::vector<PlanHours> hours; /* of kHours */
     double before_s = 5;          /* kEvent: what lies before an event belongs to it   */
-    double after_s = 20;          /* kEvent and kHours: and what lies behind the last  */
+    double after_s = 20;          /* kEvent: and what lies behind the last one         */
 };
 
 /**

@@ -149,8 +149,7 @@ bool Recording::is_wanted(int64_t wall_us) const
 {
     if (order_ != RecordOrder::kAsPlanned) return order_ == RecordOrder::kStart;
     const RecordingPlan now = plan();
-    if (is_planned(now, wall_us)) return true;
-    return now.mode != RecordingMode::kNever && event_span_.holds(wall_us);
+    return now.mode == RecordingMode::kEvent ? event_span_.holds(wall_us) : is_planned(now, wall_us);
 }
 
 bool Recording::wants_held() const
@@ -160,9 +159,7 @@ bool Recording::wants_held() const
 
 bool Recording::goes_by_events() const
 {
-    const RecordingMode mode = plan().mode;
-    const bool has_events = mode == RecordingMode::kEvent || mode == RecordingMode::kHours;
-    return has_events && order_ == RecordOrder::kAsPlanned;
+    return order_ == RecordOrder::kAsPlanned && plan().mode == RecordingMode::kEvent;
 }
 
 int64_t Recording::held_before_us() const
