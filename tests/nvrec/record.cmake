@@ -26,8 +26,10 @@ nvrhal_test(nvrec_record_disk_test
   ${CMAKE_CURRENT_SOURCE_DIR}/record_sync_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/recorder_log_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/recorder_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/service_unit_test.cpp
   LIBS nvrec_record_files nvrec_pieces vboard LABEL nvrec TIMEOUT 60)
-target_compile_definitions(nvrec_record_disk_test PRIVATE NVREC_CLIPS="${nvrec_record_clips}")
+target_compile_definitions(nvrec_record_disk_test PRIVATE NVREC_CLIPS="${nvrec_record_clips}"
+  NVREC_SERVICE_UNIT="${PROJECT_SOURCE_DIR}/apps/nvrec/service/nvrec.service.in")
 add_dependencies(nvrec_record_disk_test nvrec_record_clips)
 
 nvrhal_test(nvrec_record_test

@@ -17,7 +17,6 @@ namespace
 
 constexpr auto kUnansweredLimit = std::chrono::seconds(20); /* disks that wake up take ten     */
 constexpr auto kLastPatience = std::chrono::milliseconds(1000);
-constexpr auto kLongestEnd = std::chrono::seconds(30);
 
 } // namespace
 
@@ -79,7 +78,7 @@ bool DiskWriter::finish(Leftover *leftover)
             state.done.wait_until(guard, moved_at + kLastPatience, [&] { return state.exited; });
             const Clock::time_point now = Clock::now();
             if (std::exchange(seen, state.calls) != state.calls) moved_at = now;
-            if (now - moved_at >= kLastPatience || now - began >= kLongestEnd) break;
+            if (now - moved_at >= kLastPatience || now - began >= kLongestDiskEnd) break;
         }
         if (!state.exited) {
             state.abandoned = true;

@@ -38,6 +38,7 @@ namespace nvrec
 
 constexpr uint64_t kMostQueued_bytes = 48u << 20; /* 10 s of 8 cameras of 4 Mbit/s are 40 MB   */
 constexpr auto kDiskHangsAfter = std::chrono::seconds(2);
+constexpr auto kLongestDiskEnd = std::chrono::seconds(30); /* of finish(), over a disk that is slow */
 
 /** Who keeps books of files. Called on the disk writer's thread; must not wait for anything. */
 struct OutputEvents {

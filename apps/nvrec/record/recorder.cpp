@@ -14,7 +14,6 @@ namespace
 {
 
 constexpr auto kLookPeriod = std::chrono::milliseconds(500);
-constexpr auto kIndexLimit = std::chrono::seconds(5); /* a disk that just wrote, writes */
 
 std::string megabytes(uint64_t bytes)
 {
@@ -294,7 +293,7 @@ bool Recorder::finish_writer()
     const bool finished = writer_->finish(&left);
     tell_lines();
     if (finished) {
-        if (index_) index_->stop(kIndexLimit);
+        if (index_) index_->stop(kLongestIndexEnd);
         return writer_->directory_trouble().empty();
     }
     std::string line = options_.record.directory + ": the disk does not answer; lost are " +

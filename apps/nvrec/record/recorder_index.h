@@ -9,6 +9,7 @@
  */
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <map>
 #include <memory>
@@ -20,6 +21,8 @@
 
 namespace nvrec
 {
+
+constexpr auto kLongestIndexEnd = std::chrono::seconds(5); /* a disk that just wrote, writes */
 
 /** Something that happened at a camera. */
 struct RecordedEvent {
