@@ -159,8 +159,8 @@ void Recording::note_trouble(const std::string &path, const std::string &reason)
 /* The file at hand cannot be written. */
 void Recording::fail(const std::string &path, const std::string &reason)
 {
+    try_again_at_ = Clock::now() + kRetry; /* from here on, also for who hears of it */
     note_trouble(path, reason);
-    try_again_at_ = Clock::now() + kRetry;
     file_.discard();
     if (output_) writer_.end(output_);
     output_.reset();
