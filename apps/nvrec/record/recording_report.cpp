@@ -1,0 +1,66 @@
+/* recording_report.cpp - see recording.h: what a recording says of itself, now and at the end. */
+#include <algorithm>
+
+#include "record/recording.h"
+
+namespace nvrec
+{
+
+RecordingStatus Recording::status() const
+{
+    RecordingStatus status;
+    const PoolCounters frames = video_.counters();
+    status.channel = channel_;
+    status.stream = stream_;
+    status.state = state();
+    status.by_event = plan().mode == RecordingMode::kEvent && status.state == RecordingState::kRuns;
+    status.beside_the_pool = video_.beside_the_pool();
+    status.file = tally_->current();
+    status.written = tally_->pictures;
+    status.bytes = tally_->bytes;
+    status.lost = frames.lost;
+    status.refused = frames.refused;
+    status.skipped = passed_over_;
+    status.pool_laps = frames.resynchronised;
+    const std::scoped_lock guard(lock_);
+    status.last_error = trouble_;
+    if (shown_output_) status.lag_s = writer_.lag_s(*shown_output_);
+    return status;
+}
+
+std::vector<RecordingReport> Recording::reports() const
+{
+    RecordingReport pictures;
+    pictures.channel = channel_;
+    pictures.stream = stream_;
+    pictures.frames = video_.counters();
+    pictures.written = tally_->pictures;
+    pictures.skipped = pictures.frames.read - pictures.written;
+    pictures.bytes = tally_->bytes;
+    pictures.files = tally_->files();
+    {
+        const std::scoped_lock guard(lock_);
+        pictures.trouble = trouble_;
+    }
+    std::vector<RecordingReport> reports = {pictures};
+    const PoolCounters sent = sound_queue_.counters();
+    const PoolCounters sound =
+        sent.stored + sent.refused > 0 || !sound_pool_ ? sent : sound_pool_->counters();
+    if (sound.stored + sound.refused == 0) return reports;
+    RecordingReport row;
+    row.channel = channel_;
+    row.stream = "sound";
+    row.frames = sound;
+    row.written = tally_->sounds;
+    row.skipped = sound.read - std::min<uint64_t>(sound.read, row.written);
+    reports.push_back(row);
+    return reports;
+}
+
+bool Recording::failed() const
+{
+    const std::scoped_lock guard(lock_);
+    return !trouble_.empty();
+}
+
+} // namespace nvrec
