@@ -13,6 +13,7 @@
 #include "record/held_frames.h"
 #include "record/packet_queue.h"
 #include "record/plan.h"
+#include "record/recent_rate.h"
 #include "record/segment.h"
 
 namespace
@@ -89,6 +90,15 @@ TEST(Segments, TheHourThatComesTwiceHasTwoFilesWithTwoNames)
     EXPECT_EQ(segment_name(3, "main", second_us), "ch03-main-20261025-023000+0100");
     EXPECT_EQ(segment_name(3, "main", second_us + kHour_s * kSecond_us), "ch03-main-20261025-033000");
     EXPECT_EQ(segment_name(3, "main", first_us - kHour_s * kSecond_us), "ch03-main-20261025-013000");
+}
+
+TEST(RecentRates, AreNoneWhereTheCountFell)
+{
+    const Clock::time_point begin{};
+    RecentRate rate;
+    rate.note(begin, 1'000'000);
+    EXPECT_DOUBLE_EQ(rate.per_s(begin + std::chrono::seconds(10), 3'000'000).value_or(-1), 200'000);
+    EXPECT_DOUBLE_EQ(rate.per_s(begin + std::chrono::seconds(10), 999'999).value_or(-1), 0);
 }
 
 PoolFrame frame_of(size_t bytes, bool key, int64_t number)

@@ -6,6 +6,7 @@
  */
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <deque>
 #include <optional>
@@ -19,7 +20,7 @@ namespace nvrec
 class RecentRate
 {
 public:
-    /** The count stands there now; it never falls. */
+    /** The count stands there now. It may fall: what a file that is lost held counts no more. */
     void note(Clock::time_point now, uint64_t count)
     {
         if (!samples_.empty() && now - samples_.back().first < kApart) return;
@@ -33,7 +34,8 @@ public:
     {
         if (samples_.empty() || now <= samples_.front().first) return std::nullopt;
         const auto [from, before] = samples_.front();
-        return static_cast<double>(count - before) / std::chrono::duration<double>(now - from).count();
+        const uint64_t grown = count - std::min(before, count);
+        return static_cast<double>(grown) / std::chrono::duration<double>(now - from).count();
     }
 
 private:
