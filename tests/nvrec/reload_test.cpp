@@ -57,8 +57,8 @@ TEST_F(ReloadOfARecorder, ALiveCameraThatIsConnectedAnewGoesOnAtItsRightTime)
     Process camera({NVREC_RTSP_CAMERA, NVREC_CLIP, "h264"});
     int port = 0;
     ASSERT_EQ(std::sscanf(camera.read_line().c_str(), "port %d", &port), 1);
-    const std::string yard = "[[camera]]\nname = \"yard\"\nmain = \"rtsp://127.0.0.1:" +
-                             std::to_string(port) + "/camera\"\n";
+    const std::string yard =
+        "[[camera]]\nname = \"yard\"\nmain = \"rtsp://127.0.0.1:" + std::to_string(port) + "/camera\"\n";
     write_config(yard + "transport = \"tcp\"\n");
     Process recorder({NVREC_PROGRAM, "run", file("nvrec.toml")});
     ASSERT_TRUE(status_says("\"state\": \"runs\"")) << recorder.errors;
