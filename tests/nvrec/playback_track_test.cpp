@@ -66,6 +66,30 @@ TEST(PlaybackTrack, OpensAnEarlierFileWhereNoLaterOneCanBeRead)
     EXPECT_EQ(track.facts().codec, Codec::kH264);
 }
 
+/* Beside cameras that were recorded longer; of files that somebody puts side by side the last picture stays.
+ */
+TEST(PlaybackTrack, GoesDarkBehindTheEndOfWhatWasRecordedAtThatTimeOfDay)
+{
+    for (const bool dated : {true, false}) {
+        PlaybackTrack track({"yard", {{clip("h264.mp4"), 0}}, dated}, 0);
+        ASSERT_TRUE(track.open());
+        ASSERT_TRUE(track.seek(0));
+        int64_t last_us = 0;
+        while (!track.at_end()) {
+            last_us = track.next().due_us;
+            track.deliver(false);
+        }
+        if (!dated) {
+            EXPECT_EQ(track.dark_from_us(), INT64_MAX);
+            continue;
+        }
+        EXPECT_GT(track.dark_from_us(), last_us);
+        EXPECT_LE(track.dark_from_us(), last_us + kSecond_us);
+        track.note_dark();
+        EXPECT_EQ(track.dark_from_us(), INT64_MAX) << "once";
+    }
+}
+
 TEST(PlaybackTrack, PlaysFilesOfTwoCodecsOneBehindTheOther)
 {
     PlaybackTrack track({"yard", {{clip("h264.mp4"), 0}, {clip("h265.mp4"), 2 * kSecond_us}}}, 0);

@@ -153,8 +153,9 @@ bool PlaybackTrack::ends_before(int64_t position_us)
 
 int64_t PlaybackTrack::dark_from_us() const
 {
-    if (dark_ || delivered_us_ == INT64_MIN || at_end_) return INT64_MAX;
+    if (dark_ || delivered_us_ == INT64_MIN) return INT64_MAX;
     const int64_t gap_us = std::max(kLeastGap_us, 3 * frame_us());
+    if (at_end_) return plan_.dated ? delivered_us_ + gap_us / 2 : INT64_MAX;
     return next_.due_us - delivered_us_ > gap_us ? delivered_us_ + gap_us / 2 : INT64_MAX;
 }
 

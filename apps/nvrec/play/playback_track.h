@@ -39,6 +39,7 @@ struct TrackFile {
 struct TrackPlan {
     std::string name; /* of the camera; empty = a file that nobody named */
     std::vector<TrackFile> files;
+    bool dated = false; /* its places are times of day: behind its end nothing was recorded */
 };
 
 class PlaybackTrack

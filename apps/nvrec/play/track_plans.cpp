@@ -68,6 +68,7 @@ PlayPlan plan_of_files(const std::vector<std::string> &files)
     const bool in_step = all_named && !files.empty() && shared.from_us < shared.to_us;
     for (size_t i = 0; i < plan.tracks.size(); ++i) {
         TrackPlan &track = plan.tracks[i];
+        track.dated = in_step;
         std::ranges::sort(track.files, {}, &TrackFile::from_us);
         const int64_t base_us = in_step ? whole.from_us : track.files.front().from_us;
         for (TrackFile &file : track.files)
@@ -90,7 +91,7 @@ PlayPlan plan_of_archive(Index &index, const std::vector<CameraRow> &cameras, co
     plan.base_us = INT64_MAX;
     for (const CameraRow &camera : cameras) {
         const IndexQuery query = {{camera.id}, stream};
-        TrackPlan track = {camera.shown(), {}};
+        TrackPlan track = {camera.shown(), {}, true};
         for (const SegmentRow &segment : index.segments(query)) {
             track.files.push_back({segment.path, segment.from_us});
             plan.base_us = std::min(plan.base_us, segment.from_us);
