@@ -74,11 +74,20 @@ TEST_F(BoardEvents, MotionThatPausesForAMomentIsOneEvent)
     for (int second = 0; second <= 60; ++second)
         pass_second(second % 2 == 0 ? 7 : 0);
     EXPECT_EQ(told_.size(), 1u);
-    EXPECT_EQ(lasting_, 10) << "every six seconds: at five there is none";
+    EXPECT_EQ(lasting_, 30) << "each time that it comes back: the seconds behind it count from there";
     for (int second = 0; second < 5; ++second)
         pass_second(0);
     pass_second(7);
     EXPECT_EQ(told_.size(), 2u) << "after a while of nothing it is another one";
+}
+
+TEST_F(BoardEvents, MotionThatLastsOverAReloadIsOneEvent)
+{
+    pass_second(7);
+    inputs_.set({{2, true, true, 5s}, {3, true, false, 5s}});
+    for (int second = 0; second <= 10; ++second)
+        pass_second(7);
+    EXPECT_EQ(told_.size(), 1u);
 }
 
 } // namespace

@@ -27,10 +27,19 @@ EventInputs::EventInputs(const std::vector<Watched> &watched, Teller on_event, L
 
 void EventInputs::set(const std::vector<Watched> &watched)
 {
-    inputs_.clear();
+    const std::vector<Input> before = std::exchange(inputs_, {});
+    auto add = [&](const Watched &one, bool is_motion) {
+        Input input = {.watched = one, .is_motion = is_motion};
+        const auto same = std::ranges::find_if(before, [&](const Input &other) {
+            return other.watched.channel == one.channel && other.is_motion == is_motion;
+        });
+        if (same != before.end()) input = *same; /* what lasts there is no second event */
+        input.watched = one;
+        inputs_.push_back(input);
+    };
     for (const Watched &one : watched) {
-        if (one.alarm && one.channel < kAlarmInputs) inputs_.push_back({.watched = one, .is_motion = false});
-        if (one.motion) inputs_.push_back({.watched = one, .is_motion = true});
+        if (one.alarm && one.channel < kAlarmInputs) add(one, false);
+        if (one.motion) add(one, true);
     }
     if (wall_) begin_motion();
 }
@@ -45,22 +54,26 @@ bool EventInputs::start(WallControl &wall)
 /* A board without analog inputs has no chips that look for motion. */
 void EventInputs::begin_motion()
 {
-    bool missing = false;
+    std::string missing;
     for (Input &input : inputs_) {
         input.is_watched = input.is_motion && wall_->session().motion().watch(input.watched.channel);
-        missing |= input.is_motion && !input.is_watched;
+        if (!input.is_motion || input.is_watched || std::exchange(input.is_said, true)) continue;
+        missing += (missing.empty() ? "" : ", ") + std::to_string(input.watched.channel);
     }
-    if (missing) wall_->terminal().warning("events: no analog input tells of motion on this board");
+    if (!missing.empty())
+        wall_->terminal().warning("events: no analog input tells of motion on this board for channel " +
+                                  missing);
 }
 
 void EventInputs::look(Input &input, bool active, const std::string &text, Clock::time_point now)
 {
     const bool goes_on = input.is_motion && input.active_at > now - input.watched.again;
-    const bool begins = active && !input.active && !goes_on;
+    const bool rises = active && !input.active;
+    const bool begins = rises && !goes_on;
     input.active = active;
     if (!active) return;
     input.active_at = now;
-    if (!begins && now - input.told_at < input.watched.again) return;
+    if (!rises && now - input.told_at < input.watched.again) return;
     input.told_at = now;
     if (begins)
         on_event_(input.watched.channel, input.is_motion ? "motion" : "alarm", text);

@@ -44,6 +44,7 @@ private:
         Watched watched;
         bool is_motion = false;  /* or else an alarm input */
         bool is_watched = false; /* for motion, by a chip */
+        bool is_said = false;    /* that no chip does */
         bool active = false;
         Clock::time_point told_at = {};                         /* that it began, or lasts */
         Clock::time_point active_at = Clock::time_point::min(); /* the last time */
