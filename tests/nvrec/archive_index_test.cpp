@@ -83,6 +83,19 @@ TEST_F(RecordingIndex, GivesRecordingsFromBeforeACameraHadANameToThatCamera)
     EXPECT_EQ(index_.segments(of(3, "yard")).size(), 2u);
 }
 
+TEST_F(RecordingIndex, AFileThatIsFinishedMayBeShorterThanItWas)
+{
+    ASSERT_TRUE(index_.put_segment(segment(0, "yard", "a.mp4", 10 * kHour_us, 10 * kHour_us)));
+    const auto end = [&] { return index_.segments(of(0, "yard")).at(0).to_us; };
+    ASSERT_TRUE(index_.grow_segment("a.mp4", 12 * kHour_us, 2000, false));
+    ASSERT_TRUE(index_.grow_segment("a.mp4", 11 * kHour_us, 2000, false));
+    EXPECT_EQ(end(), 12 * kHour_us) << "while it grows it only grows";
+    ASSERT_TRUE(index_.grow_segment("a.mp4", 11 * kHour_us, 1000, true));
+    EXPECT_EQ(end(), 11 * kHour_us) << "what the disk did not keep was cut off";
+    ASSERT_TRUE(index_.grow_segment("a.mp4", 0, 0, true));
+    EXPECT_EQ(end(), 10 * kHour_us) << "and never before its beginning";
+}
+
 TEST_F(RecordingIndex, TakesGapsOutOfWhatIsRecorded)
 {
     ASSERT_TRUE(index_.put_segment(segment(0, "yard", "a", 0, 100 * kSecond_us)));

@@ -205,8 +205,11 @@ bool Index::put_segment(const SegmentRow &row)
 
 bool Index::grow_segment(const std::string &path, int64_t to_us, int64_t bytes, bool finished)
 {
-    Statement grow(database_.handle(), "UPDATE segments SET to_us = max(to_us, ?), bytes = ?, finished = ?"
-                                       " WHERE file = ?");
+    /* A file that is finished may be shorter than it was: what could not be synced was cut off. */
+    Statement grow(database_.handle(),
+                   finished
+                       ? "UPDATE segments SET to_us = max(from_us, ?), bytes = ?, finished = ? WHERE file = ?"
+                       : "UPDATE segments SET to_us = max(to_us, ?), bytes = ?, finished = ? WHERE file = ?");
     return grow.bind(0, to_us).bind(1, bytes).bind(2, finished).bind(3, name_in_directory(path)).run();
 }
 

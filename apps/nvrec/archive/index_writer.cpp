@@ -268,6 +268,7 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
             if (return_to_file(&index).empty()) {
                 directory_lock.set_index_kept_up(true);
                 state->say(false, "the index is open again, and holds what was recorded meanwhile");
+                if (!index.note().empty()) state->say(true, index.note());
                 retention_at = Clock::now();
             }
         }
@@ -305,10 +306,14 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
         }
     }
     guard.unlock();
-    if (!index.in_memory() || return_to_file(&index).empty()) return;
+    if (!index.in_memory()) return;
+    const std::string reason = return_to_file(&index);
+    if (reason.empty()) return;
     /* The files say the rest again. */
     const IndexQuery all = {{}, "", {INT64_MIN, INT64_MAX}};
     const size_t lost = index.events(all).size() + index.gaps(all).size();
+    if (lost > 0)
+        state->say(true, std::to_string(lost) + " events and gaps are lost with the index: " + reason);
     guard.lock();
     state->dropped += lost;
 }

@@ -74,7 +74,8 @@ bool Recycler::remove_oldest(const char *why)
     if (!segment) return false;
     if (!index_.remove_segment(segment->path)) {
         state_.trouble = "the index: " + index_.error();
-        return false;
+        if (passed_over_.empty()) not_deleted_ = segment->path + " stays in the index: " + index_.error();
+        passed_over_.push_back(segment->path); /* its file has gone: the next one is another */
     }
     ++state_.deleted;
     state_.deleted_bytes += segment->bytes;
@@ -112,14 +113,14 @@ void Recycler::apply(int64_t now_us, int most_files)
 
 bool Recycler::make_room(int64_t bytes, bool one_goes)
 {
-    state_.trouble.clear();
+    state_.trouble = index_.in_memory() ? kInMemory : "";
     if (one_goes && !remove_oldest("the disk is full")) return false;
     look();
     while (state_.free_bytes >= 0 && state_.free_bytes < bytes) {
         if (!remove_oldest("the disk is full")) return false;
         look();
     }
-    return state_.free_bytes >= bytes;
+    return state_.free_bytes < 0 ? one_goes : state_.free_bytes >= bytes;
 }
 
 } // namespace nvrec
