@@ -139,10 +139,11 @@ void Player::play()
     done_ = false;
     began_at_ = Clock::now();
     single_ = -1;
-    if (first && plan_.has_base) {
-        page_ = std::max(0, page_that_goes_on(begin_us(), 0));
-        playback_.set_position(begin_us());
+    if (first || playback_.ended()) {
+        over_us_.assign(over_us_.size(), INT64_MAX);
+        page_ = plan_.has_base ? std::max(0, page_that_goes_on(begin_us(), 0)) : 0;
     }
+    if (first && plan_.has_base) playback_.set_position(begin_us());
     if (tracks_of_page().empty()) page_ = page_after(page_);
     count_from_here();
     if (first) playback_.pause(true); /* nothing runs before it is where and as fast as it is to be */

@@ -132,6 +132,7 @@ private:
     void take_sound();
     void write_sound(int64_t until_us);
     bool write_block(const PoolFrame &block);
+    void see_whether_well();
     void note_state();
 
     const int channel_;
@@ -169,9 +170,12 @@ private:
     std::vector<std::shared_ptr<OutputFile>> ended_; /* and not closed yet, as far as is known */
     std::vector<uint8_t> parameter_sets_;
     bool waits_for_key_ = true, sound_is_known_ = false, waiting_for_sound_ = false;
+    bool failing_ = false;        /* nothing was written since the last trouble */
     int64_t last_wall_us_ = 0;    /* of the last frame in the open file            */
     int64_t clock_offset_us_ = 0; /* time of day less monotonic time, as it began  */
     Clock::time_point try_again_at_ = Clock::time_point::min();
+    Clock::time_point trouble_at_; /* when the last one was */
+    uint64_t written_at_trouble_ = 0;
     HeldFrames held_{kMostHeld_bytes};
     std::shared_ptr<const SoundFormat> sent_sound_; /* null = A-law, or none */
     std::deque<PoolFrame> early_sound_;             /* of pictures that come */

@@ -14,6 +14,7 @@ namespace
 constexpr auto kRetry = std::chrono::seconds(10);
 constexpr int64_t kClockJump_us = 2'000'000; /* of the time of day against the monotonic clock */
 constexpr int64_t kGap_us = 2'000'000;       /* more without a picture is told to the index        */
+constexpr auto kWellAgain = std::chrono::minutes(1);
 constexpr size_t kMostEarlySound = 3000;
 
 /* What changes when the clock is set. */
@@ -153,6 +154,9 @@ void Recording::note_trouble(const std::string &path, const std::string &reason)
         is_new = std::exchange(said_reason_, reason) != reason;
         trouble_ = line;
     }
+    failing_ = true;
+    trouble_at_ = Clock::now();
+    written_at_trouble_ = tally_->pictures;
     if (is_new) on_error_(label() + ": not recorded: " + line);
 }
 
@@ -209,15 +213,25 @@ bool Recording::write_block(const PoolFrame &block)
     return true;
 }
 
+/* A reason that comes back much later is said again. */
+void Recording::see_whether_well()
+{
+    if (failing_ && tally_->pictures > written_at_trouble_) failing_ = false;
+    if (failing_ || Clock::now() - trouble_at_ < kWellAgain) return;
+    const std::scoped_lock guard(lock_);
+    said_reason_.clear();
+}
+
 void Recording::note_state()
 {
+    see_whether_well();
     if (output_)
         state_ = RecordingState::kRuns;
     else if (!is_wanted(wall_now_us()))
         state_ = RecordingState::kOff;
     else
         state_ =
-            Clock::now() < try_again_at_ || failed() ? RecordingState::kFailing : RecordingState::kWaiting;
+            Clock::now() < try_again_at_ || failing_ ? RecordingState::kFailing : RecordingState::kWaiting;
 }
 
 } // namespace nvrec
