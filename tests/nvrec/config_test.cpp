@@ -270,6 +270,12 @@ TEST_F(Configuration, PasswordsComeFromAFileOfTheirOwn)
             std::string("secrets = \"secrets.toml\"\nstatus = { page = \"192.0.2.1:80\", qr = true }\n") +
             kOneCamera)),
         Texts{});
+    write("secrets.toml", "[status]\ntoken = \"" + std::string(300, 'x') + "\"\n");
+    const Reading wide =
+        read(std::string("secrets = \"secrets.toml\"\nstatus = { page = \"192.0.2.1:80\", qr = true }\n") +
+             kOneCamera);
+    EXPECT_EQ(places(wide), Texts{"2 status.qr"}) << "no code has room for so long a token";
+    EXPECT_EQ(all_text(wide).find("xxx"), std::string::npos) << all_text(wide);
 }
 
 TEST_F(Configuration, AFileOfPasswordsThatOthersCanReadIsRefused)

@@ -7,6 +7,7 @@
 #include "overlay_board.h"
 #include "record/recording_status.h"
 #include "screen/pane_texts.h"
+#include "screen/qr_code.h"
 #include "vboard_devices.h"
 
 using namespace nvrec;
@@ -195,6 +196,18 @@ TEST_F(NvrecScreenStates, WithoutAnOverlayNobodyIsAsked)
     options_.mode = OverlayMode::kOff;
     start();
     EXPECT_FALSE(overlay_->ask_whether_to_end());
+}
+
+TEST_F(NvrecScreenStates, AnAddressWithoutACodeIsNamedWithoutItsToken)
+{
+    options_.address = "http://192.0.2.10/?token=hunter7" + std::string(kLongestQrText, 'x');
+    options_.show_address = true;
+    testing::internal::CaptureStderr();
+    start();
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_NE(said.find("no QR code of the address: http://192.0.2.10/?token=***"), std::string::npos)
+        << said;
+    EXPECT_EQ(said.find("hunter7"), std::string::npos) << said;
 }
 
 TEST(NvrecScreenTexts, EveryNoticeInBothLanguages)

@@ -2,9 +2,7 @@
 #include "commands/run_options.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
-#include <string_view>
 
 #include "camera/camera_source.h"
 #include "commands/overlay_options.h"
@@ -20,22 +18,6 @@ namespace nvrec
 {
 namespace
 {
-
-/* Letters that have a meaning of their own in an address are written as %XX. */
-std::string encoded(const std::string &text)
-{
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    std::string code;
-    for (const char letter : text) {
-        const auto byte = static_cast<unsigned char>(letter);
-        if (std::isalnum(byte) != 0) {
-            code += letter;
-        } else {
-            code += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
-        }
-    }
-    return code;
-}
 
 const char *mode_name(config::RecordMode mode)
 {
@@ -196,7 +178,7 @@ void fill(const config::Config &config, OverlayOptions *options)
     if (config.screen.traditional) options->names.script = ChineseScript::kTraditional;
     options->font_path = config.screen.font;
     if (config.status.qr) {
-        options->address = "http://" + config.status.page + "/?token=" + encoded(config.status.token);
+        options->address = config::page_link(config.status.page, config.status.token);
         options->show_address = true;
     }
 }

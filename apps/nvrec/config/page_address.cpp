@@ -1,12 +1,34 @@
 /* page_address.cpp - see page_address.h. */
 #include "config/page_address.h"
 
+#include <cctype>
 #include <charconv>
+#include <string_view>
 
 #include <arpa/inet.h>
 
 namespace nvrec::config
 {
+namespace
+{
+
+/* Letters that have a meaning of their own in an address are written as %XX. */
+std::string encoded(const std::string &text)
+{
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    std::string code;
+    for (const char letter : text) {
+        const auto byte = static_cast<unsigned char>(letter);
+        if (std::isalnum(byte) != 0) {
+            code += letter;
+        } else {
+            code += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+        }
+    }
+    return code;
+}
+
+} // namespace
 
 std::optional<PageAddress> page_address(const std::string &text)
 {
@@ -31,6 +53,11 @@ std::optional<PageAddress> page_address(const std::string &text)
     address.loopback = (ntohl(number.s_addr) >> 24) == 127;
     address.any = number.s_addr == INADDR_ANY;
     return address;
+}
+
+std::string page_link(const std::string &page, const std::string &token)
+{
+    return "http://" + page + "/?token=" + encoded(token);
 }
 
 } // namespace nvrec::config

@@ -10,6 +10,7 @@
 #include "config/secrets.h"
 #include "config/table_reader.h"
 #include "nvrhal/limits.h"
+#include "screen/qr_code.h"
 #include "wall/layout.h"
 #include "wall/session.h"
 #include "wall/text.h"
@@ -270,6 +271,11 @@ void Reader::secrets(TableReader &root)
     if (!file.empty()) read_secrets(file, &config_, &faults_);
     const Status &status = config_.status;
     const auto place = page_address(status.page);
+    if (status.qr && place && page_link(status.page, status.token).size() > kLongestQrText)
+        faults_.push_back({path_, status_line_, "status.qr",
+                           "the page's address and its token take more than the " +
+                               std::to_string(kLongestQrText) +
+                               " bytes of a QR code: a shorter token is needed"});
     if (place && !place->loopback && status.token.empty())
         faults_.push_back({path_, status_line_, "status.page",
                            "it listens beyond loopback, and so needs a token: set status.token, best in the "

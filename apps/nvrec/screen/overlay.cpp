@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "camera/address.h"
 #include "host/host.h"
 #include "screen/pane_texts.h"
 #include "screen/qr_code.h"
@@ -225,7 +226,7 @@ void Overlay::make_card()
     const std::string &address = options_.address;
     card_ = Card{qr_tile(address), {}, {}};
     if (card_->code.width == 0) {
-        wall_->terminal().error("no QR code of the address: " + address);
+        wall_->terminal().error("no QR code of the address: " + shown_text(address)); /* a token is in it */
         return;
     }
     const int margin = text_size_px();
