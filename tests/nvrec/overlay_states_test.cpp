@@ -270,6 +270,20 @@ TEST(NvrecScreenTexts, TheGravestTroubleOfARecordingIsTheOneThatIsSaid)
     EXPECT_EQ(alarm_text(&recorder, "too hot", names), "Camera 3 is not recorded: Permission denied");
     EXPECT_EQ(alarm_text(&recorder, "", chinese), "通道3录像失败：Permission denied");
 
+    RecordingStatus waiting;
+    waiting.stream = "main";
+    waiting.channel = 1;
+    waiting.state = RecordingState::kWaiting;
+    recorder.streams = {waiting, stream};
+    EXPECT_EQ(alarm_text(&recorder, "", names, {1}), "Camera 3 is not recorded: Permission denied");
+    recorder.streams = {waiting};
+    EXPECT_EQ(alarm_text(&recorder, "too hot", names, {1}),
+              "Camera 2 is not recorded: its main stream does not come");
+    EXPECT_EQ(alarm_text(&recorder, "", chinese, {0, 1}), "通道2录像失败：主码流中断");
+    EXPECT_EQ(alarm_text(&recorder, "", names, {0}), "") << "its pane says that nothing comes";
+    recorder.streams[0].state = RecordingState::kOff;
+    EXPECT_EQ(alarm_text(&recorder, "", names, {1}), "") << "it is not to be recorded";
+
     recorder.said_disk.state = DiskState::kFailing;
     recorder.said_disk.trouble = "Input/output error";
     EXPECT_EQ(alarm_text(&recorder, "", names), "Recording fails: Input/output error");

@@ -183,6 +183,33 @@ TEST(StatusFormats, ForPrometheusAreWellFormedWhateverTheNames)
         EXPECT_NE(text.find(line), std::string::npos) << line << text;
 }
 
+TEST(StatusFormats, AMainStreamThatIsLostBehindItsSubStreamIsTold)
+{
+    RecorderStatus status = two_cameras();
+    CameraStatus &yard = status.cameras[0].status;
+    const std::string labels = "camera=\"yard \\\"1\\\" \\\\ a\",channel=\"0\"";
+    yard.state = CameraState::kLive;
+    EXPECT_EQ(status_metrics(status).find("nvrec_camera_main_stream_up{"), std::string::npos);
+    EXPECT_NE(status_json(status).find("\"main_state\": null"), std::string::npos);
+    yard.sub_stream = true;
+    yard.main_state = CameraState::kLive;
+    EXPECT_EQ(status_table(status).find("sub, main"), std::string::npos);
+    yard.main_state = CameraState::kSilent;
+    EXPECT_NE(status_table(status).find("sub, main silent"), std::string::npos) << status_table(status);
+    EXPECT_NE(status_json(status).find("\"main_state\": \"silent\""), std::string::npos);
+    const std::string page = status_metrics(status);
+    EXPECT_EQ(Exposition::problem(page), "") << page;
+    EXPECT_NE(page.find("nvrec_camera_main_stream_up{" + labels + "} 0\n"), std::string::npos) << page;
+
+    const Clock::time_point now = Clock::now();
+    EXPECT_TRUE(yard.main_is_lost(now));
+    yard.main_state = CameraState::kConnecting;
+    yard.main_since = now - kSilentAfter;
+    EXPECT_TRUE(yard.main_is_lost(now));
+    yard.main_since = now - std::chrono::seconds(1);
+    EXPECT_FALSE(yard.main_is_lost(now)) << "it may come yet";
+}
+
 TEST(StatusFormats, TheReaderOfThisTestIsStrict)
 {
     for (const char *bad :

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "camera/packet_source.h"
@@ -32,6 +33,10 @@ struct CameraStatus {
     bool sub_stream = false;    /* that is the sub stream                                       */
     bool waits_for_key = false; /* its decoder was flushed, and shows nothing before a key frame */
 
+    /* Of a main stream that is always read, while the sub stream is shown; else none. */
+    std::optional<CameraState> main_state;
+    Clock::time_point main_since;
+
     /* Of the last seconds, as it came in; 0 = not known. */
     double frame_rate = 0;     /* frames a second                                               */
     double bit_rate_bps = 0;   /* bits a second                                                 */
@@ -44,6 +49,9 @@ struct CameraStatus {
     uint64_t refused = 0;     /* frames that the library refused                               */
     uint64_t clock_jumps = 0; /* times the camera's clock was set, or its stream began anew    */
     std::string last_error;   /* the last one, if any; no credentials in it                    */
+
+    /** Whether pictures of the sub stream hide that the main stream does not come. */
+    bool main_is_lost(Clock::time_point now) const;
 };
 
 } // namespace nvrec

@@ -8,6 +8,22 @@
 
 namespace nvrec
 {
+namespace
+{
+
+bool keeps_main(const FeedOptions &options, int channel)
+{
+    return channel < 32 && (options.main_channels >> channel & 1) != 0;
+}
+
+} // namespace
+
+/* One that never came has as long to come as another has to go on. */
+bool CameraStatus::main_is_lost(Clock::time_point now) const
+{
+    return main_state == CameraState::kSilent ||
+           (main_state == CameraState::kConnecting && now - main_since >= kSilentAfter);
+}
 
 void Feeder::note_facts()
 {
@@ -105,6 +121,11 @@ CameraStatus Feeder::status(Clock::time_point *at) const
         status = second->status();
         status.sub_stream = true;
         if (main.state == CameraState::kEnded) status.state = main.state;
+        if (keeps_main(options_, channel_)) {
+            /* What the decoder refused of it was before: now it goes to none. */
+            status.main_state = main.state == CameraState::kRefused ? CameraState::kLive : main.state;
+            status.main_since = main.since;
+        }
     }
     status.waits_for_key = waits_for_key_.load(std::memory_order_relaxed) || shows_nothing_yet();
     const std::scoped_lock guard(lock_);

@@ -65,19 +65,23 @@ void Indicators::look_for_loss(Clock::time_point now)
         const auto channel = static_cast<size_t>(camera->channel());
         if (channel >= kMostChannels) continue;
         const bool no_signal = channel < kMaskBits && (mask[0] >> channel & 1) != 0;
-        const CameraState state = camera->status().state;
-        const bool lost = no_signal || state == CameraState::kSilent || state == CameraState::kRefused;
-        if (lost == lost_[channel]) continue;
-        lost_[channel] = lost;
-        const std::string name = camera->label() + ": ";
-        if (lost) {
-            wall_->terminal().warning(name + "its video is lost");
-        } else {
-            wall_->terminal().warning(name + "its video is back");
-        }
-        if (lost) buzz_until_ = now + kBuzz;
+        const CameraStatus status = camera->status();
+        const bool lost =
+            no_signal || status.state == CameraState::kSilent || status.state == CameraState::kRefused;
+        note_loss(lost, &lost_[channel], camera->label() + ": its video is ", now);
+        note_loss(status.main_is_lost(now), &main_lost_[channel], camera->label() + ": its main stream is ",
+                  now);
     }
-    if (std::ranges::none_of(lost_, [](bool lost) { return lost; })) buzz_until_ = {};
+    const auto any = [](const auto &losses) { return std::ranges::find(losses, true) != losses.end(); };
+    if (!any(lost_) && !any(main_lost_)) buzz_until_ = {};
+}
+
+void Indicators::note_loss(bool lost, bool *known, const std::string &what, Clock::time_point now)
+{
+    if (lost == *known) return;
+    *known = lost;
+    wall_->terminal().warning(what + (lost ? "lost" : "back"));
+    if (lost) buzz_until_ = now + kBuzz;
 }
 
 void Indicators::drive_lamp()

@@ -31,10 +31,12 @@ private:
     void read_clock();
     void drive_lamp();
     void look_for_loss(Clock::time_point now);
+    void note_loss(bool lost, bool *known, const std::string &what, Clock::time_point now);
     void drive_buzzer(Clock::time_point now);
 
     WallControl *wall_ = nullptr;
     std::array<bool, kMostChannels> lost_ = {};
+    std::array<bool, kMostChannels> main_lost_ = {}; /* and its sub stream is seen */
     bool front_end_failed_ = false;
     bool lamp_blinks_ = false;
     bool buzzer_sounds_ = false;

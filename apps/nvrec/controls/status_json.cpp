@@ -47,12 +47,14 @@ Json decoder_of(const CameraLine &line)
 Json json_of(const CameraLine &line)
 {
     const CameraStatus &camera = line.status;
+    const Json main_state = camera.main_state ? Json(camera_state_name(*camera.main_state)) : Json(nullptr);
     Json json = {{"channel", line.channel},
                  {"name", line.name},
                  {"address", line.address},
                  {"state", camera_state_name(camera.state)},
                  {"since_us", camera.since_wall_us},
                  {"stream", camera.sub_stream ? "sub" : "main"},
+                 {"main_state", main_state},
                  {"width", camera.facts.width_px},
                  {"height", camera.facts.height_px},
                  {"frame_rate", camera.frame_rate},

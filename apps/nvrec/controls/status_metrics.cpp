@@ -45,6 +45,12 @@ Number known(double value)
 constexpr CameraMetric kCameraMetrics[] = {
     {"nvrec_camera_up", "gauge", "1 while pictures of the camera come and are taken.",
      [](const CameraLine &line) -> Number { return line.status.state == CameraState::kLive ? 1 : 0; }},
+    {"nvrec_camera_main_stream_up", "gauge",
+     "1 while the main stream comes, which is recorded while the sub stream is shown.",
+     [](const CameraLine &line) -> Number {
+         if (!line.status.main_state) return std::nullopt;
+         return *line.status.main_state == CameraState::kLive ? 1 : 0;
+     }},
     {"nvrec_camera_state_since_timestamp_seconds", "gauge",
      "Time of day since which the camera's state holds.",
      [](const CameraLine &line) {

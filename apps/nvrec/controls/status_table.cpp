@@ -74,6 +74,14 @@ std::string bytes_shown(double bytes)
     return bytes < 1e9 ? text("%.1f MB", bytes / 1e6) : text("%.1f GB", bytes / 1e9);
 }
 
+/* Which stream is shown, and what stands with the main stream beside it unless that is live. */
+std::string streams_of(const CameraStatus &camera)
+{
+    const std::string shown = camera.sub_stream ? "sub" : "main";
+    if (camera.main_state.value_or(CameraState::kLive) == CameraState::kLive) return shown;
+    return shown + ", main " + camera_state_name(*camera.main_state);
+}
+
 std::string cameras_table(const RecorderStatus &status)
 {
     std::vector<Row> rows = {{"ch", "camera", "state", "since", "stream", "rate", "Mbit/s", "key every",
@@ -81,7 +89,7 @@ std::string cameras_table(const RecorderStatus &status)
     for (const CameraLine &line : status.cameras) {
         const CameraStatus &camera = line.status;
         rows.push_back({text("%d", line.channel), line.name, camera_state_name(camera.state),
-                        local_time(camera.since_wall_us), camera.sub_stream ? "sub" : "main",
+                        local_time(camera.since_wall_us), streams_of(camera),
                         measured(camera.frame_rate, "%.1f"), measured(camera.bit_rate_bps / 1e6, "%.2f"),
                         measured(camera.key_distance_s, "%.1f s"), measured(camera.jitter_ms, "%.0f ms"),
                         text("%.1f %%", camera.loss * 100),

@@ -95,11 +95,15 @@ void Overlay::tell_cameras(Clock::time_point now, std::time_t wall_s)
 }
 
 /* Beside the clock, where that is in its corner. */
-void Overlay::tell_alarms()
+void Overlay::tell_alarms(Clock::time_point now)
 {
     if (!line_) return;
     const int most = canvas_.width() - (clock_ ? clock_->place().w : 0) - 3 * text_size_px();
-    damage(line_->set(alarm_text(wall_->recorder(), wall_->alarm(), names_), most));
+    std::vector<int> without_main;
+    for (const auto &camera : wall_->cameras()) {
+        if (camera->status().main_is_lost(now)) without_main.push_back(camera->channel());
+    }
+    damage(line_->set(alarm_text(wall_->recorder(), wall_->alarm(), names_, without_main), most));
 }
 
 /* A pane that nobody uses, or a bar beside the picture in the upper right corner. */
@@ -130,7 +134,7 @@ Clock::time_point Overlay::take_turn(Clock::time_point now)
     const ClockFace::Time time = options_.wall_time();
     tell_cameras(now, std::chrono::system_clock::to_time_t(time));
     if (clock_) damage(clock_->set(time, canvas_.whole()));
-    tell_alarms();
+    tell_alarms(now);
     if (cursor_.wanted() && now - cursor_moved_at_ >= kCursorRests) {
         cursor_.hide();
         cursor_moved_ = true;

@@ -89,7 +89,7 @@ private:
     void paint_within(const Rect &rect);
     void paint_address();
     void tell_cameras(Clock::time_point now, std::time_t wall_s);
-    void tell_alarms();
+    void tell_alarms(Clock::time_point now);
     void find_room_for_clock();
     void answer(bool yes);
     bool question_key(Key key);

@@ -1,6 +1,7 @@
 /* pane_texts.cpp - see pane_texts.h. */
 #include "screen/pane_texts.h"
 
+#include <algorithm>
 #include <iterator>
 
 #include "nvrhal/limits.h"
@@ -35,6 +36,7 @@ constexpr const char *kDiskTexts[][2] = {
 static_assert(std::size(kDiskTexts) == static_cast<size_t>(DiskState::kFailing) + 1);
 
 constexpr const char *kRecordingFails[2] = {"is not recorded", "录像失败"};
+constexpr const char *kMainIsLost[2] = {"its main stream does not come", "主码流中断"};
 
 constexpr bool rows_are_in_order()
 {
@@ -91,7 +93,8 @@ NoticeText notice_text(const PaneState &state, const std::string &name, std::tim
     return {kNotices[static_cast<int>(state.notice)].titles[chinese], line_of(state, name, now, chinese)};
 }
 
-std::string alarm_text(const RecordingView *recorder, const std::string &alarm, const CameraNames &names)
+std::string alarm_text(const RecordingView *recorder, const std::string &alarm, const CameraNames &names,
+                       const std::vector<int> &without_main)
 {
     const bool chinese = names.language == Language::kChinese;
     const std::string colon = chinese ? "：" : ": ";
@@ -102,12 +105,16 @@ std::string alarm_text(const RecordingView *recorder, const std::string &alarm, 
     if (disk.state != DiskState::kGood)
         return with(kDiskTexts[static_cast<size_t>(disk.state)][chinese],
                     disk.state == DiskState::kFailing ? disk.trouble : std::string());
+    std::string lost;
     for (const RecordingStatus &stream : recorder ? recorder->recordings() : std::vector<RecordingStatus>()) {
-        if (stream.state != RecordingState::kFailing) continue;
-        const std::string name = names.text_of(stream.channel);
-        return with(name + (chinese ? "" : " ") + kRecordingFails[chinese], stream.last_error);
+        const std::string name = names.text_of(stream.channel) + (chinese ? "" : " ");
+        if (stream.state == RecordingState::kFailing)
+            return with(name + kRecordingFails[chinese], stream.last_error);
+        if (lost.empty() && stream.state == RecordingState::kWaiting && stream.stream == "main" &&
+            std::ranges::find(without_main, stream.channel) != without_main.end())
+            lost = with(name + kRecordingFails[chinese], kMainIsLost[chinese]);
     }
-    return alarm;
+    return lost.empty() ? alarm : lost;
 }
 
 } // namespace nvrec

@@ -3,6 +3,7 @@
 
 #include <ctime>
 #include <string>
+#include <vector>
 
 #include "screen/camera_names.h"
 #include "screen/pane_state.h"
@@ -22,10 +23,12 @@ NoticeText notice_text(const PaneState &state, const std::string &name, std::tim
 
 /**
  * What is wrong with recording, the gravest first; empty = nothing.
- * @param recorder  null = nobody records
- * @param alarm     what else the recorder has to say
+ * @param recorder      null = nobody records
+ * @param alarm         what else the recorder has to say
+ * @param without_main  channels whose pane shows their sub stream while their main stream does not come
  */
-std::string alarm_text(const RecordingView *recorder, const std::string &alarm, const CameraNames &names);
+std::string alarm_text(const RecordingView *recorder, const std::string &alarm, const CameraNames &names,
+                       const std::vector<int> &without_main = {});
 
 /** "14:05:09", or "2026-03-01 14:05:09" where that is another day than now's. */
 std::string since_text(std::time_t since, std::time_t now);

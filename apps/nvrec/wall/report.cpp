@@ -124,6 +124,7 @@ std::string remark_of(const ChannelReport &channel)
     if (status.state == CameraState::kSilent)
         remark = text("silent for %.0f s", std::chrono::duration<double>(channel.at - status.since).count());
     if (status.state == CameraState::kRefused) remark = "refused";
+    if (remark.empty() && status.main_is_lost(channel.at)) remark = "main stream lost";
     if (!channel.trouble.empty()) remark += (remark.empty() ? "" : ": ") + channel.trouble;
     return remark.empty() ? "" : " (" + remark + ")";
 }
