@@ -24,6 +24,9 @@ TEST(NvrecAddress, CredentialsAreNotShown)
         {"rtsp://h/?user=admin&password=secret&channel=1", "rtsp://h/?user=***&password=***&channel=1"},
         {"rtsp://h/user=admin&Password=secret&channel=1.sdp", "rtsp://h/user=***&Password=***&channel=1.sdp"},
         {"rtsp://h/x?token=abc", "rtsp://h/x?token=***"},
+        {"rtsp://h/x?loginuse=admin&loginpas=secret", "rtsp://h/x?loginuse=***&loginpas=***"},
+        {"rtsp://h/x?access_token=a&apikey=b&pw=c", "rtsp://h/x?access_token=***&apikey=***&pw=***"},
+        {"rtsp://h/x?secret=a&sig=b", "rtsp://h/x?secret=***&sig=***"},
         {"rtsp://h/x?channel=1&subtype=0", "rtsp://h/x?channel=1&subtype=0"},
         {"3=rtsp://admin:secret@h/x", "3=rtsp://***@h/x"},
         {"yard@home.mp4", "yard@home.mp4"},
@@ -52,6 +55,7 @@ TEST(NvrecAddress, CredentialsOfItsOwnAreKept)
     EXPECT_EQ(with_credentials("rtsp://me:mine@h/x", "admin", "secret"), "rtsp://me:mine@h/x");
     EXPECT_EQ(with_credentials("rtsp://h/x", "", ""), "rtsp://h/x");
     EXPECT_EQ(with_credentials("yard.mp4", "admin", "secret"), "yard.mp4");
+    EXPECT_EQ(with_credentials("rtsp://h/x", "me", std::string("a\0b", 3)), "rtsp://me:a%00b@h/x");
 }
 
 TEST(NvrecAddress, ItsHostIsKnown)

@@ -294,6 +294,11 @@ TEST_F(Configuration, AFileOfPasswordsThatOthersCanReadIsRefused)
     EXPECT_EQ(read(within, 0600).faults.size(), 0u);
     EXPECT_EQ(read(within, 0644).faults.size(), 1u) << "nor may the configuration itself";
     EXPECT_EQ(read(kOneCamera, 0644).faults.size(), 0u) << "which may be anybody's to read without one";
+    for (const char *address : {"rtsp://192.0.2.7/?user=admin&password=x", "rtsp://me@192.0.2.7/s?token=x"}) {
+        const std::string camera = "[[camera]]\nname = \"yard\"\nmain = \"" + std::string(address) + "\"\n";
+        EXPECT_EQ(read(camera, 0600).faults.size(), 0u) << address;
+        EXPECT_EQ(read(camera, 0644).faults.size(), 1u) << address;
+    }
 }
 
 TEST_F(Configuration, CredentialsInAnAddressAreTakenOutOfIt)
@@ -304,6 +309,11 @@ TEST_F(Configuration, CredentialsInAnAddressAreTakenOutOfIt)
     EXPECT_EQ(reading.config.cameras[0].main, "rtsp://192.0.2.7:554/s?a=b@c");
     EXPECT_EQ(reading.config.cameras[0].user, "ad@min");
     EXPECT_EQ(reading.config.cameras[0].password, "p:w/d");
+    for (const char *user : {"a%00b:c", "a:b%00", "a:b%0A"})
+        EXPECT_EQ(places(read("[[camera]]\nname = \"yard\"\nmain = \"rtsp://" + std::string(user) +
+                              "@192.0.2.7/s\"\n")),
+                  Texts{"3 camera[1].main"})
+            << user;
 }
 
 TEST_F(Configuration, NoFaultRepeatsAPassword)

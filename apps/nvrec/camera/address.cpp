@@ -14,8 +14,15 @@ namespace
 constexpr std::string_view kHidden = "***";
 
 /* Names of values in a path or a query that open a camera. */
-constexpr std::array<std::string_view, 11> kSecretNames = {
-    "user", "username", "usr", "password", "passwd", "pass", "pwd", "psw", "token", "auth", "key"};
+constexpr std::array<std::string_view, 17> kSecretNames = {
+    "user", "username", "usr", "loginuse", "password", "passwd", "pass",   "pwd", "psw",
+    "pw",   "loginpas", "key", "apikey",   "token",    "auth",   "secret", "sig"};
+
+/* A letter of 0 is none of them, and std::strchr() would find the end of the text. */
+bool is_one_of(char letter, const char *letters)
+{
+    return letter != '\0' && std::strchr(letters, letter) != nullptr;
+}
 
 bool same_letters(std::string_view a, std::string_view b)
 {
@@ -32,7 +39,7 @@ bool is_secret_name(std::string_view name)
 /* What parts names from values, and values from each other, in what follows the host. */
 bool is_separator(char letter)
 {
-    return std::strchr("/?&;=#_,", letter) != nullptr;
+    return is_one_of(letter, "/?&;=#_,");
 }
 
 /* NAME=VALUE, as long as there are any: the values of secret names are hidden. */
@@ -60,8 +67,8 @@ std::string hide_values(std::string_view rest)
 size_t scheme_begin(std::string_view text, size_t colon)
 {
     size_t at = colon;
-    while (at > 0 && (std::isalnum(static_cast<unsigned char>(text[at - 1])) != 0 ||
-                      std::strchr("+-.", text[at - 1]) != nullptr))
+    while (at > 0 &&
+           (std::isalnum(static_cast<unsigned char>(text[at - 1])) != 0 || is_one_of(text[at - 1], "+-.")))
         --at;
     return at;
 }
@@ -88,7 +95,7 @@ std::string percent_encoded(const std::string &text)
     std::string encoded;
     for (const char letter : text) {
         const auto code = static_cast<unsigned char>(letter);
-        if (std::isalnum(code) != 0 || std::strchr("-._~", letter) != nullptr) {
+        if (std::isalnum(code) != 0 || is_one_of(letter, "-._~")) {
             encoded += letter;
         } else {
             encoded += '%';

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cctype>
 
+#include "camera/address.h"
 #include "config/quantity.h"
 
 namespace nvrec::config
@@ -56,6 +57,12 @@ bool take_credentials(std::string *address, std::string *user, std::string *pass
     return true;
 }
 
+/* Written as %00, for one: no camera has it, and what is written in C reads no further. */
+bool has_control_character(const std::string &text)
+{
+    return std::ranges::any_of(text, [](unsigned char letter) { return letter < ' ' || letter == 0x7f; });
+}
+
 /* No fault repeats an address, which may hold a password in a place where it is not looked for. */
 void check_address(TableReader &table, std::string_view key, const std::string &address)
 {
@@ -79,13 +86,18 @@ bool read_address(TableReader &table, std::string_view key, Camera *camera, std:
     std::string password;
     const bool found = take_credentials(into, &user, &password);
     check_address(table, key, *into);
-    if (!found) return false;
+    const bool secret = carries_credentials(*into); /* in its path or its query */
+    if (!found) return secret;
+    if (has_control_character(user) || has_control_character(password)) {
+        table.fault(key, "its user or password holds a control character");
+        return true;
+    }
     const bool others = !camera->user.empty() || !camera->password.empty();
     if (others && (camera->user != user || camera->password != password))
         table.fault(key, "the address names a user, and the camera has another one already");
     camera->user = user;
     camera->password = password;
-    return !password.empty();
+    return secret || !password.empty();
 }
 
 void read_plan(TableReader table, Plan *plan)
