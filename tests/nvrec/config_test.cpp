@@ -116,7 +116,6 @@ password = "secret"
 transport = "udp"
 aspect = "stretch"
 link = "measured"
-sound = false
 [camera.record]
 mode = "event"
 before = 3
@@ -127,6 +126,7 @@ motion = false
 name = "门"
 main = "door.mp4"
 loop = true
+sound = false
 record = { mode = "hours", hours = ["Mon-Fri 08:00-18:00", "22:00-06:00"] }
 )");
     EXPECT_EQ(places(reading), Texts{}) << all_text(reading);
@@ -152,11 +152,12 @@ record = { mode = "hours", hours = ["Mon-Fri 08:00-18:00", "22:00-06:00"] }
     EXPECT_EQ(yard.transport, Transport::kUdp);
     EXPECT_EQ(yard.aspect, Aspect::kStretch);
     EXPECT_TRUE(yard.measured_link);
-    EXPECT_FALSE(yard.sound);
+    EXPECT_TRUE(yard.sound);
     EXPECT_EQ(yard.plan, (Plan{RecordMode::kEvent, {}, 3, 60, false, false}));
     const Camera &door = config.cameras[1];
     EXPECT_EQ(door.main, scratch_.file("door.mp4"));
     EXPECT_TRUE(door.loop);
+    EXPECT_FALSE(door.sound);
     EXPECT_EQ(door.plan.hours, (std::vector<Hours>{{0b0011111, 480, 1080}, {0b1111111, 1320, 360}}));
 }
 
@@ -213,6 +214,8 @@ TEST_F(Configuration, ValuesOfTheWrongKindAndOutOfBoundsAreFaults)
         {"board.channels = 17", "1 board.channels"},
         {"board.channels = 1.5", "1 board.channels"},
         {"board.watchdog = -1", "1 board.watchdog"},
+        {"board.watchdog = 0.5", "1 board.watchdog"}, /* 0 would be off */
+        {"record.segment = 90.5", "1 record.segment"},
         {"log.size = \"-3 MB\"", "1 log.size"},
         {"log.keep = 9223372036854775807", "1 log.keep"},
         {"sound.camera = \"garden\"", "1 sound.camera"},
@@ -230,6 +233,23 @@ TEST_F(Configuration, ValuesOfTheWrongKindAndOutOfBoundsAreFaults)
         ASSERT_EQ(reading.faults.size(), 1u) << line << "\n" << all_text(reading);
         EXPECT_EQ(places(reading).front(), place) << line;
     }
+}
+
+TEST_F(Configuration, ACameraWithoutSoundIsNotTheOneThatIsHeard)
+{
+    const std::string text = std::string("sound.camera = \"yard\"\n") + kOneCamera;
+    EXPECT_EQ(places(read(text)), Texts{});
+    EXPECT_EQ(places(read(text + "sound = false\n")), Texts{"1 sound.camera"});
+}
+
+TEST_F(Configuration, TimesOfWholeSecondsAreNotCutOff)
+{
+    const Reading reading =
+        read("record.directory = \"x\"\nrecord.segment = \"1.13 h\"\nretention.age = \"0.7 days\"\n" +
+             std::string(kOneCamera));
+    EXPECT_EQ(places(reading), Texts{}) << all_text(reading);
+    EXPECT_EQ(reading.config.record.segment_s, 4068);
+    EXPECT_EQ(reading.config.retention.age_s, 60480);
 }
 
 TEST_F(Configuration, WhatIsNoConfigurationIsSaid)
@@ -270,6 +290,10 @@ TEST_F(Configuration, PasswordsComeFromAFileOfTheirOwn)
             std::string("secrets = \"secrets.toml\"\nstatus = { page = \"192.0.2.1:80\", qr = true }\n") +
             kOneCamera)),
         Texts{});
+    write("secrets.toml", "[status]\ntoken = \"short\"\n");
+    const Reading brief = read(std::string("secrets = \"secrets.toml\"\n") + kOneCamera);
+    EXPECT_EQ(places(brief), Texts{"2 status.token"});
+    EXPECT_NE(all_text(brief).find("secrets.toml:2: "), std::string::npos) << all_text(brief);
     write("secrets.toml", "[status]\ntoken = \"" + std::string(300, 'x') + "\"\n");
     const Reading wide =
         read(std::string("secrets = \"secrets.toml\"\nstatus = { page = \"192.0.2.1:80\", qr = true }\n") +

@@ -20,11 +20,10 @@ namespace nvrec::config
 namespace
 {
 
-constexpr double kLongestSegment_s = 86400;
-constexpr double kLongestAge_s = 100.0 * 365 * 86400;
+constexpr int64_t kLongestSegment_s = 86400;
+constexpr int64_t kLongestAge_s = int64_t{100} * 365 * 86400;
 constexpr int kLongestWatchdog_s = 3600;
 constexpr int kMostChannels = NVRHAL_MAX_CAMERAS;
-constexpr size_t kShortestToken = 16;
 
 constexpr Choice<Wanted> kWanted[] = {{"auto", Wanted::kAuto}, {"on", Wanted::kOn}, {"off", Wanted::kOff}};
 constexpr Choice<Kind> kKinds[] = {{"mp4", Kind::kMp4}, {"mkv", Kind::kMkv}};
@@ -183,8 +182,8 @@ void Reader::record(TableReader table)
     path(table, "directory", &record.directory);
     directory_given_ = table.has("directory");
     table.choice("format", kKinds, &record.format);
-    double segment_s = record.segment_s;
-    table.seconds("segment", &segment_s, 1, kLongestSegment_s);
+    int64_t segment_s = record.segment_s;
+    table.whole_seconds("segment", &segment_s, 1, kLongestSegment_s);
     record.segment_s = static_cast<int>(segment_s);
     table.finish();
 }
@@ -193,9 +192,7 @@ void Reader::retention(TableReader table)
 {
     Retention &retention = config_.retention;
     table.bytes("size", &retention.size_bytes);
-    double age_s = 0;
-    table.seconds("age", &age_s, 1, kLongestAge_s);
-    retention.age_s = static_cast<int64_t>(age_s);
+    table.whole_seconds("age", &retention.age_s, 1, kLongestAge_s);
     table.bytes("free", &retention.free_bytes);
     if (!(retention == Retention{}) && !directory_given_)
         table.fault("", "there is nothing to keep: set record.directory");
@@ -209,6 +206,9 @@ void Reader::sound(TableReader table)
     for (const Camera &camera : config_.cameras)
         names.push_back(camera.name);
     name(table, "camera", names, &sound.camera);
+    const int heard = config_.channel_of(sound.camera);
+    if (heard >= 0 && !config_.cameras[static_cast<size_t>(heard)].sound)
+        table.fault("camera", "this camera's own sound is off: nothing of it is heard");
     path(table, "wav", &sound.wav);
     if (!sound.wav.empty() && !table.has("camera"))
         table.fault("wav", "nothing says whose sound: set camera");
@@ -221,8 +221,8 @@ void Reader::board(TableReader table)
     table.whole("channels", &board.channels, 1, kMostChannels);
     if (board.channels > 0 && config_.cameras.size() > static_cast<size_t>(board.channels))
         table.fault("channels", "there are " + std::to_string(config_.cameras.size()) + " cameras");
-    double watchdog_s = board.watchdog_s;
-    table.seconds("watchdog", &watchdog_s, 0, kLongestWatchdog_s);
+    int64_t watchdog_s = board.watchdog_s;
+    table.whole_seconds("watchdog", &watchdog_s, 0, kLongestWatchdog_s);
     board.watchdog_s = static_cast<int>(watchdog_s);
     table.seconds("hung_after", &board.hung_after_s, 0.5, kLongestWatchdog_s);
     table.finish();
@@ -241,7 +241,7 @@ void Reader::status(TableReader table)
     Status &status = config_.status;
     status_line_ = table.line();
     table.text("page", &status.page);
-    table.text("token", &status.token);
+    read_token(table, &status.token);
     table.flag("qr", &status.qr);
     holds_password_ |= !status.token.empty();
     if (!status.page.empty() && !page_address(status.page))
@@ -280,9 +280,6 @@ void Reader::secrets(TableReader &root)
         faults_.push_back({path_, status_line_, "status.page",
                            "it listens beyond loopback, and so needs a token: set status.token, best in the "
                            "secrets file"});
-    if (!status.token.empty() && status.token.size() < kShortestToken)
-        faults_.push_back({path_, status_line_, "status.token",
-                           "it has fewer than " + std::to_string(kShortestToken) + " letters"});
 }
 
 void Reader::check_privacy(bool is_private)

@@ -6,7 +6,6 @@
 
 #include "config/camera_reader.h"
 #include "config/private_file.h"
-#include "config/table_reader.h"
 
 namespace nvrec::config
 {
@@ -35,6 +34,17 @@ void read_camera_secrets(TableReader &cameras, const std::string &name, Config *
 }
 
 } // namespace
+
+void read_token(TableReader &status, std::string *token)
+{
+    constexpr size_t kShortestToken = 16;
+    std::string given;
+    status.text("token", &given);
+    if (given.empty()) return;
+    *token = given;
+    if (given.size() < kShortestToken)
+        status.fault("token", "it has fewer than " + std::to_string(kShortestToken) + " letters");
+}
 
 void read_secrets(const std::string &path, Config *config, Faults *faults)
 {
@@ -65,7 +75,7 @@ void read_secrets(const std::string &path, Config *config, Faults *faults)
             read_camera_secrets(cameras, name, config);
     }
     TableReader status = root.table("status");
-    status.text("token", &config->status.token);
+    read_token(status, &config->status.token);
     status.finish();
     root.finish();
 }

@@ -113,6 +113,16 @@ void TableReader::seconds(std::string_view key, double *into, double least, doub
     *into = found;
 }
 
+/* "1.13 h" is a little less than its 4068 s. */
+void TableReader::whole_seconds(std::string_view key, int64_t *into, int64_t least, int64_t most)
+{
+    constexpr double kRounding_s = 1e-6;
+    auto found = static_cast<double>(*into);
+    seconds(key, &found, static_cast<double>(least), static_cast<double>(most));
+    if (std::abs(found - std::round(found)) > kRounding_s) return fault(key, "it has to be whole seconds");
+    *into = std::llround(found);
+}
+
 void TableReader::bytes(std::string_view key, int64_t *into)
 {
     const Value *value = find(key);

@@ -46,6 +46,7 @@ public:
     void flag(std::string_view key, bool *into);
     void whole(std::string_view key, int *into, int least, int most);
     void seconds(std::string_view key, double *into, double least, double most);
+    void whole_seconds(std::string_view key, int64_t *into, int64_t least, int64_t most);
     void bytes(std::string_view key, int64_t *into);
     void texts(std::string_view key, std::vector<std::string> *into);
 
