@@ -75,6 +75,20 @@ TEST_F(NvrecScreenStates, ASilentCamerasPictureLiesUnderADarkPatternUntilItComes
     EXPECT_TRUE(marks_.notice_of(1).empty());
 }
 
+TEST_F(NvrecScreenStates, ASilentCamerasPaneSaysTheDayFromMidnightOn)
+{
+    PaneState silent;
+    silent.notice = PaneNotice::kNoVideo;
+    silent.since = kNoon - 60;
+    paint(silent);
+    const Rect today = marks_.notice_of(1);
+    EXPECT_EQ(marks_.set_state(1, silent, kNoon + 60), Rect{}) << "as long as it is today";
+    const Rect damaged = marks_.set_state(1, silent, kNoon + 86400);
+    EXPECT_GT(marks_.notice_of(1).w, today.w) << "longer by the day";
+    EXPECT_EQ(damaged, marks_.notice_of(1)) << "which is all that changes";
+    EXPECT_EQ(marks_.set_state(1, silent, kNoon + 86460), Rect{});
+}
+
 TEST_F(NvrecScreenStates, ANoticeWithoutThePatternCostsItsOwnPlaceAlone)
 {
     PaneState waiting;

@@ -57,6 +57,7 @@ PaneMarks::Placed PaneMarks::in_the_middle(const Pane &pane, const std::string &
 /* Notice and signs of a pane, made anew from its state. */
 void PaneMarks::word(Pane &pane, std::time_t now) const
 {
+    pane.worded_at = now;
     pane.title = pane.line = pane.signs = {};
     const int size = text_size_in(pane.area), margin = size / 2;
     pane.signs.tile = icons_of(pane.state, size * 3 / 4);
@@ -76,7 +77,7 @@ void PaneMarks::word(Pane &pane, std::time_t now) const
 
 PaneMarks::Pane PaneMarks::make_pane(int channel, const Rect &area)
 {
-    Pane pane = {channel, area, {}, {}, {}, {}, {}};
+    Pane pane = {channel, area, {}, {}, {}, {}, {}, 0};
     const auto known = states_.find(pane.channel);
     if (known != states_.end()) pane.state = known->second;
     word(pane, now_);
@@ -123,14 +124,18 @@ std::vector<Rect> PaneMarks::select(int channel)
     return damaged;
 }
 
-/* The whole pane where the dark pattern comes or goes, else the texts and signs that change. */
+/*
+ * The whole pane where the dark pattern comes or goes, else the texts and signs that change: with the
+ * state, and at midnight, when a time of day becomes one of yesterday.
+ */
 Rect PaneMarks::set_state(int channel, const PaneState &state, std::time_t now)
 {
     now_ = now;
     states_[channel] = state;
     Rect damaged;
     for (Pane &pane : panes_) {
-        if (pane.channel != channel || pane.state == state) continue;
+        const bool holds = pane.state == state && (state.since == 0 || same_day(pane.worded_at, now));
+        if (pane.channel != channel || holds) continue;
         const bool veils =
             (pane.state.notice == PaneNotice::kNoVideo) != (state.notice == PaneNotice::kNoVideo);
         auto texts = [&pane] { return around(around(pane.title.place, pane.line.place), pane.signs.place); };

@@ -62,6 +62,7 @@ private:
         Rect area;
         Placed name, title, line, signs;
         PaneState state;
+        std::time_t worded_at;
         bool operator==(const Pane &other) const { return channel == other.channel && area == other.area; }
     };
 

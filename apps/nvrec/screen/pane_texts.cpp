@@ -76,14 +76,20 @@ std::string line_of(const PaneState &state, const std::string &name, std::time_t
 
 } // namespace
 
+bool same_day(std::time_t a, std::time_t b)
+{
+    std::tm first = {}, second = {};
+    localtime_r(&a, &first);
+    localtime_r(&b, &second);
+    return first.tm_year == second.tm_year && first.tm_yday == second.tm_yday;
+}
+
 std::string since_text(std::time_t since, std::time_t now)
 {
-    std::tm then = {}, today = {};
+    std::tm then = {};
     localtime_r(&since, &then);
-    localtime_r(&now, &today);
-    const bool same_day = then.tm_year == today.tm_year && then.tm_yday == today.tm_yday;
     char text[32];
-    std::strftime(text, sizeof text, same_day ? "%H:%M:%S" : "%Y-%m-%d %H:%M:%S", &then);
+    std::strftime(text, sizeof text, same_day(since, now) ? "%H:%M:%S" : "%Y-%m-%d %H:%M:%S", &then);
     return text;
 }
 

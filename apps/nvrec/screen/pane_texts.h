@@ -30,6 +30,9 @@ NoticeText notice_text(const PaneState &state, const std::string &name, std::tim
 std::string alarm_text(const RecordingView *recorder, const std::string &alarm, const CameraNames &names,
                        const std::vector<int> &without_main = {});
 
+/** Whether both times are on one local day. */
+bool same_day(std::time_t a, std::time_t b);
+
 /** "14:05:09", or "2026-03-01 14:05:09" where that is another day than now's. */
 std::string since_text(std::time_t since, std::time_t now);
 
