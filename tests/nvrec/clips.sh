@@ -36,6 +36,10 @@ ffmpeg -nostdin -v error -y -ss 1 -i h264.mp4 -c copy edited.mp4
 ffmpeg -nostdin -v error -y -f lavfi -i "testsrc2=size=320x180:rate=30:duration=1" -f lavfi \
     -i "sine=frequency=440:duration=3" -pix_fmt yuv420p "${h264[@]}" -bf 0 -c:a aac -ac 1 -ar 16000 long_sound.mp4
 
+# A camera that talks: pictures and sound for fourteen seconds.
+ffmpeg -nostdin -v error -y -f lavfi -i "testsrc2=size=320x180:rate=30" -f lavfi -i "sine=frequency=440" -t 14 \
+    -pix_fmt yuv420p "${h264[@]}" -bf 0 -c:a pcm_alaw -ar 8000 -ac 1 talking.mov
+
 # Two recordings joined as a transport stream: its time stamps fall back in the middle.
 ffmpeg -nostdin -v error -y -i h264.mp4 -c copy -output_ts_offset 3600 -f mpegts part.ts
 ffmpeg -nostdin -v error -y -i h264.mp4 -c copy -f mpegts back.ts
