@@ -8,7 +8,7 @@ namespace nvrec
 namespace
 {
 
-constexpr auto kSilentLimit = std::chrono::seconds(10); /* a silent line counts as broken after this  */
+constexpr auto kSilentLimit = std::chrono::seconds(10); /* without a picture, a line counts as broken */
 constexpr auto kWaited = std::chrono::milliseconds(2);  /* a read that took so long found the line empty */
 constexpr size_t kMostWaiting_bytes = size_t{32} << 20;
 
@@ -35,11 +35,13 @@ void PacketSource::LineReader::run()
 {
     int code = 0;
     bool gave_up = false;
-    Clock::time_point last = Clock::now(); /* arrival */
+    const int pictures = source_.demuxer_->stream->index;
+    Clock::time_point last = Clock::now(); /* arrival of a picture */
+    bool limit_begins = true;              /* sound alone does not renew it */
     while (code == 0) {
         Arrival arrival = {Packet(av_packet_alloc()), {}, false};
         const Clock::time_point begun = Clock::now();
-        if (!gave_up) source_.give_up_at_ = begun + kSilentLimit;
+        if (limit_begins && !gave_up) source_.give_up_at_ = begun + kSilentLimit;
         code =
             arrival.packet ? av_read_frame(source_.demuxer_->format, arrival.packet.get()) : AVERROR(ENOMEM);
         const Clock::time_point ended = Clock::now();
@@ -48,7 +50,8 @@ void PacketSource::LineReader::run()
         arrival.at = gave_up ? last : ended;
         arrival.waited_for = !gave_up && ended - begun >= kWaited;
         if (code == 0 && !gave_up && came_) came_(arrival);
-        last = arrival.at;
+        limit_begins = code == 0 && arrival.packet->stream_index == pictures && arrival.packet->size > 0;
+        if (limit_begins) last = arrival.at;
 
         std::unique_lock guard(lock_);
         if (code < 0) {
@@ -60,6 +63,7 @@ void PacketSource::LineReader::run()
             waiting_.push_back(std::move(arrival));
         }
         changed_.notify();
+        limit_begins |= waiting_bytes_ >= kMostWaiting_bytes; /* the reader of the packets takes its time */
         changed_.wait(guard, [this] { return closing_ || waiting_bytes_ < kMostWaiting_bytes; });
         if (closing_) return;
     }

@@ -7,6 +7,8 @@
  *
  * No more than 32 MB wait. Beyond that the line waits, which over TCP makes the camera wait.
  *
+ * A line that has brought no picture for ten seconds is given up, even if sound still comes over it.
+ *
  * Included by packet_source*.cpp alone. Threads: start(), take() and stop() from one.
  */
 #pragma once

@@ -158,7 +158,7 @@ PacketSource::Read PacketSource::next()
         const int end = std::exchange(demuxer_->ahead_end, 0);
         if (end != AVERROR_EOF) {
             const bool silent = line_ ? line_->was_silent() : Clock::now() > give_up_at_.load();
-            silent ? fail("nothing came for ten seconds") : fail("reading", end);
+            silent ? fail("no picture came for ten seconds") : fail("reading", end);
             return Read::kFailed;
         }
         if (demuxer_->filter_drained) return Read::kEnd;
