@@ -26,6 +26,16 @@ TEST_F(NvrecFeederLine, SoundAloneKeepsNoLineAlive)
     EXPECT_GE(blocks, 40u) << "of the 2 seconds with pictures";
 }
 
+TEST_F(NvrecFeederLine, AStreamWithoutKeyFramesIsGivenUp)
+{
+    serve({"--drop-keys", "1000"}, "talking.mov");
+    options_.key_limit = 2s;
+    Feeder feeder(0, source_, options_);
+    EXPECT_FALSE(feeder.open());
+    EXPECT_EQ(feeder.trouble(), "no key frame came in 2 s");
+    EXPECT_FALSE(feeder.opened());
+}
+
 } // namespace
 
 #endif

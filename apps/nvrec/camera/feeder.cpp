@@ -13,9 +13,6 @@ namespace nvrec
 namespace
 {
 
-constexpr auto kFirstRetry = std::chrono::seconds(1);
-constexpr auto kLongestRetry = std::chrono::seconds(16);
-constexpr auto kSilence = std::chrono::seconds(10); /* a live input gives up a silent line after this */
 constexpr auto kDecoderPatience = std::chrono::seconds(2); /* for one unit, when feeding as fast as it goes */
 constexpr double kCatchUp = 1.5;             /* times a camera's rate, while it is behind       */
 constexpr int64_t kLongestPace_us = 100'000; /* whatever a camera's clock says                  */
@@ -46,23 +43,6 @@ Feeder::~Feeder()
     ask_to_stop();
     join();
     input_.close(); /* its reading thread tells the meter, which goes before it */
-}
-
-bool Feeder::open()
-{
-    open_tried_ = true;
-    if (!input_.open(options_.open_limit)) {
-        report(input_.error());
-        return false;
-    }
-    const Input::Read result = input_.read_key(&first_unit_);
-    if (result != Input::Read::kUnit) {
-        report(result == Input::Read::kEnd ? "it holds no key frame" : input_.error());
-        return false;
-    }
-    note_facts();
-    opened_.store(true);
-    return true;
 }
 
 int32_t Feeder::send_first()
@@ -188,7 +168,7 @@ bool Feeder::next(AccessUnit *unit)
     bool just_rewound = false;
     while (!stopping()) {
         if (is_idle() && !wait_while_idle()) return false;
-        set_heartbeat_deadline(input_.live() ? Clock::now() + kSilence : Clock::now());
+        note_reading();
         switch (input_.read(unit)) {
         case Input::Read::kUnit:
             if (unit->key) note_facts();
@@ -218,38 +198,6 @@ bool Feeder::next(AccessUnit *unit)
             if (!reconnect(input_.error())) return false;
             break;
         }
-    }
-    return false;
-}
-
-/*
- * Open a line again, with growing pauses, until it stands or the recorder stops. The next unit read
- * need not be a key frame; the decoder waits for one by itself. Files are not tried again.
- */
-bool Feeder::reconnect(const std::string &why)
-{
-    if (!input_.live()) {
-        report(why);
-        broken_.store(true);
-        return false;
-    }
-    auto pause = std::chrono::duration_cast<std::chrono::milliseconds>(kFirstRetry);
-    report(why + "; connecting again");
-    std::string told; /* a line a reason: a camera may be away for weeks */
-    while (wait_until(Clock::now() + pause)) {
-        note_opening();
-        if (input_.open(options_.open_limit)) {
-            opened_.store(true);
-            note_facts();
-            {
-                const std::scoped_lock guard(lock_);
-                ++counters_.reconnects;
-            }
-            return true;
-        }
-        const std::string line = input_.error() + "; trying again";
-        if (line != std::exchange(told, line)) report(line);
-        pause = std::min<std::chrono::milliseconds>(pause * 2, kLongestRetry);
     }
     return false;
 }
@@ -291,14 +239,6 @@ void Feeder::pace(const AccessUnit &unit)
     wait_until(std::max(when, Clock::now())); /* a deadline in the past would look like a thread that hangs */
     paced_due_us_ = unit.due_us;
     paced_at_ = Clock::now();
-}
-
-/* The limit does not hold for the system's resolver, which asks each name server twice. */
-void Feeder::note_opening()
-{
-    constexpr auto kNameLimit = std::chrono::seconds(30);
-    set_heartbeat_deadline(Clock::now() + options_.open_limit +
-                           (input_.live() ? kNameLimit : std::chrono::seconds(0)));
 }
 
 void Feeder::set_heartbeat_deadline(Clock::time_point when)

@@ -46,6 +46,8 @@ struct FeedOptions {
     uint32_t sound_channels = 0; /* bit n = channel n's sound is wanted                    */
     uint32_t main_channels = 0;  /* bit n = channel n's main stream is read whatever is shown */
     std::chrono::milliseconds open_limit = std::chrono::seconds(10);
+    std::chrono::milliseconds key_limit =
+        std::chrono::seconds(30); /* of a network camera's first key frame */
 };
 
 /** What a feeder has done so far. */
@@ -144,6 +146,7 @@ public:
 private:
     void run();
     void feed();
+    bool read_first();
     bool next(AccessUnit *unit);
     bool reconnect(const std::string &why);
     bool wait_until(Clock::time_point when);
@@ -168,6 +171,7 @@ private:
     void report(const std::string &line);
     void set_heartbeat_deadline(Clock::time_point when);
     void note_opening();
+    void note_reading();
     bool stopping() const { return stop_.load(std::memory_order_relaxed); }
 
     const int channel_;

@@ -1,0 +1,99 @@
+/* feeder_open.cpp - see feeder.h: opening an input, and a broken line again. */
+#include "camera/feeder.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "wall/text.h"
+
+namespace nvrec
+{
+namespace
+{
+
+constexpr auto kFirstRetry = std::chrono::seconds(1);
+constexpr auto kLongestRetry = std::chrono::seconds(16);
+constexpr auto kSilence = std::chrono::seconds(10); /* a live input gives up a silent line after this */
+
+} // namespace
+
+bool Feeder::open()
+{
+    open_tried_ = true;
+    if (!input_.open(options_.open_limit)) {
+        report(input_.error());
+        return false;
+    }
+    if (!read_first()) return false;
+    note_facts();
+    opened_.store(true);
+    return true;
+}
+
+/* A camera whose key frames do not come is tried again, like one that does not answer. */
+bool Feeder::read_first()
+{
+    const Clock::time_point limit = Clock::now() + options_.key_limit;
+    while (!input_.live() || Clock::now() < limit) {
+        if (started_) note_reading();
+        const Input::Read result = input_.read(&first_unit_);
+        if (result != Input::Read::kUnit) {
+            report(result == Input::Read::kEnd ? "it holds no key frame" : input_.error());
+            return false;
+        }
+        if (first_unit_.key) return true;
+        if (!input_.live()) continue;
+        input_.take_sound(first_unit_.due_us); /* of pictures that nobody sees */
+        input_.take_sound_packets(first_unit_.due_us);
+    }
+    report(text("no key frame came in %.0f s", std::chrono::duration<double>(options_.key_limit).count()));
+    return false;
+}
+
+/*
+ * Open a line again, with growing pauses, until it stands or the recorder stops. The next unit read
+ * need not be a key frame; the decoder waits for one by itself. Files are not tried again.
+ */
+bool Feeder::reconnect(const std::string &why)
+{
+    if (!input_.live()) {
+        report(why);
+        broken_.store(true);
+        return false;
+    }
+    auto pause = std::chrono::duration_cast<std::chrono::milliseconds>(kFirstRetry);
+    report(why + "; connecting again");
+    std::string told; /* a line a reason: a camera may be away for weeks */
+    while (wait_until(Clock::now() + pause)) {
+        note_opening();
+        if (input_.open(options_.open_limit)) {
+            opened_.store(true);
+            note_facts();
+            {
+                const std::scoped_lock guard(lock_);
+                ++counters_.reconnects;
+            }
+            return true;
+        }
+        const std::string line = input_.error() + "; trying again";
+        if (line != std::exchange(told, line)) report(line);
+        pause = std::min<std::chrono::milliseconds>(pause * 2, kLongestRetry);
+    }
+    return false;
+}
+
+/* The limit does not hold for the system's resolver, which asks each name server twice. */
+void Feeder::note_opening()
+{
+    constexpr auto kNameLimit = std::chrono::seconds(30);
+    set_heartbeat_deadline(Clock::now() + options_.open_limit +
+                           (input_.live() ? kNameLimit : std::chrono::seconds(0)));
+}
+
+/* The line gives up by itself when no picture comes. */
+void Feeder::note_reading()
+{
+    set_heartbeat_deadline(input_.live() ? Clock::now() + kSilence : Clock::now());
+}
+
+} // namespace nvrec
