@@ -1,5 +1,13 @@
 /* The recorder's feeders: network cameras of which something works and something else does not. */
+#include <atomic>
+#include <chrono>
+#include <future>
 #include <string>
+#include <thread>
+
+#include <arpa/inet.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <gtest/gtest.h>
 
@@ -34,6 +42,72 @@ TEST_F(NvrecFeederLine, AStreamWithoutKeyFramesIsGivenUp)
     EXPECT_FALSE(feeder.open());
     EXPECT_EQ(feeder.trouble(), "no key frame came in 2 s");
     EXPECT_FALSE(feeder.opened());
+}
+
+/* A port that takes connections and never says a word. */
+class SilentPort
+{
+public:
+    SilentPort() : socket_(socket(AF_INET, SOCK_STREAM, 0))
+    {
+        sockaddr_in any = {};
+        any.sin_family = AF_INET;
+        any.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+        socklen_t size = sizeof any;
+        bind(socket_, reinterpret_cast<sockaddr *>(&any), size);
+        listen(socket_, 8);
+        getsockname(socket_, reinterpret_cast<sockaddr *>(&any), &size);
+        port_ = ntohs(any.sin_port);
+    }
+    ~SilentPort() { close(socket_); }
+    std::string address() const { return "rtsp://127.0.0.1:" + std::to_string(port_) + "/camera"; }
+
+private:
+    const int socket_;
+    int port_ = 0;
+};
+
+TEST_F(NvrecFeederLine, AMainStreamThatFailsBehindItsSubStreamSaysWhy)
+{
+    serve({"--sub", std::string(NVREC_CLIPS) + "/talking.mov"});
+    const SilentPort silent;
+    source_.sub_address = source_.address;
+    source_.sub_address.replace(source_.sub_address.rfind("/camera"), std::string::npos, "/sub");
+    source_.address = silent.address();
+    options_.open_limit = 4s;
+    Feeder feeder(0, source_, options_);
+    std::promise<std::string> told;
+    std::atomic<bool> once = false, empty_unit = false, sub_was_first = false;
+    events_.unit = [&](int, const AccessUnit &unit, const StreamFacts &) { empty_unit = unit.bytes.empty(); };
+    events_.trouble = [&](int, const std::string &line) {
+        if (line.find("its sub stream") != std::string::npos || once.exchange(true)) return;
+        sub_was_first = feeder.opened();
+        told.set_value(line);
+    };
+    feeder.want_stream(StreamChoice::kSub);
+    feeder.start(events_);
+    std::future<std::string> line = told.get_future();
+    ASSERT_EQ(line.wait_for(20s), std::future_status::ready);
+    EXPECT_NE(line.get().find("no answer in time"), std::string::npos);
+    std::this_thread::sleep_for(200ms);
+    EXPECT_TRUE(sub_was_first);
+    EXPECT_FALSE(empty_unit);
+    feeder.ask_to_stop();
+    feeder.join();
+}
+
+/* As a change of the configuration does it, which tells no fault of the camera. */
+TEST_F(NvrecFeederLine, AnOpeningThatIsInterruptedTellsNoFault)
+{
+    serve({"--drop-keys", "1000"}, "talking.mov");
+    Feeder feeder(0, source_, options_);
+    std::future<bool> opened = std::async(std::launch::async, [&feeder] { return feeder.open(); });
+    std::this_thread::sleep_for(1s);
+    feeder.ask_to_stop();
+    EXPECT_FALSE(opened.get());
+    feeder.start(events_);
+    feeder.join();
+    EXPECT_EQ(feeder.trouble(), "");
 }
 
 } // namespace

@@ -109,7 +109,7 @@ void Feeder::run()
 void Feeder::feed()
 {
     AccessUnit unit = std::move(first_unit_);
-    if (!opened_.load() && (!reconnect(trouble()) || !next(&unit))) return;
+    if (!input_opened_ && (!reconnect(trouble()) || !next(&unit))) return;
 
     uint64_t frames = 0;
     bool refused_before = false; /* a line a spell of refusals, not a line a frame */

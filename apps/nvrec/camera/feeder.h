@@ -110,6 +110,7 @@ public:
     int channel() const { return channel_; }
     const Input &input() const { return input_; }
     bool opened() const { return opened_.load(); }
+    bool was_asked_to_stop() const { return stopping(); }
     bool broken() const { return broken_.load(); }
 
     /**
@@ -183,8 +184,9 @@ private:
     std::thread thread_;
     bool open_tried_ = false;
     bool started_ = false;
+    bool input_opened_ = false; /* the main stream's, at least once */
     std::atomic<bool> stop_ = false;
-    std::atomic<bool> opened_ = false; /* the input was opened at least once        */
+    std::atomic<bool> opened_ = false; /* one of the two streams was, at least once */
     std::atomic<bool> broken_ = false; /* it ended by a failure, not by its own end */
     std::atomic<bool> waits_for_key_ = true;
     std::atomic<bool> sub_is_shown_ = false;                 /* shown_, for who does not hold gate_ */

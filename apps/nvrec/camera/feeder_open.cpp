@@ -21,11 +21,12 @@ bool Feeder::open()
 {
     open_tried_ = true;
     if (!input_.open(options_.open_limit)) {
-        report(input_.error());
+        if (!stopping()) report(input_.error());
         return false;
     }
     if (!read_first()) return false;
     note_facts();
+    input_opened_ = true;
     opened_.store(true);
     return true;
 }
@@ -37,6 +38,7 @@ bool Feeder::read_first()
     while (!input_.live() || Clock::now() < limit) {
         if (started_) note_reading();
         const Input::Read result = input_.read(&first_unit_);
+        if (result == Input::Read::kInterrupted) return false;
         if (result != Input::Read::kUnit) {
             report(result == Input::Read::kEnd ? "it holds no key frame" : input_.error());
             return false;
@@ -56,6 +58,7 @@ bool Feeder::read_first()
  */
 bool Feeder::reconnect(const std::string &why)
 {
+    if (stopping()) return false;
     if (!input_.live()) {
         report(why);
         broken_.store(true);
@@ -67,6 +70,7 @@ bool Feeder::reconnect(const std::string &why)
     while (wait_until(Clock::now() + pause)) {
         note_opening();
         if (input_.open(options_.open_limit)) {
+            input_opened_ = true;
             opened_.store(true);
             note_facts();
             {
@@ -75,6 +79,7 @@ bool Feeder::reconnect(const std::string &why)
             }
             return true;
         }
+        if (stopping()) return false;
         const std::string line = input_.error() + "; trying again";
         if (line != std::exchange(told, line)) report(line);
         pause = std::min<std::chrono::milliseconds>(pause * 2, kLongestRetry);

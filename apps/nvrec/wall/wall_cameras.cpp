@@ -54,7 +54,7 @@ std::vector<Feeder *> Wall::finished_openings()
 {
     std::vector<Feeder *> finished = openings_.take_finished();
     for (const Feeder *camera : finished) {
-        if (camera->opened()) continue;
+        if (camera->opened() || camera->was_asked_to_stop()) continue;
         terminal_.error(camera->label() + ": " + camera->shown_address() + ": " + camera->trouble() +
                         (camera->input().live() ? "; trying again" : ""));
         if (!camera->input().live()) note_exit_code(kExitInputFailed);
