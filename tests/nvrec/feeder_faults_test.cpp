@@ -1,8 +1,10 @@
 /* The recorder's feeders: network cameras of which something works and something else does not. */
 #include <atomic>
 #include <chrono>
+#include <filesystem>
 #include <future>
 #include <string>
+#include <system_error>
 #include <thread>
 
 #include <arpa/inet.h>
@@ -108,6 +110,35 @@ TEST_F(NvrecFeederLine, AnOpeningThatIsInterruptedTellsNoFault)
     feeder.start(events_);
     feeder.join();
     EXPECT_EQ(feeder.trouble(), "");
+}
+
+size_t open_sockets()
+{
+    size_t count = 0;
+    for (const auto &entry : std::filesystem::directory_iterator("/proc/self/fd")) {
+        std::error_code gone; /* the directory's own */
+        count += std::filesystem::read_symlink(entry, gone).string().rfind("socket:", 0) == 0;
+    }
+    return count;
+}
+
+TEST_F(NvrecFeederLine, ASubStreamThatIsNoLongerWantedKeepsNoLine)
+{
+    serve({});
+    const size_t before = open_sockets();
+    Feeder feeder(0, source_, options_);
+    std::promise<void> came;
+    std::atomic<bool> once = false;
+    events_.sink = [&](const AccessUnit &, const StreamFacts &) {
+        if (!once.exchange(true)) came.set_value();
+        return 0;
+    };
+    feeder.start(events_);
+    ASSERT_EQ(came.get_future().wait_for(20s), std::future_status::ready);
+    EXPECT_GT(open_sockets(), before);
+    feeder.ask_to_stop();
+    feeder.join();
+    EXPECT_EQ(open_sockets(), before);
 }
 
 } // namespace

@@ -101,6 +101,10 @@ void Feeder::run()
         started_at_ = Clock::now();
     }
     feed();
+    if (events_.sink && stopping()) { /* a sub stream: its successor may not come for days */
+        note_opening();
+        input_.close();
+    }
     set_heartbeat_deadline(Clock::time_point::max());
     if (!broken_.load() && !stopping()) meter_.ended();
     if (events_.ended) events_.ended(channel_);
