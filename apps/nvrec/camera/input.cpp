@@ -1,16 +1,14 @@
 /* input.cpp - see input.h: units as they come. */
 #include "camera/input.h"
 
-#include <algorithm>
-#include <iterator>
-#include <utility>
-
 namespace nvrec
 {
 
 bool Input::open(std::chrono::milliseconds limit)
 {
     clock_.begin();
+    sound_.clear();
+    sound_packets_.clear();
     if (!source_.open(limit, sound_wanted_)) return false;
     if (live()) {
         live_clock_.set_stream(source_.facts().frame_rate, source_.held_back());
@@ -48,6 +46,7 @@ void Input::stamp_arrived(AccessUnit *unit)
     unit->pts_us = stamp.pts_us;
     unit->wall_us = time_of_day_.of(stamp.at_us);
     jumped_us_ = stamp.jumped_us;
+    sound_place_ = {sound_place_.last_us, stamp.due_us};
 }
 
 void Input::stamp_place(AccessUnit *unit)
@@ -72,33 +71,9 @@ void Input::place_sound()
 {
     const std::optional<int64_t> offset_us = live() ? live_clock_.offset_us() : clock_.offset_us();
     if (!source_.sound() || !offset_us) return;
-    for (SoundBlock &block : source_.sound()->take()) {
-        block.pts_us += *offset_us;
-        if (block.pts_us >= 0) sound_.push_back(block);
-    }
-    for (SoundPacket &packet : source_.take_sound_packets()) {
-        packet.pts_us += *offset_us;
-        if (packet.pts_us >= 0) sound_packets_.push_back(std::move(packet));
-    }
-}
-
-std::vector<SoundPacket> Input::take_sound_packets(int64_t until_us)
-{
-    const auto end = std::ranges::find_if(
-        sound_packets_, [until_us](const SoundPacket &packet) { return packet.pts_us > until_us; });
-    std::vector<SoundPacket> taken(std::make_move_iterator(sound_packets_.begin()),
-                                   std::make_move_iterator(end));
-    sound_packets_.erase(sound_packets_.begin(), end);
-    return taken;
-}
-
-std::vector<SoundBlock> Input::take_sound(int64_t until_us)
-{
-    const auto end = std::find_if(sound_.begin(), sound_.end(),
-                                  [until_us](const SoundBlock &block) { return block.pts_us > until_us; });
-    std::vector<SoundBlock> taken(sound_.begin(), end);
-    sound_.erase(sound_.begin(), end);
-    return taken;
+    const auto place = live() ? std::optional(sound_place_) : std::nullopt;
+    sound_.add(source_.sound()->take(), *offset_us, place);
+    sound_packets_.add(source_.take_sound_packets(), *offset_us, place);
 }
 
 } // namespace nvrec

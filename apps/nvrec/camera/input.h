@@ -24,6 +24,7 @@
 #include "camera/packet_source.h"
 #include "camera/sound_packet.h"
 #include "camera/unit_clock.h"
+#include "camera/waiting_sound.h"
 #include "host/clock.h"
 
 namespace nvrec
@@ -63,16 +64,13 @@ public:
      * The sound read on the way to the last unit and not taken yet, in order, up to a time on the
      * clock of due_us; INT64_MAX = all there is.
      */
-    std::vector<SoundBlock> take_sound(int64_t until_us);
+    std::vector<SoundBlock> take_sound(int64_t until_us) { return sound_.take(until_us); }
 
     /** The same sound as it came, likewise; wall_us is not set. */
-    std::vector<SoundPacket> take_sound_packets(int64_t until_us);
+    std::vector<SoundPacket> take_sound_packets(int64_t until_us) { return sound_packets_.take(until_us); }
 
     /** When the first block of sound that waits is due; nothing = none waits. */
-    std::optional<int64_t> next_sound_us() const
-    {
-        return sound_.empty() ? std::nullopt : std::optional(sound_.front().pts_us);
-    }
+    std::optional<int64_t> next_sound_us() const { return sound_.first_us(); }
 
     /** By how much the camera's clock was set with the last unit; 0 = it was not. */
     int64_t jumped_us() const { return jumped_us_; }
@@ -131,8 +129,9 @@ private:
     TimeOfDay time_of_day_;
     int64_t jumped_us_ = 0;
     bool sound_wanted_ = false;
-    std::vector<SoundPacket> sound_packets_;
-    std::vector<SoundBlock> sound_; /* not taken yet; times on the clock of due_us */
+    SoundPlace sound_place_;
+    WaitingSound<SoundPacket> sound_packets_;
+    WaitingSound<SoundBlock> sound_;
 };
 
 } // namespace nvrec
