@@ -46,6 +46,27 @@ TEST_F(NvrecFeederLine, AStreamWithoutKeyFramesIsGivenUp)
     EXPECT_FALSE(feeder.opened());
 }
 
+TEST_F(NvrecFeederLine, ALineThatStandsAgainShowsNothingBeforeAKeyFrame)
+{
+    serve({"--drop-keys", "1"}); /* the file's at 20 and 40 of its 60 pictures are left */
+    bool waited = false;
+    size_t behind = 0; /* pictures of the second session that were not shown */
+    events_.unit = [&](int, const AccessUnit &unit, const StreamFacts &) {
+        if (feeder_->counters().reconnects == 0 || waited) return;
+        waited = unit.key;
+        behind += !unit.key;
+        EXPECT_TRUE(feeder_->status().waits_for_key) << "picture " << behind;
+    };
+    feed(70);
+    ASSERT_GE(behind, 5u) << "the camera sent its key frame first";
+    EXPECT_TRUE(waited);
+    ASSERT_EQ(units_.size(), 70 - behind);
+    EXPECT_FALSE(units_[39].key);
+    EXPECT_TRUE(units_[40].key) << "the first one of the second session";
+    EXPECT_FALSE(feeder_->status().waits_for_key);
+    EXPECT_EQ(feeder_->counters().sent, 70 - behind);
+}
+
 /* A port that takes connections and never says a word. */
 class SilentPort
 {

@@ -124,9 +124,9 @@ void Feeder::feed()
         pass_sound(unit, unit.due_us);
         if (events_.unit) events_.unit(channel_, unit, input_.facts());
         const bool kept_out = is_kept_out(channel_);
-        bool shown = true;
-        const bool accepted =
-            (events_.sink ? events_.sink(unit, input_.facts()) : send_main(unit, &shown)) == 0;
+        needs_key_ = needs_key_ && !unit.key;
+        bool shown = !needs_key_;
+        const bool accepted = needs_key_ || send(unit, &shown) == 0;
         const bool wanted = shown && (accepted || (!kept_out && !is_kept_out(channel_)));
         if (shown) count(unit, accepted);
         if (!accepted && !refused_before && wanted) report(refusal_of(unit));
@@ -138,6 +138,12 @@ void Feeder::feed()
             return;
         }
     }
+}
+
+/* @param shown  set to false when it is not for the decoder */
+int32_t Feeder::send(const AccessUnit &unit, bool *shown)
+{
+    return events_.sink ? events_.sink(unit, input_.facts()) : send_main(unit, shown);
 }
 
 /* @param unit  the picture that it belongs to, or the last one */

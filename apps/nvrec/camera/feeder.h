@@ -73,7 +73,8 @@ public:
             sound; /* wanted sound, before the unit that is due with it or after it */
         std::function<void(int channel, const SoundPacket &)> sound_packet; /* the same sound as it came */
         std::function<int32_t(const AccessUnit &, const StreamFacts &)>
-            sink; /* where units go; 0 = accepted. None = the channel's decoder */
+            sink;                         /* where units go; 0 = accepted. None = the channel's decoder */
+        std::function<void()> line_began; /* again: nothing goes to the sink before a key frame */
     };
 
     Feeder(int channel, const CameraSource &source, const FeedOptions &options);
@@ -153,6 +154,7 @@ private:
     bool wait_until(Clock::time_point when);
     void wait_due(const AccessUnit &unit);
     void pace(const AccessUnit &unit);
+    int32_t send(const AccessUnit &unit, bool *shown);
     int32_t send_main(const AccessUnit &unit, bool *shown);
     int32_t take_from_sub(const AccessUnit &unit, const StreamFacts &facts);
     int32_t send_to_decoder(const AccessUnit &unit, const StreamFacts &facts);
@@ -171,6 +173,7 @@ private:
     void note_handed_on(const AccessUnit &unit, bool accepted);
     void report(const std::string &line);
     void set_heartbeat_deadline(Clock::time_point when);
+    void begin_line();
     void note_opening();
     void note_reading();
     bool stopping() const { return stop_.load(std::memory_order_relaxed); }
@@ -185,6 +188,7 @@ private:
     bool open_tried_ = false;
     bool started_ = false;
     bool input_opened_ = false; /* the main stream's, at least once */
+    bool needs_key_ = false;    /* nothing goes to the decoder before a key frame */
     std::atomic<bool> stop_ = false;
     std::atomic<bool> opened_ = false; /* one of the two streams was, at least once */
     std::atomic<bool> broken_ = false; /* it ended by a failure, not by its own end */

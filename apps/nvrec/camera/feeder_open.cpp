@@ -53,8 +53,7 @@ bool Feeder::read_first()
 }
 
 /*
- * Open a line again, with growing pauses, until it stands or the recorder stops. The next unit read
- * need not be a key frame; the decoder waits for one by itself. Files are not tried again.
+ * Open a line again, with growing pauses, until it stands or the recorder stops. Files are not tried again.
  */
 bool Feeder::reconnect(const std::string &why)
 {
@@ -70,13 +69,10 @@ bool Feeder::reconnect(const std::string &why)
     while (wait_until(Clock::now() + pause)) {
         note_opening();
         if (input_.open(options_.open_limit)) {
-            input_opened_ = true;
             opened_.store(true);
-            note_facts();
-            {
-                const std::scoped_lock guard(lock_);
-                ++counters_.reconnects;
-            }
+            begin_line();
+            const std::scoped_lock guard(lock_);
+            ++counters_.reconnects;
             return true;
         }
         if (stopping()) return false;
@@ -85,6 +81,19 @@ bool Feeder::reconnect(const std::string &why)
         pause = std::min<std::chrono::milliseconds>(pause * 2, kLongestRetry);
     }
     return false;
+}
+
+/*
+ * A line was opened again. What comes before its first key frame belongs to pictures that did not come: the
+ * decoder would make smears of it.
+ */
+void Feeder::begin_line()
+{
+    input_opened_ = true;
+    needs_key_ = true;
+    note_facts();
+    if (!sub_is_shown_.load(std::memory_order_relaxed)) expect_key();
+    if (events_.line_began) events_.line_began();
 }
 
 /* The limit does not hold for the system's resolver, which asks each name server twice. */

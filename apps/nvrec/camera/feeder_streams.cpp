@@ -62,6 +62,9 @@ void Feeder::start_sub()
     events.sink = [this](const AccessUnit &unit, const StreamFacts &facts) {
         return take_from_sub(unit, facts);
     };
+    events.line_began = [this] {
+        if (sub_is_shown_.load(std::memory_order_relaxed)) expect_key();
+    };
     events.trouble = [this](int, const std::string &line) { report("its sub stream: " + line); };
     {
         const std::scoped_lock guard(sub_lock_);
@@ -214,7 +217,10 @@ bool Feeder::wait_while_idle()
     if (stopping()) return false;
     meter_.begin_again();
     note_opening();
-    if (input_.open(options_.open_limit)) return true;
+    if (input_.open(options_.open_limit)) {
+        begin_line();
+        return true;
+    }
     return !stopping() && reconnect(input_.error());
 }
 
