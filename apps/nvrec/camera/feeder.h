@@ -156,9 +156,10 @@ private:
     void pace(const AccessUnit &unit);
     int32_t send(const AccessUnit &unit, bool *shown);
     int32_t send_main(const AccessUnit &unit, bool *shown);
-    int32_t take_from_sub(const AccessUnit &unit, const StreamFacts &facts);
+    int32_t take_from_sub(Feeder &second, const AccessUnit &unit, const StreamFacts &facts);
     int32_t send_to_decoder(const AccessUnit &unit, const StreamFacts &facts);
-    void send_again_if_laid_out(const AccessUnit &unit, const StreamFacts &facts, StreamChoice stream);
+    void send_again_if_laid_out(const AccessUnit &unit, const StreamFacts &facts, StreamChoice stream,
+                                Feeder &sender);
     void start_sub();
     std::shared_ptr<Feeder> sub() const;
     bool sub_is_well() const;

@@ -59,8 +59,8 @@ void Feeder::start_sub()
     const auto second = std::make_shared<Feeder>(channel_, source, options);
     if (const auto epoch_us = input_epoch_us_.load(); epoch_us != 0) second->input_.set_epoch_us(epoch_us);
     Events events;
-    events.sink = [this](const AccessUnit &unit, const StreamFacts &facts) {
-        return take_from_sub(unit, facts);
+    events.sink = [this, own = second.get()](const AccessUnit &unit, const StreamFacts &facts) {
+        return take_from_sub(*own, unit, facts);
     };
     events.line_began = [this] {
         if (sub_is_shown_.load(std::memory_order_relaxed)) expect_key();
@@ -89,14 +89,14 @@ int32_t Feeder::send_main(const AccessUnit &unit, bool *shown)
         }
         result = send_to_decoder(unit, input_.facts());
     }
-    send_again_if_laid_out(unit, input_.facts(), StreamChoice::kMain);
+    send_again_if_laid_out(unit, input_.facts(), StreamChoice::kMain, *this);
     const auto second = sub();
     if (second && wanted_ == StreamChoice::kMain) second->ask_to_stop();
     return result;
 }
 
-/* A unit of the sub stream; what is not shown is as good as taken. */
-int32_t Feeder::take_from_sub(const AccessUnit &unit, const StreamFacts &facts)
+/* A unit of the sub stream, on its thread; what is not shown is as good as taken. */
+int32_t Feeder::take_from_sub(Feeder &second, const AccessUnit &unit, const StreamFacts &facts)
 {
     int32_t result = 0;
     const bool kept_out = is_kept_out(channel_);
@@ -110,7 +110,7 @@ int32_t Feeder::take_from_sub(const AccessUnit &unit, const StreamFacts &facts)
         }
         result = send_to_decoder(unit, facts);
     }
-    send_again_if_laid_out(unit, facts, StreamChoice::kSub);
+    send_again_if_laid_out(unit, facts, StreamChoice::kSub, second);
     count(unit, result == 0);
     if (result == 0 && unit.key && is_decoded(channel_))
         waits_for_key_.store(false, std::memory_order_relaxed);
@@ -120,8 +120,10 @@ int32_t Feeder::take_from_sub(const AccessUnit &unit, const StreamFacts &facts)
 /*
  * A decoder that was made anew by a unit is bound to no pane, and the layout that binds it throws that
  * unit away: once it stands, the unit goes a second time. What comes meanwhile waits on its line.
+ * @param sender  whose thread this is
  */
-void Feeder::send_again_if_laid_out(const AccessUnit &unit, const StreamFacts &facts, StreamChoice stream)
+void Feeder::send_again_if_laid_out(const AccessUnit &unit, const StreamFacts &facts, StreamChoice stream,
+                                    Feeder &sender)
 {
     uint64_t before = 0;
     {
@@ -133,7 +135,7 @@ void Feeder::send_again_if_laid_out(const AccessUnit &unit, const StreamFacts &f
     if (!events_.decoder_changed) return;
     events_.decoder_changed(channel_);
     const Clock::time_point limit = Clock::now() + kLayoutPatience;
-    set_heartbeat_deadline(limit);
+    sender.set_heartbeat_deadline(limit);
     {
         std::unique_lock guard(sleep_lock_);
         const bool laid_out =
