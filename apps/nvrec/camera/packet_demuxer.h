@@ -34,6 +34,7 @@ struct PacketSource::Demuxer {
     AVCodecParserContext *parser = nullptr; /* looks into key frames: size, true random access */
     AVCodecContext *parser_context = nullptr;
     std::unique_ptr<SoundTrack> sound;
+    AVRational sound_time_base = {1, 1};
     AVPacket *packet = av_packet_alloc();
     std::deque<TimedPacket> ahead; /* of the video stream, read and not filtered yet */
     int ahead_end = 0;             /* why no more of them can be read; 0 = they can  */

@@ -69,8 +69,21 @@ void PacketSource::keep_sound(const AVPacket &packet)
     constexpr size_t kMostKept = 4096; /* of an input whose pictures never come */
     if (packet.pts == AV_NOPTS_VALUE || packet.size <= 0 || sound_packets_.size() >= kMostKept) return;
     if ((packet.flags & AV_PKT_FLAG_DISCARD) != 0) return; /* before the beginning that the file names */
-    const AVStream &stream = *demuxer_->format->streams[packet.stream_index];
+    if (!line_) note_sound_codec(); /* a line's reader may change the stream meanwhile */
+    const AVRational base = demuxer_->sound_time_base;
+    SoundPacket kept;
+    kept.bytes.assign(packet.data, packet.data + packet.size);
+    kept.pts_us = av_rescale_q(packet.pts, base, AVRational{1, 1'000'000});
+    kept.duration_us = av_rescale_q(packet.duration, base, AVRational{1, 1'000'000});
+    kept.codec = sound_codec_;
+    sound_packets_.push_back(std::move(kept));
+}
+
+void PacketSource::note_sound_codec()
+{
+    const AVStream &stream = *demuxer_->format->streams[demuxer_->sound->stream_index()];
     const AVCodecParameters &parameters = *stream.codecpar;
+    demuxer_->sound_time_base = stream.time_base;
     SoundCodec codec = {.av_id = parameters.codec_id,
                         .rate_hz = parameters.sample_rate,
                         .channels = parameters.ch_layout.nb_channels,
@@ -82,12 +95,6 @@ void PacketSource::keep_sound(const AVPacket &packet)
         codec.extradata.assign(parameters.extradata, parameters.extradata + parameters.extradata_size);
     if (!sound_codec_ || !(codec == *sound_codec_))
         sound_codec_ = std::make_shared<const SoundCodec>(std::move(codec));
-    SoundPacket kept;
-    kept.bytes.assign(packet.data, packet.data + packet.size);
-    kept.pts_us = av_rescale_q(packet.pts, stream.time_base, AVRational{1, 1'000'000});
-    kept.duration_us = av_rescale_q(packet.duration, stream.time_base, AVRational{1, 1'000'000});
-    kept.codec = sound_codec_;
-    sound_packets_.push_back(std::move(kept));
 }
 
 std::vector<LiveClock::Arrived> PacketSource::catch_up()

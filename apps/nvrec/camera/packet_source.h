@@ -140,6 +140,7 @@ private:
     void start_reading();
     void sort(TimedPacket packet);
     void keep_sound(const AVPacket &packet);
+    void note_sound_codec();
     bool first_is_ready() const;
     void forget_position();
     bool fail(const std::string &what, int av_code);

@@ -165,6 +165,7 @@ bool PacketSource::open_stream(bool with_sound)
     if (code < 0) return fail("it carries no video");
     demuxer_->stream = format->streams[code];
     if (with_sound) demuxer_->sound = SoundTrack::find(format, code);
+    if (demuxer_->sound) note_sound_codec();
     for (unsigned i = 0; i < format->nb_streams; ++i) {
         const bool is_sound = demuxer_->sound && demuxer_->sound->stream_index() == static_cast<int>(i);
         if (format->streams[i] != demuxer_->stream && !is_sound) format->streams[i]->discard = AVDISCARD_ALL;
