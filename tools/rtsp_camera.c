@@ -6,7 +6,8 @@
  *
  * Prints "port N" once it listens (N is a free port when none is given) and serves
  * rtsp://127.0.0.1:N/camera, and of SUBFILE, which is of the same codec, /sub, until its standard input
- * ends. A session ends at the file's end, as a camera that restarts would end it.
+ * ends. A session ends at the file's end, as a camera that restarts would end it. It prints "session ended"
+ * when the other side ends one.
  *
  * --udp-only offers no packets over TCP. With --jump the camera's clock is set by so many seconds, 30
  * pictures after a session's beginning. --sound sends the file's sound, which must be G.711 A-law, beside the
@@ -127,6 +128,22 @@ static void on_session(GstRTSPMediaFactory *factory, GstRTSPMedia *media, gpoint
     gst_object_unref(bin);
 }
 
+static void on_teardown(GstRTSPClient *client, GstRTSPContext *context, gpointer unused)
+{
+    (void)client;
+    (void)context;
+    (void)unused;
+    printf("session ended\n");
+    fflush(stdout);
+}
+
+static void on_client(GstRTSPServer *server, GstRTSPClient *client, gpointer unused)
+{
+    (void)server;
+    (void)unused;
+    g_signal_connect(client, "teardown-request", G_CALLBACK(on_teardown), NULL);
+}
+
 static void serve(GstRTSPMountPoints *mounts, const char *path, const char *file, const char *codec)
 {
     /* config-interval -1: parameter sets in front of every key frame, as cameras send them. */
@@ -177,6 +194,7 @@ int main(int argc, char **argv)
     if (sub) serve(mounts, "/sub", sub, argv[at + 1]);
     g_object_unref(mounts);
 
+    g_signal_connect(server, "client-connected", G_CALLBACK(on_client), NULL);
     if (gst_rtsp_server_attach(server, NULL) == 0) {
         fprintf(stderr, "cannot listen\n");
         return 1;

@@ -1,6 +1,7 @@
 /* The recorder's feeders: network cameras of which something works and something else does not. */
 #include <atomic>
 #include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <future>
 #include <string>
@@ -160,6 +161,9 @@ TEST_F(NvrecFeederLine, ASubStreamThatIsNoLongerWantedKeepsNoLine)
     feeder.ask_to_stop();
     feeder.join();
     EXPECT_EQ(open_sockets(), before);
+    std::future<std::string> told = std::async(std::launch::async, [this] { return camera_->read_line(); });
+    if (told.wait_for(5s) != std::future_status::ready) camera_->signal(SIGKILL);
+    EXPECT_EQ(told.get(), "session ended") << "cameras have room for few sessions";
 }
 
 } // namespace

@@ -153,6 +153,7 @@ private:
     Transport worked_ = Transport::kAuto; /* the last time */
     std::atomic<uint64_t> missed_ = 0;
     std::atomic<bool> closing_ = false;
+    bool hanging_up_ = false;                   /* while no other thread reads */
     std::atomic<Clock::time_point> give_up_at_; /* of the blocking call under way */
     std::unique_ptr<Demuxer> demuxer_;
     std::unique_ptr<LineReader> line_; /* of a network camera; it reads from the demuxer */

@@ -16,6 +16,7 @@ namespace
 
 constexpr double kSilentFrameRate = 25.0; /* of bare streams that state none */
 constexpr const char *kUdpBuffer_bytes = "2097152";
+constexpr auto kGoodbyeLimit = std::chrono::seconds(1); /* the end of a session is sent, no answer awaited */
 
 /* Answers of a camera that does not offer the transport. */
 bool is_of_transport(int av_code)
@@ -66,9 +67,11 @@ bool PacketSource::fail(const std::string &what, int av_code)
 int PacketSource::stop_asked(void *source)
 {
     const auto *self = static_cast<const PacketSource *>(source);
+    const bool late = Clock::now() > self->give_up_at_.load(std::memory_order_relaxed);
+    if (self->hanging_up_) return late;
     if (self->interrupted_.load(std::memory_order_relaxed)) return 1;
     if (self->closing_.load(std::memory_order_relaxed)) return 1;
-    return Clock::now() > self->give_up_at_.load(std::memory_order_relaxed);
+    return late;
 }
 
 bool PacketSource::open(std::chrono::milliseconds limit, bool with_sound)
@@ -87,7 +90,10 @@ bool PacketSource::open(std::chrono::milliseconds limit, bool with_sound)
 void PacketSource::close()
 {
     line_.reset();
+    give_up_at_ = Clock::now() + kGoodbyeLimit;
+    hanging_up_ = true;
     demuxer_.reset();
+    hanging_up_ = false;
     sound_packets_.clear();
     sound_codec_.reset();
 }
