@@ -266,6 +266,8 @@ POINT(port_off, "disp.disable-port.drops", "MI_DISP_DisableInputPort MI_DISP_Ena
     const Spot dark[] = {{300, 200, BLACK}}, red[] = {{300, 200, RED}}, green[] = {{300, 200, GREEN}};
     need_one_playing(100, 100, 400, 200, &red_h264);
     screen_shows(DEV, red, 1, "a red field at 100,100");
+    wait_consumed(CH, 1000); /* a picture that is still decoded would be a new one */
+    pause_ms(patient_ms(60));
     OK(MI_DISP_DisableInputPort(DEV, PORT));
     screen_shows(DEV, dark, 1, "the field is gone");
     OK(MI_DISP_EnableInputPort(DEV, PORT));
