@@ -20,6 +20,7 @@
 #include "controls/keys_navigation.h"
 #include "nvrhal.h"
 #include "stand_in_wall.h"
+#include "start_board.h"
 #include "vboard.h"
 #include "vboard_devices.h"
 
@@ -215,11 +216,7 @@ class RecorderIndicators : public testing::Test
 protected:
     void SetUp() override
     {
-        DeviceParams params = {};
-        params.vi_chn_num = 4;
-        params.gui_width = 1920;
-        params.gui_height = 1080;
-        ASSERT_EQ(ext_device_init(&params), 0);
+        start_board();
         EXPECT_EQ(vboard_gpio_level(kBuzzer), 1) << "start-up leaves it high";
     }
 

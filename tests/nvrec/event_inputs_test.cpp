@@ -7,6 +7,7 @@
 #include "controls/event_inputs.h"
 #include "nvrhal.h"
 #include "stand_in_wall.h"
+#include "start_board.h"
 #include "vboard_devices.h"
 
 namespace
@@ -20,11 +21,7 @@ class BoardEvents : public testing::Test
 protected:
     void SetUp() override
     {
-        DeviceParams params = {};
-        params.vi_chn_num = 4;
-        params.gui_width = 1920;
-        params.gui_height = 1080;
-        ASSERT_EQ(ext_device_init(&params), 0);
+        start_board();
         ASSERT_TRUE(inputs_.start(wall_));
     }
 

@@ -8,13 +8,10 @@
 #include <system_error>
 #include <thread>
 
-#include <arpa/inet.h>
-#include <sys/socket.h>
-#include <unistd.h>
-
 #include <gtest/gtest.h>
 
 #include "feeder_line.h"
+#include "loopback_port.h"
 
 #ifdef NVREC_RTSP_CAMERA
 
@@ -68,36 +65,13 @@ TEST_F(NvrecFeederLine, ALineThatStandsAgainShowsNothingBeforeAKeyFrame)
     EXPECT_EQ(feeder_->counters().sent, 70 - behind);
 }
 
-/* A port that takes connections and never says a word. */
-class SilentPort
-{
-public:
-    SilentPort() : socket_(socket(AF_INET, SOCK_STREAM, 0))
-    {
-        sockaddr_in any = {};
-        any.sin_family = AF_INET;
-        any.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-        socklen_t size = sizeof any;
-        bind(socket_, reinterpret_cast<sockaddr *>(&any), size);
-        listen(socket_, 8);
-        getsockname(socket_, reinterpret_cast<sockaddr *>(&any), &size);
-        port_ = ntohs(any.sin_port);
-    }
-    ~SilentPort() { close(socket_); }
-    std::string address() const { return "rtsp://127.0.0.1:" + std::to_string(port_) + "/camera"; }
-
-private:
-    const int socket_;
-    int port_ = 0;
-};
-
 TEST_F(NvrecFeederLine, AMainStreamThatFailsBehindItsSubStreamSaysWhy)
 {
     serve({"--sub", std::string(NVREC_CLIPS) + "/talking.mov"});
-    const SilentPort silent;
+    const LoopbackPort silent; /* takes connections and never says a word */
     source_.sub_address = source_.address;
     source_.sub_address.replace(source_.sub_address.rfind("/camera"), std::string::npos, "/sub");
-    source_.address = silent.address();
+    source_.address = "rtsp://127.0.0.1:" + std::to_string(silent.number()) + "/camera";
     options_.open_limit = 4s;
     Feeder feeder(0, source_, options_);
     std::promise<std::string> told;

@@ -11,6 +11,7 @@
 
 #include "archive/time_of_day.h"
 #include "camera/input.h"
+#include "frame_pools.h"
 #include "nvrec_run.h"
 #include "nvrhal.h"
 #include "record/event_span.h"
@@ -56,12 +57,7 @@ class NvrecEvents : public testing::Test
 protected:
     void SetUp() override
     {
-        g_vi_chn_num = kEventChannel + 1;
-        StreamPoolConfig config = {};
-        config.channel_count = kEventChannel + 1;
-        for (StreamRingSizes &sizes : config.channels)
-            sizes = {NVRHAL_SUB_FRAME_BYTES, NVRHAL_SUB_RING_BYTES, NVRHAL_MAIN_RING_FRAMES};
-        ASSERT_EQ(kx_stream_init_avstream(&config, STREAM_POOL_SUB), 0);
+        begin_frame_pool(STREAM_POOL_SUB, kEventChannel + 1);
         vboard_clock_take();
         disk_.directory = scratch_.file("files");
         plan_.mode = RecordingMode::kEvent;

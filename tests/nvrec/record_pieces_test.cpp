@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "camera/sound.h"
+#include "frame_pools.h"
 #include "nvrhal.h"
 #include "record/parameter_sets.h"
 #include "record/pool_reader.h"
@@ -26,12 +27,7 @@ class Pool : public testing::Test
 protected:
     void SetUp() override
     {
-        g_vi_chn_num = kChannels;
-        StreamPoolConfig config = {};
-        config.channel_count = kChannels;
-        for (StreamRingSizes &sizes : config.channels)
-            sizes = {kLargestMainFrame_bytes, NVRHAL_MAIN_RING_BYTES, NVRHAL_MAIN_RING_FRAMES};
-        ASSERT_EQ(kx_stream_init_avstream(&config, STREAM_POOL_MAIN), 0);
+        begin_frame_pool(STREAM_POOL_MAIN, kChannels);
         PoolFrame none;
         EXPECT_FALSE(reader_.take(&none)) << "the pool is empty";
     }

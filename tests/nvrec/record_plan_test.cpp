@@ -8,6 +8,7 @@
 
 #include <gtest/gtest.h>
 
+#include "frame_pools.h"
 #include "nvrhal.h"
 #include "record/frame_route.h"
 #include "record/held_frames.h"
@@ -233,15 +234,7 @@ TEST(PacketQueues, RefuseWhatWouldFillThem)
 class FrameRoutes : public testing::Test
 {
 protected:
-    void SetUp() override
-    {
-        g_vi_chn_num = NVRHAL_MAX_CAMERAS;
-        StreamPoolConfig config = {};
-        config.channel_count = NVRHAL_STORED_CHANNELS;
-        for (StreamRingSizes &sizes : config.channels)
-            sizes = {NVRHAL_MAIN_FRAME_BYTES, NVRHAL_MAIN_RING_BYTES, NVRHAL_MAIN_RING_FRAMES};
-        ASSERT_EQ(kx_stream_init_avstream(&config, STREAM_POOL_MAIN), 0);
-    }
+    void SetUp() override { begin_frame_pool(STREAM_POOL_MAIN, NVRHAL_MAX_CAMERAS); }
 
     static AccessUnit unit_of(size_t bytes, bool key, int64_t number)
     {

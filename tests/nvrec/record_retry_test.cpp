@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
+#include "frame_pools.h"
 #include "nvrec_run.h"
 #include "nvrhal.h"
 #include "record/recording.h"
@@ -42,12 +43,7 @@ class NvrecRecordRetry : public testing::Test
 protected:
     void SetUp() override
     {
-        g_vi_chn_num = kChannel + 1;
-        StreamPoolConfig config = {};
-        config.channel_count = kChannel + 1;
-        for (StreamRingSizes &sizes : config.channels)
-            sizes = {NVRHAL_SUB_FRAME_BYTES, NVRHAL_SUB_RING_BYTES, NVRHAL_MAIN_RING_FRAMES};
-        ASSERT_EQ(kx_stream_init_avstream(&config, STREAM_POOL_SUB), 0);
+        begin_frame_pool(STREAM_POOL_SUB, kChannel + 1);
         ASSERT_TRUE(camera_.open(std::chrono::seconds(10))) << camera_.error();
         vboard_clock_take();
         signal(SIGXFSZ, SIG_IGN);

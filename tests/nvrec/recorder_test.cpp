@@ -14,6 +14,7 @@
 
 #include "archive/index.h"
 #include "camera/input.h"
+#include "frame_pools.h"
 #include "nvrec_run.h"
 #include "nvrhal.h"
 #include "record/recorder.h"
@@ -86,18 +87,8 @@ class NvrecRecorder : public testing::Test
 protected:
     void start(int cameras, RecorderOptions options = {})
     {
-        g_vi_chn_num = cameras;
-        for (const auto &[pool, frame, ring, count] :
-             {std::tuple(STREAM_POOL_MAIN, NVRHAL_MAIN_FRAME_BYTES, NVRHAL_MAIN_RING_BYTES,
-                         NVRHAL_MAIN_RING_FRAMES),
-              std::tuple(STREAM_POOL_AUDIO, NVRHAL_AUDIO_FRAME_BYTES, NVRHAL_AUDIO_RING_BYTES,
-                         NVRHAL_AUDIO_RING_FRAMES)}) {
-            StreamPoolConfig config = {};
-            config.channel_count = std::min(cameras, NVRHAL_STORED_CHANNELS);
-            for (StreamRingSizes &sizes : config.channels)
-                sizes = {frame, ring, count};
-            ASSERT_EQ(kx_stream_init_avstream(&config, pool), 0);
-        }
+        begin_frame_pool(STREAM_POOL_MAIN, cameras);
+        begin_frame_pool(STREAM_POOL_AUDIO, cameras);
         options.record.directory = scratch_.file("files");
         options.record.segment_s = 86'400;
         options.feed.as_fast_as_can = true; /* put() waits for the reader */
