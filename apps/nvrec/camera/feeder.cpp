@@ -90,6 +90,7 @@ void Feeder::hang_up()
 void Feeder::go_on_from(const Feeder &before)
 {
     const int64_t epoch_us = before.input_epoch_us_.load();
+    input_epoch_us_ = epoch_us; /* also for who follows this one, should it never answer */
     if (input_.live() && epoch_us != 0) input_.set_epoch_us(epoch_us);
 }
 

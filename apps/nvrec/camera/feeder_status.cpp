@@ -29,7 +29,7 @@ void Feeder::note_facts()
 {
     const std::scoped_lock guard(lock_);
     facts_ = input_.facts();
-    input_epoch_us_ = input_.epoch_us().value_or(0);
+    if (const auto epoch_us = input_.epoch_us()) input_epoch_us_ = *epoch_us;
 }
 
 void Feeder::count(const AccessUnit &unit, bool accepted)
