@@ -26,7 +26,7 @@ protected:
         std::vector<SoundBlock> blocks;
         for (const int64_t time_us : times_us)
             blocks.emplace_back().pts_us = time_us;
-        sound_.add(blocks, offset_us_, place);
+        sound_.add(blocks, offset_us_, place ? &*place : nullptr);
     }
 
     Times take(int64_t until_us)

@@ -71,7 +71,7 @@ void Input::place_sound()
 {
     const std::optional<int64_t> offset_us = live() ? live_clock_.offset_us() : clock_.offset_us();
     if (!source_.sound() || !offset_us) return;
-    const auto place = live() ? std::optional(sound_place_) : std::nullopt;
+    const SoundPlace *place = live() ? &sound_place_ : nullptr;
     sound_.add(source_.sound()->take(), *offset_us, place);
     sound_packets_.add(source_.take_sound_packets(), *offset_us, place);
 }

@@ -33,9 +33,9 @@ template <typename Sound> class WaitingSound
 public:
     /**
      * @param offset_us  to be added to the sound's times
-     * @param place      of a network camera; nothing for a file, whose times hold
+     * @param place      of a network camera; null for a file, whose times hold
      */
-    void add(std::vector<Sound> sounds, int64_t offset_us, const std::optional<SoundPlace> &place)
+    void add(std::vector<Sound> sounds, int64_t offset_us, const SoundPlace *place)
     {
         for (Sound &sound : sounds) {
             sound.pts_us += offset_us;
