@@ -7,7 +7,7 @@
 #   tools/further_legs.sh   the other ones, which take longer: before a release
 #
 # Legs of --all:
-#   dev           optimised build with debug information, every test
+#   dev           library and board optimised, with debug information: every test
 #   seams         dependencies run one way, and no word is used that was given up; reads dev's build
 #   format        house format
 #   asan          address and undefined-behaviour sanitizers, every test of what is built with them
