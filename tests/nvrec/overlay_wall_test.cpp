@@ -4,6 +4,10 @@
 #include <algorithm>
 #include <csignal>
 #include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
 
 #include "nvrec_run.h"
 
@@ -109,6 +113,55 @@ TEST_F(NvrecOverlayWall, APaneWithoutVideoSaysSo)
     EXPECT_EQ(elsewhere, 0);
 }
 
+/* One group of pictures of a clip, and then the next group so many times with nothing but rubbish behind the
+ * headers of its slices. */
+std::string with_rubbish(const std::string &clip, int times)
+{
+    std::ifstream file(clip, std::ios::binary);
+    const std::string stream((std::istreambuf_iterator<char>(file)), {});
+    const std::string parameters("\0\0\0\1\x67", 5), start("\0\0\1", 3);
+    const size_t second_group = stream.find(parameters, 1);
+    std::string bad = stream.substr(second_group);
+    for (size_t at = bad.find(start); at != std::string::npos;) {
+        const size_t payload = at + start.size() + 1, next = bad.find(start, payload);
+        const int type = bad[payload - 1] & 31;
+        const size_t end = next == std::string::npos ? bad.size() : next - (bad[next - 1] == 0);
+        if (type == 1 || type == 5) bad.replace(payload, end - payload, end - payload, '\x80');
+        at = next;
+    }
+    std::string result = stream.substr(0, second_group);
+    for (int i = 0; i < times; ++i)
+        result += bad;
+    return result;
+}
+
+int mean_red(const Picture &picture) /* of pixels away from all texts */
+{
+    int sum = 0;
+    for (int y = 300; y < 400 && picture.width == 1920; ++y)
+        for (int x = 300; x < 500; ++x)
+            sum += picture.at(x, y)[0];
+    return sum / (100 * 200);
+}
+
+TEST_F(NvrecOverlayWall, PicturesThatCannotBeDecodedAreTold)
+{
+    std::ofstream(scratch_.file("bad.h264"), std::ios::binary) << with_rubbish(clip(0), 40);
+    Process wall({NVREC_PROGRAM, "wall", "--window", "off", "--log", scratch_.file("log"), "--control",
+                  "none", "--overlay", "on", "--aspect", "stretch", "-d", "9", "-p",
+                  scratch_.file("good.png") + ",0.4", "-p", scratch_.file("bad.png") + ",8",
+                  scratch_.file("bad.h264")});
+    EXPECT_EQ(wall.wait(), 0) << wall.errors;
+    EXPECT_NE(wall.errors.find("channel 0: its pictures cannot be decoded"), std::string::npos)
+        << wall.errors;
+    EXPECT_NE(wall.output.find("(refused: its pictures cannot be decoded)"), std::string::npos)
+        << wall.output;
+    const int bad = mean_red(read_picture(scratch_.file("bad.png")));
+    EXPECT_GT(mean_red(read_picture(scratch_.file("good.png"))), 240);
+    EXPECT_LT(bad, 100) << "three of four pixels are dark";
+    EXPECT_GT(bad, 30) << "and the last picture shows through";
+}
+
 #ifdef NVREC_RTSP_CAMERA
 
 /* The camera stands still with its line open, and ends its session when it goes on: frames of a second one
@@ -147,18 +200,11 @@ TEST_F(NvrecOverlayWall, ASilentCameraIsShownSoWithinThreeSecondsAndNoLongerThan
     camera.signal(SIGCONT);
     EXPECT_EQ(wall.wait(), 0) << wall.errors;
 
-    auto mean_red = [this](const char *name) { /* of pixels away from all texts */
-                                               const Picture picture = read_picture(scratch_.file(name));
-                                               int sum = 0;
-                                               for (int y = 300; y < 400 && picture.width == 1920; ++y)
-                                                   for (int x = 300; x < 500; ++x)
-                                                       sum += picture.at(x, y)[0];
-                                               return sum / (100 * 200);
-    };
-    EXPECT_GT(mean_red("before.png"), 240);
-    EXPECT_LT(mean_red("silent.png"), 100) << "three of four pixels are dark";
-    EXPECT_GT(mean_red("silent.png"), 30) << "and the last picture shows through";
-    EXPECT_GT(mean_red("end.png"), 240) << "pictures come again";
+    EXPECT_GT(mean_red(read_picture(scratch_.file("before.png"))), 240);
+    EXPECT_LT(mean_red(read_picture(scratch_.file("silent.png"))), 100) << "three of four pixels are dark";
+    EXPECT_GT(mean_red(read_picture(scratch_.file("silent.png"))), 30)
+        << "and the last picture shows through";
+    EXPECT_GT(mean_red(read_picture(scratch_.file("end.png"))), 240) << "pictures come again";
 }
 
 #else

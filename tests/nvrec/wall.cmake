@@ -12,6 +12,7 @@ add_custom_target(nvrec_clips DEPENDS ${nvrec_clips}/made)
 nvrhal_test(nvrec_pieces_test
   ${CMAKE_CURRENT_SOURCE_DIR}/address_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/camera_meter_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/decoder_watch_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/feeder_faults_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/feeder_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/input_test.cpp

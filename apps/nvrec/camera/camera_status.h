@@ -18,7 +18,7 @@ enum class CameraState {
     kConnecting, /* nothing came yet                                                            */
     kLive,       /* pictures come                                                               */
     kSilent,     /* they came before, and nothing has for kSilentAfter                          */
-    kRefused,    /* they come, and the library takes none of them: last_error says why          */
+    kRefused,    /* they come, and the library or the decoder takes none: last_error says why  */
     kEnded       /* a file at its end                                                           */
 };
 
@@ -32,6 +32,7 @@ struct CameraStatus {
     StreamFacts facts;          /* of the stream that is shown                                  */
     bool sub_stream = false;    /* that is the sub stream                                       */
     bool waits_for_key = false; /* its decoder was flushed, and shows nothing before a key frame */
+    bool undecodable = false;   /* that is why it is kRefused: the decoder makes nothing of it  */
 
     /* Of a main stream that is always read, while the sub stream is shown; else none. */
     std::optional<CameraState> main_state;

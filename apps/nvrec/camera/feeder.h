@@ -28,6 +28,7 @@
 #include "camera/camera_meter.h"
 #include "camera/camera_source.h"
 #include "camera/camera_status.h"
+#include "camera/decoder_watch.h"
 #include "camera/input.h"
 #include "host/clock.h"
 
@@ -170,6 +171,9 @@ private:
     void pass_last_sound(const AccessUnit &last);
     void note_jump(int64_t jumped_us);
     void note_facts();
+    void watch_decoder();
+    void tell_undecodable();
+    std::optional<Clock::time_point> undecodable_since(Clock::time_point now) const;
     void count(const AccessUnit &unit, bool accepted);
     void note_handed_on(const AccessUnit &unit, bool accepted);
     void report(const std::string &line);
@@ -212,6 +216,8 @@ private:
     std::shared_ptr<Feeder> sub_;             /* null = it was never wanted */
 
     std::atomic<uint64_t> shown_at_layout_ = UINT64_MAX; /* pictures; UINT64_MAX = not known */
+    DecoderWatch decoder_watch_;
+    std::atomic<bool> undecodable_told_ = false; /* and not been mended since */
     CameraMeter meter_;
 
     std::mutex sleep_lock_; /* with sleep_, only to wake a waiting thread at stop */

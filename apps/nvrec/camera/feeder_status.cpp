@@ -4,12 +4,21 @@
 #include <cstdlib>
 
 #include "camera/shown_channels.h"
+#include "host/host.h"
 #include "wall/text.h"
 
 namespace nvrec
 {
 namespace
 {
+
+constexpr const char *kUndecodable = "its pictures cannot be decoded";
+
+int64_t wall_us_of(Clock::time_point when)
+{
+    const auto now_us = std::chrono::duration_cast<std::chrono::microseconds>(wall_time().time_since_epoch());
+    return now_us.count() - (Clock::now() - when).count();
+}
 
 bool keeps_main(const FeedOptions &options, int channel)
 {
@@ -45,6 +54,22 @@ void Feeder::note_handed_on(const AccessUnit &unit, bool accepted)
 {
     meter_.handed_on(unit.key, accepted);
     if (accepted && unit.key && is_decoded(channel_)) waits_for_key_.store(false, std::memory_order_relaxed);
+    if (unit.key) tell_undecodable();
+}
+
+/* A line once; without the lock of the decoder, because whoever hears it may take his time. */
+void Feeder::tell_undecodable()
+{
+    const bool undecodable = undecodable_since(Clock::now()).has_value();
+    if (undecodable && !undecodable_told_.exchange(true)) report(kUndecodable);
+    if (!undecodable) undecodable_told_.store(false);
+}
+
+std::optional<Clock::time_point> Feeder::undecodable_since(Clock::time_point now) const
+{
+    const auto decoder = host::decoder_counters(channel_);
+    if (!decoder || !is_decoded(channel_)) return std::nullopt;
+    return decoder_watch_.barren_since(decoder->decoded, now);
 }
 
 std::string Feeder::label() const
@@ -112,9 +137,7 @@ CameraStatus Feeder::status(Clock::time_point *at) const
     if (!input_.live() && status.state == CameraState::kSilent && !broken() && heartbeat_deadline() > now)
         status.state = CameraState::kLive;
     if (!input_.live() && status.state == CameraState::kLive && broken()) status.state = CameraState::kSilent;
-    status.since_wall_us =
-        std::chrono::duration_cast<std::chrono::microseconds>(wall_time().time_since_epoch()).count() -
-        (Clock::now() - status.since).count();
+    status.since_wall_us = wall_us_of(status.since);
     const auto second = sub();
     if (second && sub_is_shown_.load(std::memory_order_relaxed)) {
         const CameraStatus main = status;
@@ -128,12 +151,19 @@ CameraStatus Feeder::status(Clock::time_point *at) const
         }
     }
     status.waits_for_key = waits_for_key_.load(std::memory_order_relaxed) || shows_nothing_yet();
+    const auto undecodable = undecodable_since(now);
+    status.undecodable = status.state == CameraState::kLive && undecodable.has_value();
+    if (status.undecodable) {
+        status.state = CameraState::kRefused;
+        status.since = *undecodable;
+        status.since_wall_us = wall_us_of(status.since);
+    }
     const std::scoped_lock guard(lock_);
     if (!status.sub_stream) status.facts = facts_;
     status.reconnects = counters_.reconnects;
     status.refused = counters_.refused;
     status.clock_jumps = clock_jumps_;
-    status.last_error = trouble_;
+    status.last_error = status.undecodable ? kUndecodable : trouble_;
     return status;
 }
 

@@ -114,6 +114,7 @@ int32_t Feeder::take_from_sub(Feeder &second, const AccessUnit &unit, const Stre
     count(unit, result == 0);
     if (result == 0 && unit.key && is_decoded(channel_))
         waits_for_key_.store(false, std::memory_order_relaxed);
+    if (unit.key) tell_undecodable();
     return kept_out || is_kept_out(channel_) ? 0 : result;
 }
 
@@ -150,6 +151,7 @@ void Feeder::layout_done()
 {
     const auto decoder = host::decoder_counters(channel_);
     shown_at_layout_ = decoder ? decoder->shown : UINT64_MAX;
+    decoder_watch_.begin_again();
     laid_out_.fetch_add(1);
     const std::scoped_lock guard(sleep_lock_);
     sleep_.notify();
@@ -189,7 +191,17 @@ int32_t Feeder::send_to_decoder(const AccessUnit &unit, const StreamFacts &facts
         decoder_codec_ = facts.codec;
         decoder_changes_ = true;
     }
+    if (result == 0 && unit.key) watch_decoder();
     return result;
+}
+
+void Feeder::watch_decoder()
+{
+    const auto decoder = host::decoder_counters(channel_);
+    if (decoder && is_decoded(channel_))
+        decoder_watch_.key_sent(decoder->decoded, Clock::now());
+    else
+        decoder_watch_.begin_again();
 }
 
 bool Feeder::sub_is_well() const

@@ -136,8 +136,7 @@ Rect PaneMarks::set_state(int channel, const PaneState &state, std::time_t now)
     for (Pane &pane : panes_) {
         const bool holds = pane.state == state && (state.since == 0 || same_day(pane.worded_at, now));
         if (pane.channel != channel || holds) continue;
-        const bool veils =
-            (pane.state.notice == PaneNotice::kNoVideo) != (state.notice == PaneNotice::kNoVideo);
+        const bool veils = is_veiled(pane.state.notice) != is_veiled(state.notice);
         auto texts = [&pane] { return around(around(pane.title.place, pane.line.place), pane.signs.place); };
         const Rect before = texts();
         pane.state = state;
@@ -149,7 +148,7 @@ Rect PaneMarks::set_state(int channel, const PaneState &state, std::time_t now)
 
 void PaneMarks::paint_pane(Canvas &canvas, const Pane &pane) const
 {
-    if (pane.state.notice == PaneNotice::kNoVideo) canvas.veil(pane.area);
+    if (is_veiled(pane.state.notice)) canvas.veil(pane.area);
     const bool selected = pane.channel == selected_;
     if (has_borders())
         canvas.frame(pane.area, selected ? kHighlight_px : kBorder_px,

@@ -51,7 +51,7 @@ static_assert(rows_are_in_order(), "a notice is found by its position");
 /* Both sizes in thousands of bytes. */
 std::string refusal_of(const PaneState &state, bool chinese)
 {
-    if (state.too_large_bytes == 0) return state.reason;
+    if (state.too_large_bytes == 0) return chinese && state.undecodable ? "图像无法解码" : state.reason;
     auto kilobytes = [](uint64_t bytes) { return std::to_string((bytes + 500) / 1000) + " kB"; };
     const std::string size = kilobytes(state.too_large_bytes), most = kilobytes(NVRHAL_MAX_SEND_BYTES);
     return chinese ? "关键帧 " + size + "，超过上限 " + most

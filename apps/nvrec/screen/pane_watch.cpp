@@ -74,6 +74,7 @@ PaneState PaneWatch::state_of(const Feeder &camera, Clock::time_point now) const
     if (state.notice == PaneNotice::kMissing || state.notice == PaneNotice::kRefused)
         state.reason = status.last_error;
     if (state.notice != PaneNotice::kRefused) state.too_large_bytes = 0;
+    state.undecodable = state.notice == PaneNotice::kRefused && status.undecodable;
     seen.notice.store(state.notice != PaneNotice::kNone, std::memory_order_relaxed);
     return state;
 }

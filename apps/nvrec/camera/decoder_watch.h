@@ -1,0 +1,61 @@
+/*
+ * decoder_watch.h - whether a decoder makes pictures of what it is sent.
+ *
+ * The library takes every frame that is well formed, and a decoder that can make nothing of one says so to
+ * nobody: its pane would wait for the next key frame for ever. A key frame after which no picture was
+ * decoded until the next key frame was sent is one that cannot be decoded.
+ *
+ * Threads: any; it has a lock of its own.
+ */
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <optional>
+
+#include "camera/camera_status.h"
+#include "host/clock.h"
+
+namespace nvrec
+{
+
+class DecoderWatch
+{
+public:
+    /** A key frame has been sent. @param decoded  pictures of the decoder until now */
+    void key_sent(uint64_t decoded, Clock::time_point now)
+    {
+        const std::scoped_lock guard(lock_);
+        if (decoded_ == decoded) {
+            barren_ = true;
+            return;
+        }
+        decoded_ = decoded;
+        since_ = now;
+        barren_ = false;
+    }
+
+    /** What was sent is thrown away, or goes to no decoder for now. */
+    void begin_again()
+    {
+        const std::scoped_lock guard(lock_);
+        decoded_.reset();
+        barren_ = false;
+    }
+
+    /** Since when it makes nothing of what it is sent; nothing while it does, or that is not known yet. */
+    std::optional<Clock::time_point> barren_since(uint64_t decoded, Clock::time_point now) const
+    {
+        const std::scoped_lock guard(lock_);
+        if (!barren_ || decoded_ != decoded || now - since_ < kSilentAfter) return std::nullopt;
+        return since_;
+    }
+
+private:
+    mutable std::mutex lock_;         /* guards what follows */
+    std::optional<uint64_t> decoded_; /* pictures when the first key frame since then was sent */
+    Clock::time_point since_;         /* when that was                                         */
+    bool barren_ = false;             /* another key frame found as many                       */
+};
+
+} // namespace nvrec
