@@ -7,6 +7,7 @@ target_compile_definitions(nvrec_config_test PRIVATE
 add_dependencies(nvrec_config_test nvrec)
 
 nvrhal_test(nvrec_status_test
+  ${CMAKE_CURRENT_LIST_DIR}/status_formats_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/status_test.cpp
   LIBS nvrec_run nvrec_pieces LABEL nvrec TIMEOUT 60)
 target_compile_definitions(nvrec_status_test PRIVATE

@@ -1,14 +1,12 @@
-/* The recorder's status: as a table, as JSON, for Prometheus; over the socket, HTTP and the commands. */
-#include <cctype>
+/* The status of a running recorder: over the socket, HTTP and the commands, and to the service manager. */
+#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <map>
-#include <set>
-#include <sstream>
+#include <string>
+#include <vector>
 
 #include <arpa/inet.h>
-#include <csignal>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
@@ -16,244 +14,15 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include "controls/control_requests.h"
 #include "controls/control_socket.h"
-#include "controls/status.h"
-#include "controls/status_page.h"
+#include "exposition.h"
 #include "nvrec_run.h"
 
 namespace
 {
 
 using namespace nvrec;
-
-/* What the text format of Prometheus, version 0.0.4, allows and no more. */
-class Exposition
-{
-public:
-    /* The first thing that is wrong with a text; empty = nothing. */
-    static std::string problem(const std::string &text)
-    {
-        Exposition reader;
-        if (text.empty() || text.back() != '\n') return "the last line has no end";
-        std::istringstream lines(text);
-        for (std::string line; std::getline(lines, line);) {
-            const std::string found = line.starts_with("# ") ? reader.comment(line) : reader.sample(line);
-            if (!found.empty()) return found + ": " + line;
-        }
-        return "";
-    }
-
-private:
-    static bool is_name(const std::string &name, bool label)
-    {
-        if (name.empty() || std::isdigit(static_cast<unsigned char>(name[0])) != 0) return false;
-        for (const char letter : name) {
-            if (std::isalnum(static_cast<unsigned char>(letter)) == 0 && letter != '_' &&
-                (label || letter != ':'))
-                return false;
-        }
-        return true;
-    }
-
-    std::string comment(const std::string &line)
-    {
-        std::istringstream words(line.substr(2));
-        std::string word, name, rest;
-        words >> word >> name;
-        std::getline(words, rest);
-        if (!is_name(name, false)) return "no name";
-        if (word == "HELP")
-            return help_.insert(name).second && rest.size() > 2 ? "" : "a second or empty help";
-        if (word != "TYPE") return "neither help nor type";
-        if (rest != " gauge" && rest != " counter") return "an unknown type";
-        if (rest == " counter" && !name.ends_with("_total")) return "a counter that is not called so";
-        if (rest == " gauge" && name.ends_with("_total")) return "a gauge that is called a counter";
-        if (!help_.contains(name)) return "no help in front";
-        current_ = name;
-        return types_.insert(name).second ? "" : "its lines do not stand together";
-    }
-
-    std::string sample(const std::string &line)
-    {
-        const size_t end = line.find_first_of("{ ");
-        if (end == std::string::npos || line.substr(0, end) != current_) return "not of the type above";
-        size_t at = end;
-        if (line[at] == '{') {
-            const std::string found = labels(line, &at);
-            if (!found.empty()) return found;
-        }
-        if (at >= line.size() || line[at] != ' ') return "no blank in front of the value";
-        char *rest = nullptr;
-        std::strtod(line.c_str() + at + 1, &rest);
-        if (rest == line.c_str() + at + 1 || *rest != '\0') return "no number";
-        return samples_.insert(line.substr(0, at)).second ? "" : "twice the same labels";
-    }
-
-    static std::string labels(const std::string &line, size_t *at)
-    {
-        std::set<std::string> names;
-        for (++*at;;) {
-            const size_t equals = line.find('=', *at);
-            if (equals == std::string::npos) return "a label without a value";
-            const std::string name = line.substr(*at, equals - *at);
-            if (!is_name(name, true) || name.starts_with("__") || !names.insert(name).second)
-                return "a bad label";
-            if (line[equals + 1] != '"') return "a value without quotes";
-            size_t end = equals + 2;
-            for (; end < line.size() && line[end] != '"'; ++end) {
-                if (line[end] != '\\') continue;
-                if (std::string("\\\"n").find(line[++end]) == std::string::npos) return "a bad escape";
-            }
-            if (end >= line.size()) return "a value without an end";
-            *at = end + 2;
-            if (line[end + 1] == '}') return "";
-            if (line[end + 1] != ',') return "no comma";
-        }
-    }
-
-    std::set<std::string> help_, types_, samples_;
-    std::string current_;
-};
-
-RecorderStatus two_cameras()
-{
-    RecorderStatus status;
-    status.version = "1.0";
-    status.library = "1.0";
-    status.at_us = 1'790'000'000'000'000;
-    status.up_s = 12;
-    CameraLine yard;
-    yard.name = "yard \"1\" \\ a";
-    yard.address = "rtsp://***@192.0.2.7/s";
-    yard.status.state = CameraState::kSilent;
-    yard.status.since_wall_us = 1'789'999'990'000'000;
-    yard.status.bit_rate_bps = 4e6;
-    yard.status.last_error = "cannot open: Connection refused";
-    yard.sent = 100;
-    yard.decoder = host::DecoderCounters{80, 70, 10, 3, 2, 100};
-    yard.backlog = host::DecoderBacklog{5, 4096};
-    RecordingStatus recording;
-    recording.stream = "main";
-    recording.state = RecordingState::kRuns;
-    recording.written = 99;
-    recording.bytes = 12345678;
-    yard.recordings = {recording};
-    CameraLine door;
-    door.channel = 1;
-    door.name = "\xff not UTF-8";
-    status.cameras = {yard, door};
-    DiskStatus disk;
-    disk.state = DiskState::kHangs;
-    disk.since_s = 3;
-    disk.trouble = "/rec does not answer";
-    status.disk = disk;
-    ArchiveStatus archive;
-    archive.free_bytes = 1'800'000'000;
-    archive.limit_bytes = 500'000'000'000;
-    status.archive = archive;
-    status.disk_left_s = 3600;
-    status.board = {{"line", "28 buzzer", "high"}, {"watchdog", "state", "disabled"}};
-    return status;
-}
-
-TEST(StatusFormats, FramesThatResetsThrewAwayAreCounted)
-{
-    EXPECT_EQ((host::DecoderCounters{80, 70, 10, 3, 2, 100}.discarded({5, 4096})), 12u);
-    EXPECT_EQ((host::DecoderCounters{80, 70, 10, 3, 2, 80}.discarded({5, 4096})), 0u) << "never below none";
-}
-
-TEST(StatusFormats, ForPrometheusAreWellFormedWhateverTheNames)
-{
-    const std::string text = status_metrics(two_cameras());
-    EXPECT_EQ(Exposition::problem(text), "") << text;
-    const char *lines[] = {
-        "nvrec_build_info{version=\"1.0\",library=\"1.0\"} 1\n",
-        "nvrec_camera_state{camera=\"yard \\\"1\\\" \\\\ a\",channel=\"0\",state=\"silent\"} 1\n",
-        "nvrec_camera_up{camera=\"yard \\\"1\\\" \\\\ a\",channel=\"0\"} 0\n",
-        "nvrec_decoder_frames_discarded_total{camera=\"yard \\\"1\\\" \\\\ a\",channel=\"0\"} 12\n",
-        "nvrec_disk_up 0\n",
-        "nvrec_disk_left_seconds 3600\n",
-        "nvrec_camera_last_error{camera=\"yard \\\"1\\\" \\\\ a\",channel=\"0\",error=\"cannot open: "
-        "Connection refused\"} 1\n",
-        "nvrec_retention_up 1\n",
-        "nvrec_board_line_level{line=\"28 buzzer\"} 1\n",
-    };
-    for (const char *line : lines)
-        EXPECT_NE(text.find(line), std::string::npos) << line << text;
-}
-
-TEST(StatusFormats, AMainStreamThatIsLostBehindItsSubStreamIsTold)
-{
-    RecorderStatus status = two_cameras();
-    CameraStatus &yard = status.cameras[0].status;
-    const std::string labels = "camera=\"yard \\\"1\\\" \\\\ a\",channel=\"0\"";
-    yard.state = CameraState::kLive;
-    EXPECT_EQ(status_metrics(status).find("nvrec_camera_main_stream_up{"), std::string::npos);
-    EXPECT_NE(status_json(status).find("\"main_state\": null"), std::string::npos);
-    yard.sub_stream = true;
-    yard.main_state = CameraState::kLive;
-    EXPECT_EQ(status_table(status).find("sub, main"), std::string::npos);
-    yard.main_state = CameraState::kSilent;
-    EXPECT_NE(status_table(status).find("sub, main silent"), std::string::npos) << status_table(status);
-    EXPECT_NE(status_json(status).find("\"main_state\": \"silent\""), std::string::npos);
-    const std::string page = status_metrics(status);
-    EXPECT_EQ(Exposition::problem(page), "") << page;
-    EXPECT_NE(page.find("nvrec_camera_main_stream_up{" + labels + "} 0\n"), std::string::npos) << page;
-
-    const Clock::time_point now = Clock::now();
-    EXPECT_TRUE(yard.main_is_lost(now));
-    yard.main_state = CameraState::kConnecting;
-    yard.main_since = now - kSilentAfter;
-    EXPECT_TRUE(yard.main_is_lost(now));
-    yard.main_since = now - std::chrono::seconds(1);
-    EXPECT_FALSE(yard.main_is_lost(now)) << "it may come yet";
-}
-
-TEST(StatusFormats, TheReaderOfThisTestIsStrict)
-{
-    for (const char *bad :
-         {"", "x 1", "x 1\n", "# TYPE x gauge\nx 1\n", "# HELP x a b\n# TYPE x counter\nx 1\n",
-          "# HELP x a b\n# TYPE x gauge\nx 1\nx 1\n", "# HELP x a b\n# TYPE x gauge\nx{a=\"\\z\"} 1\n",
-          "# HELP x a b\n# TYPE x gauge\nx one\n", "# HELP x a b\n# TYPE x gauge\nx{a=\"b} 1\n"})
-        EXPECT_NE(Exposition::problem(bad), "") << bad;
-    EXPECT_EQ(Exposition::problem("# HELP x a b\n# TYPE x gauge\nx{a=\"b\",c=\"\\\\\"} 1.5\n"), "");
-}
-
-TEST(StatusFormats, TheTableNamesWhatIsWrong)
-{
-    const std::string text = status_table(two_cameras());
-    for (const char *word : {"silent", "Connection refused", "hangs for 3 s: /rec does not answer",
-                             "1.8 GB, 1.0 hours at this rate", "500.0 GB", "28 buzzer", "discarded"})
-        EXPECT_NE(text.find(word), std::string::npos) << word << "\n" << text;
-}
-
-TEST(ControlWords, TakeQuotes)
-{
-    using Words = std::vector<std::string>;
-    EXPECT_EQ(request_words("event  \"front door\" a b\r"), (Words{"event", "front door", "a", "b"}));
-    EXPECT_EQ(request_words(R"(event "a\"b\\" "")"), (Words{"event", "a\"b\\", ""}));
-    EXPECT_EQ(request_words(""), Words{});
-    EXPECT_FALSE(request_words("event \"front"));
-    for (const char *name : {"plain", "a b", "\"", "\\", "门", ""})
-        EXPECT_EQ(request_words(request_word(name)), Words{name});
-}
-
-TEST(StatusPageToken, IsWantedWhereThereIsOne)
-{
-    const StatusPage open({"127.0.0.1", 80, false, ""}, {});
-    for (const char *own : {"127.0.0.1:80", "localhost", "localhost:80", "[::1]:80"})
-        EXPECT_TRUE(open.admits(own, "", "")) << own;
-    for (const char *other : {"", "example.org", "example.org:80", "localhost.example.org", "[::2]:80", "[",
-                              "127.example.org", "127.0.0.1.example.org:80", "128.0.0.1", "127.1"})
-        EXPECT_FALSE(open.admits(other, "", "")) << other << ": a web page that leads here by its own name";
-    const StatusPage closed({"0.0.0.0", 80, false, "0123456789abcdef"}, {});
-    EXPECT_TRUE(closed.admits("example.org", "Bearer 0123456789abcdef", ""));
-    EXPECT_TRUE(closed.admits("", "", "0123456789abcdef"));
-    for (const char *wrong :
-         {"", "Bearer ", "0123456789abcdef", "Bearer 0123456789abcde", "Bearer 0123456789abcdeF"})
-        EXPECT_FALSE(closed.admits("localhost", wrong, "")) << wrong;
-}
+using nvrec_test::Exposition;
 
 constexpr const char *kSecret = "hunter2-is-secret";
 
