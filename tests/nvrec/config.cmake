@@ -1,5 +1,6 @@
 # The recorder's configuration, and the program run by one.
 nvrhal_test(nvrec_config_test
+  ${CMAKE_CURRENT_LIST_DIR}/config_secrets_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/config_test.cpp
   LIBS nvrec_run nvrec_pieces LABEL nvrec TIMEOUT 60)
 target_compile_definitions(nvrec_config_test PRIVATE
