@@ -21,6 +21,7 @@ nvrhal_test(nvrec_record_disk_test
   ${CMAKE_CURRENT_SOURCE_DIR}/record_container_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_disk_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_event_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/record_hanging_disk_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_plan_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_room_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_sync_test.cpp
