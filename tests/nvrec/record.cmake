@@ -34,6 +34,7 @@ target_compile_definitions(nvrec_record_disk_test PRIVATE NVREC_CLIPS="${nvrec_r
 add_dependencies(nvrec_record_disk_test nvrec_record_clips)
 
 nvrhal_test(nvrec_record_test
+  ${CMAKE_CURRENT_SOURCE_DIR}/record_faults_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_test.cpp
   LIBS nvrec_record_files LABEL nvrec TIMEOUT 180)
 target_compile_definitions(nvrec_record_test PRIVATE

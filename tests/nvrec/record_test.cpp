@@ -1,52 +1,21 @@
 /* "nvrec record" as a user runs it, judged by other programs: what the cameras saw is in the files. */
-#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <functional>
-#include <random>
+#include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
-#include <poll.h>
 
 #include "nvrec_run.h"
 #include "record_files.h"
+#include "record_run.h"
 
 namespace
 {
 
-constexpr int kClipFrames = 240;
-constexpr int kFramesPerKey = 10;
-constexpr double kFrame_s = 1.0 / 30;
-constexpr const char *kOneDay = "86400"; /* a segment that ends at midnight only, not on the hour */
-
-std::string clip(const std::string &name)
-{
-    return std::string(NVREC_CLIPS) + "/" + name;
-}
-
-struct Camera {
-    const char *file;
-    const char *codec;
-    const char *tag;   /* in MP4 */
-    const char *sound; /* its codec, kept as it is; null = none */
-};
-constexpr Camera kCameras[] = {
-    {"camera0.mp4", "h264", "avc1", "aac"},
-    {"camera1.mkv", "h264", "avc1", nullptr},
-    {"camera2.mp4", "hevc", "hvc1", nullptr},
-    {"camera3.mkv", "hevc", "hvc1", "pcm_alaw"},
-};
-
-std::vector<std::string> camera_files()
-{
-    std::vector<std::string> files;
-    for (const Camera &camera : kCameras)
-        files.push_back(clip(camera.file));
-    return files;
-}
+using namespace nvrec_test;
 
 /* The pictures' times lie as far apart as the camera took them. Containers round, MKV to 1 ms. */
 void expect_even_times(const std::string &path, size_t pictures)
@@ -56,75 +25,6 @@ void expect_even_times(const std::string &path, size_t pictures)
     for (size_t i = 1; i < times.size(); ++i)
         ASSERT_NEAR(times[i] - times[i - 1], kFrame_s, 0.0021) << path << ", picture " << i;
 }
-
-/* The first pictures of a source that begins again at its end: none missing, in order. */
-void expect_beginning_of(const std::vector<std::string> &source, const std::vector<std::string> &pictures,
-                         const std::string &what)
-{
-    ASSERT_FALSE(source.empty()) << what;
-    for (size_t i = 0; i < pictures.size(); ++i)
-        ASSERT_EQ(pictures[i], source[i % source.size()]) << what << ", picture " << i;
-}
-
-/* Look until it holds; false when it still does not after a minute. */
-bool wait_until(const std::function<bool()> &holds)
-{
-    constexpr int kPeriod_ms = 50, kPatience_ms = 60'000;
-    for (int waited_ms = 0; !holds(); waited_ms += kPeriod_ms) {
-        if (waited_ms >= kPatience_ms) return false;
-        poll(nullptr, 0, kPeriod_ms);
-    }
-    return true;
-}
-
-class NvrecRecord : public testing::Test
-{
-protected:
-    std::vector<std::string> command(const std::vector<std::string> &options,
-                                     const std::vector<std::string> &inputs) const
-    {
-        std::vector<std::string> whole = {NVREC_PROGRAM, "record",
-                                          "--window",    "off",
-                                          "--log",       scratch_.file("log"),
-                                          "--json",      scratch_.file("report.json"),
-                                          "--dir",       files()};
-        whole.insert(whole.end(), options.begin(), options.end());
-        whole.insert(whole.end(), inputs.begin(), inputs.end());
-        return whole;
-    }
-
-    int record(const std::vector<std::string> &options, const std::vector<std::string> &inputs)
-    {
-        Process process(command(options, inputs));
-        const int status = process.wait();
-        output_ = process.output;
-        errors_ = process.errors;
-        json_ = file_text(scratch_.file("report.json"));
-        return status;
-    }
-
-    std::string files() const { return scratch_.file("files"); }
-
-    std::vector<std::string> files_of_channel(int channel, const std::string &stream = "main") const
-    {
-        return files_of(files(), "ch0" + std::to_string(channel) + "-" + stream + "-");
-    }
-
-    /* Every number of a row fits the others, and what was stored is what the camera sent. */
-    void expect_sums(int channel, const std::string &stream)
-    {
-        auto number = [&](const char *name) { return recorded(json_, channel, stream, name); };
-        EXPECT_GE(number("stored"), 0) << stream << " of channel " << channel << "\n" << json_;
-        EXPECT_EQ(number("stored"), number("read") + number("lost")) << channel << " " << stream;
-        EXPECT_EQ(number("read"), number("written") + number("skipped")) << channel << " " << stream;
-        if (stream != "main") return;
-        EXPECT_EQ(number("stored") + number("refused"),
-                  reported(json_, channel, "sent") + reported(json_, channel, "refused"));
-    }
-
-    ScratchDirectory scratch_;
-    std::string output_, errors_, json_;
-};
 
 class NvrecRecordFormats : public NvrecRecord, public testing::WithParamInterface<const char *>
 {
@@ -170,70 +70,6 @@ TEST_P(NvrecRecordFormats, ACleanEndLeavesEveryPictureAndAllSound)
 
 INSTANTIATE_TEST_SUITE_P(Formats, NvrecRecordFormats, testing::Values("mp4", "mkv"),
                          [](const auto &named) { return std::string(named.param); });
-
-/* Kill the recorder while its cameras run, at a random moment. */
-class NvrecRecordKilled : public NvrecRecord, public testing::WithParamInterface<int>
-{
-protected:
-    /* A fragment of an MP4 file; a cluster of an MKV file, behind which the next one has begun. */
-    bool has_whole_part(int channel) const
-    {
-        constexpr std::string_view kCluster = "\x1F\x43\xB6\x75"; /* the element's identifier */
-        const std::vector<std::string> paths = files_of_channel(channel);
-        if (paths.empty()) return false;
-        if (paths[0].ends_with(".mp4")) return fragments_of(paths[0]).whole > 0;
-        const std::string bytes = file_text(paths[0]);
-        const size_t first = bytes.find(kCluster);
-        return first != std::string::npos && bytes.find(kCluster, first + 1) != std::string::npos;
-    }
-
-    void kill_somewhere(const std::string &format)
-    {
-        std::mt19937 random(static_cast<unsigned>(GetParam()));
-        const int moment_ms = std::uniform_int_distribution(200, 2600)(random);
-        std::printf("round %d: killed %d ms after its files had begun\n", GetParam(), moment_ms);
-        Process recorder(
-            command({"--format", format, "--speed", "2", "--loop", "-p", scratch_.file("first.png") + ",0.5"},
-                    camera_files()));
-        ASSERT_TRUE(scratch_.wait_for("first.png"));
-        for (int channel = 0; channel < 4; ++channel)
-            ASSERT_TRUE(wait_until([&] { return has_whole_part(channel); })) << "channel " << channel;
-        poll(nullptr, 0, moment_ms); /* the random moment itself is what is tested */
-        recorder.signal(SIGKILL);
-        ASSERT_EQ(recorder.wait(), 128 + SIGKILL);
-    }
-};
-
-TEST_P(NvrecRecordKilled, AnMp4PlaysUpToItsLastWholeFragment)
-{
-    kill_somewhere("mp4");
-    for (int channel = 0; channel < 4; ++channel) {
-        ASSERT_EQ(files_of_channel(channel).size(), 1u);
-        const std::string path = files_of_channel(channel)[0];
-        const Fragments fragments = fragments_of(path);
-        const std::vector<std::string> pictures = picture_checksums(path);
-        EXPECT_GE(fragments.whole, 1) << path;
-        EXPECT_GE(static_cast<int>(pictures.size()), fragments.pictures) << path;
-        EXPECT_EQ(fragments.pictures, fragments.whole * kFramesPerKey) << path;
-        EXPECT_TRUE(begins_with_key_frame(path));
-        expect_beginning_of(picture_checksums(clip(kCameras[channel].file)), pictures, path);
-    }
-}
-
-TEST_P(NvrecRecordKilled, AnMkvPlaysUpToItsLastWholeCluster)
-{
-    kill_somewhere("mkv");
-    for (int channel = 0; channel < 4; ++channel) {
-        ASSERT_EQ(files_of_channel(channel).size(), 1u);
-        const std::string path = files_of_channel(channel)[0];
-        const std::vector<std::string> pictures = picture_checksums(path);
-        EXPECT_GE(pictures.size(), static_cast<size_t>(kFramesPerKey)) << path;
-        EXPECT_TRUE(begins_with_key_frame(path));
-        expect_beginning_of(picture_checksums(clip(kCameras[channel].file)), pictures, path);
-    }
-}
-
-INSTANTIATE_TEST_SUITE_P(Rounds, NvrecRecordKilled, testing::Range(1, 6));
 
 /* All cameras end in the middle of their third fragment, and one that never answers keeps it running. */
 TEST_F(NvrecRecord, AFragmentIsInTheFileAsSoonAsItIsWhole)
@@ -309,54 +145,6 @@ TEST_F(NvrecRecord, FragmentsStayShortWhereKeyFramesAreFarApart)
     EXPECT_EQ(picture_checksums(path), picture_checksums(clip("sparse.mp4")));
 }
 
-TEST_F(NvrecRecord, ADirectoryThatCannotBeMadeLeavesTheWallRunning)
-{
-    Process process({NVREC_PROGRAM, "record", "--window", "off", "--log", scratch_.file("log"), "--json",
-                     scratch_.file("report.json"), "--dir", "/proc/none", "--as-fast-as-can",
-                     clip("camera0.mp4")});
-    EXPECT_EQ(process.wait(), 5);
-    EXPECT_NE(process.errors.find("nothing is recorded: /proc/none"), std::string::npos) << process.errors;
-    EXPECT_EQ(reported(file_text(scratch_.file("report.json")), 0, "sent"), kClipFrames);
-}
-
-TEST_F(NvrecRecord, ADirectoryThatComesLateIsRecordedTo)
-{
-    std::ofstream(files()) << "a file is in its place";
-    Process process(command({"--loop", "-p", scratch_.file("first.png,1")}, {clip("camera0.mp4")}));
-    ASSERT_TRUE(scratch_.wait_for("first.png"));
-    std::filesystem::remove(files());
-    std::filesystem::create_directory(files());
-    EXPECT_TRUE(wait_until([this] { return !files_of_channel(0).empty(); }));
-    process.signal(SIGINT);
-    EXPECT_EQ(process.wait(), 5) << process.errors;
-    EXPECT_NE(process.errors.find("nothing is recorded: " + files()), std::string::npos) << process.errors;
-    ASSERT_EQ(files_of_channel(0).size(), 1u) << process.errors;
-    EXPECT_FALSE(picture_checksums(files_of_channel(0)[0]).empty());
-}
-
-TEST_F(NvrecRecord, AFileThatCannotBeWrittenAnyMoreLeavesTheWallRunning)
-{
-    /* A limit on the size of files stands for a full disk: writing fails in the middle. */
-    std::string line = "trap '' XFSZ; ulimit -f 200; exec \"$@\"";
-    std::vector<std::string> limited = {"bash", "-c", line, "bash"};
-    for (const std::string &word : command({"--as-fast-as-can"}, {clip("camera0.mp4"), clip("network1.mp4")}))
-        limited.push_back(word);
-    Process process(limited);
-    EXPECT_EQ(process.wait(), 5) << process.errors;
-    EXPECT_NE(process.errors.find("channel 0: not recorded: " + files() + "/ch00-main-"), std::string::npos)
-        << process.errors;
-    EXPECT_NE(process.errors.find("File too large"), std::string::npos) << process.errors;
-    json_ = file_text(scratch_.file("report.json"));
-    for (int channel : {0, 1}) {
-        EXPECT_EQ(reported(json_, channel, "sent"), kClipFrames);
-        expect_sums(channel, "main");
-    }
-    /* What was written before that can be played. */
-    const std::vector<std::string> pictures = picture_checksums(files_of_channel(0)[0]);
-    EXPECT_GE(pictures.size(), static_cast<size_t>(kFramesPerKey));
-    expect_beginning_of(picture_checksums(clip("camera0.mp4")), pictures, "the file that was cut off");
-}
-
 TEST_F(NvrecRecord, CommandLinesThatMakeNoSenseAreRefused)
 {
     Process without_directory({NVREC_PROGRAM, "record", clip("camera0.mp4")});
@@ -367,14 +155,6 @@ TEST_F(NvrecRecord, CommandLinesThatMakeNoSenseAreRefused)
         EXPECT_EQ(record({"--network", network}, {clip("camera0.mp4")}), 2) << network;
     EXPECT_EQ(record({}, std::vector<std::string>(17, clip("camera0.mp4"))), 2);
     EXPECT_NE(errors_.find("17 inputs"), std::string::npos) << errors_;
-}
-
-TEST_F(NvrecRecord, ANetworkStreamThatCannotBeOpenedLeavesTheOthersRunning)
-{
-    EXPECT_EQ(record({"--as-fast-as-can", "--network", "0=" + clip("absent.mp4")}, {clip("camera0.mp4")}), 3);
-    EXPECT_NE(errors_.find("channel 0, network stream: cannot open"), std::string::npos) << errors_;
-    EXPECT_EQ(recorded(json_, 0, "main", "written"), kClipFrames);
-    EXPECT_EQ(recorded(json_, 0, "network", "written"), 0);
 }
 
 #ifdef NVREC_RTSP_CAMERA
