@@ -26,6 +26,7 @@ target_compile_definitions(nvrec_pieces_test PRIVATE NVREC_CLIPS="${nvrec_clips}
 add_dependencies(nvrec_pieces_test nvrec_clips)
 
 nvrhal_test(nvrec_wall_test
+  ${CMAKE_CURRENT_SOURCE_DIR}/wall_network_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/wall_test.cpp
   LIBS nvrec_run LABEL nvrec TIMEOUT 120)
 target_compile_definitions(nvrec_wall_test PRIVATE
