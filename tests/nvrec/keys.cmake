@@ -1,6 +1,7 @@
 # The recorder's keys, mouse, indicators, supervision and control socket.
 nvrhal_test(nvrec_controls_test
   ${CMAKE_CURRENT_SOURCE_DIR}/control_socket_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/controls_keys_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/controls_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/event_inputs_test.cpp
   LIBS nvrec_run nvrec_pieces vboard LABEL nvrec TIMEOUT 60)
