@@ -57,6 +57,8 @@ string(REPLACE "board_time_us\n" "" platform_calls "${platform_calls}")
 file(WRITE ${PROJECT_BINARY_DIR}/platform_calls.txt "${platform_calls}")
 
 nvrhal_test(vboard_test
+  ${CMAKE_CURRENT_SOURCE_DIR}/control_clock_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/control_display_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/control_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/damage_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/decoder_test.cpp
