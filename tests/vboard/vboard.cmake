@@ -63,6 +63,7 @@ nvrhal_test(vboard_test
   ${CMAKE_CURRENT_SOURCE_DIR}/damage_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/decoder_buffer_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/decoder_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/display_panes_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/display_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/graph_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/hdmi_test.cpp
