@@ -5,6 +5,7 @@ nvrhal_test(unit_gui
   ${CMAKE_CURRENT_LIST_DIR}/gui_bmp_load_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/gui_bmp_blocks_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/gui_bmp_refusal_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/gui_bmp_rows_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/gui_qr_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/gui_memory_test.cpp
   LIBS nvrhal_objects recording_gtest

@@ -5,6 +5,7 @@ nvrhal_test(stream_test
   ${stream_dir}/stream_pool_test.cpp
   ${stream_dir}/stream_bad_input_test.cpp
   ${stream_dir}/stream_reader_test.cpp
+  ${stream_dir}/stream_block_jump_test.cpp
   ${stream_dir}/stream_block_test.cpp
   ${stream_dir}/stream_exchange_test.cpp
   LIBS nvrhal_objects recording_gtest LABEL unit TIMEOUT 30)
