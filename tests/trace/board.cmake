@@ -3,6 +3,7 @@ nvrhal_test(trace_board
   ${CMAKE_CURRENT_LIST_DIR}/board_gpio_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/board_indicator_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/board_rtc_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/board_watchdog_feeder_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/board_watchdog_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/board_thread_refusal.cpp
   LIBS nvrhal_objects recording_gtest
