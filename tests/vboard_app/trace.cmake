@@ -7,6 +7,7 @@ nvrhal_test(vboard_app_trace
   ${CMAKE_CURRENT_LIST_DIR}/trace_diff_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/trace_reader_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/trace_timeline_test.cpp
+  ${CMAKE_CURRENT_LIST_DIR}/trace_tracks_test.cpp
   LIBS vboard_trace
   LABEL vboard_app)
 target_compile_definitions(vboard_app_trace PRIVATE PLATFORM_CALLS="${PROJECT_BINARY_DIR}/platform_calls.txt")
