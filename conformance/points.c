@@ -13,12 +13,17 @@ const Point *const *const all_areas[] = {
     bind_points,         /* bindings                                   */
     screen_points,       /* what is seen: windows and layers           */
     screen_port_points,  /* what is seen: ports and zoom               */
-    hdmi_points,         /* transmitter and plug                       */
-    ao_points,           /* sound                                      */
+    hdmi_points,         /* transmitter                                */
+    hdmi_plug_points,    /* plug                                       */
+    ao_points,           /* sound: settings and refusals               */
+    ao_send_points,      /* sound: pace and level                      */
     snap_points,         /* scaler, encoder                            */
     vdec_picture_points, /* decoded pictures, through snapshots        */
-    fb_points,           /* graphics layer                             */
-    node_points,         /* clock, watchdog, lines, keys, inputs       */
+    fb_points,           /* graphics layer: settings and memory        */
+    fb_screen_points,    /* graphics layer over the video              */
+    node_points,         /* clock, watchdog, lines                     */
+    key_points,          /* panel, receiver, mouse                     */
+    analog_points,       /* analog inputs                              */
     common_points,       /* refused calls, and threads, of all modules */
     time_points,         /* how long the calls before have taken       */
     NULL,

@@ -15,10 +15,15 @@ extern const Point *const screen_points[];
 extern const Point *const screen_port_points[];
 extern const Point *const snap_points[];
 extern const Point *const hdmi_points[];
+extern const Point *const hdmi_plug_points[];
 extern const Point *const ao_points[];
+extern const Point *const ao_send_points[];
 extern const Point *const board_points[];
 extern const Point *const fb_points[];
+extern const Point *const fb_screen_points[];
 extern const Point *const node_points[];
+extern const Point *const key_points[];
+extern const Point *const analog_points[];
 extern const Point *const common_points[];
 extern const Point *const time_points[];
 
