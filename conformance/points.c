@@ -8,8 +8,10 @@ const Point *const *const all_areas[] = {
     sys_points,          /* the media system and its clock             */
     disp_points,         /* display devices: settings and refusals     */
     disp_layer_points,   /* display layers and ports: the same         */
-    vdec_points,         /* decoder channels: life and refusals        */
-    vdec_send_points,    /* backlog, time-outs, senders                */
+    vdec_points,         /* decoder channels: creation, destruction    */
+    vdec_use_points,     /* decoder channels: start, stop, attributes  */
+    vdec_send_points,    /* backlog                                    */
+    vdec_room_points,    /* time-outs, senders                         */
     bind_points,         /* bindings                                   */
     screen_points,       /* what is seen: windows and layers           */
     screen_port_points,  /* what is seen: ports and zoom               */
@@ -17,8 +19,13 @@ const Point *const *const all_areas[] = {
     hdmi_plug_points,    /* plug                                       */
     ao_points,           /* sound: settings and refusals               */
     ao_send_points,      /* sound: pace and level                      */
-    snap_points,         /* scaler, encoder                            */
+    divp_points,         /* scaler                                     */
+    venc_points,         /* encoder                                    */
+    divp_picture_points, /* pictures of the scaler                     */
+    snap_points,         /* pictures of the encoder                    */
+    snap_change_points,  /* pictures of the encoder while it changes   */
     vdec_picture_points, /* decoded pictures, through snapshots        */
+    vdec_change_points,  /* decoded pictures while a decoder changes   */
     fb_points,           /* graphics layer: settings and memory        */
     fb_screen_points,    /* graphics layer over the video              */
     node_points,         /* clock, watchdog, lines                     */

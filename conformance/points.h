@@ -6,14 +6,21 @@
 
 extern const Point *const sys_points[];
 extern const Point *const vdec_points[];
+extern const Point *const vdec_use_points[];
 extern const Point *const vdec_send_points[];
+extern const Point *const vdec_room_points[];
 extern const Point *const vdec_picture_points[];
+extern const Point *const vdec_change_points[];
 extern const Point *const bind_points[];
 extern const Point *const disp_points[];
 extern const Point *const disp_layer_points[];
 extern const Point *const screen_points[];
 extern const Point *const screen_port_points[];
+extern const Point *const divp_points[];
+extern const Point *const venc_points[];
+extern const Point *const divp_picture_points[];
 extern const Point *const snap_points[];
+extern const Point *const snap_change_points[];
 extern const Point *const hdmi_points[];
 extern const Point *const hdmi_plug_points[];
 extern const Point *const ao_points[];

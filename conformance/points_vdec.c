@@ -1,17 +1,10 @@
-/* points_vdec.c - decoder channels: life, attributes, refusals. */
+/* points_vdec.c - decoder channels: creation and destruction. */
 #include <string.h>
 
 #include "points.h"
 #include "scene.h"
 
 enum { CH = 1, NO_CHANNEL = 0x7FFF, CAMERAS = 16 };
-
-static void need_created(uint32_t channel)
-{
-    const MI_VDEC_ChnAttr attr = decoder_attr(&quad_h264);
-    NEED(MI_SYS_Init());
-    NEED(MI_VDEC_CreateChn(channel, &attr));
-}
 
 /* ----------------------------------------------------------------------------------- creation --- */
 
@@ -53,7 +46,7 @@ POINT(create_twice, "vdec.create.twice-exists", "MI_VDEC_CreateChn",
       "creating a created channel gives EXISTS")
 {
     const MI_VDEC_ChnAttr attr = decoder_attr(&quad_h264);
-    need_created(CH);
+    need_created_decoder(CH);
     REFUSED(MI_VDEC_CreateChn(CH, &attr), MI_MODULE_VDEC, MI_REASON_EXISTS);
 }
 
@@ -61,7 +54,7 @@ POINT(create_twice_keeps, "vdec.create.twice-keeps-first", "MI_VDEC_CreateChn MI
       "a refused second creation leaves the channel as it was")
 {
     MI_VDEC_ChnAttr attr = decoder_attr(&quad_h264), read = {0};
-    need_created(CH);
+    need_created_decoder(CH);
     attr.codec = MI_VDEC_CODEC_H265;
     attr.max_width = 640;
     MI_VDEC_CreateChn(CH, &attr);
@@ -154,7 +147,7 @@ POINT(create_stopped, "vdec.create.stopped", "MI_VDEC_CreateChn MI_VDEC_SendStre
       "a new channel is stopped: a send to it gives NOT_PERMITTED")
 {
     const MI_VDEC_Stream frame = frame_of(&quad_h264, 0);
-    need_created(CH);
+    need_created_decoder(CH);
     REFUSED(MI_VDEC_SendStream(CH, &frame, 0), MI_MODULE_VDEC, MI_REASON_NOT_PERMITTED);
 }
 
@@ -163,13 +156,13 @@ POINT(create_zero_output, "vdec.create.no-output-size", "MI_VDEC_CreateChn MI_VD
 {
     MI_VDEC_OutputPortAttr size = {123, 45};
     const MI_VDEC_OutputPortAttr small = {176, 144};
-    need_created(CH);
+    need_created_decoder(CH);
     OK(MI_VDEC_GetOutputPortAttr(CH, &size));
     HOLDS(size.width == 0 && size.height == 0, "MI_VDEC_GetOutputPortAttr gave %u x %u", size.width,
           size.height);
     NEED(MI_VDEC_SetOutputPortAttr(CH, &small));
     NEED(MI_VDEC_DestroyChn(CH));
-    need_created(CH);
+    need_created_decoder(CH);
     OK(MI_VDEC_GetOutputPortAttr(CH, &size));
     HOLDS(size.width == 0 && size.height == 0, "the size of the channel before is still there: %u x %u",
           size.width, size.height);
@@ -179,7 +172,7 @@ POINT(create_zero_output, "vdec.create.no-output-size", "MI_VDEC_CreateChn MI_VD
 
 POINT(destroy_succeeds, "vdec.destroy.succeeds", "MI_VDEC_DestroyChn", "a stopped channel is destroyed")
 {
-    need_created(CH);
+    need_created_decoder(CH);
     OK(MI_VDEC_DestroyChn(CH));
 }
 
@@ -197,7 +190,7 @@ POINT(destroy_absent, "vdec.destroy.absent", "MI_VDEC_DestroyChn",
 {
     NEED(MI_SYS_Init());
     REFUSED(MI_VDEC_DestroyChn(CH), MI_MODULE_VDEC, MI_REASON_ABSENT);
-    need_created(CH);
+    need_created_decoder(CH);
     NEED(MI_VDEC_DestroyChn(CH));
     REFUSED(MI_VDEC_DestroyChn(CH), MI_MODULE_VDEC, MI_REASON_ABSENT);
 }
@@ -216,7 +209,7 @@ POINT(destroy_is_gone, "vdec.destroy.channel-is-gone", "MI_VDEC_DestroyChn",
     MI_VDEC_ChnStat stat;
     MI_VDEC_OutputPortAttr size = {0, 0};
     const MI_VDEC_Stream frame = frame_of(&quad_h264, 0);
-    need_created(CH);
+    need_created_decoder(CH);
     NEED(MI_VDEC_DestroyChn(CH));
     REFUSED(MI_VDEC_StartChn(CH), MI_MODULE_VDEC, MI_REASON_ABSENT);
     REFUSED(MI_VDEC_GetChnAttr(CH, &attr), MI_MODULE_VDEC, MI_REASON_ABSENT);
@@ -225,169 +218,12 @@ POINT(destroy_is_gone, "vdec.destroy.channel-is-gone", "MI_VDEC_DestroyChn",
     REFUSED(MI_VDEC_SetOutputPortAttr(CH, &size), MI_MODULE_VDEC, MI_REASON_ABSENT);
 }
 
-/* ------------------------------------------------------------------------------ start and stop --- */
-
-POINT(start_succeeds, "vdec.start.succeeds", "MI_VDEC_StartChn",
-      "a created channel is started, and takes a send")
-{
-    const MI_VDEC_Stream frame = frame_of(&quad_h264, 0);
-    need_created(CH);
-    OK(MI_VDEC_StartChn(CH));
-    OK(MI_VDEC_SendStream(CH, &frame, SEND_MS));
-}
-
-POINT(start_twice, "vdec.start.twice-accepted", "MI_VDEC_StartChn", "starting a started channel is accepted")
-{
-    need_decoder(CH, &quad_h264);
-    OK(MI_VDEC_StartChn(CH));
-}
-
-POINT(start_absent, "vdec.start.absent", "MI_VDEC_StartChn", "starting what was not created gives ABSENT")
-{
-    NEED(MI_SYS_Init());
-    REFUSED(MI_VDEC_StartChn(CH), MI_MODULE_VDEC, MI_REASON_ABSENT);
-}
-
-POINT(start_bad_channel, "vdec.start.bad-channel", "MI_VDEC_StartChn", "no such channel gives BAD_CHANNEL")
-{
-    NEED(MI_SYS_Init());
-    REFUSED(MI_VDEC_StartChn(NO_CHANNEL), MI_MODULE_VDEC, MI_REASON_BAD_CHANNEL);
-}
-
-POINT(stop_succeeds, "vdec.stop.succeeds", "MI_VDEC_StopChn",
-      "a started channel is stopped, and takes no more sends")
-{
-    const MI_VDEC_Stream frame = frame_of(&quad_h264, 0);
-    need_decoder(CH, &quad_h264);
-    OK(MI_VDEC_StopChn(CH));
-    REFUSED(MI_VDEC_SendStream(CH, &frame, 0), MI_MODULE_VDEC, MI_REASON_NOT_PERMITTED);
-}
-
-POINT(stop_twice, "vdec.stop.twice-accepted", "MI_VDEC_StopChn",
-      "stopping a stopped channel, or one never started, is accepted")
-{
-    need_created(CH);
-    OK(MI_VDEC_StopChn(CH));
-    NEED(MI_VDEC_StartChn(CH));
-    OK(MI_VDEC_StopChn(CH));
-    OK(MI_VDEC_StopChn(CH));
-}
-
-POINT(stop_absent, "vdec.stop.absent", "MI_VDEC_StopChn", "stopping what was not created gives ABSENT")
-{
-    NEED(MI_SYS_Init());
-    REFUSED(MI_VDEC_StopChn(CH), MI_MODULE_VDEC, MI_REASON_ABSENT);
-}
-
-POINT(stop_bad_channel, "vdec.stop.bad-channel", "MI_VDEC_StopChn", "no such channel gives BAD_CHANNEL")
-{
-    NEED(MI_SYS_Init());
-    REFUSED(MI_VDEC_StopChn(NO_CHANNEL), MI_MODULE_VDEC, MI_REASON_BAD_CHANNEL);
-}
-
-POINT(stop_restart, "vdec.stop.then-start", "MI_VDEC_StopChn MI_VDEC_StartChn",
-      "a stopped channel is started again, and takes sends")
-{
-    const MI_VDEC_Stream frame = frame_of(&quad_h264, 0);
-    need_decoder(CH, &quad_h264);
-    for (int i = 0; i < 20; ++i) {
-        OK(MI_VDEC_SendStream(CH, &frame, SEND_MS));
-        OK(MI_VDEC_StopChn(CH));
-        OK(MI_VDEC_StartChn(CH));
-    }
-}
-
-POINT(stop_other, "vdec.stop.only-this-channel", "MI_VDEC_StopChn",
-      "stopping a channel leaves the others running")
-{
-    const MI_VDEC_Stream frame = frame_of(&quad_h264, 0);
-    need_decoder(CH, &quad_h264);
-    need_decoder(CH + 1, &quad_h264);
-    NEED(MI_VDEC_StopChn(CH));
-    OK(MI_VDEC_SendStream(CH + 1, &frame, SEND_MS));
-}
-
-/* --------------------------------------------------------------------------------- attributes --- */
-
-POINT(attr_null, "vdec.get-attr.null", "MI_VDEC_GetChnAttr", "no record to fill gives NULL_POINTER")
-{
-    need_created(CH);
-    REFUSED(MI_VDEC_GetChnAttr(CH, NULL), MI_MODULE_VDEC, MI_REASON_NULL_POINTER);
-}
-
-POINT(attr_absent, "vdec.get-attr.absent", "MI_VDEC_GetChnAttr",
-      "of a channel that was not created gives ABSENT, of none that exists BAD_CHANNEL")
-{
-    MI_VDEC_ChnAttr attr;
-    NEED(MI_SYS_Init());
-    REFUSED(MI_VDEC_GetChnAttr(CH, &attr), MI_MODULE_VDEC, MI_REASON_ABSENT);
-    REFUSED(MI_VDEC_GetChnAttr(NO_CHANNEL, &attr), MI_MODULE_VDEC, MI_REASON_BAD_CHANNEL);
-}
-
-POINT(output_kept, "vdec.output-size.kept", "MI_VDEC_SetOutputPortAttr MI_VDEC_GetOutputPortAttr",
-      "the output size read is the one set last, of each channel for itself")
-{
-    const MI_VDEC_OutputPortAttr sizes[] = {{176, 144}, {320, 200}, {0, 0}, {1920, 1080}};
-    need_created(CH);
-    need_created(CH + 1);
-    for (int i = 0; i < 4; ++i) {
-        const MI_VDEC_OutputPortAttr other = {(uint16_t)(64 + 2 * i), 48};
-        MI_VDEC_OutputPortAttr read = {7, 7};
-        OK(MI_VDEC_SetOutputPortAttr(CH, &sizes[i]));
-        OK(MI_VDEC_SetOutputPortAttr(CH + 1, &other));
-        OK(MI_VDEC_GetOutputPortAttr(CH, &read));
-        HOLDS(read.width == sizes[i].width && read.height == sizes[i].height,
-              "set to %u x %u, read as %u x %u", sizes[i].width, sizes[i].height, read.width, read.height);
-    }
-}
-
-POINT(output_refused, "vdec.output-size.refusals", "MI_VDEC_SetOutputPortAttr MI_VDEC_GetOutputPortAttr",
-      "no record gives NULL_POINTER, no such channel BAD_CHANNEL, one that was not created ABSENT")
-{
-    MI_VDEC_OutputPortAttr size = {0, 0};
-    need_created(CH);
-    REFUSED(MI_VDEC_SetOutputPortAttr(CH, NULL), MI_MODULE_VDEC, MI_REASON_NULL_POINTER);
-    REFUSED(MI_VDEC_GetOutputPortAttr(CH, NULL), MI_MODULE_VDEC, MI_REASON_NULL_POINTER);
-    REFUSED(MI_VDEC_SetOutputPortAttr(NO_CHANNEL, &size), MI_MODULE_VDEC, MI_REASON_BAD_CHANNEL);
-    REFUSED(MI_VDEC_GetOutputPortAttr(NO_CHANNEL, &size), MI_MODULE_VDEC, MI_REASON_BAD_CHANNEL);
-    REFUSED(MI_VDEC_SetOutputPortAttr(CH + 1, &size), MI_MODULE_VDEC, MI_REASON_ABSENT);
-    REFUSED(MI_VDEC_GetOutputPortAttr(CH + 1, &size), MI_MODULE_VDEC, MI_REASON_ABSENT);
-}
-
 const Point *const vdec_points[] = {
-    &point_create_succeeds,
-    &point_create_stream_mode,
-    &point_create_keeps,
-    &point_create_twice,
-    &point_create_twice_keeps,
-    &point_create_bad_channel,
-    &point_create_bad_codec,
-    &point_create_bad_mode,
-    &point_create_no_buffer,
-    &point_create_null,
-    &point_create_refused_is_absent,
-    &point_create_many,
-    &point_create_again,
-    &point_create_stopped,
-    &point_create_zero_output,
-    &point_destroy_succeeds,
-    &point_destroy_started,
-    &point_destroy_absent,
-    &point_destroy_bad_channel,
-    &point_destroy_is_gone,
-    &point_start_succeeds,
-    &point_start_twice,
-    &point_start_absent,
-    &point_start_bad_channel,
-    &point_stop_succeeds,
-    &point_stop_twice,
-    &point_stop_absent,
-    &point_stop_bad_channel,
-    &point_stop_restart,
-    &point_stop_other,
-    &point_attr_null,
-    &point_attr_absent,
-    &point_output_kept,
-    &point_output_refused,
-    NULL,
+    &point_create_succeeds,     &point_create_stream_mode,       &point_create_keeps,
+    &point_create_twice,        &point_create_twice_keeps,       &point_create_bad_channel,
+    &point_create_bad_codec,    &point_create_bad_mode,          &point_create_no_buffer,
+    &point_create_null,         &point_create_refused_is_absent, &point_create_many,
+    &point_create_again,        &point_create_stopped,           &point_create_zero_output,
+    &point_destroy_succeeds,    &point_destroy_started,          &point_destroy_absent,
+    &point_destroy_bad_channel, &point_destroy_is_gone,          NULL,
 };

@@ -58,6 +58,9 @@ MI_VDEC_ChnAttr decoder_attr(const TestStream *stream);
 MI_SYS_ChnPort decoder_end(uint32_t channel);
 MI_SYS_ChnPort display_end(int32_t device, uint32_t port);
 
+/* The media system and a decoder channel, created and no more. */
+void need_created_decoder(uint32_t channel);
+
 /* The media system and a decoder channel that is created and started. */
 void need_decoder(uint32_t channel, const TestStream *stream);
 
@@ -79,6 +82,9 @@ void need_playing(int32_t device, uint32_t port, uint32_t channel, const TestStr
 /* Frames of large_h264 that keep a decoder busy for at least so long, as measured on this board. */
 uint32_t frames_for_ms(uint32_t channel, unsigned milliseconds);
 
+/* A decoder that has a measured amount of work before it: so many large frames are queued. */
+uint32_t need_busy(uint32_t channel, unsigned busy_ms);
+
 /* ----------------------------------------------------------------------------------- snapshot --- */
 
 enum { SCALER = 0, ENCODER = 2, SNAP_QUALITY = 80, SNAP_BUFFER = 1 << 20, SNAP_MS = 1500 };
@@ -88,6 +94,10 @@ MI_DIVP_OutputPortAttr scaler_output(uint32_t width, uint32_t height);
 MI_VENC_ChnAttr encoder_attr(uint32_t width, uint32_t height);
 MI_SYS_ChnPort scaler_end(void);
 MI_SYS_ChnPort encoder_end(void); /* asks the encoder for its device number */
+
+/* The media system, and one of them, created and no more. */
+void need_scaler(void);
+void need_encoder(void);
 
 /* Decoder channel to scaler to encoder, receiving, in the order in which the library builds it. */
 void need_snapshots(uint32_t decoder, uint32_t width, uint32_t height);
