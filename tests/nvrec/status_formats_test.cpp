@@ -74,8 +74,8 @@ TEST(StatusFormats, ForPrometheusAreWellFormedWhateverTheNames)
         "nvrec_decoder_frames_discarded_total{camera=\"yard \\\"1\\\" \\\\ a\",channel=\"0\"} 12\n",
         "nvrec_disk_up 0\n",
         "nvrec_disk_left_seconds 3600\n",
-        "nvrec_camera_last_error{camera=\"yard \\\"1\\\" \\\\ a\",channel=\"0\",error=\"cannot open: "
-        "Connection refused\"} 1\n",
+        ("nvrec_camera_last_error{camera=\"yard \\\"1\\\" \\\\ a\",channel=\"0\",error=\"cannot open: "
+         "Connection refused\"} 1\n"),
         "nvrec_retention_up 1\n",
         "nvrec_board_line_level{line=\"28 buzzer\"} 1\n",
     };
