@@ -29,24 +29,25 @@ using nvrec_test::RunningWall;
 constexpr int64_t kSecond_us = 1'000'000;
 constexpr auto kSoon = std::chrono::seconds(20); /* ends a test whose place does not come */
 
-/* Where playback is. */
+/* Where playback is, and its line on the screen. */
 struct Whereabouts {
     int64_t position_us = 0;
     bool paused = false;
+    Rect line;
 };
 
 /* Tells it at every turn. */
 class Follower final : public Module
 {
 public:
-    explicit Follower(const Player &player) : player_(player) {}
+    Follower(const Player &player, const PlayScreen &screen) : player_(player), screen_(screen) {}
 
     bool start(WallControl &) override { return true; }
 
     Clock::time_point take_turn(Clock::time_point now) override
     {
         const std::scoped_lock guard(lock_);
-        at_ = {player_.playback().position_us(), player_.playback().paused()};
+        at_ = {player_.playback().position_us(), player_.playback().paused(), screen_.time_line()->place()};
         seen_ = player_.playing();
         changed_.notify_all();
         return now + std::chrono::milliseconds(20);
@@ -58,8 +59,16 @@ public:
         return changed_.wait_for(guard, kSoon, [&] { return seen_ && holds(at_); });
     }
 
+    /* As it was laid at the last turn; the wall's thread may lay it anew any time. */
+    Rect line()
+    {
+        const std::scoped_lock guard(lock_);
+        return at_.line;
+    }
+
 private:
     const Player &player_;
+    const PlayScreen &screen_;
     std::mutex lock_; /* guards what follows */
     std::condition_variable changed_;
     Whereabouts at_;
@@ -88,8 +97,7 @@ protected:
         PlayScreenOptions screen;
         screen.mode = OverlayMode::kOn;
         auto play_screen = std::make_unique<PlayScreen>(screen, *player);
-        auto follower = std::make_unique<Follower>(*player);
-        screen_ = play_screen.get();
+        auto follower = std::make_unique<Follower>(*player, *play_screen);
         follower_ = follower.get();
         wall_->wall().add(std::move(play_screen));
         wall_->wall().add(std::move(player));
@@ -107,7 +115,7 @@ protected:
     /* At a share of the screen's width, on the bars of the line. */
     void move_along(double share)
     {
-        const Rect line = screen_->time_line()->place();
+        const Rect line = follower_->line();
         wall_->after([&] { vboard_mouse_move(static_cast<int>(share * line.w), line.y + line.h / 2); });
     }
     void press_line(double share)
@@ -134,7 +142,6 @@ protected:
 
     ScratchDirectory scratch_;
     std::unique_ptr<RunningWall> wall_;
-    PlayScreen *screen_ = nullptr;
     Follower *follower_ = nullptr;
 };
 
