@@ -91,7 +91,7 @@ std::string find_font_with(char32_t code)
         FcCharSetAddChar(set, code);
         FcPatternAddCharSet(wanted, FC_CHARSET, set);
     }
-    const std::string path = best_match(wanted);
+    std::string path = best_match(wanted);
     if (set) FcCharSetDestroy(set);
     FcFini();
     return path;
@@ -107,7 +107,7 @@ uint8_t Mask::at(int x, int y) const
 
 std::string find_font()
 {
-    const std::string path =
+    std::string path =
         best_match(FcNameParse(reinterpret_cast<const FcChar8 *>("sans:lang=zh-cn:scalable=true")));
     FcFini();
     return path;

@@ -2,6 +2,7 @@
 #include "screen/question.h"
 
 #include <algorithm>
+#include <array>
 
 namespace nvrec
 {
@@ -21,8 +22,8 @@ Question::Question(Font &font, ChineseScript script, int text_size_px, const std
         return font.render(units_of(line, script), text_size_px, kWidest_px);
     };
     text_ = flat(mask(text), kLitAnswerLetters, kQuestionTitle);
-    const std::string *words[] = {&no, &yes};
-    for (size_t i = 0; i < answers_.size(); ++i) {
+    const std::array<const std::string *, std::tuple_size_v<decltype(answers_)>> words = {&no, &yes};
+    for (size_t i = 0; i < words.size(); ++i) {
         const Mask letters = mask(*words[i]);
         answers_[i] = {flat(letters, kLitAnswerLetters, kLitAnswer),
                        flat(letters, kQuestionLetters, kQuestionGround)};

@@ -12,8 +12,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-extern char **environ;
-
 namespace vboard_app
 {
 namespace
@@ -80,6 +78,7 @@ std::vector<std::string> environment_for(const ChildOrders &orders, int channel)
 std::vector<char *> pointers_to(std::vector<std::string> &texts)
 {
     std::vector<char *> pointers;
+    pointers.reserve(texts.size() + 1);
     for (std::string &text : texts)
         pointers.push_back(text.data());
     pointers.push_back(nullptr);
