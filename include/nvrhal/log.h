@@ -19,8 +19,10 @@ extern "C" {
  * The function gets every text that the library prints, whole and in order, in one call each: `length`
  * bytes at `text`, which a zero byte follows. A text is mostly a line with its line end; it may also be
  * a part of a line whose rest comes later, or several lines. The bytes are those that standard output
- * would have got. The function gets what qrencode prints to standard error before it ends the process,
- * too. It does not get what the platform prints.
+ * would have got. Some texts go to standard error while no function is set, and to the function like
+ * any other: what qrencode prints before it ends the process, and those with the system's reason: of
+ * fb_init, when the driver refuses, and of LoadBMP and LoadBMPEx, when a file ends early. The function
+ * does not get what the platform prints.
  *
  * The function runs on the thread that prints, one call at a time, perhaps with global_bindargLock held.
  * It must not call the library, and must not wait for a thread that does: printing threads wait for it.

@@ -1,5 +1,5 @@
 /*
- * Where texts go: standard output, or the function that the application has set.
+ * Where texts go: standard output, some to standard error, or the function that the application has set.
  *
  * A text reaches that function whole and in one call, behind a lock: one text at a time, and once
  * nvrhal_set_log has returned, the function of before runs no more. As long as none is set, printing takes no
@@ -10,9 +10,11 @@
  */
 #include "core/log.h"
 
+#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 
 #include <pthread.h>
 
@@ -34,6 +36,7 @@ void *log_user = nullptr;
 /** Hand a text over. False when somebody has taken the function away meanwhile. */
 bool hand_over(const char *text, size_t length)
 {
+    const int error = errno; // of a call that failed: its text may follow (log_errno)
     // A thread that ends inside the application's function would take the lock along.
     int cancel_state = 0;
     pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &cancel_state);
@@ -42,6 +45,7 @@ bool hand_over(const char *text, size_t length)
     if (write != nullptr) write(text, length, log_user);
     pthread_mutex_unlock(&log_lock);
     pthread_setcancelstate(cancel_state, nullptr);
+    errno = error;
     return write != nullptr;
 }
 
@@ -96,6 +100,13 @@ int nvrhal::log_to_standard_error(const char *format, ...)
     const int length = print(stderr, format, arguments);
     va_end(arguments);
     return length;
+}
+
+void nvrhal::log_errno(const char *text)
+{
+    const int error = errno;
+    log_to_standard_error("%s: %s\n", text, std::strerror(error));
+    errno = error;
 }
 
 void nvrhal_set_log(void (*write)(const char *text, size_t length, void *user), void *user)

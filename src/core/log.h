@@ -10,6 +10,7 @@
  * log_entry  the entry trace of an exported call.
  * log_to_standard_error  a text that goes to standard error as long as the application has not set
  *            a function; the application's function gets it like any other.
+ * log_errno  what perror would print behind that text, to the same places. errno stays as it was.
  *
  * checked_call.h has the forms of a call whose failure is printed.
  */
@@ -24,6 +25,9 @@ namespace nvrhal
 LOG_FORMAT int log_text(const char *format, ...);
 
 LOG_FORMAT int log_to_standard_error(const char *format, ...);
+
+/** @param text  not empty */
+void log_errno(const char *text);
 
 inline void log_line(const char *text)
 {

@@ -10,7 +10,6 @@
  */
 #include "gui/framebuffer_state.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -171,7 +170,7 @@ int32_t choose_color_format()
 {
     FbDisplayLayer layer = {};
     if (driver(FBIOGET_DISPLAYLAYER_ATTRIBUTES, &layer) != 0) {
-        std::perror("BBBBBBBBBBBBBBBBBBBBBBBBBBBBBBError: failed to FBIOGET_DISPLAYLAYER_ATTRIBUTES");
+        log_errno("BBBBBBBBBBBBBBBBBBBBBBBBBBBBBBError: failed to FBIOGET_DISPLAYLAYER_ATTRIBUTES");
         return -1;
     }
     print_layer(layer);
@@ -179,12 +178,12 @@ int32_t choose_color_format()
     layer.color_format = FB_COLOR_ARGB1555;
     layer.mask = FB_LAYER_COLOR_FORMAT;
     if (driver(FBIOSET_DISPLAYLAYER_ATTRIBUTES, &layer) != 0) {
-        std::perror("Error: failed to FBIOSET_DISPLAYLAYER_ATTRIBUTES");
+        log_errno("Error: failed to FBIOSET_DISPLAYLAYER_ATTRIBUTES");
         return -1;
     }
 
     if (driver(FBIOGET_VSCREENINFO, &g_osd_info.variable) == -1) {
-        std::perror("Error reading variable information");
+        log_errno("Error reading variable information");
         std::exit(EXIT_SUCCESS);
     }
     return 0;

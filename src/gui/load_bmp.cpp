@@ -211,7 +211,7 @@ int32_t load_plain(Bitmap &bitmap, OsdSurface *surface)
     if (reading == Reading::kNoMemory) return refuse("not enough memory to malloc!");
     if (reading == Reading::kShort) {
         log_error(kBmpSource, "fread error!line:%d\n", __LINE__);
-        std::perror("fread:");
+        log_errno("fread:");
     }
     return 0;
 }
@@ -270,7 +270,7 @@ int32_t load_converted(Bitmap &bitmap, OsdSurface *surface, uint32_t color_forma
     if (reading == Reading::kShort) {
         log_error(kBmpSource, "fread (%d*%d)error!line:%d\n", static_cast<int>(bitmap.height),
                   static_cast<int>(bitmap.stride_bytes), __LINE__);
-        std::perror("fread:");
+        log_errno("fread:");
     }
     report_missing_conversion(bitmap, color_format);
     return 0;
