@@ -129,7 +129,7 @@ NVRHAL_API int32_t kx_stream_sendFrameToPool(const StreamProducerFrame *frame, i
 
 /**
  * Position a reader at the newest frame; the next read delivers it.
- * @param channel  0 to 42, one that is configured
+ * @param channel  0 to 42, one that is configured; from NVRHAL_STORED_CHANNELS on there is never a frame
  * @param reader   out: the position
  * @param pool     enum StreamPoolNumber, 0 to 2
  * @return 0, or -1
@@ -142,7 +142,7 @@ NVRHAL_API int32_t kx_stream_getLastPos(int32_t channel, StreamReader *reader, i
 /**
  * Position a reader at the oldest frame that is still safe, key frame or not; the next read delivers
  * it.
- * @param channel  0 to 42, one that is configured
+ * @param channel  0 to 42, one that is configured; from NVRHAL_STORED_CHANNELS on there is never a frame
  * @param reader   out: the position
  * @param pool     enum StreamPoolNumber, 0 to 2
  * @return 0, or -1
@@ -155,7 +155,8 @@ NVRHAL_API int32_t kx_stream_getStartPos(int32_t channel, StreamReader *reader, 
 /**
  * Deliver the next frame, in order and never twice. A reader that the writer has overrun, or is about
  * to, goes on at the oldest safe key frame instead.
- * @param channel     0 to 42, the one that reader was positioned on
+ * @param channel     0 to 42, the one that reader was positioned on; from NVRHAL_STORED_CHANNELS on
+ *                    there is never a frame
  * @param skip_limit  0 = every frame; otherwise a backlog of more than so many frames skips to the next
  *                    key frame
  * @param reader      in and out: the position
@@ -173,7 +174,8 @@ NVRHAL_API int32_t kx_stream_getOneFrame(int32_t channel, int32_t skip_limit, St
  * jump of the time stamps by more than 59, in the producer's unit, ends the block before the jump; the
  * call then waits, without limit, for the key frame at which the next block starts. A reader serves
  * either this function or kx_stream_getOneFrame.
- * @param channel      0 to 42, the one that reader was positioned on
+ * @param channel      0 to 42, the one that reader was positioned on; from NVRHAL_STORED_CHANNELS on
+ *                     there is never a frame
  * @param byte_target  any number of bytes after which the block ends, or STREAM_BLOCK_WHOLE_LAP
  * @param reader       in and out: the position
  * @param pool         enum StreamPoolNumber, 0 to 2. Pool 2 judges the position by the audio ring and

@@ -62,7 +62,7 @@ NVRHAL_API int32_t ext_set_audio_stream(uint32_t channel, const FrameInfo *frame
 /**
  * Fetch the next stored frame of a channel's main stream; the first call starts at the oldest safe one. The
  * library keeps one position a channel and stream. A call that finds nothing prints nothing.
- * @param channel  0 to N - 1
+ * @param channel  0 to N - 1; from NVRHAL_STORED_CHANNELS on there is never a frame
  * @param frame    out: media, length in bytes, data, channel, local_time (now, microseconds), frame_type,
  * width and height, which are those stored last, in pixels, and pts: the stored 32 bits, sign-extended.
  * stream_id and display_rate stay as they are.
@@ -77,7 +77,7 @@ NVRHAL_API int32_t ext_get_primary_video_stream(uint32_t channel, FrameInfo *fra
 /**
  * Fetch the next stored frame of a channel's network stream; the first call starts at the oldest safe one.
  * The library keeps one position a channel and stream. A call that finds nothing prints nothing.
- * @param channel  0 to N - 1
+ * @param channel  0 to N - 1; from NVRHAL_STORED_CHANNELS on there is never a frame
  * @param frame    out: media, length in bytes, data, channel, local_time (now, microseconds), frame_type,
  * width and height, which are those stored last, in pixels, and pts: the stored 32 bits, sign-extended.
  * stream_id and display_rate stay as they are.
@@ -92,7 +92,7 @@ NVRHAL_API int32_t ext_get_network_video_stream(uint32_t channel, FrameInfo *fra
 /**
  * Fetch the next stored block of a channel's sound; the first call starts at the oldest safe one. The library
  * keeps one position a channel and stream. A call that finds nothing prints nothing.
- * @param channel  0 to N - 1
+ * @param channel  0 to N - 1; from NVRHAL_STORED_CHANNELS on there is never a frame
  * @param frame    out: media, length in bytes, data, channel, local_time (now, microseconds), stream_id =
  *                 channel + 2 N, pts = 1 always; frame_type, width, height and display_rate are 0
  * @return 0, or -1

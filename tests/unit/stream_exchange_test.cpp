@@ -180,6 +180,30 @@ TEST_P(StreamExchange, AProducerOutsideTheAttributesStoresNothing)
     }
 }
 
+// They are cameras, and have rings; but no producer may write to them.
+TEST_P(StreamExchange, CamerasBehindTheStoredChannelsNeverHaveAFrame)
+{
+    g_vi_chn_num = NVRHAL_MAX_CAMERAS;
+    for (int32_t pool = 0; pool < 3; ++pool)
+        make_pool(pool, {100, 1000, 40}, NVRHAL_MAX_CAMERAS);
+    const Stream &stream = GetParam();
+    const FrameInfo in = frame(1, 10);
+    for (uint32_t channel = 0; channel < NVRHAL_MAX_CAMERAS; ++channel) {
+        const bool is_stored = channel < NVRHAL_STORED_CHANNELS;
+        stream.set(channel, &in);
+        StreamReader reader{};
+        const auto number = static_cast<int32_t>(channel);
+        EXPECT_EQ(kx_stream_getStartPos(number, &reader, stream.pool), 0) << channel;
+        EXPECT_EQ(kx_stream_getOneFrame(number, 0, &reader, stream.pool), is_stored ? 10 : 0) << channel;
+        EXPECT_EQ(kx_stream_getLastPos(number, &reader, stream.pool), 0) << channel;
+        EXPECT_EQ(kx_stream_getOneFrame(number, 0, &reader, stream.pool), is_stored ? 10 : 0) << channel;
+        FrameInfo out{};
+        recording::forget_printed();
+        EXPECT_EQ(stream.get(channel, &out), is_stored ? 0 : -1) << channel;
+        EXPECT_EQ(recording::printed_text(), "");
+    }
+}
+
 TEST_P(StreamExchange, APositionThatFailsIsTriedAgain)
 {
     for (int32_t pool = 0; pool < 3; ++pool)
