@@ -4,6 +4,8 @@
 #ifndef NVRHAL_LIMITS_H
 #define NVRHAL_LIMITS_H
 
+#include "nvrhal/api.h"
+
 /* Channels. */
 #define NVRHAL_MAX_CAMERAS       16 /* DeviceParams::vi_chn_num at most                                 */
 #define NVRHAL_MAX_DECODERS      17 /* one a camera, and the spare one of snapshots during playback     */

@@ -9,6 +9,8 @@
 #ifndef IR_BUTTONS_H
 #define IR_BUTTONS_H
 
+#include <stdint.h>
+
 /* clang-format off */
 /** BUTTON(name, code) for each button. */
 #define IR_BUTTONS(BUTTON) \

@@ -15,6 +15,8 @@
 #ifndef KEYBOARD_DRIVER_H
 #define KEYBOARD_DRIVER_H
 
+#include <stdint.h>
+
 #define KEYBOARD_NODE "/dev/KeyBoard" /* path of the node */
 
 /**

@@ -8,6 +8,8 @@
 #ifndef PANEL_KEYS_H
 #define PANEL_KEYS_H
 
+#include <stdint.h>
+
 /* clang-format off */
 /** KEY(name, code) for each key. */
 #define PANEL_KEYS(KEY) \

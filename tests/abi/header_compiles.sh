@@ -1,13 +1,15 @@
 #!/bin/sh
-# header_compiles.sh C_COMPILER CXX_COMPILER INCLUDE_DIRECTORY
+# header_compiles.sh C_COMPILER CXX_COMPILER INCLUDE_DIRECTORY SEAMS_DIRECTORY
 #
 # The public header, and each header in nvrhal/ by itself, compiles without a warning in every
-# language that applications are written in; and whoever calls an operation that takes anything may
-# hand over anything, or nothing. Exit status 77: the compiler is not installed.
+# language that applications are written in, and so does each header of the seams in those of
+# platforms; and whoever calls an operation that takes anything may hand over anything, or nothing.
+# Exit status 77: the compiler is not installed.
 set -eu
 c=$1
 cxx=$2
 include=$3
+seams=$4
 command -v "$c" >/dev/null && command -v "$cxx" >/dev/null || { echo "skipped: $c or $cxx is not installed"; exit 77; }
 warnings='-Wall -Wextra -Wpedantic -Wstrict-prototypes -Werror'
 dir=$(mktemp -d)
@@ -17,7 +19,7 @@ status=0
 compiles() { # what is compiled, compiler and arguments
     what=$1
     shift
-    if ! "$@" $warnings -I "$include" -fsyntax-only >"$dir/log" 2>&1; then
+    if ! "$@" $warnings -I "$include" -I "$seams" -fsyntax-only >"$dir/log" 2>&1; then
         echo "$what with $1:"
         head -n 20 "$dir/log"
         status=1
@@ -52,10 +54,10 @@ if "$c" -std=c11 $warnings -I "$include" -fsyntax-only "$dir/after.c" 2>/dev/nul
     exit 1
 fi
 
-# A source for every header, which may hold nothing but macros.
-for header in nvrhal.h $(cd "$include" && ls nvrhal/*.h); do
+# A source for every header, with nothing else in it.
+for header in nvrhal.h $(cd "$include" && ls nvrhal/*.h) $(cd "$seams" && ls *.h); do
     alone=$dir/alone_$(basename "$header" .h)
-    printf '#include "%s"\nextern int something;\n' "$header" | tee "$alone.c" >"$alone.cpp"
+    printf '#include "%s"\n' "$header" | tee "$alone.c" >"$alone.cpp"
 done
 
 for standard in c11 c17 c2x; do

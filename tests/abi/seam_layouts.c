@@ -7,6 +7,3 @@
 #include "panel_keys.h"
 #include "rtc_driver.h"
 #include "watchdog_driver.h"
-
-/* A source has to hold something. */
-typedef MI_Rect SeamsAreSeen;
