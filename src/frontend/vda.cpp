@@ -27,10 +27,14 @@ uint32_t g_sensitive;
 namespace
 {
 
-constexpr uint32_t kChannels = 128;
+constexpr uint32_t kChannels = sizeof vda_chn / sizeof vda_chn[0];
 constexpr uint32_t kMapBytes = sizeof vda_chn[0].map;
 constexpr uint32_t kRows = 18;
 constexpr uint32_t kColumns = 22;
+constexpr uint32_t kBlock_px = 8;
+constexpr uint32_t kWidthDivisor = kColumns * kBlock_px; // 176
+constexpr uint32_t kHeightDivisor = kRows * kBlock_px;   // 144
+constexpr uint32_t kCountedHeightDivisor = 120;
 constexpr uint32_t kAreaHeaderBytes = 4;
 constexpr uint32_t kAreaRowBytes = 3;
 constexpr uint32_t kFewestBlocks = 2; // threshold of an area too small for its percentage
@@ -65,11 +69,12 @@ bool is_painted(const uint8_t *area, uint32_t row, uint32_t column)
 /** Mark one cell's blocks; those of a picture too large for the map are left out. */
 void mark_cell(VdaChannel &channel, const PictureSize &size, uint32_t row, uint32_t column)
 {
-    const uint64_t stride = size.width / 8;
-    const uint64_t marks = size.width / 176;
-    uint64_t at = column * (size.width / 22) / 8 + stride * (row * (size.height / 18) / 8);
+    const uint64_t stride = size.width / kBlock_px;
+    const uint64_t marks = size.width / kWidthDivisor;
+    uint64_t at =
+        column * (size.width / kColumns) / kBlock_px + stride * (row * (size.height / kRows) / kBlock_px);
     if (marks == 0) return;
-    for (uint64_t rows = size.height / 144; rows > 0 && at < kMapBytes; --rows, at += stride) {
+    for (uint64_t rows = size.height / kHeightDivisor; rows > 0 && at < kMapBytes; --rows, at += stride) {
         const uint64_t room = kMapBytes - at;
         std::memset(channel.map + at, 1, static_cast<size_t>(marks < room ? marks : room));
     }
@@ -102,7 +107,7 @@ int32_t ext_set_motion_area(uint32_t channel, const uint8_t area[58])
         for (uint32_t column = 0; column < kColumns; ++column) {
             if (!is_painted(area, row, column)) continue;
             mark_cell(block, size, row, column);
-            count += size.height / 120 * size.width / 176;
+            count += size.height / kCountedHeightDivisor * size.width / kWidthDivisor;
         }
     }
     store_word(block.threshold, threshold_of(count));
