@@ -8,9 +8,12 @@
 namespace nvrhal
 {
 
-constexpr int32_t kSparePaneMarks = 17;
+constexpr int32_t kSparePaneMarks = NVRHAL_MAX_DECODERS; // a channel each, the spare decoder's too
 
-/** One mark for each live channel without a pane on the secondary output. Nothing reads them. */
+/**
+ * Marks of the secondary output: as many as live channels have no pane there, from the first one on,
+ * and those of the channels that zoom has placed. Nothing reads them.
+ */
 extern uint32_t spare_pane_marks[kSparePaneMarks];
 
 /**

@@ -111,7 +111,7 @@ TEST(SecondaryLayout, MarksAsManyPanesAsChannelsHaveNone)
         for (uint32_t &mark : nvrhal::spare_pane_marks)
             mark = 9;
         ASSERT_EQ(ext_change_display_slave(panes, count), 0);
-        for (int32_t i = 0; i < 17; ++i)
+        for (int32_t i = 0; i < NVRHAL_MAX_DECODERS; ++i)
             EXPECT_EQ(nvrhal::spare_pane_marks[i], i < 16 - count ? 1u : 0u) << i;
     }
 }

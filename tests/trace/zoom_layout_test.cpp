@@ -153,14 +153,15 @@ TEST(SecondaryZoom, StoresUpTo31RectanglesIntoTheSpareBank)
     EXPECT_EQ(platform.count("MI_DISP_SetInputPortAttr 0 31 {window 8,8 8x8"), 1u);
 }
 
-TEST(SecondaryZoom, MarksThePanesChannelsBelow17)
+TEST(SecondaryZoom, MarksThePanesChannelsThatDecodersHave)
 {
-    DispAttrib panes[] = {pane(3, 0, 0, 64, 64), pane(16, 64, 0, 64, 64), pane(17, 0, 64, 64, 64),
+    constexpr uint16_t kLast = NVRHAL_MAX_DECODERS - 1;
+    DispAttrib panes[] = {pane(3, 0, 0, 64, 64), pane(kLast, 64, 0, 64, 64), pane(kLast + 1, 0, 64, 64, 64),
                           pane(0xFFFF, 64, 64, 64, 64)};
     EXPECT_EQ(ext_change_zoom_slave(panes, 4), 0);
     for (int32_t channel = 0; channel < nvrhal::kSparePaneMarks; ++channel)
-        EXPECT_EQ(nvrhal::spare_pane_marks[channel], channel == 3 || channel == 16 ? 1u : 0u) << channel;
-    static_assert(nvrhal::kSparePaneMarks == 17);
+        EXPECT_EQ(nvrhal::spare_pane_marks[channel], channel == 3 || channel == kLast ? 1u : 0u) << channel;
+    static_assert(nvrhal::kSparePaneMarks == NVRHAL_MAX_DECODERS);
     EXPECT_EQ(recording::printed_text(), "");
 }
 
