@@ -50,7 +50,7 @@ void mark(uint32_t (&flags)[1 + kFlagDevices], int32_t dev)
 }
 
 /** Window of a pane: its corner rounded to even once more, its size as it was computed or stored. */
-MI_Rect window_of(const PaneRect &pane)
+MI_Rect window_at_even_corner(const PaneRect &pane)
 {
     return {static_cast<uint16_t>(even(pane.x)), static_cast<uint16_t>(even(pane.y)),
             static_cast<uint16_t>(pane.w), static_cast<uint16_t>(pane.h)};
@@ -65,7 +65,7 @@ bool start_grid_port(uint32_t port, const PaneRect &pane)
     if (failed_test("MI_DISP_GetInputPortAttr(0, u32InputPort, &stInputPortAttr)",
                     MI_DISP_GetInputPortAttr(kMainDevice, port, &attr)))
         return false;
-    attr.window = window_of(pane);
+    attr.window = window_at_even_corner(pane);
     if (MI_VDEC_GetOutputPortAttr(port, &decoder_output) != 0) decoder_output = {};
     attr.source_width = decoder_output.width;
     attr.source_height = decoder_output.height;
@@ -97,7 +97,7 @@ bool start_grid_port(uint32_t port, const PaneRect &pane)
 int32_t set_port_window(int32_t dev, int32_t port, const PaneRect &pane)
 {
     MI_DISP_InputPortAttr attr = {};
-    attr.window = window_of(pane);
+    attr.window = window_at_even_corner(pane);
     return MI_DISP_SetInputPortAttr(dev, static_cast<uint32_t>(port), &attr);
 }
 

@@ -86,12 +86,6 @@ uint32_t pane_channels()
     return count < kPaneChannels ? count : kPaneChannels;
 }
 
-MI_Rect window_of(const PaneRect &rect)
-{
-    return {static_cast<uint16_t>(rect.x), static_cast<uint16_t>(rect.y), static_cast<uint16_t>(rect.w),
-            static_cast<uint16_t>(rect.h)};
-}
-
 void take_live_channels_off(int32_t dev)
 {
     const int32_t count = camera_count();

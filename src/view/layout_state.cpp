@@ -34,6 +34,12 @@ PaneRect nvrhal::even_rect(const DispAttrib &pane)
     return {even(pane.x), even(pane.y), even(pane.w), even(pane.h)};
 }
 
+MI_Rect nvrhal::window_of(const PaneRect &rect)
+{
+    return {static_cast<uint16_t>(rect.x), static_cast<uint16_t>(rect.y), static_cast<uint16_t>(rect.w),
+            static_cast<uint16_t>(rect.h)};
+}
+
 // Device numbers index old_global_bindarg from -1 to 2, so the secondary output's record stands
 // directly before the symbol. C++ cannot name the middle of an object; the assembler can.
 nvrhal::SavedLayouts nvrhal::nvrhal_saved_layouts;

@@ -1,8 +1,9 @@
-/* layout_state.h - layout marks that zoom shares with the layouts. UI thread. */
+/* layout_state.h - layout marks, rectangles and windows that zoom shares with the layouts. UI thread. */
 #pragma once
 
 #include <cstdint>
 
+#include "mi_disp.h"
 #include "nvrhal.h"
 
 namespace nvrhal
@@ -33,5 +34,8 @@ void clear_saved_layouts();
 
 /** The rectangle of a pane, every value rounded down to even. */
 PaneRect even_rect(const DispAttrib &pane);
+
+/** The window of a rectangle as it stands, nothing rounded. */
+MI_Rect window_of(const PaneRect &rect);
 
 } // namespace nvrhal

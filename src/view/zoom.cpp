@@ -125,9 +125,7 @@ int32_t ext_change_zoom_slave(const DispAttrib *panes, int32_t count)
     // Port and rectangle number `count`, one behind the panes just stored, on purpose: an earlier
     // layout left that rectangle.
     const uint32_t port = count < 1 ? 0 : static_cast<uint32_t>(count);
-    const PaneRect rect = secondary_rect(port);
-    const MI_Rect window = {static_cast<uint16_t>(rect.x), static_cast<uint16_t>(rect.y),
-                            static_cast<uint16_t>(rect.w), static_cast<uint16_t>(rect.h)};
-    if (move_port(dev, port, window, PortSource::kKept, kSecondaryZoomTexts) != 0) return -1;
+    if (move_port(dev, port, window_of(secondary_rect(port)), PortSource::kKept, kSecondaryZoomTexts) != 0)
+        return -1;
     return show_port(dev, port, kSecondaryZoomTexts);
 }
