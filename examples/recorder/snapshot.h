@@ -9,7 +9,10 @@
 /* Allow snapshots, once. */
 void snapshot_allow(void);
 
-/* Take one, 352 x 288. Waits up to 2.5 s. `cameras` is their number: the spare decoder's channel. */
+/*
+ * Take one, NVRHAL_SNAPSHOT_WIDTH x NVRHAL_SNAPSHOT_HEIGHT. Waits up to 2.5 s. `cameras` is their number:
+ * the spare decoder's channel.
+ */
 bool snapshot_take(int channel, enum codec codec, int cameras, const char *path);
 
 #endif

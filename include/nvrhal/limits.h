@@ -40,6 +40,10 @@
 #define NVRHAL_SOUND_HEADER_BYTES 4    /* in front of a block's samples; never read                     */
 #define NVRHAL_SOUND_UNIT_BYTES   320  /* 40 ms: what one block is cut into                             */
 
+/* A snapshot, pixels. */
+#define NVRHAL_SNAPSHOT_WIDTH  352
+#define NVRHAL_SNAPSHOT_HEIGHT 288
+
 /*
  * Extent of zoom coordinates, pixels, on an output of 1920 x 1080: all cameras' pictures count as that
  * large, whatever their size. ext_vidoe_image_zoom says what it is on other outputs.

@@ -8,6 +8,7 @@
 
 #include "nvrhal/api.h"
 #include "nvrhal/frame.h"
+#include "nvrhal/limits.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -30,10 +31,11 @@ typedef struct SnapSize {
 NVRHAL_API int32_t ext_set_snap_channel_enable(void);
 
 /**
- * Take one 352 x 288 JPEG of a channel. Waits up to 2.5 s for a picture; the channel's frames must
- * keep coming in through ext_send_stream meanwhile, also when it is not shown. During playback the
- * picture is decoded by the spare decoder from the next key frame on; that decoder keeps its codec:
- * for H.264 cameras call vdec_recreate(N, 0) once before.
+ * Take one JPEG of a channel, NVRHAL_SNAPSHOT_WIDTH x NVRHAL_SNAPSHOT_HEIGHT pixels. Waits up to 2.5 s
+ * for a picture; the channel's frames must keep coming in through ext_send_stream meanwhile, also when
+ * it is not shown. During playback the picture is decoded by the spare decoder from the next key frame
+ * on; that decoder keeps its codec: for H.264 cameras call vdec_recreate(N, 0) once
+ * before.
  *
  * Clear the record first, but for its channel. A picture is there when length is not 0 afterwards,
  * whatever the result: it is 0 also when snapshots are not enabled, when nothing is filled; and during
@@ -65,7 +67,7 @@ NVRHAL_API int32_t ext_release_jpeg_buf(FrameInfo *frame);
  * First step of ext_get_jpeg_stream: build the pipeline from a decoder channel.
  * @param decoder_channel  0 to N
  * @param encoder_channel  0 to N - 1
- * @param size             out: 352 x 288 pixels
+ * @param size             out: NVRHAL_SNAPSHOT_WIDTH x NVRHAL_SNAPSHOT_HEIGHT pixels
  * @return 0, -1, or 31
  * Errors: 31 for a decoder whose pictures are smaller than the snapshot, -1 when the platform refused:
  *         what has been built stays until venc_snap_stop.

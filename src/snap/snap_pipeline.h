@@ -3,13 +3,15 @@
 
 #include <cstdint>
 
+#include "nvrhal.h"
+
 namespace nvrhal
 {
 
 constexpr char kSnapSource[] = "snap.c";
 
-constexpr uint32_t kSnapWidth = 352;
-constexpr uint32_t kSnapHeight = 288;
+constexpr uint32_t kSnapWidth = NVRHAL_SNAPSHOT_WIDTH;
+constexpr uint32_t kSnapHeight = NVRHAL_SNAPSHOT_HEIGHT;
 constexpr uint32_t kMacroblock = 16;
 
 /** Scaler and encoder work on whole macroblocks. */

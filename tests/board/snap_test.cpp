@@ -60,13 +60,14 @@ void expect_picture(const Snapshot &snapshot, const rig::Picture &picture, stamp
 {
     ASSERT_EQ(snapshot.result, 0);
     ASSERT_NE(snapshot.frame.data, nullptr);
-    EXPECT_EQ(snapshot.frame.width, 352u);
-    EXPECT_EQ(snapshot.frame.height, 288u);
+    EXPECT_EQ(snapshot.frame.width, uint32_t{NVRHAL_SNAPSHOT_WIDTH});
+    EXPECT_EQ(snapshot.frame.height, uint32_t{NVRHAL_SNAPSHOT_HEIGHT});
     const rig::Picture seen = decode_jpeg(snapshot.frame.data, snapshot.frame.length);
-    ASSERT_EQ(seen.width, 352);
-    ASSERT_EQ(seen.height, 288);
+    ASSERT_EQ(seen.width, NVRHAL_SNAPSHOT_WIDTH);
+    ASSERT_EQ(seen.height, NVRHAL_SNAPSHOT_HEIGHT);
     EXPECT_EQ(stamp::read(seen.luma(), seen.width, seen.width, seen.height), stamp);
-    EXPECT_GE(psnr_db(seen, full_range(rig::scaled(picture, 352, 288))), kLeastPsnr_db);
+    const rig::Picture expected = rig::scaled(picture, NVRHAL_SNAPSHOT_WIDTH, NVRHAL_SNAPSHOT_HEIGHT);
+    EXPECT_GE(psnr_db(seen, full_range(expected)), kLeastPsnr_db);
 }
 
 TEST_F(SnapshotOnTheBoard, OfAShownChannelIsTheFrameSentNext)

@@ -42,7 +42,7 @@ set(play_archive_test_more ${CMAKE_CURRENT_LIST_DIR}/play_days_test.cpp)
 foreach(name play_test play_archive_test snapshot_test zoom_test)
   nvrhal_test(nvrec_${name}
     ${CMAKE_CURRENT_LIST_DIR}/${name}.cpp ${${name}_more}
-    LIBS nvrec_run stamp LABEL nvrec TIMEOUT 120)
+    LIBS nvrec_run nvrhal_api stamp LABEL nvrec TIMEOUT 120)
   target_compile_definitions(nvrec_${name} PRIVATE
     NVREC_STREAMS="${STAMPED_STREAM_DIR}" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
   add_dependencies(nvrec_${name} nvrec stream_play_0.h264 stream_play_1.h265 stream_play_camera_0.h265

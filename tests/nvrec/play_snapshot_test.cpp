@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "nvrec_run.h"
+#include "nvrhal/limits.h"
 #include "play/player.h"
 #include "play/snapshot.h"
 #include "play_clips.h"
@@ -76,8 +77,11 @@ TEST(NvrecPlaySnapshot, IsTakenAgainWhenTheEncoderKeptItsPicture)
     ASSERT_EQ(wall.run(), kExitDone);
 
     const Picture picture = read_picture(path);
-    ASSERT_EQ(picture.width, 352);
-    EXPECT_EQ(nvrec_test::stamp_in(picture, 0, 0, 352, 288).value_or(stamp::Stamp{}).channel, kFirstCamera);
+    ASSERT_EQ(picture.width, NVRHAL_SNAPSHOT_WIDTH);
+    EXPECT_EQ(nvrec_test::stamp_in(picture, 0, 0, NVRHAL_SNAPSHOT_WIDTH, NVRHAL_SNAPSHOT_HEIGHT)
+                  .value_or(stamp::Stamp{})
+                  .channel,
+              kFirstCamera);
 }
 
 } // namespace

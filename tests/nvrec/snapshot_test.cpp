@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "nvrec_run.h"
+#include "nvrhal/limits.h"
 #include "play_clips.h"
 #include "stamps.h"
 
@@ -44,9 +45,9 @@ protected:
     void expect_camera(int channel) const
     {
         const Picture picture = read_picture(path());
-        ASSERT_EQ(picture.width, 352) << words_;
-        ASSERT_EQ(picture.height, 288);
-        const auto seen = stamp_in(picture, 0, 0, 352, 288);
+        ASSERT_EQ(picture.width, NVRHAL_SNAPSHOT_WIDTH) << words_;
+        ASSERT_EQ(picture.height, NVRHAL_SNAPSHOT_HEIGHT);
+        const auto seen = stamp_in(picture, 0, 0, NVRHAL_SNAPSHOT_WIDTH, NVRHAL_SNAPSHOT_HEIGHT);
         ASSERT_TRUE(seen.has_value()) << "no stamp of camera " << channel;
         EXPECT_EQ(seen->channel, kFirstCamera + static_cast<unsigned>(channel));
     }
@@ -131,8 +132,10 @@ TEST_F(NvrecSnapshot, FromAScriptIntoTheSnapshotDirectory)
     const std::string path = words_.substr(at + said.size(), words_.find('\n', at) - at - said.size());
     EXPECT_NE(path.find("/shots/channel1-"), std::string::npos);
     const Picture picture = read_picture(path);
-    ASSERT_EQ(picture.width, 352);
-    EXPECT_EQ(stamp_in(picture, 0, 0, 352, 288).value_or(Stamp{}).channel, kFirstCamera + 1);
+    ASSERT_EQ(picture.width, NVRHAL_SNAPSHOT_WIDTH);
+    EXPECT_EQ(
+        stamp_in(picture, 0, 0, NVRHAL_SNAPSHOT_WIDTH, NVRHAL_SNAPSHOT_HEIGHT).value_or(Stamp{}).channel,
+        kFirstCamera + 1);
 
     const std::string large = path.substr(0, path.size() - 4) + "-640x360.jpg";
     EXPECT_NE(words_.find("snapshot of channel 1, 640x360: " + large), std::string::npos) << words_;

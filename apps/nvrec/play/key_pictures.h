@@ -1,6 +1,6 @@
 /*
  * key_pictures.h - the last key frame of every camera, and its picture in the camera's own size, decoded
- * beside the board: for snapshots, which the library gives in 352 x 288.
+ * beside the board: for snapshots, which the library gives in one size alone.
  *
  * Threads: note() on the cameras', all else on any.
  */

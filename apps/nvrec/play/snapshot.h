@@ -1,7 +1,7 @@
 /*
  * snapshot.h - JPEG pictures of single channels: shown, hidden, and while recordings play.
  *
- *   352 x 288             the next picture, by the library's scaler and encoder
+ *   the library's size    the next picture, by the library's scaler and encoder
  *   the camera's own size its last key frame, decoded beside the board (key_pictures.h)
  *
  * A key writes both, the second one beside the first with its size in its name.
@@ -23,7 +23,10 @@
 namespace nvrec
 {
 
-enum class SnapshotSize { kBoard /* 352 x 288 */, kCamera /* as the camera sends it */ };
+enum class SnapshotSize {
+    kBoard /* NVRHAL_SNAPSHOT_WIDTH x NVRHAL_SNAPSHOT_HEIGHT */,
+    kCamera /* as the camera sends it */
+};
 
 class Snapshots final : public Module
 {
