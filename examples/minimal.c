@@ -21,8 +21,8 @@ int main(int argc, char **argv)
         .frame_type = 1, .media = FRAME_MEDIA_VIDEO, .data = bytes, .width = 640, .height = 360};
     frame.length = (unsigned)fread(bytes, 1, sizeof bytes, file);
     fclose(file);
-    int32_t sent = ext_send_stream(&frame, 1, 0, 0); /* codec 1 = H.265; the link was not measured */
-    vboard_monitor_save_settled("screen.png", 5000); /* the PC's board */
+    int32_t sent = ext_send_stream(&frame, NVRHAL_CODEC_H265, 0, 0); /* the link was not measured */
+    vboard_monitor_save_settled("screen.png", 5000);                 /* the PC's board */
 
     ext_device_quit();
     return sent == 0 ? 0 : 1;

@@ -18,7 +18,7 @@
 
 static struct {
     bool on;
-    enum codec camera_codec;
+    enum FrameCodec camera_codec;
     struct stream_file video;
     uint8_t *sound;
     size_t sound_size;
@@ -27,11 +27,11 @@ static struct {
 } player;
 
 /* A decoder that takes a byte stream shows a picture when the next one begins: this delimiter begins it. */
-static uint32_t append_delimiter(uint8_t *at, enum codec codec)
+static uint32_t append_delimiter(uint8_t *at, enum FrameCodec codec)
 {
     static const uint8_t h264[] = {0, 0, 0, 1, 9, 0xF0}, h265[] = {0, 0, 0, 1, 0x46, 1, 0x50};
-    const uint32_t length = codec == CODEC_H265 ? sizeof h265 : sizeof h264;
-    memcpy(at, codec == CODEC_H265 ? h265 : h264, length);
+    const uint32_t length = codec == NVRHAL_CODEC_H265 ? sizeof h265 : sizeof h264;
+    memcpy(at, codec == NVRHAL_CODEC_H265 ? h265 : h264, length);
     return length;
 }
 

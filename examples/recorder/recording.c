@@ -85,7 +85,7 @@ bool recording_start(struct recording *recording, struct camera *camera, const c
 {
     *recording = (struct recording){.camera = camera};
     snprintf(recording->video_path, sizeof recording->video_path, "%s/channel%d.%s", directory,
-             camera->channel, camera->video.codec == CODEC_H265 ? "h265" : "h264");
+             camera->channel, camera->video.codec == NVRHAL_CODEC_H265 ? "h265" : "h264");
     snprintf(recording->sound_path, sizeof recording->sound_path, "%s/channel%d.alaw", directory,
              camera->channel);
     recording->video = fopen(recording->video_path, "wb");

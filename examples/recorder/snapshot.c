@@ -12,7 +12,7 @@ void snapshot_allow(void)
 }
 
 /* [snapshot] */
-bool snapshot_take(int channel, enum codec codec, int cameras, const char *path)
+bool snapshot_take(int channel, enum FrameCodec codec, int cameras, const char *path)
 {
     /* While a recording plays, the picture is decoded on the spare channel, which keeps its codec. */
     if (playback_is_on()) vdec_recreate((uint32_t)cameras, codec);

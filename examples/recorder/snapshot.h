@@ -13,6 +13,6 @@ void snapshot_allow(void);
  * Take one, NVRHAL_SNAPSHOT_WIDTH x NVRHAL_SNAPSHOT_HEIGHT. Waits up to 2.5 s. `cameras` is their number:
  * the spare decoder's channel.
  */
-bool snapshot_take(int channel, enum codec codec, int cameras, const char *path);
+bool snapshot_take(int channel, enum FrameCodec codec, int cameras, const char *path);
 
 #endif

@@ -69,7 +69,7 @@ bool stream_file_open(struct stream_file *file, const char *path)
     const char *ending = strrchr(path, '.');
     *file = (struct stream_file){0};
     if (!ending || (strcmp(ending, ".h264") != 0 && strcmp(ending, ".h265") != 0)) return false;
-    file->codec = strcmp(ending, ".h265") == 0 ? CODEC_H265 : CODEC_H264;
+    file->codec = strcmp(ending, ".h265") == 0 ? NVRHAL_CODEC_H265 : NVRHAL_CODEC_H264;
     file->bytes = read_whole_file(path, &file->size);
     return file->bytes != NULL;
 }
@@ -94,7 +94,7 @@ bool stream_file_next(struct stream_file *file, struct stream_frame *frame)
     frame->key = false;
     while (at + 5 < file->size) {
         const uint8_t *header = file->bytes + at + 3;
-        const struct unit unit = file->codec == CODEC_H265 ? h265_unit(header) : h264_unit(header);
+        const struct unit unit = file->codec == NVRHAL_CODEC_H265 ? h265_unit(header) : h264_unit(header);
         if (slice_seen && (unit.first_slice || unit.before_slices)) break;
         slice_seen = slice_seen || unit.slice;
         frame->key = frame->key || unit.key;

@@ -9,11 +9,7 @@
 #include <stddef.h>
 #include <stdint.h>
 
-/* The library's codec codes: 1 is H.265, any other H.264. */
-enum codec {
-    CODEC_H264 = 0,
-    CODEC_H265 = 1,
-};
+#include "nvrhal.h"
 
 /* One encoded frame with the parameter sets in front of it. The bytes belong to the file. */
 struct stream_frame {
@@ -23,7 +19,7 @@ struct stream_frame {
 };
 
 struct stream_file {
-    enum codec codec;
+    enum FrameCodec codec;
     uint8_t *bytes;
     size_t size;
     size_t at; /* start of the next frame */

@@ -7,6 +7,7 @@
 #include <stdint.h>
 
 #include "nvrhal/api.h"
+#include "nvrhal/frame.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -24,7 +25,7 @@ struct MI_VDEC_Stream;
  * Create and start decoder channels 0 to count - 1 (never above N) for whole frames of up to the size
  * of enNorm_vga's timing, each with an output port of one pane of an even grid of count panes. Start-up
  * calls it.
- * @param codec_type  0 H.264, 1 H.265, 2 JPEG
+ * @param codec_type  enum FrameCodec, or 2 = JPEG
  * @param count       1 to N + 1; 0 or less creates none
  * @return 0, -1, or the platform's code
  * Errors: -1 when a channel could not be created, the platform's code for an output size that was
@@ -39,7 +40,7 @@ NVRHAL_API int32_t vdec_create(uint32_t codec_type, int32_t count);
  * @param channel     0 to NVRHAL_MAX_DECODERS - 1, absent
  * @param width       largest picture, pixels, 1 or more
  * @param height      largest picture, pixels, 1 or more
- * @param codec_type  0 H.264, 1 H.265, 2 JPEG
+ * @param codec_type  enum FrameCodec, or 2 = JPEG
  * @param video_mode  1 = whole frames per send, 0 = any cut of the stream
  * @return 0, -1, or the platform's code
  * Errors: -1 for a bad codec type or a null size; the platform's code when it refused.
@@ -52,7 +53,7 @@ NVRHAL_API int32_t vdec_open_chn(uint32_t channel, const uint16_t *width, const 
 /**
  * Create and start one channel for any cut of a stream of up to the size of enNorm_vga's timing; the
  * output size stays the platform's default.
- * @param codec_type  0 H.264, 1 H.265, 2 JPEG
+ * @param codec_type  enum FrameCodec, or 2 = JPEG
  * @param channel     0 to NVRHAL_MAX_DECODERS - 1, absent
  * @return 0, or -1
  * Errors: -1 for a bad codec type, or when the platform refused.
@@ -69,7 +70,7 @@ NVRHAL_API int32_t vdec_create_chnn(uint32_t codec_type, uint32_t channel);
  * with the camera's codec again before ext_playback_exit, since ext_send_stream remembers the codec
  * that it gave the channel. Apply a layout afterwards: it sizes and binds the decoder as it is by then.
  * @param channel     0 to N
- * @param codec_code  1 = H.265, any other = H.264
+ * @param codec_code  enum FrameCodec; any other = H.264
  * @return 0, -1, or the platform's code
  * Errors: the platform's code when the channel could not be stopped or destroyed, -1 when it could not
  *         be created: the channel is then stopped, or absent.

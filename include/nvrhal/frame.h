@@ -20,6 +20,12 @@ enum FrameMedia {
     FRAME_MEDIA_JPEG = 17,
 };
 
+/** Codecs of video. ext_send_stream and vdec_recreate take any other code for H.264. */
+enum FrameCodec {
+    NVRHAL_CODEC_H264 = 0,
+    NVRHAL_CODEC_H265 = 1,
+};
+
 /**
  * One encoded frame. 60 bytes = fifteen 32-bit words on the 32-bit target. Which fields a call reads
  * or fills is said at the call.

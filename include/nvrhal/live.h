@@ -57,7 +57,7 @@ extern NVRHAL_API uint32_t zoom_arg[3];
  *                      NVRHAL_MASK_CHANNELS on is shown only while cur_display_chnn is 255. Sound: a
  *                      header and units (FrameInfo); a remainder is dropped, and the channel counts
  *                      only while zoomed. Media of other kinds are accepted and ignored.
- * @param codec         video: 1 = H.265, any other = H.264
+ * @param codec         video: enum FrameCodec; any other = H.264
  * @param link_quality  quality of the channel's link as the application measures it, 1 to 100; 0 = not
  *                      measured, never reset. The worse, the smaller the backlog that is tolerated
  *                      before the decoder is reset: 2 MiB from 85 on; 160 or 128 KiB from 60 on; 96 or

@@ -34,8 +34,8 @@ NVRHAL_API int32_t ext_set_snap_channel_enable(void);
  * Take one JPEG of a channel, NVRHAL_SNAPSHOT_WIDTH x NVRHAL_SNAPSHOT_HEIGHT pixels. Waits up to 2.5 s
  * for a picture; the channel's frames must keep coming in through ext_send_stream meanwhile, also when
  * it is not shown. During playback the picture is decoded by the spare decoder from the next key frame
- * on; that decoder keeps its codec: for H.264 cameras call vdec_recreate(N, 0) once
- * before.
+ * on; that decoder keeps its codec: for H.264 cameras call vdec_recreate(N, NVRHAL_CODEC_H264)
+ * once before.
  *
  * Clear the record first, but for its channel. A picture is there when length is not 0 afterwards,
  * whatever the result: it is 0 also when snapshots are not enabled, when nothing is filled; and during

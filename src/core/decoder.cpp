@@ -33,7 +33,6 @@ constexpr uint32_t kMiddleBufferBytes = 0x100000;
 constexpr uint32_t kLargeBufferBytes = 0x200000;
 constexpr int32_t kSendTimeoutMs = 20;
 constexpr uint32_t kDrainPollUs = 40000;
-constexpr uint32_t kRecreateAsH265 = 1; // the application's codec code; any other means H.264
 
 /** What a decoder of each codec keeps at hand. */
 struct CodecNeeds {
@@ -152,7 +151,9 @@ int32_t vdec_recreate(uint32_t channel, uint32_t codec_code)
     if (const int32_t code =
             failed_call(MI_VDEC_DestroyChn(channel), log_code(kSource, " VDEC DestroyChn fail for %#x!\n")))
         return code;
-    return vdec_create_chnn(codec_code == kRecreateAsH265 ? MI_VDEC_CODEC_H265 : MI_VDEC_CODEC_H264, channel);
+    // The application's code becomes the platform's; any but H.265's means H.264.
+    return vdec_create_chnn(codec_code == NVRHAL_CODEC_H265 ? MI_VDEC_CODEC_H265 : MI_VDEC_CODEC_H264,
+                            channel);
 }
 
 int32_t vdec_resetchn(uint32_t channel)

@@ -27,8 +27,10 @@ constexpr char kSource[] = "vdec_venc.c";
 constexpr uint32_t kMostBytes = NVRHAL_MAX_SEND_BYTES; // of one send, any kind
 constexpr uint32_t kDecoderChannels = NVRHAL_MAX_DECODERS;
 
-// Codec code with which each channel's decoder was created last; every decoder starts as H.265.
-uint32_t vdec_chan_type[] = {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+// Codec (enum FrameCodec) with which each channel's decoder was created last; every decoder starts as H.265.
+constexpr uint32_t kH265 = NVRHAL_CODEC_H265;
+uint32_t vdec_chan_type[] = {kH265, kH265, kH265, kH265, kH265, kH265, kH265, kH265, kH265,
+                             kH265, kH265, kH265, kH265, kH265, kH265, kH265, kH265};
 static_assert(sizeof vdec_chan_type / sizeof vdec_chan_type[0] == kDecoderChannels);
 
 /** How many undecoded bytes a link of at least `link_quality` may pile up. */

@@ -18,7 +18,7 @@ namespace session
 {
 
 constexpr int32_t kCameras = 4;
-constexpr uint32_t kH264 = 0, kH265 = 1; // the application's codec codes
+constexpr uint32_t kH264 = NVRHAL_CODEC_H264, kH265 = NVRHAL_CODEC_H265;
 constexpr unsigned kFirstRecording = 20; // stamp channel of the recording played on channel 0
 constexpr int kWallWidth = 1920, kWallHeight = 1080;
 

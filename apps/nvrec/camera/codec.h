@@ -8,11 +8,13 @@
 #include <span>
 #include <string>
 
+#include "nvrhal/frame.h"
+
 namespace nvrec
 {
 
 /** Codec codes as ext_send_stream takes them. */
-enum class Codec : uint32_t { kH264 = 0, kH265 = 1 };
+enum class Codec : uint32_t { kH264 = NVRHAL_CODEC_H264, kH265 = NVRHAL_CODEC_H265 };
 
 struct CodecTraits {
     Codec codec;
