@@ -14,7 +14,7 @@ namespace
 std::vector<Camera> sixteen_cameras()
 {
     std::vector<Camera> cameras;
-    for (uint32_t channel = 0; channel < 16; ++channel)
+    for (uint32_t channel = 0; channel < NVRHAL_MAX_CAMERAS; ++channel)
         cameras.emplace_back("wall_" + std::to_string(channel) + (channel % 2 != 0 ? "_h265" : "_h264"));
     return cameras;
 }
@@ -50,7 +50,7 @@ protected:
 TEST_F(LiveWall, SixteenPanesShowTheirOwnChannelsFrameByFrame)
 {
     const std::vector<Camera> cameras = sixteen_cameras();
-    start(16);
+    start(NVRHAL_MAX_CAMERAS);
     meet(cameras);
     expect_every_frame(cameras, 4);
 }
@@ -94,12 +94,12 @@ TEST_F(LiveWall, FourSizesAndBothCodecsMatchTheReferenceToThePixel)
 TEST_F(LiveWall, FramesAdvanceByOneAndNeverGoBack)
 {
     const std::vector<Camera> cameras = sixteen_cameras();
-    start(16);
+    start(NVRHAL_MAX_CAMERAS);
     meet(cameras);
-    ASSERT_EQ(lay_out(grid(4, 16)), 0);
+    ASSERT_EQ(lay_out(grid(4, NVRHAL_MAX_CAMERAS)), 0);
     ASSERT_EQ(vboard_display_set_pacing(0, VBOARD_PACING_STEP), 0);
     std::vector<std::thread> senders;
-    for (uint32_t channel = 0; channel < 16; ++channel)
+    for (uint32_t channel = 0; channel < NVRHAL_MAX_CAMERAS; ++channel)
         senders.emplace_back([&, channel] {
             for (const rig::Bytes &frame : cameras[channel].stream.frames)
                 EXPECT_EQ(session::send_live(channel, frame, cameras[channel].codec()), 0);
@@ -107,9 +107,9 @@ TEST_F(LiveWall, FramesAdvanceByOneAndNeverGoBack)
     const auto frames = static_cast<uint32_t>(cameras[0].stream.frames.size());
     for (uint32_t frame = 0; frame + 1 < frames; ++frame) {
         ASSERT_EQ(vboard_display_wait_queued(0, 0xffff, 1, rig::kPatience_ms), 0);
-        ASSERT_EQ(vboard_display_step(0), 16);
+        ASSERT_EQ(vboard_display_step(0), NVRHAL_MAX_CAMERAS);
         const Picture picture = look();
-        for (uint32_t channel = 0; channel < 16; ++channel)
+        for (uint32_t channel = 0; channel < NVRHAL_MAX_CAMERAS; ++channel)
             ASSERT_EQ(stamp_in(picture, grid_place(4, channel)), (stamp::Stamp{channel, frame}));
     }
     for (std::thread &sender : senders)

@@ -1,4 +1,5 @@
 /* "nvrec play --dir" of cameras that change, come, go, and are many. */
+#include "nvrhal/limits.h"
 #include "play_recordings.h"
 
 namespace
@@ -45,21 +46,23 @@ TEST_F(PlayRecordings, OfAnotherCodecStayAloneOnTheScreen)
     EXPECT_EQ(seen(), (Stamp{kOtherChannel, 3 * kRate}));
 }
 
+constexpr int kPage = NVRHAL_PLAYBACK_CHANNELS; /* cameras of one */
+
 class PlayPages : public PlayRecordings
 {
 protected:
-    /* The first page's cameras. */
-    void put_eight(const std::string &time)
+    /* The cameras of the first pages. */
+    void put_pages(int pages, const std::string &time)
     {
-        for (int channel = 0; channel < 8; ++channel)
+        for (int channel = 0; channel < pages * kPage; ++channel)
             put(time, channel);
     }
 };
 
 TEST_F(PlayPages, BeginWithTheFirstThatHasSomethingFromTheTimeOn)
 {
-    put_eight("140500");
-    put("140600", 8, kOtherCodec);
+    put_pages(1, "140500");
+    put("140600", kPage, kOtherCodec);
     ASSERT_EQ(play_at("14:05:30", {"--do", "0:pause,0.8:end"}), 0) << words_;
     EXPECT_NE(words_.find("playing from 2026-11-21 14:06:00 +0100"), std::string::npos) << words_;
     EXPECT_EQ(seen(), (Stamp{kOtherChannel, 0}));
@@ -67,30 +70,27 @@ TEST_F(PlayPages, BeginWithTheFirstThatHasSomethingFromTheTimeOn)
 
 TEST_F(PlayPages, FollowWhereTheOneBeforeHasNothingMore)
 {
-    put_eight("140500");
-    put("140504", 8, kOtherCodec);
+    put_pages(1, "140500");
+    put("140504", kPage, kOtherCodec);
     ASSERT_EQ(play_at("14:05:04", {"--speed", "2"}), 0) << words_;
     EXPECT_EQ(seen(), (Stamp{kOtherChannel, kLast})) << "of the ninth camera";
 }
 
 TEST_F(PlayPages, AreAsManyAsADirectoryHasCameras)
 {
-    put_eight("140500");
-    for (int channel = 8; channel < 16; ++channel)
-        put("140500", channel);
-    put("140500", 16, kOtherCodec);
+    put_pages(2, "140500");
+    put("140500", 2 * kPage, kOtherCodec);
     ASSERT_EQ(play_at("14:05:02", {"--do", "0:pause,0.4:page 3,1.6:end"}), 0) << words_;
     EXPECT_EQ(seen(), (Stamp{kOtherChannel, 2 * kRate})) << "the seventeenth camera";
 }
 
 TEST_F(PlayPages, LeaveCamerasOutThatHaveNothingMoreWhereThereAreMany)
 {
-    put_eight("140500");
-    for (int channel = 8; channel < 16; ++channel)
-        put("140500", channel);
-    put("150000", 16, kOtherCodec);
+    put_pages(2, "140500");
+    put("150000", 2 * kPage, kOtherCodec);
     ASSERT_EQ(play_at("15:00:02", {"--do", "0:pause,0.8:end"}), 0) << words_;
-    EXPECT_NE(words_.find("nothing is recorded of 16 cameras at 2026-11-21 15:00:02 +0100 or later"),
+    EXPECT_NE(words_.find("nothing is recorded of " + std::to_string(2 * kPage) +
+                          " cameras at 2026-11-21 15:00:02 +0100 or later"),
               std::string::npos)
         << words_;
     EXPECT_EQ(seen(), (Stamp{kOtherChannel, 2 * kRate}));

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "nvrec_run.h"
+#include "nvrhal/limits.h"
 #include "play_clips.h"
 #include "stamps.h"
 
@@ -178,14 +179,14 @@ TEST_F(NvrecPlay, TheChosenFilesSoundIsWritten)
 
 TEST_F(NvrecPlay, NineFilesAreTwoPages)
 {
-    std::vector<std::string> files(8, kFiles[1]);
+    std::vector<std::string> files(NVRHAL_PLAYBACK_CHANNELS, kFiles[1]);
     files.push_back(kFiles[0]);
     ASSERT_EQ(play(picture("first", "1.9") + picture("second", "3.5") +
                        std::vector<std::string>{"--do", "0.1:pause,0.1:seek 1,1.9:page 2,3.5:end"},
                    files),
               0)
         << words();
-    for (int i = 0; i < 8; ++i)
+    for (int i = 0; i < NVRHAL_PLAYBACK_CHANNELS; ++i)
         EXPECT_EQ(stamp_in(taken("first"), i % 3 * 640, i / 3 * 360, 640, 360),
                   (Stamp{kFirstFile + 1, kRate}))
             << i;

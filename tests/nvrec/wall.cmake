@@ -28,7 +28,7 @@ add_dependencies(nvrec_pieces_test nvrec_clips)
 nvrhal_test(nvrec_wall_test
   ${CMAKE_CURRENT_SOURCE_DIR}/wall_network_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/wall_test.cpp
-  LIBS nvrec_run LABEL nvrec TIMEOUT 120)
+  LIBS nvrec_run nvrhal_api LABEL nvrec TIMEOUT 120)
 target_compile_definitions(nvrec_wall_test PRIVATE
   NVREC_CLIPS="${nvrec_clips}" NVREC_PROGRAM="$<TARGET_FILE:nvrec>")
 add_dependencies(nvrec_wall_test nvrec nvrec_clips)

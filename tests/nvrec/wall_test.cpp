@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "nvrec_run.h"
+#include "nvrhal/limits.h"
 #include "wall_run.h"
 
 namespace
@@ -100,12 +101,12 @@ TEST_F(NvrecWall, ASingleCameraFillsTheScreen)
 TEST_F(NvrecWall, SixteenCamerasRunAtOnce)
 {
     std::vector<std::string> arguments = {"--as-fast-as-can", "-p", scratch_.file("wall.png")};
-    for (int i = 0; i < 16; ++i)
+    for (int i = 0; i < NVRHAL_MAX_CAMERAS; ++i)
         arguments.push_back(clip("colour" + std::to_string(i % 6) + (i % 2 ? ".h265" : ".h264")));
     ASSERT_EQ(wall(arguments), 0) << last_words();
     const Picture picture = read_picture(scratch_.file("wall.png"));
     ASSERT_EQ(picture.width, 1920);
-    for (int i = 0; i < 16; ++i)
+    for (int i = 0; i < NVRHAL_MAX_CAMERAS; ++i)
         expect_pane_shows(picture, {i % 4 * 480, i / 4 * 270, 480, 270}, static_cast<size_t>(i % 6));
 }
 

@@ -99,6 +99,7 @@ TEST_F(PlaybackSetBuf, TakesTheLongestBuffer)
     std::vector<uint8_t> bytes(kBufferBytes);
     FrameInfo rec = video_of(0, bytes);
     EXPECT_EQ(deliver(rec), 0);
+    // In numbers, not by the public constant's name: whoever changes that is to see it here.
     EXPECT_EQ(platform.count("MI_VDEC_SendStream 0 {655360 bytes"), 1u);
 }
 
