@@ -55,6 +55,7 @@ bool write_whole(const char *format, va_list arguments, int &length)
     char usual[kUsualText_bytes];
     va_list again;
     va_copy(again, arguments);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller's list
     length = std::vsnprintf(usual, sizeof usual, format, arguments);
     char *text = usual;
     if (length >= static_cast<int>(sizeof usual)) {
@@ -79,6 +80,7 @@ int print(FILE *otherwise, const char *format, va_list arguments)
         va_end(copy);
         if (taken) return length;
     }
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): the caller's list
     return std::vfprintf(otherwise, format, arguments);
 }
 

@@ -87,8 +87,8 @@ private:
 std::string run_directory()
 {
     const char *given = std::getenv("XDG_RUNTIME_DIR"); // NOLINT(concurrency-mt-unsafe): nobody sets it here
-    const std::string path = given != nullptr && *given == '/' ? std::string(given) + "/vboard"
-                                                               : "/tmp/vboard-" + std::to_string(getuid());
+    std::string path = given != nullptr && *given == '/' ? std::string(given) + "/vboard"
+                                                         : "/tmp/vboard-" + std::to_string(getuid());
     if (mkdir(path.c_str(), 0700) != 0 && errno != EEXIST)
         throw std::runtime_error(path + " cannot be made: " + std::strerror(errno));
     struct stat entry = {};
