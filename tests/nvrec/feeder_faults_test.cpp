@@ -10,7 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include "feeder_line.h"
+#include "feeder_connection.h"
 #include "loopback_port.h"
 
 #ifdef NVREC_RTSP_CAMERA
@@ -21,7 +21,7 @@ namespace
 using namespace nvrec;
 using namespace std::chrono_literals;
 
-TEST_F(NvrecFeederLine, SoundAloneKeepsNoLineAlive)
+TEST_F(NvrecFeederConnection, SoundAloneKeepsNoConnectionAlive)
 {
     serve({"--sound", "--freeze", "40"}, "talking.mov");
     options_.sound_channels = 1;
@@ -34,7 +34,7 @@ TEST_F(NvrecFeederLine, SoundAloneKeepsNoLineAlive)
     EXPECT_GE(blocks, 40u) << "of the 2 seconds with pictures";
 }
 
-TEST_F(NvrecFeederLine, AStreamWithoutKeyFramesIsGivenUp)
+TEST_F(NvrecFeederConnection, AStreamWithoutKeyFramesIsGivenUp)
 {
     serve({"--drop-keys", "1000"}, "talking.mov");
     options_.key_limit = 2s;
@@ -44,7 +44,7 @@ TEST_F(NvrecFeederLine, AStreamWithoutKeyFramesIsGivenUp)
     EXPECT_FALSE(feeder.opened());
 }
 
-TEST_F(NvrecFeederLine, ALineThatStandsAgainShowsNothingBeforeAKeyFrame)
+TEST_F(NvrecFeederConnection, AConnectionThatIsOpenedAgainShowsNothingBeforeAKeyFrame)
 {
     serve({"--drop-keys", "1"}); /* the file's at 20 and 40 of its 60 pictures are left */
     bool waited = false;
@@ -65,7 +65,7 @@ TEST_F(NvrecFeederLine, ALineThatStandsAgainShowsNothingBeforeAKeyFrame)
     EXPECT_EQ(feeder_->counters().sent, 70 - behind);
 }
 
-TEST_F(NvrecFeederLine, AMainStreamThatFailsBehindItsSubStreamSaysWhy)
+TEST_F(NvrecFeederConnection, AMainStreamThatFailsBehindItsSubStreamSaysWhy)
 {
     serve({"--sub", std::string(NVREC_CLIPS) + "/talking.mov"});
     const LoopbackPort silent; /* takes connections and never says a word */
@@ -95,7 +95,7 @@ TEST_F(NvrecFeederLine, AMainStreamThatFailsBehindItsSubStreamSaysWhy)
 }
 
 /* As a change of the configuration does it, which tells no fault of the camera. */
-TEST_F(NvrecFeederLine, AnOpeningThatIsInterruptedTellsNoFault)
+TEST_F(NvrecFeederConnection, AnOpeningThatIsInterruptedTellsNoFault)
 {
     serve({"--drop-keys", "1000"}, "talking.mov");
     Feeder feeder(0, source_, options_);
@@ -118,7 +118,7 @@ size_t open_sockets()
     return count;
 }
 
-TEST_F(NvrecFeederLine, ASubStreamThatIsNoLongerWantedKeepsNoLine)
+TEST_F(NvrecFeederConnection, ASubStreamThatIsNoLongerWantedKeepsNoConnection)
 {
     serve({});
     const size_t before = open_sockets();

@@ -19,7 +19,7 @@
 #include <gtest/gtest.h>
 
 #include "camera/feeder.h"
-#include "feeder_line.h"
+#include "feeder_connection.h"
 #include "loopback_port.h"
 #include "nvrec_run.h"
 
@@ -87,7 +87,7 @@ TEST(NvrecFeeder, ARefusedKeyFrameIsNamedUntilOneIsTaken)
 
 #ifdef NVREC_RTSP_CAMERA
 
-TEST(NvrecFeeder, WhatWaitedOnTheLineIsCaughtUpWithoutABurst)
+TEST(NvrecFeeder, PacketsThatWaitedOnTheConnectionAreCaughtUpWithoutABurst)
 {
     Process camera({NVREC_RTSP_CAMERA, std::string(NVREC_CLIPS) + "/h264.mp4", "h264"});
     int port = 0;
@@ -118,7 +118,7 @@ TEST(NvrecFeeder, WhatWaitedOnTheLineIsCaughtUpWithoutABurst)
     }
 }
 
-TEST_F(NvrecFeederLine, AStallShowsAsSilenceAndMovesNoPicture)
+TEST_F(NvrecFeederConnection, AStallShowsAsSilenceAndMovesNoPicture)
 {
     serve({});
     std::future<CameraState> in_the_stall;
@@ -144,7 +144,7 @@ TEST_F(NvrecFeederLine, AStallShowsAsSilenceAndMovesNoPicture)
     EXPECT_EQ(feeder_->counters().reconnects, 0u);
 }
 
-TEST_F(NvrecFeederLine, ACameraThatComesBackHasItsRightTimeOfDay)
+TEST_F(NvrecFeederConnection, ACameraThatComesBackHasItsRightTimeOfDay)
 {
     serve({});
     feed(90); /* 60 of the first session */
@@ -161,7 +161,7 @@ TEST_F(NvrecFeederLine, ACameraThatComesBackHasItsRightTimeOfDay)
 }
 
 /* Set back, a clock of 32 bits looks as if it were set forward by hours. */
-TEST_F(NvrecFeederLine, AClockThatIsSetMovesNoPicture)
+TEST_F(NvrecFeederConnection, AClockThatIsSetMovesNoPicture)
 {
     for (const char *jump_s : {"-3600", "3600"}) {
         units_.clear();
@@ -179,7 +179,7 @@ TEST_F(NvrecFeederLine, AClockThatIsSetMovesNoPicture)
     }
 }
 
-TEST_F(NvrecFeederLine, ReorderedPicturesHaveTheirRightTimesFromTheFirstOn)
+TEST_F(NvrecFeederConnection, ReorderedPicturesHaveTheirRightTimesFromTheFirstOn)
 {
     serve({}, "h265.mp4", "h265");
     feed(55);
@@ -198,7 +198,7 @@ TEST_F(NvrecFeederLine, ReorderedPicturesHaveTheirRightTimesFromTheFirstOn)
         EXPECT_GE(units_[i].due_us, units_[i - 1].due_us);
 }
 
-TEST_F(NvrecFeederLine, ACameraThatOffersUdpOnlyIsReadOverUdp)
+TEST_F(NvrecFeederConnection, ACameraThatOffersUdpOnlyIsReadOverUdp)
 {
     serve({"--udp-only"});
     source_.transport = Transport::kTcp;
@@ -219,11 +219,11 @@ public:
     explicit Talker(const std::string &words) : words_(words)
     {
         thread_ = std::thread([this] {
-            for (int line = accept(port_.socket_number(), nullptr, nullptr); line >= 0;
-                 line = accept(port_.socket_number(), nullptr, nullptr)) {
-                send(line, words_.data(), words_.size(), MSG_NOSIGNAL);
-                shutdown(line, SHUT_WR);
-                close(line);
+            for (int client = accept(port_.socket_number(), nullptr, nullptr); client >= 0;
+                 client = accept(port_.socket_number(), nullptr, nullptr)) {
+                send(client, words_.data(), words_.size(), MSG_NOSIGNAL);
+                shutdown(client, SHUT_WR);
+                close(client);
             }
         });
     }
@@ -263,7 +263,7 @@ TEST(NvrecFeeder, ServersThatSpeakNonsenseAreNamed)
 
 #else
 
-TEST(NvrecFeeder, WhatWaitedOnTheLineIsCaughtUpWithoutABurst)
+TEST(NvrecFeeder, PacketsThatWaitedOnTheConnectionAreCaughtUpWithoutABurst)
 {
     GTEST_SKIP() << "built without libgstrtspserver-1.0-dev: no network camera to read";
 }

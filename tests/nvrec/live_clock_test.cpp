@@ -1,4 +1,4 @@
-/* When pictures of network cameras were taken, whatever their line and their own clock do. */
+/* When pictures of network cameras were taken, whatever their connection and their own clock do. */
 #include <cstdint>
 #include <random>
 #include <vector>
@@ -17,7 +17,7 @@ constexpr int64_t kSecond_us = 1'000'000;
 constexpr int64_t kHour_us = 3600 * kSecond_us;
 constexpr int64_t kAgree_us = 200'000;
 
-/* A camera of 25 frames a second on a line; both may be made to misbehave. */
+/* A camera of 25 frames a second on a connection; both may be made to misbehave. */
 class Camera
 {
 public:
@@ -29,18 +29,18 @@ public:
 
     void connect() { clock_.begin({}); }
 
-    /* The next picture, taken one frame later, on the line for so long. */
-    LiveClock::Stamp send(int64_t on_the_line_us = 0)
+    /* The next picture, taken one frame later, on its way for so long. */
+    LiveClock::Stamp send(int64_t on_the_way_us = 0)
     {
         taken_us += kPicture_us;
         const int64_t own_us = taken_us + own_clock_us;
-        return clock_.stamp({{.pts_us = own_us, .dts_us = {}}, taken_us + on_the_line_us});
+        return clock_.stamp({{.pts_us = own_us, .dts_us = {}}, taken_us + on_the_way_us});
     }
 
     /* The same. @return how far its time lies from the right one */
-    double send_and_compare(int64_t on_the_line_us = 0)
+    double send_and_compare(int64_t on_the_way_us = 0)
     {
-        const int64_t at_us = send(on_the_line_us).at_us;
+        const int64_t at_us = send(on_the_way_us).at_us;
         return static_cast<double>(at_us - taken_us);
     }
 
@@ -69,7 +69,7 @@ TEST(NvrecLiveClock, DistancesAreTheCamerasWhileItsPicturesArriveUnevenly)
     }
 }
 
-TEST(NvrecLiveClock, WhatWaitedOnALineThatStoodStillKeepsItsTime)
+TEST(NvrecLiveClock, PicturesThatWaitedOnAStalledConnectionKeepTheirTimes)
 {
     LiveClock clock;
     Camera camera(clock);
@@ -93,7 +93,8 @@ TEST(NvrecLiveClock, ALatePictureRenewsNothing)
     Camera camera(clock);
     for (int i = 0; i < 100; ++i)
         camera.send();
-    const LiveClock::Stamp late = camera.send(10 * kSecond_us); /* let go when the line was given up */
+    const LiveClock::Stamp late =
+        camera.send(10 * kSecond_us); /* given out when the connection was given up */
     EXPECT_EQ(late.at_us, camera.taken_us);
     camera.pause(35 * kSecond_us);
     camera.own_clock_us = 12345 - camera.taken_us; /* another session counts from elsewhere */
@@ -152,7 +153,7 @@ TEST(NvrecLiveClock, AClockThatRunsSlowIsFollowed)
     }
 }
 
-TEST(NvrecLiveClock, WhatCameWhileTheLineWasOpenedHasTheTimeAtWhichItCame)
+TEST(NvrecLiveClock, PicturesThatCameWhileTheConnectionWasOpenedHaveTheTimeAtWhichTheyCame)
 {
     /* A second of pictures waited; the one behind them was waited for. */
     constexpr int64_t kNow_us = 9 * kHour_us;

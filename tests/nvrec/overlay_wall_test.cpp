@@ -164,8 +164,8 @@ TEST_F(NvrecOverlayWall, PicturesThatCannotBeDecodedAreTold)
 
 #ifdef NVREC_RTSP_CAMERA
 
-/* The camera stands still with its line open, and ends its session when it goes on: frames of a second one
- * come. */
+/* The camera stalls with its connection open, and ends its session when it goes on: frames of a second
+ * session come. */
 TEST_F(NvrecOverlayWall, ASilentCameraIsShownSoWithinThreeSecondsAndNoLongerThanThat)
 {
     Process camera({NVREC_RTSP_CAMERA, std::string(NVREC_CLIPS) + "/colour0.h264.mp4", "h264"});

@@ -51,7 +51,7 @@ protected:
 
 #ifdef NVREC_RTSP_CAMERA
 
-/* The line over UDP is another one, and its times begin anywhere. */
+/* The connection over UDP is a new one, and its times begin anywhere. */
 TEST_F(ReloadOfARecorder, ALiveCameraThatIsConnectedAnewGoesOnAtItsRightTime)
 {
     Process camera({NVREC_RTSP_CAMERA, NVREC_CLIP, "h264"});
@@ -72,7 +72,7 @@ TEST_F(ReloadOfARecorder, ALiveCameraThatIsConnectedAnewGoesOnAtItsRightTime)
     EXPECT_EQ(recorder.wait(), 0) << recorder.errors;
 
     const std::vector<std::string> files = files_of(file("rec"), "ch00-main-");
-    ASSERT_EQ(files.size(), 2u) << "a file for each line";
+    ASSERT_EQ(files.size(), 2u) << "a file for each connection";
     for (const std::string &path : files) {
         const std::vector<double> times = picture_times(path);
         ASSERT_GT(times.size(), 10u) << path;

@@ -37,7 +37,7 @@ pkg_check_modules(NVREC_RTSP IMPORTED_TARGET gstreamer-rtsp-server-1.0)
 if(NVREC_RTSP_FOUND)
   add_executable(nvrec_rtsp_camera ${PROJECT_SOURCE_DIR}/tools/rtsp_camera.c)
   target_link_libraries(nvrec_rtsp_camera PRIVATE PkgConfig::NVREC_RTSP)
-  # The other end of the line is not under test, and its libraries are not built for sanitizers.
+  # The other end of the connection is not under test, and its libraries are not built for sanitizers.
   target_compile_options(nvrec_rtsp_camera PRIVATE -fno-sanitize=all)
   target_link_options(nvrec_rtsp_camera PRIVATE -fno-sanitize=all)
   foreach(test nvrec_pieces_test nvrec_wall_test)

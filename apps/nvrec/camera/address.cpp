@@ -13,12 +13,12 @@ namespace
 
 constexpr std::string_view kHidden = "***";
 
-/* Names of values in a path or a query that open a camera. */
+/* Names of values in a path or a query that give access to a camera. */
 constexpr std::array<std::string_view, 17> kSecretNames = {
     "user", "username", "usr", "loginuse", "password", "passwd", "pass",   "pwd", "psw",
     "pw",   "loginpas", "key", "apikey",   "token",    "auth",   "secret", "sig"};
 
-/* A letter of 0 is none of them, and std::strchr() would find the end of the text. */
+/* A zero letter is none of them, but std::strchr() would find the text's end for it. */
 bool is_one_of(char letter, const char *letters)
 {
     return letter != '\0' && std::strchr(letters, letter) != nullptr;
@@ -36,7 +36,7 @@ bool is_secret_name(std::string_view name)
                                [name](std::string_view known) { return same_letters(name, known); });
 }
 
-/* What parts names from values, and values from each other, in what follows the host. */
+/* The letters behind the host that separate names from values, and values from each other. */
 bool is_separator(char letter)
 {
     return is_one_of(letter, "/?&;=#_,");
@@ -63,7 +63,7 @@ std::string hide_values(std::string_view rest)
     return shown.append(rest);
 }
 
-/* Where the scheme's letters begin that end at "://", and whether there are any. */
+/* Where the scheme in front of "://" begins, and whether there is one. */
 size_t scheme_begin(std::string_view text, size_t colon)
 {
     size_t at = colon;
@@ -77,7 +77,7 @@ size_t scheme_begin(std::string_view text, size_t colon)
 std::string hide_in_address(std::string_view behind_scheme)
 {
     const size_t host_end = std::min(behind_scheme.find_first_of("/?#"), behind_scheme.size());
-    /* A password may hold any letter unescaped: rather too much is hidden than a piece of it shown. */
+    /* A password may contain any letter unescaped: hide too much rather than show a piece of it. */
     const size_t last = behind_scheme.rfind('@');
     const bool has_user = behind_scheme.substr(0, host_end).find_first_of("@:") != std::string_view::npos;
     const size_t at = has_user ? last : std::string_view::npos;
@@ -106,7 +106,7 @@ std::string percent_encoded(const std::string &text)
     return encoded;
 }
 
-/* user:password@host:port of an address; empty = it is none of the network. */
+/* user:password@host:port of an address; empty = it is no network address. */
 std::string_view authority_of(std::string_view address)
 {
     const size_t scheme = address.find("://");

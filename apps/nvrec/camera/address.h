@@ -16,7 +16,7 @@
 namespace nvrec
 {
 
-/** Whether it leads to a camera on the network: units come when they come, and the line may break. */
+/** Whether it leads to a camera on the network: units come in real time, and the connection may break. */
 bool is_network_address(std::string_view address);
 
 /** The address as it may be shown: user, password and the like are ***. A file's name stays as it is. */
@@ -28,7 +28,10 @@ std::string shown_text(std::string_view text);
 /** Whether there is something in the text that must not be shown. */
 bool carries_credentials(std::string_view text);
 
-/** A network address with user and password, unless it has some of its own. No other is changed. */
+/**
+ * A network address with user and password added, unless it has them already. Other addresses stay as they
+ * are.
+ */
 std::string with_credentials(const std::string &address, const std::string &user,
                              const std::string &password);
 
@@ -36,8 +39,8 @@ std::string with_credentials(const std::string &address, const std::string &user
 std::string host_of(std::string_view address);
 
 /**
- * A program's arguments, taken over; what must not be shown is blanked in the process's own copy, which
- * every user of the machine can read.
+ * Copy a program's arguments, and blank what must not be shown in the process's own list of them, which every
+ * user of the machine can read.
  * @param blanked  set to true when something was
  */
 std::vector<std::string> take_arguments(int argc, char **argv, bool *blanked);

@@ -12,7 +12,7 @@ namespace
 constexpr auto kWindow = std::chrono::seconds(4);
 constexpr size_t kMostArrivals = 1024;
 constexpr double kJitterWeight = 1.0 / 16;      /* of a new frame, as receivers of RTP smooth it     */
-constexpr double kLargestJitter_us = 1'000'000; /* a line that stood still is no jitter            */
+constexpr double kLargestJitter_us = 1'000'000; /* a connection that stalled is no jitter */
 constexpr double kPacket_bytes = 1400;          /* of a frame's packets on a network, about          */
 constexpr double kLossMemory = 2000;            /* packets after which the count is halved           */
 
@@ -128,7 +128,7 @@ void CameraMeter::tell(CameraStatus *status, Clock::time_point now) const
         std::ranges::find_if(arrivals_, [&](const Arrival &arrival) { return arrival.at >= now - kWindow; });
     const auto count = static_cast<double>(arrivals_.end() - first);
     if (count >= 2) {
-        /* The first one opens the window, and its bytes came before it. */
+        /* The first frame opens the window; its bytes came before the window did. */
         const double lasted_s = seconds_of(arrivals_.back().at - first->at);
         double bytes = 0;
         for (auto arrival = first + 1; arrival != arrivals_.end(); ++arrival)

@@ -1,6 +1,6 @@
 /*
- * camera_meter.h - how a camera's stream comes in: whether it does, how fast, how evenly, and how much
- * of it is missing.
+ * camera_meter.h - measures how a camera's stream comes in: whether it comes at all, how fast, how evenly,
+ * and how much of it is missing.
  *
  * Silence is told by monotonic time alone, so that neither a camera's clock nor the recorder's
  * calendar hides it. Rates are those of the last four seconds.
@@ -33,7 +33,7 @@ public:
     /** So many packets did not come. */
     void missed(uint64_t packets);
 
-    /** The line is opened anew, or the camera's clock was set: distances begin again. */
+    /** The connection is opened anew, or the camera's clock was set: distances begin again. */
     void begin_again();
 
     /** The library took a frame that it was to show, or did not. */
@@ -42,7 +42,7 @@ public:
     /** Nothing more will come, by its own end. */
     void ended();
 
-    /** State, since and the measured values; the rest of a status is left alone. */
+    /** Fill in state, since and the measured values; the rest of the status stays as it is. */
     void tell(CameraStatus *status, Clock::time_point now) const;
 
 private:

@@ -19,7 +19,7 @@ enum class Transport {
 /** Which of a camera's streams. */
 enum class StreamChoice { kMain, kSub };
 
-/** As lines name a camera: "channel 3 (Yard)"; without a name "channel 3". */
+/** How messages name a camera: "channel 3 (Yard)"; without a name "channel 3". */
 inline std::string channel_label(int channel, const std::string &name)
 {
     return "channel " + std::to_string(channel) + (name.empty() ? "" : " (" + name + ")");

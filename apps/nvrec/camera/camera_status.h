@@ -1,4 +1,4 @@
-/* camera_status.h - what stands with a camera now, for the screen, the panel, the table and the status. */
+/* camera_status.h - the state of a camera now, for the screen, the panel, the table and the status. */
 #pragma once
 
 #include <cstdint>
@@ -46,12 +46,15 @@ struct CameraStatus {
     double loss = 0;           /* share of packets that did not come, 0 to 1                    */
     int link_quality = 0;      /* 1 to 100 from jitter and loss                                 */
 
-    uint64_t reconnects = 0;  /* times the line was opened again                               */
+    uint64_t reconnects = 0;  /* times the connection was opened again */
     uint64_t refused = 0;     /* frames that the library refused                               */
     uint64_t clock_jumps = 0; /* times the camera's clock was set, or its stream began anew    */
     std::string last_error;   /* the last one, if any; no credentials in it                    */
 
-    /** Whether pictures of the sub stream hide that the main stream does not come. */
+    /**
+     * Whether the sub stream is shown while the main stream does not come, so that nobody sees that it is
+     * missing.
+     */
     bool main_is_lost(Clock::time_point now) const;
 };
 

@@ -1,6 +1,5 @@
 /*
- * codec.h - what the recorder must know of a codec, in one table. A codec that the board learns to
- * decode is a row more.
+ * codec.h - what the recorder must know of each codec, in one table. Another codec is another row.
  */
 #pragma once
 
@@ -21,7 +20,7 @@ struct CodecTraits {
     const char *name;
     int av_id;             /* enum AVCodecID                                                   */
     const char *to_annexb; /* filter for length-prefixed units, as MP4 and MKV carry them      */
-    uint32_t mp4_tag;      /* promises the parameter sets in the file's header, not in the stream */
+    uint32_t mp4_tag;      /* says that the parameter sets are in the file's header, not in the stream */
 
     /* A unit's type stands in the first byte behind its start code. */
     int type_shift;
@@ -34,7 +33,7 @@ struct CodecTraits {
 
 const CodecTraits &traits_of(Codec codec);
 
-/** The codec that libavcodec calls so; null = the board does not decode it. */
+/** The codec with this number in libavcodec; null = the board does not decode it. */
 const CodecTraits *traits_of_av_id(int av_id);
 
 const char *codec_name(Codec codec);

@@ -42,7 +42,7 @@ Feeder::~Feeder()
 {
     ask_to_stop();
     join();
-    input_.close(); /* its reading thread tells the meter, which goes before it */
+    input_.close(); /* its reading thread calls the meter, which is destroyed first */
 }
 
 int32_t Feeder::send_first()
@@ -90,7 +90,7 @@ void Feeder::hang_up()
 void Feeder::go_on_from(const Feeder &before)
 {
     const int64_t epoch_us = before.input_epoch_us_.load();
-    input_epoch_us_ = epoch_us; /* also for who follows this one, should it never answer */
+    input_epoch_us_ = epoch_us; /* for its successor, too, if this camera never answers */
     if (input_.live() && epoch_us != 0) input_.set_epoch_us(epoch_us);
 }
 
@@ -117,7 +117,7 @@ void Feeder::feed()
     if (!input_opened_ && (!reconnect(trouble()) || !next(&unit))) return;
 
     uint64_t frames = 0;
-    bool refused_before = false; /* a line a spell of refusals, not a line a frame */
+    bool refused_before = false; /* one message for each run of refusals, not for each frame */
     while (!stopping()) {
         wait_due(unit);
         if (stopping()) return;
@@ -158,7 +158,10 @@ void Feeder::pass_sound(const AccessUnit &unit, int64_t until_us)
         if (events_.sound) events_.sound(channel_, block);
 }
 
-/* Sound that lasts longer than the pictures, in its own time: pools have no room for seconds of it. */
+/*
+ * Send the sound that lasts longer than the pictures at its own pace: the pools have no room for seconds of
+ * it.
+ */
 void Feeder::pass_last_sound(const AccessUnit &last)
 {
     AccessUnit moment = last; /* as if pictures went on */
@@ -173,7 +176,7 @@ void Feeder::pass_last_sound(const AccessUnit &last)
     pass_sound(moment, INT64_MAX);
 }
 
-/* The next unit, across the ends of files and broken lines; false when there is none. */
+/* The next unit, across the ends of files and broken connections; false when there is none. */
 bool Feeder::next(AccessUnit *unit)
 {
     bool just_rewound = false;
@@ -239,8 +242,8 @@ void Feeder::wait_due(const AccessUnit &unit)
 }
 
 /*
- * The camera paces. But what has waited on the line, because the network stood still or the others
- * were not ready, comes all at once: the decoder and the pools have no room for seconds of it.
+ * The camera sets the pace. But units that waited on the connection, because the network stalled or the other
+ * cameras were not ready, come all at once, and the decoder and the pools have no room for seconds of them.
  */
 void Feeder::pace(const AccessUnit &unit)
 {

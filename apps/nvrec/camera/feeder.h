@@ -4,13 +4,12 @@
  *      open()            start()                    stop() or the end of the input
  *  new ------> opened ----------> feeding <-----> waiting to reconnect ------> ended
  *
- * open() reads the first key frame, which the caller sends once so that the library makes the
- * channel a decoder of its codec; the layout throws that frame away, and the thread sends it again
- * as its first.
+ * open() reads the first key frame. The caller sends it once, so that the library makes a decoder of its
+ * codec for the channel. The layout that follows throws that frame away, so the thread sends it again first.
  *
- * A camera with a second address has a smaller stream for small panes. It is fed by a feeder of its own
- * inside this one, and takes the decoder over with its first key frame; so does the main stream when it
- * is wanted again. A main stream that nobody needs meanwhile is not read.
+ * A camera with a second address has a smaller stream for small panes. That sub stream has a feeder of its
+ * own inside this one, and goes to the decoder from its first key frame on; likewise the main stream when it
+ * is wanted again. While nothing needs the main stream, it is not read.
  *
  * Threads: open(), start() and stop() from one thread, the counters from any.
  */
@@ -57,7 +56,7 @@ struct FeedCounters {
     uint64_t refused = 0;    /* units that it refused                                 */
     uint64_t bytes = 0;      /* of accepted units                                     */
     uint64_t passes = 0;     /* times a file was begun again                          */
-    uint64_t reconnects = 0; /* times a line was opened again                         */
+    uint64_t reconnects = 0; /* times a connection was opened again                         */
 };
 
 class Feeder
@@ -74,8 +73,8 @@ public:
             sound; /* wanted sound, before the unit that is due with it or after it */
         std::function<void(int channel, const SoundPacket &)> sound_packet; /* the same sound as it came */
         std::function<int32_t(const AccessUnit &, const StreamFacts &)>
-            sink;                         /* where units go; 0 = accepted. None = the channel's decoder */
-        std::function<void()> line_began; /* again: nothing goes to the sink before a key frame */
+            sink; /* where units go; 0 = accepted. None = the channel's decoder */
+        std::function<void()> connection_began; /* again: nothing goes to the sink before a key frame */
     };
 
     Feeder(int channel, const CameraSource &source, const FeedOptions &options);
@@ -88,14 +87,14 @@ public:
     int32_t send_first();
 
     /**
-     * Start the thread. A live input that open() could not open is tried again by it; an input for
-     * which open() was not called is opened by it.
+     * Start the thread. It opens the input if open() was not called, and tries again if open() could not open
+     * a live one.
      */
     void start(Events events);
 
     /**
-     * Which stream the decoder is to be fed from; without a second address the main one is. What is fed
-     * now goes on until the other one's key frame comes. Main thread.
+     * Choose the stream that the decoder is fed from; without a second address it is always the main one. The
+     * present stream goes on until a key frame of the other one comes. Main thread.
      */
     void want_stream(StreamChoice choice);
 
@@ -103,10 +102,10 @@ public:
     void ask_to_stop();
     void join();
 
-    /** Behind join(): end the camera's session, so that its successor gets one. */
+    /** After join(): end the session with the camera, so that the next feeder can get one. */
     void hang_up();
 
-    /** Before start(): the times of a network camera go on from those of the one that it follows. */
+    /** Before start(): continue the times of the feeder that fed this channel before. Network cameras. */
     void go_on_from(const Feeder &before);
 
     int channel() const { return channel_; }
@@ -116,9 +115,9 @@ public:
     bool broken() const { return broken_.load(); }
 
     /**
-     * When the thread gives its next sign of life at the latest: it says so before everything that
-     * may take its time. A deadline that has passed means that the thread hangs. max() = it does not
-     * run, or has ended.
+     * When the thread gives its next sign of life at the latest; it sets this before everything that may take
+     * long. A deadline that has passed means that the thread hangs. max() = the thread does not run, or has
+     * ended.
      */
     Clock::time_point heartbeat_deadline() const;
 
@@ -130,15 +129,15 @@ public:
     std::string label() const;
 
     /**
-     * What stands with it now; once it was asked to stop, what stood with it then. Any thread.
+     * Its state now; after it was asked to stop, its state at that time. Any thread.
      * @param at  may be null: receives the time that it is of
      */
     CameraStatus status(Clock::time_point *at = nullptr) const;
 
-    /** A layout stands. Main thread. */
+    /** A layout was applied. Main thread. */
     void layout_done();
 
-    /** Its decoder was flushed, by a layout: nothing is shown before a key frame. Any thread. */
+    /** A layout has flushed its decoder: nothing is shown before a key frame. Any thread. */
     void expect_key() { waits_for_key_.store(true, std::memory_order_relaxed); }
 
     /** Codec, size and frame rate of the stream that is shown, as last learned. */
@@ -178,7 +177,7 @@ private:
     void note_handed_on(const AccessUnit &unit, bool accepted);
     void report(const std::string &line);
     void set_heartbeat_deadline(Clock::time_point when);
-    void begin_line();
+    void begin_connection();
     void note_opening();
     void note_reading();
     bool stopping() const { return stop_.load(std::memory_order_relaxed); }
@@ -198,7 +197,7 @@ private:
     std::atomic<bool> opened_ = false; /* one of the two streams was, at least once */
     std::atomic<bool> broken_ = false; /* it ended by a failure, not by its own end */
     std::atomic<bool> waits_for_key_ = true;
-    std::atomic<bool> sub_is_shown_ = false;                 /* shown_, for who does not hold gate_ */
+    std::atomic<bool> sub_is_shown_ = false;                 /* shown_, to be read without gate_ */
     std::atomic<Clock::rep> heartbeat_deadline_ = INT64_MAX; /* ticks of the clock        */
     Clock::time_point started_at_;
     Clock::time_point paced_at_;         /* live: when the last unit went on    */

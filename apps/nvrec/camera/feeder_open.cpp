@@ -1,4 +1,4 @@
-/* feeder_open.cpp - see feeder.h: opening an input, and a broken line again. */
+/* feeder_open.cpp - see feeder.h: opening an input, and connecting again. */
 #include "camera/feeder.h"
 
 #include <algorithm>
@@ -13,7 +13,7 @@ namespace
 
 constexpr auto kFirstRetry = std::chrono::seconds(1);
 constexpr auto kLongestRetry = std::chrono::seconds(16);
-constexpr auto kSilence = std::chrono::seconds(10); /* a live input gives up a silent line after this */
+constexpr auto kSilence = std::chrono::seconds(10); /* a live input gives up a silent connection after this */
 
 } // namespace
 
@@ -31,7 +31,7 @@ bool Feeder::open()
     return true;
 }
 
-/* A camera whose key frames do not come is tried again, like one that does not answer. */
+/* A camera that sends no key frames is tried again, like one that does not answer. */
 bool Feeder::read_first()
 {
     const Clock::time_point limit = Clock::now() + options_.key_limit;
@@ -53,7 +53,8 @@ bool Feeder::read_first()
 }
 
 /*
- * Open a line again, with growing pauses, until it stands or the recorder stops. Files are not tried again.
+ * Connect again, with growing pauses, until the camera answers or the recorder stops. Files are not tried
+ * again.
  */
 bool Feeder::reconnect(const std::string &why)
 {
@@ -65,12 +66,12 @@ bool Feeder::reconnect(const std::string &why)
     }
     auto pause = std::chrono::duration_cast<std::chrono::milliseconds>(kFirstRetry);
     report(why + "; connecting again");
-    std::string told; /* a line a reason: a camera may be away for weeks */
+    std::string told; /* one message for each reason: a camera may be away for weeks */
     while (wait_until(Clock::now() + pause)) {
         note_opening();
         if (input_.open(options_.open_limit)) {
             opened_.store(true);
-            begin_line();
+            begin_connection();
             const std::scoped_lock guard(lock_);
             ++counters_.reconnects;
             return true;
@@ -84,16 +85,16 @@ bool Feeder::reconnect(const std::string &why)
 }
 
 /*
- * A line was opened again. What comes before its first key frame belongs to pictures that did not come: the
- * decoder would make smears of it.
+ * The input was opened again. Pictures before its first key frame refer to pictures that did not come, and
+ * the decoder would make smears of them.
  */
-void Feeder::begin_line()
+void Feeder::begin_connection()
 {
     input_opened_ = true;
     needs_key_ = true;
     note_facts();
     if (!sub_is_shown_.load(std::memory_order_relaxed)) expect_key();
-    if (events_.line_began) events_.line_began();
+    if (events_.connection_began) events_.connection_began();
 }
 
 /* The limit does not hold for the system's resolver, which asks each name server twice. */
@@ -104,7 +105,7 @@ void Feeder::note_opening()
                            (input_.live() ? kNameLimit : std::chrono::seconds(0)));
 }
 
-/* The line gives up by itself when no picture comes. */
+/* A connection gives up by itself when no picture comes. */
 void Feeder::note_reading()
 {
     set_heartbeat_deadline(input_.live() ? Clock::now() + kSilence : Clock::now());

@@ -1,4 +1,4 @@
-/* feeder_status.cpp - see feeder.h: what a camera's thread tells of itself. */
+/* feeder_status.cpp - see feeder.h: the status of a camera's thread. */
 #include "camera/feeder.h"
 
 #include <cstdlib>
@@ -27,7 +27,7 @@ bool keeps_main(const FeedOptions &options, int channel)
 
 } // namespace
 
-/* One that never came has as long to come as another has to go on. */
+/* A stream that never came gets as long to come as a stream that stopped gets to go on. */
 bool CameraStatus::main_is_lost(Clock::time_point now) const
 {
     return main_state == CameraState::kSilent ||
@@ -49,7 +49,7 @@ void Feeder::count(const AccessUnit &unit, bool accepted)
     counters_.bytes += accepted ? unit.bytes.size() : 0;
 }
 
-/* Frames that are wanted: those that come while a recording has the screen are not. */
+/* Count only frames that are wanted: those that come while a recording has the screen are not. */
 void Feeder::note_handed_on(const AccessUnit &unit, bool accepted)
 {
     meter_.handed_on(unit.key, accepted);
@@ -77,7 +77,7 @@ std::string Feeder::label() const
     return channel_label(channel_, source_.name);
 }
 
-/* Whatever libavformat says may hold the address that it was given. */
+/* Any text of libavformat may contain the address that it was given. */
 void Feeder::report(const std::string &line)
 {
     const std::string shown = shown_text(line);
@@ -88,7 +88,7 @@ void Feeder::report(const std::string &line)
     if (events_.trouble) events_.trouble(channel_, shown);
 }
 
-/* Pictures keep their right times; whoever looks at the camera's own clock wants to know. */
+/* Pictures keep their right times; it is told for those who look at the camera's own clock. */
 void Feeder::note_jump(int64_t jumped_us)
 {
     if (jumped_us == 0) return;
@@ -133,7 +133,7 @@ CameraStatus Feeder::status(Clock::time_point *at) const
     if (at) *at = now;
     CameraStatus status;
     meter_.tell(&status, now);
-    /* A file is fed in its own time: it is silent when it broke, or when its thread stands still. */
+    /* A file is fed in real time, so it is silent only when it broke or when its thread is stuck. */
     if (!input_.live() && status.state == CameraState::kSilent && !broken() && heartbeat_deadline() > now)
         status.state = CameraState::kLive;
     if (!input_.live() && status.state == CameraState::kLive && broken()) status.state = CameraState::kSilent;
@@ -145,7 +145,7 @@ CameraStatus Feeder::status(Clock::time_point *at) const
         status.sub_stream = true;
         if (main.state == CameraState::kEnded) status.state = main.state;
         if (keeps_main(options_, channel_)) {
-            /* What the decoder refused of it was before: now it goes to none. */
+            /* The decoder's refusals belong to the past: the stream goes to no decoder now. */
             status.main_state = main.state == CameraState::kRefused ? CameraState::kLive : main.state;
             status.main_since = main.since;
         }

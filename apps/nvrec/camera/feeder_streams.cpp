@@ -1,5 +1,5 @@
 /*
- * feeder_streams.cpp - see feeder.h: which of a camera's two streams the decoder is fed from.
+ * feeder_streams.cpp - see feeder.h: chooses which of a camera's two streams the decoder is fed from.
  *
  *   main thread:  want_stream()
  *   main stream's thread:  send_main(), idle while the sub stream is shown and nobody else needs it
@@ -43,7 +43,7 @@ std::shared_ptr<Feeder> Feeder::sub() const
     return sub_;
 }
 
-/* One that was asked to stop ends soon, and has a successor. */
+/* A feeder that was asked to stop ends soon, and another one follows it. */
 void Feeder::start_sub()
 {
     const std::shared_ptr<Feeder> before = sub();
@@ -62,7 +62,7 @@ void Feeder::start_sub()
     events.sink = [this, own = second.get()](const AccessUnit &unit, const StreamFacts &facts) {
         return take_from_sub(*own, unit, facts);
     };
-    events.line_began = [this] {
+    events.connection_began = [this] {
         if (sub_is_shown_.load(std::memory_order_relaxed)) expect_key();
     };
     events.trouble = [this](int, const std::string &line) { report("its sub stream: " + line); };
@@ -95,7 +95,7 @@ int32_t Feeder::send_main(const AccessUnit &unit, bool *shown)
     return result;
 }
 
-/* A unit of the sub stream, on its thread; what is not shown is as good as taken. */
+/* A unit of the sub stream, on that stream's thread. A unit that is not shown counts as taken. */
 int32_t Feeder::take_from_sub(Feeder &second, const AccessUnit &unit, const StreamFacts &facts)
 {
     int32_t result = 0;
@@ -119,8 +119,9 @@ int32_t Feeder::take_from_sub(Feeder &second, const AccessUnit &unit, const Stre
 }
 
 /*
- * A decoder that was made anew by a unit is bound to no pane, and the layout that binds it throws that
- * unit away: once it stands, the unit goes a second time. What comes meanwhile waits on its line.
+ * When a unit of another codec makes the library create the decoder anew, that decoder is bound to no pane,
+ * and the layout that binds it throws the unit away. So the unit is sent a second time once the layout is
+ * applied. Units that come meanwhile wait on their connection.
  * @param sender  whose thread this is
  */
 void Feeder::send_again_if_laid_out(const AccessUnit &unit, const StreamFacts &facts, StreamChoice stream,
@@ -158,8 +159,8 @@ void Feeder::layout_done()
 }
 
 /*
- * A layout takes a while. A key frame that comes meanwhile may be thrown away with all else that the
- * decoder holds, and the camera knows nothing of it: the pane stays black until the next one.
+ * A layout takes a while. It may throw away a key frame that comes meanwhile, with all else that the decoder
+ * holds, and then the pane stays black until the next key frame.
  */
 bool Feeder::shows_nothing_yet() const
 {
@@ -169,7 +170,9 @@ bool Feeder::shows_nothing_yet() const
 
 int32_t Feeder::send_to_decoder(const AccessUnit &unit, const StreamFacts &facts)
 {
-    /* A frame of another codec goes on, so that the decoder changes before it is shown. */
+    /*
+     * Send a frame of another codec all the same, so that the decoder is changed before the frame is shown.
+     */
     if (decoder_codec_ == facts.codec && is_held_back(channel_)) return 0;
     FrameInfo frame = {};
     frame.frame_type = unit.key ? 1 : 0;
@@ -218,7 +221,7 @@ bool Feeder::is_idle() const
     return !kept && sub_is_shown_.load(std::memory_order_relaxed) && sub_is_well();
 }
 
-/* The line is closed until the main stream is needed. @return false = the recorder stops */
+/* Close the connection until the main stream is needed. @return false = the recorder stops */
 bool Feeder::wait_while_idle()
 {
     input_.close();
@@ -232,7 +235,7 @@ bool Feeder::wait_while_idle()
     meter_.begin_again();
     note_opening();
     if (input_.open(options_.open_limit)) {
-        begin_line();
+        begin_connection();
         return true;
     }
     return !stopping() && reconnect(input_.error());

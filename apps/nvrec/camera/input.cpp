@@ -1,4 +1,4 @@
-/* input.cpp - see input.h: units as they come. */
+/* input.cpp - see input.h: reads units. */
 #include "camera/input.h"
 
 namespace nvrec
@@ -66,7 +66,7 @@ Input::Read Input::read_key(AccessUnit *unit)
     }
 }
 
-/* Sound read before the first unit waits for that unit: it is what all times count from. */
+/* Sound that is read before the first unit waits for that unit, since all times count from it. */
 void Input::place_sound()
 {
     const std::optional<int64_t> offset_us = live() ? live_clock_.offset_us() : clock_.offset_us();

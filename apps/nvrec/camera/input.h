@@ -5,9 +5,9 @@
  * libavformat, or from an RTSP address. What comes out: one access unit a read, in Annex B form
  * (start codes; parameter sets in front of key frames), so that a unit can go to a decoder as it is.
  *
- * Time: a unit is due a number of microseconds after the input's first unit. Containers say so by
- * their decoding time stamps; elementary streams carry none and run at the frame rate of their
- * parameter sets, 25 frames a second where those are silent. Of network cameras, see live_clock.h.
+ * Time: a unit is due a number of microseconds after the input's first unit. In containers the decoding time
+ * stamps tell it. Elementary streams carry none and run at the frame rate of their parameter sets, or at 25
+ * frames a second if these tell none. For network cameras see live_clock.h.
  *
  * Threads: one thread reads; interrupt() may come from any.
  */
@@ -61,8 +61,8 @@ public:
     void want_sound() { sound_wanted_ = true; }
 
     /**
-     * The sound read on the way to the last unit and not taken yet, in order, up to a time on the
-     * clock of due_us; INT64_MAX = all there is.
+     * The sound that was read so far and not taken yet, in order, up to a time on the clock of due_us;
+     * INT64_MAX = all there is.
      */
     std::vector<SoundBlock> take_sound(int64_t until_us) { return sound_.take(until_us); }
 
@@ -72,14 +72,14 @@ public:
     /** When the first block of sound that waits is due; nothing = none waits. */
     std::optional<int64_t> next_sound_us() const { return sound_.first_us(); }
 
-    /** By how much the camera's clock was set with the last unit; 0 = it was not. */
+    /** By how much the camera's clock had been set when the last unit came; 0 = it had not. */
     int64_t jumped_us() const { return jumped_us_; }
 
     /** The monotonic time from which a network camera's times count, once it has one. */
     std::optional<int64_t> epoch_us() const { return live_clock_.epoch_us(); }
     void set_epoch_us(int64_t epoch_us) { live_clock_.set_epoch_us(epoch_us); }
 
-    /** Packets of the line that did not come, since the last call. */
+    /** Packets of the connection that did not come, since the last call. */
     uint64_t take_missed() { return source_.take_missed(); }
 
     /** Called with every picture of a network camera as it comes, on a thread of the input's. Before open().
@@ -96,10 +96,10 @@ public:
     bool rewind();
 
     /**
-     * Go to the last key frame at or before a time, counted from the file's first unit, and read it;
-     * before the first key frame, to that one. From here on units' times are places in the file.
-     * A file must have been read from before. Files only; the bare stream of a codec, which has no
-     * index, is read through from its start.
+     * Go to the last key frame at or before a time, counted from the file's first unit, and read it. If there
+     * is none before that time, go to the first one. From then on the units' times are places in the file. At
+     * least one unit must have been read before. Files only; the bare stream of a codec has no index and is
+     * read through from its start.
      * @return false with the reason in error().
      */
     bool seek(int64_t target_us, AccessUnit *unit);
@@ -107,7 +107,7 @@ public:
     /** Make open() and read() return soon, now and in future. */
     void interrupt() { source_.interrupt(); }
 
-    /** True for a network address: units come when they come, and the line may break. */
+    /** True for a network address: units come in real time, and the connection may break. */
     bool live() const { return source_.live(); }
 
     /** Units that a decoder holds back before it shows the first; known once a unit was read. */

@@ -1,4 +1,4 @@
-/* kept_out.h - whether the library refuses a camera's frames because something else has the screen. */
+/* kept_out.h - tells whether the library refuses a camera's frames because something else has the screen. */
 #pragma once
 
 #include <atomic>
@@ -19,7 +19,7 @@ inline bool is_kept_out_by_zoom(int channel)
     return shared_word(vo_for_ezoom) == 1 && shared_word(zoom_channel) != static_cast<uint32_t>(channel);
 }
 
-/** The screen belongs to recordings, or to another camera's zoom: refusals are as they should be. */
+/** Whether recordings or the zoom of another camera have the screen: then refusals are no fault. */
 inline bool is_kept_out(int channel)
 {
     return shared_word(playback_status) == 1 || is_kept_out_by_zoom(channel);

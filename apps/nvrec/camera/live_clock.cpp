@@ -50,7 +50,9 @@ int64_t DecodingOrder::decoding_time(int64_t pts_us)
     }
     newest_us_ = std::max(pts_us, newest_us_.value_or(pts_us));
     waiting_.insert(std::ranges::upper_bound(waiting_, pts_us), pts_us);
-    /* More are held back than the stream says: this one is due with the one before it. */
+    /*
+     * The stream holds more pictures back than it says: this picture is due together with the one before it.
+     */
     const bool deeper = last_us_ && waiting_.front() < *last_us_;
     if (!deeper || waiting_.size() > 17) {
         last_us_ = std::max(waiting_.front(), last_us_.value_or(waiting_.front()));
@@ -76,8 +78,8 @@ void LiveClock::begin(const std::vector<Arrived> &first)
     last_pts_us_ = before_us;
 }
 
-/* A session's first picture comes without a time: it is shown one picture before all others. The result
- * is that of the picture before it. */
+/* The first picture of a session comes without a time, and is shown one picture before all others. The
+ * result is the time of the picture before that one. */
 int64_t LiveClock::first_pts_of(const std::vector<Arrived> &first) const
 {
     int64_t earliest_us = INT64_MAX;
@@ -135,7 +137,10 @@ int64_t LiveClock::place(int64_t camera_us, int64_t arrived_us)
     } else if (step_us - (arrived_us - last_arrived_us_) > kAgree_us) {
         return jump(camera_us, arrived_us); /* set forward */
     } else {
-        /* What it was compared with had come late itself: distances are halved until they agree. */
+        /*
+         * The pictures that it is compared with had come late themselves: distances are halved until they
+         * agree.
+         */
         *add_us_ -= std::clamp<int64_t>(step_us / 2, 0, -late_us);
     }
     return camera_us + *add_us_;
@@ -151,7 +156,7 @@ int64_t LiveClock::jump(int64_t camera_us, int64_t arrived_us)
     return camera_us + *add_us_;
 }
 
-/* Pictures that waited on the line come faster than they were taken; those of a camera that stood still
+/* Pictures that waited on the connection come faster than they were taken; those of a camera that stalled
  * do not. Another stall while they are late says nothing. */
 bool LiveClock::camera_stood_still(int64_t camera_us, int64_t arrived_us)
 {

@@ -1,21 +1,22 @@
 /*
  * live_clock.h - when the pictures of a network camera were taken, by the recorder's own clock.
  *
- * A camera's time stamps tell the distances between its pictures better than their arrival does, and
- * nothing else: they begin anywhere, run a little fast or slow, and jump when the camera's clock is set
- * or its stream begins anew. So the clock keeps one number, what is to be added to a stamp of the camera
- * to get the recorder's monotonic time, and compares every picture with its arrival:
+ * A camera's time stamps tell the distances between its pictures better than their arrival does. They tell
+ * nothing else: they begin anywhere, run a little fast or slow, and jump when the camera's clock is set or
+ * its stream begins anew. So the clock keeps one number, which is added to a stamp of the camera to get the
+ * recorder's monotonic time, and compares that time of every picture with its arrival:
  *
  *   within 200 ms     the camera's distance holds. The number follows the earliest arrivals, by half a
  *                     percent at most, so that a camera's clock that runs fast or slow is followed and
  *                     jitter is not.
- *   late              the line stood still and the picture waited: it keeps its time, and the number is
- *                     left alone. When those behind it do not catch up, the camera itself stood still,
- *                     and its pictures' time is that of their arrival.
- *   early, or back    the camera's clock was set: its pictures' time is that of their arrival.
+ *   late              the connection stalled and the picture waited: it keeps its time, and the number
+ *                     stays as it is. When the pictures after it do not catch up, it was the camera that
+ *                     stalled, and its pictures get the times at which they arrive.
+ *   early, or back    the camera's clock was set: its pictures get the times at which they arrive.
  *
- * Decoding times are made of the presentation times, since RTSP carries no others: a picture is decoded
- * when the earliest of those is shown that are held back with it.
+ * RTSP carries presentation times only, so decoding times are computed from them. A decoder holds some
+ * pictures back to reorder them; the decoding time of a picture is the earliest presentation time among those
+ * that are held back when it comes, its own included.
  *
  * All times are microseconds. Threads: the one that reads the input.
  */
@@ -66,8 +67,8 @@ public:
     void set_stream(double frame_rate, int held_back) { order_.set_stream(frame_rate, held_back); }
 
     /**
-     * The line was opened. The packets that came until the reader had to wait for one tell when the
-     * first one was taken: all others have waited somewhere.
+     * The connection was opened. `first` are the packets up to the first one that the reader had to wait for.
+     * The one with the least delay tells when the first one was taken; all others have waited somewhere.
      */
     void begin(const std::vector<Arrived> &first);
 

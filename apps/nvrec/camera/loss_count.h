@@ -1,6 +1,6 @@
 /*
- * loss_count.h - packets that a network camera sent and that did not come. libavformat knows it from
- * their sequence numbers and tells nobody but its log, so its log is listened to.
+ * loss_count.h - counts the packets that a network camera sent and that did not come. libavformat sees them
+ * by their sequence numbers and writes them only into its log, so the log is read here.
  *
  * Included by packet_source*.cpp alone. Threads: any.
  */
@@ -13,7 +13,7 @@ namespace nvrec
 
 class PacketSource;
 
-/** Have the losses of a format that is about to be opened counted by its source. */
+/** From now on, count the lost packets of a format, which is about to be opened, in its source. */
 void count_losses(AVFormatContext *format, PacketSource *source);
 
 } // namespace nvrec

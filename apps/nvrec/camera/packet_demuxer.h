@@ -20,7 +20,7 @@ struct PacketRelease {
 };
 using Packet = std::unique_ptr<AVPacket, PacketRelease>;
 
-/* A packet, and when it came off the line; of a file, never. */
+/* A packet, and when it arrived, which only packets of a network camera have. */
 struct TimedPacket {
     Packet packet;
     Clock::time_point at;

@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "camera/line_reader.h"
+#include "camera/connection_reader.h"
 #include "camera/packet_demuxer.h"
 
 namespace nvrec
@@ -34,7 +34,7 @@ std::optional<int64_t> time_of(const AVPacket &packet, const AVStream &stream)
 /* Read one packet: sound is decoded, video joins what is ahead. @return what libavformat says. */
 int PacketSource::read_packet()
 {
-    if (line_) return read_line();
+    if (connection_) return read_connection();
     Packet packet(av_packet_alloc());
     if (!packet) return AVERROR(ENOMEM);
     give_up_at_ = Clock::now() + kReadLimit;
@@ -44,10 +44,10 @@ int PacketSource::read_packet()
     return 0;
 }
 
-int PacketSource::read_line()
+int PacketSource::read_connection()
 {
-    LineReader::Arrival arrival;
-    const int code = line_->take(&arrival);
+    ConnectionReader::Arrival arrival;
+    const int code = connection_->take(&arrival);
     if (code == 0) sort({std::move(arrival.packet), arrival.at});
     return code;
 }
@@ -69,7 +69,7 @@ void PacketSource::keep_sound(const AVPacket &packet)
     constexpr size_t kMostKept = 4096; /* of an input whose pictures never come */
     if (packet.pts == AV_NOPTS_VALUE || packet.size <= 0 || sound_packets_.size() >= kMostKept) return;
     if ((packet.flags & AV_PKT_FLAG_DISCARD) != 0) return; /* before the beginning that the file names */
-    if (!line_) note_sound_codec(); /* a line's reader may change the stream meanwhile */
+    if (!connection_) note_sound_codec(); /* the connection's reader may change the stream meanwhile */
     const AVRational base = demuxer_->sound_time_base;
     SoundPacket kept;
     kept.bytes.assign(packet.data, packet.data + packet.size);
@@ -100,20 +100,20 @@ void PacketSource::note_sound_codec()
 std::vector<LiveClock::Arrived> PacketSource::catch_up()
 {
     std::vector<LiveClock::Arrived> first;
-    if (!line_) return first;
+    if (!connection_) return first;
     const Clock::time_point begun = Clock::now();
-    LineReader::Arrival arrival;
-    bool empty = false; /* the line */
+    ConnectionReader::Arrival arrival;
+    bool empty = false; /* nothing waits on the connection */
     while (!empty && Clock::now() - begun < kCatchUpLimit && !interrupted()) {
-        const int code = line_->take(&arrival);
+        const int code = connection_->take(&arrival);
         if (code < 0) {
-            demuxer_->ahead_end = code; /* next() says so behind what came before */
+            demuxer_->ahead_end = code; /* next() reports it after the packets that came before */
             break;
         }
         const AVPacket &packet = *arrival.packet;
         const AVStream &stream = *demuxer_->stream;
         if (packet.stream_index == stream.index && packet.size > 0) {
-            /* A first picture without a time has it from those behind it. */
+            /* If the first picture has no time, it is computed from the pictures behind it. */
             const bool tells =
                 packet.pts != AV_NOPTS_VALUE && first.size() > static_cast<size_t>(held_back_) + 1;
             empty = arrival.waited_for && (tells || (!first.empty() && first.front().times.pts_us));
@@ -127,7 +127,7 @@ std::vector<LiveClock::Arrived> PacketSource::catch_up()
     return first;
 }
 
-/* Whether the first packet ahead may go, with all sound that belongs before it in hand. */
+/* Whether the first packet ahead may be handed out: all sound that belongs before it has been read. */
 bool PacketSource::first_is_ready() const
 {
     const std::deque<TimedPacket> &ahead = demuxer_->ahead;
@@ -164,7 +164,7 @@ PacketSource::Read PacketSource::next()
         }
         const int end = std::exchange(demuxer_->ahead_end, 0);
         if (end != AVERROR_EOF) {
-            const bool silent = line_ ? line_->was_silent() : Clock::now() > give_up_at_.load();
+            const bool silent = connection_ ? connection_->was_silent() : Clock::now() > give_up_at_.load();
             silent ? fail("no picture came for ten seconds") : fail("reading", end);
             return Read::kFailed;
         }
@@ -268,7 +268,7 @@ bool PacketSource::to_key_before(int64_t pts_us, const char *failure)
     return true;
 }
 
-/* What the filter holds belongs to where the file was read last. */
+/* The filter still holds packets from the place that the file was read at before. */
 void PacketSource::forget_position()
 {
     if (demuxer_->sound) demuxer_->sound->forget();

@@ -5,8 +5,8 @@
  *   address -> demuxer -> packets ahead -> bit-stream filter -> one unit a packet, in Annex B form
  *                   \--> SoundTrack
  *
- * A network camera is read by a thread of its own, see line_reader.h. Files have their sound a little further
- * on than the pictures it belongs to, so pictures are read ahead until it is there.
+ * A network camera is read by a thread of its own, see connection_reader.h. In files, sound lies a little
+ * behind the pictures that it belongs to, so pictures are read ahead until their sound is there.
  *
  * Threads: one thread reads; interrupt() may come from any.
  */
@@ -68,12 +68,12 @@ public:
     size_t size() const;
     bool is_key() const;
     UnitClock::PacketTimes times() const;
-    /** When it came off the line. Network cameras only. */
+    /** When it arrived. Network cameras only. */
     Clock::time_point arrived_at() const { return unit_arrived_at_; }
 
     /**
-     * After open(), of a network camera: take what has come until the line is empty, at most half a
-     * second. next() delivers it. @return its pictures' times
+     * After open(), of a network camera: take the packets that already wait on the connection, for at most
+     * half a second. next() delivers them. @return the times of the pictures among them
      */
     std::vector<LiveClock::Arrived> catch_up();
 
@@ -82,14 +82,14 @@ public:
         std::function<void(Clock::time_point at, size_t bytes, bool key, std::optional<int64_t> camera_us)>;
     void watch_arrivals(ArrivalWatch watch) { watch_ = std::move(watch); }
 
-    /** Packets of the line that are known not to have come, since the last call. Any thread. */
+    /** Packets of the connection that are known to be lost, since the last call. Any thread. */
     uint64_t take_missed() { return missed_.exchange(0, std::memory_order_relaxed); }
     void add_missed(uint64_t packets) { missed_.fetch_add(packets, std::memory_order_relaxed); }
 
     /** The sound packets read since the last call, if sound was wanted; times of the stream's own clock. */
     std::vector<SoundPacket> take_sound_packets() { return std::exchange(sound_packets_, {}); }
 
-    /** Let the unit at hand go. */
+    /** Release the unit at hand. */
     void release();
 
     /**
@@ -128,15 +128,15 @@ public:
 
 private:
     struct Demuxer;
-    class LineReader;
+    class ConnectionReader;
     bool open_stream(bool with_sound);
-    int open_line();
+    int open_address();
     int open_format(Transport transport);
     std::string reason_of(int av_code) const;
     bool choose_filter(const AVCodecParameters *parameters);
     bool open_parser(const AVCodecParameters *parameters);
     int read_packet();
-    int read_line();
+    int read_connection();
     void start_reading();
     void sort(TimedPacket packet);
     void keep_sound(const AVPacket &packet);
@@ -156,7 +156,7 @@ private:
     bool hanging_up_ = false;                   /* while no other thread reads */
     std::atomic<Clock::time_point> give_up_at_; /* of the blocking call under way */
     std::unique_ptr<Demuxer> demuxer_;
-    std::unique_ptr<LineReader> line_; /* of a network camera; it reads from the demuxer */
+    std::unique_ptr<ConnectionReader> connection_; /* of a network camera; it reads from the demuxer */
     ArrivalWatch watch_;
     Clock::time_point unit_arrived_at_;
     std::vector<SoundPacket> sound_packets_;

@@ -5,7 +5,7 @@
 #include <netdb.h>
 
 #include "camera/address.h"
-#include "camera/line_reader.h"
+#include "camera/connection_reader.h"
 #include "camera/loss_count.h"
 #include "camera/packet_demuxer.h"
 
@@ -26,7 +26,7 @@ bool is_of_transport(int av_code)
            av_code == AVERROR_HTTP_SERVER_ERROR;
 }
 
-/* Why a host's name leads nowhere; empty = it does not. */
+/* Why a host's name cannot be resolved; empty = it can. */
 std::string name_problem(const std::string &host)
 {
     addrinfo *found = nullptr;
@@ -89,7 +89,7 @@ bool PacketSource::open(std::chrono::milliseconds limit, bool with_sound)
 
 void PacketSource::close()
 {
-    line_.reset();
+    connection_.reset();
     give_up_at_ = Clock::now() + kGoodbyeLimit;
     hanging_up_ = true;
     demuxer_.reset();
@@ -101,18 +101,19 @@ void PacketSource::close()
 void PacketSource::start_reading()
 {
     const AVStream *stream = demuxer_->stream;
-    line_ = std::make_unique<LineReader>(*this, [this, stream](const LineReader::Arrival &arrival) {
-        const AVPacket &packet = *arrival.packet;
-        if (!watch_ || packet.stream_index != stream->index || packet.size <= 0) return;
-        std::optional<int64_t> camera_us;
-        if (packet.pts != AV_NOPTS_VALUE)
-            camera_us = av_rescale_q(packet.pts, stream->time_base, AVRational{1, 1'000'000});
-        watch_(arrival.at, static_cast<size_t>(packet.size), (packet.flags & AV_PKT_FLAG_KEY) != 0,
-               camera_us);
-    });
+    connection_ =
+        std::make_unique<ConnectionReader>(*this, [this, stream](const ConnectionReader::Arrival &arrival) {
+            const AVPacket &packet = *arrival.packet;
+            if (!watch_ || packet.stream_index != stream->index || packet.size <= 0) return;
+            std::optional<int64_t> camera_us;
+            if (packet.pts != AV_NOPTS_VALUE)
+                camera_us = av_rescale_q(packet.pts, stream->time_base, AVRational{1, 1'000'000});
+            watch_(arrival.at, static_cast<size_t>(packet.size), (packet.flags & AV_PKT_FLAG_KEY) != 0,
+                   camera_us);
+        });
 }
 
-/* What libavformat says, or what is behind it. */
+/* The text of libavformat's error, or the reason behind the error. */
 std::string PacketSource::reason_of(int av_code) const
 {
     std::string reason = text_of(av_code);
@@ -125,8 +126,11 @@ std::string PacketSource::reason_of(int av_code) const
     return "cannot open: " + reason;
 }
 
-/* Open the file; or the line, over what the user says, or what worked before, or TCP, or else UDP. */
-int PacketSource::open_line()
+/*
+ * Open the file, or connect: over the transport that the user names, or the one that worked before, or TCP,
+ * or else UDP.
+ */
+int PacketSource::open_address()
 {
     if (!live_) return open_format(Transport::kTcp);
     const bool chosen = transport_ != Transport::kAuto;
@@ -161,7 +165,7 @@ bool PacketSource::open_stream(bool with_sound)
 {
     demuxer_ = std::make_unique<Demuxer>();
     if (!demuxer_->packet) return fail("out of memory");
-    int code = open_line();
+    int code = open_address();
     if (code < 0) return fail(reason_of(code));
     AVFormatContext *format = demuxer_->format;
 

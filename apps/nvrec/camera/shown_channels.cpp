@@ -33,7 +33,7 @@ void open_library_mask()
     std::atomic_ref<uint8_t>(cur_display_chnn).store(kAllShown, std::memory_order_relaxed);
 }
 
-/* A snapshot of a hidden camera is taken from its decoder, and playback refuses what it must by itself. */
+/* A snapshot needs the decoder of a hidden camera, and during playback the library refuses frames itself. */
 bool is_held_back(int channel)
 {
     if (read_shared(cur_display_chnn) != kAllShown || read_shared(playback_status) == 1) return false;

@@ -17,10 +17,12 @@ namespace nvrec
 /** Bit n = channel n has a pane in the layout that is applied next. Before ext_change_display_format. */
 void note_shown_channels(uint32_t channels);
 
-/** Behind a layout that succeeded: make the library show those channels that have no bit in its mask. */
+/** After a layout that succeeded: make the library show the channels that have no bit in its mask. */
 void open_library_mask();
 
-/** Whether a channel's frame is to be kept from the library, which would decode it for nobody. */
+/**
+ * Whether a channel's frame is to be kept from the library, which would decode it although it is not shown.
+ */
 bool is_held_back(int channel);
 
 /** Whether a channel's frame that the library accepts reaches a decoder: during a layout it need not. */

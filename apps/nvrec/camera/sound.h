@@ -50,14 +50,14 @@ public:
     /** Decode a packet and keep its samples. A damaged packet is a gap. */
     void decode(const AVPacket &packet);
 
-    /** The input goes on at another place: what is not a whole block yet does not belong to it. */
+    /** The input goes on at another place: drop the samples that are not a whole block yet. */
     void forget();
 
     /** The end of what was decoded since open or forget(), on the stream's own clock; INT64_MIN = nothing
      * was. */
     int64_t read_until_us() const;
 
-    /** Hand out the whole blocks so far; times as the stream's own clock tells them. */
+    /** Hand out the whole blocks so far, with times on the stream's own clock. */
     std::vector<SoundBlock> take();
 
 private:

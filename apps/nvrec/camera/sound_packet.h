@@ -1,6 +1,6 @@
 /*
- * sound_packet.h - a camera's sound as the camera sends it, for recordings. What the library and the
- * loudspeaker take is made of the same packets, see sound.h.
+ * sound_packet.h - a camera's sound as the camera sends it, for recordings. The library and the loudspeaker
+ * take A-law that is made of the same packets, see sound.h.
  */
 #pragma once
 

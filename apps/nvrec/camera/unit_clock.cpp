@@ -67,7 +67,10 @@ UnitClock::Stamp UnitClock::stamp(const PacketTimes &times)
         since_start_us = *times.dts_us - *first_dts_us_ + joined_us_;
         if (times.pts_us) pts_offset_us = times.pts_behind_dts_us;
     } else if (times.pts_us) {
-        /* Some files say only when a unit is shown; it is decoded as much earlier as units are held back. */
+        /*
+         * Some files tell only when a unit is shown. It is decoded earlier by as many frames as the decoder
+         * holds back.
+         */
         const int64_t held_back_us = std::llround(held_back_ * 1e6 / frame_rate_);
         if (!first_dts_us_) first_dts_us_ = *times.pts_us - held_back_us - by_count;
         if (times.key) since_start_us = *times.pts_us - held_back_us - *first_dts_us_;

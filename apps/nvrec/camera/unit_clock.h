@@ -3,9 +3,9 @@
  * microseconds from the input's first unit on.
  *
  * Containers say so by their time stamps, which begin anywhere; a bare stream carries none and runs
- * at its frame rate. A pass is what is read between two beginnings: of a file that is begun again, or
- * of a line that was opened again. Due times go on from pass to pass and never fall back. Where the
- * stamps of one pass fall back by more than a second, files were joined: time goes on one frame later.
+ * at its frame rate. A pass is what is read between two beginnings: of a file that is begun again, or of a
+ * connection that was opened again. Due times go on from pass to pass and never fall back. Where the stamps
+ * of one pass fall back by more than a second, files were joined: time goes on one frame later.
  *
  * Threads: the one that reads the input.
  */
@@ -26,7 +26,7 @@ public:
         std::optional<int64_t> dts_us;
         int64_t pts_behind_dts_us = 0; /* when both are there; rounded by itself */
         bool key = false;
-        bool before_start = false; /* only decoded for those behind it: an edit list begins later */
+        bool before_start = false; /* only decoded for later ones, not shown: an edit list begins later */
     };
 
     struct Stamp {
@@ -37,7 +37,7 @@ public:
     /** Frames a second, and how many units the decoder holds back before it shows the first. */
     void set_stream(double frame_rate, int held_back);
 
-    /** Stamps that jump forward are those of another file, joined to this one: of transport streams. */
+    /** For transport streams: take stamps that jump forward for those of another file, joined to this one. */
     void set_may_be_joined(bool may_be) { may_be_joined_ = may_be; }
 
     /** The first pass; or another one after so long. */
@@ -47,7 +47,7 @@ public:
     /** Another pass of the same file, one frame behind the last unit. */
     void begin_again();
 
-    /** From now on times are places in the file; what is read next has this number in it. */
+    /** From now on times are places in the file; the next unit has this number in the file. */
     void go_to_places()
     {
         pass_start_us_ = last_due_us_ = joined_us_ = 0;

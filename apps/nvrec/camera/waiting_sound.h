@@ -1,8 +1,9 @@
 /*
- * waiting_sound.h - sound that was read and is not taken yet, in the time of the pictures.
+ * waiting_sound.h - keeps sound that was read and not taken yet, with times on the pictures' clock.
  *
- * A camera's clock that is set is noticed with its next picture: the sound until then comes with times that
- * are hours off. It is left out, so that it neither waits for hours nor keeps what comes behind it waiting.
+ * When a camera's clock is set, the recorder notices it with the next picture only. Sound that comes before
+ * that picture has times that may be hours off. It is left out, since it would wait for hours and hold up the
+ * sound behind it.
  *
  * Threads: the one that reads the input.
  */
@@ -18,7 +19,10 @@
 namespace nvrec
 {
 
-/** Due times of the last two pictures of a network camera, in microseconds: its sound is near them. */
+/**
+ * Due times of the last two pictures of a network camera, in microseconds. Sound that is far from both has a
+ * wrong time.
+ */
 struct SoundPlace {
     static constexpr int64_t kFarthest_us = 5'000'000; /* jitter, and cameras whose sound has another clock */
 
@@ -41,7 +45,7 @@ public:
             sound.pts_us += offset_us;
             if (sound.pts_us < 0 || (place && !place->is_near(sound.pts_us))) continue;
             while (place && !waiting_.empty() && waiting_.back().pts_us > sound.pts_us)
-                waiting_.pop_back(); /* of a time that has not come */
+                waiting_.pop_back(); /* its time is too late */
             waiting_.push_back(std::move(sound));
         }
     }

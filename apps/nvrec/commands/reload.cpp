@@ -15,8 +15,8 @@ namespace nvrec
 namespace
 {
 
-/* Whether the one camera is reached, and sends, as the other does. */
-bool is_same_line(const config::Camera &one, const config::Camera &other)
+/* Whether the cameras differ in plan and aspect at most: then neither has to be connected anew. */
+bool is_same_connection(const config::Camera &one, const config::Camera &other)
 {
     config::Camera like = other;
     like.plan = one.plan;
@@ -156,7 +156,7 @@ void Reload::change(int channel, const config::Camera &to)
     config::Camera &from = channels_[static_cast<size_t>(channel)];
     if (from.same_as(to)) return;
     const std::string name = "camera \"" + to.name + "\"";
-    if (!is_same_line(from, to)) {
+    if (!is_same_connection(from, to)) {
         wall_->change_camera(channel, source_of(to));
         tell(name + ": connected anew");
     }

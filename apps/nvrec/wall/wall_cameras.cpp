@@ -1,4 +1,4 @@
-/* wall_cameras.cpp - see wall.h: cameras that are opened, come late, are changed and stopped. */
+/* wall_cameras.cpp - see wall.h: opening cameras, also late ones, changing and stopping them. */
 #include <algorithm>
 #include <utility>
 
@@ -19,9 +19,9 @@ constexpr auto kDrain = std::chrono::seconds(3);      /* for what decoders still
 } // namespace
 
 /*
- * All at once, files to the end. Network cameras have three seconds from the first that answers, or five
- * when none does; then the wall stands, shows who is missing, and every camera joins when it comes.
- * False when there is nothing to wait for.
+ * Open all inputs at once. Files are waited for until they are open. Network cameras have three seconds from
+ * the first that answers, or five if none does. Then the wall begins and shows which cameras are missing;
+ * each of them joins when it answers. False when there is nothing to wait for.
  */
 bool Wall::open_inputs()
 {
@@ -49,7 +49,7 @@ bool Wall::open_inputs()
     return false;
 }
 
-/* Those that could be opened, and those that could not, which is said. */
+/* Take in the cameras that could be opened, and report those that could not. */
 std::vector<Feeder *> Wall::finished_openings()
 {
     std::vector<Feeder *> finished = openings_.take_finished();
@@ -81,7 +81,10 @@ void Wall::make_decoder(Feeder &camera)
     terminal_.error(camera.label() + ": its first frame was refused");
 }
 
-/* Its thread may be waiting for a name or a line: the main one does not wait for that. */
+/*
+ * The camera's thread may be waiting for its host's name to be resolved or for a connection; the main thread
+ * does not wait for that.
+ */
 void Wall::change_camera(int channel, const CameraSource &source)
 {
     const auto index = static_cast<size_t>(channel);
@@ -153,7 +156,7 @@ void Wall::start_feeding(Feeder &camera)
     camera.start(std::move(events));
 }
 
-/* What the inputs sent is to be seen on the last picture, to the last frame when they ran to their end. */
+/* The last picture is to show what the inputs sent, up to the last frame when they ran to their end. */
 void Wall::wait_for_decoders()
 {
     for (const auto &feeder : feeders_) {

@@ -1,4 +1,4 @@
-/* feeder_line.h - a network camera in software, and what a feeder makes of it. */
+/* feeder_connection.h - a network camera in software, and what a feeder makes of it. */
 #pragma once
 
 #include <chrono>
@@ -22,7 +22,7 @@ namespace nvrec
 {
 
 /* A camera of 60 pictures at 30 a second, and what a feeder makes of it. */
-class NvrecFeederLine : public testing::Test
+class NvrecFeederConnection : public testing::Test
 {
 protected:
     void serve(std::vector<std::string> options, const std::string &file = "h264.mp4",

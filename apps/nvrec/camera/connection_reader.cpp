@@ -1,5 +1,5 @@
-/* line_reader.cpp - see line_reader.h. */
-#include "camera/line_reader.h"
+/* connection_reader.cpp - see connection_reader.h. */
+#include "camera/connection_reader.h"
 
 #include <utility>
 
@@ -8,18 +8,19 @@ namespace nvrec
 namespace
 {
 
-constexpr auto kSilentLimit = std::chrono::seconds(10); /* without a picture, a line counts as broken */
-constexpr auto kWaited = std::chrono::milliseconds(2);  /* a read that took so long found the line empty */
+constexpr auto kSilentLimit = std::chrono::seconds(10); /* without a picture, a connection is broken */
+constexpr auto kWaited = std::chrono::milliseconds(2);  /* a read that took so long found nothing waiting */
 constexpr size_t kMostWaiting_bytes = size_t{32} << 20;
 
 } // namespace
 
-PacketSource::LineReader::LineReader(PacketSource &source, std::function<void(const Arrival &)> came)
+PacketSource::ConnectionReader::ConnectionReader(PacketSource &source,
+                                                 std::function<void(const Arrival &)> came)
     : source_(source), came_(std::move(came)), thread_([this] { run(); })
 {
 }
 
-PacketSource::LineReader::~LineReader()
+PacketSource::ConnectionReader::~ConnectionReader()
 {
     source_.closing_.store(true, std::memory_order_relaxed);
     {
@@ -31,7 +32,7 @@ PacketSource::LineReader::~LineReader()
     source_.closing_.store(false, std::memory_order_relaxed);
 }
 
-void PacketSource::LineReader::run()
+void PacketSource::ConnectionReader::run()
 {
     int code = 0;
     bool gave_up = false;
@@ -45,7 +46,7 @@ void PacketSource::LineReader::run()
         code =
             arrival.packet ? av_read_frame(source_.demuxer_->format, arrival.packet.get()) : AVERROR(ENOMEM);
         const Clock::time_point ended = Clock::now();
-        /* A parser lets its last picture go when the line is given up: that is no sign of life. */
+        /* A parser gives its last picture out when the connection is given up: that is no sign of life. */
         gave_up = gave_up || ended > source_.give_up_at_.load();
         arrival.at = gave_up ? last : ended;
         arrival.waited_for = !gave_up && ended - begun >= kWaited;
@@ -63,13 +64,13 @@ void PacketSource::LineReader::run()
             waiting_.push_back(std::move(arrival));
         }
         changed_.notify();
-        limit_begins |= waiting_bytes_ >= kMostWaiting_bytes; /* the reader of the packets takes its time */
+        limit_begins |= waiting_bytes_ >= kMostWaiting_bytes; /* the thread that takes the packets is slow */
         changed_.wait(guard, [this] { return closing_ || waiting_bytes_ < kMostWaiting_bytes; });
         if (closing_) return;
     }
 }
 
-int PacketSource::LineReader::take(Arrival *arrival)
+int PacketSource::ConnectionReader::take(Arrival *arrival)
 {
     std::unique_lock guard(lock_);
     changed_.wait(guard, [this] { return !waiting_.empty() || end_ != 0; });

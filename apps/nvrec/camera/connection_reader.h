@@ -1,13 +1,14 @@
 /*
- * line_reader.h - takes the packets of a network camera off the line as they come, on a thread of its
- * own, and notes when they came. Who feeds decoders and files may take its time, and the time of a
- * packet's arrival is still true.
+ * connection_reader.h - reads the packets of a network camera from its connection as they come, on a thread
+ * of its own, and notes when each came. So the times of arrival are right even when the thread that feeds
+ * decoders and files is slow to take the packets.
  *
- *   line -> [ packets with their time of arrival ] -> packet source
+ *   connection -> [ packets with their time of arrival ] -> packet source
  *
- * No more than 32 MB wait. Beyond that the line waits, which over TCP makes the camera wait.
+ * No more than 32 MB wait here. Beyond that nothing is read from the connection, which over TCP makes the
+ * camera wait.
  *
- * A line that has brought no picture for ten seconds is given up, even if sound still comes over it.
+ * A connection that has brought no picture for ten seconds is given up, even if sound still comes over it.
  *
  * Included by packet_source*.cpp alone. Threads: start(), take() and stop() from one.
  */
@@ -25,20 +26,20 @@
 namespace nvrec
 {
 
-class PacketSource::LineReader
+class PacketSource::ConnectionReader
 {
 public:
     struct Arrival {
         Packet packet;
         Clock::time_point at;
-        bool waited_for = false; /* the line was empty: it came just then */
+        bool waited_for = false; /* nothing else was waiting: it came just then */
     };
 
     /** @param came  told of every packet of pictures when it comes, on the reader's thread */
-    LineReader(PacketSource &source, std::function<void(const Arrival &)> came);
-    ~LineReader();
-    LineReader(const LineReader &) = delete;
-    LineReader &operator=(const LineReader &) = delete;
+    ConnectionReader(PacketSource &source, std::function<void(const Arrival &)> came);
+    ~ConnectionReader();
+    ConnectionReader(const ConnectionReader &) = delete;
+    ConnectionReader &operator=(const ConnectionReader &) = delete;
 
     /**
      * The next packet, of any stream.
@@ -46,7 +47,7 @@ public:
      */
     int take(Arrival *arrival);
 
-    /** How the line ended is a matter of silence. Once take() has failed. */
+    /** Whether the connection was given up because no picture came. Once take() has failed. */
     bool was_silent() const { return silent_; }
 
 private:
