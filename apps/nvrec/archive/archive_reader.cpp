@@ -16,7 +16,9 @@ namespace nvrec
 namespace
 {
 
-/* Two files of one camera may overlap by the pictures that a decoder held back; the later one counts. */
+/*
+ * Two files of one camera may overlap by the pictures that a decoder held back; then the later file counts.
+ */
 constexpr int64_t kLongestFile_us = int64_t(7) * 24 * 3600 * 1'000'000;
 
 char lower(char letter)
@@ -126,8 +128,8 @@ Place find_place(Index &index, const IndexQuery &query, int64_t at_us)
     at.span = {at_us, at_us + 1};
     const std::vector<GapRow> gaps = index.gaps(at);
     if (!gaps.empty()) place.gap = gaps.front();
-    /* The last file that began by then; an earlier one that reaches further is of another camera of
-     * that name. */
+    /* The last file that began by then. An earlier file that lasts longer belongs to another camera of the
+     * same name. */
     place.before = index.segment_before(query, at_us + 1);
     if (place.before && place.before->to_us <= at_us && at_us - place.before->from_us < kLongestFile_us) {
         const std::vector<SegmentRow> around = index.segments(at, 1);

@@ -1,9 +1,10 @@
 /*
- * archive_reader.h - a directory of recordings, opened by whoever looks for something in it while a
- * recorder may be at work there.
+ * archive_reader.h - opens a directory of recordings to look for something in it, while a recorder may be at
+ * work there.
  *
- * Where one is that keeps the index up, that is believed; otherwise files that the index does not know
- * are taken in first. A directory that cannot be written is read with an index in memory.
+ * When a recorder is at work and keeps the index file up to date, the index is used as it is. Otherwise the
+ * files that the index does not know are taken in first. When the directory cannot be written, an index in
+ * memory is used instead of the file.
  *
  * Threads: one at a time.
  */
@@ -30,8 +31,8 @@ struct Archive {
 std::string open_archive(const std::string &directory, Archive *archive);
 
 /**
- * The cameras that a user means by a name or a channel number; a name counts first, and empty means
- * all. @param problem  when there are none: the nearest known name is in it
+ * The cameras that a user means by a name or a channel number. A name is looked for first; an empty text
+ * means all cameras. @param problem  why there are none, with the nearest known name
  */
 std::vector<CameraRow> cameras_named(Index &index, const std::string &text, std::string *problem);
 

@@ -20,7 +20,9 @@ constexpr int64_t kSoundLate_us = 3'000'000;
 /* Files of one run overlap by less, the pictures that a decoder held back: more is a clock set back. */
 constexpr int64_t kOverlap_us = 2'000'000;
 
-/* Each with what follows it in time. Where a time was recorded twice there are two runs and more. */
+/*
+ * Put each segment behind the one that it follows in time. A time that was recorded twice makes a second run.
+ */
 std::vector<std::vector<SegmentRow>> in_runs(const std::vector<SegmentRow> &segments)
 {
     std::vector<std::vector<SegmentRow>> runs;
@@ -96,7 +98,10 @@ private:
         if (!source.error().empty()) result_.unreadable.push_back(segment.path + ": " + source.error());
     }
 
-    /* Behind a picture at or after the end there may be earlier ones, up to the next key frame. */
+    /*
+     * Pictures are in decoding order: after one that lies behind the end, earlier ones may come up to the
+     * next key frame.
+     */
     bool is_over(const ClipPacket &picture) const
     {
         return (picture.key && picture.wall_us >= options_.span.to_us) ||
@@ -160,7 +165,7 @@ private:
         if (result_.problem.empty()) result_.problem = result_.files.back().path + ": " + output_->error();
     }
 
-    /* What of the span no picture covers. */
+    /* Note the parts of the span that no picture covers. */
     void tell_gaps()
     {
         std::ranges::sort(held_, {}, &TimeSpan::from_us);

@@ -4,14 +4,15 @@
  *   files of the index -> demuxer -> packets from the key frame before `from` to the last picture
  *   before `to` -> muxer -> clip.mp4 (or .mkv)
  *
- * A clip's time is the time of day from its first picture on: where nothing was recorded, the last
- * picture stands that long. Without `exact` it begins at a key frame and ends before one, so that it
- * holds all of the span and a little more; with it, an edit list in the MP4 file tells players to
- * show the span alone, to the millisecond. Sound is copied as it was recorded; of A-law, gaps are filled
- * with silence, since a file has no other way to say that such sound pauses.
+ * A clip runs by the time of day from its first picture on: while nothing was recorded, its last picture
+ * stays. Without `exact` it begins at a key frame and ends before one, so that it holds all of the span and a
+ * little more; with it, an edit list in the MP4 file tells players to show the span alone, to the
+ * millisecond. Sound is copied as it was recorded. Gaps in A-law sound are filled with silence, since a file
+ * has no other way to say that such sound pauses.
  *
- * Where the codec, the picture size or the parameter sets change, a file cannot go on: the next one
- * is clip-2.mp4. So is what was recorded when a clock that had been set back came by a time again.
+ * A file ends where the codec, the picture size or the parameter sets change, and the rest goes into
+ * clip-2.mp4, clip-3.mp4 and so on. When the recorder's clock was set back, a part of the time was recorded
+ * twice: what was recorded the second time goes into a further file, too.
  *
  * Threads: any one.
  */
@@ -50,7 +51,7 @@ struct ClipResult {
 /** What a clip may be called; empty = that is fine. */
 std::string clip_path_problem(const std::string &path, bool exact);
 
-/** @param segments  of one camera and stream, those that reach into the span, in order */
+/** @param segments  of one camera and stream: those that overlap the span, in order */
 ClipResult write_clip(const std::vector<SegmentRow> &segments, const ClipOptions &options);
 
 } // namespace nvrec

@@ -18,7 +18,10 @@ namespace
 constexpr AVRational kClipMicroseconds = {1, 1'000'000};
 constexpr int64_t kSilence_ms = 40; /* a packet of it; shorter pauses are rounding */
 
-/* The byte that is silence, of sound whose samples all last alike; -1 = a file can say that it pauses. */
+/*
+ * The byte that stands for silence in sound whose samples have no times of their own; -1 = the sound has
+ * times, so that a file can leave a gap.
+ */
 int silence_of(const AVCodecParameters &sound)
 {
     switch (sound.codec_id) {
@@ -147,7 +150,7 @@ bool ClipOutput::open(const std::string &path, const ClipSource &source, int64_t
     path_ = path;
     origin_us_ = origin_us;
     const bool mkv = path.ends_with(".mkv");
-    /* What MP4 proper has no place for, the QuickTime kind of it has. */
+    /* G.711 has a place in the QuickTime kind of the format, and none in MP4 proper. */
     const AVOutputFormat *mp4 = av_guess_format("mp4", nullptr, nullptr);
     const bool proper =
         !source.sound() || !mp4 || av_codec_get_tag(mp4->codec_tag, source.sound()->codec_id) != 0;

@@ -1,6 +1,6 @@
 /*
- * clip_files.h - a recording as packets with times of day, and a clip that takes such packets: the
- * two ends of clip.h, through libavformat.
+ * clip_files.h - both ends of clip.h, through libavformat: a source reads a recording as packets with times
+ * of day, and an output writes such packets into a clip.
  *
  * Threads: one.
  */

@@ -1,6 +1,6 @@
 /*
- * database.h - an SQLite database and its statements, so that every handle is given back whatever
- * happens, and a failure is a text.
+ * database.h - an SQLite database and its statements. Every handle is given back whatever happens, and a
+ * failure is told as a text.
  *
  * Threads: one at a time.
  */
@@ -33,7 +33,7 @@ public:
     /** Run a statement that has no rows, and make it ready for other parameters. @return false = failed. */
     bool run();
 
-    /** After next() gave false: it ended, and did not fail. */
+    /** After next() returned false: whether the rows have ended. false = it failed. */
     bool done() const { return done_; }
 
     int64_t number(int column) const;
@@ -58,7 +58,7 @@ public:
     void swap(Database &other);
     bool is_open() const { return handle_ != nullptr; }
 
-    /** Run statements that have no parameters and whose rows nobody wants. */
+    /** Run statements that have no parameters and no rows that are needed. */
     bool run(const char *sql);
 
     /** The one number that a statement gives; `otherwise` when it gives none. */
@@ -71,8 +71,8 @@ public:
     bool damaged() const;
 
     /**
-     * The last call may succeed when it is repeated later: the disk is full or fails, another process
-     * writes. Otherwise it is the statement's own fault.
+     * Whether the last call may succeed when it is repeated later: the disk is full or fails, or another
+     * process writes. Otherwise the statement itself is at fault.
      */
     bool may_pass() const;
 

@@ -1,9 +1,9 @@
 /*
- * directory_lock.h - who records into a directory: locks on two bytes of its file nvrec.lock, which go
- * with the process, however that ends.
+ * directory_lock.h - tells other processes who records into a directory: locks on bytes of its file
+ * nvrec.lock. The system releases them when the process ends, however it ends.
  *
- *   byte 0, and what follows byte 1   a recorder is at work here
- *   byte 1                            and the index file says what it does
+ *   byte 0, bytes 2 and up   a recorder is at work here
+ *   byte 1                   that recorder keeps the index file up to date
  *
  * Threads: one a lock; the questions from any.
  */
@@ -25,20 +25,23 @@ public:
     DirectoryLock(const DirectoryLock &) = delete;
     DirectoryLock &operator=(const DirectoryLock &) = delete;
 
-    /** One recorder a directory. @return empty, or why not. */
+    /** Take the lock; one recorder at a time can have it. @return empty, or why not. */
     std::string take(const std::string &directory);
 
-    /** Whether the index file is kept up from now on; it is at first. Once take() succeeded. */
+    /**
+     * Say whether the index file is kept up to date from now on; after take() it is. Only once take()
+     * succeeded.
+     */
     void set_index_kept_up(bool kept_up);
 
 private:
     int file_ = -1;
 };
 
-/** Whether a recorder, of whichever process, records into a directory now. */
+/** Whether a recorder, in this process or another, records into a directory now. */
 bool is_recorded_into(const std::string &directory);
 
-/** Whether one does, and its index file says what it records. */
+/** Whether a recorder does, and keeps the directory's index file up to date. */
 bool is_index_kept_up(const std::string &directory);
 
 } // namespace nvrec

@@ -1,4 +1,4 @@
-/* edit_list.h - which part of an MP4 file players show, set in a file that is written already. */
+/* edit_list.h - sets which part of an MP4 file players show, in a file that is written already. */
 #pragma once
 
 #include <cstdint>

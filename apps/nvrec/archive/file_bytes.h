@@ -1,4 +1,4 @@
-/* file_bytes.h - reading a file's structure: numbers of the most significant byte first, by position. */
+/* file_bytes.h - reads a file's structure: numbers at given positions, most significant byte first. */
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,7 @@
 namespace nvrec
 {
 
-/** A file that is read here and there. What lies beyond its end is not read. */
+/** A file that is read at any place. Nothing beyond its end is read. */
 class ReadFile
 {
 public:
@@ -33,7 +33,7 @@ public:
     bool is_open() const { return file_ >= 0; }
     int64_t size() const { return size_; }
 
-    /** So many bytes from a place on; fewer where the file ends. */
+    /** Up to so many bytes from a place on; fewer when the file ends before. */
     std::vector<uint8_t> read(int64_t at, size_t count) const
     {
         std::vector<uint8_t> bytes(at >= 0 && at < size_ ? std::min<uint64_t>(count, size_ - at) : 0);
@@ -53,7 +53,7 @@ private:
     int64_t size_ = 0;
 };
 
-/** Bytes in order; beyond their end it reads zeros, and says so. */
+/** Reads bytes in order. Beyond their end it gives zeros, and remembers that. */
 class ByteReader
 {
 public:
@@ -71,7 +71,7 @@ public:
     size_t at() const { return at_; }
     size_t left() const { return at_ < bytes_.size() ? bytes_.size() - at_ : 0; }
 
-    /** The next bytes as a part of their own; fewer where there are fewer. */
+    /** The next bytes as a reader of their own; fewer when fewer are left. */
     std::span<const uint8_t> part(uint64_t count)
     {
         const auto taken = bytes_.subspan(std::min(at_, bytes_.size()), std::min<uint64_t>(count, left()));

@@ -18,7 +18,7 @@ constexpr uint32_t four(const char (&name)[5])
            uint32_t(uint8_t(name[2])) << 8 | uint8_t(name[3]);
 }
 
-/* Heads and fragments' heads; one that claims more is damaged. */
+/* Largest head of a file or fragment; a file that claims more is damaged. */
 constexpr int64_t kLargestHead_bytes = 64 << 20;
 constexpr double kTicksToMicroseconds = 1e6;
 
@@ -81,7 +81,7 @@ void read_track(std::span<const uint8_t> trak, VideoTrack *found)
     if (video && found->number == 0) *found = track;
 }
 
-/* A text of the head: of MP4 in a box of its own, of QuickTime behind its length and language. */
+/* A text of the head. MP4 puts it into a box of its own, QuickTime puts its length and language in front. */
 std::string text_in(std::span<const uint8_t> box)
 {
     constexpr size_t kTextHead = 16; /* of MP4: size, name, type, country */

@@ -28,7 +28,7 @@ struct Element {
     size_t head = 0;   /* bytes of identifier and size */
 };
 
-/* A number whose first byte's leading zeros say how long it is. */
+/* A number whose length is told by the leading zeros of its first byte. */
 std::optional<uint64_t> read_number(ByteReader *reader, size_t longest, bool keep_marker)
 {
     if (reader->left() == 0) return std::nullopt;

@@ -20,8 +20,8 @@ namespace
 constexpr int64_t kVersion = 1;
 constexpr mode_t kIndexMode = 0640;
 
-/* Commits are not synced one by one: at a power failure the last of them may be missing, and the files
- * say it again. What is there is whole. */
+/* Commits are not synced one by one. After a power failure the last ones may be missing, and are made
+ * again from the files; the database itself is whole. */
 constexpr const char *kSettings = "PRAGMA journal_mode = WAL;"
                                   "PRAGMA synchronous = NORMAL;"
                                   "PRAGMA foreign_keys = ON;";
@@ -44,8 +44,9 @@ constexpr const char *kTables =
     "  from_us INTEGER NOT NULL, to_us INTEGER NOT NULL);"
     "PRAGMA user_version = 1;";
 
-/* An empty file of the right mode is an empty database; what SQLite makes beside it has its mode and
- * owner. Root who looks into a directory first leaves no index there that its recorder cannot open. */
+/* An empty file is an empty database, and SQLite gives the files that it makes beside it the same mode and
+ * owner. So when root is the first to look into a directory, the index is made with the directory's owner,
+ * and the recorder can open it. */
 std::string make_file(const std::string &path, const std::string &directory)
 {
     int file = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kIndexMode);
@@ -59,7 +60,7 @@ std::string make_file(const std::string &path, const std::string &directory)
     return {};
 }
 
-/* Events and pins are nowhere else. Of a damaged database, what can be read of them. */
+/* Events and pins exist only in the index: save those that can still be read from a damaged one. */
 struct Irreplaceable {
     std::vector<EventRow> events;
     std::vector<PinRow> pins;
@@ -111,8 +112,8 @@ std::string Index::open(const std::string &directory, OpenedBy user)
     return {};
 }
 
-/* A question that could not be answered, the disk did not answer or another process held it, says
- * nothing of what is in it. */
+/* When a query failed because the disk did not answer or another process held the database, nothing is
+ * known of what is in it. */
 Index::Content Index::look()
 {
     constexpr int64_t kFailed = INT64_MIN;
@@ -174,7 +175,7 @@ int64_t Index::camera_number(int channel, const std::string &name)
     Statement find(database_.handle(), "SELECT id FROM cameras WHERE channel = ? AND name = ?");
     find.bind(0, channel).bind(1, name);
     if (find.next()) return find.number(0);
-    /* Recordings from before the camera had a name are its own. */
+    /* Recordings that the channel made before its camera had a name belong to this camera. */
     Statement name_it(database_.handle(), "UPDATE cameras SET name = ? WHERE channel = ? AND name = ''");
     if (!name.empty() && name_it.bind(0, name).bind(1, channel).run() && database_.changed() > 0)
         return camera_number(channel, name);
@@ -205,7 +206,7 @@ bool Index::put_segment(const SegmentRow &row)
 
 bool Index::grow_segment(const std::string &path, int64_t to_us, int64_t bytes, bool finished)
 {
-    /* A file that is finished may be shorter than it was: what could not be synced was cut off. */
+    /* A finished file may be shorter than before, because what could not be synced was cut off. */
     Statement grow(database_.handle(),
                    finished
                        ? "UPDATE segments SET to_us = max(from_us, ?), bytes = ?, finished = ? WHERE file = ?"
@@ -241,7 +242,7 @@ bool Index::put_event(const EventRow &row)
     return put.bind(0, camera).bind(1, row.at_us).bind(2, row.kind).bind(3, row.text).run();
 }
 
-/* What is left of recordings from before that time is little, so that it is looked through by time. */
+/* Few recordings from before that time are left, so they are searched by time. */
 bool Index::forget_before(int64_t at_us)
 {
     Statement events(database_.handle(),

@@ -10,9 +10,9 @@
  * All times are times of day as the recorder's clock said, in microseconds since 1970. A file is
  * known by its name in the directory, so that the directory may be moved.
  *
- * The files are the truth and the index is made from them: one that is missing, damaged or of
- * another version is made anew (see intake.h), and files that it does not know are taken in. Events
- * and pins stand in the index alone; from a damaged one they are saved where they can be read.
+ * The files are the truth and the index is made from them. An index that is missing, damaged or of another
+ * version is made anew (see intake.h), and files that it does not know are taken in. Events and pins exist
+ * only in the index; they are saved from a damaged one as far as they can be read.
  *
  * The database writes ahead (WAL), so that readers and the one writer do not wait for each other, and
  * a crash leaves a whole index that may lack its last two seconds; mode 0640.
@@ -35,18 +35,18 @@ namespace nvrec
 
 constexpr const char *kIndexName = "nvrec.sqlite";
 
-/** A camera as the directory knows it: a channel under a name. */
+/** A camera in the directory's index: a channel and a name. */
 struct CameraRow {
     int64_t id = 0;
     int channel = -1;
     std::string name; /* empty = nobody named it: recordings of earlier versions */
 
-    /** What a user is told: the name, or "channel 3". */
+    /** How a user is told of it: the name, or "channel 3". */
     std::string shown() const;
     bool operator==(const CameraRow &) const = default;
 };
 
-/** A time from its first microsecond to before its last. */
+/** A time span: from_us belongs to it, to_us no longer does. */
 struct TimeSpan {
     int64_t from_us = 0, to_us = 0;
     bool operator==(const TimeSpan &) const = default;
@@ -57,7 +57,7 @@ struct SegmentRow {
     int channel = -1;
     std::string camera; /* name, may be empty      */
     std::string stream = "main";
-    std::string path; /* given: any path of the file; read: its path with the directory */
+    std::string path; /* when written: any path of the file; when read: with the directory in front */
     int64_t from_us = 0;
     int64_t to_us = 0; /* end of what the file holds by now */
     int64_t bytes = 0;
@@ -94,16 +94,16 @@ struct IndexQuery {
     TimeSpan span = {INT64_MIN, INT64_MAX};
 };
 
-/** The recorder that holds the directory's lock, or anybody else. */
+/** Who opens an index: the recorder that holds the directory's lock, or anybody else. */
 enum class OpenedBy { kReader, kRecorder };
 
 class Index
 {
 public:
     /**
-     * Open the index of a directory, and make it when it is missing, damaged or of another version;
-     * then it is empty and made_anew() says so: whoever opened it takes the files in. A reader leaves
-     * the index of a recorder that is at work alone, whatever is wrong with it.
+     * Open the index of a directory. One that is missing, damaged or of another version is made anew; then it
+     * is empty, made_anew() is true, and the caller has to take the files in. While a recorder is at work, a
+     * reader does not touch its index, whatever is wrong with it.
      * @return empty, or why not.
      */
     std::string open(const std::string &directory, OpenedBy user = OpenedBy::kReader);
@@ -120,7 +120,7 @@ public:
     const std::string &directory() const { return directory_; }
     std::string error() const { return database_.error(); }
 
-    /* What stands in it. */
+    /* Its contents. */
     std::vector<CameraRow> cameras();
     std::vector<SegmentRow> segments(const IndexQuery &query, int64_t most = INT64_MAX);
     std::vector<GapRow> gaps(const IndexQuery &query);
@@ -128,7 +128,7 @@ public:
     std::vector<PinRow> pins();
     std::optional<SegmentRow> segment(const std::string &path);
 
-    /** How large each file is that it knows, by its name, and whether it is finished. */
+    /** All files in the index by name, with their size and whether they are finished. */
     struct KnownFile {
         int64_t bytes = 0;
         bool finished = false;
@@ -140,15 +140,17 @@ public:
     std::optional<SegmentRow> segment_after(const IndexQuery &query, int64_t at_us);
 
     /**
-     * What is recorded, gaps taken out: spans that do not touch, in order. Pieces that lie no more
-     * than `joined_us` apart count as one.
+     * What is recorded, without the gaps: spans that do not touch, in order. Pieces that lie no more than
+     * `joined_us` apart count as one.
      */
     std::vector<TimeSpan> recorded(const IndexQuery &query, int64_t joined_us);
 
     /** Bytes of all segments. */
     int64_t total_bytes();
 
-    /** The oldest finished segment that no pin touches, but those; nothing = there is none. */
+    /**
+     * The oldest finished segment that no pin touches and that is not in the list; nothing = there is none.
+     */
     std::optional<SegmentRow> oldest_unpinned(const std::vector<std::string> &but_paths = {});
 
     /* Changes. @return false = error() says why. */
@@ -156,17 +158,22 @@ public:
     bool grow_segment(const std::string &path, int64_t to_us, int64_t bytes, bool finished);
     bool remove_segment(const std::string &path);
     bool put_gap(const GapRow &row);
-    /** Take gaps and events from before a time out where no recording and no pin of their camera is. */
+    /**
+     * Delete gaps and events from before a time, but for those that lie in a recording or a pin of their
+     * camera.
+     */
     bool forget_before(int64_t at_us);
     bool put_event(const EventRow &row);
 
     /** Pin a time of a camera. @return the pin's number, 0 = failed. */
     int64_t put_pin(int64_t camera, const TimeSpan &span);
-    /** Take pins away from a time of a camera; what lies outside stays pinned. @return how many it touched.
+    /**
+     * Unpin a time of a camera; the parts of its pins outside of that time stay.
+     * @return how many pins it touched
      */
     int remove_pins(int64_t camera, const TimeSpan &span);
 
-    /** Number of a camera; it is put in when it is new. */
+    /** Number of a camera; a new camera is added. */
     int64_t camera_number(int channel, const std::string &name);
 
     Database &database() { return database_; }

@@ -20,8 +20,8 @@ bool has_gone(const std::string &path)
     return ::access(path.c_str(), F_OK) != 0 && errno == ENOENT;
 }
 
-/* How long a file is by now is known in memory; whose it is and when it begins, the directory's index
- * knows of a file as well or better. */
+/* The index in memory knows how long a file is by now. Whose a file is and when it begins, the directory's
+ * index knows as well or better. */
 bool put(Index &file, const SegmentRow &row, const Index::KnownFile &known)
 {
     if (known.bytes == row.bytes && known.finished == row.finished) return true;
@@ -55,8 +55,8 @@ bool write_into(Index &file, Index &memory)
     return transaction.commit();
 }
 
-/* By the only one who reads or writes: who shares a database with others needs a file for that, which
- * cannot be made on a full disk. */
+/* Open it for this process alone: SQLite shares a database through a further file, which cannot be made on
+ * a full disk. */
 std::optional<std::vector<PinRow>> read_pins(const std::string &directory)
 {
     const std::string path = directory + "/" + kIndexName;

@@ -1,10 +1,10 @@
 /*
- * index_in_memory.h - recording while the index of a directory cannot be opened, because its disk is
- * full or it is another user's: an index in memory stands for it and is made from the files, until the
- * one of the directory can be opened again.
+ * index_in_memory.h - records into a directory whose index cannot be opened, because the disk is full or the
+ * index belongs to another user. An index in memory, made from the files, takes its place until the
+ * directory's index can be opened again.
  *
- * Pins stand in the directory's index alone, so whoever deletes recordings brings them in first, and
- * deletes nothing where they cannot be read.
+ * Pins exist only in the directory's index. Before recordings are deleted the pins are read from it; when
+ * they cannot be read, nothing is deleted.
  *
  * Threads: the one that has the index.
  */
@@ -18,17 +18,17 @@ namespace nvrec
 {
 
 /**
- * Give an index in memory the pins of the directory's, as they are now: each to all cameras of its
- * channel, since files of before a camera had a name may be another one's in memory. Nothing is written
- * for that, so that it can be done on a full disk.
+ * Copy the pins of the directory's index, as they are now, into an index in memory. Each pin goes to all
+ * cameras of its channel, since files from before a camera had a name may belong to another camera there.
+ * Nothing is written to the disk, so that it works on a full one.
  * @return false = they cannot be read
  */
 bool bring_pins(Index *index);
 
 /**
- * Open the directory's index, write into it what the one in memory holds, and take entries of files
- * out that have gone; then *index is that of the directory.
- * @param index  in memory, of a directory that this process records into
+ * Open the directory's index, write the contents of the index in memory into it, and remove the entries of
+ * files that are gone. Then *index is the directory's.
+ * @param index  an index in memory, of a directory that this process records into
  * @return empty, or why not: *index is as it was
  */
 std::string return_to_file(Index *index);

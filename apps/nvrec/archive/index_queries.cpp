@@ -1,4 +1,4 @@
-/* index_queries.cpp - see index.h: what is asked of the index. */
+/* index_queries.cpp - see index.h: the queries. */
 #include <algorithm>
 
 #include "archive/index.h"
@@ -56,7 +56,7 @@ std::unordered_map<std::string, Index::KnownFile> Index::known_files()
     return known;
 }
 
-/* The condition's two parameters are the span's ends. */
+/* The condition has two parameters: the ends of the span. */
 std::vector<SegmentRow> Index::segments_where(const std::string &condition, const IndexQuery &query,
                                               const std::string &order, int64_t most)
 {

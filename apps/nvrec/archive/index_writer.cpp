@@ -20,7 +20,7 @@ namespace nvrec
 /* What is queued. */
 struct IndexChange {
     std::function<bool(Index &)> make;
-    std::string grown; /* the file of which it says no more than how long it is */
+    std::string grown; /* the file, when all that changes is its length */
 };
 
 namespace
@@ -34,15 +34,15 @@ constexpr auto kLastPatience = std::chrono::milliseconds(500);
 
 using Changes = std::deque<IndexChange>;
 
-/* What came of changes that were made together. */
+/* The outcome of changes that were made together. */
 struct Made {
     size_t refused = 0; /* by the index, whatever the disk does */
     bool all = true;    /* but those; false = none              */
     std::string trouble;
 };
 
-/* In one transaction, or none of them: a failed statement may have ended the transaction, and what
- * follows it would be made twice when all of it is repeated. */
+/* Make all changes in one transaction, or none. A failed statement may have ended the transaction; changes
+ * after it would then stay, and be made a second time when all of them are repeated. */
 Made make_together(Index &index, Changes *changes)
 {
     Made made;
@@ -62,7 +62,7 @@ Made make_together(Index &index, Changes *changes)
     return made;
 }
 
-/* How long a file is counts once, with the last word on it. */
+/* Of several lengths of one file only the last one counts. */
 void forget_outdated(Changes *changes)
 {
     std::unordered_set<std::string> told;
@@ -90,7 +90,7 @@ struct IndexWriter::State {
     bool ended = false;
     uint64_t dropped = 0;
     RetentionState retained;
-    int64_t room_wanted = 0; /* bytes that somebody waits for; 0 = nobody */
+    int64_t room_wanted = 0; /* that a caller of make_room() waits for; 0 = none does */
     bool one_goes = false;   /* whatever is free */
     uint64_t rooms_made = 0;
     bool room = false;
@@ -126,7 +126,7 @@ IndexWriter::~IndexWriter()
 {
     stop(kLastPatience);
     const std::scoped_lock guard(state_->lock);
-    state_->tell = {}; /* a thread that is left behind tells nobody */
+    state_->tell = {}; /* a thread that was left behind reports nothing */
 }
 
 void IndexWriter::start(const std::string &directory, const RetentionOptions &retention)
@@ -225,7 +225,7 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
     const std::string refused = directory_lock.take(state->directory);
     Index index;
     std::string problem = refused.empty() ? index.open(state->directory, OpenedBy::kRecorder) : std::string();
-    /* Before anybody records: what is begun from here on must not be taken for torn. */
+    /* List them before anything is recorded: a file that is begun later must not be taken for torn. */
     const std::vector<ListedFile> files = list_recordings(state->directory);
     {
         const std::scoped_lock guard(state->lock);
@@ -235,7 +235,7 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
     }
     if (!refused.empty()) return;
     if (!problem.empty()) {
-        /* Recordings go on; what they say is written into the index when it can be opened. */
+        /* Recordings go on; their entries are written into the index when it can be opened. */
         state->say(true, "no index: " + problem);
         directory_lock.set_index_kept_up(false);
         problem = index.open_in_memory(state->directory);
@@ -284,14 +284,14 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
         if (!trouble.empty() && trouble != told) state->say(true, trouble);
         told = trouble;
 
-        /* Room may have come of it. */
+        /* Deleting may have made room for the index, too. */
         if (!made.all && room) made = make_together(index, &changes);
         if (!made.all) forget_outdated(&changes);
 
         guard.lock();
         state->dropped += made.refused;
         if (!made.all && last_try)
-            state->dropped += changes.size(); /* the files say it again at the next start */
+            state->dropped += changes.size(); /* the next start takes it from the files again */
         else if (!made.all)
             state->queue.insert(state->queue.begin(), std::make_move_iterator(changes.begin()),
                                 std::make_move_iterator(changes.end()));
@@ -309,7 +309,7 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
     if (!index.in_memory()) return;
     const std::string reason = return_to_file(&index);
     if (reason.empty()) return;
-    /* The files say the rest again. */
+    /* The rest is taken from the files again. */
     const IndexQuery all = {{}, "", {INT64_MIN, INT64_MAX}};
     const size_t lost = index.events(all).size() + index.gaps(all).size();
     if (lost > 0)

@@ -1,17 +1,17 @@
 /*
- * index_writer.h - the index of a directory that is being recorded into: a thread with a bounded
- * queue, so that whoever records never waits for the index, whatever its disk does.
+ * index_writer.h - keeps the index of a directory that is being recorded into: a thread with a bounded queue,
+ * so that recordings never wait for the index, whatever its disk does.
  *
  *   recordings --> queue (bounded) --> thread: open the index, cut torn files back and take unknown
  *                                      ones in, then write what is queued, together, once a second,
  *                                      and see to retention
  *
- * What the index does not take, because its disk is full or fails, or because another process writes,
- * is kept and repeated, all of it, once a second.
+ * When a write fails, because the disk is full or broken or because another process writes, all of it is kept
+ * and repeated once a second.
  *
- * One recorder at a time records into a directory: a lock on nvrec.lock in it, which goes with the
- * process. When the queue is full, what comes is dropped and counted; the files say it again at the
- * next start. An index that cannot be opened is kept in memory and tried again every minute (see
+ * One recorder at a time records into a directory: it holds a lock on nvrec.lock, which the system releases
+ * when the process ends. When the queue is full, new entries are dropped and counted; the next start takes
+ * them from the files. An index that cannot be opened is kept in memory and tried again every minute (see
  * index_in_memory.h).
  *
  * Threads: all calls from any thread. on_line() is called from the writer's thread.
@@ -33,57 +33,58 @@ namespace nvrec
 class IndexWriter
 {
 public:
-    /** What it has to tell: the line, and whether something is wrong. */
+    /** Receives messages for the user. @param trouble  something is wrong */
     using Teller = std::function<void(bool trouble, const std::string &line)>;
 
     explicit IndexWriter(Teller on_line = {});
-    /** stop(), without waiting long for a disk that hangs. */
+    /** Calls stop() with a short limit, so that a disk that hangs is not waited for. */
     ~IndexWriter();
     IndexWriter(const IndexWriter &) = delete;
     IndexWriter &operator=(const IndexWriter &) = delete;
 
     /**
-     * Begin. Gives back at once; what follows on the writer's thread is told by on_line(). Call it
-     * before anything is recorded into the directory: what lies there now is taken for finished.
+     * Start the thread and return at once; on_line() tells what happens on the thread. Call it before
+     * anything is recorded into the directory: all files that are there now are taken for finished.
      */
     void start(const std::string &directory, const RetentionOptions &retention = {});
 
     /**
      * Wait until the directory is locked and its index is open.
-     * @return empty, or why nothing may be recorded there: another recorder does, or the disk did not
-     *         answer within the limit
+     * @return empty, or why nothing may be recorded there: another recorder does so, or the disk did not
+     * answer within the limit
      */
     std::string wait_open(std::chrono::milliseconds limit);
 
-    /* What is recorded. None of these waits. */
+    /* Entries for what is recorded. None of these calls waits. */
     void segment_begun(const SegmentRow &row);
     void segment_grown(const std::string &path, int64_t to_us, int64_t bytes);
     void segment_ended(const std::string &path, int64_t to_us, int64_t bytes);
-    /** A file that was begun and holds nothing was removed again. */
+    /** A file that was begun was removed again, since nothing is in it. */
     void segment_removed(const std::string &path);
     void gap(const GapRow &row);
     void event(const EventRow &row);
 
-    /** Other retention from now on. */
+    /** Change the retention from now on. */
     void set_retention(const RetentionOptions &retention);
 
     /**
-     * The disk is full: delete the oldest recordings that are not pinned until so much is free. Waits
-     * at most the limit, so call it from a thread that writes, and from no other.
-     * @param one_goes  delete one in any case: a quota or a reserve refuses what the disk calls free
+     * The disk is full: delete the oldest recordings that are not pinned until so many bytes are free. It
+     * waits up to the limit, so only the thread that writes the recordings calls it.
+     * @param one_goes  delete at least one: under a quota or a reserve the disk refuses bytes that it calls
+     * free
      * @return true = there is room now
      */
     bool free_space(int64_t bytes, std::chrono::milliseconds limit, bool one_goes = false);
 
-    /** What retention did and what it sees. */
+    /** What retention has deleted, and what it saw last. */
     RetentionState retention_state() const;
 
-    /** Entries that the queue had no room for, or that the index did not take to the end. */
+    /** Entries that were lost: the queue had no room, or the index did not take them before the end. */
     uint64_t dropped() const;
 
     /**
-     * Write what is queued and end. @return false = the disk did not let it within the limit: the
-     * thread is left to the end of the process, and the index lacks what was queued.
+     * Write what is queued and end the thread. @return false = the disk did not finish within the limit: the
+     * thread stays until the process ends, and the index lacks what was queued.
      */
     bool stop(std::chrono::milliseconds limit);
 

@@ -94,7 +94,7 @@ std::optional<RecordingName> recording_name(std::string_view file)
         name = with_offset;
         says.from_us = (timegm(&parts) - (east ? 60 : -60) * (60 * hours + minutes)) * kNameSecond_us;
     } else {
-        /* Of an hour that occurs twice, names without an offset are of the first. */
+        /* When an hour occurs twice, names without an offset belong to the first one. */
         char clock[40];
         std::strftime(clock, sizeof clock, "%Y-%m-%dT%H:%M:%S", &parts);
         std::string problem;
@@ -134,8 +134,8 @@ bool cut_file(const std::string &path, int64_t bytes)
     return cut;
 }
 
-/* Cut a torn end off, and say so. A file with one index for all of it, as others write them, has no
- * place where it could be cut. */
+/* Cut a torn end off, and say so. A file with a single index for its whole length, as other programs write
+ * it, cannot be cut anywhere. */
 void cut_back(const std::string &path, FileExtent *extent, IntakeResult *result)
 {
     if (!extent->torn() || !extent->in_fragments) return;
@@ -149,8 +149,8 @@ void cut_back(const std::string &path, FileExtent *extent, IntakeResult *result)
     ++result->cut;
 }
 
-/* Whether a file that begins at a time would be called so, in whichever time zone: a copy under another
- * name is where its name says. */
+/* Whether a file that begins at this time has this name in some time zone. If not, the file is a copy that
+ * was renamed, and the time in its name counts. */
 bool is_named_by(const RecordingName &says, int64_t from_us)
 {
     constexpr int64_t kWidestZones_us = int64_t{26} * 3600 * kNameSecond_us;
@@ -167,7 +167,10 @@ bool is_camera_name(const std::string &text)
            });
 }
 
-/* What a new file says of itself is exact; its name says it to the second, and no camera's name. */
+/*
+ * The head of a new file tells its time exactly, and the camera's name. A file name tells the time to the
+ * second, and no camera's name.
+ */
 SegmentRow new_row(const std::string &path, const RecordingName &says, const FileExtent &extent)
 {
     SegmentRow row;

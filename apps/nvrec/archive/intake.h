@@ -7,8 +7,8 @@
  *   ch03-main-20261121-140000+0100.mp4   of the first picture, the offset from UTC where it is there;
  *   ch03-main-20261121-140000-2.mkv      a number where the name was taken
  *
- * Files with other names are left alone. A file says how long it is, which camera's it is and when
- * it begins; of one that does not, as those of earlier versions, the name says when, to the second.
+ * Files with other names are left alone. The file itself tells its length, its camera and when it begins.
+ * Files of earlier versions do not tell when they begin: their names do, to the second.
  *
  * Threads: the one that has the index.
  */
@@ -26,7 +26,7 @@ namespace nvrec
 {
 
 struct IntakeOptions {
-    bool repair = false; /* nobody writes into the directory: cut torn ends off, all files are finished */
+    bool repair = false; /* nothing is being written there: cut torn ends off, all files are finished */
 };
 
 /** What was done. */
@@ -38,7 +38,7 @@ struct IntakeResult {
     std::vector<std::string> lines; /* what a user should know: torn and unreadable files */
 };
 
-/** What a recording's name says. */
+/** What the name of a recording tells. */
 struct RecordingName {
     int channel = -1;
     std::string stream;
@@ -55,8 +55,8 @@ struct ListedFile {
 std::vector<ListedFile> list_recordings(const std::string &directory);
 
 /**
- * @param files  what list_recordings() gave for the index's directory, before anybody recorded into it
- *               where torn ends are to be cut off
+ * @param files  from list_recordings() for the index's directory; when torn ends are to be cut off, listed
+ * before anything was recorded into it
  */
 IntakeResult take_in(Index &index, const std::vector<ListedFile> &files, const IntakeOptions &options);
 

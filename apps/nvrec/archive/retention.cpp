@@ -44,15 +44,15 @@ bool Recycler::knows_pins()
     return false;
 }
 
-/* @return nothing = there is none that may go, or none of the oldest does */
+/* @return nothing = no file may be deleted, or none of the oldest could be */
 std::optional<SegmentRow> Recycler::delete_oldest_file(const char *why)
 {
     if (!knows_pins()) return std::nullopt;
     std::optional<SegmentRow> segment;
     while (passed_over_.size() < kMostPassedOver) {
         segment = index_.oldest_unpinned(passed_over_);
-        /* The file first: an entry without a file is found at the next start, a file without an entry is
-         * taken in again. */
+        /* Delete the file before its entry. If the process ends in between, the next start drops an entry
+         * without a file; a file without an entry would be taken in again. */
         if (!segment || ::unlink(segment->path.c_str()) == 0 || errno == ENOENT) break;
         if (passed_over_.empty())
             not_deleted_ = segment->path + " cannot be deleted: " + std::strerror(errno);
@@ -67,7 +67,7 @@ std::optional<SegmentRow> Recycler::delete_oldest_file(const char *why)
     return segment;
 }
 
-/* @return false = nothing went */
+/* @return false = nothing was deleted */
 bool Recycler::remove_oldest(const char *why)
 {
     const auto segment = delete_oldest_file(why);
@@ -75,12 +75,12 @@ bool Recycler::remove_oldest(const char *why)
     if (!index_.remove_segment(segment->path)) {
         state_.trouble = "the index: " + index_.error();
         if (passed_over_.empty()) not_deleted_ = segment->path + " stays in the index: " + index_.error();
-        passed_over_.push_back(segment->path); /* its file has gone: the next one is another */
+        passed_over_.push_back(segment->path); /* its file is gone: go on with the next one */
     }
     ++state_.deleted;
     state_.deleted_bytes += segment->bytes;
-    /* The oldest goes first, so that what ended before it has gone but for what is kept. What the index
-     * does not forget now, it forgets with the next file. */
+    /* The oldest file is deleted first, so from before its end only recordings that are kept are left.
+     * Gaps and events that the index cannot delete now, it deletes with the next file. */
     index_.forget_before(segment->to_us);
     if (told_) told_(*segment);
     return true;
@@ -107,7 +107,7 @@ void Recycler::apply(int64_t now_us, int most_files)
         if (!why || !remove_oldest(why)) break;
         look();
     }
-    /* Events of cameras that are not recorded, too. */
+    /* This also deletes events of cameras that are not recorded. */
     if (options_.most_age_s > 0) index_.forget_before(now_us - options_.most_age_s * kAgeSecond_us);
 }
 

@@ -1,12 +1,14 @@
 /*
- * retention.h - which recordings go, so that others have room: by total size, by age, and by what is
- * left on the disk. The oldest go first, whichever camera's they are; pinned ones and the files that
- * are being written never. While the index is in memory alone, nothing goes unless the pins can be read.
+ * retention.h - deletes old recordings to make room: by total size, by age, and by what is free on the disk.
+ * The oldest recording is deleted first, whichever camera it belongs to; pinned recordings and files that are
+ * being written are never deleted. While the index is in memory only, nothing is deleted unless the pins can
+ * be read.
  *
- * Gaps and events go with the recordings of their time.
+ * Gaps and events are deleted with the recordings of their time.
  *
- * A file that cannot be deleted is passed over until apply() is called again, and said; so that a
- * directory that lets none go takes little time, no more than a few are.
+ * A file that cannot be deleted is skipped until apply() is called again, and the first of them is named in
+ * the state. After a few skipped files the call gives up, so that a directory in which no file can be deleted
+ * does not take long.
  *
  * Threads: the one that has the index.
  */
@@ -32,7 +34,7 @@ struct RetentionOptions {
 /** What retention did since the start, and what it saw last. */
 struct RetentionState {
     int64_t total_bytes = 0; /* of all recordings                                        */
-    int64_t oldest_us = 0;   /* when the oldest of them begins; 0 = there is none        */
+    int64_t oldest_us = 0;   /* when the oldest of them begins; 0 = there is none */
     int64_t free_bytes = -1; /* of the disk; -1 = not known                              */
     uint64_t deleted = 0;    /* files                                                    */
     int64_t deleted_bytes = 0;
@@ -42,7 +44,7 @@ struct RetentionState {
 class Recycler
 {
 public:
-    /** @param deleted  told of every file that went; may be empty */
+    /** @param deleted  called for every file that was deleted; may be empty */
     Recycler(Index &index, std::function<void(const SegmentRow &)> deleted = {})
         : index_(index), told_(std::move(deleted))
     {
@@ -50,13 +52,15 @@ public:
 
     void set(const RetentionOptions &options) { options_ = options; }
 
-    /** Delete what is too much or too old now. At most so many files a call, the rest in the next one. */
+    /**
+     * Delete what is too much or too old now: at most so many files in one call, the rest in the next one.
+     */
     void apply(int64_t now_us, int most_files = 64);
 
     /**
      * Delete the oldest until so many bytes are free on the disk.
-     * @param one_goes  one of them, whatever is free
-     * @return whether they are
+     * @param one_goes  delete at least one file, whatever is free
+     * @return whether so many bytes are free now
      */
     bool make_room(int64_t bytes, bool one_goes = false);
 

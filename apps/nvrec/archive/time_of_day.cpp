@@ -61,7 +61,9 @@ public:
         *value = static_cast<int>(sum);
         return true;
     }
-    /** What may stand behind a number, ".5": one to six digits, in millionths. @return false = it is none */
+    /**
+     * The fraction behind a number, ".5": one to six digits, in millionths. @return false = it is no fraction
+     */
     bool millionths(int64_t *value)
     {
         *value = 0;
@@ -111,7 +113,10 @@ int64_t as_if_utc(const Written &written)
     return timegm(&fields);
 }
 
-/* The first second that local clocks called so: by the offset of the day before, or that of the day after. */
+/*
+ * The first second at which local clocks showed this time, tried with the offset of the day before and that
+ * of the day after.
+ */
 std::optional<int64_t> first_local(const Written &written)
 {
     const int64_t plain_s = as_if_utc(written);

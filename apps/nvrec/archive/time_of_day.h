@@ -10,8 +10,8 @@
  *   +10m                        after the time that it is said with, as --to after --from
  *   now
  *
- * Times without an offset are local. Of an hour that occurs twice the first is meant; an offset picks
- * the other. A time that a day does not have is an error.
+ * Times without an offset are local. When an hour occurs twice, the first one is meant; an offset picks the
+ * other. A time that a day does not have is an error.
  *
  * Threads: any.
  */

@@ -57,7 +57,10 @@ void Feeder::note_handed_on(const AccessUnit &unit, bool accepted)
     if (unit.key) tell_undecodable();
 }
 
-/* A line once; without the lock of the decoder, because whoever hears it may take his time. */
+/*
+ * Report it once. The lock of the decoder is not held meanwhile, since the receiver of the message may take
+ * long.
+ */
 void Feeder::tell_undecodable()
 {
     const bool undecodable = undecodable_since(Clock::now()).has_value();

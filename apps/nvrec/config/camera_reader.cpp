@@ -24,7 +24,7 @@ constexpr Choice<RecordMode> kModes[] = {{"always", RecordMode::kAlways},
                                          {"event", RecordMode::kEvent},
                                          {"never", RecordMode::kNever}};
 
-/* "%40" is "@"; what is no such thing stays. */
+/* Decode "%40" to "@"; all else stays as it is. */
 std::string decoded(const std::string &text)
 {
     std::string plain;
@@ -57,13 +57,13 @@ bool take_credentials(std::string *address, std::string *user, std::string *pass
     return true;
 }
 
-/* Written as %00, for one: no camera has it, and what is written in C reads no further. */
+/* Control letters, such as %00: no camera has them, and C code reads a text only up to a zero. */
 bool has_control_character(const std::string &text)
 {
     return std::ranges::any_of(text, [](unsigned char letter) { return letter < ' ' || letter == 0x7f; });
 }
 
-/* No fault repeats an address, which may hold a password in a place where it is not looked for. */
+/* Faults do not repeat an address, since a password may be in a part of it that is not searched. */
 void check_address(TableReader &table, std::string_view key, const std::string &address)
 {
     const size_t begin = address.find("://") + 3;

@@ -1,5 +1,5 @@
 /*
- * camera_reader.h - one [[camera]] of a configuration.
+ * camera_reader.h - reads one [[camera]] of a configuration.
  *
  * Threads: one.
  */
@@ -13,10 +13,13 @@
 namespace nvrec::config
 {
 
-/** Read and check it, but for what it has to do with others. @return whether it holds a password. */
+/**
+ * Read and check it by itself; how it fits to other cameras is checked elsewhere. @return whether it holds a
+ * password.
+ */
 bool read_camera(TableReader &table, Camera *camera);
 
-/** "rtsp://..." and the like, as against the path of a file. */
+/** Whether it is an address like "rtsp://..." and not the path of a file. */
 bool has_scheme(const std::string &address);
 
 } // namespace nvrec::config

@@ -1,8 +1,8 @@
 /*
  * config.h - what one configuration file says: plain data, checked as a whole by read.h.
  *
- * It names no type of another room; commands/run_command.cpp fills their options from it. Every member
- * has the value that holds when the file is silent. docs/nvrec.toml shows every key.
+ * It names no type of another room; commands/run_command.cpp fills their options from it. Every member begins
+ * with its default, which holds when the file does not have the key. docs/nvrec.toml shows every key.
  *
  * Threads: a value; whoever has one reads it.
  */
@@ -22,7 +22,7 @@ enum class Kind { kMp4, kMkv };
 enum class Wanted { kAuto, kOn, kOff };
 enum class Level { kError, kWarning, kInfo, kDebug };
 
-/** A part of a week: on these days from one minute to before another. */
+/** A part of the week: from one minute up to, and without, another on each of these days. */
 struct Hours {
     uint8_t days = 0x7f; /* bit 0 = Monday                                                     */
     int from_min = 0;    /* minutes after local midnight, 0 to 1439                            */
@@ -55,7 +55,7 @@ struct Camera {
     Plan plan;
     int line = 0; /* where the file speaks of it; tells nothing of the camera */
 
-    /** All but the line. */
+    /** Compares all members but the line. */
     bool same_as(const Camera &other) const;
 };
 

@@ -1,5 +1,5 @@
 /*
- * faults.h - what is wrong with a configuration: all of it at once, each with its place.
+ * faults.h - the faults of a configuration: all of them at once, each with its place.
  *
  * Threads: one at a time.
  */
@@ -12,7 +12,7 @@
 namespace nvrec::config
 {
 
-/** One fault. No text holds a password: what a user wrote is repeated only where it cannot be one. */
+/** One fault. Its text never contains a password: what a user wrote is repeated only if it cannot be one. */
 struct Fault {
     std::string file;
     int line = 0;    /* from 1; 0 = the file as a whole */
@@ -25,7 +25,7 @@ struct Fault {
 
 using Faults = std::vector<Fault>;
 
-/** The candidate that a mistyped word means most likely; empty = it is like none of them. */
+/** The candidate that a mistyped word is most likely meant to be; empty = it resembles none. */
 std::string_view nearest(std::string_view word, const std::vector<std::string_view> &candidates);
 
 /** `; did you mean "x"?`, or nothing. */

@@ -12,7 +12,7 @@ namespace nvrec::config
 namespace
 {
 
-/* Letters that have a meaning of their own in an address are written as %XX. */
+/* Write letters that have a meaning of their own in an address as %XX. */
 std::string encoded(const std::string &text)
 {
     constexpr std::string_view kDigits = "0123456789ABCDEF";

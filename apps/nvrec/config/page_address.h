@@ -22,7 +22,7 @@ struct PageAddress {
 
 std::optional<PageAddress> page_address(const std::string &text);
 
-/** What a browser asks for to see the page, token included: never to be shown but as a QR code. */
+/** The page's address for a browser, with the token in it: never to be shown except as a QR code. */
 std::string page_link(const std::string &page, const std::string &token);
 
 } // namespace nvrec::config

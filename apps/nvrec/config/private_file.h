@@ -1,5 +1,5 @@
 /*
- * private_file.h - a small text file, and whether anybody but its user can read it.
+ * private_file.h - reads a small text file, and tells whether anybody but its user can read it.
  *
  * Threads: any.
  */

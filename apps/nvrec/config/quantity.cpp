@@ -84,7 +84,7 @@ std::optional<int> day_of(std::string_view text)
     return static_cast<int>(found - kDays.begin());
 }
 
-/* "Mon-Fri,Sun"; a span may go round the week's end. */
+/* "Mon-Fri,Sun"; a span of days may go beyond the end of the week. */
 std::optional<uint8_t> days_of(std::string_view text)
 {
     unsigned days = 0;

@@ -1,5 +1,5 @@
 /*
- * quantity.h - lengths of time, sizes and hours as a configuration writes them.
+ * quantity.h - reads lengths of time, sizes and hours as a configuration writes them.
  *
  *   time    90 (seconds), "90 s", "15 min", "1 h", "30 days"
  *   size    "500 GB", "1.5 TB", "256 MiB"

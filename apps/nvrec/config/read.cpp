@@ -31,7 +31,7 @@ constexpr Choice<Level> kLevels[] = {
     {"error", Level::kError}, {"warning", Level::kWarning}, {"info", Level::kInfo}, {"debug", Level::kDebug}};
 constexpr Choice<const char *> kLanguages[] = {{"en", "en"}, {"zh", "zh"}};
 
-/* The parser's own words may hold a piece of the text. */
+/* Whether the parser's message, which may quote the file, may contain a password or token. */
 bool tells_a_secret(const std::string &text)
 {
     const std::string small = small_letters(text);

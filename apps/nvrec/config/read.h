@@ -1,12 +1,12 @@
 /*
  * read.h - a configuration file, read and checked as a whole.
  *
- * Every fault is found in one pass, but for a file that is no TOML: a parser ends at its first error.
+ * All faults are found in one pass. Only in a file that is not TOML the parser stops at its first error.
  * Paths in the file are taken from the file's directory.
  *
  * Passwords: in the file itself (`password`, or user:password@ in an address, or the page's token), or
- * in a file that the key `secrets` names. A file that holds one has to be its user's alone (mode 0600 or
- * less), and is refused otherwise. No fault repeats one.
+ * in a file that the key `secrets` names. A file that holds a password must be readable by its user alone
+ * (mode 0600 or less), or it is refused. Faults never repeat a password.
  *
  * Threads: any.
  */

@@ -63,7 +63,7 @@ void read_secrets(const std::string &path, Config *config, Faults *faults)
     }
     const Parsed parsed = parse_toml(file.text);
     if (!parsed.error.empty()) {
-        /* The parser's own words may hold a piece of the text. */
+        /* The parser's message is left out: it may quote the file, and so a password. */
         faults->push_back({path, parsed.line, "", "it is not TOML"});
         return;
     }

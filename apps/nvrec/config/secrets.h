@@ -21,10 +21,10 @@
 namespace nvrec::config
 {
 
-/** The status page's token, from either file. Nobody is to guess it: a short one is a fault. */
+/** Check the status page's token, from either file. A short token is a fault, since it could be guessed. */
 void read_token(TableReader &status, std::string *token);
 
-/** Put them into a configuration whose cameras are read. Faults never repeat one. */
+/** Put the passwords into a configuration whose cameras were read before. Faults never repeat one. */
 void read_secrets(const std::string &path, Config *config, Faults *faults);
 
 } // namespace nvrec::config

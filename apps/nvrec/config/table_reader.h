@@ -1,8 +1,8 @@
 /*
  * table_reader.h - reads the keys of one table of a configuration, and takes down every fault.
  *
- * A key that is asked for is known from then on; finish() complains of those that nobody asked for,
- * with the nearest one that somebody did.
+ * A key counts as known once it was asked for. finish() reports all other keys in the table as faults, each
+ * with the nearest known key.
  *
  * Threads: one.
  */
@@ -29,7 +29,7 @@ class TableReader
 {
 public:
     /**
-     * @param table  null = the file has none: every key keeps its value
+     * @param table  null = the file does not have it: every key keeps its value
      * @param place  of the table in the file, "record"; empty = the file itself
      */
     TableReader(const Value *table, std::string place, std::string file, Faults *faults)
@@ -41,7 +41,9 @@ public:
     const Value *find(std::string_view key);
     int line() const { return table_ ? table_->line : 0; }
 
-    /* Each leaves `into` alone when the key is missing, and takes down what is wrong with the value. */
+    /*
+     * Each of these leaves `into` as it is when the key is missing, and notes what is wrong with the value.
+     */
     void text(std::string_view key, std::string *into, bool may_be_empty = false);
     void flag(std::string_view key, bool *into);
     void whole(std::string_view key, int *into, int least, int most);

@@ -1,5 +1,5 @@
 /*
- * tree.h - a TOML file as a tree of plain values with their lines, so that what reads it needs no
+ * tree.h - a TOML file as a tree of plain values with line numbers, so that its readers do not need the
  * parser's header.
  *
  * Threads: values; parse_toml() from any.
@@ -14,7 +14,7 @@ namespace nvrec::config
 
 struct Member;
 
-/** A value of the file. Which members count depends on its kind. */
+/** A value of the file. Its kind tells which members are used. */
 struct Value {
     enum class Kind { kTable, kList, kText, kWhole, kNumber, kFlag, kOther };
 

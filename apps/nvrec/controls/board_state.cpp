@@ -65,7 +65,7 @@ void add_watchdog(const host::BoardState::Watchdog &watchdog, std::vector<BoardR
     rows->push_back({"watchdog", "last boot", watchdog.reset_the_board ? "watchdog" : "power on"});
 }
 
-/* As an application sees it: one that lost its time cannot be read. */
+/* The clock as an application sees it: when it has lost its time it cannot be read. */
 void add_clock(std::vector<BoardRow> *rows)
 {
     std::array<int32_t, 9> tm = {};

@@ -27,7 +27,7 @@ bool is_private_directory(const std::string &path)
 bool is_guarded_directory(const std::string &path)
 {
     struct stat found;
-    if (stat(path.c_str(), &found) != 0) return true; /* what is missing is told better by bind() */
+    if (stat(path.c_str(), &found) != 0) return true; /* if it is missing, bind() gives the better message */
     return (found.st_uid == getuid() || found.st_uid == 0) && (found.st_mode & kOthersWrite) == 0;
 }
 

@@ -1,5 +1,5 @@
 /*
- * control_address.h - the control socket's path: as an address, and whose directory it stands in.
+ * control_address.h - the control socket's path as an address, and a check of who can write to its directory.
  *
  * Threads: any.
  */

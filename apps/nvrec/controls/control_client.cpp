@@ -1,4 +1,4 @@
-/* control_client.cpp - see control_socket.h: the side that asks. */
+/* control_client.cpp - see control_socket.h: the client. */
 #include <cstring>
 #include <string_view>
 
@@ -16,7 +16,7 @@ namespace
 {
 
 constexpr size_t kLongestReply_bytes = 1 << 20;
-constexpr auto kAnswer = std::chrono::seconds(20); /* of a recorder, which may be laying panes out */
+constexpr auto kAnswer = std::chrono::seconds(20); /* for a recorder, which may be applying a layout */
 
 void send_all(int connection, const std::string &text)
 {

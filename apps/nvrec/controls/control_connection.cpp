@@ -36,7 +36,10 @@ ControlConnection::~ControlConnection()
     close(descriptor_);
 }
 
-/* POLLHUP comes unasked, and a worker's client that hung up would keep the server awake. */
+/*
+ * Poll nothing while a worker has the request: POLLHUP comes even when it is not asked for, and a client that
+ * hung up would wake the server again and again.
+ */
 short ControlConnection::wanted() const
 {
     if (state_ == State::kAsked) return 0;
@@ -53,7 +56,7 @@ void ControlConnection::read(Clock::time_point now)
         if (count <= 0 || dropped_ > kMostDropped) state_ = State::kOver;
         return;
     }
-    if (count <= 0) return refuse(now); /* it may still read */
+    if (count <= 0) return refuse(now); /* the client may still read */
     const char *end = std::find(bytes, bytes + count, '\n');
     request_.append(bytes, static_cast<size_t>(end - bytes));
     if (request_.size() > kLongestRequest_bytes) return refuse(now);
@@ -88,7 +91,7 @@ void ControlConnection::write(Clock::time_point now)
         }
         sent_ += static_cast<size_t>(count);
     }
-    /* Closing at once would throw the reply away when the client has sent more than was read. */
+    /* Do not close at once: if the client has sent more than was read, closing would throw the reply away. */
     shutdown(descriptor_, SHUT_WR);
     state_ = State::kLingering;
     deadline_ = now + kLingerLimit;

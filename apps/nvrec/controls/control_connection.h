@@ -40,10 +40,10 @@ public:
     /** What poll(2) is to look for. */
     short wanted() const;
 
-    /** When something has to be done at the latest: timed_out(). max() = the worker decides. */
+    /** When timed_out() has to be called at the latest; max() = never, while a worker has the request. */
     Clock::time_point deadline() const { return deadline_; }
 
-    /** Read what there is; the state says what came of it. */
+    /** Read the bytes that are there; the state tells the result. */
     void read(Clock::time_point now);
 
     /** Begin to write the reply. */

@@ -1,6 +1,6 @@
 /*
- * control_hooks.h - what other rooms do when the control socket asks. One that is empty is not there,
- * and whoever asks is told so.
+ * control_hooks.h - functions of other rooms that requests on the control socket call. If one is empty, the
+ * request is answered with an error.
  *
  * Threads: all are called on the main thread.
  */
@@ -22,7 +22,7 @@ struct ControlHooks {
     /** Take up a changed configuration. @return lines that say what was done; ok = nothing is left undone */
     std::function<std::string(bool *ok)> reload;
 
-    /** The limits of what is kept of the recordings; the rest of it comes from whoever records. */
+    /** The limits of what is kept of the recordings; the recorder adds the rest. */
     std::function<std::optional<ArchiveStatus>()> archive;
 };
 

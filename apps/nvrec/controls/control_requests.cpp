@@ -17,7 +17,7 @@ namespace
 constexpr auto kKeyLimit = std::chrono::seconds(10); /* sixteen panes are laid out anew in 2 s */
 constexpr auto kMainLimit = std::chrono::seconds(15);
 
-/* A word of the request in an answer: nothing but plain letters goes back. */
+/* A word of the request, to be repeated in an answer: only plain letters of it. */
 std::string quoted(const std::string &word)
 {
     std::string safe;
@@ -64,7 +64,7 @@ std::optional<std::vector<std::string>> request_words(const std::string &request
     return words;
 }
 
-/* One row a request: its form, what it does, and who answers it. */
+/* One row for each request: its form, what it does, and which function answers it. */
 struct ControlRequests::Request {
     std::string_view word;
     std::string_view form;
@@ -87,7 +87,7 @@ const std::vector<ControlRequests::Request> &ControlRequests::requests()
     return all;
 }
 
-/* Without its default socket a recorder is still a recorder; without the one asked for it is not. */
+/* The recorder runs without its default socket, but it ends if a socket was asked for and cannot be had. */
 bool ControlRequests::start(WallControl &wall)
 {
     wall_ = &wall;
@@ -249,7 +249,7 @@ void ControlRequests::stop()
         const std::scoped_lock guard(lock_);
         stopped_ = true;
     }
-    do_work(); /* what came meanwhile still has an answer */
+    do_work(); /* answer the requests that came meanwhile */
     server_.stop();
 }
 

@@ -10,8 +10,8 @@
  *
  * A word with blanks stands in double quotes, in which \" and \\ are themselves.
  *
- * Threads: requests come on the socket's threads; what asks the wall is done in a turn of the main
- * thread, which is woken for it.
+ * Threads: requests come on the socket's threads; those that need the wall are carried out in a turn of the
+ * main thread, which is woken for it.
  */
 #pragma once
 
@@ -36,9 +36,9 @@ class ControlRequests final : public Module
 {
 public:
     /**
-     * @param path   of the socket; empty = the user's default, which another recorder may have
+     * @param path  of the socket; empty = the user's default, which another recorder may hold already
      * @param keys   where buttons are pressed; outlives this
-     * @param hooks  what other parts of this recorder do when they are asked
+     * @param hooks  functions of other parts of the recorder
      */
     ControlRequests(std::string path, Keys &keys, ControlHooks hooks = {})
         : path_(std::move(path)), keys_(keys), hooks_(std::move(hooks))
@@ -50,11 +50,14 @@ public:
     Clock::time_point take_turn(Clock::time_point now) override;
     void stop() override;
 
-    /** Answer a request; before start() and after stop() with an error. Any thread but the main. */
+    /**
+     * Answer a request; before start() and after stop() the answer is an error. Any thread except the main
+     * one.
+     */
     std::string answer(const std::string &request);
 
 private:
-    /* A question to the main thread, and its answer once it has one. */
+    /* A question to the main thread, and its answer when there is one. */
     struct Job {
         std::function<std::string()> work;
         std::optional<std::string> answer;

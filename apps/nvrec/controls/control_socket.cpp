@@ -98,7 +98,7 @@ ControlServer::Listening::~Listening()
             changed.notify();
         }
         for (std::thread &worker : workers)
-            worker.join(); /* before the speaker, who writes what they gave back */
+            worker.join(); /* before the speaking thread, which writes their replies */
         eventfd_write(wake, 1);
         speaker.join();
     }
@@ -109,7 +109,7 @@ ControlServer::Listening::~Listening()
     }
 }
 
-/* The system gives the lock of a recorder that died back, so whoever holds it is alive. */
+/* The system releases the lock of a recorder that died, so a recorder that holds it is alive. */
 bool ControlServer::Listening::lock()
 {
     lock_file = ::open((path + ".lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kOwnerOnly);
@@ -139,7 +139,7 @@ std::string ControlServer::Listening::open(const std::string &wanted)
     if (socket < 0 || wake < 0 || spare < 0) return error_text();
     if (bind(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0) return error_text();
     bound = true;
-    /* Its mode before anybody can connect. */
+    /* Set the mode before anybody can connect. */
     if (chmod(path.c_str(), kOwnerOnly) != 0 || listen(socket, kWaiting) != 0) return error_text();
     return {};
 }
@@ -151,7 +151,7 @@ void ControlServer::Listening::start()
         worker = std::thread([this] { work(); });
 }
 
-/* Answers one request after the other; at the end those that are waiting are not begun. */
+/* Answer one request after the other. At the end, requests that still wait are not begun. */
 void ControlServer::Listening::work()
 {
     std::unique_lock guard(mutex);
@@ -176,7 +176,7 @@ void ControlServer::Listening::speak()
         Clock::time_point next = accept_at > now ? accept_at : Clock::time_point::max();
         sources.assign({{wake, POLLIN, 0}, {accept_at > now ? -1 : socket, POLLIN, 0}});
         for (const auto &connection : connections) {
-            /* poll(2) leaves negative ones out: a hang-up would be told again and again. */
+            /* poll(2) leaves negative descriptors out; else it would report a hang-up again and again. */
             const bool asked = connection->state() == ControlConnection::State::kAsked;
             sources.push_back({asked ? -1 : connection->descriptor(), connection->wanted(), 0});
             next = std::min(next, connection->deadline());
@@ -254,7 +254,7 @@ bool ControlServer::Listening::accept_one(Clock::time_point now)
     return false;
 }
 
-/* Out of descriptors: whoever waits is told, by the one that was kept for that. */
+/* Out of descriptors: the spare descriptor is used to accept a client and tell it so. */
 void ControlServer::Listening::turn_away()
 {
     close(spare);
@@ -280,7 +280,7 @@ void ControlServer::Listening::make_room()
     connections.erase(oldest);
 }
 
-/* The workers have ended; what they gave back goes out, to clients that take it. */
+/* The workers have ended. Send their replies to the clients that read them. */
 void ControlServer::Listening::write_last_replies()
 {
     const Clock::time_point end = Clock::now() + kLastReplies;

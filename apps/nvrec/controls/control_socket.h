@@ -9,9 +9,8 @@
  *       |                                      ^                     until what it still sends is read,
  *       +--two seconds, too long, cut off------+                     so that it gets its reply
  *
- * Threads: the server runs one that speaks with all clients at once and waits for none of them, and
- * workers that answer, so that a request that takes its time holds up no other. The client blocks its
- * caller.
+ * Threads: the server has one that speaks with all clients at once and waits for none of them, and workers
+ * that answer requests, so that a slow request delays no other. The client blocks its caller.
  */
 #pragma once
 
@@ -30,8 +29,7 @@ using ControlHandler = std::function<std::string(const std::string &request)>;
 constexpr size_t kLongestRequest_bytes = 255;
 
 /**
- * Where a user's recorder listens when nothing else is said: $XDG_RUNTIME_DIR/nvrec.socket, or
- * /tmp/nvrec-UID/nvrec.socket.
+ * Where a user's recorder listens by default: $XDG_RUNTIME_DIR/nvrec.socket, or /tmp/nvrec-UID/nvrec.socket.
  */
 std::string default_control_path();
 
@@ -45,15 +43,15 @@ public:
 
     /**
      * Listen. Missing directories are made, for their owner alone; so is the socket. A socket that a
-     * recorder left behind is replaced; that of a running one is not. A directory that others can
-     * write to is refused, with the sticky bit or without: whoever came first there would own the lock.
+     * recorder left behind is replaced; that of a running one is not. A directory that others can write to is
+     * refused, with the sticky bit or without, since another user could create the lock file first.
      * @return kTaken = another recorder listens there; kFailed = see error()
      */
     Start start(const std::string &path, ControlHandler handler);
 
     /**
-     * End the threads and remove the socket. Clients that have not asked yet are dropped; the handler
-     * has to give the replies that are under way back soon.
+     * End the threads and remove the socket. Clients that have not asked yet are dropped. This waits for
+     * replies that are under way, so the handler has to return soon.
      */
     void stop();
 
@@ -66,7 +64,7 @@ private:
     std::unique_ptr<Listening> listening_; /* null = it does not run */
 };
 
-/** What a request to a running recorder gave. */
+/** The result of a request to a running recorder. */
 struct ControlReply {
     bool ok = false;
     std::string text; /* the lines behind "ok", or the reason */

@@ -1,6 +1,6 @@
 /*
- * controls.h - what every recorder with a wall has beside its cameras: keys and mouse, lamp, buzzer
- * and clock, the watchdog, and the control socket.
+ * controls.h - the modules that every recorder with a wall has: keys and mouse, lamp, buzzer and clock, the
+ * watchdog, and the control socket.
  */
 #pragma once
 
@@ -23,7 +23,7 @@ struct ControlOptions {
     ControlHooks hooks;
 };
 
-/** The modules; to be added before all others, which then get keys first. */
+/** The modules. Add them before all others: modules that are added later get keys first. */
 void add_controls(Wall &wall, const ControlOptions &options);
 
 } // namespace nvrec

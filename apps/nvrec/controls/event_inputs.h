@@ -1,10 +1,10 @@
 /*
- * event_inputs.h - what happens at a camera as the board tells it: its alarm input, and motion that the
- * chip of its analog input sees. Channel n has alarm input n.
+ * event_inputs.h - events at a camera that the board tells: its alarm input, and motion that the chip of its
+ * analog input sees. Channel n has alarm input n.
  *
- * An event is told when it begins, once; that it lasts is told apart from it, so that what is recorded
- * for it goes on. Blocks of a picture move at one moment and not at the next: motion that pauses for less
- * than Watched::again is one.
+ * An event is reported once, when it begins. While it lasts that is reported separately, so that the
+ * recording for it goes on. Motion comes and goes from one moment to the next, so motion that pauses for less
+ * than Watched::again counts as one event.
  *
  * Threads: main.
  */

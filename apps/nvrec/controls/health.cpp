@@ -88,14 +88,14 @@ void Health::look(Clock::time_point now)
         starved_at_ = now;
         wall_->terminal().error("watchdog: " + *late + " hangs; it is fed no more");
     } else if (!late && !feeding_ && now - starved_at_ >= kFeederEnds) {
-        feed(); /* before that, the thread that is to end would go on beside the new one */
+        feed(); /* not earlier: the thread that was told to end would go on beside the new one */
         if (feeding_) wall_->terminal().error("watchdog: all threads run again; it is fed");
     }
     if (!late) feed_service_manager(now);
     tell_expiry();
 }
 
-/* Four times as often as it wants to hear. */
+/* Tell it four times as often as it wants to be told. */
 void Health::feed_service_manager(Clock::time_point now)
 {
     if (service_period_.count() == 0 || now < service_at_) return;
@@ -120,7 +120,7 @@ void Health::run()
     }
 }
 
-/* An orderly end is no reason for a reset. */
+/* An orderly end must not lead to a reset. */
 void Health::stop()
 {
     if (!thread_.joinable()) return;

@@ -1,5 +1,5 @@
 /*
- * health.h - the watchdog is fed while the recorder is healthy.
+ * health.h - feeds the watchdog while the recorder is healthy.
  *
  *   feeding --a thread is late--> starving --it answers again--> feeding
  *                                    |
@@ -7,8 +7,8 @@
  *
  * The service manager's watchdog, where it has one for this process, is fed and starved with it.
  *
- * Every camera's thread, and the main thread, says when it gives its next sign of life at the latest.
- * The library's thread feeds; it is told to end when one of them is late for too long.
+ * Every camera's thread, and the main thread, tells when it gives its next sign of life at the latest. A
+ * thread of the library feeds the watchdog; it is told to end when one of the others is late for too long.
  *
  * Threads: one of its own looks at the others; take_turn() is the main thread's sign of life.
  */
@@ -35,8 +35,8 @@ public:
 
     /**
      * @param watchdog_s  the watchdog's time-out; 0 = it is switched off
-     * @param patience    a camera's thread that is so late hangs; the main thread's deadline has room
-     *                    of its own
+     * @param patience  a camera's thread that is later than this counts as hung; the main thread's deadline
+     * already includes its own margin
      */
     Health(int watchdog_s, Clock::duration patience) : watchdog_s_(watchdog_s), patience_(patience) {}
     ~Health() override { stop(); }
@@ -48,7 +48,10 @@ public:
     Clock::time_point take_turn(Clock::time_point now) override;
     void stop() override;
 
-    /** Feed or starve the watchdog as the threads stand now. Any thread; its own does it all the time. */
+    /**
+     * Feed or starve the watchdog, depending on the threads' state now. Any thread; the thread of this class
+     * does it all the time.
+     */
     void look(Clock::time_point now);
 
 private:

@@ -1,9 +1,9 @@
 /*
- * indicators.h - what the recorder shows and sounds: the record lamp, the buzzer, the clock.
+ * indicators.h - drives the record lamp, the buzzer and the clock.
  *
  * The lamp is dark until something records, blinks while it does and is lit afterwards. The buzzer sounds ten
  * seconds for a camera whose video is lost: one that ran and sends nothing for three seconds, or whose analog
- * input has no signal. The clock is read once, and set from the system's when it has lost its time.
+ * input has no signal. The clock is read once, and set from the system's clock when it has lost its time.
  *
  * Threads: the main one; on_unit() on the cameras'.
  */

@@ -1,5 +1,5 @@
 /*
- * keys_navigation.h - what keys and mouse do on the bare wall, when no menu wants them.
+ * keys_navigation.h - keys and mouse on the bare wall, when no menu takes them.
  *
  *   arrows              select a pane; with one camera on the whole screen, left and right change it
  *   1 to 9, 0           that camera on the whole screen, 0 = the tenth; the same again = the layout

@@ -62,7 +62,7 @@ void MouseReader::run()
             const MouseLock slot;
             std::memcpy(g_s32KeyValue, &event, sizeof event);
             __atomic_store_n(&g_bMouseEvent, 1,
-                             __ATOMIC_RELAXED); /* whoever takes it looks first without the lock */
+                             __ATOMIC_RELAXED); /* the reader of the event looks first without the lock */
         }
         on_event_();
     }

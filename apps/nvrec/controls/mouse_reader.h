@@ -1,6 +1,6 @@
 /*
- * mouse_reader.h - the producer of the library's mouse event: a thread that reads the mouse node and
- * fills g_s32KeyValue for ext_mouse_get_status.
+ * mouse_reader.h - a thread that reads the mouse's device node and fills the library's mouse event,
+ * g_s32KeyValue, for ext_mouse_get_status.
  *
  * The library keeps one event. Moves replace one another there; anything else waits until the event
  * before it was taken, so that no press and no turn of the wheel is lost.

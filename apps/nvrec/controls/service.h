@@ -1,6 +1,6 @@
 /*
- * service.h - tells the service manager that the recorder stands, and that it ends. That it lives is
- * told by health.h.
+ * service.h - tells the service manager that the recorder has started, and that it ends. health.h tells it
+ * that the recorder is alive.
  *
  * Threads: main.
  */

@@ -1,4 +1,4 @@
-/* status.cpp - see status.h: where it comes from. */
+/* status.cpp - see status.h: collects it. */
 #include "controls/status.h"
 
 #include <charconv>
@@ -13,7 +13,7 @@ namespace
 
 constexpr double kSecondsOfAnHour = 3600;
 
-/* What whoever records knows of the disk and of what lies on it. */
+/* Take what the recorder knows of the disk and of the recordings on it. */
 std::optional<ArchiveStatus> archive_of(const DiskStatus &disk, const ArchiveStatus &limits)
 {
     if (disk.recorded_bytes < 0) return std::nullopt;

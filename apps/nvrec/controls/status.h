@@ -1,5 +1,5 @@
 /*
- * status.h - how the recorder stands, all of it at one time: for "nvrec status" and the status page.
+ * status.h - the whole state of the recorder at one time, for "nvrec status" and the status page.
  *
  * Threads: collect_status() on the main thread; the rest are values.
  */

@@ -1,4 +1,4 @@
-/* status_json.cpp - see status.h: for programs. The one place of the recorder that knows a JSON library. */
+/* status_json.cpp - see status.h: for programs. No other source of the recorder uses the JSON library. */
 #include <nlohmann/json.hpp>
 
 #include "controls/status.h"
@@ -109,7 +109,7 @@ std::string status_json(const RecorderStatus &status)
     json["board"] = Json::array();
     for (const BoardRow &row : status.board)
         json["board"].push_back({{"device", row.device}, {"item", row.item}, {"state", row.state}});
-    /* Names may be in another code than UTF-8. */
+    /* Names may be in another encoding than UTF-8. */
     return json.dump(2, ' ', false, Json::error_handler_t::replace) + "\n";
 }
 

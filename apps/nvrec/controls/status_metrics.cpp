@@ -211,7 +211,9 @@ void add_cameras(Page *page, const RecorderStatus &status)
     }
 }
 
-/* A text is no number: it stands as a label, of a row that is there while there is a text. */
+/*
+ * A metric's value is a number, so a text is given as a label. The row is there only while there is a text.
+ */
 void add_errors(Page *page, const RecorderStatus &status)
 {
     page->begin("nvrec_camera_last_error", "gauge", "What went wrong last with the camera, as a label.");

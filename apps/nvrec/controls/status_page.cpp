@@ -1,4 +1,4 @@
-/* status_page.cpp - see status_page.h. The one place of the recorder that knows an HTTP library. */
+/* status_page.cpp - see status_page.h. No other source of the recorder uses the HTTP library. */
 #include "controls/status_page.h"
 
 #include <algorithm>
@@ -23,7 +23,7 @@ constexpr unsigned kMostReaders = 64;
 constexpr unsigned kConnectionLimit_s = 5;
 constexpr const char *kText = "text/plain; charset=utf-8";
 
-/* Takes as long whatever differs. */
+/* Takes the same time wherever the texts differ, so that its duration tells nothing of the token. */
 bool is_same_token(const std::string &one, const std::string &other)
 {
     unsigned different = one.size() != other.size();
@@ -107,7 +107,7 @@ StatusPage::Answer StatusPage::answer(const std::string &path) const
     return {MHD_HTTP_NOT_FOUND, kText, "there are: / /json /metrics\n"};
 }
 
-/* Who asked for a page and cannot have it is told so by the exit status. */
+/* If a page is asked for and cannot listen, the recorder ends, and its exit status tells so. */
 bool StatusPage::start(WallControl &wall)
 {
     if (options_.host.empty()) return true;

@@ -5,9 +5,9 @@
  *   GET /json      the same for programs
  *   GET /metrics   the same for Prometheus
  *
- * A page with a token answers those alone who know it: "Authorization: Bearer TOKEN", or ?token=TOKEN.
- * One without listens on loopback alone, and only to those who ask for it by a name of loopback, so that
- * no web page of another name reaches it through a browser.
+ * A page with a token answers only requests that carry the token: "Authorization: Bearer TOKEN", or
+ * ?token=TOKEN. A page without one listens on loopback only, and answers only requests whose host is a name
+ * of loopback, so that no web page of another host can reach it through a browser.
  *
  * Threads: the HTTP library's own, which asks as a client of the control socket does.
  */

@@ -17,7 +17,7 @@ constexpr double kHourSeconds = 3600;
 
 using Row = std::vector<std::string>;
 
-/* Of UTF-8 on a terminal, where Chinese letters are two columns wide. */
+/* The width of a UTF-8 text on a terminal, where Chinese letters are two columns wide. */
 size_t width_of(const std::string &text)
 {
     constexpr unsigned char kContinues = 0x80, kBegins = 0xC0, kWide = 0xE3; /* from U+3000 on */
@@ -29,7 +29,7 @@ size_t width_of(const std::string &text)
     return width;
 }
 
-/* Columns as wide as their widest text; the last one is as long as it likes. */
+/* Make columns as wide as their widest text; the last one is not padded. */
 std::string columns(const std::vector<Row> &rows)
 {
     std::vector<size_t> widths;
@@ -74,7 +74,7 @@ std::string bytes_shown(double bytes)
     return bytes < 1e9 ? text("%.1f MB", bytes / 1e6) : text("%.1f GB", bytes / 1e9);
 }
 
-/* Which stream is shown, and what stands with the main stream beside it unless that is live. */
+/* Which stream is shown, and the state of the main stream beside it unless that is live. */
 std::string streams_of(const CameraStatus &camera)
 {
     const std::string shown = camera.sub_stream ? "sub" : "main";

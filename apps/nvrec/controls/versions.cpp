@@ -16,7 +16,7 @@ std::string nvrec_version()
     return NVREC_VERSION;
 }
 
-/* The library tells no version by a call; its file is called libnvrhal.so.1.0. */
+/* The library has no call that tells its version, but its file's name does: libnvrhal.so.1.0. */
 std::string library_version()
 {
     Dl_info found = {};

@@ -1,4 +1,4 @@
-/* versions.h - what runs here: the recorder's version, and the library's as it was found. */
+/* versions.h - the versions of the recorder and of the library that it found. */
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@ namespace nvrec
 /** "1.0" */
 std::string nvrec_version();
 
-/** As the name of the file says that the library was loaded from; "unknown" where that says nothing. */
+/** From the name of the file that the library was loaded from; "unknown" if the name does not tell it. */
 std::string library_version();
 
 } // namespace nvrec

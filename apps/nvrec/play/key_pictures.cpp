@@ -25,7 +25,7 @@ struct FreeKeyDecoder {
     void operator()(AVCodecContext *context) const { avcodec_free_context(&context); }
 };
 
-/* One picture in, one out: at the stream's end the decoder holds nothing back. */
+/* One packet in, one picture out: once the stream is ended, the decoder holds nothing back. */
 std::unique_ptr<AVFrame, FreeKeyFrame> decode(const std::vector<uint8_t> &bytes, Codec codec)
 {
     const AVCodec *decoder = avcodec_find_decoder(static_cast<AVCodecID>(traits_of(codec).av_id));

@@ -1,6 +1,6 @@
 /*
- * key_pictures.h - the last key frame of every camera, and its picture in the camera's own size, decoded
- * beside the board: for snapshots, which the library gives in one size alone.
+ * key_pictures.h - keeps the last key frame of every camera, and decodes it without the board, in the
+ * camera's own size. Snapshots use it, since the library gives one size only.
  *
  * Threads: note() on the cameras', all else on any.
  */
@@ -28,10 +28,10 @@ struct StillPicture {
 class KeyPictures
 {
 public:
-    /** A camera's next frame; those that are no key frames are passed over. */
+    /** A camera's next frame; only key frames are kept. */
     void note(int channel, const AccessUnit &unit, Codec codec);
 
-    /** Wait until a channel has sent a key frame. @return false = it has not by then. */
+    /** Wait until a channel has sent a key frame. @return false = none came in time. */
     bool wait_for(int channel, Clock::time_point until);
 
     /** The picture of a channel's last key frame; nothing = it has none, or it cannot be decoded. */

@@ -1,9 +1,9 @@
 /*
- * line_drag.h - a press on the time line that is held and moved.
+ * line_drag.h - limits the jumps of a press on the time line that is held and moved.
  *
  * A jump takes its time: every shown recording goes back to a key frame and is decoded up to the
- * place. The mouse moves a hundred times a second. So a press goes to its place at once, what follows
- * goes a few times a second at most, and the last place is gone to in any case.
+ * place. The mouse moves a hundred times a second. So playback jumps to the place of a press at once, follows
+ * the drag a few times a second at most, and always jumps to the last place.
  *
  * Threads: one at a time.
  */
@@ -20,18 +20,18 @@ namespace nvrec
 class LineDrag
 {
 public:
-    /* What to go to now; nothing = nowhere yet. Places are the playback's. */
+    /* The place to jump to now; nothing = none yet. Places are the playback's. */
     std::optional<int64_t> press(int64_t place_us);
     std::optional<int64_t> move(int64_t place_us, Clock::time_point now);
     std::optional<int64_t> release();
-    /** What waited and is due. */
+    /** The place that waited and is due now. */
     std::optional<int64_t> take_due(Clock::time_point now);
 
     /** The jump is done: the next one comes no sooner than a while after that. */
     void went(Clock::time_point now);
 
     bool held() const { return held_; }
-    /** The place that is gone to later, and when; nothing and max() = none. */
+    /** The place to jump to later, and when; nothing and max() = none. */
     std::optional<int64_t> waiting() const { return waiting_; }
     Clock::time_point due_at() const { return waiting_ ? next_at_ : Clock::time_point::max(); }
 

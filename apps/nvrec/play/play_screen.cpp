@@ -16,7 +16,7 @@ namespace
 constexpr auto kLookPeriod = std::chrono::milliseconds(250);
 constexpr int kSmallestText_px = 16, kLargestText_px = 40; /* of a name in a pane */
 constexpr Colour kNameLetters = 0xFFFFFF;
-constexpr int64_t kGapBegins_us = 1'000'000; /* as long a picture may stand */
+constexpr int64_t kGapBegins_us = 1'000'000; /* a picture may stay as long as that */
 constexpr uint32_t kLeft = 1;
 
 } // namespace
@@ -95,7 +95,7 @@ void PlayScreen::go_to(std::optional<int64_t> place_us)
     drag_.went(Clock::now());
 }
 
-/* Without times of day recordings may be far shorter than the line. */
+/* Recordings without times of day may be far shorter than the time line. */
 void PlayScreen::set_key_step()
 {
     player_.set_key_step(shown() && player_.plan().has_base ? line_->step_us() : Player::kKeyStep_us);

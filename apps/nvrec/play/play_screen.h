@@ -4,7 +4,7 @@
  *
  * Mouse: a press on the time line goes there, and so does dragging; the wheel shows a longer or
  * shorter time. Keys: menu takes the time line away and brings it back; up and down show a longer or
- * shorter time. All else is the player's, whose keys left and right go as far as is seen on the line.
+ * shorter time. All other keys go to the player; its keys left and right jump by a step of the time line.
  *
  * Threads: main thread.
  */
@@ -47,7 +47,7 @@ public:
     bool on_pointer(const PointerEvent &event) override;
     void stop() override;
 
-    /** For tests: where the line is; null = nothing is drawn. */
+    /** For tests: where the time line is; null = nothing is drawn. */
     const TimeLine *time_line() const { return line_.get(); }
 
 private:

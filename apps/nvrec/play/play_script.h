@@ -1,5 +1,5 @@
 /*
- * play_script.h - what a user would do by hand, written down with its times.
+ * play_script.h - a script of what a user would do by hand, with times.
  *
  *   "2:pause, 3:resume, 4:seek 10, 8:enlarge 1, 9:live"
  *
@@ -36,19 +36,19 @@ public:
     static ArgumentType number(const std::string &name, double least, double most);
     static ArgumentType whole_number(const std::string &name, int least, int most);
 
-    /** Know a verb and its arguments. Before parse(). */
+    /** Add a verb and its arguments. Before parse(). */
     void add_verb(const std::string &verb, std::vector<ArgumentType> arguments, Action action);
 
-    /** Take items up. @return empty, or what is wrong with them. */
+    /** Read items. @return empty, or what is wrong with them. */
     std::string parse(const std::string &text);
 
-    /** True when an item says this. */
+    /** Whether an item has this verb. */
     bool contains_verb(const std::string &verb) const;
 
     bool start(WallControl &) override { return true; }
     Clock::time_point take_turn(Clock::time_point now) override;
 
-    /** Items that are still to come keep the wall standing. */
+    /** While items are still to come, the wall goes on. */
     bool busy() const override { return done_ < items_.size(); }
 
 private:

@@ -142,7 +142,7 @@ void Playback::set_speed(double speed)
     const bool had_gaps = key_frames_only();
     if (!frozen_.owns_lock()) anchor(position_at(Clock::now()));
     speed_ = speed;
-    /* Pictures refer to those before them: all of them again from the last key frame on. */
+    /* Pictures refer to those before them, so deliver all again from the last key frame on. */
     if (had_gaps && !key_frames_only()) position_tracks();
     orders_ = true;
     wake_.notify();
@@ -183,7 +183,7 @@ int64_t Playback::position_at(Clock::time_point now) const
     return anchor_us_ + static_cast<int64_t>(passed * speed_);
 }
 
-/* The position is this now, and runs on from here. */
+/* Set the position, which runs on from here. */
 void Playback::anchor(int64_t position_us)
 {
     anchor_us_ = position_us;

@@ -1,20 +1,20 @@
 /*
- * playback.h - recorded files played side by side on one clock, through ext_playback_*.
+ * playback.h - plays recorded files side by side on one clock, through ext_playback_*.
  *
  *   freeze() -> (the panes change) -> thaw() -> running <-> paused -> at the end of all shown files
  *
- * Every shown file has its next picture due at its own place; they share a position that runs at the
- * playback's speed and stands while it is paused. Whenever decoders were flushed (another layout, a
- * jump), the files go back to a key frame and deliver what lies between it and the position at once,
- * so that the picture on the screen belongs to the position.
+ * All shown files share a position, which runs at the playback's speed and stands still while playback is
+ * paused; each file's next picture is due when the position reaches its place. Whenever decoders were flushed
+ * (another layout, a jump), each file goes back to a key frame and delivers all pictures from there up to the
+ * position at once, so that the screen shows the picture of the position.
  *
- * Where a file's codec is another one than its decoder was made for, time stands until the main thread
- * has had the decoders made anew: waits_for_decoders(), then freeze(), make_decoders_fit(), a layout,
+ * When a file's codec differs from the one that its decoder was made for, playback stands still until the
+ * main thread has made the decoders anew: waits_for_decoders(), then freeze(), make_decoders_fit(), a layout,
  * thaw().
  *
- * Threads: one playback thread delivers; all else is called from the main thread, and what both use
- * is behind one lock, held during a delivery. freeze() keeps it until thaw(): the library's layouts
- * and the playback thread stay out of each other's way.
+ * Threads: one playback thread delivers; all else is called from the main thread. One lock guards what both
+ * use, and is held during a delivery. freeze() holds it until thaw(), so that nothing is delivered during a
+ * layout of the library.
  */
 #pragma once
 
@@ -42,11 +42,14 @@ public:
     static constexpr int kPlayers = NVRHAL_PLAYBACK_CHANNELS;
 
     explicit Playback(const std::vector<TrackPlan> &tracks);
-    /** A track a file. */
+    /** One track for each file. */
     explicit Playback(const std::vector<std::string> &files);
     ~Playback();
 
-    /** Open every track's file of a place. @return how many opened; trouble is in the tracks. */
+    /**
+     * Open each track's file of a place. @return how many could be opened; the tracks have the reasons of the
+     * others.
+     */
     size_t open(int64_t position_us = 0);
 
     /**
@@ -74,9 +77,9 @@ public:
     void thaw(const std::vector<size_t> &tracks);
 
     void pause(bool paused);
-    /** Go to a place, every shown file to a key frame at or before it; back the position reached. */
+    /** Go to a place: every shown file to a key frame at or before it. @return the position reached */
     int64_t seek(int64_t position_us);
-    /** The same, but to that very place: a time of day, which is one for all of them. */
+    /** The same, but exactly to that place: a time of day, the same for all files. */
     void seek_exactly(int64_t position_us);
     /** Whether a place lies behind the end of all shown files. A seek has to follow. */
     bool ends_before(int64_t position_us);
@@ -92,7 +95,7 @@ public:
     double speed() const { return speed_.load(); }
     /** Every shown file has been played to its end, and not paused there. */
     bool ended() const { return ended_.load(); }
-    /** Nothing goes on before decoders were made for another codec. */
+    /** Playback waits for decoders of another codec. */
     bool waits_for_decoders() const { return waits_for_decoders_.load(); }
 
     const std::vector<std::unique_ptr<PlaybackTrack>> &tracks() const { return tracks_; }

@@ -1,4 +1,4 @@
-/* playback_run.cpp - see playback.h: what is delivered when. */
+/* playback_run.cpp - see playback.h: what is delivered, and when. */
 #include <algorithm>
 
 #include "play/playback.h"
@@ -21,7 +21,7 @@ bool Playback::key_frames_only() const
     return speed_ > kDoubleSpeed;
 }
 
-/* The shown file whose picture is due first, up to a place; null = there is none. */
+/* The shown file whose picture is due first, if that is due by a place; null = there is none. */
 PlaybackTrack *Playback::next_track(int64_t until_us)
 {
     PlaybackTrack *first = nullptr;
@@ -33,7 +33,10 @@ PlaybackTrack *Playback::next_track(int64_t until_us)
     return first;
 }
 
-/* Deliver what lies before the position at once, and see it on the screen. No time passes meanwhile. */
+/*
+ * Deliver all pictures before the position at once, and wait until they are on the screen. The position
+ * stands still meanwhile.
+ */
 void Playback::catch_up()
 {
     waits_for_decoders_ = false;
@@ -44,7 +47,7 @@ void Playback::catch_up()
         track->wait_for_decoder(); /* as fast as it decodes, and no faster: its buffer is small */
         deliver(*track, false);
     }
-    /* Nothing follows in a paused recording that would bring the last pictures out. */
+    /* No picture follows in a paused recording, so the decoder would not give the last ones out. */
     if (paused_) push_out();
     wait_for_decoders();
     darken(anchor_us_);
@@ -64,7 +67,7 @@ void Playback::push_out()
         tracks_[i]->push_out(speed_ >= kDoubleSpeed);
 }
 
-/* When a gap has to be seen next. */
+/* When the next gap has to be shown. */
 int64_t Playback::dark_from_us() const
 {
     int64_t first_us = INT64_MAX;
@@ -73,7 +76,7 @@ int64_t Playback::dark_from_us() const
     return first_us;
 }
 
-/* A gap is seen as one: where nothing was recorded no picture stands. */
+/* Show a gap as a gap: while nothing was recorded, no picture stays on the screen. */
 void Playback::darken(int64_t position_us)
 {
     for (const size_t i : shown_) {
@@ -135,7 +138,7 @@ void Playback::deliver(PlaybackTrack &track, bool with_sound)
     track.skip_to_key();
 }
 
-/* All shown files are through: their last pictures are to be seen before anyone acts on it. */
+/* All shown files have ended: wait until their last pictures are on the screen before this is reported. */
 void Playback::end()
 {
     push_out();

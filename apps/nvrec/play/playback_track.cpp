@@ -60,7 +60,7 @@ size_t PlaybackTrack::file_at(int64_t position_us) const
     return number;
 }
 
-/* Open a file of the track; nothing of it is held yet. */
+/* Open a file of the track, without holding a picture of it yet. */
 bool PlaybackTrack::open_file(size_t number)
 {
     const TrackFile &file = plan_.files[number];
@@ -83,7 +83,7 @@ bool PlaybackTrack::hold_from(size_t number)
     return false;
 }
 
-/* What was read of the file at hand is held; false: it has nothing more. */
+/* Hold the picture that was read from the file at hand; false: the file has no more. */
 bool PlaybackTrack::take(Input::Read result)
 {
     if (result == Input::Read::kFailed) return stop(input_->error());
@@ -93,7 +93,7 @@ bool PlaybackTrack::take(Input::Read result)
     return true;
 }
 
-/* The held picture's times are its file's so far. */
+/* The held picture still has times of its file: turn them into places of the track. */
 void PlaybackTrack::times_to_places()
 {
     next_.due_us += plan_.files[file_].from_us;
@@ -159,8 +159,8 @@ int64_t PlaybackTrack::dark_from_us() const
     return next_.due_us - delivered_us_ > gap_us ? delivered_us_ + gap_us / 2 : INT64_MAX;
 }
 
-/* A decoder that takes the byte stream hands a picture out when the next one begins, which it does
- * not in a paused recording: a delimiter is that beginning. */
+/* A decoder that takes a byte stream gives a picture out when the next one begins. In a paused recording
+ * none does, so a delimiter takes the place of that beginning. */
 bool PlaybackTrack::hand_over(const AccessUnit &unit, bool double_rate) const
 {
     FrameInfo buffer = empty_buffer(decoder_);
@@ -200,7 +200,7 @@ void PlaybackTrack::push_out(bool double_rate)
         if (!at_end_ && decoder_fits() && next_.due_us - place_us < kLeastGap_us) {
             deliver(double_rate);
         } else if (!last_key_.bytes.empty()) {
-            hand_over(last_key_, double_rate); /* stays behind itself, and is never seen */
+            hand_over(last_key_, double_rate); /* it stays in the decoder and is never shown */
         }
     }
     delivered_us_ = place_us;

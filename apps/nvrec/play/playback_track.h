@@ -1,16 +1,15 @@
 /*
- * playback_track.h - the recordings of one camera, file after file, on their way to a playback decoder.
+ * playback_track.h - sends the recordings of one camera, file after file, to a playback decoder.
  *
  * A track holds its next picture until it is due, and hands it over in the library's playback buffer.
- * Places in a track are microseconds from its beginning on; a file of it begins at a place of it, and
- * a file's pictures lie from there on. Where nothing is recorded for a while the track has a gap: a
- * little later than its last picture the screen is to go dark.
+ * Places in a track are microseconds from its beginning on; each file begins at one of them. While nothing is
+ * recorded the track has a gap: a little after the last picture before it the screen goes dark.
  *
- * A decoder holds pictures back where a stream shows them in another order than it decodes them. The
- * picture of a place comes out when as many further ones have gone in: see push_out().
+ * A decoder holds pictures back when a stream shows them in another order than it decodes them. A picture
+ * comes out after as many further pictures have gone in: see push_out().
  *
- * Files of one camera may be of different codecs: a camera was set up anew. The decoder is made for one
- * codec; decoder_fits() says whether it takes the held picture, make_decoder_fit() makes it anew.
+ * The files of a camera may have different codecs, if its settings were changed. A decoder is made for one
+ * codec; decoder_fits() tells whether it takes the held picture, and make_decoder_fit() makes it anew.
  *
  * Threads: one at a time; Playback sees to it.
  */
@@ -37,7 +36,7 @@ struct TrackFile {
 
 /** The recordings of one camera, in order. */
 struct TrackPlan {
-    std::string name; /* of the camera; empty = a file that nobody named */
+    std::string name; /* of the camera; empty = it has none */
     std::vector<TrackFile> files;
     bool dated = false; /* its places are times of day: behind its end nothing was recorded */
 };
@@ -54,21 +53,21 @@ public:
      */
     bool open(int64_t position_us = 0);
 
-    /** Have the file of a place open, so that facts() are those of what comes there. seek() follows. */
+    /** Open the file of a place, so that facts() are those of the pictures there. seek() has to follow. */
     void turn_to(int64_t position_us);
 
     /**
-     * Hold the last key frame at or before a place; before the first one, in front of a gap's end, and
-     * where a file cannot be read, what comes there. False: the track is at its end.
+     * Hold the last key frame at or before a place. If there is none, or the file of the place cannot be
+     * read, hold the next one. False: the track is at its end.
      */
     bool seek(int64_t position_us);
 
-    /** Whether a place lies behind the last picture. The track is somewhere afterwards: seek() follows. */
+    /** Whether a place lies behind the last picture. This moves the track: seek() has to follow. */
     bool ends_before(int64_t position_us);
 
-    /** The gap under way or ahead: from when on the screen is to be dark; INT64_MAX = none. */
+    /** From when on the screen is to be dark, for the present gap or the next one; INT64_MAX = none. */
     int64_t dark_from_us() const;
-    /** The screen is dark there now. */
+    /** The screen was made dark for the gap. */
     void note_dark() { dark_ = true; }
 
     bool opened() const { return opened_; }
@@ -89,18 +88,19 @@ public:
     void skip_to_key();
 
     /**
-     * Deliver what the decoder needs to hand out the picture delivered last: the ones behind it, and at
-     * the end of the track its last key frame again. Nothing where pictures come in order.
+     * Deliver what the decoder needs to give out the picture delivered last: the pictures behind it, or at
+     * the end of the track its last key frame again. Nothing is needed when pictures are decoded in the order
+     * of showing.
      */
     void push_out(bool double_rate);
 
-    /** Drop what the decoder and its display port hold: the screen goes dark there. */
+    /** Drop the pictures in the decoder and its display port: the pane goes dark. */
     void flush() const;
 
     /** Deliver the sound that is due up to a place. */
     void deliver_sound(int64_t until_us);
 
-    /** Let the sound up to a place go by unheard. */
+    /** Skip the sound up to a place. */
     void drop_sound(int64_t until_us);
 
     /** Begin and end to count what is decoded on this channel for the file. */
@@ -132,7 +132,7 @@ private:
     const TrackPlan plan_;
     std::unique_ptr<Input> input_;  /* of the file at hand */
     size_t file_ = 0;               /* its number          */
-    std::optional<Codec> made_for_; /* what the decoder takes; nothing = whoever plays saw to it */
+    std::optional<Codec> made_for_; /* what the decoder was made for; nothing = the player sees to that */
     AccessUnit next_;               /* its times are places of the track */
     AccessUnit last_key_;
     int64_t delivered_us_ =

@@ -1,4 +1,4 @@
-/* player.cpp - see player.h: into playback and back, and what is on the screen. */
+/* player.cpp - see player.h: into playback and back, and the layout of the screen. */
 #include "play/player.h"
 
 #include <algorithm>
@@ -24,7 +24,7 @@ constexpr int64_t kPassedGap_us = 5'000'000;
 constexpr auto kGapShown = std::chrono::seconds(3);
 constexpr auto kGapLook = std::chrono::milliseconds(500);
 
-/* With something said of every track, be it nothing. */
+/* A plan whose spans have an entry for each track, which may be empty. */
 PlayPlan whole(PlayPlan plan)
 {
     plan.recorded.resize(plan.tracks.size());
@@ -83,8 +83,8 @@ Clock::time_point Player::take_turn(Clock::time_point now)
     return pass_gap(now);
 }
 
-/* Where nothing was recorded of any shown camera the screen shows that for a moment; then playback goes
- * on with what comes next. */
+/* When nothing was recorded of any shown camera, the screen shows that for a moment. Then playback goes on
+ * with the next recording. */
 Clock::time_point Player::pass_gap(Clock::time_point now)
 {
     const bool several = std::any_of(plan_.tracks.begin(), plan_.tracks.end(),
@@ -158,7 +158,7 @@ void Player::play()
     }
 }
 
-/* False: there is nothing there, which is said, and nvrec ends. */
+/* False: nothing is recorded there; that is told, and nvrec ends. */
 bool Player::begin_where_asked()
 {
     if (options_.seek_s <= 0) return true;
@@ -179,7 +179,7 @@ void Player::show_files()
     wall_->show_layout(layout_named(options_.layout).value_or(layout_for(panes)));
 }
 
-/* What is on the screen, once more: decoders were made for other codecs and are bound to no pane. */
+/* Apply the layout once more: decoders were made for other codecs and are bound to no pane. */
 void Player::show_again()
 {
     const int alone = wall_->enlarged();
@@ -193,7 +193,7 @@ void Player::count_from_here()
         playback_.tracks()[i]->begin_count();
 }
 
-/* What the files had decoded is theirs, and not the cameras' on the same channels. */
+/* Decoder counts of the files do not belong to the cameras on the same channels. */
 void Player::count_to_here()
 {
     for (const size_t i : tracks_of_page()) {
@@ -202,7 +202,7 @@ void Player::count_to_here()
     }
 }
 
-/* Live intake knows which codec it gave a channel, and would not change it again by itself. */
+/* Live intake remembers the codec that it gave a channel, and would not change the decoder again. */
 void Player::match_decoders_to_cameras()
 {
     for (const auto &camera : wall_->cameras()) {
@@ -210,7 +210,7 @@ void Player::match_decoders_to_cameras()
     }
 }
 
-/* The library out of playback; the screen is dark. */
+/* Take the library out of playback; the screen is dark then. */
 void Player::hand_back()
 {
     playback_.freeze();
@@ -232,8 +232,8 @@ void Player::live()
 }
 
 /*
- * Another picture alone, or all again: the library drains the channel that comes or goes before the
- * panes change. The files stand still from here until the layout is applied.
+ * Show another picture alone, or all again. The library drains the decoder of a channel that appears or
+ * disappears before the panes change. The files stand still from here until the layout is applied.
  */
 void Player::before_layout()
 {

@@ -1,19 +1,19 @@
 /*
- * player.h - playback in the wall: the display changes hands, the files play, the cameras come back.
+ * player.h - playback in the wall: takes the display from the cameras, plays the files, and gives the display
+ * back.
  *
  *   live -> play(): ext_playback_start, decoders of the files' codecs, the files' layout
  *        -> playing, paused, sought, enlarged
  *        -> live(): ext_playback_stop, decoders of the cameras' codecs, ext_playback_exit, the
  *           cameras' layout
  *
- * The library plays on decoder channels 0 to 7: of more files, eight make a page, and one page is on
- * the screen, then the next. A file plays on the channel of its number in its page.
+ * The library plays on decoder channels 0 to 7. More than eight files are divided into pages of eight, which
+ * are shown one after another. A file plays on the channel with its number in its page.
  *
- * Files that nobody dated follow one another, page after page. Recordings of one time of day are in
- * step on all pages: where those of a page have nothing more, playback goes on at that time on the page
- * whose recordings do.
+ * Files without a time of day play page after page. Recordings with times of day are in step on all pages:
+ * when a page has nothing more, playback goes on at the same time on a page that has.
  *
- * A place behind the last recording shows its last picture, and playback stands there.
+ * At a place behind the last recording, the last picture is shown and playback stands still.
  *
  * Keys: play, pause, stop (back to the cameras), faster (1, 2, 4 times), left and right (10 s, or what
  * set_key_step() says), previous (the beginning), next (the next page), enter or a double click (one
@@ -64,7 +64,7 @@ public:
     void stop() override;
     void report() override;
 
-    /** Leave the start to whoever calls play(). Before the wall runs. */
+    /** Do not begin by itself: play() begins. Before the wall runs. */
     void wait_for_order() { wait_ = true; }
 
     /* What keys and scripts ask for; without effect where it makes no sense. */
@@ -73,7 +73,7 @@ public:
     void pause(bool paused);
     void seek(double position_s);
     void skip(double by_s);
-    /** By how much the keys left and right go back and on. */
+    /** By how much the keys left and right jump. */
     void set_key_step(int64_t step_us) { key_step_us_ = step_us; }
     void set_speed(double speed);
     void enlarge(int file); /* -1 = the layout again */
@@ -81,10 +81,10 @@ public:
     void hear(int file);
 
     void end();
-    /** Something beside went wrong: how nvrec is to end. */
+    /** Something else went wrong: nvrec is to end with this code. */
     void fail(int exit_code, const std::string &line);
 
-    /** How many pages so many files make, and whether they can be played at that speed. */
+    /** The number of pages that so many files make, and whether playback can run at that speed. */
     static int pages_of(int files);
     static bool is_speed(double times);
 
@@ -93,13 +93,14 @@ public:
     const PlayPlan &plan() const { return plan_; }
     int page() const { return page_; }
     /**
-     * Go to a place, in step: every shown track shows what was there, or that there was nothing. Behind
-     * the last recording of the page: to its last picture, and stand there until told otherwise.
+     * Go to a place: every shown track shows its picture of that place, or a dark pane when nothing was
+     * recorded. Behind the last recording of the page: go to its last picture and stand still there until an
+     * order comes.
      */
     void go_to(int64_t position_us);
-    /** The keys' step where nothing else was said. */
+    /** By how much the keys jump unless set_key_step() was called. */
     static constexpr int64_t kKeyStep_us = 10'000'000;
-    /** Width and height of the file that plays on a channel; zeros = none does. */
+    /** Size of the picture of the file that plays on a channel; zeros = none plays. */
     std::pair<uint32_t, uint32_t> picture_size(int channel) const override;
 
 private:

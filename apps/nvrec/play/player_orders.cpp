@@ -1,4 +1,4 @@
-/* player_orders.cpp - see player.h: what keys, the mouse and scripts ask for. */
+/* player_orders.cpp - see player.h: the orders of keys, mouse and scripts. */
 #include <algorithm>
 #include <iterator>
 #include <utility>

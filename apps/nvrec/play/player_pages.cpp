@@ -1,4 +1,4 @@
-/* player_pages.cpp - see player.h: more files than the screen has players come as pages. */
+/* player_pages.cpp - see player.h: pages, for more files than can play at once. */
 #include <algorithm>
 
 #include "play/player.h"
@@ -43,7 +43,7 @@ int Player::page_after(int page) const
     return page;
 }
 
-/* The place at which playback begins, and begins again. */
+/* The place at which playback begins, also when it is repeated. */
 int64_t Player::begin_us() const
 {
     if (options_.at_us == 0 || !plan_.has_base) return 0;
@@ -61,7 +61,9 @@ int64_t Player::last_place_us() const
     return last_us == INT64_MIN ? INT64_MAX : last_us;
 }
 
-/* A place, or where the recordings of a page go on after it; INT64_MAX = they do not. */
+/*
+ * The place itself if the page has recordings there, else where they go on after it; INT64_MAX = they do not.
+ */
 int64_t Player::next_recorded_us(int page, int64_t position_us) const
 {
     int64_t next_us = INT64_MAX;
@@ -73,14 +75,17 @@ int64_t Player::next_recorded_us(int page, int64_t position_us) const
     return next_us;
 }
 
-/* The page whose recordings go on first, of several the first from a page on; -1 = none do. */
+/*
+ * The page whose recordings go on first; of several, the first one counted from a given page; -1 = none go
+ * on.
+ */
 int Player::page_that_goes_on(int64_t position_us, int first) const
 {
     int found = -1;
     int64_t soonest_us = INT64_MAX;
     for (int i = 0; i < pages(); ++i) {
         const int page = (first + i) % pages();
-        /* It came to its end before that, whatever the index says of it. */
+        /* The page ended before that place, whatever the index tells of it. */
         if (over_us_[static_cast<size_t>(page)] <= position_us) continue;
         const int64_t next_us = next_recorded_us(page, position_us);
         if (next_us >= soonest_us) continue;
@@ -115,8 +120,9 @@ bool Player::follow_pages()
 }
 
 /*
- * Pages of one time of day are of other cameras: the page that has more at this time, or after it. Of
- * a picture that was alone on the screen the others of its page may go on.
+ * The pages are different cameras at the same time of day: choose the page that has recordings at this time,
+ * or the next after it. That may be the same page, when one of its pictures was alone on the screen and the
+ * others go on.
  */
 bool Player::follow_time()
 {

@@ -82,13 +82,15 @@ int Snapshots::fail(int exit_code, const std::string &line)
     return exit_code;
 }
 
-/* While recordings play, the camera's picture is decoded on the channel behind the last camera's. */
+/*
+ * While recordings play, the camera's picture is decoded on a spare channel, the one after the last camera's.
+ */
 void Snapshots::match_spare_decoder(int channel)
 {
     match_decoder(wall_->session().channels(), wall_->cameras()[static_cast<size_t>(channel)]->facts().codec);
 }
 
-/* @return kExitDone = there is nothing to complain of. */
+/* @return kExitDone = a picture can be taken */
 int Snapshots::complain_of(int channel)
 {
     const std::string name = "channel " + std::to_string(channel);
@@ -113,7 +115,10 @@ int Snapshots::take(int channel, const std::string &path, std::chrono::milliseco
         frame = {};
         frame.channel = static_cast<uint32_t>(channel);
         if (playback_status == 1) match_spare_decoder(channel);
-        /* During playback the result speaks of the spare decoder; the length always of the picture. */
+        /*
+         * During playback the result is that of the spare decoder; only the length tells whether there is a
+         * picture.
+         */
         ext_get_jpeg_stream(&frame);
     } while (frame.length == 0 && Clock::now() < give_up_at);
     if (frame.length == 0)

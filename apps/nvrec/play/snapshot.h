@@ -6,9 +6,9 @@
  *
  * A key writes both, the second one beside the first with its size in its name.
  *
- * The library takes the next picture that the camera sends. A decoder that had nothing to do before
- * (a hidden channel, the spare one during playback) waits for a key frame, which may be longer than
- * the 2.5 s the library waits: it is asked again then.
+ * The library takes the next picture that the camera sends. A decoder that was idle before (a hidden channel,
+ * the spare one during playback) needs a key frame first, which may take longer than the 2.5 s that the
+ * library waits. Then the library is asked again.
  *
  * Threads: main thread.
  */

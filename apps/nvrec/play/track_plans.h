@@ -1,9 +1,9 @@
 /*
- * track_plans.h - which recordings are played as which camera, and when.
+ * track_plans.h - decides which recordings are played as which camera, and when.
  *
- * Files that nvrec recorded say by their names whose they are: those of one camera and stream are one
- * track, each at its time. Where all cameras' recordings overlap in time they play in step; otherwise
- * every track begins with its first picture. Any other file is a track of its own.
+ * Names of nvrec's recordings tell channel and stream: files of the same channel and stream make one track,
+ * each at its time. If the recordings of all cameras overlap in time, they play in step; otherwise every
+ * track begins with its first picture. Any other file is a track of its own.
  *
  * Threads: main thread.
  */
@@ -19,19 +19,19 @@
 namespace nvrec
 {
 
-/** What is played, and the time of day of its place 0; no base = places are all there is. */
+/** What is played, and the time of day of place 0; no base = there are no times of day. */
 struct PlayPlan {
     std::vector<TrackPlan> tracks;
     int64_t base_us = 0;
     bool has_base = false;
-    /** What is recorded of each track: places. Empty where that is not known. */
+    /** The recorded places of each track; empty when they are not known. */
     std::vector<std::vector<TimeSpan>> recorded;
 };
 
-/** Of files that a user names. */
+/** The plan for files that a user names. */
 PlayPlan plan_of_files(const std::vector<std::string> &files);
 
-/** Of cameras of a directory, all that is recorded of them. */
+/** The plan for all recordings of some cameras of a directory. */
 PlayPlan plan_of_archive(Index &index, const std::vector<CameraRow> &cameras, const std::string &stream);
 
 } // namespace nvrec

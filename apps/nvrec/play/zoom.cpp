@@ -100,7 +100,7 @@ bool Zoom::begin_as_asked()
     return false;
 }
 
-/* Recordings stand by the first turn. */
+/* By the first turn recordings are on the screen. */
 Clock::time_point Zoom::take_turn(Clock::time_point /*now*/)
 {
     begin_as_asked();
@@ -154,8 +154,8 @@ bool Zoom::show(const ZoomWindow &window)
 }
 
 /*
- * The library takes pixels of the largest picture that its decoders were made for, which is the
- * screen's size, and puts the part in proportion onto smaller pictures.
+ * The library wants the part in pixels of the largest picture that its decoders were made for, which has the
+ * screen's size, and scales it down for smaller pictures.
  */
 bool Zoom::apply()
 {
@@ -168,7 +168,7 @@ bool Zoom::apply()
     return ext_vidoe_image_zoom(0, x, y, right - x, bottom - y) == 0;
 }
 
-/* The display keeps a port's part over layouts: the whole picture first. */
+/* The display keeps a port's part across layouts, so show the whole picture first. */
 void Zoom::let_go()
 {
     if (!zoomed()) return;

@@ -1,12 +1,12 @@
 /*
- * zoom.h - a part of one picture enlarged to the whole screen.
+ * zoom.h - enlarges a part of one picture to the whole screen.
  *
  *   whole wall -> begin(): the channel alone, vo_for_ezoom = 1 -> ext_vidoe_image_zoom a move
  *              -> end(): the whole picture, vo_for_ezoom = 0, the panes of before
  *
- * Keys: zoom on and off, zoom in and out around the middle, arrows move the part. Mouse: the wheel
- * zooms around the pointer, dragging moves. Zooming out to the whole picture ends it, and so does any
- * other layout.
+ * Keys: zoom switches it on and off, zoom in and zoom out act around the middle, arrows move the part. Mouse:
+ * the wheel zooms around the pointer, dragging moves. Zooming out to the whole picture ends it, and so does
+ * any other layout.
  */
 #pragma once
 
@@ -20,7 +20,7 @@
 namespace nvrec
 {
 
-/** The part of a picture that is seen: the whole is 0, 0, 1, 1. Always inside the picture. */
+/** The visible part of a picture: the whole picture is 0, 0, 1, 1. Always inside the picture. */
 class ZoomWindow
 {
 public:
@@ -28,13 +28,15 @@ public:
 
     bool is_whole() const { return w >= 1 && h >= 1; }
 
-    /** Show less (factor > 1) or more, the point of the picture at px, py staying where it is seen. */
+    /**
+     * Show less (factor > 1) or more of the picture; the point at px, py stays at its place on the screen.
+     */
     void scale_around(double px, double py, double factor);
 
     /** Show a part further right and down. */
     void move(double dx, double dy);
 
-    /** The point of the picture that is seen at a place of the pane, both from 0 to 1. */
+    /** The point of the picture at a place of the pane, both from 0 to 1. */
     std::pair<double, double> point_at(double pane_x, double pane_y) const;
 
 private:
@@ -60,7 +62,7 @@ public:
     /** Width and height of the picture on a channel; zeros = not known. */
     using SizeOf = std::function<std::pair<uint32_t, uint32_t>(int channel)>;
 
-    /** @param size_of  who knows better than the cameras; may be empty */
+    /** @param size_of  tells the size of a picture that is no camera's; may be empty */
     explicit Zoom(const ZoomOptions &options, SizeOf size_of = {});
 
     bool start(WallControl &wall) override;
@@ -76,7 +78,7 @@ public:
     bool begin_as_asked();
     std::string begin(int channel, const ZoomRect &rect);
 
-    /** The panes of before. */
+    /** Go back to the panes of before. */
     void end();
 
     bool zoomed() const { return channel_ >= 0; }
@@ -92,7 +94,7 @@ private:
     const ZoomOptions options_;
     const SizeOf size_of_;
     WallControl *wall_ = nullptr;
-    bool asked_ = false; /* the options' mode has been seen to */
+    bool asked_ = false; /* the options' zoom was begun */
     ZoomWindow window_;
     int channel_ = -1; /* what is zoomed, -1 = nothing         */
     int enlarged_before_ = -1;

@@ -27,9 +27,9 @@ struct Setting {
     const char *name, *value;
 };
 /*
- * frag_discont: a track's first fragment says when it begins, so that sound which sets in later than
- * the pictures does. It takes a track's beginning from the first picture's presentation time, however;
- * write_held() takes that into account.
+ * frag_discont: the first fragment of a track tells when the track begins, so that sound may begin later than
+ * the pictures. The muxer takes the beginning from the first picture's presentation time, which write_held()
+ * corrects.
  */
 constexpr Setting kMp4Settings[] = {
     {"movflags", "frag_keyframe+empty_moov+default_base_moof+frag_discont"},
@@ -137,7 +137,7 @@ bool ContainerFile::open(Container container, const TrackFacts &facts, int64_t o
     }
     video_->codecpar->codec_tag = row.tagged ? traits_of(facts.stream.codec).mp4_tag : 0;
     set_label(label);
-    /* Nothing may wait in memory for a more convenient moment. */
+    /* Write everything at once; nothing may stay in the muxer's memory. */
     format_->flags |= AVFMT_FLAG_FLUSH_PACKETS | AVFMT_FLAG_CUSTOM_IO;
     format_->avoid_negative_ts = AVFMT_AVOID_NEG_TS_DISABLED; /* times are as they are given */
 
@@ -219,7 +219,7 @@ bool ContainerFile::write_held(int64_t duration)
     held_.reset();
     const bool first = last_duration_ == 0;
     last_duration_ = duration;
-    /* MP4's muxer moves the track by what its first picture is shown later than decoded. */
+    /* MP4's muxer moves the track by the time between decoding and showing its first picture. */
     if (first) muxer_shift_ = container_ == Container::kMp4 ? picture.pts - picture.dts : 0;
     if (!write(video_, picture.bytes, picture.pts - muxer_shift_, picture.dts - muxer_shift_, duration,
                picture.key))
@@ -263,13 +263,13 @@ bool ContainerFile::write(AVStream *stream, std::span<const uint8_t> bytes, int6
     const int code = av_write_frame(format_, packet);
     av_packet_free(&packet);
     avio_flush(format_->pb);
-    /* What came out was muxed before this packet; MKV's muxer keeps one packet of sound to itself. */
+    /* The bytes that came out are of packets before this one. MKV's muxer holds one packet of sound back. */
     note_output(container_ == Container::kMkv && last_was_sound_);
     last_was_sound_ = stream == sound_;
     return code >= 0 || fail(code);
 }
 
-/* What libavformat has written by itself holds all that it was given before. */
+/* Once libavformat has written something, all that it was given before is in it. */
 void ContainerFile::note_output(bool sound_cached)
 {
     if (!output_->has_bytes()) return;

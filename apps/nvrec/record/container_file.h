@@ -1,13 +1,14 @@
 /*
- * container_file.h - one file of a recording, muxed through libavformat without re-encoding. It
- * touches no disk: what is to stand in the file comes out as chunks (take_output), each of which
- * leaves a file that plays to its end when it is written whole.
+ * container_file.h - one file of a recording, muxed through libavformat without re-encoding. It touches no
+ * disk: the bytes of the file come out as chunks (take_output). After each chunk that is written whole, the
+ * file on the disk plays to its end.
  *
  * MP4: fragments, each complete in itself. A fragment ends at a key frame, and after a second in
- * streams whose key frames stand further apart. What a picture lasts is the distance to the next one,
- * so a picture is held back until that one is there. G.711 has no place in MP4 proper; a file with it
- * is of the QuickTime kind of the same format, which has.
- * MKV: clusters of at most a second, likewise; at the end, what the head leaves open is written there.
+ * streams whose key frames stand further apart. A picture lasts until the next one, so each picture is held
+ * back until the next one is there. MP4 proper has no place for G.711; a file with such sound is of the
+ * QuickTime kind of the same format, which has one.
+ * MKV: clusters of at most a second, each complete in itself. The head leaves some fields open, which are
+ * filled in at the end.
  *
  * The head has the camera's name as its title and the time of day at which the file begins, to the
  * microsecond, so that an index can be made from the files alone.
@@ -44,7 +45,7 @@ struct TrackFacts {
     bool operator==(const TrackFacts &other) const;
 };
 
-/** What a file says of itself. */
+/** What the head of a file tells. */
 struct FileLabel {
     std::string camera;  /* its name; empty = it has none                                  */
     int64_t from_us = 0; /* time of day of the origin, us since 1970; 0 = the file says none */
@@ -82,13 +83,13 @@ public:
     /** Append sound in the file's format, of the file's origin or later, to a file with sound. */
     bool write_sound(std::span<const uint8_t> bytes, int64_t pts_us, int64_t duration_us);
 
-    /** What can be written to the disk by now; empty = nothing whole is there. */
+    /** The bytes that can be written to the disk by now; empty = no fragment or cluster is whole yet. */
     FileChunk take_output();
 
     /** End the file; take_output() has its end then. @return false with the reason in error(). */
     bool close();
 
-    /** Let go of a file that cannot be written any more. */
+    /** Give up a file that cannot be written any more. */
     void discard();
 
     bool is_open() const { return format_ != nullptr; }

@@ -1,5 +1,6 @@
 /*
- * container_output.h - where libavformat writes a container file: memory, from which it goes to the disk.
+ * container_output.h - memory into which libavformat writes a container file; from there the file goes to the
+ * disk.
  *
  * Threads: one at a time.
  */
@@ -16,7 +17,7 @@ struct AVIOContext;
 namespace nvrec
 {
 
-/* A file in memory that forgets what was taken out of it. */
+/* A file in memory. Bytes that were taken out are no longer kept. */
 class ContainerFile::Output
 {
 public:

@@ -89,7 +89,7 @@ bool DiskWriter::finish(Leftover *leftover)
         thread_.join();
         return true;
     }
-    /* Behind this no hook is called any more; what the thread holds is shared with it. */
+    /* After this no hook is called any more. The thread may go on: it shares ownership of what it uses. */
     const std::scoped_lock guard(state.hooks_lock);
     thread_.detach();
     return false;

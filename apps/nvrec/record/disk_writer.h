@@ -4,18 +4,18 @@
  *   recordings --append--> [ chunks, bounded in bytes ] --> write -> sync within a second -> close
  *
  * The queue rides out a disk that stands still for ten seconds while eight cameras of 4 Mbit/s are
- * recorded. When it is full, recordings leave their frames in the frame pools, which overwrite their
- * oldest ones and count them. A recording adds the chunk at hand whatever the queue holds, so the
- * bound may be exceeded by one chunk a recording.
+ * recorded. When it is full, recordings leave their frames in the frame pools, which overwrite their oldest
+ * frames and count them. A recording still adds the chunk at hand, so the queue may exceed its bound by one
+ * chunk for each recording.
  *
- * A chunk is written whole, or the file is cut back to where it stood: what a file holds can be
- * played. A file that cannot be synced is cut back to what was, and given up. A full disk is asked for room
- * (free_space) before a file is given up. A file without a name, because it or its directory was deleted, is
- * given up, and what is in it does not count as written.
+ * If a chunk cannot be written whole, the file is cut back to its length before, so that a file can always be
+ * played. A file that cannot be synced is cut back to its last synced length and given up. When the disk is
+ * full, room is asked for (free_space) before a file is given up. A file that has no name any more, because
+ * it or its directory was deleted, is given up, and its contents do not count as written.
  *
- * A call that has not come back for two seconds means that the disk hangs. Nothing can wake a thread
- * that waits for a disk, so finish() leaves it to the end of the process: what the thread needs lives
- * as long as the thread.
+ * A call that has not come back for two seconds means that the disk hangs. Nothing can wake a thread that
+ * waits for a disk, so finish() leaves the thread running until the process ends. Everything that the thread
+ * uses lives as long as the thread.
  *
  * Threads: one of its own; append() and the like on any.
  */
@@ -40,7 +40,10 @@ constexpr uint64_t kMostQueued_bytes = 48u << 20; /* 10 s of 8 cameras of 4 Mbit
 constexpr auto kDiskHangsAfter = std::chrono::seconds(2);
 constexpr auto kLongestDiskEnd = std::chrono::seconds(30); /* of finish(), over a disk that is slow */
 
-/** Who keeps books of files. Called on the disk writer's thread; must not wait for anything. */
+/**
+ * Calls that report files, for the index. Called on the disk writer's thread; they must not wait for
+ * anything.
+ */
 struct OutputEvents {
     std::function<void(const std::string &path, const OutputFile &)> begun;
     std::function<void(const std::string &path, int64_t until_us, uint64_t bytes)> grown; /* time of day */
@@ -56,9 +59,9 @@ struct DiskWriterOptions {
     std::function<std::string()> hold_directory;
 
     /**
-     * Make room of so many bytes, for instance by recycling; false = there is none to make.
-     * @param in_vain  it was made before, and the disk refuses as full all the same: what it says of
-     *                 its free bytes does not count, something has to go
+     * Make room for so many bytes, for instance by recycling; false = no room can be made.
+     * @param in_vain  room was made before, and the disk still refuses as full. Its count of free bytes is
+     * not to be trusted then: something has to be deleted
      */
     std::function<bool(uint64_t bytes, bool in_vain)> free_space;
     OutputEvents events;
@@ -80,22 +83,25 @@ public:
     /** Nothing will be appended any more. */
     void end(const std::shared_ptr<OutputFile> &file);
 
-    /** Wait while the queue is full. @return false once `given_up` says so; wake_waiting() has it asked. */
+    /**
+     * Wait while the queue is full. @return false when `given_up` returns true; wake_waiting() makes it ask
+     * again.
+     */
     bool wait_for_room(const std::function<bool()> &given_up);
     void wake_waiting();
 
     /** Wait until all that was queued has been dealt with; for tests and producers that may wait. */
     void wait_until_idle();
 
-    /** What is left when the disk does not answer. */
+    /** What is not on the disk yet when the disk does not answer. */
     struct Leftover {
         uint64_t pictures = 0, bytes = 0;
         std::vector<std::string> paths; /* as far as they have one */
     };
 
     /**
-     * Write what is queued and end the thread. A disk that does not answer is waited for a second, one
-     * that is slow as long as it takes, up to half a minute.
+     * Write what is queued and end the thread. It waits one second for a disk that does not answer, and up to
+     * half a minute for a slow one.
      * @return true = all was dealt with
      */
     bool finish(Leftover *leftover);
@@ -105,13 +111,13 @@ public:
     /** Age of the oldest bytes of a file that wait. */
     double lag_s(const OutputFile &file) const;
 
-    /** The directory could not be made or held; empty = it could. Whole after the first chunk. */
+    /** Why the directory could not be made or held; empty = it could. Known after the first chunk. */
     std::string directory_trouble() const;
 
     /** Lines for the user that came up since. */
     std::vector<std::string> take_lines();
 
-    /** When the thread comes back from the call that it makes now, at the latest; max() = it makes none. */
+    /** When the call to the disk that is under way has to return at the latest; max() = none is under way. */
     Clock::time_point heartbeat_deadline() const;
 
 private:

@@ -1,9 +1,9 @@
 /*
- * disk_writer_files.cpp - see disk_writer.h: a file from its creation to its end, whichever that is.
+ * disk_writer_files.cpp - see disk_writer.h: the life of a file, from its creation to its end.
  *
- * Once a second a file is synced: what is in it, and its name. When that fails, the kernel has given up
- * the bytes and does not say so a second time. So the file is cut back to what was synced before, and
- * given up; a later sync that succeeds proves nothing of them.
+ * A file is synced once a second, both its contents and its name. When that fails, the kernel has given up
+ * the bytes and does not report it a second time: a later sync may succeed without them. So the file is cut
+ * back to its last synced length, and given up.
  */
 #include <algorithm>
 #include <cerrno>
@@ -54,7 +54,7 @@ int DiskWriter::State::create(Open &open, std::string *problem)
     return error;
 }
 
-/* While the disk is full, room is made as long as there is some to make. */
+/* While the disk is full, make room as long as there is something to delete. */
 int DiskWriter::State::write_with_room(Open &open, const Job &job)
 {
     int error = write(open, job.chunk);
@@ -79,7 +79,7 @@ int DiskWriter::State::write(const Open &open, const FileChunk &chunk)
     return 0;
 }
 
-/* What is in it can be played, or it goes. */
+/* Keep the file if it can be played, else delete it. */
 void DiskWriter::State::give_up(Open &open, int error, const std::string &problem)
 {
     const bool gone = open.descriptor >= 0 && error == ENOENT;
@@ -142,7 +142,7 @@ void DiskWriter::State::let_go(Open &open)
     std::erase_if(open_, [&open](const auto &other) { return other.get() == &open; });
 }
 
-/* No more than that of the file counts as written. */
+/* Only so much of the file counts as written. */
 void DiskWriter::State::fall_back(Open &open, const Content &to)
 {
     OutputTally &tally = *open.file->tally;
@@ -166,7 +166,7 @@ void DiskWriter::State::sync_old()
     }
 }
 
-/* @return 0 = a power cut leaves all of it; else only what was synced before is left, here, too */
+/* @return 0 = all of it outlasts a power cut; else the file is cut back to what was synced before */
 int DiskWriter::State::sync(Open &open)
 {
     if (!open.unsynced_since) return 0;

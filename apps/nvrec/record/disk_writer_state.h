@@ -93,7 +93,7 @@ private:
     void began_call();
     void ended_call();
 
-    /* A call to the disk, which may not come back. */
+    /* A call to the disk, which may never return. */
     template <typename Call> auto timed(Call call)
     {
         began_call();

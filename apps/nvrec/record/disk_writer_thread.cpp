@@ -1,4 +1,4 @@
-/* disk_writer_thread.cpp - see disk_writer.h: what its thread does, and what it says of that. */
+/* disk_writer_thread.cpp - see disk_writer.h: its thread, and the messages of that. */
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
@@ -81,7 +81,7 @@ void DiskWriter::State::run()
         work.wait_until(guard, sync_at, [this] { return !queue.empty() || closing; });
         if (queue.empty() && closing) break;
         if (!queue.empty()) {
-            Job &job = queue.front(); /* a deque's front stays where it is while others push */
+            Job &job = queue.front(); /* pushing to a deque does not move its front */
             guard.unlock();
             deal_with(job);
             guard.lock();

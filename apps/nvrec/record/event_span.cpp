@@ -12,7 +12,7 @@ void EventSpan::begin(double after_s)
     until_ = (Clock::now() + after).time_since_epoch().count();
 }
 
-/* While it lasts every picture belongs to it, also one from before a clock that was set back. */
+/* While the event lasts every picture belongs to it, even when the clock was set back meanwhile. */
 bool EventSpan::holds(int64_t wall_us) const
 {
     const Clock::rep until = until_;

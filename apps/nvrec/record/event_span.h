@@ -1,8 +1,8 @@
 /*
- * event_span.h - until when pictures belong to the last event of a camera.
+ * event_span.h - tells until when pictures belong to the last event of a camera.
  *
- * The end is kept on the monotonic clock, which nobody sets, and compared with a picture's time of day:
- * a picture that waited for the disk belongs to the event that it was taken in.
+ * The end is kept on the monotonic clock, which nobody sets, and compared with the picture's time of day, not
+ * with the time at which the disk takes it: a picture belongs to the event during which it was taken.
  *
  * Threads: any.
  */
@@ -19,7 +19,7 @@ namespace nvrec
 class EventSpan
 {
 public:
-    /** An event happens now; what comes within so many seconds belongs to it. */
+    /** An event happens now; pictures of the next so many seconds belong to it. */
     void begin(double after_s);
 
     /** Whether a picture of that time of day, microseconds since 1970, comes before the end of the last

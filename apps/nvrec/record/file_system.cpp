@@ -22,7 +22,7 @@ int result_of(int returned)
     return returned < 0 ? errno : 0;
 }
 
-/* What a file system, or what is none of a disk's files, answers that knows no such call. */
+/* Errors of a file system that lacks the call, or of a path that is no ordinary file, such as a device. */
 bool is_unknown_call(int error)
 {
     return error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EOPNOTSUPP;

@@ -1,6 +1,6 @@
 /*
- * file_system.h - what the disk writer asks of the system, one function a call. Tests put another one
- * in its place, which refuses or hangs.
+ * file_system.h - the system calls that the disk writer makes, one function each. Tests replace it by one
+ * that refuses or hangs.
  *
  * Results: 0, or the errno of the failure.
  *
@@ -20,20 +20,20 @@ class FileSystem
 public:
     virtual ~FileSystem() = default;
 
-    /** A directory and those above it, which are on the disk then; there already = 0. */
+    /** Make a directory and all above it, and sync them; 0 if it is there already. */
     virtual int make_directories(const std::string &path);
 
     /** Hold a directory for this process. EWOULDBLOCK = another one has it. */
     virtual int lock_directory(const std::string &path, int *descriptor);
 
-    /** Create a file, mode 0640, that is not there yet. */
+    /** Create a file of mode 0640, which must not be there yet. */
     virtual int create(const std::string &path, int *descriptor);
 
-    /** All of the bytes, at a place. */
+    /** Write all of the bytes at an offset. */
     virtual int write(int descriptor, std::span<const uint8_t> bytes, int64_t at);
     virtual int sync(int descriptor);
 
-    /** The names in a directory, so that a new file is found behind a power cut. */
+    /** Sync the names in a directory, so that a new file is still found after a power cut. */
     virtual int sync_directory(const std::string &path);
     virtual int truncate(int descriptor, int64_t size);
 

@@ -40,7 +40,7 @@ int32_t FrameRoute::put(const AccessUnit &unit, const StreamFacts &facts, int64_
     return queue_.put(std::move(frame));
 }
 
-/* What went into the pool did so before anything went into the queue. */
+/* All frames in the pool are older than those in the queue. */
 bool FrameRoute::take(PoolFrame *frame)
 {
     if (pool_ && pool_->take(frame)) return true;

@@ -1,14 +1,14 @@
 /*
- * frame_route.h - one stream of one channel from the camera's thread to its recording: through the
- * library's frame pool where that has a place for it, and through a packet queue where it has not.
+ * frame_route.h - one stream of one channel from the camera's thread to its recording: through the library's
+ * frame pool if that has a place for it, else through a packet queue.
  *
  *   channels 0 to 7, frames that fit   put -> pool  ----+
  *                                                       +--> take
  *   channels from 8 on; and a stream from its first     |
  *   frame on that is too large for the pool  -> queue --+
  *
- * A stream that has gone over to the queue stays with it: key frames are what is too large, and a
- * pool without them is never read again once it was overrun.
+ * A stream that has gone over to the queue stays there. Its key frames are too large for the pool, and
+ * without key frames the reader of a pool could not go on after it was overrun.
  *
  * Threads: put() on one thread, take() on one other, the rest on any.
  */

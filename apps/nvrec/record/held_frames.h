@@ -1,7 +1,7 @@
 /*
  * held_frames.h - the last seconds of a stream, kept in memory for an event that may come: whole
- * groups of pictures, bounded in time and in bytes. Where a single group is larger than the bound,
- * nothing is held up to the next key frame: what comes behind it cannot be decoded without it.
+ * groups of pictures, bounded in time and in bytes. If a single group is larger than the bound, nothing is
+ * held until the next key frame, since the rest of the group cannot be decoded without its beginning.
  *
  * Threads: one.
  */
@@ -20,7 +20,10 @@ class HeldFrames
 public:
     explicit HeldFrames(uint64_t most_bytes) : most_bytes_(most_bytes) {}
 
-    /** Keep a frame, and no more before it than the time needs. The first one is always a key frame. */
+    /**
+     * Keep a frame, and drop groups at the front that the time does not need. The first frame is always a key
+     * frame.
+     */
     void add(PoolFrame frame, int64_t before_us);
 
     /** All of them, oldest first. */

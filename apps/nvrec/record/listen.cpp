@@ -42,7 +42,7 @@ bool Listener::start(WallControl &wall)
     return true;
 }
 
-/* Without one the output plays all the same, and nobody hears it. */
+/* Without a sound card the output plays all the same, but nothing is heard. */
 void Listener::open_sink()
 {
     const bool to_file = !options_.wav_path.empty();

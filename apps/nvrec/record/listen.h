@@ -7,7 +7,7 @@
  * When the queue is full its oldest block goes: what is heard stays close to what is seen. The keys
  * for mute and volume are meant for it.
  *
- * Threads: main; on_audio() on the camera's; one that plays.
+ * Threads: main; on_audio() on the camera's; a thread of its own plays.
  */
 #pragma once
 

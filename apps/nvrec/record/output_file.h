@@ -1,8 +1,8 @@
 /*
- * output_file.h - one file of a recording on its way to the disk, as its recording and the disk writer
- * share it, and what they count together.
+ * output_file.h - one file of a recording on its way to the disk, which the recording and the disk writer
+ * share, and the counts that both keep.
  *
- * Threads: the recording's and the disk writer's; who reads the counts, any.
+ * Threads: the recording's and the disk writer's; the counts may be read on any.
  */
 #pragma once
 
@@ -32,7 +32,7 @@ public:
         current_ = path;
     }
 
-    /** @param kept  it stays, with something in it */
+    /** @param kept  the file stays, with something in it */
     void end(const std::string &path, bool kept)
     {
         const std::scoped_lock guard(lock_);
@@ -60,13 +60,13 @@ private:
     std::string current_;
 };
 
-/** Why a file is not written any more. */
+/** Why a file was given up. */
 enum class OutputTrouble { kNone, kFull, kGone, kRefused };
 
 class OutputFile
 {
 public:
-    /* What it is; nobody writes here behind begin(). */
+    /* What the file is; not changed after begin(). */
     int channel = 0;
     std::string stream;
     std::string name, ending; /* without directory; "-2" is put between them where it is taken */
@@ -76,7 +76,7 @@ public:
 
     std::atomic<bool> closed = false; /* the disk writer has done with it */
 
-    /** What the disk writer gave it up for, its path and the reason; kNone = it is written. */
+    /** Why the disk writer gave the file up, with its path and the reason; kNone = it is being written. */
     struct Trouble {
         OutputTrouble kind = OutputTrouble::kNone;
         std::string path, reason;

@@ -20,7 +20,7 @@ int32_t PacketQueue::put(PoolFrame frame)
         const uint64_t bytes = frame.bytes.size();
         if (bytes == 0 || bytes > largest_frame_bytes()) {
             ++counters_.refused;
-            /* Behind what waits already, a frame is missing. */
+            /* Note that a frame is missing behind those that wait. */
             missing_before_next_ = true;
             return -1;
         }

@@ -4,9 +4,9 @@
  *
  *   camera: put()  ----->  [ frames, bounded in bytes ]  ----->  recorder: take()
  *
- * It keeps the pools' promises. It never makes a camera wait: when it is full its oldest frames are
- * overwritten and count as lost, and after that pictures are passed over up to the next key frame.
- * A frame that would fill half of it is refused and counted.
+ * It behaves as the pools do. It never makes a camera wait: when it is full, its oldest frames are
+ * overwritten and count as lost, and pictures are then skipped up to the next key frame. A frame that would
+ * fill half of it is refused and counted.
  *
  * Threads: put() on one thread, take() on one other.
  */

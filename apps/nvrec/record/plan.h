@@ -21,7 +21,9 @@ namespace nvrec
 
 enum class RecordingMode { kAlways, kHours, kEvent, kNever };
 
-/** A span of every day that is named; it may go beyond midnight (to <= from). Minutes of local time. */
+/**
+ * A span of time on each of the named days; it may go beyond midnight (to <= from). Minutes of local time.
+ */
 struct PlanHours {
     std::array<bool, 7> days = {true, true, true, true, true, true, true}; /* Sunday first; of its begin */
     int from_min = 0;
@@ -43,7 +45,9 @@ constexpr uint64_t kMostHeld_bytes = 32u << 20;
 constexpr double kLongestBefore_s = 60;
 constexpr double kLongestAfter_s = 3600;
 
-/** Whether a time of day lies within the plan's hours; kAlways: ever, kEvent and kNever: never. */
+/**
+ * Whether a time of day lies within the plan's hours. Always true for kAlways, never for kEvent and kNever.
+ */
 bool is_planned(const RecordingPlan &plan, int64_t wall_us);
 
 } // namespace nvrec

@@ -158,7 +158,10 @@ bool PoolReader::take(PoolFrame *frame)
             continue;
         }
         reader_came_.notify();
-        /* All that was begun behind it, and what a wrap leaves unused, must fit beside it. */
+        /*
+         * All frames begun after it, and the bytes that a wrap leaves unused, must fit into the ring beside
+         * it.
+         */
         const RingRow &ring = ring_of(stream_);
         if (waiting_bytes_ + metadata.length_bytes + ring.largest_frame_bytes > ring.ring_bytes) {
             ++counters_.lost;
@@ -178,7 +181,7 @@ bool PoolReader::take(PoolFrame *frame)
     return false;
 }
 
-/* The metadata of a frame, off the list together with those before it, which nobody will get any more. */
+/* Take the metadata of a frame off the list, and those before it, whose frames are lost. */
 bool PoolReader::find_metadata(const Fetched &fetched, FrameMetadata *metadata)
 {
     auto is_of_it = [&](const FrameMetadata &candidate) {

@@ -5,13 +5,13 @@
  *   camera                          pool (overwrites its oldest)           recorder
  *   metadata, ext_set_*, event  ----->  [ frames ]  ----->  wait, ext_get_*, copy, look at metadata
  *
- * The pool carries bytes, the kind of frame and one 32-bit stamp. What a file needs beyond that -
- * the codec, the size, 64-bit presentation and decoding times - is kept on a list beside the pool
- * from when a frame is put. A frame that is taken is found on that list by its stamp and its length; what
- * stands before it on the list was overrun and is lost. The pool wakes nobody, so an event does.
+ * The pool carries bytes, the kind of frame and one 32-bit stamp. A file needs more: the codec, the size,
+ * 64-bit presentation and decoding times. These are put on a list beside the pool together with the frame.
+ * When a frame is taken, its entry is found by stamp and length; entries before it on the list belong to
+ * frames that were overrun and are lost. The pool wakes no reader, so an event does.
  *
- * A frame's bytes stay in the pool only until the camera comes round, and the pool does not say when
- * it has: the list behind the frame does.
+ * A frame's bytes stay in the pool only until the camera's thread comes round the ring and overwrites them.
+ * The pool does not tell when that happens, but the list does: it shows what was put after the frame.
  *
  * Threads: put() on one thread, take() on one other.
  */
@@ -32,13 +32,13 @@ namespace nvrec
 
 enum class PoolStream { kMain, kNetwork, kSound };
 
-/** What wakes a recording's thread; several streams may set one event. */
+/** Wakes a recording's thread; several streams may set one event. */
 class PoolEvent
 {
 public:
     void set();
 
-    /** Nothing will be put any more. */
+    /** Say that nothing will be put any more. */
     void close();
 
     /** Wait until it was set since the last wait, or is closed. @return false once it is closed. */
@@ -51,7 +51,7 @@ private:
     bool closed_ = false;
 };
 
-/** What became of the frames of one stream; stored = read + lost once all were taken. */
+/** Counts of the frames of one stream; stored = read + lost once all were taken. */
 struct PoolCounters {
     uint64_t stored = 0;         /* the pool took them                                       */
     uint64_t refused = 0;        /* the pool did not: they were too large for it             */
@@ -94,7 +94,7 @@ public:
     /** Wait until the reader has nearly caught up; for producers that may wait. */
     void wait_for_reader();
 
-    /** Nothing will be taken any more: what still waits is lost. */
+    /** Say that nothing will be taken any more: the frames that still wait are lost. */
     void give_up();
 
     PoolCounters counters() const;

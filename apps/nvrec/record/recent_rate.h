@@ -1,6 +1,6 @@
 /*
- * recent_rate.h - how fast a count grows: over the last ten minutes, so that the hours before, with other
- * plans or cameras, do not count.
+ * recent_rate.h - measures how fast a count grows, over the last ten minutes only, since plans or cameras may
+ * have been others before.
  *
  * Threads: any, one at a time.
  */
@@ -20,7 +20,7 @@ namespace nvrec
 class RecentRate
 {
 public:
-    /** The count stands there now. It may fall: what a file that is lost held counts no more. */
+    /** Note the count now. It may fall, when a file is lost and its bytes no longer count. */
     void note(Clock::time_point now, uint64_t count)
     {
         if (!samples_.empty() && now - samples_.back().first < kApart) return;

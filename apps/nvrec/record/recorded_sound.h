@@ -1,6 +1,6 @@
 /*
- * recorded_sound.h - sound as a file keeps it: what the camera sent where the container has a place
- * for it (AAC, Opus, G.711), and the library's 8 kHz A-law otherwise.
+ * recorded_sound.h - sound as a file keeps it: as the camera sent it if the container has a place for it
+ * (AAC, Opus, G.711), else the library's 8 kHz A-law.
  *
  * Threads: plain values.
  */
@@ -24,10 +24,10 @@ struct SoundFormat {
 /** What the frame pools carry. */
 std::shared_ptr<const SoundFormat> pool_sound_format();
 
-/** Whether files have a place for it as it is, and what a file needs to know is there. */
+/** Whether files can keep this sound as it is, and all facts that a file needs are known. */
 bool is_recordable(const SoundFormat &format);
 
-/** A format as files want it: Opus of a network camera comes without its head. */
+/** The format as a file needs it: the header of Opus, which network cameras do not send, is added. */
 SoundFormat completed(SoundFormat format);
 
 } // namespace nvrec

@@ -124,7 +124,7 @@ void Recorder::on_unit(int channel, const AccessUnit &unit, const StreamFacts &f
 {
     if (static_cast<size_t>(channel) >= main_.size()) return;
     FrameRoute &route = main_[static_cast<size_t>(channel)]->video();
-    /* A file's picture was taken when it is fed, not when it was read. */
+    /* A picture of a file counts as taken when it is fed, not when it was read. */
     const bool live = wall_->cameras()[static_cast<size_t>(channel)]->input().live();
     route.put(unit, facts, live ? unit.wall_us : 0);
     if (options_.feed.as_fast_as_can) route.wait_for_reader();
@@ -166,7 +166,7 @@ void Recorder::tell_lines()
         wall_->terminal().error(line);
 }
 
-/* A disk that hangs is said once; that it answers again is said by the writer. */
+/* Tell once that a disk hangs; the writer tells when it answers again. */
 void Recorder::tell_disk()
 {
     const DiskStatus disk = writer_->status();

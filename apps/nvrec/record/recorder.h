@@ -1,15 +1,15 @@
 /*
- * recorder.h - records the cameras beside the wall: every picture and the sound by the library's frame
- * pools, or beside them (frame_route.h), and from there by one disk writer into files.
+ * recorder.h - records the cameras beside the wall: every picture and the sound go through the library's
+ * frame pools, or beside them (frame_route.h), and from there through one disk writer into files.
  *
  * A camera may have a second address for its network stream. That stream is fed by a thread of its
  * own, goes into the sub pool and has no decoder.
  *
- * The record key stops what is recorded, and starts it again; where nothing is recorded by plan it
- * starts recording of all cameras, and stops it.
+ * The record key stops all recording, and starts it again. When no plan wants anything recorded, the key
+ * starts recording all cameras, and stops that again.
  *
- * A disk that does not answer is told within three seconds: a line, an alarm on the screen, and the
- * record lamp stops to blink.
+ * When the disk does not answer, the recorder tells so within three seconds: by a message, by an alarm on the
+ * screen, and by the record lamp, which stops blinking.
  *
  * Threads: main; on_unit(), on_audio() on the cameras' threads; a thread a network stream; a thread a
  * recording (see recording.h); one that writes (disk_writer.h). event() and RecordingView on any.
@@ -69,22 +69,22 @@ public:
     void report() override;
     std::string json() const override;
 
-    /** Something happened at a camera: plans with events record it. Any thread. */
+    /** An event at a camera: plans with events record it. Any thread. */
     void event(int channel, const std::string &kind, const std::string &text);
 
-    /** The last event of a camera lasts: what is recorded for it goes on. Any thread. */
+    /** The last event of a camera still lasts: its recording goes on. Any thread. */
     void prolong_event(int channel);
 
-    /** Another plan of a camera from now on. Main thread. */
+    /** Change the plan of a camera from now on. Main thread. */
     void set_plan(int channel, const RecordingPlan &plan);
 
     /**
-     * Another camera stands on a channel, of that name in the index. Its recording begins a file of its
-     * own; the one that is being written keeps the name that it was begun under. Main thread.
+     * Another camera is on a channel, with this name in the index. Its recording begins a file of its own;
+     * the file that is being written keeps the name that it was begun with. Main thread.
      */
     void set_name(int channel, const std::string &name);
 
-    /** Other retention from now on. Any thread. */
+    /** Change the retention from now on. Any thread. */
     void set_retention(const RetentionOptions &retention);
 
     /** Record all cameras, or none, or as planned, from now on. Main thread. */

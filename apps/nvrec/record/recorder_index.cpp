@@ -53,7 +53,7 @@ RecorderHooks RecorderIndex::hooks(bool recycle)
     return hooks;
 }
 
-/* The disk writer's thread: it may wait for the disk, and nobody else does. */
+/* On the disk writer's thread, the only one that may wait for the disk. */
 std::string RecorderIndex::hold()
 {
     auto fresh = std::make_shared<IndexWriter>(on_line_);

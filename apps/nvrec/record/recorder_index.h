@@ -1,9 +1,9 @@
 /*
- * recorder_index.h - what a recorder tells the index of its directory: files, gaps, events; and what
- * it has from it: the directory held for this process, and room on a full disk.
+ * recorder_index.h - between a recorder and the index of its directory. The recorder tells of files, gaps and
+ * events; the index holds the directory for this process, and makes room on a full disk.
  *
- * A directory may come late, or go and come back as another one: each time it is held anew, the index
- * is that of the directory that is there.
+ * A directory may appear late, or disappear and come back as another one. Each time it is locked anew, and
+ * the index of the directory that is there now is used.
  *
  * Threads: any.
  */
@@ -22,7 +22,7 @@
 namespace nvrec
 {
 
-constexpr auto kLongestIndexEnd = std::chrono::seconds(5); /* a disk that just wrote, writes */
+constexpr auto kLongestIndexEnd = std::chrono::seconds(5); /* the disk has just taken a write */
 
 /** Something that happened at a camera. */
 struct RecordedEvent {
@@ -32,7 +32,7 @@ struct RecordedEvent {
     std::string text;
 };
 
-/** Whoever keeps books of what is recorded. None of these may wait. */
+/** Receives what is recorded. None of these calls may wait. */
 struct RecorderHooks {
     OutputEvents files; /* on the disk writer's thread */
     std::function<void(int channel, const std::string &stream, int64_t from_us, int64_t to_us,
@@ -53,13 +53,13 @@ public:
     /** @param recycle  a full disk has the oldest recordings deleted */
     RecorderHooks hooks(bool recycle);
 
-    /** What the camera there is called from now on. */
+    /** Change the name of the camera on a channel from now on. */
     void set_name(int channel, const std::string &name);
 
     void set_retention(const RetentionOptions &retention);
     RetentionState retention_state() const;
 
-    /** Write what is queued; the disk has so long. */
+    /** Write what is queued, within this time. */
     void stop(std::chrono::milliseconds limit);
 
 private:

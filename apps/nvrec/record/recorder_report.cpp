@@ -1,4 +1,5 @@
-/* recorder_report.cpp - see recorder.h: what it says of its recordings and of the disk, now and at the end.
+/* recorder_report.cpp - see recorder.h: what it tells of its recordings and of the disk, while it runs and at
+ * the end.
  */
 #include <utility>
 

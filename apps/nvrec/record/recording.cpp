@@ -1,4 +1,4 @@
-/* recording.cpp - see recording.h: the thread, and what is wanted. */
+/* recording.cpp - see recording.h: the thread, and what is to be recorded. */
 #include "record/recording.h"
 
 #include <algorithm>
@@ -42,7 +42,7 @@ Recording::~Recording()
 
 void Recording::start()
 {
-    /* A reader's first look fixes where it begins: now, while the pool is empty. */
+    /* A reader begins at the place of its first look, so look now, while the pool is empty. */
     PoolFrame none;
     video_.take(&none);
     if (sound_pool_) sound_pool_->take(&none);
@@ -70,7 +70,7 @@ void Recording::put(const SoundBlock &block)
     sound_queue_.put(std::move(frame));
 }
 
-/* What a file has no place for comes as A-law. */
+/* Sound that a file has no place for comes as A-law. */
 void Recording::put(const SoundPacket &packet)
 {
     if (!packet.codec || packet.bytes.empty()) return;
@@ -186,7 +186,9 @@ void Recording::run()
     heartbeat_deadline_ = INT64_MAX;
 }
 
-/* A full queue is the disk's affair, and watched there. */
+/*
+ * The disk writer watches the disk, so this thread has no deadline while it waits for room.
+ */
 void Recording::wait_for_room()
 {
     heartbeat_deadline_ = INT64_MAX;
@@ -214,7 +216,7 @@ void Recording::take_frames()
     note_state();
 }
 
-/* The next one may send other sound, and begins with a key frame. */
+/* The next camera may send other sound, and begins with a key frame. */
 void Recording::forget_camera()
 {
     waiting_for_sound_ = sound_is_known_ = false;
@@ -228,7 +230,7 @@ void Recording::forget_camera()
     waits_for_key_ = anew_ = true;
 }
 
-/* What the record key or an event asked for while no picture came. */
+/* Take up what the record key or an event asked for while no picture came. */
 void Recording::catch_up()
 {
     const bool may_end = !goes_by_events() || is_silent(); /* there, a key frame ends it */
@@ -236,7 +238,7 @@ void Recording::catch_up()
     if (!waiting_for_sound_ && wants_held()) let_held_go();
 }
 
-/* Which file pictures go into depends on the sound that comes with them. */
+/* The file that pictures go into depends on the sound that comes with them. */
 bool Recording::waits_for_sound(const PoolFrame &frame)
 {
     if (!carries_sound_ || sound_is_known_ || !frame.facts.sound) return false;
@@ -249,7 +251,7 @@ void Recording::handle(PoolFrame frame)
 {
     const bool waits = waiting_for_sound_ = waits_for_sound(frame);
     const bool goes_on = output_ && !frame.key && goes_by_events();
-    /* It goes where the pictures before it in its group do. */
+    /* The picture goes where the pictures before it in its group went. */
     const int64_t wall_us =
         held_.empty() ? frame.taken_at_us : std::max(frame.taken_at_us, held_.until_wall_us());
     if (!waits && (goes_on || is_wanted(wall_us))) {

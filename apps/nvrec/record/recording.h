@@ -5,13 +5,13 @@
  *     -> key frame in another slot of time, or of another codec, size, parameter sets or sound, or
  *        behind a jump of the clock: the next file -> ... -> drained and closed
  *
- * Not wanted: by its plan, or by the record key. A plan with events holds the last seconds in memory
- * (held_frames.h); an event lets them go into the file before what comes. Its file ends at a key frame,
- * since only from one on pictures can be held for the next event.
+ * Frames may be unwanted by the plan or by the record key. A plan with events holds the last seconds in
+ * memory (held_frames.h); at an event they go into the file first. Its file ends at a key frame, because
+ * pictures can be held for the next event only from a key frame on.
  *
- * After frames were lost, pictures are passed over up to the next key frame. A file that cannot be
- * written is given up; at a key frame ten seconds later the next one is tried. While the disk writer's
- * queue is full, frames stay where they are, and are overwritten there.
+ * After frames were lost, pictures are skipped up to the next key frame. A file that cannot be written is
+ * given up, and the next one is tried at the first key frame after ten seconds. While the disk writer's queue
+ * is full, frames stay in their pool or queue, and are overwritten there.
  *
  * Threads: the camera's thread puts; a thread of the recording takes out, muxes and queues; start()
  * and finish() from one other; the rest from any.
@@ -57,7 +57,7 @@ class Recording
 {
 public:
     using ErrorHandler = std::function<void(const std::string &line)>;
-    /** A time of day inside of a file of which nothing is kept. Called from the recording's thread. */
+    /** Told of a span of time inside a file of which nothing is kept. Called on the recording's thread. */
     using GapHandler = std::function<void(int64_t from_us, int64_t to_us, const std::string &why)>;
 
     /**
@@ -69,13 +69,13 @@ public:
               ErrorHandler on_error, GapHandler on_gap = {});
     ~Recording();
 
-    /** Begin to read. Before anything is put. */
+    /** Begin to read. Call it before anything is put. */
     void start();
 
-    /** Nothing will be put any more: queue what is still there, end the file, end the thread. */
+    /** Nothing will be put any more: queue the frames that are still there, end the file, end the thread. */
     void finish();
 
-    /** After finish(), and that of the disk writer: see what became of the last files. */
+    /** After finish() here and of the disk writer: see whether the last files were written. */
     void settle();
 
     /** For the camera's thread. */
@@ -84,20 +84,20 @@ public:
     void put(const SoundPacket &packet);
     void wait_for_sound_reader();
 
-    /** Something happened: a plan with events records from its seconds before it on. */
+    /** An event: a plan with events records from its seconds before the event on. */
     void begin_event();
     void set_order(RecordOrder order);
-    /** The next key frame begins a file: what comes from now on is another camera's, of that name. */
+    /** From now on another camera, with this name, is on the channel: its next key frame begins a file. */
     void begin_anew(const std::string &camera);
     void set_plan(const RecordingPlan &plan);
-    /** What was put last is the last of that camera, or of that line to it: its file ends. */
+    /** The camera, or the connection to it, ends with the frame that was put last: its file ends. */
     void end_camera();
 
     RecordingStatus status() const;
     bool runs() const { return state() == RecordingState::kRuns; }
     Clock::time_point heartbeat_deadline() const;
 
-    /** After finish(), and that of the disk writer: a row for the pictures, and one for sound if any came. */
+    /** After finish() here and of the disk writer: a row for the pictures, and one for sound if any came. */
     std::vector<RecordingReport> reports() const;
     bool failed() const;
 

@@ -17,7 +17,7 @@ constexpr int64_t kGap_us = 2'000'000;       /* more without a picture is told t
 constexpr auto kWellAgain = std::chrono::minutes(1);
 constexpr size_t kMostEarlySound = 3000;
 
-/* What changes when the clock is set. */
+/* How far the time of day is ahead of the monotonic clock; it changes when the clock is set. */
 int64_t clock_offset_us()
 {
     return wall_now_us() - Clock::now().time_since_epoch().count();
@@ -100,7 +100,7 @@ void Recording::begin_file(const PoolFrame &frame, const TrackFacts &facts)
     shown_output_ = output_;
 }
 
-/* What libavformat has made of the file, to the disk writer. */
+/* Give the disk writer what libavformat has made of the file so far. */
 void Recording::pass_output()
 {
     FileChunk chunk = file_.take_output();
@@ -123,7 +123,7 @@ void Recording::end_file()
     output_.reset();
 }
 
-/* Whether the disk writer has given the file up, or one whose end it still had to write. */
+/* See whether the disk writer has given up the open file, or an ended file that it had not closed yet. */
 void Recording::look_for_trouble()
 {
     if (output_) {
@@ -131,7 +131,7 @@ void Recording::look_for_trouble()
         if (trouble.kind != OutputTrouble::kNone) fail(trouble.path, trouble.reason);
     }
     std::erase_if(ended_, [this](const std::shared_ptr<OutputFile> &output) {
-        const bool closed = output->closed; /* first: what it is in trouble for is known then */
+        const bool closed = output->closed; /* read first: once it is set, the trouble is final */
         const OutputFile::Trouble trouble = output->trouble();
         if (trouble.kind == OutputTrouble::kNone) return closed;
         note_trouble(trouble.path, trouble.reason);
@@ -144,7 +144,7 @@ void Recording::settle()
     look_for_trouble();
 }
 
-/* Said once a reason, not once a try. */
+/* A reason is reported once, not at each try. */
 void Recording::note_trouble(const std::string &path, const std::string &reason)
 {
     const std::string line = path + ": " + reason;
@@ -160,10 +160,10 @@ void Recording::note_trouble(const std::string &path, const std::string &reason)
     if (is_new) on_error_(label() + ": not recorded: " + line);
 }
 
-/* The file at hand cannot be written. */
+/* Give up the open file, which cannot be written. */
 void Recording::fail(const std::string &path, const std::string &reason)
 {
-    try_again_at_ = Clock::now() + kRetry; /* from here on, also for who hears of it */
+    try_again_at_ = Clock::now() + kRetry; /* set before on_error_ is called, which may ask for it */
     note_trouble(path, reason);
     file_.discard();
     if (output_) writer_.end(output_);
@@ -191,7 +191,7 @@ void Recording::take_sound()
         early_sound_.pop_front();
 }
 
-/* Write the sound that is there, as far as it lies before a time; the rest waits for the next file. */
+/* Write the waiting sound that lies before a time; the rest waits for the next file. */
 void Recording::write_sound(int64_t until_us)
 {
     while (!early_sound_.empty() && early_sound_.front().pts_us < until_us) {
@@ -213,7 +213,7 @@ bool Recording::write_block(const PoolFrame &block)
     return true;
 }
 
-/* A reason that comes back much later is said again. */
+/* A reason that comes back much later is reported again. */
 void Recording::see_whether_well()
 {
     if (failing_ && tally_->pictures > written_at_trouble_) failing_ = false;

@@ -1,4 +1,4 @@
-/* recording_report.cpp - see recording.h: what a recording says of itself, now and at the end. */
+/* recording_report.cpp - see recording.h: what a recording tells of itself, while it runs and at the end. */
 #include <algorithm>
 
 #include "record/recording.h"

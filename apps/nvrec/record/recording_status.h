@@ -1,6 +1,6 @@
 /*
- * recording_status.h - how recording stands now, for the screen, a status page and the lamp: plain
- * values, and where they are asked for.
+ * recording_status.h - the state of recording now, for the screen, a status page and the lamp: plain values,
+ * and the interface that gives them.
  *
  * Threads: values; RecordingView may be asked on any thread.
  */
@@ -62,13 +62,13 @@ struct DiskStatus {
     std::string retention_trouble;
 };
 
-/** Whoever records, as others see it. */
+/** The recorder as other parts see it. */
 class RecordingView
 {
 public:
     virtual ~RecordingView() = default;
 
-    /** One a stream, channels in order, "main" first. */
+    /** One for each stream, in order of channels, "main" first. */
     virtual std::vector<RecordingStatus> recordings() const = 0;
     virtual DiskStatus disk() const = 0;
 

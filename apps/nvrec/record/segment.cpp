@@ -20,7 +20,7 @@ tm local_time(int64_t wall_clock_us)
     return parts;
 }
 
-/* Whether clocks were set back less than that ago, and showed this time then. */
+/* Whether local clocks were set back lately, so that they have shown this time before. */
 bool has_been_before(int64_t wall_clock_us)
 {
     constexpr int64_t kLongestShift_us = 3 * 3600 * kSecond_us;
@@ -60,7 +60,7 @@ std::string free_segment_path(const std::string &directory, const std::string &n
 {
     const std::string stem = directory + "/" + name;
     std::string path = stem + ending;
-    std::error_code ignored; /* what cannot be looked at shows when it is opened */
+    std::error_code ignored; /* other errors show when it is opened */
     for (int number = 2; std::filesystem::exists(path, ignored); ++number)
         path = std::string(stem).append("-").append(std::to_string(number)).append(ending);
     return path;

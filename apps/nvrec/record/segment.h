@@ -1,5 +1,5 @@
 /*
- * segment.h - how recordings are cut into files and what the files are called.
+ * segment.h - cuts recordings into files, and names the files.
  *
  * A day of local time is cut into slots of equal length, from midnight on; a recording goes on in a
  * new file at the first key frame in another slot. A name tells the channel, the stream and the
@@ -19,8 +19,8 @@ constexpr int kHour_s = 3600;
 int64_t segment_slot(int64_t wall_clock_us, int segment_s);
 
 /**
- * Two times in one file have the same. At the end of daylight saving an hour of local time comes a
- * second time, with the same numbers and another distance from UTC.
+ * Times in the same slot go into the same file. At the end of daylight saving an hour of local time comes a
+ * second time: the slot has the same number and another offset from UTC.
  */
 struct Segment {
     int64_t slot = 0;
@@ -30,12 +30,12 @@ struct Segment {
 Segment segment_of(int64_t wall_clock_us, int segment_s);
 
 /**
- * "ch03-main-20261121-140000", without directory and ending. A local time that has been before has
- * its distance from UTC behind it: "ch03-main-20261025-020000+0100".
+ * "ch03-main-20261121-140000", without directory and ending. A local time that comes a second time has its
+ * offset from UTC added: "ch03-main-20261025-020000+0100".
  */
 std::string segment_name(int channel, const std::string &stream, int64_t wall_clock_us);
 
-/** A path of that name in the directory that is not taken: "-2", "-3" ... behind it where needed. */
+/** A path for that name in the directory that is not taken yet, with "-2", "-3" ... added if needed. */
 std::string free_segment_path(const std::string &directory, const std::string &name,
                               const std::string &ending);
 

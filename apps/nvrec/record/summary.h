@@ -1,4 +1,4 @@
-/* summary.h - what the recorder stored, read back and wrote: closing table and JSON. */
+/* summary.h - counts of what the recorder stored, read back and wrote: closing table and JSON. */
 #pragma once
 
 #include <cstdint>

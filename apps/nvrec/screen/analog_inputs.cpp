@@ -17,7 +17,7 @@ void AnalogInputs::start(MotionChips &chips, int channels)
 void AnalogInputs::look()
 {
     uint32_t mask[2] = {};
-    lost_ = ext_get_video_loss_status(mask) == 0 ? mask[0] : 0; /* who asks too says that they fail */
+    lost_ = ext_get_video_loss_status(mask) == 0 ? mask[0] : 0; /* the indicators report failures */
     moving_ = 0;
     for (int channel = 0; channel < channels_; ++channel) {
         if (chips_->moving_blocks(channel).value_or(0) > 0) moving_ |= 1u << channel;

@@ -1,5 +1,5 @@
 /*
- * analog_inputs.h - signal and motion of the board's analog inputs, for the signs in their panes.
+ * analog_inputs.h - asks the board's analog inputs for signal and motion, for the signs in the panes.
  *
  * Threads: the main one.
  */

@@ -19,7 +19,7 @@ struct CameraNames {
     std::string text_of(int channel) const;
     std::u16string of(int channel) const;
 
-    /** From now on the camera there is called that; empty = by its number. */
+    /** Change the name of a channel's camera; empty = it is called by its number. */
     void name(int channel, const std::string &text);
 };
 

@@ -132,7 +132,7 @@ void Canvas::veil(const Rect &rect)
     const Rect seen = intersection(rect, clip_);
     for (int y = seen.y; y < seen.bottom(); ++y) {
         uint16_t *to = row(0, y);
-        const bool closed = (y & 1) != 0; /* by the screen's lines: parts that are drawn alone fit together */
+        const bool closed = (y & 1) != 0; /* by rows of the screen: parts that are drawn alone fit together */
         for (int x = seen.x; x < seen.right(); ++x) {
             if (closed || (x & 1) != 0) to[x] = dark;
         }

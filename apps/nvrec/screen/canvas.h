@@ -27,10 +27,10 @@ struct Rect {
     bool operator==(const Rect &) const = default;
 };
 
-/** What both have in common; empty when nothing. */
+/** The area that both have in common; may be empty. */
 Rect intersection(const Rect &a, const Rect &b);
 
-/** The smallest rectangle around both; an empty one counts for nothing. */
+/** The smallest rectangle around both; an empty one is left out. */
 Rect around(const Rect &a, const Rect &b);
 
 /** 0xRRGGBB. */
@@ -51,18 +51,18 @@ struct Tile {
 class Canvas
 {
 public:
-    /** Take the framebuffer that the start of the library set up. @return an empty text, or why not. */
+    /** Use the framebuffer that the library set up when it started. @return an empty text, or why not. */
     std::string open();
 
     int width() const { return width_; }
     int height() const { return height_; }
     Rect whole() const { return {0, 0, width_, height_}; }
 
-    /** A drawing job. Without begin() == true nothing may be drawn. */
+    /** A drawing job. Only if begin() returns true may something be drawn. */
     bool begin();
     void end();
 
-    /** Leave everything outside alone. begin() takes the clip away. */
+    /** Draw only inside this rectangle. begin() removes the limit. */
     void clip(const Rect &rect) { clip_ = intersection(rect, whole()); }
 
     /** Let the video show. */
@@ -78,7 +78,7 @@ public:
     /** A tile's pixels that are not 0. */
     void draw(const Tile &tile, int x, int y);
 
-    /** Copy an area out, and put it back as it was; what lies outside the screen is left out. */
+    /** Copy an area out, and put it back as it was; parts outside of the screen are left out. */
     Tile save(const Rect &rect) const;
     void restore(const Tile &tile, int x, int y);
 

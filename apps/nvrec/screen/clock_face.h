@@ -2,8 +2,8 @@
  * clock_face.h - date and time on the screen, to the second: where no picture is, in one line or two,
  * and in the upper right corner where pictures are everywhere.
  *
- * The tile is made once a second at most; its place and the widest it has been stay, so that a tick
- * damages one rectangle.
+ * The tile is made once a second at most. It keeps its place and its largest width so far, so that each
+ * second damages only one rectangle.
  */
 #pragma once
 
@@ -36,7 +36,7 @@ public:
     /** Show that time from now on. @return what has to be painted anew; empty = the same second. */
     Rect set(Time time, const Rect &screen);
 
-    /** Where no picture is; empty ones count for nothing. The first that is large enough is taken. */
+    /** Offer places without a picture. The first that is large enough is taken; empty ones are left out. */
     void offer(const std::vector<Rect> &free) { free_ = free; }
 
     void paint(Canvas &canvas) const { canvas.draw(tile_, place_.x, place_.y); }

@@ -1,7 +1,8 @@
 /*
- * cursor.h - the library's arrow at the mouse's place, over all else.
+ * cursor.h - the mouse's cursor: the library's arrow, drawn over all else.
  *
- * What it covers is kept and put back: lift() before anything else is drawn, drop() after it.
+ * The pixels that it covers are kept and put back: call lift() before anything else is drawn, and drop()
+ * after that.
  */
 #pragma once
 
@@ -15,7 +16,7 @@ class Cursor
 public:
     Cursor();
 
-    /** Where its tip belongs from now on; shown by the next drop(). */
+    /** Set the place of its tip; the next drop() draws it there. */
     void move(int x, int y);
     void hide() { wanted_ = false; }
     bool wanted() const { return wanted_; }

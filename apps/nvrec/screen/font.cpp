@@ -40,7 +40,7 @@ bool is_second_of_pair(char16_t unit)
     return unit >= 0xDC00 && unit < 0xE000;
 }
 
-/* The character at a place of UTF-16 text, which moves on behind it. */
+/* The character at a place of UTF-16 text; the place then moves on behind it. */
 char32_t take_code(std::u16string_view units, size_t *at)
 {
     const char16_t unit = units[(*at)++];
@@ -65,7 +65,7 @@ void add_glyph(Mask &mask, const FT_GlyphSlotRec &glyph, int pen, int baseline)
     }
 }
 
-/* The file of the font that the pattern means best; empty = there is none. */
+/* The file of the font that fits the pattern best; empty = there is none. */
 std::string best_match(FcPattern *wanted)
 {
     std::string path;
@@ -113,7 +113,7 @@ std::string find_font()
     return path;
 }
 
-/* A font file, and the size at which it stands now. */
+/* A font file, and the size that it is set to now. */
 struct Font::Face {
     FT_Face handle = nullptr;
     int size_px = 0;
@@ -175,7 +175,7 @@ bool Font::has(char32_t code) const
     return FT_Get_Char_Index(library_->face.handle, code) != 0;
 }
 
-/* The font's own sign for what is missing stands where no font has the character. */
+/* If no font has the character, the first font's own sign for a missing character is drawn. */
 Font::Face &Font::face_for(char32_t code)
 {
     if (has(code)) return library_->face;

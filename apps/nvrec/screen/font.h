@@ -1,7 +1,7 @@
 /*
- * font.h - letters as coverage: a scalable font of the host, rasterised by FreeType. A character that it
- * does not have comes from another font of the host that has it. Text is UTF-16, drawn character after
- * character from left to right: scripts that join or reorder their letters are not shaped.
+ * font.h - draws letters as coverage, with a scalable font of the host and FreeType. A character that this
+ * font lacks comes from another font of the host. Text is UTF-16, drawn character after character from left
+ * to right: scripts that join or reorder their letters are not shaped.
  */
 #pragma once
 
@@ -64,7 +64,7 @@ private:
 /** Text on the video: letters of one colour with a dark rim of that many pixels around them. */
 Tile rimmed(const Mask &mask, Colour colour, int rim_px);
 
-/** Text on a plain ground; where there is no letter the tile is empty. */
+/** Text for a plain background; the tile is empty where no letter is. */
 Tile flat(const Mask &mask, Colour colour, Colour ground);
 
 } // namespace nvrec

@@ -1,7 +1,7 @@
 /*
- * glyphs.h - texts on their way to the screen: UTF-8 as users type it, or GB2312 as older recorders
- * keep it, to the 16-bit units that a font is asked for. The library's text functions know GB2312 and
- * the two Chinese scripts; every other character of Unicode goes through as it is.
+ * glyphs.h - converts texts for the screen to the UTF-16 units that a font is asked for. They come as UTF-8,
+ * as users type it, or as GB2312, as older recorders keep it. The library's text functions convert GB2312 and
+ * the two Chinese scripts; all other characters of Unicode stay as they are.
  */
 #pragma once
 

@@ -12,7 +12,7 @@ namespace
 constexpr Colour kGround = 0x1C222A, kTitleGround = 0x2A323C, kEdge = 0x4A5460;
 constexpr Colour kLitGround = 0x1868C0, kMenuLetters = 0xE4E8EC, kLitLetters = 0xFFFFFF, kMark = 0x48C078;
 
-/* Behind the layouts, which are rows of their own table. */
+/* The rows below those of the layouts, which come from the table of layouts. */
 struct Row {
     MenuAction action;
     const char *texts[2]; /* by Language */
@@ -26,7 +26,7 @@ constexpr Row kRows[] = {
 };
 constexpr const char *kTitles[2] = {"Menu", "菜单"};
 
-/* Between the layouts and the rest, and before the way out. */
+/* A gap below the layouts, and one above the last row, which quits. */
 constexpr bool begins_a_group(MenuAction action)
 {
     return action == MenuAction::kEnlarge || action == MenuAction::kQuit;
@@ -118,7 +118,7 @@ bool Menu::is_marked(const Item &item) const
     }
 }
 
-/* A layout as its panes, in small. */
+/* A small picture of a layout's panes. */
 void Menu::paint_icon(Canvas &canvas, const Item &item, const Rect &place, Colour colour) const
 {
     if (item.action != MenuAction::kLayout) return;

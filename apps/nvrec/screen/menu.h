@@ -1,6 +1,6 @@
 /*
- * menu.h - the recorder's menu: a panel of rows, one of them highlighted. It knows what can be chosen
- * and how it looks; the overlay carries a choice out.
+ * menu.h - the recorder's menu: a panel of rows, one of them highlighted. The menu knows its rows and draws
+ * them; the overlay carries out what is chosen.
  */
 #pragma once
 
@@ -18,7 +18,7 @@ namespace nvrec
 
 enum class MenuAction { kLayout, kEnlarge, kZoom, kAddress, kQuit };
 
-/** What the menu marks: where the wall stands now. */
+/** The state of the wall, which the menu marks in its rows. */
 struct MenuState {
     Layout layout = Layout::kSingle;
     bool enlarged = false;
@@ -37,7 +37,7 @@ public:
     /** @param has_address  there is a QR code to show */
     Menu(Font &font, Language language, ChineseScript script, int text_size_px, bool has_address);
 
-    /** Open in the middle of the screen, or with its corner at a place as near as it fits. */
+    /** Open in the middle of the screen, or with a corner at a place, as near to it as the panel fits. */
     void open(const Rect &screen, const MenuState &state);
     void open_at(const Rect &screen, const MenuState &state, int x, int y);
     void close() { open_ = false; }
@@ -47,11 +47,14 @@ public:
     const Rect &place() const { return place_; }
     Rect row(size_t index) const;
 
-    /** Light the next row up or down, round the ends; or the one at a place. @return what to paint anew. */
+    /**
+     * Highlight the next row up or down, going round at the ends, or the row at a place. @return what to
+     * paint anew.
+     */
     Rect step(int by);
     Rect point_at(int x, int y);
 
-    /** The lit row, and whether a place lies on it. */
+    /** The highlighted row, and whether a place lies on it. */
     const Item &chosen() const { return items_[lit_]; }
     size_t chosen_index() const { return lit_; }
     bool is_on_row(int x, int y) const;

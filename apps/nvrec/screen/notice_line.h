@@ -21,7 +21,8 @@ public:
     {
     }
 
-    /** Say that, in UTF-8; empty = nothing. @param most_px  how wide it may be. @return what to paint anew.
+    /** Show this text, in UTF-8; empty = nothing. @param most_px  how wide it may be. @return what to paint
+     * anew.
      */
     Rect set(const std::string &text, int most_px);
 

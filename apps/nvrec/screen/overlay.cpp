@@ -16,7 +16,7 @@ namespace nvrec
 namespace
 {
 
-constexpr auto kCursorRests = std::chrono::seconds(5); /* then it goes out of the way */
+constexpr auto kCursorRests = std::chrono::seconds(5); /* after that the cursor disappears */
 constexpr Colour kCardGround = 0xFFFFFF, kCardLetters = 0x202428, kCardEdge = 0x4A5460;
 
 } // namespace
@@ -24,7 +24,7 @@ constexpr Colour kCardGround = 0xFFFFFF, kCardLetters = 0x202428, kCardEdge = 0x
 Overlay::Overlay(OverlayOptions options) : options_(std::move(options)), names_(options_.names) {}
 Overlay::~Overlay() = default;
 
-/* Without a framebuffer or a font the wall stands all the same. */
+/* The wall runs without a framebuffer or a font, too. */
 bool Overlay::start(WallControl &wall)
 {
     wall_ = &wall;
@@ -81,7 +81,7 @@ void Overlay::make_parts()
     question_ = std::make_unique<Question>(question_of_ending(*font_, names_, size));
 }
 
-/* Of the clock, the menu and the card. */
+/* Size of the letters of clock, menu and card. */
 int Overlay::text_size_px() const
 {
     return screen_text_size_px(canvas_.height());
@@ -94,7 +94,7 @@ void Overlay::tell_cameras(Clock::time_point now, std::time_t wall_s)
         damage(panes_->set_state(camera->channel(), watch_.state_of(*camera, now), wall_s));
 }
 
-/* Beside the clock, where that is in its corner. */
+/* It leaves room for the clock, when that is in the corner. */
 void Overlay::tell_alarms(Clock::time_point now)
 {
     if (!line_) return;
@@ -106,7 +106,7 @@ void Overlay::tell_alarms(Clock::time_point now)
     damage(line_->set(alarm_text(wall_->recorder(), wall_->alarm(), names_, without_main), most));
 }
 
-/* A pane that nobody uses, or a bar beside the picture in the upper right corner. */
+/* Offer the clock an unused pane, or a bar beside the picture in the upper right corner. */
 void Overlay::find_room_for_clock()
 {
     std::vector<Rect> free = {panes_->unused_pane()};
@@ -122,7 +122,7 @@ void Overlay::find_room_for_clock()
     clock_->offer(free);
 }
 
-/* A camera's thread; one that came after start() has been left. */
+/* On a camera's thread. Before start() and after stop() nothing is done. */
 void Overlay::on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts)
 {
     if (running_) watch_.on_unit(channel, unit, facts);
@@ -158,7 +158,7 @@ void Overlay::on_layout()
     paint();
 }
 
-/* A pane whose decoder was still behind at the last turn has its picture by now. */
+/* Panes whose decoders were still busy at the last turn have their pictures by now. */
 void Overlay::before_last_pictures()
 {
     if (!drawing_) return;
@@ -175,7 +175,7 @@ bool Overlay::ask_whether_to_end()
     return true;
 }
 
-/* The next owner of the screen finds it empty. */
+/* Leave the screen empty for its next user. */
 void Overlay::stop()
 {
     if (!drawing_) return;
@@ -201,7 +201,7 @@ void Overlay::damage(const Rect &rect)
 void Overlay::paint()
 {
     if (!drawing_ || (damage_.empty() && !cursor_moved_)) return;
-    if (!canvas_.begin()) return; /* what is damaged stays so, for the next try */
+    if (!canvas_.begin()) return; /* the damage stays noted for the next try */
     cursor_.lift(canvas_);
     for (const Rect &rect : damage_)
         paint_within(rect);
@@ -224,7 +224,7 @@ void Overlay::paint_within(const Rect &rect)
     if (question_) question_->paint(canvas_);
 }
 
-/* The code is made when it is wanted first: most walls never show it. */
+/* The code is made when it is first needed: most walls never show it. */
 void Overlay::make_card()
 {
     const std::string &address = options_.address;

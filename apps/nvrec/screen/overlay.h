@@ -1,8 +1,8 @@
 /*
  * overlay.h - what the recorder draws over the video, with the menu and the cursor:
  *
- *   panes    borders, the selected one's highlight, camera names (overlay_panes.h), and what cameras
- *            without pictures have to say                        (pane_watch.h)
+ *   panes    borders, the selected one's highlight, camera names (overlay_panes.h), and notices of
+ *            cameras without pictures                            (pane_watch.h)
  *   clock    date and time, where no picture is                  (clock_face.h)
  *   line     what is wrong with the recorder, at the top         (notice_line.h)
  *   address  a QR code in the lower right corner                 (qr_code.h)
@@ -10,8 +10,8 @@
  *   question before recording is ended                           (question.h)
  *   cursor   the mouse's arrow, over all else                    (cursor.h)
  *
- * A change damages rectangles; paint() then clears each and draws in it whatever crosses it, in the
- * order above, in one drawing job. All of it runs on the main thread, but for on_unit().
+ * A change damages rectangles. In one drawing job paint() clears each of them and draws all parts that
+ * overlap it, in the order above. All of it runs on the main thread, except on_unit().
  */
 #pragma once
 
@@ -64,7 +64,7 @@ public:
     bool on_pointer(const PointerEvent &event) override;
     void stop() override;
 
-    /** Another camera stands on a channel, of that name; empty = of none. Main thread. */
+    /** Another camera is on a channel, with this name; empty = it has none. Main thread. */
     void name_camera(int channel, const std::string &name);
 
     /** For tests: where things stand. */
@@ -76,7 +76,7 @@ public:
     const Rect &address_place() const { return address_place_; }
 
 private:
-    /* What the address card consists of. */
+    /* The parts of the address card. */
     struct Card {
         Tile code, title, text;
     };

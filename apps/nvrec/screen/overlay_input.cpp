@@ -1,4 +1,4 @@
-/* overlay_input.cpp - what keys and the mouse do with the overlay; see overlay.h. */
+/* overlay_input.cpp - keys and mouse in the overlay; see overlay.h. */
 #include "screen/overlay.h"
 
 #include "wall/exit_code.h"
@@ -13,7 +13,7 @@ constexpr uint32_t kLeftButton = 1, kRightButton = 2;
 
 } // namespace
 
-/* Open, the menu comes before all else; closed, it is a key among others. */
+/* An open menu gets keys before all else; a closed one only needs its own key. */
 InputLayer Overlay::input_layer() const
 {
     const bool first = (menu_ && menu_->is_open()) || (question_ && question_->is_open());
@@ -30,7 +30,7 @@ bool Overlay::on_key(Key key)
     return taken;
 }
 
-/* Whoever wants back, or the menu, goes on recording. */
+/* The back and menu keys mean: go on recording. */
 bool Overlay::question_key(Key key)
 {
     switch (key) {
@@ -63,7 +63,7 @@ void Overlay::answer(bool yes)
     wall_->wake();
 }
 
-/* The keys that move about the wall are not the overlay's. */
+/* Keys that select panes and cameras are not the overlay's. */
 bool Overlay::wall_key(Key key)
 {
     if (key == Key::kMenu && menu_) {
@@ -75,7 +75,7 @@ bool Overlay::wall_key(Key key)
     return true;
 }
 
-/* An open menu also takes the keys with which one moves about the wall. */
+/* An open menu also takes the keys that otherwise select panes and cameras. */
 bool Overlay::menu_key(Key key)
 {
     switch (key) {

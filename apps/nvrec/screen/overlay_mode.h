@@ -1,4 +1,7 @@
-/* overlay_mode.h - whether something is drawn over the video, and how large its letters are. Main thread. */
+/*
+ * overlay_mode.h - tells whether something is drawn over the video, and how large its letters are. Main
+ * thread.
+ */
 #pragma once
 
 namespace nvrec
@@ -8,10 +11,10 @@ class WallControl;
 
 enum class OverlayMode { kAuto, kOn, kOff };
 
-/** Whether to draw; auto = where somebody looks, in a window or at a monitor of the board's own. */
+/** Whether to draw; auto = when there is a window or a monitor of the board's own to look at. */
 bool is_drawn(OverlayMode mode, const WallControl &wall);
 
-/** Size of letters that stand beside no picture, in proportion to the screen's height; pixels. */
+/** Size in pixels of letters outside of panes, in proportion to the screen's height. */
 int screen_text_size_px(int screen_height_px);
 
 } // namespace nvrec

@@ -16,7 +16,7 @@ constexpr Colour kNameColour = 0xFFFFFF;
 constexpr Colour kTitleColour = 0xF0F4F8;
 constexpr Colour kNoticeColour = 0xC8D0D8;
 
-/* In proportion to the pane, within what is readable and what covers little. */
+/* In proportion to the pane, but large enough to read and small enough to cover little. */
 int text_size_in(const Rect &pane)
 {
     constexpr int kPaneToText = 20, kSmallest_px = 16, kLargest_px = 28;
@@ -125,8 +125,8 @@ std::vector<Rect> PaneMarks::select(int channel)
 }
 
 /*
- * The whole pane where the dark pattern comes or goes, else the texts and signs that change: with the
- * state, and at midnight, when a time of day becomes one of yesterday.
+ * What has to be painted anew: the whole pane when the dark pattern appears or disappears, else the texts and
+ * signs that change. They change with the state, and at midnight, when a time gets its date.
  */
 Rect PaneMarks::set_state(int channel, const PaneState &state, std::time_t now)
 {
@@ -172,7 +172,7 @@ Rect PaneMarks::name_camera(int channel, const std::string &name)
     for (Pane &pane : panes_) {
         if (pane.channel != channel) continue;
         pane = make_pane(channel, Rect(pane.area));
-        return pane.area; /* its texts may be longer or shorter than they were */
+        return pane.area; /* its texts may have other lengths now */
     }
     return {};
 }

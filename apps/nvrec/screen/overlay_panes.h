@@ -1,6 +1,6 @@
 /*
- * overlay_panes.h - what stands in the panes: their borders, the selected one's highlight, the
- * cameras' names and signs, what a camera without pictures has to say, and a mark where no camera is.
+ * overlay_panes.h - draws in the panes: their borders, the selected one's highlight, the cameras' names and
+ * signs, the notice of a camera without pictures, and a mark where no camera is.
  */
 #pragma once
 
@@ -29,21 +29,24 @@ public:
     /** @param font  null = no names */
     PaneMarks(Font *font, CameraNames names) : font_(font), names_(std::move(names)) {}
 
-    /** Stand in these panes from now on. @return true when they are others than before. */
+    /** Use these panes from now on. @return true = they differ from those before. */
     bool lay(const std::vector<DispAttrib> &panes, const std::vector<DispAttrib> &unused);
 
     /** Highlight that channel. @return what has to be painted anew. */
     std::vector<Rect> select(int channel);
 
-    /** What stands with the channel's camera. @return what has to be painted anew. */
+    /** Show the state of the channel's camera. @return what has to be painted anew. */
     Rect set_state(int channel, const PaneState &state, std::time_t now);
 
-    /** Another camera stands there, of that name; empty = of none. @return what has to be painted anew. */
+    /**
+     * Another camera is on the channel, with this name; empty = it has none. @return what has to be painted
+     * anew.
+     */
     Rect name_camera(int channel, const std::string &name);
 
     void paint(Canvas &canvas) const;
 
-    /** Where a channel is shown, and its name, notice and signs there; empty = nowhere. */
+    /** The places of a channel's pane, and of its name, notice and signs; empty = nowhere. */
     Rect pane_of(int channel) const;
     Rect name_of(int channel) const;
     Rect notice_of(int channel) const;

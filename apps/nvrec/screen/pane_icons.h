@@ -1,6 +1,6 @@
 /*
- * pane_icons.h - the small signs of a pane: something records it, it is heard, something moves in it,
- * its analog input has no signal; and the quiet mark of a pane that nobody uses.
+ * pane_icons.h - the small signs of a pane: its camera is recorded, is heard, sees motion, or has no signal
+ * at its analog input; and the dim mark of an unused pane.
  */
 #pragma once
 

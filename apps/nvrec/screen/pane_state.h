@@ -1,4 +1,4 @@
-/* pane_state.h - what a pane has to say of its camera beside its name. */
+/* pane_state.h - what a pane tells of its camera besides the name. */
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@ enum class PaneNotice {
     kNone,       /* pictures come                                                          */
     kMissing,    /* the camera has never come                                              */
     kNoVideo,    /* it has stopped coming; its last picture stays under a dark pattern     */
-    kRefused,    /* it comes, and no picture of it can be shown; the last one stays likewise */
+    kRefused,    /* its stream comes, but no picture can be shown; the last one stays likewise */
     kWaitsForKey /* the decoder was flushed: its next picture is a key frame               */
 };
 

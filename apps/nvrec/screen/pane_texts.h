@@ -1,4 +1,7 @@
-/* pane_texts.h - what panes, the line at the top and the question at the end say, in both languages. */
+/*
+ * pane_texts.h - the texts of the panes, of the line at the top and of the question at the end, in both
+ * languages.
+ */
 #pragma once
 
 #include <ctime>
@@ -22,7 +25,7 @@ struct NoticeText {
 NoticeText notice_text(const PaneState &state, const std::string &name, std::time_t now, Language language);
 
 /**
- * What is wrong with recording, the gravest first; empty = nothing.
+ * What is wrong with recording, the most serious first; empty = nothing.
  * @param recorder      null = nobody records
  * @param alarm         what else the recorder has to say
  * @param without_main  channels whose pane shows their sub stream while their main stream does not come
@@ -33,7 +36,7 @@ std::string alarm_text(const RecordingView *recorder, const std::string &alarm, 
 /** Whether both times are on one local day. */
 bool same_day(std::time_t a, std::time_t b);
 
-/** "14:05:09", or "2026-03-01 14:05:09" where that is another day than now's. */
+/** "14:05:09", or "2026-03-01 14:05:09" if that is another day than now. */
 std::string since_text(std::time_t since, std::time_t now);
 
 } // namespace nvrec

@@ -11,7 +11,7 @@ namespace nvrec
 namespace
 {
 
-constexpr auto kSettles = std::chrono::milliseconds(400); /* after a layout nobody is told to wait at once */
+constexpr auto kSettles = std::chrono::milliseconds(400); /* after a layout, without a notice to wait */
 constexpr auto kAnalogPeriod = std::chrono::seconds(1);
 
 Clock::time_point time_of(const std::atomic<Clock::rep> &ticks)

@@ -1,6 +1,6 @@
 /*
- * pane_watch.h - what stands with every camera, as its pane is to say it: from the camera's own
- * status, from the frames that pass by, from the layout, and from the analog inputs.
+ * pane_watch.h - finds out what each pane has to tell of its camera: from the camera's status, the frames
+ * that pass by, the layout, and the analog inputs.
  *
  * Threads: on_unit() on the cameras', all else on the main one.
  */
@@ -22,7 +22,7 @@ namespace nvrec
 class PaneWatch
 {
 public:
-    /** @param changed  a pane may have something else to say; from any thread */
+    /** @param changed  called when a pane may have to tell something else; from any thread */
     void start(WallControl &wall, std::function<void()> changed);
 
     void on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts);
@@ -35,7 +35,7 @@ public:
 
     PaneState state_of(const Feeder &camera, Clock::time_point now) const;
 
-    /** When a pane will have something else to say if nothing comes until then. */
+    /** When a pane has to tell something else if no frame comes until then. */
     Clock::time_point next_change(Clock::time_point now) const;
 
 private:
@@ -46,7 +46,7 @@ private:
         std::atomic<Clock::rep> unit_at = 0;
         std::atomic<uint64_t> refused_bytes = 0; /* of the last key frame, when it is too large; else 0 */
         std::atomic<bool> sound = false;         /* its sound is taken                                  */
-        std::atomic<bool> notice = false;        /* its pane says something that pictures end           */
+        std::atomic<bool> notice = false; /* its pane has a notice that the next picture ends           */
     };
 
     PaneNotice notice_of(const CameraStatus &status, uint64_t too_large_bytes, Clock::time_point now) const;

@@ -29,7 +29,7 @@ uint32_t word_at(const uint8_t *bytes)
                                                                                   << 24;
 }
 
-/* A file of its own, gone at the end. */
+/* A temporary file, removed at the end. */
 class ScratchFile
 {
 public:
@@ -79,8 +79,8 @@ Tile grey_image(const std::string &path)
 }
 
 /*
- * The library prints the text of a code. While one of these lives it stands in the log as it may be shown:
- * the token of a status page's address does not.
+ * The library prints the text of a code. While an object of this class lives, the log gets the text as it may
+ * be shown, without the token of a status page's address.
  */
 class GuardedLog
 {

@@ -1,6 +1,6 @@
 /*
- * qr_code.h - a text as a QR code on the screen: the library writes the image to a file, and this
- * reads it back.
+ * qr_code.h - makes a QR code of a text for the screen: the library writes the image to a file, which is read
+ * back here.
  */
 #pragma once
 
@@ -11,7 +11,7 @@
 namespace nvrec
 {
 
-/** So long a text still fits the smallest screen with its code. */
+/** The longest text whose code fits the smallest screen. */
 constexpr size_t kLongestQrText = 300;
 
 /**

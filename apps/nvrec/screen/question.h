@@ -1,6 +1,6 @@
 /*
- * question.h - a question in the middle of the screen with two answers below each other; the first,
- * which changes nothing, is lit. The overlay carries an answer out.
+ * question.h - a question in the middle of the screen with two answers below each other. The first one, which
+ * changes nothing, is highlighted at first. The overlay carries out the answer.
  */
 #pragma once
 
@@ -26,11 +26,11 @@ public:
     Rect close();
     bool is_open() const { return open_; }
 
-    /** Light the other answer, or the one at a place. @return what to paint anew. */
+    /** Highlight the other answer, or the one at a place. @return what to paint anew. */
     Rect step();
     Rect point_at(int x, int y);
 
-    /** Whether a place lies on an answer, and whether the lit one is "yes". */
+    /** Whether a place lies on an answer, and whether the highlighted answer is "yes". */
     bool is_on_answer(int x, int y) const;
     bool is_yes() const { return lit_ == 1; }
 

@@ -58,7 +58,10 @@ int64_t TimeLine::step_us() const
     return kSpans[span_].step_us;
 }
 
-/* The part moves by halves, so that the line stands still while playback runs. */
+/*
+ * The shown part moves by half its length at a time, so that the time line mostly stands still while playback
+ * runs.
+ */
 TimeSpan TimeLine::shown() const
 {
     const int64_t span_us = shown_span_us(), half_us = span_us / 2;

@@ -1,6 +1,6 @@
 /*
- * time_line.h - the lower edge of the screen while recordings play: what is recorded of every camera,
- * where playback is, how fast, and whether it stands.
+ * time_line.h - the time line at the lower edge of the screen while recordings play: what is recorded of
+ * every camera, where playback is, how fast it runs, and whether it is paused.
  *
  *   Playing 2x          2026-11-21 14:05:00
  *   yard  ======    ==|=========
@@ -32,7 +32,7 @@ struct TimeLineRow {
     bool operator==(const TimeLineRow &) const = default;
 };
 
-/** What it shows. Times are places: microseconds from the beginning of what is played. */
+/** What it shows. Times are places: microseconds from the beginning of the recordings that are played. */
 struct TimeLineState {
     std::vector<TimeLineRow> rows;
     int64_t position_us = 0;
@@ -55,13 +55,13 @@ public:
     Rect step_span(int steps);
     int64_t shown_span_us() const;
 
-    /** A step of the position that is seen on a line of that length. */
+    /** A step of the position that is large enough to be seen at the present length of the time line. */
     int64_t step_us() const;
 
     void paint(Canvas &canvas);
     Rect place() const { return place_; }
 
-    /** The place of playback that a point of the bars stands for; nothing = it stands for none. */
+    /** The place of playback at a point of the bars; nothing = the point is not on the bars. */
     std::optional<int64_t> time_at(int x, int y) const;
 
     /** Where a place is on the screen. */

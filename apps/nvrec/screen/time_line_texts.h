@@ -1,4 +1,4 @@
-/* time_line_texts.h - what the time line says, in both languages. */
+/* time_line_texts.h - the texts of the time line, in both languages. */
 #pragma once
 
 #include <string>

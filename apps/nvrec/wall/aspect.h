@@ -1,6 +1,6 @@
 /*
- * aspect.h - where a picture of another shape than its pane is shown: in the middle of it with its
- * own shape, or stretched over all of it.
+ * aspect.h - places a picture whose shape differs from its pane's: in the middle of the pane in its own
+ * shape, or stretched over the whole pane.
  */
 #pragma once
 
@@ -16,7 +16,7 @@ namespace nvrec
 
 enum class Aspect { kFit, kStretch };
 
-/** One for all cameras, and what single channels have instead. */
+/** The mode of all cameras, and of single channels that have another one. */
 struct AspectOptions {
     Aspect all = Aspect::kFit;
     std::map<int, Aspect> given; /* by channel */
@@ -33,8 +33,8 @@ struct PictureShape {
 };
 
 /**
- * The largest even rectangle of the picture's shape in the middle of a pane. The whole pane where the
- * shape is not known, or so near to the pane's that the bars would be thinner than a hundredth of it.
+ * The largest rectangle with even numbers and the picture's shape in the middle of a pane. The whole pane if
+ * the shape is not known, or so near to the pane's that the bars would be thinner than a hundredth of it.
  */
 DispAttrib fitted(const DispAttrib &pane, const PictureShape &shape);
 

@@ -71,7 +71,7 @@ uint8_t to_byte(int value)
     return static_cast<uint8_t>(std::clamp(value, 0, 255));
 }
 
-/* How samples become bytes of full range, by their value in 8 bits. */
+/* A table from samples in 8 bits to bytes of full range. */
 std::array<uint8_t, 256> range_table(bool full_range, bool luma)
 {
     constexpr int kBlack = 16, kLumaSteps = 219, kChromaSteps = 224, kMiddle = 128;
@@ -84,7 +84,7 @@ std::array<uint8_t, 256> range_table(bool full_range, bool luma)
     return table;
 }
 
-/* The JPEG format with that fineness of chroma; none = it has no such. */
+/* The JPEG pixel format with this chroma subsampling; none = JPEG has no such format. */
 AVPixelFormat format_with(int shift_x, int shift_y)
 {
     if (shift_x == 1 && shift_y == 1) return AV_PIX_FMT_YUVJ420P;

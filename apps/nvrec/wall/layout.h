@@ -1,5 +1,5 @@
 /*
- * layout.h - how a recorder divides its screen: named layouts as panes for ext_change_display_format.
+ * layout.h - named layouts of the screen, as panes for ext_change_display_format.
  *
  * The library takes any rectangles and rounds them down to even numbers. The panes computed here
  * are even to begin with and fill the output without gap or overlap: a grid line k of n lies at the
@@ -50,7 +50,7 @@ std::vector<std::string> layout_names();
 /** The smallest grid with a pane for each of `channels` cameras (1 to 16). */
 Layout layout_for(int channels);
 
-/** What the layout key shows next, for so many cameras; the same when there is nothing else. */
+/** The layout that the layout key shows next, for so many cameras; the same one when there is no other. */
 Layout layout_after(Layout layout, int cameras);
 
 /** How many panes the layout has. */

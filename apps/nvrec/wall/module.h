@@ -67,7 +67,7 @@ struct PointerEvent {
     int wheel = 0;        /* notches, up is positive                  */
 };
 
-/** A thread that says when it gives its next sign of life at the latest; max() = it has nothing to do. */
+/** A thread that tells when it gives its next sign of life at the latest; max() = it has nothing to do. */
 struct WatchedThread {
     std::string name;
     std::function<Clock::time_point()> heartbeat_deadline; /* any thread */
@@ -85,8 +85,8 @@ public:
     virtual const std::vector<std::unique_ptr<Feeder>> &cameras() const = 0;
 
     /**
-     * Take another camera for a channel, or none: an empty address. It comes when the thread of the one
-     * before has ended; all others go on.
+     * Give a channel another camera, or none by an empty address. The new camera is opened when the thread of
+     * the one before has ended; all other cameras go on.
      */
     virtual void change_camera(int /*channel*/, const CameraSource & /*source*/) {}
 
@@ -108,7 +108,7 @@ public:
     /** Whether someone sits in front of it. */
     virtual bool window_is_open() const { return false; }
 
-    /** Offer a key or a mouse event to the modules, by their InputLayer. */
+    /** Offer a key or a mouse event to the modules, in the order of their InputLayer. */
     virtual void key(Key key) = 0;
     virtual void pointer(const PointerEvent &event) = 0;
 
@@ -119,7 +119,7 @@ public:
     virtual void set_recording(bool /*on*/) {}
     virtual bool recording() const { return false; }
 
-    /** Who records, for whoever shows it (record/recording_status.h); null = nobody. */
+    /** The state of recording, for those who show it (record/recording_status.h); null = nothing records. */
     virtual void set_recorder(const RecordingView * /*recorder*/) {}
     virtual const RecordingView *recorder() const { return nullptr; }
 
@@ -127,26 +127,28 @@ public:
     virtual bool recording(int /*channel*/) const { return false; }
 
     /**
-     * What the user must know while it lasts, in one line on the screen: a disk that hangs. Empty =
-     * nothing.
+     * A trouble that the user must know of while it lasts, such as a disk that hangs; shown in one line on
+     * the screen. Empty = none.
      */
     virtual void set_alarm(const std::string & /*text*/) {}
     virtual std::string alarm() const { return {}; }
 
-    /** Have a module's thread watched by who feeds the watchdog, for as long as the wall stands. */
+    /**
+     * Watch a module's thread as long as the wall runs: the watchdog is fed only while the thread is in time.
+     */
     virtual void watch_thread(const WatchedThread & /*thread*/) {}
     virtual std::vector<WatchedThread> watched_threads() const { return {}; } /* any thread */
 
     /** End as if the user had asked; the first exit code other than 0 stays. */
     virtual void end(int exit_code) = 0;
 
-    /** Someone at the screen wants to end: he is asked first while something records. */
+    /** A user at the screen wants to end. While something records, the user is asked first. */
     virtual void end_by_user() { end(0); }
 };
 
 /**
- * Who is asked first what a key or a mouse event means. The first one that has a use for it has it:
- * an open menu takes the arrows, and without one a zoomed picture does, and so on.
+ * The order in which modules are offered a key or a mouse event. The first that uses it takes it: an open
+ * menu takes the arrows, without a menu a zoomed picture does, and so on.
  */
 enum class InputLayer {
     kMenu,     /* while it is open                                         */
@@ -179,7 +181,7 @@ public:
     /** @return when the next turn is wanted at the latest; time_point::max() = only when woken. */
     virtual Clock::time_point take_turn(Clock::time_point /*now*/) { return Clock::time_point::max(); }
 
-    /** The panes are about to change: layout() and enlarged() say how. Every pane's decoder is flushed. */
+    /** The panes are about to change: layout() and enlarged() tell how. Every pane's decoder is flushed. */
     virtual void before_layout() {}
 
     /** The panes or the selection have changed. */
@@ -191,24 +193,28 @@ public:
     /** Width and height of the picture that it shows on a channel instead of the camera's; zeros = none. */
     virtual std::pair<uint32_t, uint32_t> picture_size(int /*channel*/) const { return {0, 0}; }
 
-    /** A channel has another camera, another line to it, or none: nothing of the one before comes any more.
+    /**
+     * A channel has another camera, another connection to its camera, or none: nothing more comes from the
+     * one before.
      */
     virtual void on_camera_changed(int /*channel*/) {}
 
-    /** Someone at the screen wants to end while something records. @return true = he is asked. */
+    /**
+     * A user at the screen wants to end while something records. @return true = this module asks the user.
+     */
     virtual bool ask_whether_to_end() { return false; }
 
-    /** Where it stands among those that take keys and mouse events; asked for each of them. */
+    /** Its place among the modules that take keys and mouse events; asked for each event. */
     virtual InputLayer input_layer() const { return InputLayer::kTools; }
 
     /** @return true = the key or the event was meant for this one. */
     virtual bool on_key(Key /*key*/) { return false; }
     virtual bool on_pointer(const PointerEvent & /*event*/) { return false; }
 
-    /** True keeps the wall standing when no camera runs any more. */
+    /** True = the wall goes on even when no camera runs any more. */
     virtual bool busy() const { return false; }
 
-    /** What the progress line is to say now instead of the cameras' counts; empty = those. */
+    /** A text for the progress line instead of the cameras' counts; empty = the counts. */
     virtual std::string progress(double /*seconds*/) const { return {}; }
 
     /** The cameras have ended; the library is still up. */

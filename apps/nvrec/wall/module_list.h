@@ -2,7 +2,7 @@
  * module_list.h - the modules of a wall, in the order in which they were added: started in that order,
  * stopped in reverse.
  *
- * Who gets a key or a mouse event first is not a matter of that order but of InputLayer (module.h).
+ * Keys and mouse events go by another order, that of InputLayer (module.h).
  *
  * Threads: the main one; on_unit() and on_audio() on the cameras'.
  */
@@ -29,7 +29,10 @@ public:
     /** Those that were started. */
     void stop();
 
-    /** Give each its turn, at one time for all. @return when the first of them wants the next one. */
+    /**
+     * Give each module a turn, with the same time for all. @return when the first of them wants its next
+     * turn.
+     */
     Clock::time_point take_turns(Clock::time_point now);
 
     void before_layout();

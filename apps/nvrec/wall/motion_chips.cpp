@@ -13,7 +13,7 @@ namespace
 
 constexpr int kInputsAChip = 4, kChips = 2;
 
-/* Records of the chips' driver, which the library's header leaves to whoever fills them. */
+/* Records of the chips' driver. The library's header does not define them; its callers do. */
 struct MotionArea {
     uint8_t chip, input;
     uint8_t blocks[640]; /* a bit a block */

@@ -1,6 +1,7 @@
 /*
  * motion_chips.h - motion as the chips of the board's analog inputs see it: channel n is input n % 4 of
- * chip n / 4. To start the chips clears what they watch, so that whoever wants motion shares this one.
+ * chip n / 4. Starting the chips clears the areas that they watch, so they are started once, and all parts of
+ * the recorder that need motion share one object of this class.
  *
  * Threads: the main one.
  */
@@ -22,7 +23,7 @@ public:
     std::optional<uint32_t> moving_blocks(int channel) const;
 
 private:
-    std::optional<bool> started_; /* nothing = nobody wanted motion yet */
+    std::optional<bool> started_; /* nothing = watch() was not called yet */
 };
 
 } // namespace nvrec

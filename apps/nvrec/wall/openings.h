@@ -1,6 +1,6 @@
 /*
- * openings.h - cameras that are being opened, a thread each: some take long to answer, and the others
- * do not wait for them.
+ * openings.h - opens cameras, each on a thread of its own, so that a camera that takes long to answer does
+ * not delay the others.
  *
  * Threads: the main one, and those started here, which touch nothing but their camera and `woken`.
  */
@@ -27,7 +27,7 @@ public:
     Openings(const Openings &) = delete;
     Openings &operator=(const Openings &) = delete;
 
-    /** Begin to open it. The camera outlives this. */
+    /** Begin to open a camera, which has to outlive this object. */
     void start(Feeder &camera);
 
     /** The cameras that have been opened since the last call, or could not be. */
@@ -39,7 +39,7 @@ public:
     bool empty() const { return openings_.empty(); }
     bool contains(const Feeder &camera) const;
 
-    /** Whether none of them is a file, which one waits for. */
+    /** Whether all of them are network cameras; files are waited for. */
     bool only_live() const;
 
 private:

@@ -28,7 +28,7 @@ std::string picture_problem(const std::string &text);
  */
 std::string take_picture(const std::string &path);
 
-/** When the next picture that is not done is due, if any has a time. */
+/** When the next picture that is not written yet is due, if any has a time. */
 std::optional<double> next_picture_s(const std::vector<PictureOrder> &orders);
 
 } // namespace nvrec

@@ -1,9 +1,9 @@
 /*
  * report.h - what happened to every camera's frames: progress line, closing table, JSON.
  *
- * "Sent" and "refused" are counted by the feeders, all else by the decoders, from the moment the wall
- * stood (mark()): the frames that only gave the decoders their codec do not count. On a board whose
- * decoders do not tell, the columns are empty.
+ * The feeders count "sent" and "refused", the decoders all else. Counting begins when the wall is on the
+ * screen (mark()), so the frames that only gave the decoders their codec do not count. On a board whose
+ * decoders do not tell counts, those columns are empty.
  */
 #pragma once
 
@@ -41,7 +41,7 @@ public:
     /** Count from here on. */
     void mark();
 
-    /** Leave out what another source, not the camera, had decoded on the channel. */
+    /** Leave out the frames on a channel that came from another source than its camera. */
     void leave_out(int channel, const host::DecoderCounters &foreign);
 
     /** Every channel's counters now. */

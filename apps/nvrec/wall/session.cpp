@@ -72,7 +72,7 @@ bool Session::apply_single(int channel)
     return show(std::move(panes));
 }
 
-/* The frames of channels that go are held back from here on, and dropped by the library meanwhile. */
+/* From here on the frames of channels that disappear are held back; the library drops them meanwhile. */
 bool Session::show(std::vector<DispAttrib> panes)
 {
     panes_ = std::move(panes);

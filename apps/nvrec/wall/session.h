@@ -3,13 +3,13 @@
  *
  * Order of a start: start() brings the board up; every channel's first frame goes through
  * ext_send_stream, which gives the channel a decoder of the stream's codec; apply() then lays the
- * panes out and sets every decoder's output size. The other way round, a decoder that is recreated
- * for its codec after the layout would be neither bound to its pane nor sized for it.
+ * panes out and sets every decoder's output size. In another order it would fail: a decoder that is made anew
+ * for its codec after the layout is neither bound to its pane nor set to its size.
  *
- * A pane is a part of the screen; the picture in it keeps its shape unless it is to be stretched. The
- * library gives a single pane the whole screen, so a single picture of another shape is put into its
- * place behind the layout, by the call that moves display ports without touching decoders. The same
- * call follows a shape that becomes known later.
+ * A pane is a part of the screen; the picture in it keeps its shape unless it is to be stretched. The library
+ * gives a single pane the whole screen. So after the layout a single picture of another shape is put into its
+ * place by the call that moves display ports without touching decoders. The same call is used when a shape
+ * becomes known later.
  */
 #pragma once
 
@@ -55,19 +55,19 @@ public:
     /** How pictures are placed in their panes, from the next layout on. */
     void set_aspect(AspectOptions options) { aspect_ = std::move(options); }
 
-    /** The same for one channel; refit() brings it into the layout that stands. */
+    /** The same for one channel; refit() applies it to the present layout. */
     void set_aspect(int channel, Aspect aspect) { aspect_.given.insert_or_assign(channel, aspect); }
 
     /** A channel's picture is of that shape now. @return true = refit() has something to do. */
     bool set_shape(int channel, const PictureShape &shape);
 
-    /** Place the pictures of the layout that stands by their shapes; no decoder is flushed. */
+    /** Place the pictures of the present layout by their shapes; no decoder is flushed. */
     bool refit();
 
     /** Take the pictures off the screen. Everything else runs until the process ends. */
     void stop();
 
-    /** What sees motion, for all who want it. */
+    /** The chips that see motion, for all parts that need it. */
     MotionChips &motion() { return motion_; }
 
     /** The display device that the library chose. */

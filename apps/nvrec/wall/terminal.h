@@ -2,15 +2,17 @@
  * terminal.h - nvrec's own output, apart from the library's.
  *
  * The library prints every step to standard output, and the board what it refuses to standard
- * error. While a Terminal exists, both lead to a log file and nvrec writes to what they were
- * before, so that its progress line and table stay readable.
+ * error. While a Terminal exists, both lead to a log file, and nvrec itself writes to the original output, so
+ * that its progress line and table stay readable.
  *
  * What nvrec says itself goes into the log too, a line each, with time and level:
  *
  *   2026-11-22T14:05:03.125+0100 warning: channel 2: its video is lost
  *
- * A log that has grown too large becomes LOG.1, that one LOG.2 and so on, and the next one is begun.
- * Under a service manager that reads standard error, lines carry their level as it wants it.
+ * A log that has grown too large is renamed LOG.1, the one before becomes LOG.2 and so on, and a new log is
+ * begun.
+ * When a service manager reads standard error, each line begins with its level in the form that the manager
+ * expects.
  */
 #pragma once
 

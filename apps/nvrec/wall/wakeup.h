@@ -1,8 +1,8 @@
 /*
  * wakeup.h - what ends the main thread's sleep: a signal, a call of wake(), or time.
  *
- * Made before any other thread, so that every thread inherits the blocked signals and only this
- * object receives them, on a thread of its own.
+ * It is made before any other thread, so that every thread inherits the blocked signals and only this object
+ * receives them, on a thread of its own.
  */
 #pragma once
 

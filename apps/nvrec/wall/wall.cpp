@@ -54,7 +54,7 @@ int Wall::run()
     return exit_code_;
 }
 
-/* The board up, every decoder of its stream's codec, and the panes on the screen. */
+/* Bring the board up, make every decoder for its stream's codec, and put the panes on the screen. */
 bool Wall::show()
 {
     const int channels = std::max(options_.channels, static_cast<int>(feeders_.size()));
@@ -95,7 +95,7 @@ std::vector<WatchedThread> Wall::watched_threads() const
     return watched_;
 }
 
-/* Whoever wants it again while he is asked knows what he does. */
+/* A user who wants to end a second time, while the question is on the screen, is sure: the wall ends. */
 void Wall::end_by_user()
 {
     if (recording_ && modules_.ask_whether_to_end()) {
@@ -126,7 +126,7 @@ void Wall::open_window()
     }
 }
 
-/* A window that its user closes while something records comes back with a question in it. */
+/* When the user closes the window while something records, the window opens again with a question in it. */
 void Wall::look_at_window()
 {
     if (!window_open_ || host::refresh_window()) return;
@@ -138,9 +138,9 @@ void Wall::look_at_window()
 }
 
 /*
- * The main thread's work while the cameras run. What modules and pictures were ordered for is done in
- * the order of its times, however late the thread is: a turn ends before the next picture's time, and
- * what comes behind that has its turn when the picture is taken.
+ * The main thread's work while the cameras run. Orders of modules and pictures are carried out in the order
+ * of their times, however late the thread is: a turn goes only up to the next picture's time, and orders
+ * after that time wait until the picture is taken.
  */
 void Wall::watch()
 {

@@ -6,7 +6,7 @@
  *        another codec)
  *     -> end of inputs, time or Ctrl-C -> last pictures -> table
  *
- * Whatever else the recorder does while the wall stands is a Module.
+ * All else that the recorder does while the wall runs is done by modules.
  *
  * Threads: everything here runs on the main thread; the feeders have one each and wake it.
  */

@@ -6,7 +6,7 @@
 namespace nvrec
 {
 
-/* Bring the panes on the screen as they are wanted now. */
+/* Put the panes on the screen as they are wanted now. */
 bool Wall::lay_out()
 {
     take_shapes();
@@ -32,7 +32,7 @@ void Wall::choose_streams()
     }
 }
 
-/* What the pictures look like that the channels show now: a module's own, or the camera's. */
+/* Take the shapes of the pictures that the channels show now: a module's own, or the camera's. */
 bool Wall::take_shapes()
 {
     bool differ = false;
@@ -49,7 +49,7 @@ bool Wall::take_shapes()
     return differ;
 }
 
-/* The panes stay; only pictures move in them, and what modules draw about them. */
+/* The panes stay; only pictures move in them, and what modules draw around the pictures. */
 void Wall::follow_shapes()
 {
     if (!take_shapes()) return;
