@@ -1,6 +1,6 @@
 /*
  * The board's window without a screen: what the user does in it reaches the IR receiver and the
- * mouse. SDL's dummy driver shows nothing; the events are put where the desk would put them.
+ * mouse. SDL's dummy driver shows nothing; the events are put where the desktop would put them.
  */
 #include <cstdlib>
 #include <cstring>
@@ -30,7 +30,7 @@ protected:
         mouse_ = board_open(MOUSE_NODE, O_RDONLY);
         ASSERT_EQ(vboard_window_open("a window"), 0);
         ASSERT_EQ(vboard_window_poll(), VBOARD_WINDOW_OPEN); /* shows the first picture */
-        while (next_mouse().type != 0) { /* where the desk's mouse stands at first does not matter */
+        while (next_mouse().type != 0) { /* where the desktop's mouse is at first does not matter */
         }
     }
 
@@ -85,7 +85,7 @@ protected:
     int mouse_ = -1;
 };
 
-TEST_F(Window, F11FillsTheDeskAndGivesTheFrameBack)
+TEST_F(Window, F11SwitchesToFullScreenAndBack)
 {
     SDL_Window *window = SDL_GetWindowFromID(1);
     ASSERT_NE(window, nullptr);

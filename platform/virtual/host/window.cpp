@@ -144,7 +144,7 @@ std::unique_ptr<DeskWindow> DeskWindow::open(const char *title, int width, int h
     // Unless the environment says otherwise, a window of another size is not scaled by whole pixels.
     SDL_SetHintWithPriority(SDL_HINT_RENDER_SCALE_QUALITY, "linear", SDL_HINT_DEFAULT);
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0) return nullptr;
-    // A window larger than most desks is opened at half its size.
+    // A window larger than most desktops is opened at half its size.
     const int divisor = width > 1600 ? 2 : 1;
     SDL_Window *window = SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED,
                                           width / divisor, height / divisor, SDL_WINDOW_RESIZABLE);

@@ -43,7 +43,7 @@ public:
 
     /*
      * Handle the window's events; false once the user has closed it or pressed an Esc without a button. An
-     * F11 without a button lets the window fill the desk, and the next one gives it its frame again.
+     * F11 without a button shows the window on the full screen, and the next one gives it its frame again.
      */
     virtual bool handle_events(const WindowKeys &keys, DeskInput &input) = 0;
 };

@@ -227,7 +227,7 @@ int vboard_monitor_save_png(const char *path);
  */
 int vboard_monitor_save_settled(const char *path, int32_t timeout_ms);
 
-/* ---------------------------------------------------------------------- a window on the desk --- */
+/* ------------------------------------------------------------------- a window on the desktop --- */
 
 /** What vboard_window_poll has to report. */
 enum vboard_window_event {
@@ -244,8 +244,8 @@ typedef struct vboard_window_key {
 /**
  * Which keys of the PC press which buttons while the window has them, now and in windows opened
  * later; they take the place of those before. A key that is held presses again as the PC repeats it.
- * Esc closes the window and F11 lets it fill the desk, and back, unless they are among them. Moving, clicking
- * and wheeling in the window moves the board's mouse, in output pixels. From any thread while no
+ * Esc closes the window and F11 switches it to full screen and back, unless they are among them. Moving,
+ * clicking and wheeling in the window moves the board's mouse, in output pixels. From any thread while no
  * vboard_window_poll runs.
  * @return 0, or -1 (a name that SDL does not know, null: nothing changes)
  */
