@@ -10,8 +10,8 @@
 
 #include "controls/health.h"
 #include "controls/indicators.h"
+#include "fake_wall.h"
 #include "nvrhal.h"
-#include "ringing_wall.h"
 #include "start_board.h"
 #include "vboard.h"
 #include "vboard_devices.h"

@@ -42,7 +42,7 @@ public:
         StandInWall::select(channel);
         if (module) module->on_layout();
     }
-    void wake() override { ++rings; }
+    void wake() override { ++wakes; }
     std::string alarm() const override { return said_alarm; }
 
     void lay_out()
@@ -53,7 +53,7 @@ public:
 
     Module *module = nullptr;
     std::string said_alarm;
-    int rings = 0;
+    int wakes = 0;
 };
 
 class OverlayOnBoard : public testing::Test

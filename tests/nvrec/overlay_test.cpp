@@ -184,7 +184,7 @@ TEST_F(NvrecOverlay, TheMenuEnlargesZoomsShowsTheAddressAndEnds)
     light(MenuAction::kQuit);
     press({Key::kEnter});
     EXPECT_EQ(wall_.ends, std::vector{0});
-    EXPECT_EQ(wall_.rings, 1);
+    EXPECT_EQ(wall_.wakes, 1);
 }
 
 TEST_F(NvrecOverlay, TheMouseOpensTheMenuAndChooses)

@@ -1,4 +1,4 @@
-/* ringing_wall.h - a wall without a screen, whose rings can be waited for. For tests of single modules. */
+/* fake_wall.h - a wall without a screen for tests of single modules, which can wait until it is woken. */
 #pragma once
 
 #include <chrono>
@@ -13,7 +13,7 @@ namespace nvrec_test
 using namespace nvrec; // NOLINT(google-build-using-namespace): for tests
 using namespace std::chrono_literals;
 
-/* A wall without a screen, whose rings can be waited for. */
+/* A wall without a screen, which can wait until it is woken. */
 class FakeWall final : public nvrec_test::StandInWall
 {
 public:
@@ -22,26 +22,27 @@ public:
     void wake() override
     {
         const std::scoped_lock guard(lock_);
-        ++rings_;
-        rung_.notify_all();
+        ++wakes_;
+        woken_.notify_all();
     }
 
-    /* Give a module turns, one a ring, until it holds; false when nobody rings any more. */
+    /* Give a module turns, one for each wake, until `done` holds; false when the wall is not woken any more.
+     */
     template <typename Done> bool turn_until(Module &module, Done done)
     {
         for (;;) {
             module.take_turn(Clock::now());
             if (done()) return true;
             std::unique_lock guard(lock_);
-            if (!rung_.wait_for(guard, 20s, [this] { return rings_ > 0; })) return false;
-            rings_ = 0;
+            if (!woken_.wait_for(guard, 20s, [this] { return wakes_ > 0; })) return false;
+            wakes_ = 0;
         }
     }
 
 private:
     std::mutex lock_;
-    std::condition_variable rung_;
-    int rings_ = 0;
+    std::condition_variable woken_;
+    int wakes_ = 0;
 };
 
 } // namespace nvrec_test
