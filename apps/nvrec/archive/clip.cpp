@@ -15,7 +15,7 @@ namespace
 
 /* Recordings follow one another within this: less is no gap to a user. */
 constexpr int64_t kNoGap_us = 1'500'000;
-/* Sound stands in a file up to a fragment behind the pictures that it goes with. */
+/* In a file, sound lies up to a fragment behind the pictures that it belongs to. */
 constexpr int64_t kSoundLate_us = 3'000'000;
 /* Files of one run overlap by less, the pictures that a decoder held back: more is a clock set back. */
 constexpr int64_t kOverlap_us = 2'000'000;

@@ -18,14 +18,14 @@ namespace nvrec
 {
 
 struct FileExtent {
-    bool readable = false;     /* its head is there and says what it holds                    */
-    std::string problem;       /* why not                                                     */
-    int64_t duration_us = 0;   /* of the pictures in whole fragments, from the file's start on */
-    int64_t bytes = 0;         /* of the file                                                 */
-    int64_t whole_bytes = 0;   /* up to the end of the last whole fragment                    */
-    bool in_fragments = false; /* at least one fragment is whole: the file can be cut behind it         */
-    int64_t from_us = 0;       /* time of day of the file's start; 0 = its head does not say  */
-    std::string title;         /* as its head says; recordings have their camera's name there */
+    bool readable = false;     /* its head is there and says what it holds                      */
+    std::string problem;       /* why not                                                       */
+    int64_t duration_us = 0;   /* of the pictures in whole fragments, from the file's start on  */
+    int64_t bytes = 0;         /* of the file                                                   */
+    int64_t whole_bytes = 0;   /* up to the end of the last whole fragment                      */
+    bool in_fragments = false; /* at least one fragment is whole: the file can be cut behind it */
+    int64_t from_us = 0;       /* time of day of the file's start; 0 = its head does not say    */
+    std::string title;         /* as its head says; recordings have their camera's name there   */
     /** Whether it has a head and nothing after it: power was lost before the first fragment. */
     bool empty() const { return readable && duration_us == 0 && !in_fragments; }
     bool torn() const { return readable && whole_bytes < bytes; }

@@ -159,7 +159,7 @@ public:
     bool remove_segment(const std::string &path);
     bool put_gap(const GapRow &row);
     /**
-     * Delete gaps and events from before a time, but for those that lie in a recording or a pin of their
+     * Delete gaps and events from before a time, except those that lie in a recording or a pin of their
      * camera.
      */
     bool forget_before(int64_t at_us);

@@ -33,10 +33,10 @@ struct RetentionOptions {
 
 /** What retention did since the start, and what it saw last. */
 struct RetentionState {
-    int64_t total_bytes = 0; /* of all recordings                                        */
+    int64_t total_bytes = 0; /* of all recordings                                 */
     int64_t oldest_us = 0;   /* when the oldest of them begins; 0 = there is none */
-    int64_t free_bytes = -1; /* of the disk; -1 = not known                              */
-    uint64_t deleted = 0;    /* files                                                    */
+    int64_t free_bytes = -1; /* of the disk; -1 = not known                       */
+    uint64_t deleted = 0;    /* files                                             */
     int64_t deleted_bytes = 0;
     std::string trouble; /* what it could not do last; empty = all is as wanted      */
 };

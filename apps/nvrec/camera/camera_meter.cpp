@@ -11,10 +11,10 @@ namespace
 
 constexpr auto kWindow = std::chrono::seconds(4);
 constexpr size_t kMostArrivals = 1024;
-constexpr double kJitterWeight = 1.0 / 16;      /* of a new frame, as receivers of RTP smooth it     */
-constexpr double kLargestJitter_us = 1'000'000; /* a connection that stalled is no jitter */
-constexpr double kPacket_bytes = 1400;          /* of a frame's packets on a network, about          */
-constexpr double kLossMemory = 2000;            /* packets after which the count is halved           */
+constexpr double kJitterWeight = 1.0 / 16;      /* of a new frame, as receivers of RTP smooth it */
+constexpr double kLargestJitter_us = 1'000'000; /* a connection that stalled is no jitter        */
+constexpr double kPacket_bytes = 1400;          /* of a frame's packets on a network, about      */
+constexpr double kLossMemory = 2000;            /* packets after which the count is halved       */
 
 /* What jitter and loss take from a link's 100. */
 constexpr double kPerJitter_ms = 0.3;

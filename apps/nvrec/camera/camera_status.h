@@ -46,10 +46,10 @@ struct CameraStatus {
     double loss = 0;           /* share of packets that did not come, 0 to 1                    */
     int link_quality = 0;      /* 1 to 100 from jitter and loss                                 */
 
-    uint64_t reconnects = 0;  /* times the connection was opened again */
-    uint64_t refused = 0;     /* frames that the library refused                               */
-    uint64_t clock_jumps = 0; /* times the camera's clock was set, or its stream began anew    */
-    std::string last_error;   /* the last one, if any; no credentials in it                    */
+    uint64_t reconnects = 0;  /* times the connection was opened again                      */
+    uint64_t refused = 0;     /* frames that the library refused                            */
+    uint64_t clock_jumps = 0; /* times the camera's clock was set, or its stream began anew */
+    std::string last_error;   /* the last one, if any; no credentials in it                 */
 
     /**
      * Whether the sub stream is shown while the main stream does not come, so that nobody sees that it is

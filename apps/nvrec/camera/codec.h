@@ -18,8 +18,8 @@ enum class Codec : uint32_t { kH264 = NVRHAL_CODEC_H264, kH265 = NVRHAL_CODEC_H2
 struct CodecTraits {
     Codec codec;
     const char *name;
-    int av_id;             /* enum AVCodecID                                                   */
-    const char *to_annexb; /* filter for length-prefixed units, as MP4 and MKV carry them      */
+    int av_id;             /* enum AVCodecID                                                           */
+    const char *to_annexb; /* filter for length-prefixed units, as MP4 and MKV carry them              */
     uint32_t mp4_tag;      /* says that the parameter sets are in the file's header, not in the stream */
 
     /* A unit's type stands in the first byte behind its start code. */

@@ -1,9 +1,9 @@
 /*
- * decoder_watch.h - whether a decoder makes pictures of what it is sent.
+ * decoder_watch.h - tells whether a decoder makes pictures of the frames that it is sent.
  *
- * The library takes every frame that is well formed, and a decoder that can make nothing of one says so to
- * nobody: its pane would wait for the next key frame for ever. A key frame after which no picture was
- * decoded until the next key frame was sent is one that cannot be decoded.
+ * The library takes every frame that is well formed, and a decoder that cannot decode a frame does not report
+ * it: the pane would wait for the next key frame for ever. So the stream counts as undecodable when no
+ * picture was decoded between a key frame and the next one.
  *
  * Threads: any; it has a lock of its own.
  */
@@ -35,7 +35,7 @@ public:
         barren_ = false;
     }
 
-    /** What was sent is thrown away, or goes to no decoder for now. */
+    /** Frames that were sent are thrown away, or go to no decoder for now. */
     void begin_again()
     {
         const std::scoped_lock guard(lock_);
@@ -43,7 +43,7 @@ public:
         barren_ = false;
     }
 
-    /** Since when it makes nothing of what it is sent; nothing while it does, or that is not known yet. */
+    /** Since when the decoder makes no pictures; nothing = it makes some, or that is not known yet. */
     std::optional<Clock::time_point> barren_since(uint64_t decoded, Clock::time_point now) const
     {
         const std::scoped_lock guard(lock_);

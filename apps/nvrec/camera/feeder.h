@@ -52,11 +52,11 @@ struct FeedOptions {
 
 /** What a feeder has done so far. */
 struct FeedCounters {
-    uint64_t sent = 0;       /* units that the library accepted                       */
-    uint64_t refused = 0;    /* units that it refused                                 */
-    uint64_t bytes = 0;      /* of accepted units                                     */
-    uint64_t passes = 0;     /* times a file was begun again                          */
-    uint64_t reconnects = 0; /* times a connection was opened again                         */
+    uint64_t sent = 0;       /* units that the library accepted     */
+    uint64_t refused = 0;    /* units that it refused               */
+    uint64_t bytes = 0;      /* of accepted units                   */
+    uint64_t passes = 0;     /* times a file was begun again        */
+    uint64_t reconnects = 0; /* times a connection was opened again */
 };
 
 class Feeder
@@ -198,7 +198,7 @@ private:
     std::atomic<bool> broken_ = false; /* it ended by a failure, not by its own end */
     std::atomic<bool> waits_for_key_ = true;
     std::atomic<bool> sub_is_shown_ = false;                 /* shown_, to be read without gate_ */
-    std::atomic<Clock::rep> heartbeat_deadline_ = INT64_MAX; /* ticks of the clock        */
+    std::atomic<Clock::rep> heartbeat_deadline_ = INT64_MAX; /* ticks of the clock               */
     Clock::time_point started_at_;
     Clock::time_point paced_at_;         /* live: when the last unit went on    */
     int64_t paced_due_us_ = 0;           /* and when it was due                 */

@@ -92,7 +92,7 @@ public:
     /** The same, passing over everything up to the next key frame. */
     Read read_key(AccessUnit *unit);
 
-    /** Begin again at the first unit; due times go on where they stand. Files only. */
+    /** Begin again at the first unit; due times go on from the last one. Files only. */
     bool rewind();
 
     /**

@@ -113,7 +113,7 @@ void SoundTrack::decode(const AVPacket &packet)
     }
 }
 
-/* The frame at hand to 8 kHz mono, behind what is there. */
+/* Resample the frame at hand to 8 kHz mono, and append it. */
 void SoundTrack::convert()
 {
     AVFrame *frame = decoder_->frame;

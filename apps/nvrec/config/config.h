@@ -4,7 +4,7 @@
  * It names no type of another room; commands/run_command.cpp fills their options from it. Every member begins
  * with its default, which holds when the file does not have the key. docs/nvrec.toml shows every key.
  *
- * Threads: a value; whoever has one reads it.
+ * Threads: a value, to be read on any.
  */
 #pragma once
 
@@ -106,9 +106,9 @@ struct Control {
 
 /** The page with the measurements. */
 struct Status {
-    std::string page;  /* "ADDRESS:PORT"; empty = there is none */
-    std::string token; /* wanted from whoever asks; empty = of nobody, on loopback only */
-    bool qr = false;   /* page and token stand on the screen as a QR code               */
+    std::string page;  /* "ADDRESS:PORT"; empty = there is none                              */
+    std::string token; /* that readers of the page must send; empty = none, on loopback only */
+    bool qr = false;   /* page and token stand on the screen as a QR code                    */
     bool operator==(const Status &) const = default;
 };
 

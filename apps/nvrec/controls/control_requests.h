@@ -3,7 +3,7 @@
  *
  *   key NAME [remote|panel]   press a button of the board; "ok" once the recorder has acted on it
  *   board                     the table of "nvrec board"
- *   status [json]             how all of it stands
+ *   status [json]             the state of cameras, recordings and disk
  *   metrics                   the same for Prometheus
  *   event CAMERA [TEXT]       something happened at a camera
  *   reload                    take up a changed configuration

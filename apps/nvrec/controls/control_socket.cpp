@@ -269,7 +269,7 @@ void ControlServer::Listening::turn_away()
     spare = open_spare();
 }
 
-/* The client that has not asked for the longest time makes room for one that may. */
+/* Drop the client that has sent no request for the longest time, to make room for another. */
 void ControlServer::Listening::make_room()
 {
     if (connections.size() < kMostConnections) return;

@@ -43,10 +43,10 @@ struct CameraLine {
 };
 
 struct RecorderStatus {
-    std::string version; /* of nvrec                  */
-    std::string library; /* and of what it stands on  */
-    int64_t at_us = 0;   /* time of day               */
-    double up_s = 0;     /* since the wall stood      */
+    std::string version; /* of nvrec             */
+    std::string library; /* of the library       */
+    int64_t at_us = 0;   /* time of day          */
+    double up_s = 0;     /* since the wall began */
     std::vector<CameraLine> cameras;
     std::optional<DiskStatus> disk; /* none = nothing records */
     std::optional<ArchiveStatus> archive;

@@ -130,10 +130,10 @@ private:
 
     const int decoder_;
     const TrackPlan plan_;
-    std::unique_ptr<Input> input_;  /* of the file at hand */
-    size_t file_ = 0;               /* its number          */
+    std::unique_ptr<Input> input_;  /* of the file at hand                                              */
+    size_t file_ = 0;               /* its number                                                       */
     std::optional<Codec> made_for_; /* what the decoder was made for; nothing = the player sees to that */
-    AccessUnit next_;               /* its times are places of the track */
+    AccessUnit next_;               /* its times are places of the track                                */
     AccessUnit last_key_;
     int64_t delivered_us_ =
         INT64_MIN; /* place of the picture delivered last; INT64_MIN = none is on the screen */

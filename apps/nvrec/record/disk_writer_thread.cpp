@@ -72,7 +72,7 @@ void DiskWriter::State::run()
 {
     prepare();
     std::unique_lock guard(lock);
-    done.notify(); /* to whoever began to wait while the directory was made */
+    done.notify(); /* wakes callers that began to wait while the directory was made */
     while (!abandoned) {
         Clock::time_point sync_at = Clock::time_point::max();
         for (const auto &open : open_) {

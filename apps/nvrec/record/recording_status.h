@@ -14,10 +14,10 @@ namespace nvrec
 {
 
 enum class RecordingState {
-    kOff,     /* neither plan, key nor event wants it now            */
-    kWaiting, /* wanted, and no picture comes, or none that a file can begin with */
-    kRuns,    /* frames go into a file                               */
-    kFailing  /* wanted, and the disk takes nothing: last_error says why */
+    kOff,     /* neither plan, key nor event wants it now                          */
+    kWaiting, /* wanted, but no picture comes, or none with which a file can begin */
+    kRuns,    /* frames go into a file                                             */
+    kFailing  /* wanted, and the disk takes nothing: last_error says why           */
 };
 
 /** One stream of one camera. Numbers count from the start of the recorder. */

@@ -43,7 +43,7 @@ public:
     void close() { open_ = false; }
     bool is_open() const { return open_; }
 
-    /** Where it stands, and one of its rows. */
+    /** Its place, and that of one of its rows. */
     const Rect &place() const { return place_; }
     Rect row(size_t index) const;
 

@@ -67,7 +67,7 @@ public:
     /** Another camera is on a channel, with this name; empty = it has none. Main thread. */
     void name_camera(int channel, const std::string &name);
 
-    /** For tests: where things stand. */
+    /** For tests: the places of the parts. */
     const PaneMarks *panes() const { return panes_.get(); }
     const Menu *menu() const { return menu_.get(); }
     const ClockFace *clock() const { return clock_.get(); }

@@ -9,11 +9,11 @@ namespace nvrec
 {
 
 enum class PaneNotice {
-    kNone,       /* pictures come                                                          */
-    kMissing,    /* the camera has never come                                              */
-    kNoVideo,    /* it has stopped coming; its last picture stays under a dark pattern     */
+    kNone,       /* pictures come                                                              */
+    kMissing,    /* the camera has never come                                                  */
+    kNoVideo,    /* it has stopped coming; its last picture stays under a dark pattern         */
     kRefused,    /* its stream comes, but no picture can be shown; the last one stays likewise */
-    kWaitsForKey /* the decoder was flushed: its next picture is a key frame               */
+    kWaitsForKey /* the decoder was flushed: its next picture is a key frame                   */
 };
 
 /** Whether the picture in the pane is not what the camera sees now: it lies under a dark pattern. */

@@ -116,7 +116,7 @@ std::string Reporter::progress_line(double seconds) const
 namespace
 {
 
-/* What stands with a camera at the end, and what went wrong last; empty = all is well. */
+/* The state of a camera at the end, and its last error; empty = all is well. */
 std::string remark_of(const ChannelReport &channel)
 {
     const CameraStatus &status = channel.status;

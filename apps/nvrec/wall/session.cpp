@@ -127,7 +127,7 @@ std::optional<DispAttrib> Session::picture_of(int channel) const
     return std::nullopt;
 }
 
-/* Ports of every number are named, since those that are not would stay hidden in the next layout. */
+/* Name all ports: a port that is left out would stay hidden in the next layout. */
 bool Session::refit()
 {
     std::vector<DispAttrib> wanted = pictures();
