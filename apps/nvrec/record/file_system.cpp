@@ -25,7 +25,7 @@ int result_of(int returned)
 /* Errors of a file system that lacks the call, or of a path that is no ordinary file, such as a device. */
 bool is_unknown_call(int error)
 {
-    return error == EINVAL || error == ENOSYS || error == ENOTSUP || error == EOPNOTSUPP;
+    return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP; /* ENOTSUP is the same */
 }
 
 } // namespace
