@@ -137,7 +137,7 @@ int DisplayOrder::step() const
 }
 
 // A picture that will not come out any more, as far as can be told: what follows it will show.
-void DisplayOrder::drop(std::deque<Held>::iterator lost)
+void DisplayOrder::drop(const std::deque<Held>::const_iterator &lost)
 {
     const Held gone = *lost;
     held_.erase(lost);

@@ -80,7 +80,7 @@ private:
     bool is_due(const Held &next) const;
     bool is_second_field(Coded coded) const;
     int step() const;
-    void drop(std::deque<Held>::iterator lost);
+    void drop(const std::deque<Held>::const_iterator &lost);
     void note_shown(const Held &shown);
     void learn_distance(int distance);
 
