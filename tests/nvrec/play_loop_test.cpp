@@ -10,13 +10,13 @@
 
 #include <gtest/gtest.h>
 
+#include "console/exit_code.h"
 #include "nvrec_run.h"
 #include "play/player.h"
 #include "play_clips.h"
 #include "running_wall.h"
 #include "stamp.h"
 #include "vboard.h"
-#include "wall/exit_code.h"
 
 namespace
 {

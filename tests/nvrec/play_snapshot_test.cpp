@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include "console/exit_code.h"
 #include "nvrec_run.h"
 #include "nvrhal/limits.h"
 #include "play/player.h"
@@ -12,7 +13,6 @@
 #include "play_clips.h"
 #include "stamps.h"
 #include "vboard.h"
-#include "wall/exit_code.h"
 #include "wall/wall.h"
 
 namespace

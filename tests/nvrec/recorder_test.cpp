@@ -14,13 +14,13 @@
 
 #include "archive/index.h"
 #include "camera/input.h"
+#include "console/exit_code.h"
 #include "frame_pools.h"
 #include "nvrec_run.h"
 #include "nvrhal.h"
 #include "record/recorder.h"
 #include "record_files.h"
 #include "stand_in_wall.h"
-#include "wall/exit_code.h"
 
 namespace
 {

@@ -8,10 +8,10 @@
 #include <vector>
 
 #include "camera/feeder.h"
+#include "console/terminal.h"
 #include "wall/module.h"
 #include "wall/report.h"
 #include "wall/session.h"
-#include "wall/terminal.h"
 
 namespace nvrec_test
 {

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "wall/text.h"
+#include "console/text.h"
 
 namespace nvrec
 {

@@ -4,8 +4,8 @@
 #include <cstdlib>
 
 #include "camera/shown_channels.h"
+#include "console/text.h"
 #include "host/host.h"
-#include "wall/text.h"
 
 namespace nvrec
 {

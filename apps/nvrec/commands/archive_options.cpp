@@ -7,7 +7,7 @@
 
 #include "archive/directory_lock.h"
 #include "archive/time_of_day.h"
-#include "wall/exit_code.h"
+#include "console/exit_code.h"
 
 namespace nvrec
 {

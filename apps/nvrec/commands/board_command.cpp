@@ -5,10 +5,10 @@
 #include <CLI/CLI.hpp>
 
 #include "commands/command.h"
+#include "console/terminal.h"
 #include "controls/board_state.h"
 #include "controls/control_socket.h"
 #include "wall/session.h"
-#include "wall/terminal.h"
 
 namespace nvrec
 {

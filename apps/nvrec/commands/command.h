@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "wall/exit_code.h"
+#include "console/exit_code.h"
 
 /* The parser's header is large: only what gives it options includes it. */
 namespace CLI

@@ -7,8 +7,8 @@
 #include "archive/time_of_day.h"
 #include "commands/archive_options.h"
 #include "commands/command.h"
+#include "console/text.h"
 #include "wall/report.h"
-#include "wall/text.h"
 
 namespace nvrec
 {

@@ -13,13 +13,13 @@
 #include "commands/overlay_options.h"
 #include "commands/screen_options.h"
 #include "commands/source_options.h"
+#include "console/terminal.h"
 #include "controls/controls.h"
 #include "play/play_screen.h"
 #include "play/play_script.h"
 #include "play/player.h"
 #include "play/snapshot.h"
 #include "play/zoom.h"
-#include "wall/terminal.h"
 
 namespace nvrec
 {

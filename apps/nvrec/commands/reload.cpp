@@ -6,9 +6,9 @@
 #include "camera/camera_source.h"
 #include "commands/run_options.h"
 #include "config/read.h"
+#include "console/terminal.h"
 #include "host/service.h"
 #include "wall/session.h"
-#include "wall/terminal.h"
 
 namespace nvrec
 {

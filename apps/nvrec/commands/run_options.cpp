@@ -7,11 +7,11 @@
 #include "camera/camera_source.h"
 #include "commands/overlay_options.h"
 #include "config/page_address.h"
+#include "console/exit_code.h"
 #include "controls/controls.h"
 #include "record/listen.h"
 #include "record/plan.h"
 #include "record/recorder.h"
-#include "wall/exit_code.h"
 #include "wall/wall.h"
 
 namespace nvrec

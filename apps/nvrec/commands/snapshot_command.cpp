@@ -12,10 +12,10 @@
 #include "commands/command.h"
 #include "commands/screen_options.h"
 #include "commands/source_options.h"
+#include "console/text.h"
 #include "play/player.h"
 #include "play/snapshot.h"
 #include "wall/pictures.h"
-#include "wall/text.h"
 
 namespace nvrec
 {

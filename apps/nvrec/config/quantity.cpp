@@ -8,7 +8,7 @@
 #include <cmath>
 #include <string_view>
 
-#include "wall/text.h"
+#include "console/text.h"
 
 namespace nvrec::config
 {

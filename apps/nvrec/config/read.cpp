@@ -9,11 +9,11 @@
 #include "config/private_file.h"
 #include "config/secrets.h"
 #include "config/table_reader.h"
+#include "console/text.h"
 #include "nvrhal/limits.h"
 #include "screen/qr_code.h"
 #include "wall/layout.h"
 #include "wall/session.h"
-#include "wall/text.h"
 
 namespace nvrec::config
 {

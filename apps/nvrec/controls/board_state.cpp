@@ -6,11 +6,11 @@
 #include <cstdint>
 #include <optional>
 
+#include "console/text.h"
 #include "host/host.h"
 #include "nvrhal.h"
 #include "wall/module.h"
 #include "wall/session.h"
-#include "wall/text.h"
 
 namespace nvrec
 {

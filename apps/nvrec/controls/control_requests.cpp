@@ -3,11 +3,11 @@
 
 #include <algorithm>
 
+#include "console/exit_code.h"
+#include "console/terminal.h"
 #include "controls/board_state.h"
 #include "controls/key_names.h"
 #include "controls/keys.h"
-#include "wall/exit_code.h"
-#include "wall/terminal.h"
 
 namespace nvrec
 {

@@ -5,9 +5,9 @@
 #include <cstdint>
 #include <utility>
 
+#include "console/terminal.h"
 #include "nvrhal.h"
 #include "wall/session.h"
-#include "wall/terminal.h"
 
 namespace nvrec
 {

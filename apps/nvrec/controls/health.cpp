@@ -3,10 +3,10 @@
 
 #include <utility>
 
+#include "console/terminal.h"
 #include "host/host.h"
 #include "host/service.h"
 #include "nvrhal.h"
-#include "wall/terminal.h"
 
 namespace nvrec
 {

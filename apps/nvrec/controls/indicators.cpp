@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <ctime>
 
+#include "console/terminal.h"
 #include "nvrhal.h"
-#include "wall/terminal.h"
 
 namespace nvrec
 {

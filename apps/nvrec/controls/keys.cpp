@@ -1,9 +1,9 @@
 /* keys.cpp - see keys.h. */
 #include "controls/keys.h"
 
+#include "console/terminal.h"
 #include "host/host.h"
 #include "nvrhal.h"
-#include "wall/terminal.h"
 
 namespace nvrec
 {

@@ -11,8 +11,8 @@
 #include <microhttpd.h>
 #include <netinet/in.h>
 
-#include "wall/exit_code.h"
-#include "wall/terminal.h"
+#include "console/exit_code.h"
+#include "console/terminal.h"
 
 namespace nvrec
 {

@@ -3,9 +3,9 @@
 #include <array>
 #include <ctime>
 
+#include "console/text.h"
 #include "controls/status.h"
 #include "controls/status_names.h"
-#include "wall/text.h"
 
 namespace nvrec
 {

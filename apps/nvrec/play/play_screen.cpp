@@ -3,10 +3,10 @@
 
 #include <algorithm>
 
+#include "console/terminal.h"
 #include "host/host.h"
 #include "screen/glyphs.h"
 #include "wall/session.h"
-#include "wall/terminal.h"
 
 namespace nvrec
 {

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <utility>
 
-#include "wall/exit_code.h"
+#include "console/exit_code.h"
 
 namespace nvrec
 {

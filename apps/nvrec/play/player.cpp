@@ -6,12 +6,12 @@
 
 #include "archive/time_of_day.h"
 #include "camera/decoder_codec.h"
+#include "console/exit_code.h"
+#include "console/terminal.h"
+#include "console/text.h"
 #include "host/host.h"
 #include "nvrhal.h"
-#include "wall/exit_code.h"
 #include "wall/session.h"
-#include "wall/terminal.h"
-#include "wall/text.h"
 
 namespace nvrec
 {

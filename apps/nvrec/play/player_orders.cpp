@@ -3,11 +3,11 @@
 #include <iterator>
 #include <utility>
 
+#include "console/exit_code.h"
+#include "console/terminal.h"
+#include "console/text.h"
 #include "play/player.h"
-#include "wall/exit_code.h"
 #include "wall/session.h"
-#include "wall/terminal.h"
-#include "wall/text.h"
 
 namespace nvrec
 {

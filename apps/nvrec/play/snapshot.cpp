@@ -5,12 +5,12 @@
 #include <filesystem>
 
 #include "camera/decoder_codec.h"
+#include "console/exit_code.h"
+#include "console/terminal.h"
 #include "host/clock.h"
 #include "nvrhal.h"
-#include "wall/exit_code.h"
 #include "wall/jpeg.h"
 #include "wall/session.h"
-#include "wall/terminal.h"
 
 namespace nvrec
 {

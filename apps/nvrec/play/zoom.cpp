@@ -6,10 +6,10 @@
 #include <cmath>
 #include <cstdio>
 
+#include "console/exit_code.h"
+#include "console/terminal.h"
 #include "nvrhal.h"
-#include "wall/exit_code.h"
 #include "wall/session.h"
-#include "wall/terminal.h"
 
 namespace nvrec
 {

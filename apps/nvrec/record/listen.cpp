@@ -6,10 +6,10 @@
 #include <cmath>
 #include <utility>
 
+#include "console/exit_code.h"
+#include "console/terminal.h"
 #include "host/host.h"
 #include "nvrhal.h"
-#include "wall/exit_code.h"
-#include "wall/terminal.h"
 
 namespace nvrec
 {

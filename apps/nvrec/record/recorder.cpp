@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "archive/time_of_day.h"
-#include "wall/exit_code.h"
-#include "wall/terminal.h"
+#include "console/exit_code.h"
+#include "console/terminal.h"
 
 namespace nvrec
 {

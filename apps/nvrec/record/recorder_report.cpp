@@ -3,8 +3,8 @@
  */
 #include <utility>
 
+#include "console/terminal.h"
 #include "record/recorder.h"
-#include "wall/terminal.h"
 
 namespace nvrec
 {

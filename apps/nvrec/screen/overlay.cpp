@@ -5,11 +5,11 @@
 #include <utility>
 
 #include "camera/address.h"
+#include "console/terminal.h"
 #include "host/host.h"
 #include "screen/pane_texts.h"
 #include "screen/qr_code.h"
 #include "wall/session.h"
-#include "wall/terminal.h"
 
 namespace nvrec
 {

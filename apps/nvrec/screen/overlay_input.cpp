@@ -1,7 +1,7 @@
 /* overlay_input.cpp - keys and mouse in the overlay; see overlay.h. */
 #include "screen/overlay.h"
 
-#include "wall/exit_code.h"
+#include "console/exit_code.h"
 #include "wall/session.h"
 
 namespace nvrec

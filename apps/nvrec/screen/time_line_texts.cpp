@@ -1,8 +1,8 @@
 /* time_line_texts.cpp - see time_line_texts.h. */
 #include "screen/time_line_texts.h"
 
+#include "console/text.h"
 #include "screen/time_line.h"
-#include "wall/text.h"
 
 namespace nvrec
 {

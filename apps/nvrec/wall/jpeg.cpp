@@ -13,7 +13,7 @@ extern "C" {
 #include <libavutil/pixdesc.h>
 }
 
-#include "wall/text.h"
+#include "console/text.h"
 
 namespace nvrec
 {

@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "console/exit_code.h"
 #include "host/host.h"
-#include "wall/exit_code.h"
 #include "wall/jpeg.h"
 
 namespace nvrec

@@ -3,7 +3,7 @@
 
 #include <fstream>
 
-#include "wall/text.h"
+#include "console/text.h"
 
 namespace nvrec
 {

@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <utility>
 
+#include "console/exit_code.h"
 #include "host/host.h"
 #include "record/recording_status.h"
-#include "wall/exit_code.h"
 
 namespace nvrec
 {

@@ -23,12 +23,12 @@
 #include <vector>
 
 #include "camera/feeder.h"
+#include "console/terminal.h"
 #include "wall/module_list.h"
 #include "wall/openings.h"
 #include "wall/pictures.h"
 #include "wall/report.h"
 #include "wall/session.h"
-#include "wall/terminal.h"
 #include "wall/wakeup.h"
 
 namespace nvrec

@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "console/exit_code.h"
 #include "host/host.h"
-#include "wall/exit_code.h"
 #include "wall/wall.h"
 
 namespace nvrec

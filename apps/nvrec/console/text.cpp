@@ -1,5 +1,5 @@
 /* text.cpp - see text.h. */
-#include "wall/text.h"
+#include "console/text.h"
 
 #include <algorithm>
 #include <cctype>

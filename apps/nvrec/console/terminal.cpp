@@ -1,5 +1,5 @@
 /* terminal.cpp - see terminal.h. */
-#include "wall/terminal.h"
+#include "console/terminal.h"
 
 #include <array>
 #include <cerrno>
