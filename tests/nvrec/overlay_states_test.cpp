@@ -5,10 +5,10 @@
 
 #include "controls/event_inputs.h"
 #include "overlay_board.h"
-#include "record/recording_status.h"
 #include "screen/pane_texts.h"
 #include "screen/qr_code.h"
 #include "vboard_devices.h"
+#include "wall/recording_status.h"
 
 using namespace nvrec;
 using namespace nvrec_test;

@@ -13,7 +13,7 @@
 #include "camera/camera_status.h"
 #include "controls/board_state.h"
 #include "host/host.h"
-#include "record/recording_status.h"
+#include "wall/recording_status.h"
 
 namespace nvrec
 {

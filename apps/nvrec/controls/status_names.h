@@ -1,7 +1,7 @@
 /* status_names.h - words for states, the same in the table, in JSON and for Prometheus. */
 #pragma once
 
-#include "record/recording_status.h"
+#include "wall/recording_status.h"
 
 namespace nvrec
 {

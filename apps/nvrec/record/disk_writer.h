@@ -31,7 +31,7 @@
 #include "record/container_file.h"
 #include "record/file_system.h"
 #include "record/output_file.h"
-#include "record/recording_status.h"
+#include "wall/recording_status.h"
 
 namespace nvrec
 {

@@ -28,8 +28,8 @@
 #include "record/recent_rate.h"
 #include "record/recorder_index.h"
 #include "record/recording.h"
-#include "record/recording_status.h"
 #include "wall/module.h"
+#include "wall/recording_status.h"
 
 namespace nvrec
 {

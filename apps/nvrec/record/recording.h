@@ -35,9 +35,9 @@
 #include "record/held_frames.h"
 #include "record/parameter_sets.h"
 #include "record/plan.h"
-#include "record/recording_status.h"
 #include "record/segment.h"
 #include "record/summary.h"
+#include "wall/recording_status.h"
 
 namespace nvrec
 {

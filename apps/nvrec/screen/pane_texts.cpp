@@ -5,7 +5,7 @@
 #include <iterator>
 
 #include "nvrhal/limits.h"
-#include "record/recording_status.h"
+#include "wall/recording_status.h"
 
 namespace nvrec
 {

@@ -119,7 +119,7 @@ public:
     virtual void set_recording(bool /*on*/) {}
     virtual bool recording() const { return false; }
 
-    /** The state of recording, for those who show it (record/recording_status.h); null = nothing records. */
+    /** The state of recording, for those who show it (wall/recording_status.h); null = nothing records. */
     virtual void set_recorder(const RecordingView * /*recorder*/) {}
     virtual const RecordingView *recorder() const { return nullptr; }
 

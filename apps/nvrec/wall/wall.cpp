@@ -6,7 +6,7 @@
 
 #include "console/exit_code.h"
 #include "host/host.h"
-#include "record/recording_status.h"
+#include "wall/recording_status.h"
 
 namespace nvrec
 {
