@@ -74,8 +74,9 @@ while read -r file; do
         violation "$file calls the operating system behind board_io.h"
 done < <(sources src)
 
-# 4. Between the rooms of the library dependencies run one way, too: a room uses itself and the rooms
-#    that stand here behind it. Start-up uses all of them, and none uses it.
+# 4. Between the rooms of the library, and between those of the recorder, dependencies run one way, too:
+#    a room uses itself and the rooms that stand here behind it. Start-up and the command line use all
+#    others, and none uses them.
 declare -A uses=(
     [start]="core view stream snap audio gui text input board frontend"
     [view]="core audio gui frontend"
@@ -83,16 +84,40 @@ declare -A uses=(
     [stream]=core [snap]=core [audio]=core [gui]=core [text]=core [input]=core [frontend]=core
     [core]=
 )
-may_use() { [ "$1" = "$2" ] || [[ " ${uses[$1]} " == *" $2 "* ]]; } # ROOM ROOM
-for directory in src/*/; do
-    room=$(basename "$directory")
-    [ -n "${uses[$room]+known}" ] || violation "src/$room is a room whose dependencies are not stated"
-done
-while IFS=: read -r file include; do
-    room=$(echo "$file" | cut -d/ -f2)
-    used=$(echo "$include" | sed -E 's/.*"([a-z]+)\/.*/\1/')
-    may_use "$room" "$used" || violation "$file reaches up into src/$used"
-done < <(grep -rE '^[[:space:]]*#[[:space:]]*include[[:space:]]*"('"$(echo "${!uses[@]}" | tr ' ' '|')"')/' src)
+declare -A nvrec_uses=(
+    [commands]="config controls play record screen wall camera archive console host"
+    [config]="screen wall camera console"
+    [play]="screen wall camera archive console host"
+    [screen]="wall camera archive console host"
+    [record]="wall camera archive console host"
+    [controls]="wall camera console host"
+    [wall]="camera console host"
+    [camera]="console host"
+    [archive]=host [console]=host
+    [host]=
+)
+may_use() { # TABLE ROOM ROOM
+    local -n stated=$1
+    [ "$2" = "$3" ] || [[ " ${stated[$2]-} " == *" $3 "* ]]
+}
+check_rooms() { # DIRECTORY TABLE
+    local -n rooms=$2
+    local room used file include
+    while read -r room; do
+        [ -n "${rooms[$room]+known}" ] || violation "$1/$room is a room whose dependencies are not stated"
+    done < <(sources "$1" | sed "s|^$1/||; s|/[^/]*$||" | sort -u)
+    while IFS=: read -r file include; do
+        file=${file#"$1/"}
+        room=${file%%/*}
+        used=$(sed -E 's/.*["<](\.\.\/)*([a-z]+)\/.*/\2/' <<<"$include")
+        may_use "$2" "$room" "$used" || violation "$1/$file reaches up into $1/$used"
+    done < <(grep -rE '^[[:space:]]*#[[:space:]]*include[[:space:]]*["<](\.\./)*('"$(tr ' ' '|' <<<"${!rooms[*]}")"')/' "$1")
+    for room in "${!rooms[@]}"; do
+        for used in ${rooms[$room]}; do echo "$room $used"; done
+    done | tsort >/dev/null 2>&1 || violation "the table of $1 leads round in a circle"
+}
+check_rooms src uses
+check_rooms apps/nvrec nvrec_uses
 
 if [ -n "$build" ]; then
     [ -d "$build/src" ] || violation "$build holds no build of the library"
@@ -119,7 +144,7 @@ if [ -n "$build" ]; then
         }' | sort -u
     }
     while read -r symbol defined wanted; do
-        may_use "$wanted" "$defined" || violation "src/$wanted reaches up into src/$defined for $symbol"
+        may_use uses "$wanted" "$defined" || violation "src/$wanted reaches up into src/$defined for $symbol"
     done < <(join <(rooms_symbols '^[TDBRC]$') <(rooms_symbols '^U$'))
 fi
 
