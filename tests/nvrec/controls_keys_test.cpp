@@ -1,6 +1,7 @@
 /* The recorder's hands in one process with the board: keys of every kind and the mouse arrive. */
 #include <atomic>
 #include <chrono>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -21,6 +22,18 @@ namespace
 using namespace nvrec;
 using namespace std::chrono_literals;
 using nvrec_test::FakeWall;
+
+/* As the library's reader of the remote control does it. */
+void write_remote_key(uint32_t key_code)
+{
+    constexpr uint32_t kRemote = 2; /* KeyEvent::source */
+    pthread_mutex_lock(&g_key_lock);
+    const uint32_t index = key_que.write_index;
+    key_que.slots[index].source = kRemote;
+    key_que.slots[index].code = key_code;
+    __atomic_store_n(&key_que.write_index, (index + 1) % NVRHAL_KEY_WRITER_SLOTS, __ATOMIC_RELAXED);
+    pthread_mutex_unlock(&g_key_lock);
+}
 
 TEST(KeyNames, EveryButtonIsFoundByItsNameAndByItsKeyCode)
 {
@@ -70,7 +83,7 @@ TEST(RecorderKeys, EveryButtonOfTheRemoteArrivesThroughTheLibrary)
     keys.stop();
 }
 
-TEST(RecorderKeys, PanelKeysComeOnTheSameRoad)
+TEST(RecorderKeys, KeysOfThePanelArriveInOrderAndNotThroughTheLibrary)
 {
     FakeWall wall(4);
     Keys keys;
@@ -81,9 +94,61 @@ TEST(RecorderKeys, PanelKeysComeOnTheSameRoad)
     vboard_panel_press(button_named("back")->key_code);
     EXPECT_TRUE(wall.turn_until(keys, [&] { return wall.keys.size() == 3; }));
     EXPECT_EQ(wall.keys, (std::vector<Key>{Key::kNextLayout, button_named("5")->key, Key::kBack}));
+    EXPECT_EQ(__atomic_load_n(&key_que.write_index, __ATOMIC_RELAXED), 0u)
+        << "the library's queue has the remote's keys alone";
     vboard_panel_stat panel;
     ASSERT_EQ(vboard_panel_get_stat(&panel), 0);
-    EXPECT_EQ(panel.keys_taken, 4u);
+    EXPECT_EQ(panel.keys_taken + panel.empty_polls, 0u) << "nothing was asked of the library";
+}
+
+/* While the wall lays out, keys wait. Nobody holds the remote: the test writes as the library's reader does.
+ */
+TEST(RecorderKeys, KeysThatWaitComeInTheOrderInWhichRemoteAndPanelWerePressed)
+{
+    FakeWall wall(4);
+    Keys keys;
+    ASSERT_TRUE(keys.start(wall));
+    constexpr uint32_t kFirst = NVRHAL_KEY_WRITER_SLOTS - 2; /* the writer comes round on the way */
+    __atomic_store_n(&key_que.read_index, kFirst, __ATOMIC_RELAXED);
+    __atomic_store_n(&key_que.write_index, kFirst, __ATOMIC_RELAXED);
+    ASSERT_TRUE(wall.wait_for_wake());
+
+    const std::vector<const char *> names = {"1", "2", "3", "4", "5", "6", "7", "8"};
+    const std::string ways = "PRPPRRRP";
+    std::vector<Key> pressed;
+    for (size_t i = 0; i < names.size(); ++i) {
+        const Button &button = *button_named(names[i]);
+        pressed.push_back(button.key);
+        if (ways[i] == 'P')
+            vboard_panel_press(button.key_code);
+        else
+            write_remote_key(button.key_code);
+        ASSERT_TRUE(wall.wait_for_wake()) << button.name;
+    }
+    EXPECT_TRUE(wall.keys.empty());
+    keys.take_turn(Clock::now());
+    EXPECT_EQ(wall.keys, pressed);
+}
+
+/* What the recorder has no room for waits in the panel's node, which keeps 64. */
+TEST(RecorderKeys, OfThePanelNoneIsLostWhileTheWallTakesNone)
+{
+    constexpr int kRead = 16; /* that the recorder has room for */
+    constexpr int kPresses = kRead + 40;
+    FakeWall wall(4);
+    Keys keys;
+    ASSERT_TRUE(keys.start(wall));
+    std::vector<Key> pressed;
+    for (int i = 0; i < kPresses; ++i) {
+        const Button &button = *button_named(i % 3 ? "up" : "down");
+        vboard_panel_press(button.key_code);
+        pressed.push_back(button.key);
+        if (i < kRead) {
+            ASSERT_TRUE(wall.wait_for_wake()) << i;
+        }
+    }
+    EXPECT_TRUE(wall.turn_until(keys, [&] { return wall.keys.size() >= pressed.size(); }));
+    EXPECT_EQ(wall.keys, pressed);
 }
 
 TEST(RecorderKeys, NoneIsLostOrMadeUpWhenTheQueueGoesRound)
@@ -94,7 +159,7 @@ TEST(RecorderKeys, NoneIsLostOrMadeUpWhenTheQueueGoesRound)
     const Button &up = *button_named("up");
     constexpr size_t kPresses = 300; /* twice round the writer's slots, once round the reader's */
     for (size_t i = 1; i <= kPresses; ++i) {
-        vboard_panel_press(up.key_code);
+        write_remote_key(up.key_code);
         ASSERT_TRUE(wall.turn_until(keys, [&] { return wall.keys.size() >= i; })) << i;
     }
     EXPECT_EQ(wall.keys, std::vector<Key>(kPresses, Key::kUp));

@@ -33,10 +33,17 @@ public:
         for (;;) {
             module.take_turn(Clock::now());
             if (done()) return true;
-            std::unique_lock guard(lock_);
-            if (!woken_.wait_for(guard, 20s, [this] { return wakes_ > 0; })) return false;
-            wakes_ = 0;
+            if (!wait_for_wake()) return false;
         }
+    }
+
+    /* False when the wall is not woken any more. */
+    bool wait_for_wake()
+    {
+        std::unique_lock guard(lock_);
+        if (!woken_.wait_for(guard, 20s, [this] { return wakes_ > 0; })) return false;
+        wakes_ = 0;
+        return true;
     }
 
 private:

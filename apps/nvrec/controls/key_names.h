@@ -1,9 +1,10 @@
 /*
  * key_names.h - the recorder's remote control: what its buttons are called, mean and send.
  *
- * One row a button. A press goes from the remote control (an IR code) or the front panel (the key
- * code itself) through the library to ext_keyboard_value, which gives the key code; `key` is what
- * the recorder makes of it. A PC key in the board's window presses the same button.
+ * One row a button. The remote control sends an IR code, which the library translates: the key code
+ * comes from ext_keyboard_value. The front panel sends the key code itself, which the recorder reads
+ * from the panel's node. `key` is what the recorder makes of it. A PC key in the board's window presses
+ * the same button of the remote control.
  */
 #pragma once
 
@@ -19,7 +20,7 @@ namespace nvrec
 struct Button {
     std::string_view name; /* for "nvrec key"                               */
     Key key;
-    uint32_t key_code;  /* from ext_keyboard_value; what the panel sends */
+    uint32_t key_code;  /* from ext_keyboard_value or the panel         */
     uint32_t ir_code;   /* what the remote control sends                 */
     const char *pc_key; /* SDL's name of the key in the window, or null */
 };

@@ -11,24 +11,17 @@ namespace
 {
 
 constexpr auto kWatchPeriod = std::chrono::milliseconds(20);
-constexpr int kMostKeysATurn =
-    2 * NVRHAL_KEY_SLOTS;            /* twice round the queue: a stuck key must not stop the wall */
-constexpr uint32_t kPanelSource = 1; /* KeyEvent::source; the library's own is 2, the remote */
+constexpr int kMostKeysATurn = 2 * NVRHAL_KEY_SLOTS; /* a stuck key must not stop the wall          */
+constexpr size_t kMostPresses = 16;                  /* of the panel; further ones wait in its node */
 
 uint32_t keys_written()
 {
     return __atomic_load_n(&key_que.write_index, __ATOMIC_RELAXED);
 }
 
-/* As the library's reader does it; the queue's owner looks at the indexes without the lock. */
-void enqueue_panel_key(uint32_t code)
+uint32_t keys_read()
 {
-    pthread_mutex_lock(&g_key_lock);
-    const uint32_t index = keys_written() % NVRHAL_KEY_WRITER_SLOTS;
-    key_que.slots[index].source = kPanelSource;
-    key_que.slots[index].code = code;
-    __atomic_store_n(&key_que.write_index, (index + 1) % NVRHAL_KEY_WRITER_SLOTS, __ATOMIC_RELAXED);
-    pthread_mutex_unlock(&g_key_lock);
+    return __atomic_load_n(&key_que.read_index, __ATOMIC_RELAXED);
 }
 
 } // namespace
@@ -37,33 +30,48 @@ bool KeyWatch::start(WallControl &wall)
 {
     const bool has_panel = panel_.open(NVRHAL_PANEL_NODE, {});
     stop_ = false;
+    presses_.clear();
     thread_ = std::thread([this, &wall] { run(wall); });
     return has_panel;
 }
 
-void KeyWatch::read_panel()
+/* @return true = keys came. */
+bool KeyWatch::read_panel()
 {
-    while (panel_.is_open()) {
+    const std::scoped_lock guard(presses_lock_);
+    const size_t before = presses_.size();
+    while (panel_.is_open() && presses_.size() < kMostPresses) {
         PanelKey key;
         const int read = panel_.read(&key, sizeof key);
         if (read < 0) panel_.close(); /* unplugged: it is not asked again */
-        if (read != sizeof key) return;
-        enqueue_panel_key(key.code);
+        if (read != sizeof key) break;
+        presses_.push_back({key.code, keys_written()});
     }
+    return presses_.size() > before;
+}
+
+/* Reader and writer of the library's queue wrap at different slots: only equal indexes tell something. */
+std::optional<uint32_t> KeyWatch::take_panel_key(std::optional<uint32_t> remote_at)
+{
+    const std::scoped_lock guard(presses_lock_);
+    if (presses_.empty() || (remote_at && *remote_at != presses_.front().remote_end)) return std::nullopt;
+    const uint32_t code = presses_.front().code;
+    presses_.pop_front();
+    return code;
 }
 
 /*
- * Wakes the wall once for what was written since it last did: the wall takes everything there is, and a
- * queue that cannot be emptied does not keep it awake for ever.
+ * Wakes the wall once for what came since it last did: the wall takes everything there is, and a queue
+ * that cannot be emptied does not keep it awake for ever.
  */
 void KeyWatch::run(WallControl &wall)
 {
-    uint32_t woken_for = 0; /* the queue begins empty */
+    uint32_t woken_for = 0; /* the library's queue begins empty */
     std::unique_lock guard(lock_);
     while (!changed_.wait_for(guard, kWatchPeriod, [this] { return stop_; })) {
-        read_panel();
+        const bool pressed = read_panel();
         const uint32_t written = keys_written();
-        if (written == woken_for) continue;
+        if (!pressed && written == woken_for) continue;
         woken_for = written;
         wall.wake();
     }
@@ -120,17 +128,33 @@ Clock::time_point Keys::take_turn(Clock::time_point)
 
 void Keys::take_keys()
 {
-    const auto waiting = [] {
-        return __atomic_load_n(&key_que.read_index, __ATOMIC_RELAXED) != keys_written();
-    };
+    bool remote_gives = true;
     uint32_t event[5] = {};
-    for (int i = 0; i < kMostKeysATurn && waiting(); ++i) {
-        if (ext_keyboard_value(event) != 0) return;
-        const Button *button = button_sending(event[2]); /* none for the queue's slots that nobody writes */
-        if (!button) continue;
-        wall_->key(button->key);
-        note(button->key_code);
+    for (int i = 0; i < kMostKeysATurn; ++i) {
+        const uint32_t remote_at = keys_read();
+        const bool remote_waits = remote_gives && remote_at != keys_written();
+        if (const auto code = watch_.take_panel_key(remote_waits ? std::optional(remote_at) : std::nullopt)) {
+            hand_over(*code);
+        } else if (!remote_waits) {
+            return;
+        } else if (ext_keyboard_value(event) == 0) {
+            hand_over(event[2]);
+        } else {
+            remote_gives = false;
+        }
     }
+}
+
+/* A code may be no button's: the queue's slots that nobody writes hold 0, and panels have keys of their own.
+ */
+void Keys::hand_over(uint32_t key_code)
+{
+    const Button *button = button_sending(key_code);
+    if (!button) return;
+    wall_->key(button->key);
+    const std::scoped_lock guard(lock_);
+    ++seen_.at(key_code);
+    came_.notify();
 }
 
 void Keys::take_pointer()
@@ -150,13 +174,6 @@ void Keys::take_pointer()
         buttons_down_ = event.buttons;
         wall_->pointer(pointer);
     }
-}
-
-void Keys::note(uint32_t key_code)
-{
-    const std::scoped_lock guard(lock_);
-    ++seen_.at(key_code);
-    came_.notify();
 }
 
 bool Keys::press(const Button &button, Way way, std::chrono::milliseconds limit)
