@@ -19,12 +19,6 @@ namespace nvrec
 namespace
 {
 
-constexpr uint32_t name_of(const char (&name)[5])
-{
-    return uint32_t(uint8_t(name[0])) << 24 | uint32_t(uint8_t(name[1])) << 16 |
-           uint32_t(uint8_t(name[2])) << 8 | uint8_t(name[3]);
-}
-
 constexpr int64_t kBoxHead_bytes = 8;
 constexpr double kEditMicroseconds = 1e6;
 
@@ -81,14 +75,14 @@ private:
         const bool wide = number(body, 1) == 1;
         const size_t width = wide ? 8 : 4;
         const int64_t times = body + 4 + 2 * static_cast<int64_t>(width); /* behind creation and change */
-        if (name == name_of("moov") || name == name_of("trak") || name == name_of("edts")) {
+        if (name == box_name("moov") || name == box_name("trak") || name == box_name("edts")) {
             walk(body, end);
-        } else if (name == name_of("mvhd")) {
+        } else if (name == box_name("mvhd")) {
             ticks_ = static_cast<uint32_t>(number(times, 4));
             write(times + 4, in_ticks(), width);
-        } else if (name == name_of("tkhd")) {
+        } else if (name == box_name("tkhd")) {
             write(times + 8, in_ticks(), width);
-        } else if (name == name_of("elst")) {
+        } else if (name == box_name("elst")) {
             edit(body, end, wide);
         }
     }

@@ -53,6 +53,13 @@ private:
     int64_t size_ = 0;
 };
 
+/** Four letters of an MP4 file, a box's name or another code, as the number that is read in their place. */
+constexpr uint32_t box_name(const char (&name)[5])
+{
+    return uint32_t(uint8_t(name[0])) << 24 | uint32_t(uint8_t(name[1])) << 16 |
+           uint32_t(uint8_t(name[2])) << 8 | uint8_t(name[3]);
+}
+
 /** Reads bytes in order. Beyond their end it gives zeros, and remembers that. */
 class ByteReader
 {

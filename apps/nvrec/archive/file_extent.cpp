@@ -12,12 +12,6 @@ namespace nvrec
 namespace
 {
 
-constexpr uint32_t four(const char (&name)[5])
-{
-    return uint32_t(uint8_t(name[0])) << 24 | uint32_t(uint8_t(name[1])) << 16 |
-           uint32_t(uint8_t(name[2])) << 8 | uint8_t(name[3]);
-}
-
 /* Largest head of a file or fragment; a file that claims more is damaged. */
 constexpr int64_t kLargestHead_bytes = 64 << 20;
 constexpr double kTicksToMicroseconds = 1e6;
@@ -62,19 +56,19 @@ void read_track(std::span<const uint8_t> trak, VideoTrack *found)
     VideoTrack track;
     bool video = false;
     each_box(trak, [&](uint32_t name, std::span<const uint8_t> box) {
-        if (name == four("tkhd")) {
+        if (name == box_name("tkhd")) {
             ByteReader reader(box);
             const bool wide = reader.number(1) == 1;
             reader.skip(3 + (wide ? 16 : 8));
             track.number = static_cast<uint32_t>(reader.number(4));
         }
-        if (name != four("mdia")) return;
+        if (name != box_name("mdia")) return;
         each_box(box, [&](uint32_t inner, std::span<const uint8_t> media) {
-            if (inner == four("mdhd")) read_media_head(media, &track);
-            if (inner == four("hdlr")) {
+            if (inner == box_name("mdhd")) read_media_head(media, &track);
+            if (inner == box_name("hdlr")) {
                 ByteReader reader(media);
                 reader.skip(8);
-                video |= reader.number(4) == four("vide");
+                video |= reader.number(4) == box_name("vide");
             }
         });
     });
@@ -88,7 +82,7 @@ std::string text_in(std::span<const uint8_t> box)
     ByteReader reader(box);
     const uint64_t length = reader.number(2);
     reader.skip(2);
-    const bool quicktime = box.size() >= 8 && reader.number(4) != four("data");
+    const bool quicktime = box.size() >= 8 && reader.number(4) != box_name("data");
     const auto text = quicktime ? box.subspan(4, std::min<uint64_t>(length, box.size() - 4))
                                 : box.subspan(std::min(kTextHead, box.size()));
     return {text.begin(), text.end()};
@@ -98,11 +92,11 @@ void read_label(std::span<const uint8_t> user_data, FileExtent *extent)
 {
     each_box(user_data, [&](uint32_t name, std::span<const uint8_t> box) {
         std::string ignored;
-        if (name == four("meta") && box.size() > 4) read_label(box.subspan(4), extent);
-        if (name == four("ilst")) read_label(box, extent);
-        if (name == four("\xA9nam")) extent->title = text_in(box);
-        if (name == four("\xA9"
-                         "day"))
+        if (name == box_name("meta") && box.size() > 4) read_label(box.subspan(4), extent);
+        if (name == box_name("ilst")) read_label(box, extent);
+        if (name == box_name("\xA9nam")) extent->title = text_in(box);
+        if (name == box_name("\xA9"
+                             "day"))
             extent->from_us = read_time(text_in(box), 0, &ignored).value_or(0);
     });
 }
@@ -111,14 +105,14 @@ VideoTrack read_movie(std::span<const uint8_t> moov)
 {
     VideoTrack track;
     each_box(moov, [&](uint32_t name, std::span<const uint8_t> box) {
-        if (name == four("trak")) read_track(box, &track);
+        if (name == box_name("trak")) read_track(box, &track);
     });
     each_box(moov, [&](uint32_t name, std::span<const uint8_t> box) {
-        if (name != four("mvex")) return;
+        if (name != box_name("mvex")) return;
         each_box(box, [&](uint32_t inner, std::span<const uint8_t> extends) {
             ByteReader reader(extends);
             reader.skip(4);
-            if (inner != four("trex") || reader.number(4) != track.number) return;
+            if (inner != box_name("trex") || reader.number(4) != track.number) return;
             reader.skip(4);
             track.default_duration = static_cast<uint32_t>(reader.number(4));
         });
@@ -149,21 +143,21 @@ uint64_t fragment_end(std::span<const uint8_t> moof, const VideoTrack &track)
 {
     uint64_t end = 0;
     each_box(moof, [&](uint32_t name, std::span<const uint8_t> traf) {
-        if (name != four("traf")) return;
+        if (name != box_name("traf")) return;
         uint32_t number = 0, default_duration = track.default_duration;
         uint64_t at = 0;
         each_box(traf, [&](uint32_t inner, std::span<const uint8_t> box) {
             ByteReader reader(box);
-            if (inner == four("tfhd")) {
+            if (inner == box_name("tfhd")) {
                 const auto flags = static_cast<uint32_t>(reader.number(4)) & 0xFFFFFF;
                 number = static_cast<uint32_t>(reader.number(4));
                 reader.skip(((flags & 0x1) ? 8 : 0) + ((flags & 0x2) ? 4 : 0));
                 if (flags & 0x8) default_duration = static_cast<uint32_t>(reader.number(4));
-            } else if (inner == four("tfdt")) {
+            } else if (inner == box_name("tfdt")) {
                 const bool wide = reader.number(1) == 1;
                 reader.skip(3);
                 at = reader.number(wide ? 8 : 4);
-            } else if (inner == four("trun")) {
+            } else if (inner == box_name("trun")) {
                 at += run_duration(box, default_duration);
                 if (number == track.number) end = std::max(end, at);
             }
@@ -188,22 +182,23 @@ FileExtent mp4_extent(const ReadFile &file)
         if (size == 1 && head.size() == 16) size = static_cast<int64_t>(reader.number(8));
         if (size == 0) size = file.size() - at; /* up to the end */
         if (head.size() < 8 || size < 8 || size > file.size() - at) break;
-        const bool whole_head = (name == four("moov") || name == four("moof")) && size <= kLargestHead_bytes;
+        const bool whole_head =
+            (name == box_name("moov") || name == box_name("moof")) && size <= kLargestHead_bytes;
         const std::vector<uint8_t> box = whole_head ? file.read(at, static_cast<size_t>(size)) : head;
         const std::span<const uint8_t> inside = std::span(box).subspan(std::min<size_t>(8, box.size()));
         at += size;
-        if (name == four("moov") && whole_head) {
+        if (name == box_name("moov") && whole_head) {
             track = read_movie(inside);
             each_box(inside, [&](uint32_t inner, std::span<const uint8_t> user_data) {
-                if (inner == four("udta")) read_label(user_data, &extent);
+                if (inner == box_name("udta")) read_label(user_data, &extent);
             });
             extent.readable = track.number != 0 && track.ticks != 0;
             end_ticks = track.duration;
-        } else if (name == four("moof") && whole_head) {
+        } else if (name == box_name("moof") && whole_head) {
             open_end = fragment_end(inside, track);
             media = true;
             continue; /* whole with its pictures */
-        } else if (name == four("mdat") && media) {
+        } else if (name == box_name("mdat") && media) {
             end_ticks = std::max(end_ticks, open_end);
             media = false;
             extent.in_fragments = true;
