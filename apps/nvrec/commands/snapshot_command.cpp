@@ -23,7 +23,7 @@ namespace
 {
 
 const std::map<std::string, SnapshotSize> kSnapshotSizes = {
-    {"board", SnapshotSize::kBoard},
+    {"board", SnapshotSize::kLibrary},
     {"camera", SnapshotSize::kCamera},
 };
 
@@ -33,7 +33,7 @@ struct SnapshotCommand {
     std::string path;
     double patience_s = 10;
     bool during_playback = false;
-    SnapshotSize size = SnapshotSize::kBoard;
+    SnapshotSize size = SnapshotSize::kLibrary;
     std::vector<std::string> played;
     std::shared_ptr<SourceOptions> sources;
 };

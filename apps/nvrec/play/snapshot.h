@@ -24,7 +24,7 @@ namespace nvrec
 {
 
 enum class SnapshotSize {
-    kBoard /* NVRHAL_SNAPSHOT_WIDTH x NVRHAL_SNAPSHOT_HEIGHT */,
+    kLibrary /* NVRHAL_SNAPSHOT_WIDTH x NVRHAL_SNAPSHOT_HEIGHT */,
     kCamera /* as the camera sends it */
 };
 
@@ -46,7 +46,7 @@ public:
 
     /** Take one into a file. @param patience  for a key frame. @return an ExitCode. */
     int take(int channel, const std::string &path, std::chrono::milliseconds patience,
-             SnapshotSize size = SnapshotSize::kBoard);
+             SnapshotSize size = SnapshotSize::kLibrary);
 
 private:
     int fail(int exit_code, const std::string &line);
