@@ -24,9 +24,9 @@ void label_window_keys()
 {
     std::vector<host::WindowKey> keys;
     for (const Button &button : buttons()) {
-        if (button.pc_key) keys.push_back({button.pc_key, button.ir_code});
+        if (button.pc_key) keys.push_back({button.pc_key, button.name});
         /* Without a meaning it would close the window, and with it end what is being recorded. */
-        if (button.key == Key::kBack && button.pc_key) keys.push_back({"Escape", button.ir_code});
+        if (button.key == Key::kBack && button.pc_key) keys.push_back({"Escape", button.name});
     }
     host::set_window_keys(keys);
 }

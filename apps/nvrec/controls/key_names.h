@@ -1,10 +1,11 @@
 /*
- * key_names.h - the recorder's remote control: what its buttons are called, mean and send.
+ * key_names.h - the recorder's remote control: what its buttons are called and mean.
  *
  * One row a button. The remote control sends an IR code, which the library translates: the key code
  * comes from ext_keyboard_value. The front panel sends the key code itself, which the recorder reads
  * from the panel's node. `key` is what the recorder makes of it. A PC key in the board's window presses
- * the same button of the remote control.
+ * the same button of the remote control. The codes that the buttons send are in
+ * platform/include/ir_buttons.h, under the same names.
  */
 #pragma once
 
@@ -18,10 +19,9 @@ namespace nvrec
 {
 
 struct Button {
-    std::string_view name; /* for "nvrec key"                               */
+    std::string_view name; /* as ir_buttons.h has it, and for "nvrec key" */
     Key key;
     uint32_t key_code;  /* from ext_keyboard_value or the panel         */
-    uint32_t ir_code;   /* what the remote control sends                 */
     const char *pc_key; /* SDL's name of the key in the window, or null */
 };
 

@@ -181,8 +181,8 @@ bool Keys::press(const Button &button, Way way, std::chrono::milliseconds limit)
     std::unique_lock guard(lock_);
     if (stopped_) return false;
     const uint64_t before = seen_.at(button.key_code);
-    const std::string problem = way == Way::kPanel ? host::press_panel_key(button.key_code)
-                                                   : host::press_remote_button(button.ir_code);
+    const std::string problem =
+        way == Way::kPanel ? host::press_panel_key(button.key_code) : host::press_remote_button(button.name);
     if (!problem.empty()) return false;
     came_.wait_for(guard, limit, [&] { return stopped_ || seen_.at(button.key_code) != before; });
     return seen_.at(button.key_code) != before;

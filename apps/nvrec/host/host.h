@@ -20,6 +20,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "host/clock.h"
@@ -37,8 +38,8 @@ bool has_own_monitor();
 
 /** A key of the PC that presses a button of the remote control while the window has the keys. */
 struct WindowKey {
-    const char *pc_key; /* as SDL calls it */
-    uint32_t ir_code;
+    const char *pc_key;      /* as SDL calls it                       */
+    std::string_view button; /* as platform/include/ir_buttons.h does */
 };
 void set_window_keys(const std::vector<WindowKey> &keys);
 
@@ -71,8 +72,8 @@ void close_sound();
 
 /* ----------------------------------------------------------------------------- injected keys --- */
 
-/** Press a button of the remote control, or a key of the front panel. */
-std::string press_remote_button(uint32_t ir_code);
+/** Press a button of the remote control, by its name in ir_buttons.h, or a key of the front panel. */
+std::string press_remote_button(std::string_view name);
 std::string press_panel_key(uint32_t key_code);
 
 /* ------------------------------------------------------------------- decoders, for reports --- */

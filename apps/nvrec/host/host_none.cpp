@@ -69,7 +69,7 @@ void wait_for_sound(std::chrono::milliseconds) {}
 
 void close_sound() {}
 
-std::string press_remote_button(uint32_t)
+std::string press_remote_button(std::string_view)
 {
     return "this board's remote control is pressed by hand";
 }

@@ -1,4 +1,5 @@
 /* host_vboard.cpp - host.h and device_node.h over the board in software: screen, sound, keys, decoders. */
+#include <algorithm>
 #include <cstdlib>
 
 #include <fcntl.h>
@@ -6,6 +7,7 @@
 #include "board_io.h"
 #include "host/device_node.h"
 #include "host/host.h"
+#include "ir_buttons.h"
 #include "vboard.h"
 #include "vboard_audio.h"
 #include "vboard_devices.h"
@@ -16,6 +18,21 @@ namespace
 {
 
 constexpr uint32_t kLoudspeaker = 3; /* the audio output that the library plays on */
+
+struct RemoteButton {
+    std::string_view name;
+    uint32_t code;
+};
+
+#define NAMED(name, code) {name, code},
+constexpr RemoteButton kRemoteButtons[] = {IR_BUTTONS(NAMED)};
+#undef NAMED
+
+std::optional<uint32_t> ir_code_of(std::string_view name)
+{
+    const auto found = std::ranges::find(kRemoteButtons, name, &RemoteButton::name);
+    return found != std::end(kRemoteButtons) ? std::optional(found->code) : std::nullopt;
+}
 
 bool is_set(const char *name)
 {
@@ -43,7 +60,7 @@ void set_window_keys(const std::vector<WindowKey> &keys)
     std::vector<vboard_window_key> board_keys;
     board_keys.reserve(keys.size());
     for (const WindowKey &key : keys)
-        board_keys.push_back({key.pc_key, key.ir_code});
+        if (const auto code = ir_code_of(key.button)) board_keys.push_back({key.pc_key, *code});
     vboard_window_set_keys(board_keys.data(), board_keys.size());
 }
 
@@ -111,9 +128,11 @@ void close_sound()
     vboard_audio_close(kLoudspeaker);
 }
 
-std::string press_remote_button(uint32_t ir_code)
+std::string press_remote_button(std::string_view name)
 {
-    vboard_ir_press(ir_code);
+    const auto code = ir_code_of(name);
+    if (!code) return "the remote control has no button \"" + std::string(name) + "\"";
+    vboard_ir_press(*code);
     return {};
 }
 
