@@ -7,6 +7,7 @@
 
 #include "archive/directory_lock.h"
 #include "archive/time_of_day.h"
+#include "commands/command.h"
 #include "console/exit_code.h"
 
 namespace nvrec
@@ -25,9 +26,16 @@ int complain(int exit_code, const std::string &line)
     return exit_code;
 }
 
+std::string directory_problem(const std::string &directory)
+{
+    return directory.empty() ? "it is empty" : "";
+}
+
 void add_archive_options(CLI::App &command, ArchiveOptions &options, bool one_camera)
 {
-    command.add_option("--dir", options.directory, "Where the recordings are")->required();
+    command.add_option("--dir", options.directory, "Where the recordings are")
+        ->required()
+        ->check(directory_problem);
     auto *camera = command.add_option("--camera", options.camera,
                                       one_camera ? "The camera: its name, or its channel from 0"
                                                  : "One camera: its name, or its channel from 0");

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 #include "console/exit_code.h"
 
@@ -23,6 +24,9 @@ struct Command {
 
 /** A number from 0 to kLongest_s. */
 CLI::Validator from_zero_on();
+
+/** What is wrong with the text behind "--dir"; empty = nothing. */
+std::string directory_problem(const std::string &directory);
 
 Command wall_command(CLI::App &app);
 Command key_command(CLI::App &app);

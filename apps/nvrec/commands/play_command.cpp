@@ -229,7 +229,8 @@ Command play_command(CLI::App &app)
         "playback begins then, and at once without. Exit status as of wall.");
 
     play->add_option("files", command->player.files, "Recordings: MP4, MKV, .h264, .h265, ...");
-    play->add_option("--dir", command->directory, "Play what is recorded in this directory instead of files");
+    play->add_option("--dir", command->directory, "Play what is recorded in this directory instead of files")
+        ->check(directory_problem);
     play->add_option("--at", command->at, "Begin at this time of day, all cameras in step")->needs("--dir");
     play->add_option("--camera", command->cameras,
                      "Of the directory this camera only: its name, or its channel from 0; may be repeated")

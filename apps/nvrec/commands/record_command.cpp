@@ -62,7 +62,9 @@ Command record_command(CLI::App &app)
     const WallCommandLine line = add_wall_options(*record, kMostRecorded);
     auto options = std::make_shared<RecordOptions>();
     auto network = std::make_shared<std::vector<std::string>>();
-    record->add_option("--dir", options->directory, "Where the files go; it is made")->required();
+    record->add_option("--dir", options->directory, "Where the files go; it is made")
+        ->required()
+        ->check(directory_problem);
     record->add_option("--format", options->container, "Kind of file: mp4 (in fragments), mkv")
         ->transform(CLI::CheckedTransformer(kContainers, CLI::ignore_case))
         ->default_str("mp4");
