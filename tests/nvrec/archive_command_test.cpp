@@ -76,6 +76,60 @@ TEST_F(ArchiveCommands, FindSaysWhatLiesAroundATimeThatIsNotRecorded)
         << output_;
 }
 
+/* What recorders used to enter when their clock was an hour ahead for a moment. */
+TEST_F(ArchiveCommands, AGapHidesNoFileThatItIsNotIn)
+{
+    const int64_t at = local(2026, 11, 21, 14, 5);
+    const std::string before = put(scratch_.path(), 0, at),
+                      behind = put(scratch_.path(), 0, at + 22 * kSecond_us);
+    nvrec::Index index;
+    ASSERT_EQ(index.open(scratch_.path()), "");
+    ASSERT_TRUE(index.put_gap({0, "", "main", at + 19 * kSecond_us, at + kHour_us, "no video"}));
+    index.close();
+    EXPECT_EQ(run("find", {"--camera", "0", "--at", "2026-11-21T14:05:30"}), 0) << output_;
+    EXPECT_TRUE(says(behind + "  at 0:08 (8.000 s)")) << output_;
+    EXPECT_EQ(run("find", {"--camera", "0", "--at", "2026-11-21T14:05:19.5"}), 0) << output_;
+    EXPECT_TRUE(says(before)) << output_;
+    EXPECT_EQ(run("find", {"--camera", "0", "--at", "2026-11-21T14:30"}), 3);
+    EXPECT_TRUE(says("not recorded (no video); until 2026-11-21 14:05:42")) << output_;
+    ASSERT_EQ(run("list", {}), 0);
+    EXPECT_TRUE(says("2026-11-21 14:05:00 +0100  2026-11-21 14:05:42 +0100       0:42")) << output_;
+    EXPECT_TRUE(says("no video")) << output_;
+}
+
+TEST_F(ArchiveCommands, FindSaysFromWhenToWhenAFileHasAHole)
+{
+    const int64_t at = local(2026, 11, 21, 14, 5);
+    put(scratch_.path(), 0, at);
+    nvrec::Index index;
+    ASSERT_EQ(index.open(scratch_.path()), "");
+    ASSERT_TRUE(index.put_gap({0, "", "main", at + 5 * kSecond_us, at + 10 * kSecond_us, "lost"}));
+    index.close();
+    EXPECT_EQ(run("find", {"--camera", "0", "--at", "2026-11-21T14:05:07"}), 3);
+    EXPECT_TRUE(says("not recorded (lost); until 2026-11-21 14:05:05 +0100; again from 2026-11-21 14:05:10"))
+        << output_;
+}
+
+TEST_F(ArchiveCommands, RefuseADirectoryWithoutAName)
+{
+    using Words = std::vector<std::string>;
+    const Words span = {"--camera", "0", "--from", "14:00", "--to", "14:05"};
+    const std::vector<std::pair<std::string, Words>> commands = {
+        {"record", {clip("seconds.mp4")}},       {"play", {}}, {"list", {}},  {"find", {"--at", "14:00"}},
+        {"export", {scratch_.file("clip.mp4")}}, {"pin", {}},  {"unpin", {}},
+    };
+    for (const auto &[command, words] : commands) {
+        Words arguments = {NVREC_PROGRAM, command, "--dir", ""};
+        arguments.insert(arguments.end(), words.begin(), words.end());
+        if (command == "export" || command.ends_with("pin"))
+            arguments.insert(arguments.end(), span.begin(), span.end());
+        Process nvrec(arguments);
+        EXPECT_EQ(nvrec.wait(), 2) << command;
+        EXPECT_NE(nvrec.errors.find("--dir: it is empty"), std::string::npos)
+            << command << ": " << nvrec.errors;
+    }
+}
+
 TEST_F(ArchiveCommands, FindTellsTheHoursOfAChangeOfClocksApart)
 {
     const int64_t first = local(2026, 10, 25, 1, 59, 59) + kSecond_us;

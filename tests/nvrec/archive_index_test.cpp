@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include "archive/archive_reader.h"
 #include "archive/index.h"
 #include "archive/retention.h"
 #include "archive_days.h"
@@ -105,6 +106,60 @@ TEST_F(RecordingIndex, TakesGapsOutOfWhatIsRecorded)
     const std::vector<TimeSpan> expected = {
         {0, 50 * kSecond_us}, {60 * kSecond_us, 200 * kSecond_us}, {300 * kSecond_us, 400 * kSecond_us}};
     EXPECT_EQ(index_.recorded(of(0, "yard"), 2 * kSecond_us), expected);
+}
+
+/* A clock that was an hour wrong, forward or back, and the gap that recorders used to enter then. */
+TEST_F(RecordingIndex, OfAGapOutsideOfAFileTakesNothingOutOfIt)
+{
+    for (const int64_t wrong_us : {kHour_us, -kHour_us}) {
+        SCOPED_TRACE(wrong_us);
+        const std::string camera = wrong_us > 0 ? "yard" : "gate";
+        const int64_t at = 10 * kHour_us, minute_us = 60 * kSecond_us;
+        ASSERT_TRUE(index_.put_segment(segment(0, camera, camera + "1", at - 90 * minute_us, at)));
+        ASSERT_TRUE(
+            index_.put_segment(segment(0, camera, camera + "2", at + wrong_us, at + wrong_us + minute_us)));
+        ASSERT_TRUE(
+            index_.put_segment(segment(0, camera, camera + "3", at + minute_us, at + 90 * minute_us)));
+        const int64_t set_at = wrong_us > 0 ? at : at + minute_us;
+        ASSERT_TRUE(index_.put_gap({0, camera, "main", std::min(set_at, set_at + wrong_us),
+                                    std::max(set_at, set_at + wrong_us), "no video"}));
+        const std::vector<TimeSpan> expected = {{at - 90 * minute_us, at},
+                                                {at + minute_us, at + 90 * minute_us}};
+        EXPECT_EQ(index_.recorded(of(0, camera), 2 * kSecond_us), expected);
+        for (const int64_t found_us : {at - minute_us / 2, at - 30 * minute_us, at + 30 * minute_us})
+            EXPECT_TRUE(find_place(index_, of(0, camera), found_us).segment) << found_us;
+    }
+}
+
+TEST_F(RecordingIndex, AFileThatHoldsTheTimeOfAnothersHoleIsFound)
+{
+    ASSERT_TRUE(index_.put_segment(segment(0, "yard", "a", 0, 100 * kSecond_us)));
+    ASSERT_TRUE(index_.put_segment(segment(0, "yard", "b", 10 * kSecond_us, 90 * kSecond_us)));
+    ASSERT_TRUE(index_.put_gap({0, "yard", "main", 5 * kSecond_us, 95 * kSecond_us, "lost"}));
+    ASSERT_TRUE(index_.put_gap({0, "yard", "main", 40 * kSecond_us, 50 * kSecond_us, "no video"}));
+    const std::vector<TimeSpan> expected = {{0, 5 * kSecond_us},
+                                            {10 * kSecond_us, 40 * kSecond_us},
+                                            {50 * kSecond_us, 90 * kSecond_us},
+                                            {95 * kSecond_us, 100 * kSecond_us}};
+    EXPECT_EQ(index_.recorded(of(0, "yard"), 2 * kSecond_us), expected);
+    const Place place = find_place(index_, of(0, "yard"), 30 * kSecond_us);
+    ASSERT_TRUE(place.segment);
+    EXPECT_EQ(place.segment->from_us, 10 * kSecond_us);
+    EXPECT_FALSE(find_place(index_, of(0, "yard"), 45 * kSecond_us).segment);
+}
+
+TEST_F(RecordingIndex, AGapThatGoesOnForTheSameReasonIsOne)
+{
+    ASSERT_TRUE(index_.put_gap({0, "yard", "main", 10, 20, "the disk is full"}));
+    ASSERT_TRUE(index_.put_gap({0, "yard", "main", 20, 30, "the disk is full"}));
+    ASSERT_TRUE(index_.put_gap({0, "yard", "main", 20, 30, "the disk is full"}));
+    ASSERT_TRUE(index_.put_gap({0, "yard", "main", 30, 40, "no video"}));
+    ASSERT_TRUE(index_.put_gap({0, "yard", "network", 30, 40, "the disk is full"}));
+    ASSERT_TRUE(index_.put_gap({0, "gate", "main", 30, 40, "the disk is full"}));
+    const auto gaps = index_.gaps(of(0, "yard"));
+    ASSERT_EQ(gaps.size(), 2u);
+    EXPECT_EQ(gaps[0].from_us, 10);
+    EXPECT_EQ(gaps[0].to_us, 30);
 }
 
 TEST_F(RecordingIndex, UnpinsPartOfAPin)
@@ -281,6 +336,17 @@ TEST_F(RetentionOfFiles, LeavesTheFileAloneThatIsBeingWritten)
     EXPECT_TRUE(there(0));
     EXPECT_FALSE(there(1));
     EXPECT_FALSE(there(2));
+}
+
+TEST_F(RetentionOfFiles, KnowsWhetherWhatMayGoWouldHelp)
+{
+    EXPECT_EQ(index_.unpinned_bytes(), 10'000);
+    EXPECT_TRUE(retention_.may_make_room(1));
+    EXPECT_FALSE(retention_.may_make_room(INT64_MAX / 2));
+    ASSERT_NE(index_.put_pin(index_.camera_number(0, "yard"), {0, 3 * kHour_us}), 0);
+    EXPECT_EQ(index_.unpinned_bytes(), 8000) << "two of that camera";
+    for (int hour = 0; hour < 10; ++hour)
+        EXPECT_TRUE(there(hour)) << hour;
 }
 
 TEST_F(RetentionOfFiles, FreesRoomOnAFullDiskUpToTheLastUnpinnedFile)

@@ -185,6 +185,8 @@ TEST_F(WritingTheIndex, DeletesOldRecordingsForRoom)
     EXPECT_TRUE(writer.free_space(1, seconds(10))) << "there is that much";
     EXPECT_TRUE(std::filesystem::exists(path));
     EXPECT_FALSE(writer.free_space(INT64_MAX, seconds(10))) << "no disk is so large";
+    EXPECT_TRUE(std::filesystem::exists(path)) << "what goes would not help";
+    EXPECT_TRUE(writer.free_space(1, seconds(10), true));
     EXPECT_FALSE(std::filesystem::exists(path));
     ASSERT_TRUE(writer.stop(seconds(10)));
     EXPECT_EQ(writer.retention_state().deleted, 1u);

@@ -127,18 +127,37 @@ Place find_place(Index &index, const IndexQuery &query, int64_t at_us)
     IndexQuery at = query;
     at.span = {at_us, at_us + 1};
     const std::vector<GapRow> gaps = index.gaps(at);
-    if (!gaps.empty()) place.gap = gaps.front();
-    /* The last file that began by then. An earlier file that lasts longer belongs to another camera of the
-     * same name. */
+    const auto hole_in = [&gaps](const SegmentRow &segment) {
+        const auto hole =
+            std::ranges::find_if(gaps, [&segment](const GapRow &gap) { return is_within(gap, segment); });
+        return hole == gaps.end() ? nullptr : &*hole;
+    };
+    /* The last file that began by then; one before it counts where that one holds nothing of the time: it
+     * reaches further, because the clock was set back behind it or it is of another camera of that name. */
     place.before = index.segment_before(query, at_us + 1);
-    if (place.before && place.before->to_us <= at_us && at_us - place.before->from_us < kLongestFile_us) {
-        const std::vector<SegmentRow> around = index.segments(at, 1);
-        if (!around.empty()) place.before = around.front();
+    const auto covers = [at_us](const SegmentRow &segment) { return segment.to_us > at_us; };
+    if (place.before && (!covers(*place.before) || hole_in(*place.before)) &&
+        at_us - place.before->from_us < kLongestFile_us) {
+        std::vector<SegmentRow> around = index.segments(at);
+        const auto holds = std::ranges::find_if(around, [&](const SegmentRow &one) { return !hole_in(one); });
+        if (holds != around.end())
+            place.before = *holds;
+        else if (!around.empty())
+            place.before = around.back();
     }
-    if (place.before && place.before->to_us > at_us && !place.gap) {
+    const GapRow *hole = place.before && covers(*place.before) ? hole_in(*place.before) : nullptr;
+    if (place.before && covers(*place.before) && !hole) {
         place.segment = place.before;
         place.offset_us = at_us - place.segment->from_us;
         place.before.reset();
+        return place;
+    }
+    if (!hole && !gaps.empty()) hole = &gaps.front();
+    if (hole) place.gap = *hole;
+    if (hole && place.before && covers(*place.before)) { /* it holds what lies on either side */
+        place.after = place.before;
+        place.before->to_us = hole->from_us;
+        place.after->from_us = hole->to_us;
         return place;
     }
     place.after = index.segment_after(query, at_us + 1);

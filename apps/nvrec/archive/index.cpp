@@ -224,6 +224,15 @@ bool Index::put_gap(const GapRow &row)
 {
     const int64_t camera = camera_number(row.channel, row.camera);
     if (camera == 0) return false;
+    /* A hole in a file ends where that file goes on. */
+    Statement prolong(database_.handle(),
+                      "UPDATE OR REPLACE gaps SET to_us = ?4 WHERE camera = ?1 AND stream = ?2 AND why = ?5"
+                      " AND from_us <= ?3 AND to_us IN (?3, ?4) AND NOT EXISTS (SELECT 1 FROM segments WHERE"
+                      " segments.camera = ?1 AND segments.stream = ?2 AND segments.from_us <= gaps.from_us"
+                      " AND segments.to_us >= gaps.to_us)");
+    prolong.bind(0, camera).bind(1, row.stream).bind(2, row.from_us).bind(3, row.to_us).bind(4, row.why);
+    if (!prolong.run()) return false;
+    if (database_.changed() > 0) return true;
     Statement put(database_.handle(), "INSERT OR REPLACE INTO gaps (camera, stream, from_us, to_us, why)"
                                       " VALUES (?, ?, ?, ?, ?)");
     return put.bind(0, camera)

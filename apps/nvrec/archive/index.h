@@ -3,7 +3,8 @@
  *
  *   cameras    number, channel, name
  *   segments   a file each: camera, stream, from, to, bytes, whether it is finished
- *   gaps       camera, stream, from, to, why: times inside or between files of which nothing is kept
+ *   gaps       camera, stream, from, to, why: times inside or between files of which nothing is kept,
+ *              though it was wanted
  *   events     camera, time, kind, text
  *   pins       camera, from, to: what retention never deletes
  *
@@ -69,7 +70,7 @@ struct GapRow {
     std::string camera;
     std::string stream = "main";
     int64_t from_us = 0, to_us = 0;
-    std::string why; /* "no video", "disk", "lost" ... */
+    std::string why; /* "no video", "lost", "the disk is full" ... */
 };
 
 struct EventRow {
@@ -86,6 +87,12 @@ struct PinRow {
     std::string camera;
     TimeSpan span;
 };
+
+/**
+ * Whether a gap is a hole in a file. What a file covers is recorded but for these: a gap between files says
+ * nothing of another file, which a clock that was set may have put into the same time.
+ */
+bool is_within(const GapRow &gap, const SegmentRow &segment);
 
 /** What a question is about. */
 struct IndexQuery {
@@ -140,13 +147,16 @@ public:
     std::optional<SegmentRow> segment_after(const IndexQuery &query, int64_t at_us);
 
     /**
-     * What is recorded, without the gaps: spans that do not touch, in order. Pieces that lie no more than
-     * `joined_us` apart count as one.
+     * What is recorded, each file's own gaps taken out: spans that do not touch, in order. Pieces that lie
+     * no more than `joined_us` apart count as one.
      */
     std::vector<TimeSpan> recorded(const IndexQuery &query, int64_t joined_us);
 
     /** Bytes of all segments. */
     int64_t total_bytes();
+
+    /** Bytes of the finished segments that no pin touches. */
+    int64_t unpinned_bytes();
 
     /**
      * The oldest finished segment that no pin touches and that is not in the list; nothing = there is none.
@@ -157,6 +167,7 @@ public:
     bool put_segment(const SegmentRow &row);
     bool grow_segment(const std::string &path, int64_t to_us, int64_t bytes, bool finished);
     bool remove_segment(const std::string &path);
+    /** One that goes on where another ended, for the same reason, makes that one longer. */
     bool put_gap(const GapRow &row);
     /**
      * Delete gaps and events from before a time, except those that lie in a recording or a pin of their

@@ -11,6 +11,10 @@ namespace
 constexpr const char *kSegmentColumns = "SELECT cameras.channel, cameras.name, stream, file, from_us, to_us,"
                                         " bytes, finished FROM segments JOIN cameras ON camera = cameras.id";
 
+constexpr const char *kMayGo = "finished = 1 AND NOT EXISTS (SELECT 1 FROM pins WHERE"
+                               " pins.camera = segments.camera AND pins.from_us < segments.to_us AND"
+                               " pins.to_us > segments.from_us)";
+
 /* " AND camera IN (1, 2)": numbers of the database itself. */
 std::string of_cameras(const IndexQuery &query)
 {
@@ -22,6 +26,12 @@ std::string of_cameras(const IndexQuery &query)
 }
 
 } // namespace
+
+bool is_within(const GapRow &gap, const SegmentRow &segment)
+{
+    return gap.channel == segment.channel && gap.camera == segment.camera && gap.stream == segment.stream &&
+           gap.from_us >= segment.from_us && gap.to_us <= segment.to_us;
+}
 
 std::vector<CameraRow> Index::cameras()
 {
@@ -144,25 +154,26 @@ std::vector<PinRow> Index::pins()
 
 std::vector<TimeSpan> Index::recorded(const IndexQuery &query, int64_t joined_us)
 {
-    std::vector<TimeSpan> spans;
+    const std::vector<GapRow> holes = gaps(query); /* by their beginnings */
+    std::vector<TimeSpan> pieces;
     for (const SegmentRow &segment : segments(query)) {
-        if (!spans.empty() && segment.from_us <= spans.back().to_us + joined_us)
-            spans.back().to_us = std::max(spans.back().to_us, segment.to_us);
-        else
-            spans.push_back({segment.from_us, segment.to_us});
-    }
-    for (const GapRow &gap : gaps(query)) {
-        if (gap.to_us - gap.from_us <= joined_us) continue;
-        std::vector<TimeSpan> left;
-        for (const TimeSpan &span : spans) {
-            if (gap.to_us <= span.from_us || gap.from_us >= span.to_us) {
-                left.push_back(span);
-                continue;
-            }
-            if (span.from_us < gap.from_us) left.push_back({span.from_us, gap.from_us});
-            if (gap.to_us < span.to_us) left.push_back({gap.to_us, span.to_us});
+        int64_t from_us = segment.from_us;
+        auto hole = std::ranges::lower_bound(holes, from_us, {}, &GapRow::from_us);
+        for (; hole != holes.end() && hole->from_us < segment.to_us; ++hole) {
+            if (!is_within(*hole, segment) || hole->to_us - hole->from_us <= joined_us) continue;
+            if (hole->from_us > from_us) pieces.push_back({from_us, hole->from_us});
+            from_us = std::max(from_us, hole->to_us);
         }
-        spans = std::move(left);
+        if (from_us < segment.to_us || from_us == segment.from_us) pieces.push_back({from_us, segment.to_us});
+    }
+    /* What one file holds fills a hole of another one that was written by another time of day. */
+    std::ranges::sort(pieces, {}, &TimeSpan::from_us);
+    std::vector<TimeSpan> spans;
+    for (const TimeSpan &piece : pieces) {
+        if (!spans.empty() && piece.from_us <= spans.back().to_us + joined_us)
+            spans.back().to_us = std::max(spans.back().to_us, piece.to_us);
+        else
+            spans.push_back(piece);
     }
     return spans;
 }
@@ -172,12 +183,14 @@ int64_t Index::total_bytes()
     return database_.number("SELECT total(bytes) FROM segments", 0);
 }
 
+int64_t Index::unpinned_bytes()
+{
+    return database_.number((std::string("SELECT total(bytes) FROM segments WHERE ") + kMayGo).c_str(), 0);
+}
+
 std::optional<SegmentRow> Index::oldest_unpinned(const std::vector<std::string> &but_paths)
 {
-    const std::string sql = std::string(kSegmentColumns) +
-                            " WHERE finished = 1 AND NOT EXISTS (SELECT 1 FROM pins WHERE"
-                            " pins.camera = segments.camera AND pins.from_us < segments.to_us AND"
-                            " pins.to_us > segments.from_us) ORDER BY to_us LIMIT ?";
+    const std::string sql = std::string(kSegmentColumns) + " WHERE " + kMayGo + " ORDER BY to_us LIMIT ?";
     Statement find(database_.handle(), sql.c_str());
     find.bind(0, static_cast<int64_t>(but_paths.size()) + 1);
     while (find.next()) {

@@ -275,7 +275,8 @@ void IndexWriter::run(const std::shared_ptr<State> &state)
         Made made = make_together(index, &changes);
         std::string trouble = made.trouble;
         bool room = false;
-        if (room_wanted > 0) room = retention.make_room(room_wanted, one_goes);
+        if (room_wanted > 0)
+            room = retention.may_make_room(room_wanted) && retention.make_room(room_wanted, one_goes);
         if (Clock::now() >= retention_at) {
             retention.apply(wall_now_us());
             retention_at = Clock::now() + kRetentionPeriod;

@@ -111,6 +111,14 @@ void Recycler::apply(int64_t now_us, int most_files)
     if (options_.most_age_s > 0) index_.forget_before(now_us - options_.most_age_s * kAgeSecond_us);
 }
 
+/* Where nothing may be deleted at all, make_room() finds out why. */
+bool Recycler::may_make_room(int64_t bytes)
+{
+    look();
+    const int64_t to_go = index_.unpinned_bytes();
+    return to_go == 0 || state_.free_bytes < 0 || state_.free_bytes + to_go >= bytes;
+}
+
 bool Recycler::make_room(int64_t bytes, bool one_goes)
 {
     state_.trouble = index_.in_memory() ? kInMemory : "";

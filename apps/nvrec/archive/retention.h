@@ -57,6 +57,9 @@ public:
      */
     void apply(int64_t now_us, int most_files = 64);
 
+    /** Whether so many bytes can be free: what is, and what may be deleted. */
+    bool may_make_room(int64_t bytes);
+
     /**
      * Delete the oldest until so many bytes are free on the disk.
      * @param one_goes  delete at least one file, whatever is free
