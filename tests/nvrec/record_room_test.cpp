@@ -1,5 +1,6 @@
 /* The disk writer on a full disk that can be recycled: what it asks for, and how often. */
 #include <cerrno>
+#include <functional>
 #include <memory>
 #include <utility>
 #include <vector>
@@ -43,7 +44,7 @@ protected:
         options.files = disk_;
         options.free_space = [this](uint64_t bytes, bool in_vain) {
             asked_.emplace_back(bytes, in_vain);
-            return true;
+            return room_made_ ? room_made_(bytes) : true;
         };
         DiskWriter writer(std::move(options));
         writer.append(file_, picture_at(0, 1000), 0);
@@ -55,6 +56,7 @@ protected:
     std::shared_ptr<RefusingDisk> disk_ = std::make_shared<RefusingDisk>();
     std::shared_ptr<OutputFile> file_ = file_named("new");
     std::vector<std::pair<uint64_t, bool>> asked_;
+    std::function<bool(uint64_t)> room_made_; /* what the asked answer; empty = yes */
     DiskState state_ = DiskState::kFailing;
 };
 
@@ -91,6 +93,35 @@ TEST_F(NvrecRoom, IsNotAskedForForEver)
     EXPECT_LE(asked_.size(), 10u) << "each time a recording may go";
     EXPECT_EQ(file_->trouble().kind, OutputTrouble::kFull);
     EXPECT_EQ(state_, DiskState::kFull);
+}
+
+/* Of which half a megabyte may go: less than is asked for first, and more than the piece needs. */
+TEST_F(NvrecRoom, OfASmallDiskIsAskedForAsMuchAsIsNeeded)
+{
+    disk_->writes_refused = 1'000;
+    room_made_ = [this](uint64_t bytes) {
+        if (bytes > 500'000) return false;
+        disk_->writes_refused = 0;
+        return true;
+    };
+    write_a_picture();
+    ASSERT_GE(asked_.size(), 2u);
+    EXPECT_GE(asked_.back().first, 1000u);
+    EXPECT_EQ(file_->trouble().kind, OutputTrouble::kNone) << file_->trouble().reason;
+    EXPECT_EQ(file_->tally->pictures, 1u);
+    EXPECT_EQ(state_, DiskState::kGood);
+}
+
+TEST_F(NvrecRoom, ThatIsLessThanWasAskedForIsTriedAllTheSame)
+{
+    disk_->writes_refused = 1'000;
+    room_made_ = [this](uint64_t) {
+        disk_->writes_refused = 0;
+        return false;
+    };
+    write_a_picture();
+    EXPECT_EQ(file_->trouble().kind, OutputTrouble::kNone) << file_->trouble().reason;
+    EXPECT_EQ(file_->tally->pictures, 1u);
 }
 
 } // namespace

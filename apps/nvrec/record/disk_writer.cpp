@@ -115,6 +115,12 @@ std::string DiskWriter::directory_trouble() const
     return state_->directory_trouble;
 }
 
+uint64_t DiskWriter::recoveries() const
+{
+    const std::scoped_lock guard(state_->lock);
+    return state_->recoveries;
+}
+
 std::vector<std::string> DiskWriter::take_lines()
 {
     const std::scoped_lock guard(state_->lock);

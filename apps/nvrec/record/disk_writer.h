@@ -59,7 +59,8 @@ struct DiskWriterOptions {
     std::function<std::string()> hold_directory;
 
     /**
-     * Make room for so many bytes, for instance by recycling; false = no room can be made.
+     * Make room for so many bytes, for instance by recycling; false = not so much room can be made. The
+     * first request is for more than the piece at hand needs; if that fails, the second is for its size.
      * @param in_vain  room was made before, and the disk still refuses as full. Its count of free bytes is
      * not to be trusted then: something has to be deleted
      */
@@ -113,6 +114,9 @@ public:
 
     /** Why the directory could not be made or held; empty = it could. Known after the first chunk. */
     std::string directory_trouble() const;
+
+    /** How often it was in trouble and has come to take again what recordings bring. */
+    uint64_t recoveries() const;
 
     /** Lines for the user that came up since. */
     std::vector<std::string> take_lines();

@@ -17,7 +17,8 @@ namespace
 {
 
 constexpr int kMostNames = 1000;
-constexpr uint64_t kLeastRoom_bytes = 8u << 20; /* that is asked for: a name needs room, too     */
+constexpr uint64_t kAmpleRoom_bytes = 8u << 20; /* that is asked for first: not for every piece anew */
+constexpr uint64_t kNameRoom_bytes = 64u << 10; /* of a small disk: a name needs room, too           */
 constexpr int kMostRecycled = 8; /* times that it is asked for; behind the first a recording goes each time */
 
 bool is_full(int error)
@@ -49,24 +50,37 @@ int DiskWriter::State::create(Open &open, std::string *problem)
         if (directory_ >= 0) options.files->close(std::exchange(directory_, -1));
         is_held_ = false;
     }
-    for (int tries = 0; is_full(error) && tries < kMostRecycled && make_room(0, tries > 0); ++tries)
+    bool goes_on = options.free_space != nullptr;
+    for (int tries = 0; is_full(error) && tries < kMostRecycled && goes_on; ++tries) {
+        goes_on = make_room(kNameRoom_bytes, tries > 0);
         error = timed([&] { return options.files->create(open.path, &open.descriptor); });
+    }
     return error;
 }
 
-/* While the disk is full, make room as long as there is something to delete. */
+/* While the disk is full, make room as long as there is something to delete. The write is tried also when
+ * less room was made than was asked for: it may be enough. */
 int DiskWriter::State::write_with_room(Open &open, const Job &job)
 {
     int error = write(open, job.chunk);
-    for (int tries = 0; is_full(error) && tries < kMostRecycled && make_room(job.bytes, tries > 0); ++tries)
+    bool goes_on = options.free_space != nullptr;
+    for (int tries = 0; is_full(error) && tries < kMostRecycled && goes_on; ++tries) {
+        goes_on = make_room(job.bytes, tries > 0);
         error = write(open, job.chunk);
+    }
     return error;
 }
 
+/* Ample room, or where that cannot be had as much as is needed now. */
 bool DiskWriter::State::make_room(uint64_t bytes, bool in_vain)
 {
-    if (!options.free_space || is_abandoned()) return false;
-    return timed([&] { return options.free_space(std::max(bytes, kLeastRoom_bytes), in_vain); });
+    if (!options.free_space) return false;
+    for (const uint64_t wanted : {std::max(bytes, kAmpleRoom_bytes), std::max(bytes, kNameRoom_bytes)}) {
+        if (is_abandoned()) return false;
+        if (timed([&] { return options.free_space(wanted, in_vain); })) return true;
+        if (wanted == bytes) return false;
+    }
+    return false;
 }
 
 int DiskWriter::State::write(const Open &open, const FileChunk &chunk)
@@ -95,7 +109,8 @@ void DiskWriter::State::give_up(Open &open, int error, const std::string &proble
     open.file->give_up({is_full(error) ? OutputTrouble::kFull
                         : gone         ? OutputTrouble::kGone
                                        : OutputTrouble::kRefused,
-                        open.path, reason});
+                        open.path, reason, open.written.until_us});
+    if (!gone) unwell();
     set_trouble(is_full(error) ? DiskState::kFull : DiskState::kFailing,
                 is_full(error) ? "the disk is full" : reason);
     tell(options.on_news);
@@ -124,7 +139,8 @@ void DiskWriter::State::let_go(Open &open)
     if (open.descriptor >= 0) {
         const int error = timed([&] { return options.files->close(open.descriptor); });
         if (error != 0 && before == OutputTrouble::kNone) {
-            file.give_up({OutputTrouble::kRefused, open.path, not_on_the_disk(error)});
+            file.give_up({OutputTrouble::kRefused, open.path, not_on_the_disk(error), open.written.until_us});
+            unwell();
             set_trouble(DiskState::kFailing, std::strerror(error));
         }
         const bool is_kept = open.written.pictures > 0;
@@ -178,7 +194,8 @@ int DiskWriter::State::sync(Open &open)
         sync_failed_ = true;
         fall_back(open, open.synced);
         timed([&] { return files.truncate(open.descriptor, open.written.size); });
-        if (is_full(error)) make_room(0, true); /* over a network a full disk may say so only here */
+        if (is_full(error))
+            make_room(kNameRoom_bytes, true); /* over a network a full disk may say so only here */
         return error;
     }
     open.synced = open.written;

@@ -16,6 +16,10 @@ namespace nvrec
 
 constexpr auto kSyncPeriod = std::chrono::seconds(1);
 
+/* That a disk in trouble has to take what comes before it counts as well: a full one takes the head of a
+ * file now and then, and a second's pictures where a file was cut back. */
+constexpr auto kWellAfter = std::chrono::seconds(5);
+
 struct DiskWriter::State {
     struct Job {
         std::shared_ptr<OutputFile> file;
@@ -55,6 +59,8 @@ struct DiskWriter::State {
     uint64_t calls = 0;                          /* that came back                    */
     DiskState trouble = DiskState::kGood;        /* beside a hanging call             */
     Clock::time_point trouble_since;
+    std::optional<Clock::time_point> unwell_since; /* it refused something, and has not been well since */
+    uint64_t recoveries = 0;
     std::string trouble_text, directory_trouble;
     std::vector<std::string> lines;
 
@@ -89,6 +95,8 @@ private:
     int sync_names();
     Open *find(const OutputFile &file);
     void set_trouble(DiskState state, const std::string &text);
+    void unwell();
+    void took_some();
     void say(const std::string &line);
     void began_call();
     void ended_call();
@@ -116,6 +124,7 @@ private:
     int directory_ = -1;       /* held for this process              */
     bool is_held_ = false;     /* by it, or by who was asked to do so */
     bool sync_failed_ = false; /* the last one: that a file takes bytes means nothing then */
+    std::optional<Clock::time_point> takes_since_; /* all that came, while unwell_since */
 };
 
 } // namespace nvrec

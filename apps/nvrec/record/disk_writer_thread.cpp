@@ -13,6 +13,13 @@ namespace
 
 constexpr const char *kTaken = "another recorder records into it";
 
+/* "10.0 s" */
+std::string seconds_text(Clock::duration time)
+{
+    const auto tenths = std::chrono::duration_cast<std::chrono::milliseconds>(time).count() / 100;
+    return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10) + " s";
+}
+
 } // namespace
 
 void DiskWriter::State::add(Job job)
@@ -36,9 +43,7 @@ void DiskWriter::State::ended_call()
     call_began.reset();
     ++calls;
     if (took < kDiskHangsAfter) return;
-    const auto tenths = std::chrono::duration_cast<std::chrono::milliseconds>(took).count() / 100;
-    lines.push_back("the disk answers again, after " + std::to_string(tenths / 10) + "." +
-                    std::to_string(tenths % 10) + " s");
+    lines.push_back("the disk answers again, after " + seconds_text(took));
 }
 
 bool DiskWriter::State::is_abandoned() const
@@ -61,11 +66,43 @@ void DiskWriter::State::set_trouble(DiskState state, const std::string &text)
     {
         const std::scoped_lock guard(lock);
         if (trouble == state && trouble_text == text) return;
-        if (trouble != state) trouble_since = Clock::now();
+        if (trouble != state) trouble_since = unwell_since.value_or(Clock::now());
         trouble = state;
         trouble_text = text;
     }
     tell(options.on_news);
+}
+
+/* It refuses what recordings bring. */
+void DiskWriter::State::unwell()
+{
+    takes_since_.reset();
+    const std::scoped_lock guard(lock);
+    if (!unwell_since) unwell_since = Clock::now();
+}
+
+/* It took what a recording brought. */
+void DiskWriter::State::took_some()
+{
+    if (sync_failed_) return;
+    const Clock::time_point now = Clock::now();
+    bool was_full = false;
+    std::optional<Clock::duration> refused;
+    {
+        const std::scoped_lock guard(lock);
+        was_full = trouble == DiskState::kFull;
+        if (unwell_since) {
+            if (!takes_since_) takes_since_ = now;
+            if (now - *takes_since_ >= kWellAfter) {
+                refused = *takes_since_ - *unwell_since;
+                unwell_since.reset();
+                takes_since_.reset();
+                ++recoveries;
+            }
+        }
+    }
+    if (refused) say("the disk takes recordings again, after " + seconds_text(*refused));
+    if (refused || !was_full) set_trouble(DiskState::kGood, "");
 }
 
 void DiskWriter::State::run()
@@ -113,6 +150,7 @@ void DiskWriter::State::prepare()
         const std::scoped_lock guard(lock);
         directory_trouble = problem;
     }
+    unwell();
     set_trouble(DiskState::kFailing, problem);
     say("nothing is recorded: " + options.directory + ": " + problem);
 }
@@ -182,7 +220,7 @@ void DiskWriter::State::append(Job &job)
     tally.pictures += job.chunk.pictures;
     tally.sounds += job.chunk.sounds;
     tally.bytes += static_cast<uint64_t>(written.size - before);
-    if (!sync_failed_) set_trouble(DiskState::kGood, "");
+    took_some();
     tell(options.events.grown, open->path, job.until_us, static_cast<uint64_t>(written.size));
 }
 

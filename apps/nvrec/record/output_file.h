@@ -80,6 +80,7 @@ public:
     struct Trouble {
         OutputTrouble kind = OutputTrouble::kNone;
         std::string path, reason;
+        int64_t until_us = 0; /* time of day up to which it holds something; 0 = nothing */
     };
     Trouble trouble() const
     {

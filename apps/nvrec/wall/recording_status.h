@@ -48,7 +48,7 @@ enum class DiskState {
 /** The disk below the recordings' directory. */
 struct DiskStatus {
     DiskState state = DiskState::kGood;
-    double since_s = 0;        /* how long it has been so                     */
+    double since_s = 0;        /* how long, over all tries meanwhile          */
     uint64_t queued_bytes = 0; /* that wait for it                             */
     uint64_t queue_limit_bytes = 0;
     std::string trouble; /* what to show to the user; empty = none        */
