@@ -33,6 +33,13 @@ target_compile_definitions(nvrec_record_disk_test PRIVATE NVREC_CLIPS="${nvrec_r
   NVREC_SERVICE_UNIT="${PROJECT_SOURCE_DIR}/apps/nvrec/service/nvrec.service.in")
 add_dependencies(nvrec_record_disk_test nvrec_record_clips)
 
+nvrhal_test(nvrec_record_gap_test
+  ${CMAKE_CURRENT_SOURCE_DIR}/record_gap_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/record_gap_units_test.cpp
+  LIBS nvrec_record_files nvrec_pieces vboard LABEL nvrec TIMEOUT 60)
+target_compile_definitions(nvrec_record_gap_test PRIVATE NVREC_CLIPS="${nvrec_record_clips}")
+add_dependencies(nvrec_record_gap_test nvrec_record_clips)
+
 nvrhal_test(nvrec_record_test
   ${CMAKE_CURRENT_SOURCE_DIR}/record_faults_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/record_test.cpp

@@ -227,6 +227,11 @@ int64_t wall_now_us()
     return std::chrono::duration_cast<std::chrono::microseconds>(wall_time().time_since_epoch()).count();
 }
 
+int64_t wall_ahead_us()
+{
+    return wall_now_us() - Clock::now().time_since_epoch().count();
+}
+
 std::optional<int64_t> read_time(std::string_view text, int64_t now_us, std::string *problem,
                                  std::optional<int64_t> from_us)
 {

@@ -37,6 +37,9 @@ std::optional<int64_t> read_time(std::string_view text, int64_t now_us, std::str
 /** Now, by the recorder's clock, in microseconds since 1970. */
 int64_t wall_now_us();
 
+/** How far the recorder's clock is ahead of the monotonic one: what changes when it is set. */
+int64_t wall_ahead_us();
+
 /** "2026-11-21 14:05:00 +0100", local; read_time() reads it. */
 std::string time_text(int64_t wall_us);
 

@@ -9,7 +9,14 @@ namespace nvrec
 void EventSpan::begin(double after_s)
 {
     const auto after = std::chrono::microseconds(static_cast<int64_t>(after_s * 1e6));
-    until_ = (Clock::now() + after).time_since_epoch().count();
+    const Clock::time_point now = Clock::now();
+    if (now.time_since_epoch().count() > until_) began_ = now.time_since_epoch().count();
+    until_ = (now + after).time_since_epoch().count();
+}
+
+bool EventSpan::had_begun(int64_t monotonic_us) const
+{
+    return until_ != kNone && began_ <= monotonic_us;
 }
 
 /* While the event lasts every picture belongs to it, even when the clock was set back meanwhile. */

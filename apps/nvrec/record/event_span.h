@@ -26,9 +26,14 @@ public:
      * event. */
     bool holds(int64_t wall_us) const;
 
+    /** Whether the last event, with those before it that reached up to it, had begun by a monotonic time,
+     * microseconds. */
+    bool had_begun(int64_t monotonic_us) const;
+
 private:
     static constexpr Clock::rep kNone = INT64_MIN;
     std::atomic<Clock::rep> until_ = kNone; /* ticks of the clock */
+    std::atomic<Clock::rep> began_ = kNone; /* likewise           */
 };
 
 } // namespace nvrec

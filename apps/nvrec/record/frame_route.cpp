@@ -37,6 +37,8 @@ int32_t FrameRoute::put(const AccessUnit &unit, const StreamFacts &facts, int64_
     frame.dts_us = unit.due_us;
     frame.taken_at_us = wall_us != 0 ? wall_us : wall_now_us();
     frame.facts = facts;
+    frame.arrived_us = Clock::now().time_since_epoch().count();
+    frame.clock_ahead_us = wall_ahead_us();
     return queue_.put(std::move(frame));
 }
 

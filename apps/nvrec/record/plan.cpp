@@ -32,4 +32,23 @@ bool is_planned(const RecordingPlan &plan, int64_t wall_us)
     });
 }
 
+std::vector<std::pair<int64_t, int64_t>> planned_within(const RecordingPlan &plan, int64_t from_us,
+                                                        int64_t to_us)
+{
+    constexpr int64_t kMinute_us = 60'000'000;
+    std::vector<std::pair<int64_t, int64_t>> spans;
+    for (int64_t at_us = from_us; at_us < to_us;) {
+        const int64_t next_us = std::min(to_us, (at_us / kMinute_us + 1) * kMinute_us);
+        if (!is_planned(plan, at_us)) {
+            /* nothing of this minute */
+        } else if (!spans.empty() && spans.back().second == at_us) {
+            spans.back().second = next_us;
+        } else {
+            spans.emplace_back(at_us, next_us);
+        }
+        at_us = next_us;
+    }
+    return spans;
+}
+
 } // namespace nvrec

@@ -14,6 +14,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace nvrec
@@ -49,5 +50,9 @@ constexpr double kLongestAfter_s = 3600;
  * Whether a time of day lies within the plan's hours. Always true for kAlways, never for kEvent and kNever.
  */
 bool is_planned(const RecordingPlan &plan, int64_t wall_us);
+
+/** What of a time of day lies within the plan's hours, to the minute: from and to, in order. */
+std::vector<std::pair<int64_t, int64_t>> planned_within(const RecordingPlan &plan, int64_t from_us,
+                                                        int64_t to_us);
 
 } // namespace nvrec

@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "archive/time_of_day.h"
+
 namespace nvrec
 {
 namespace
@@ -80,6 +82,7 @@ int32_t PoolReader::put(const SoundBlock &block)
 int32_t PoolReader::store(const FrameMetadata &metadata, FrameInfo *frame)
 {
     frame->pts = static_cast<uint64_t>(metadata.pts_us);
+    const int64_t arrived_us = Clock::now().time_since_epoch().count(), clock_ahead_us = wall_ahead_us();
     {
         /* Before the pool has it: the reader may be faster than the rest of this function. */
         const std::scoped_lock guard(lock_);
@@ -88,6 +91,8 @@ int32_t PoolReader::store(const FrameMetadata &metadata, FrameInfo *frame)
         metadata_.back().after_refused = std::exchange(refused_last_, false);
         metadata_.back().length_bytes = frame->length;
         metadata_.back().stamp = static_cast<uint32_t>(metadata.pts_us);
+        metadata_.back().arrived_us = arrived_us;
+        metadata_.back().clock_ahead_us = clock_ahead_us;
         waiting_bytes_ += frame->length;
     }
     int32_t result = 0;
@@ -176,6 +181,8 @@ bool PoolReader::take(PoolFrame *frame)
         frame->dts_us = metadata.dts_us;
         frame->taken_at_us = metadata.wall_us != 0 ? metadata.wall_us : fetched.taken_at_us;
         frame->facts = metadata.facts;
+        frame->arrived_us = metadata.arrived_us;
+        frame->clock_ahead_us = metadata.clock_ahead_us;
         return true;
     }
     return false;

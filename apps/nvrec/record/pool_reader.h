@@ -70,6 +70,10 @@ struct PoolFrame {
     int64_t taken_at_us = 0; /* time of day, microseconds since 1970              */
     StreamFacts facts;
 
+    /* As it was put: */
+    int64_t arrived_us = 0;     /* monotonic                                   */
+    int64_t clock_ahead_us = 0; /* of that clock, the recorder's time of day   */
+
     /* Of sound that is kept as the camera sent it. */
     std::shared_ptr<const SoundFormat> sound;
     int64_t duration_us = 0;
@@ -107,6 +111,7 @@ private:
         int64_t pts_us = 0, dts_us = 0;
         int64_t wall_us = 0; /* 0 = when it was put */
         StreamFacts facts;
+        int64_t arrived_us = 0, clock_ahead_us = 0; /* as PoolFrame has them */
     };
     struct Fetched {
         const uint8_t *bytes;

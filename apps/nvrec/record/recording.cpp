@@ -224,6 +224,7 @@ void Recording::forget_camera()
     held_.clear();
     write_sound(INT64_MAX);
     end_file();
+    outages_.forget();
     early_sound_.clear();
     sent_sound_ = nullptr;
     sent_taken_ = alaw_taken_ = 0;
@@ -234,7 +235,10 @@ void Recording::forget_camera()
 void Recording::catch_up()
 {
     const bool may_end = !goes_by_events() || is_silent(); /* there, a key frame ends it */
-    if (output_ && may_end && !is_wanted(wall_now_us())) end_file();
+    if (may_end && !is_wanted(wall_now_us())) {
+        end_file();
+        outages_.forget();
+    }
     if (!waiting_for_sound_ && wants_held()) let_held_go();
 }
 
@@ -259,7 +263,10 @@ void Recording::handle(PoolFrame frame)
         write_picture(frame);
         return;
     }
-    if (!waits) end_file();
+    if (!waits) {
+        end_file();
+        outages_.forget();
+    }
     if (!waits && !goes_by_events()) {
         held_.clear();
         early_sound_.clear();

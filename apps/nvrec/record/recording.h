@@ -33,6 +33,7 @@
 #include "record/event_span.h"
 #include "record/frame_route.h"
 #include "record/held_frames.h"
+#include "record/outages.h"
 #include "record/parameter_sets.h"
 #include "record/plan.h"
 #include "record/segment.h"
@@ -57,7 +58,8 @@ class Recording
 {
 public:
     using ErrorHandler = std::function<void(const std::string &line)>;
-    /** Told of a span of time inside a file of which nothing is kept. Called on the recording's thread. */
+    /** Told of a span of time inside a file or between two files of which nothing is kept, though recording
+     * was wanted. Called on the recording's thread, and from settle(). */
     using GapHandler = std::function<void(int64_t from_us, int64_t to_us, const std::string &why)>;
 
     /**
@@ -128,7 +130,9 @@ private:
     void pass_output();
     void look_for_trouble();
     void note_trouble(const std::string &path, const std::string &reason);
-    void fail(const std::string &path, const std::string &reason);
+    void fail(const OutputFile::Trouble &trouble);
+    void fail_container();
+    void tell_gap(const Outages::Gap &gap, bool inside);
     void take_sound();
     void write_sound(int64_t until_us);
     bool write_block(const PoolFrame &block);
@@ -165,13 +169,18 @@ private:
 
     /* The recording's thread only; read by others after finish(). */
     ContainerFile file_;
-    std::shared_ptr<OutputFile> output_;             /* of the open file */
-    Segment segment_;                                /* likewise         */
-    std::vector<std::shared_ptr<OutputFile>> ended_; /* and not closed yet, as far as is known */
+    std::shared_ptr<OutputFile> output_; /* of the open file */
+    Segment segment_;                    /* likewise         */
+    struct Ended {
+        std::shared_ptr<OutputFile> output;
+        int64_t until_us = 0; /* time of day of its last picture */
+    };
+    std::vector<Ended> ended_; /* and not closed yet, as far as is known */
     std::vector<uint8_t> parameter_sets_;
     bool waits_for_key_ = true, sound_is_known_ = false, waiting_for_sound_ = false;
-    bool failing_ = false;        /* nothing was written since the last trouble */
-    int64_t last_wall_us_ = 0;    /* of the last frame in the open file            */
+    bool failing_ = false; /* nothing was written since the last trouble */
+    Outages outages_;
+    int64_t last_place_us_ = 0;   /* of the last picture in the open file, by its own times */
     int64_t clock_offset_us_ = 0; /* time of day less monotonic time, as it began  */
     Clock::time_point try_again_at_ = Clock::time_point::min();
     Clock::time_point trouble_at_; /* when the last one was */
@@ -186,6 +195,7 @@ private:
     std::string camera_;  /* its name, which stands in the files; may be empty */
     std::string trouble_; /* the last one: path and reason */
     std::string said_reason_;
+    uint64_t recoveries_said_ = 0;             /* the disk writer's, as it was said */
     std::shared_ptr<OutputFile> shown_output_; /* for status() */
 };
 

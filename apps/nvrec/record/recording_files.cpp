@@ -12,15 +12,21 @@ namespace
 {
 
 constexpr auto kRetry = std::chrono::seconds(10);
-constexpr int64_t kClockJump_us = 2'000'000; /* of the time of day against the monotonic clock */
-constexpr int64_t kGap_us = 2'000'000;       /* more without a picture is told to the index        */
 constexpr auto kWellAgain = std::chrono::minutes(1);
 constexpr size_t kMostEarlySound = 3000;
 
-/* How far the time of day is ahead of the monotonic clock; it changes when the clock is set. */
-int64_t clock_offset_us()
+/* The reason that is entered with a gap. */
+std::string reason_of(const OutputFile::Trouble &trouble)
 {
-    return wall_now_us() - Clock::now().time_since_epoch().count();
+    if (trouble.kind == OutputTrouble::kFull) return "the disk is full";
+    if (trouble.kind == OutputTrouble::kGone) return "the file was deleted";
+    return "the disk: " + trouble.reason;
+}
+
+/* What a file in trouble holds; one that holds nothing is as if it had never been begun. */
+int64_t held_until_us(const OutputFile &output, const OutputFile::Trouble &trouble)
+{
+    return std::max(trouble.until_us, output.from_us);
 }
 
 } // namespace
@@ -28,13 +34,18 @@ int64_t clock_offset_us()
 void Recording::write_picture(const PoolFrame &frame)
 {
     look_for_trouble();
-    if (frame.after_gap) waits_for_key_ = true;
+    if (frame.after_gap) {
+        waits_for_key_ = true;
+        outages_.lost();
+    }
+    bool begins = false;
     if (frame.key) {
         std::vector<uint8_t> sets = parameter_sets_of(frame.bytes, frame.facts.codec);
         if (!sets.empty()) parameter_sets_ = std::move(sets); /* not every key frame repeats them */
         const TrackFacts facts = {frame.facts, parameter_sets_, sound_of(frame.facts)};
         waits_for_key_ = false;
-        if (needs_file(frame, facts)) begin_file(frame, facts);
+        begins = needs_file(frame, facts);
+        if (begins) begin_file(frame, facts);
     }
     if (waits_for_key_ || !file_.is_open()) {
         ++passed_over_;
@@ -43,14 +54,28 @@ void Recording::write_picture(const PoolFrame &frame)
     write_sound(frame.dts_us);
     if (!file_.is_open()) return;
     if (!file_.write_video(frame.bytes, frame.pts_us, frame.dts_us, frame.key)) {
-        fail(intended_path(*output_), file_.error());
+        fail_container();
         return;
     }
-    if (on_gap_ && last_wall_us_ != 0 && frame.taken_at_us - last_wall_us_ > kGap_us)
-        on_gap_(last_wall_us_, frame.taken_at_us, frame.after_gap ? "lost" : "no video");
-    last_wall_us_ = frame.taken_at_us;
+    last_place_us_ = output_->from_us + frame.dts_us - file_.origin_us();
+    if (const auto gap = outages_.note(frame, last_place_us_, begins)) tell_gap(*gap, !begins);
     written_at_ = Clock::now().time_since_epoch().count();
     pass_output();
+}
+
+/* Between files, what the plan did not want is no gap. */
+void Recording::tell_gap(const Outages::Gap &gap, bool inside)
+{
+    if (!on_gap_) return;
+    const RecordingPlan now = plan();
+    if (inside || order_ == RecordOrder::kStart) {
+        on_gap_(gap.from_us, gap.to_us, gap.why);
+    } else if (now.mode == RecordingMode::kEvent) {
+        if (event_span_.had_begun(gap.since_us)) on_gap_(gap.from_us, gap.to_us, gap.why);
+    } else {
+        for (const auto &[from_us, to_us] : planned_within(now, gap.from_us, gap.to_us))
+            if (to_us - from_us > kGap_us) on_gap_(from_us, to_us, gap.why);
+    }
 }
 
 std::shared_ptr<const SoundFormat> Recording::sound_of(const StreamFacts &facts) const
@@ -64,7 +89,7 @@ bool Recording::needs_file(const PoolFrame &frame, const TrackFacts &facts) cons
 {
     if (!file_.is_open()) return Clock::now() >= try_again_at_;
     return anew_ || segment_of(frame.taken_at_us, options_.segment_s) != segment_ ||
-           !(facts == file_.facts()) || std::abs(clock_offset_us() - clock_offset_us_) > kClockJump_us;
+           !(facts == file_.facts()) || std::abs(wall_ahead_us() - clock_offset_us_) > kClockJump_us;
 }
 
 /* The disk writer chooses another one where it is taken. */
@@ -77,7 +102,7 @@ void Recording::begin_file(const PoolFrame &frame, const TrackFacts &facts)
 {
     write_sound(frame.dts_us); /* what belongs to the file before it */
     end_file();
-    anew_ = false;
+    if (anew_.exchange(false)) outages_.forget();
     if (facts.parameter_sets.empty()) return; /* nobody could play it */
     auto output = std::make_shared<OutputFile>();
     output->channel = channel_;
@@ -88,12 +113,12 @@ void Recording::begin_file(const PoolFrame &frame, const TrackFacts &facts)
     output->tally = tally_;
     output->given_up = event_;
     if (!file_.open(options_.container, facts, frame.dts_us, {camera(), frame.taken_at_us})) {
-        fail(intended_path(*output), file_.error());
+        fail({OutputTrouble::kRefused, intended_path(*output), file_.error(), 0});
         return;
     }
     segment_ = segment_of(frame.taken_at_us, options_.segment_s);
-    last_wall_us_ = 0;
-    clock_offset_us_ = clock_offset_us();
+    last_place_us_ = frame.taken_at_us;
+    clock_offset_us_ = wall_ahead_us();
     output_ = output;
     pass_output(); /* a directory that takes no file is known at once */
     const std::scoped_lock guard(lock_);
@@ -115,11 +140,11 @@ void Recording::end_file()
     if (file_.is_open()) {
         const bool ended = file_.close();
         pass_output();
-        if (!ended) fail(intended_path(*output_), file_.error());
+        if (!ended) fail_container();
     }
     if (!output_) return;
     writer_.end(output_);
-    ended_.push_back(std::move(output_));
+    ended_.push_back({std::move(output_), last_place_us_});
     output_.reset();
 }
 
@@ -128,13 +153,16 @@ void Recording::look_for_trouble()
 {
     if (output_) {
         const OutputFile::Trouble trouble = output_->trouble();
-        if (trouble.kind != OutputTrouble::kNone) fail(trouble.path, trouble.reason);
+        if (trouble.kind != OutputTrouble::kNone) fail(trouble);
     }
-    std::erase_if(ended_, [this](const std::shared_ptr<OutputFile> &output) {
-        const bool closed = output->closed; /* read first: once it is set, the trouble is final */
-        const OutputFile::Trouble trouble = output->trouble();
+    std::erase_if(ended_, [this](const Ended &ended) {
+        const bool closed = ended.output->closed; /* read first: once it is set, the trouble is final */
+        const OutputFile::Trouble trouble = ended.output->trouble();
         if (trouble.kind == OutputTrouble::kNone) return closed;
         note_trouble(trouble.path, trouble.reason);
+        const int64_t from_us = held_until_us(*ended.output, trouble);
+        if (on_gap_ && ended.until_us - from_us > kGap_us)
+            on_gap_(from_us, ended.until_us, reason_of(trouble));
         return true;
     });
 }
@@ -144,14 +172,17 @@ void Recording::settle()
     look_for_trouble();
 }
 
-/* A reason is reported once, not at each try. */
+/* A reason is reported once, not at each try, until the disk takes recordings again. */
 void Recording::note_trouble(const std::string &path, const std::string &reason)
 {
     const std::string line = path + ": " + reason;
     bool is_new = false;
     {
         const std::scoped_lock guard(lock_);
-        is_new = std::exchange(said_reason_, reason) != reason;
+        const uint64_t recoveries = writer_.recoveries(); /* said as well: what comes then is new */
+        is_new = said_reason_ != reason || recoveries_said_ != recoveries;
+        said_reason_ = reason;
+        recoveries_said_ = recoveries;
         trouble_ = line;
     }
     failing_ = true;
@@ -161,13 +192,22 @@ void Recording::note_trouble(const std::string &path, const std::string &reason)
 }
 
 /* Give up the open file, which cannot be written. */
-void Recording::fail(const std::string &path, const std::string &reason)
+void Recording::fail(const OutputFile::Trouble &trouble)
 {
     try_again_at_ = Clock::now() + kRetry; /* set before on_error_ is called, which may ask for it */
-    note_trouble(path, reason);
+    note_trouble(trouble.path, trouble.reason);
     file_.discard();
-    if (output_) writer_.end(output_);
+    if (output_) {
+        writer_.end(output_);
+        outages_.fell_back(held_until_us(*output_, trouble), reason_of(trouble));
+    }
     output_.reset();
+}
+
+/* libavformat cannot go on; what it has made so far is written. */
+void Recording::fail_container()
+{
+    fail({OutputTrouble::kRefused, intended_path(*output_), file_.error(), last_place_us_});
 }
 
 void Recording::take_sound()
@@ -206,7 +246,7 @@ bool Recording::write_block(const PoolFrame &block)
     const SoundFormat &wanted = block.sound ? *block.sound : *pool_sound_format();
     if (!(wanted == *file_.facts().sound)) return false; /* the next file has a place for it */
     if (!file_.write_sound(block.bytes, block.pts_us, block.duration_us)) {
-        fail(intended_path(*output_), file_.error());
+        fail_container();
         return false;
     }
     pass_output();
