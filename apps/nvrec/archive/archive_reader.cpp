@@ -132,8 +132,9 @@ Place find_place(Index &index, const IndexQuery &query, int64_t at_us)
             std::ranges::find_if(gaps, [&segment](const GapRow &gap) { return is_within(gap, segment); });
         return hole == gaps.end() ? nullptr : &*hole;
     };
-    /* The last file that began by then; one before it counts where that one holds nothing of the time: it
-     * reaches further, because the clock was set back behind it or it is of another camera of that name. */
+    /* The last file that began by then. When it holds nothing of that time, an earlier file may: it lasts
+     * longer, because the clock was set back after it, or because it belongs to another camera of the same
+     * name. */
     place.before = index.segment_before(query, at_us + 1);
     const auto covers = [at_us](const SegmentRow &segment) { return segment.to_us > at_us; };
     if (place.before && (!covers(*place.before) || hole_in(*place.before)) &&
@@ -154,7 +155,7 @@ Place find_place(Index &index, const IndexQuery &query, int64_t at_us)
     }
     if (!hole && !gaps.empty()) hole = &gaps.front();
     if (hole) place.gap = *hole;
-    if (hole && place.before && covers(*place.before)) { /* it holds what lies on either side */
+    if (hole && place.before && covers(*place.before)) { /* the file holds what lies on both sides */
         place.after = place.before;
         place.before->to_us = hole->from_us;
         place.after->from_us = hole->to_us;

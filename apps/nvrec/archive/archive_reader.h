@@ -47,8 +47,8 @@ struct Place {
     std::optional<SegmentRow> segment; /* that holds it; nothing = it is not recorded    */
     int64_t offset_us = 0;             /* from that file's first picture on              */
     std::optional<GapRow> gap;         /* what is known of a time that is not recorded   */
-    std::optional<SegmentRow> before;  /* not recorded: what lies nearest on either side, of a
-                                          file with a hole what it holds on that side     */
+    std::optional<SegmentRow> before;  /* not recorded: the nearest file on either side, and for a gap
+                                          inside a file its part on that side              */
     std::optional<SegmentRow> after;
 };
 Place find_place(Index &index, const IndexQuery &query, int64_t at_us);

@@ -224,7 +224,7 @@ bool Index::put_gap(const GapRow &row)
 {
     const int64_t camera = camera_number(row.channel, row.camera);
     if (camera == 0) return false;
-    /* A hole in a file ends where that file goes on. */
+    /* A gap inside a file ends in that file, and is not made longer. */
     Statement prolong(database_.handle(),
                       "UPDATE OR REPLACE gaps SET to_us = ?4 WHERE camera = ?1 AND stream = ?2 AND why = ?5"
                       " AND from_us <= ?3 AND to_us IN (?3, ?4) AND NOT EXISTS (SELECT 1 FROM segments WHERE"

@@ -89,8 +89,8 @@ struct PinRow {
 };
 
 /**
- * Whether a gap is a hole in a file. What a file covers is recorded but for these: a gap between files says
- * nothing of another file, which a clock that was set may have put into the same time.
+ * Whether a gap lies inside a file. Only then is a time that the file covers not recorded. A gap between two
+ * files says nothing about a third one, which may cover the same time because the clock was set.
  */
 bool is_within(const GapRow &gap, const SegmentRow &segment);
 
@@ -167,7 +167,7 @@ public:
     bool put_segment(const SegmentRow &row);
     bool grow_segment(const std::string &path, int64_t to_us, int64_t bytes, bool finished);
     bool remove_segment(const std::string &path);
-    /** One that goes on where another ended, for the same reason, makes that one longer. */
+    /** A gap that begins where another one ends, for the same reason, is added to that one. */
     bool put_gap(const GapRow &row);
     /**
      * Delete gaps and events from before a time, except those that lie in a recording or a pin of their

@@ -166,7 +166,7 @@ std::vector<TimeSpan> Index::recorded(const IndexQuery &query, int64_t joined_us
         }
         if (from_us < segment.to_us || from_us == segment.from_us) pieces.push_back({from_us, segment.to_us});
     }
-    /* What one file holds fills a hole of another one that was written by another time of day. */
+    /* A file may cover a gap inside another file, when the clock was set between them. */
     std::ranges::sort(pieces, {}, &TimeSpan::from_us);
     std::vector<TimeSpan> spans;
     for (const TimeSpan &piece : pieces) {

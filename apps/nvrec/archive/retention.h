@@ -57,7 +57,7 @@ public:
      */
     void apply(int64_t now_us, int most_files = 64);
 
-    /** Whether so many bytes can be free: what is, and what may be deleted. */
+    /** Whether so many bytes would be free if all was deleted that may be. */
     bool may_make_room(int64_t bytes);
 
     /**

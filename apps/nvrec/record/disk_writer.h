@@ -115,7 +115,7 @@ public:
     /** Why the directory could not be made or held; empty = it could. Known after the first chunk. */
     std::string directory_trouble() const;
 
-    /** How often it was in trouble and has come to take again what recordings bring. */
+    /** How often the disk took recordings again after it had refused them. */
     uint64_t recoveries() const;
 
     /** Lines for the user that came up since. */

@@ -71,7 +71,7 @@ int DiskWriter::State::write_with_room(Open &open, const Job &job)
     return error;
 }
 
-/* Ample room, or where that cannot be had as much as is needed now. */
+/* Ask for ample room, and when that cannot be made, for as much as is needed now. */
 bool DiskWriter::State::make_room(uint64_t bytes, bool in_vain)
 {
     if (!options.free_space) return false;

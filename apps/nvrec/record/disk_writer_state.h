@@ -16,8 +16,8 @@ namespace nvrec
 
 constexpr auto kSyncPeriod = std::chrono::seconds(1);
 
-/* That a disk in trouble has to take what comes before it counts as well: a full one takes the head of a
- * file now and then, and a second's pictures where a file was cut back. */
+/* For so long a disk in trouble has to take all data before the trouble counts as over. A full disk takes the
+ * head of a new file now and then, and a second of pictures where another file was cut back. */
 constexpr auto kWellAfter = std::chrono::seconds(5);
 
 struct DiskWriter::State {
@@ -59,7 +59,7 @@ struct DiskWriter::State {
     uint64_t calls = 0;                          /* that came back                    */
     DiskState trouble = DiskState::kGood;        /* beside a hanging call             */
     Clock::time_point trouble_since;
-    std::optional<Clock::time_point> unwell_since; /* it refused something, and has not been well since */
+    std::optional<Clock::time_point> unwell_since; /* when it began to refuse data; unset = no trouble */
     uint64_t recoveries = 0;
     std::string trouble_text, directory_trouble;
     std::vector<std::string> lines;
@@ -124,7 +124,7 @@ private:
     int directory_ = -1;       /* held for this process              */
     bool is_held_ = false;     /* by it, or by who was asked to do so */
     bool sync_failed_ = false; /* the last one: that a file takes bytes means nothing then */
-    std::optional<Clock::time_point> takes_since_; /* all that came, while unwell_since */
+    std::optional<Clock::time_point> takes_since_; /* all data, while unwell_since is set */
 };
 
 } // namespace nvrec

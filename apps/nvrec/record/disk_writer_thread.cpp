@@ -73,7 +73,7 @@ void DiskWriter::State::set_trouble(DiskState state, const std::string &text)
     tell(options.on_news);
 }
 
-/* It refuses what recordings bring. */
+/* The disk has refused data of a recording. */
 void DiskWriter::State::unwell()
 {
     takes_since_.reset();
@@ -81,7 +81,7 @@ void DiskWriter::State::unwell()
     if (!unwell_since) unwell_since = Clock::now();
 }
 
-/* It took what a recording brought. */
+/* The disk has taken data of a recording. */
 void DiskWriter::State::took_some()
 {
     if (sync_failed_) return;

@@ -13,13 +13,13 @@ std::optional<Outages::Gap> Outages::note(const PoolFrame &frame, int64_t place_
     const std::optional<Last> last = std::exchange(last_, now);
     const std::string why = std::exchange(why_, "");
     if (!last) return std::nullopt;
-    /* Pictures that a network held up arrive late, all at once, with the times at which they were taken. */
+    /* Pictures that a network has delayed arrive late and all at once, but state when they were taken. */
     const int64_t silent_us = now.arrived_us - last->arrived_us;
     const bool clock_was_set = std::abs(now.clock_ahead_us - last->clock_ahead_us) > kClockJump_us;
     const int64_t length_us = clock_was_set ? silent_us : now.taken_at_us - last->taken_at_us;
     if (silent_us <= kGap_us || length_us <= kGap_us) return std::nullopt;
 
-    /* When in it the clock was set is not known: all of it is by the clock that was. */
+    /* It is not known when in this time the clock was set; the gap is told by the clock as it was before. */
     int64_t to_us = last->place_us + length_us;
     if (begins ? !clock_was_set : place_us - last->place_us > kGap_us) to_us = place_us;
     if (to_us <= last->place_us) return std::nullopt;

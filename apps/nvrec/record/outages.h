@@ -1,9 +1,9 @@
 /*
- * outages.h - the times of which a recording keeps nothing though it was wanted: the camera sent nothing,
- * frames were lost, or the disk refused them; inside of a file and from one file to the next.
+ * outages.h - finds the times of which a recording keeps nothing although it was wanted: the camera sent
+ * nothing, frames were lost, or the disk refused them. Such a gap lies inside a file or between two files.
  *
- * That nothing came is judged by the monotonic clock: a recorder's clock that is set is no outage. A gap
- * is told as times of day, inside of a file by that file's own times, so that it is a hole in it.
+ * Whether nothing came is decided by the monotonic clock, so that setting the recorder's clock is no outage.
+ * A gap has times of day. Inside a file they are that file's own times, so that the gap lies inside it.
  *
  * Threads: one.
  */
@@ -41,10 +41,10 @@ public:
     /** Frames were lost since the last picture. */
     void lost();
 
-    /** The disk kept nothing of what lies behind that time of the last picture's file. */
+    /** The disk kept nothing of the last picture's file after that time of day, because of `why`. */
     void fell_back(int64_t until_us, const std::string &why);
 
-    /** From here on nothing is wanted, or it is of another camera: what comes next has no gap before it. */
+    /** Recording is not wanted any more, or another camera follows: the next picture has no gap before it. */
     void forget();
 
 private:

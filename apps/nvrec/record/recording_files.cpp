@@ -23,7 +23,7 @@ std::string reason_of(const OutputFile::Trouble &trouble)
     return "the disk: " + trouble.reason;
 }
 
-/* What a file in trouble holds; one that holds nothing is as if it had never been begun. */
+/* The time of day up to which a file in trouble holds something; its beginning when it holds nothing. */
 int64_t held_until_us(const OutputFile &output, const OutputFile::Trouble &trouble)
 {
     return std::max(trouble.until_us, output.from_us);
@@ -63,7 +63,7 @@ void Recording::write_picture(const PoolFrame &frame)
     pass_output();
 }
 
-/* Between files, what the plan did not want is no gap. */
+/* Between two files, times that the plan did not want are no gap. */
 void Recording::tell_gap(const Outages::Gap &gap, bool inside)
 {
     if (!on_gap_) return;
@@ -204,7 +204,7 @@ void Recording::fail(const OutputFile::Trouble &trouble)
     output_.reset();
 }
 
-/* libavformat cannot go on; what it has made so far is written. */
+/* libavformat failed; what it has made so far is written. */
 void Recording::fail_container()
 {
     fail({OutputTrouble::kRefused, intended_path(*output_), file_.error(), last_place_us_});
