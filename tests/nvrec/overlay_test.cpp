@@ -15,6 +15,7 @@
 
 #include "overlay_board.h"
 #include "screen/qr_code.h"
+#include "wall/utf8.h"
 
 using namespace nvrec;
 using namespace nvrec_test;

@@ -1,12 +1,14 @@
 /* event_command.cpp - "nvrec event": tell a running recorder that something happened at a camera. */
 #include <cstdio>
 #include <memory>
+#include <utility>
 
 #include <CLI/CLI.hpp>
 
 #include "commands/command.h"
 #include "commands/control_request.h"
 #include "controls/control_requests.h"
+#include "wall/utf8.h"
 
 namespace nvrec
 {
@@ -19,6 +21,11 @@ struct EventOptions {
 
 int note_event(const EventOptions &options)
 {
+    for (const auto &[what, word] : {std::pair("camera", options.camera), std::pair("text", options.text)}) {
+        if (is_utf8(word)) continue;
+        std::fprintf(stderr, "nvrec: the %s is not in UTF-8: %s\n", what, valid_utf8(word).c_str());
+        return kExitUsage;
+    }
     const std::string request = "event " + request_word(options.camera) +
                                 (options.text.empty() ? "" : " " + request_word(options.text));
     if (request.size() > kLongestRequest_bytes) {

@@ -8,6 +8,7 @@
 #include "controls/board_state.h"
 #include "controls/key_names.h"
 #include "controls/keys.h"
+#include "wall/utf8.h"
 
 namespace nvrec
 {
@@ -110,6 +111,7 @@ bool ControlRequests::start(WallControl &wall)
 
 std::string ControlRequests::answer(const std::string &request)
 {
+    if (!is_utf8(request)) return "error: the request is not in UTF-8\n";
     const std::optional<Words> words = request_words(request);
     if (!words) return "error: a quote is not closed\n";
     if (words->empty()) return "error: an empty request\n";

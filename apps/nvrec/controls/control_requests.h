@@ -8,7 +8,7 @@
  *   event CAMERA [TEXT]       something happened at a camera
  *   reload                    take up a changed configuration
  *
- * A word with blanks stands in double quotes, in which \" and \\ are themselves.
+ * A request is UTF-8. A word with blanks stands in double quotes, in which \" and \\ are themselves.
  *
  * Threads: requests come on the socket's threads; those that need the wall are carried out in a turn of the
  * main thread, which is woken for it.

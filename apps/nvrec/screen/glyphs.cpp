@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "nvrhal.h"
+#include "wall/utf8.h"
 
 namespace nvrec
 {
@@ -19,11 +20,6 @@ const uint8_t *bytes_of(const std::string &text)
     return reinterpret_cast<const uint8_t *>(text.c_str());
 }
 
-struct Character {
-    size_t length = 0; /* bytes */
-    char32_t code = 0;
-};
-
 /* Two zero bytes when it is no GB2312. */
 std::vector<uint8_t> unicode_of_gb2312(const std::string &text)
 {
@@ -36,7 +32,7 @@ std::vector<uint8_t> unicode_of_gb2312(const std::string &text)
     return unicode;
 }
 
-std::string utf8_of(std::vector<uint8_t> unicode)
+std::string utf8_of_unicode(std::vector<uint8_t> unicode)
 {
     constexpr size_t kMostBytesAUnit = 3;
     const auto units = static_cast<size_t>(GetUnicodeLength(unicode.data())) / 2;
@@ -50,25 +46,6 @@ std::string traditional(const std::string &text)
     std::string converted(text.size(), '\0');
     SimplifiedToTraditionalUTF8(text.c_str(), converted.data());
     return converted;
-}
-
-/* A character's bytes and code point; length 0 = not well-formed. */
-Character character_at(const std::string &text, size_t at)
-{
-    const auto lead = static_cast<uint8_t>(text[at]);
-    if (lead < 0x80) return {1, lead};
-    const size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-    if (lead < 0xC2 || lead > 0xF4 || text.size() - at < length) return {};
-    auto code = static_cast<char32_t>(lead & (0xFF >> (length + 1)));
-    for (size_t i = 1; i < length; ++i) {
-        const auto next = static_cast<uint8_t>(text[at + i]);
-        if ((next & 0xC0) != 0x80) return {};
-        code = code << 6 | (next & 0x3F);
-    }
-    constexpr char32_t kFirstOfLength[] = {0, 0, 0x80, 0x800, kBeyondBasic};
-    if (code < kFirstOfLength[length] || code > 0x10FFFF) return {};
-    if (code >= 0xD800 && code < 0xE000) return {}; /* a surrogate is none */
-    return {length, code};
 }
 
 /* One or two units; control characters as blanks. */
@@ -85,28 +62,18 @@ void append(std::u16string &units, char32_t code)
 
 } // namespace
 
-bool is_utf8(const std::string &text)
-{
-    for (size_t at = 0; at < text.size();) {
-        const size_t length = character_at(text, at).length;
-        if (length == 0) return false;
-        at += length;
-    }
-    return true;
-}
-
 /* The library's tables have characters of the basic plane alone: each is converted by itself. */
 std::u16string units_of(const std::string &text, ChineseScript script)
 {
-    const std::string utf8 = is_utf8(text) ? text : utf8_of(unicode_of_gb2312(text));
+    const std::string utf8 = is_utf8(text) ? text : utf8_of_unicode(unicode_of_gb2312(text));
     std::u16string units;
     for (size_t at = 0; at < utf8.size();) {
-        Character character = character_at(utf8, at);
+        Utf8Character character = utf8_character_at(utf8, at);
         if (character.length == 0) return {};
         if (character.length == 3 && script == ChineseScript::kTraditional) {
             const std::string other = traditional(utf8.substr(at, character.length));
             if (is_utf8(other) && !other.empty() && other[0] != 0)
-                character.code = character_at(other, 0).code;
+                character.code = utf8_character_at(other, 0).code;
         }
         append(units, character.code);
         at += character.length;

@@ -12,9 +12,6 @@ namespace nvrec
 
 enum class ChineseScript { kAsTyped, kTraditional };
 
-/** Whether the bytes are well-formed UTF-8. */
-bool is_utf8(const std::string &text);
-
 /**
  * The text in UTF-16, control characters as blanks. Bytes that are not UTF-8 are taken for
  * GB2312. @return empty when they are neither.
