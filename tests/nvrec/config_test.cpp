@@ -149,7 +149,7 @@ size = 500
     EXPECT_EQ(places(reading), (Texts{"1 secret", "3 screen.layot", "4 screen.layout", "6 record.directory",
                                       "7 record.segment", "11 camera[1].transprt", "13 camera[2].name",
                                       "14 camera[2].main", "15 camera[2].record.hours",
-                                      "17 camera[2].record.before", "18 status.page", "21 retention.size"}))
+                                      "17 camera[2].record.before", "19 status.page", "21 retention.size"}))
         << all_text(reading);
     const std::string text = all_text(reading);
     EXPECT_NE(text.find(R"(did you mean "secrets"?)"), std::string::npos);
@@ -271,10 +271,44 @@ TEST(ExampleConfiguration, HasNoFault)
     const Reading reading = read_config(NVREC_EXAMPLE);
     for (const Fault &fault : reading.faults)
         ADD_FAILURE() << fault.shown();
-    EXPECT_EQ(reading.config.cameras.size(), 4u);
+    EXPECT_EQ(reading.config.cameras.size(), 3u);
     Process check({NVREC_PROGRAM, "check", NVREC_EXAMPLE});
     EXPECT_EQ(check.wait(), 0) << check.errors;
-    EXPECT_NE(check.output.find("no fault; 4 cameras"), std::string::npos) << check.output;
+    EXPECT_NE(check.output.find("no fault; 3 cameras"), std::string::npos) << check.output;
+}
+
+TEST_F(Configuration, APortIsANumberThatThereIs)
+{
+    for (const char *host : {"h:99999", "h:0", "h:", "h:55a", "[::1]:65536"})
+        EXPECT_EQ(
+            places(read("[[camera]]\nname = \"yard\"\nmain = \"rtsp://" + std::string(host) + "/x\"\n")),
+            Texts{"3 camera[1].main"})
+            << host;
+    for (const char *host : {"h", "h:554", "[::1]", "[::1]:65535"})
+        EXPECT_EQ(
+            places(read("[[camera]]\nname = \"yard\"\nmain = \"rtsp://" + std::string(host) + "/x\"\n")),
+            Texts{})
+            << host;
+}
+
+TEST_F(Configuration, APageThatNeedsATokenIsNamedWithItsLine)
+{
+    EXPECT_EQ(places(read(std::string("[status]\nqr = false\npage = \"192.0.2.1:9310\"\n") + kOneCamera)),
+              Texts{"3 status.page"});
+}
+
+TEST(CheckCommand, NamesAFileThatIsNotThere)
+{
+    ScratchDirectory scratch;
+    std::ofstream(scratch.file("one.toml")) << "[[camera]]\nname = \"yard\"\nmain = \"yard.mp4\"\n";
+    Process missing({NVREC_PROGRAM, "check", scratch.file("one.toml")});
+    EXPECT_EQ(missing.wait(), 2);
+    EXPECT_EQ(missing.errors, "nvrec: " + scratch.file("one.toml") + ":3: camera[1].main: there is no file " +
+                                  scratch.file("yard.mp4") + "\n");
+    std::ofstream(scratch.file("yard.mp4")) << "x";
+    Process there({NVREC_PROGRAM, "check", scratch.file("one.toml")});
+    EXPECT_EQ(there.wait(), 0) << there.errors;
+    EXPECT_NE(there.output.find("no fault; 1 camera\n"), std::string::npos) << there.output;
 }
 
 TEST(CheckCommand, EndsWithTwoAndNamesTheFaults)

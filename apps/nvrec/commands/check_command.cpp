@@ -14,12 +14,14 @@ namespace
 
 int check(const std::string &path)
 {
-    const config::Reading reading = config::read_config(path);
+    config::Reading reading = config::read_config(path);
+    if (reading.faults.empty()) reading.faults = config::missing_files(reading.config);
     if (!reading.faults.empty()) return print_faults(reading);
     const config::Config &config = reading.config;
     for (const config::Camera &camera : config.cameras)
         std::printf("%s\n", shown_camera(config, camera).c_str());
-    std::printf("%s: no fault; %zu cameras\n", path.c_str(), config.cameras.size());
+    const size_t count = config.cameras.size();
+    std::printf("%s: no fault; %zu camera%s\n", path.c_str(), count, count == 1 ? "" : "s");
     return kExitDone;
 }
 

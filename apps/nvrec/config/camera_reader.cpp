@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cctype>
+#include <charconv>
+#include <cstdint>
 
 #include "camera/address.h"
 #include "config/quantity.h"
@@ -63,6 +65,19 @@ bool has_control_character(const std::string &text)
     return std::ranges::any_of(text, [](unsigned char letter) { return letter < ' ' || letter == 0x7f; });
 }
 
+/* Behind the host, where there is a colon. */
+bool has_port(const std::string &address)
+{
+    const size_t begin = address.find("://") + 3;
+    const size_t end = std::min(address.find_first_of("/?#", begin), address.size());
+    const size_t host_end = address[begin] == '[' ? address.find(']', begin) : begin;
+    const size_t colon = address.find(':', std::min(host_end, end));
+    if (colon >= end) return true;
+    uint16_t port = 0;
+    const auto [rest, error] = std::from_chars(address.data() + colon + 1, address.data() + end, port);
+    return error == std::errc{} && rest == address.data() + end && port != 0;
+}
+
 /* Faults do not repeat an address, since a password may be in a part of it that is not searched. */
 void check_address(TableReader &table, std::string_view key, const std::string &address)
 {
@@ -72,6 +87,8 @@ void check_address(TableReader &table, std::string_view key, const std::string &
         table.fault(key, "cameras are reached at rtsp:// and rtsps:// addresses");
     } else if (begin >= address.size() || address[begin] == '/' || address[begin] == ':') {
         table.fault(key, "the address names no host");
+    } else if (!has_port(address)) {
+        table.fault(key, "the port has to be a number from 1 to 65535");
     } else if (address.find(' ') != std::string::npos) {
         table.fault(key, "there is a blank in the address");
     }
@@ -153,6 +170,7 @@ bool has_scheme(const std::string &address)
 bool read_camera(TableReader &table, Camera *camera)
 {
     camera->line = table.line();
+    if (const Value *main = table.find("main")) camera->main_line = main->line;
     table.text("name", &camera->name);
     if (!table.has("name")) table.fault("name", "a camera needs one");
     if (camera->name.size() > kLongestName)

@@ -53,9 +53,10 @@ struct Camera {
     bool sound = true;          /* is recorded with the pictures */
     bool loop = false;          /* a file is begun again at its end */
     Plan plan;
-    int line = 0; /* where the file speaks of it; tells nothing of the camera */
+    int line = 0;      /* where the file speaks of it; tells nothing of the camera */
+    int main_line = 0; /* likewise, of `main` */
 
-    /** Compares all members but the line. */
+    /** Compares all members but the lines. */
     bool same_as(const Camera &other) const;
 };
 

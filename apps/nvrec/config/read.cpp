@@ -66,7 +66,7 @@ private:
     const std::string path_;
     Config config_;
     Faults faults_;
-    int status_line_ = 0;
+    int page_line_ = 0, qr_line_ = 0;
     bool directory_given_ = false; /* rightly or wrongly */
     bool holds_password_ = false;  /* this file, not the secrets' */
 };
@@ -239,7 +239,9 @@ void Reader::control(TableReader table)
 void Reader::status(TableReader table)
 {
     Status &status = config_.status;
-    status_line_ = table.line();
+    const Value *page = table.find("page"), *qr = table.find("qr");
+    page_line_ = page ? page->line : 0;
+    qr_line_ = qr ? qr->line : 0;
     table.text("page", &status.page);
     read_token(table, &status.token);
     table.flag("qr", &status.qr);
@@ -272,12 +274,12 @@ void Reader::secrets(TableReader &root)
     const Status &status = config_.status;
     const auto place = page_address(status.page);
     if (status.qr && place && page_link(status.page, status.token).size() > kLongestQrText)
-        faults_.push_back({path_, status_line_, "status.qr",
+        faults_.push_back({path_, qr_line_, "status.qr",
                            "the page's address and its token take more than the " +
                                std::to_string(kLongestQrText) +
                                " bytes of a QR code: a shorter token is needed"});
     if (place && !place->loopback && status.token.empty())
-        faults_.push_back({path_, status_line_, "status.page",
+        faults_.push_back({path_, page_line_, "status.page",
                            "it listens beyond loopback, and so needs a token: set status.token, best in the "
                            "secrets file"});
 }
@@ -291,6 +293,19 @@ void Reader::check_privacy(bool is_private)
 }
 
 } // namespace
+
+Faults missing_files(const Config &config)
+{
+    Faults faults;
+    for (size_t i = 0; i < config.cameras.size(); ++i) {
+        const Camera &camera = config.cameras[i];
+        std::error_code error;
+        if (has_scheme(camera.main) || std::filesystem::exists(camera.main, error)) continue;
+        faults.push_back({config.path, camera.main_line, "camera[" + std::to_string(i + 1) + "].main",
+                          "there is no file " + camera.main});
+    }
+    return faults;
+}
 
 Reading read_config(const std::string &path)
 {

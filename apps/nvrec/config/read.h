@@ -27,4 +27,10 @@ struct Reading {
 
 Reading read_config(const std::string &path);
 
+/**
+ * A fault for every file in place of a camera that is not there. A recorder starts without it all the same:
+ * it may lie on a disk that comes later.
+ */
+Faults missing_files(const Config &config);
+
 } // namespace nvrec::config
