@@ -53,6 +53,24 @@ TEST_F(NvrecDecoderWatch, OnePictureEndsIt)
     EXPECT_FALSE(is_barren(8, 20s)) << "it counts from the picture on";
 }
 
+TEST_F(NvrecDecoderWatch, WhatWasMendedIsWellFromThenOn)
+{
+    watch_.key_sent(7, start_);
+    watch_.key_sent(7, start_ + 2s);
+    EXPECT_FALSE(is_barren(7, 2s));
+    EXPECT_FALSE(is_barren(8, 2500ms));
+    EXPECT_EQ(watch_.well_since(), std::nullopt) << "nobody was told of a trouble";
+    watch_.key_sent(8, start_ + 4s);
+    watch_.key_sent(8, start_ + 6s);
+    ASSERT_TRUE(is_barren(8, 8s));
+    watch_.begin_again();
+    EXPECT_FALSE(is_barren(8, 9s));
+    EXPECT_EQ(watch_.well_since(), std::nullopt) << "a layout mends nothing";
+    EXPECT_FALSE(is_barren(9, 10s));
+    EXPECT_FALSE(is_barren(20, 15s));
+    EXPECT_EQ(watch_.well_since(), start_ + 10s);
+}
+
 /* Many key frames a second, the first of which is still being decoded. */
 TEST_F(NvrecDecoderWatch, KeyFramesAloneHaveThreeSecondsAsWell)
 {

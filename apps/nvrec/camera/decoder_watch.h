@@ -47,15 +47,30 @@ public:
     std::optional<Clock::time_point> barren_since(uint64_t decoded, Clock::time_point now) const
     {
         const std::scoped_lock guard(lock_);
-        if (!barren_ || decoded_ != decoded || now - since_ < kSilentAfter) return std::nullopt;
-        return since_;
+        const bool barren = barren_ && decoded_ == decoded && now - since_ >= kSilentAfter;
+        if (barren) {
+            told_ = decoded;
+        } else if (told_ && *told_ != decoded) {
+            told_.reset();
+            well_since_ = now;
+        }
+        return barren ? std::optional(since_) : std::nullopt;
+    }
+
+    /** When the first picture behind such a time was seen by barren_since(); nothing = there was none. */
+    std::optional<Clock::time_point> well_since() const
+    {
+        const std::scoped_lock guard(lock_);
+        return well_since_;
     }
 
 private:
-    mutable std::mutex lock_;         /* guards what follows */
-    std::optional<uint64_t> decoded_; /* pictures when the first key frame since then was sent */
-    Clock::time_point since_;         /* when that was                                         */
-    bool barren_ = false;             /* another key frame found as many                       */
+    mutable std::mutex lock_;              /* guards what follows */
+    std::optional<uint64_t> decoded_;      /* pictures when the first key frame since then was sent */
+    Clock::time_point since_;              /* when that was                                         */
+    bool barren_ = false;                  /* another key frame found as many                       */
+    mutable std::optional<uint64_t> told_; /* pictures when barren_since() last said that it is so */
+    mutable std::optional<Clock::time_point> well_since_;
 };
 
 } // namespace nvrec

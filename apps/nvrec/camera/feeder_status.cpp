@@ -65,7 +65,9 @@ void Feeder::tell_undecodable()
 {
     const bool undecodable = undecodable_since(Clock::now()).has_value();
     if (undecodable && !undecodable_told_.exchange(true)) report(kUndecodable);
-    if (!undecodable) undecodable_told_.store(false);
+    if (undecodable || !undecodable_told_.exchange(false)) return;
+    const std::scoped_lock guard(lock_);
+    if (trouble_ == kUndecodable) trouble_.clear();
 }
 
 std::optional<Clock::time_point> Feeder::undecodable_since(Clock::time_point now) const
@@ -159,6 +161,11 @@ CameraStatus Feeder::status(Clock::time_point *at) const
     if (status.undecodable) {
         status.state = CameraState::kRefused;
         status.since = *undecodable;
+        status.since_wall_us = wall_us_of(status.since);
+    }
+    const auto well_since = decoder_watch_.well_since();
+    if (status.state == CameraState::kLive && well_since && *well_since > status.since) {
+        status.since = *well_since;
         status.since_wall_us = wall_us_of(status.since);
     }
     const std::scoped_lock guard(lock_);

@@ -35,9 +35,13 @@ std::string right_aligned(const std::string &text, size_t width)
     return (text.size() < width ? std::string(width - text.size(), ' ') : "") + text;
 }
 
-size_t width_of(const Column &column)
+/* A blank at least stands between two columns. */
+size_t width_of(const Column &column, const std::vector<RecordingReport> &recordings)
 {
-    return std::max<size_t>(kColumnWidth, std::string_view(column.name).size() + 1);
+    size_t width = std::max<size_t>(kColumnWidth, std::string_view(column.name).size() + 1);
+    for (const RecordingReport &row : recordings)
+        width = std::max(width, std::to_string(column.value(row)).size() + 1);
+    return width;
 }
 
 } // namespace
@@ -46,14 +50,14 @@ std::vector<std::string> table_of(const std::vector<RecordingReport> &recordings
 {
     std::string head = " ch  stream ";
     for (const Column &column : kColumns)
-        head += right_aligned(column.name, width_of(column));
+        head += right_aligned(column.name, width_of(column, recordings));
     std::vector<std::string> lines = {head + "  files"};
     for (const RecordingReport &row : recordings) {
         char first[32];
         std::snprintf(first, sizeof first, "%3d  %-7s", row.channel, row.stream.c_str());
         std::string line = first;
         for (const Column &column : kColumns)
-            line += right_aligned(std::to_string(column.value(row)), width_of(column));
+            line += right_aligned(std::to_string(column.value(row)), width_of(column, recordings));
         line += right_aligned(std::to_string(row.files.size()), 7);
         lines.push_back(line + (row.trouble.empty() ? "" : "  (" + row.trouble + ")"));
     }
