@@ -19,6 +19,20 @@ extern "C" {
 namespace
 {
 
+/* What is missing may be so because of a word that is wrong: that one is named then. */
+int tell_parse_error(const CLI::App &app, const CLI::ParseError &error)
+{
+    std::ostringstream words, complaints; /* which may repeat an argument */
+    std::vector<std::string> unknown;
+    if (error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError))
+        unknown = app.remaining(true);
+    const int code = unknown.empty() ? app.exit(error, words, complaints)
+                                     : app.exit(CLI::ExtrasError(app.get_name(), unknown), words, complaints);
+    std::fputs(words.str().c_str(), stdout);
+    std::fputs(nvrec::shown_text(complaints.str()).c_str(), stderr);
+    return code == 0 ? nvrec::kExitDone : nvrec::kExitUsage;
+}
+
 /* Parse, and run the subcommand that was named. */
 int run(int argc, char **argv)
 {
@@ -49,11 +63,7 @@ int run(int argc, char **argv)
         app.parse(
             std::vector<std::string>(arguments.rbegin(), arguments.rend() - (arguments.empty() ? 0 : 1)));
     } catch (const CLI::ParseError &error) {
-        std::ostringstream words, complaints; /* which may repeat an argument */
-        const int code = app.exit(error, words, complaints);
-        std::fputs(words.str().c_str(), stdout);
-        std::fputs(nvrec::shown_text(complaints.str()).c_str(), stderr);
-        return code == 0 ? nvrec::kExitDone : nvrec::kExitUsage;
+        return tell_parse_error(app, error);
     }
     for (const nvrec::Command &command : commands) {
         if (command.parser->parsed()) return command.run();

@@ -7,11 +7,22 @@
 #include <system_error>
 
 #include "console/exit_code.h"
+#include "console/text.h"
 #include "host/host.h"
 #include "wall/jpeg.h"
 
 namespace nvrec
 {
+
+namespace
+{
+
+bool names_picture(const std::string &path)
+{
+    return small_letters(std::filesystem::path(path).extension().string()) == ".png" || names_jpeg(path);
+}
+
+} // namespace
 
 PictureOrder picture_order(const std::string &text)
 {
@@ -29,10 +40,10 @@ PictureOrder picture_order(const std::string &text)
 
 std::string picture_problem(const std::string &text)
 {
+    if (names_picture(picture_order(text).path)) return {};
     const size_t comma = text.rfind(',');
-    if (comma == std::string::npos || picture_order(text).at_s) return {};
-    const std::string path = text.substr(0, comma);
-    if (!path.ends_with(".png") && !names_jpeg(path)) return {};
+    if (comma == std::string::npos || !names_picture(text.substr(0, comma)))
+        return "a picture is PNG or JPEG, name it .png, .jpg or .jpeg: " + text;
     return "no number of seconds, 0 or more, behind the comma: " + text;
 }
 
