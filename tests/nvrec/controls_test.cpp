@@ -73,6 +73,22 @@ TEST_F(RecorderIndicators, AnInputBeyondTheCamerasIsNobodysLoss)
     EXPECT_EQ(vboard_gpio_level(kBuzzer), 0);
 }
 
+TEST_F(RecorderIndicators, AnotherCameraHasNotLostTheVideoOfTheOneBefore)
+{
+    ASSERT_TRUE(indicators_.start(wall_));
+    ASSERT_EQ(vboard_ad_set_loss(1, 1), 0);
+    auto now = Clock::now();
+    testing::internal::CaptureStderr();
+    indicators_.take_turn(now);
+    ASSERT_EQ(vboard_ad_set_loss(1, 0), 0);
+    indicators_.on_camera_replaced(1);
+    indicators_.take_turn(now += 1s);
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_NE(said.find("channel 1: its video is lost"), std::string::npos) << said;
+    EXPECT_EQ(said.find("its video is back"), std::string::npos) << said;
+    EXPECT_EQ(vboard_gpio_level(kBuzzer), 0);
+}
+
 TEST_F(RecorderIndicators, TheLampBlinksWhileItRecords)
 {
     ASSERT_TRUE(indicators_.start(wall_));

@@ -125,6 +125,9 @@ public:
     std::string shown_address() const { return nvrec::shown_address(source_.address); }
     const CameraSource &source() const { return source_; }
 
+    /** False = nothing comes here: it is room for a camera. */
+    bool has_camera() const { return !source_.address.empty(); }
+
     /** "channel 0", or "channel 0 (yard)": how messages begin. */
     std::string label() const;
 

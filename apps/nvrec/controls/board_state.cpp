@@ -126,11 +126,13 @@ std::vector<BoardRow> wall_rows(const WallControl &wall)
 {
     const std::vector<std::string> names = layout_names();
     const int enlarged = wall.enlarged();
+    const auto cameras =
+        std::ranges::count_if(wall.cameras(), [](const auto &camera) { return camera->has_camera(); });
     return {
         {"wall", "layout", names.at(static_cast<size_t>(wall.layout()))},
         {"wall", "selected", text("channel %d", wall.selected())},
         {"wall", "whole screen", enlarged < 0 ? "the layout" : text("channel %d", enlarged)},
-        {"wall", "cameras", text("%zu", wall.cameras().size())},
+        {"wall", "cameras", text("%td", cameras)},
         {"wall", "window", wall.window_is_open() ? "open" : "none"},
         {"wall", "records", wall.recording() ? "yes" : "no"},
     };

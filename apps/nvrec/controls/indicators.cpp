@@ -63,7 +63,7 @@ void Indicators::look_for_loss(Clock::time_point now)
 
     for (const auto &camera : wall_->cameras()) {
         const auto channel = static_cast<size_t>(camera->channel());
-        if (channel >= kMostChannels) continue;
+        if (channel >= kMostChannels || !camera->has_camera()) continue;
         const bool no_signal = channel < kMaskBits && (mask[0] >> channel & 1) != 0;
         const CameraStatus status = camera->status();
         const bool lost =
@@ -74,6 +74,13 @@ void Indicators::look_for_loss(Clock::time_point now)
     }
     const auto any = [](const auto &losses) { return std::ranges::find(losses, true) != losses.end(); };
     if (!any(lost_) && !any(main_lost_)) buzz_until_ = {};
+}
+
+/* The next one's video was never lost. */
+void Indicators::on_camera_replaced(int channel)
+{
+    const auto index = static_cast<size_t>(channel);
+    if (index < kMostChannels) lost_[index] = main_lost_[index] = false;
 }
 
 void Indicators::note_loss(bool lost, bool *known, const std::string &what, Clock::time_point now)

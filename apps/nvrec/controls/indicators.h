@@ -23,6 +23,7 @@ class Indicators final : public Module
 public:
     bool start(WallControl &wall) override;
     Clock::time_point take_turn(Clock::time_point now) override;
+    void on_camera_replaced(int channel) override;
     void stop() override;
 
 private:

@@ -44,25 +44,30 @@ bool Navigation::start(WallControl &wall)
 
 bool Navigation::choose(int channel)
 {
-    if (channel >= wall_->session().channels()) return true;
+    const Session &session = wall_->session();
+    if (channel >= session.channels() || session.is_free(channel)) return true;
     wall_->enlarge(wall_->enlarged() == channel ? -1 : channel);
     return true;
 }
 
 bool Navigation::move(int dx, int dy)
 {
-    const int cameras = wall_->session().channels();
+    const Session &session = wall_->session();
     if (wall_->enlarged() < 0) {
-        wall_->select(neighbour(wall_->session().panes(), wall_->selected(), dx, dy));
+        wall_->select(neighbour(session.panes(), wall_->selected(), dx, dy));
     } else if (dx != 0) {
-        wall_->enlarge((wall_->enlarged() + dx + cameras) % cameras);
+        int next = wall_->enlarged();
+        do
+            next = (next + dx + session.channels()) % session.channels();
+        while (session.is_free(next) && next != wall_->enlarged());
+        wall_->enlarge(next);
     }
     return true;
 }
 
 bool Navigation::next_layout()
 {
-    const Layout next = layout_after(wall_->layout(), wall_->session().channels());
+    const Layout next = layout_after(wall_->layout(), wall_->session().used_channels());
     if (next != wall_->layout() || wall_->enlarged() >= 0) wall_->show_layout(next);
     return true;
 }

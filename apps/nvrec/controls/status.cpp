@@ -1,6 +1,7 @@
 /* status.cpp - see status.h: collects it. */
 #include "controls/status.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include "controls/versions.h"
@@ -39,13 +40,14 @@ std::string camera_name_of(WallControl &wall, int channel)
 int camera_named(WallControl &wall, const std::string &name)
 {
     for (const auto &camera : wall.cameras()) {
-        if (camera_name_of(wall, camera->channel()) == name) return camera->channel();
+        if (camera->has_camera() && camera_name_of(wall, camera->channel()) == name) return camera->channel();
     }
     int channel = -1;
     const char *end = name.data() + name.size();
     const auto [rest, error] = std::from_chars(name.data(), end, channel);
     if (error != std::errc() || rest != end || channel < 0) return -1;
-    return static_cast<size_t>(channel) < wall.cameras().size() ? channel : -1;
+    const auto index = static_cast<size_t>(channel);
+    return index < wall.cameras().size() && wall.cameras()[index]->has_camera() ? channel : -1;
 }
 
 RecorderStatus collect_status(WallControl &wall, const std::optional<ArchiveStatus> &limits,
@@ -58,25 +60,24 @@ RecorderStatus collect_status(WallControl &wall, const std::optional<ArchiveStat
         std::chrono::duration_cast<std::chrono::microseconds>(wall_time().time_since_epoch()).count();
     status.up_s = std::chrono::duration<double>(Clock::now() - started).count();
     for (const auto &camera : wall.cameras()) {
+        if (!camera->has_camera()) continue;
         CameraLine line;
         line.channel = camera->channel();
         line.name = camera_name_of(wall, line.channel);
         line.address = camera->shown_address();
         line.status = camera->status();
         line.sent = camera->counters().sent;
-        line.decoder = host::decoder_counters(line.channel);
+        line.decoder = wall.reporter().decoder_of(line.channel);
         line.backlog = host::decoder_backlog(line.channel);
         status.cameras.push_back(std::move(line));
     }
     if (const RecordingView *recorder = wall.recorder()) {
         status.disk = recorder->disk();
         for (RecordingStatus &recording : recorder->recordings()) {
-            const auto index = static_cast<size_t>(recording.channel);
-            if (index < status.cameras.size())
-                status.cameras[index].recordings.push_back(std::move(recording));
+            const auto camera = std::ranges::find(status.cameras, recording.channel, &CameraLine::channel);
+            if (camera != status.cameras.end()) camera->recordings.push_back(std::move(recording));
         }
     }
-    std::erase_if(status.cameras, [](const CameraLine &line) { return line.address.empty(); });
     if (status.disk) {
         status.archive = archive_of(*status.disk, limits.value_or(ArchiveStatus()));
         if (status.disk->left_h >= 0) status.disk_left_s = status.disk->left_h * kSecondsOfAnHour;

@@ -47,6 +47,15 @@ void PaneWatch::on_unit(int channel, const AccessUnit &unit, const StreamFacts &
     if (seen.notice.load(std::memory_order_relaxed) && changed_) changed_();
 }
 
+void PaneWatch::forget(int channel)
+{
+    if (channel < 0 || static_cast<size_t>(channel) >= seen_.size()) return;
+    Seen &seen = seen_[static_cast<size_t>(channel)];
+    seen.unit_at = 0;
+    seen.refused_bytes = 0;
+    seen.sound = false;
+}
+
 void PaneWatch::look(Clock::time_point now)
 {
     if (now < looked_at_ + kAnalogPeriod) return;
@@ -59,7 +68,7 @@ PaneState PaneWatch::state_of(const Feeder &camera, Clock::time_point now) const
     const int channel = camera.channel();
     PaneState state;
     if (channel < 0 || static_cast<size_t>(channel) >= seen_.size()) return state;
-    if (camera.source().address.empty()) return state; /* room for a camera: nothing is missing */
+    if (!camera.has_camera()) return state; /* room for a camera: nothing is missing */
     Seen &seen = seen_[static_cast<size_t>(channel)];
     const CameraStatus status = camera.status();
     state.recording = wall_->recording(channel);

@@ -27,6 +27,9 @@ public:
 
     void on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts);
 
+    /** Another camera stands on the channel: nothing of it has been seen. */
+    void forget(int channel);
+
     /** All panes' decoders have been flushed. */
     void on_layout(Clock::time_point now) { laid_out_at_ = now; }
 

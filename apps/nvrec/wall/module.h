@@ -95,6 +95,9 @@ public:
 
     /** Show this layout, all panes. */
     virtual void show_layout(Layout layout) = 0;
+
+    /** Show the smallest grid that fits the cameras, now and when cameras come or go. */
+    virtual void show_fitting_layout() {}
     virtual Layout layout() const = 0;
 
     /** Show one camera on the whole screen; -1 = the layout again. */
@@ -198,6 +201,9 @@ public:
      * one before.
      */
     virtual void on_camera_changed(int /*channel*/) {}
+
+    /** Behind that: it is another camera that stands there now, or none. What was known is not true of it. */
+    virtual void on_camera_replaced(int /*channel*/) {}
 
     /**
      * A user at the screen wants to end while something records. @return true = this module asks the user.

@@ -52,6 +52,12 @@ void ModuleList::on_camera_changed(int channel)
         modules_[i]->on_camera_changed(channel);
 }
 
+void ModuleList::on_camera_replaced(int channel)
+{
+    for (size_t i = 0; i < started_; ++i)
+        modules_[i]->on_camera_replaced(channel);
+}
+
 void ModuleList::offer(const std::function<bool(Module &)> &taken)
 {
     std::vector<Module *> order;

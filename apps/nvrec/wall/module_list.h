@@ -39,6 +39,7 @@ public:
     void on_layout();
     void before_last_pictures();
     void on_camera_changed(int channel);
+    void on_camera_replaced(int channel);
 
     /** Offer it by layer, and in a layer to the module added last. */
     void key(Key key);

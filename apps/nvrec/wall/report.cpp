@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "console/text.h"
+#include "wall/utf8.h"
 
 namespace nvrec
 {
@@ -11,7 +12,7 @@ namespace nvrec
 std::string json_string(const std::string &value)
 {
     std::string quoted = "\"";
-    for (const char letter : value) {
+    for (const char letter : valid_utf8(value)) {
         const auto code = static_cast<unsigned char>(letter);
         if (letter == '"' || letter == '\\') {
             quoted += '\\';
@@ -59,6 +60,21 @@ void Reporter::mark()
         baselines_.push_back(counters_now(feeder->channel()));
 }
 
+void Reporter::begin_anew(int channel)
+{
+    const host::DecoderCounters now = counters_now(channel);
+    const auto index = static_cast<size_t>(channel);
+    if (index < baselines_.size()) baselines_[index] = now;
+    begun_.insert_or_assign(channel, now);
+}
+
+std::optional<host::DecoderCounters> Reporter::decoder_of(int channel) const
+{
+    const auto now = host::decoder_counters(channel);
+    const auto from = begun_.find(channel);
+    return now && from != begun_.end() ? *now - from->second : now;
+}
+
 void Reporter::leave_out(int channel, const host::DecoderCounters &foreign)
 {
     const auto index = static_cast<size_t>(channel);
@@ -70,6 +86,7 @@ std::vector<ChannelReport> Reporter::collect() const
     std::vector<ChannelReport> channels;
     for (size_t i = 0; i < feeders_.size(); ++i) {
         const Feeder &feeder = *feeders_[i];
+        if (!feeder.has_camera()) continue;
         const host::DecoderCounters from = i < baselines_.size() ? baselines_[i] : host::DecoderCounters{};
         ChannelReport report;
         report.channel = feeder.channel();
@@ -94,7 +111,6 @@ std::string Reporter::progress_line(double seconds) const
     int live = 0, cameras = 0;
     std::string missing;
     for (const ChannelReport &channel : collect()) {
-        if (channel.address.empty()) continue; /* room for a camera */
         ++cameras;
         sum.fed.sent += channel.fed.sent;
         sum.decoder += channel.decoder;
@@ -138,7 +154,6 @@ std::vector<std::string> table_of(const std::vector<ChannelReport> &channels)
                          "rate", "sent", "refused", "decoded", "shown", "dropped", "resets", "discarded",
                          "input"));
     for (const ChannelReport &channel : channels) {
-        if (channel.address.empty()) continue; /* room for a camera */
         if (!channel.opened) {
             lines.push_back(text("%3d  %-5s  %-9s  %6s  %8s %8s %8s %8s %8s %7s %9s  ", channel.channel, "-",
                                  "-", "-", "-", "-", "-", "-", "-", "-", "-") +
@@ -166,7 +181,6 @@ std::string json_of(const std::vector<ChannelReport> &channels, const std::strin
                        text(",\n  \"seconds\": %.3f,\n  \"channels\": [", seconds);
     const char *separator = "\n";
     for (const ChannelReport &channel : channels) {
-        if (channel.address.empty()) continue;
         json += separator;
         separator = ",\n";
         json += text("    {\"channel\": %d, \"input\": ", channel.channel) + json_string(channel.address);

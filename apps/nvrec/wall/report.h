@@ -8,7 +8,9 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,6 +43,12 @@ public:
     /** Count from here on. */
     void mark();
 
+    /** Another camera stands on the channel: what was decoded there until now is not its own. */
+    void begin_anew(int channel);
+
+    /** What the channel's decoder counted of the camera that stands there; nothing = it does not tell. */
+    std::optional<host::DecoderCounters> decoder_of(int channel) const;
+
     /** Leave out the frames on a channel that came from another source than its camera. */
     void leave_out(int channel, const host::DecoderCounters &foreign);
 
@@ -53,6 +61,7 @@ public:
 private:
     const std::vector<std::unique_ptr<Feeder>> &feeders_;
     std::vector<host::DecoderCounters> baselines_;
+    std::map<int, host::DecoderCounters> begun_; /* by channel, when its camera came; none = at the start */
 };
 
 /** The closing table, one text a line. */
@@ -62,7 +71,7 @@ std::vector<std::string> table_of(const std::vector<ChannelReport> &channels);
 std::string json_of(const std::vector<ChannelReport> &channels, const std::string &layout,
                     const std::string &output, double seconds, const std::vector<std::string> &more = {});
 
-/** A text as JSON writes it, with its quotes. */
+/** A text as JSON writes it, with its quotes; what is not UTF-8 in it is replaced. */
 std::string json_string(const std::string &value);
 
 /** Write a text to a file. @return false when it could not be written. */

@@ -2,6 +2,7 @@
 #include "wall/session.h"
 
 #include <algorithm>
+#include <bit>
 #include <utility>
 
 #include "camera/shown_channels.h"
@@ -59,7 +60,7 @@ bool Session::apply(Layout layout)
 {
     std::vector<DispAttrib> panes = make_panes(layout, mode_->width_px, mode_->height_px, pane_count(layout));
     const auto used = std::min(panes.size(), static_cast<size_t>(channels_));
-    unused_.assign(panes.begin() + static_cast<std::ptrdiff_t>(used), panes.end());
+    beyond_.assign(panes.begin() + static_cast<std::ptrdiff_t>(used), panes.end());
     panes.resize(used);
     return show(std::move(panes));
 }
@@ -68,20 +69,44 @@ bool Session::apply_single(int channel)
 {
     std::vector<DispAttrib> panes = make_panes(Layout::kSingle, mode_->width_px, mode_->height_px, 1);
     panes.front().channel = static_cast<uint16_t>(channel);
-    unused_.clear();
+    beyond_.clear();
     return show(std::move(panes));
+}
+
+bool Session::set_free(uint32_t channels)
+{
+    free_ = channels;
+    const std::vector<DispAttrib> before = panes_;
+    divide();
+    return !same_places(before, panes_);
+}
+
+int Session::used_channels() const
+{
+    return std::bit_width(~free_ & ((1u << channels_) - 1));
+}
+
+/* The library is given the panes of free channels, too: what was shown there is taken away. */
+void Session::divide()
+{
+    panes_.clear();
+    unused_.clear();
+    for (const DispAttrib &pane : laid_)
+        (is_free(pane.channel) ? unused_ : panes_).push_back(pane);
+    unused_.insert(unused_.end(), beyond_.begin(), beyond_.end());
 }
 
 /* From here on the frames of channels that disappear are held back; the library drops them meanwhile. */
 bool Session::show(std::vector<DispAttrib> panes)
 {
-    panes_ = std::move(panes);
+    laid_ = std::move(panes);
+    divide();
     uint32_t shown = 0;
-    for (const DispAttrib &pane : panes_)
+    for (const DispAttrib &pane : laid_)
         shown |= 1u << pane.channel;
     note_shown_channels(shown);
-    const bool single = panes_.size() == 1;
-    std::vector<DispAttrib> wanted = single ? panes_ : pictures();
+    const bool single = laid_.size() == 1;
+    std::vector<DispAttrib> wanted = single ? laid_ : pictures();
     if (ext_change_display_format(wanted.data(), static_cast<int32_t>(wanted.size())) != 0) return false;
     open_library_mask();
     if (single) wanted.front() = whole_screen(wanted.front());
@@ -113,8 +138,8 @@ DispAttrib Session::picture_in(const DispAttrib &pane) const
 std::vector<DispAttrib> Session::pictures() const
 {
     std::vector<DispAttrib> pictures;
-    pictures.reserve(panes_.size());
-    for (const DispAttrib &pane : panes_)
+    pictures.reserve(laid_.size());
+    for (const DispAttrib &pane : laid_)
         pictures.push_back(picture_in(pane));
     return pictures;
 }

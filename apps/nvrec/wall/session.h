@@ -52,6 +52,16 @@ public:
     /** Put one channel alone on the whole screen. */
     bool apply_single(int channel);
 
+    /**
+     * These channels have nothing to show, bit n = channel n: their panes are nobody's. It holds for the
+     * layout that stands, too. @return true = its panes are divided otherwise now.
+     */
+    bool set_free(uint32_t channels);
+    bool is_free(int channel) const { return (free_ >> channel & 1) != 0; }
+
+    /** Channels up to the last one that is not free. */
+    int used_channels() const;
+
     /** How pictures are placed in their panes, from the next layout on. */
     void set_aspect(AspectOptions options) { aspect_ = std::move(options); }
 
@@ -75,9 +85,11 @@ public:
 
     const OutputMode &mode() const { return *mode_; }
     int channels() const { return channels_; }
+
+    /** Panes of the channels that have something to show. */
     const std::vector<DispAttrib> &panes() const { return panes_; }
 
-    /** Panes of the layout that no channel uses. */
+    /** All others of the layout. */
     const std::vector<DispAttrib> &unused_panes() const { return unused_; }
 
     /** Where a channel's picture lies in its pane; nothing = it has none. */
@@ -85,14 +97,18 @@ public:
 
 private:
     bool show(std::vector<DispAttrib> panes);
+    void divide();
     DispAttrib whole_screen(DispAttrib pane) const;
     DispAttrib picture_in(const DispAttrib &pane) const;
     std::vector<DispAttrib> pictures() const;
 
     const OutputMode *mode_ = nullptr;
     int channels_ = 0;
-    std::vector<DispAttrib> panes_;
-    std::vector<DispAttrib> unused_;
+    uint32_t free_ = 0;              /* bit n = channel n has nothing to show              */
+    std::vector<DispAttrib> laid_;   /* panes of the board's channels, as the library has them */
+    std::vector<DispAttrib> panes_;  /* of these, those with something to show             */
+    std::vector<DispAttrib> beyond_; /* panes of no channel of the board                  */
+    std::vector<DispAttrib> unused_; /* those of free channels and these, in their order  */
     std::vector<DispAttrib> placed_; /* the pictures, as the library shows them */
     MotionChips motion_;
     AspectOptions aspect_;

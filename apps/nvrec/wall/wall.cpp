@@ -27,9 +27,10 @@ Wall::Wall(const WallOptions &options)
             std::make_unique<Feeder>(static_cast<int>(feeders_.size()), source, options_.feed));
     for (const std::string &picture : options_.pictures)
         orders_.push_back(picture_order(picture));
-    const int channels = feeders_.empty() ? options_.channels : static_cast<int>(feeders_.size());
     session_.set_aspect(options_.aspect);
-    layout_ = layout_named(options_.layout).value_or(layout_for(channels));
+    const std::optional<Layout> wanted = layout_named(options_.layout);
+    layout_fits_ = !wanted;
+    layout_ = wanted.value_or(fitting_layout());
 }
 
 int Wall::run()
@@ -62,6 +63,7 @@ bool Wall::show()
     for (const auto &feeder : feeders_) {
         if (!openings_.contains(*feeder) && feeder->opened()) make_decoder(*feeder);
     }
+    follow_cameras();
     return lay_out();
 }
 

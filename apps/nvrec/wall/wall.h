@@ -72,6 +72,7 @@ private:
     void change_camera(int channel, const CameraSource &source) override;
     void set_aspect(int channel, Aspect aspect) override;
     void show_layout(Layout layout) override;
+    void show_fitting_layout() override;
     Layout layout() const override { return layout_; }
     void enlarge(int channel) override;
     int enlarged() const override { return enlarged_; }
@@ -108,6 +109,8 @@ private:
     void start_feeding();
     void watch();
     bool lay_out();
+    bool follow_cameras();
+    Layout fitting_layout() const;
     void choose_streams();
     std::string progress_line() const;
     void take_due_pictures(double now_s, bool at_end);
@@ -124,7 +127,8 @@ private:
     Terminal terminal_;
     Session session_;
     Layout layout_ = Layout::kSingle;
-    int enlarged_ = -1; /* the channel that has the screen to itself, or -1 */
+    bool layout_fits_ = false; /* it is the smallest grid for the cameras, whoever comes or goes */
+    int enlarged_ = -1;        /* the channel that has the screen to itself, or -1 */
     int selected_ = 0;
     std::vector<std::unique_ptr<Feeder>> feeders_;
     std::map<int, CameraSource> changes_;          /* by channel: what comes when its thread has ended */

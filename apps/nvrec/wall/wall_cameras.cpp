@@ -26,7 +26,7 @@ constexpr auto kDrain = std::chrono::seconds(3);      /* for what decoders still
 bool Wall::open_inputs()
 {
     for (const auto &feeder : feeders_) {
-        if (!feeder->source().address.empty()) openings_.start(*feeder); /* or else it is room for one */
+        if (feeder->has_camera()) openings_.start(*feeder); /* or else it is room for one */
     }
     size_t opened = 0;
     bool counts_down = false;
@@ -106,17 +106,20 @@ void Wall::make_changes()
         place->join();
         place->hang_up();
         modules_.on_camera_changed(change->first);
+        const bool another = place->source().name != change->second.name;
         auto camera = std::make_unique<Feeder>(change->first, change->second, options_.feed);
         camera->go_on_from(*place);
         retired_.push_back(std::exchange(place, std::move(camera)));
         watch_thread({"the thread of " + place->label(),
                       [camera = place.get()] { return camera->heartbeat_deadline(); }});
-        change = changes_.erase(change);
-        if (place->source().address.empty()) {
-            lay_out(); /* takes the last picture away */
-        } else {
-            openings_.start(*place);
+        if (another) {
+            reporter_.begin_anew(change->first);
+            modules_.on_camera_replaced(change->first);
         }
+        change = changes_.erase(change);
+        const bool other_layout = follow_cameras();
+        if (other_layout || !place->has_camera()) lay_out(); /* also takes the last picture away */
+        if (place->has_camera()) openings_.start(*place);
     }
 }
 

@@ -1,5 +1,6 @@
 /* wall_layout.cpp - see wall.h: the panes, the shapes of the pictures in them, the selected one. */
 #include <algorithm>
+#include <utility>
 
 #include "wall/wall.h"
 
@@ -19,6 +20,37 @@ bool Wall::lay_out()
         feeder->layout_done();
     modules_.on_layout();
     return done;
+}
+
+/* A layout shows channels from the first on: it has to reach to the last one with a camera. */
+Layout Wall::fitting_layout() const
+{
+    if (feeders_.empty()) return layout_for(options_.channels);
+    int channels = 0;
+    for (const auto &feeder : feeders_)
+        channels = feeder->has_camera() ? feeder->channel() + 1 : channels;
+    return layout_for(channels);
+}
+
+/*
+ * Panes, layout and selection for the cameras that there are. Channels behind those of cameras show what
+ * modules play. @return true = the layout is another one, and is not on the screen yet.
+ */
+bool Wall::follow_cameras()
+{
+    uint32_t free = 0;
+    for (const auto &feeder : feeders_)
+        free |= feeder->has_camera() ? 0 : 1u << feeder->channel();
+    const bool divided = session_.set_free(free);
+    const Layout before = std::exchange(layout_, layout_fits_ ? fitting_layout() : layout_);
+    const bool lost = enlarged_ >= 0 && session_.is_free(enlarged_);
+    if (lost) enlarged_ = -1;
+    const auto first =
+        std::ranges::find_if(feeders_, [](const auto &feeder) { return feeder->has_camera(); });
+    if (first != feeders_.end() && session_.is_free(selected_)) selected_ = (*first)->channel();
+    if (lost || (before != layout_ && enlarged_ < 0)) return true;
+    if (divided) modules_.on_layout();
+    return false;
 }
 
 /* Cameras in small panes, and those without one, are fed from their smaller stream. */
@@ -75,14 +107,22 @@ void Wall::set_aspect(int channel, Aspect aspect)
 
 void Wall::show_layout(Layout layout)
 {
+    layout_fits_ = false;
     layout_ = layout;
     enlarged_ = -1;
     lay_out();
 }
 
+void Wall::show_fitting_layout()
+{
+    show_layout(fitting_layout());
+    layout_fits_ = true;
+}
+
 void Wall::enlarge(int channel)
 {
     if (channel >= session_.channels() || channel == enlarged_) return;
+    if (channel >= 0 && session_.is_free(channel)) return;
     enlarged_ = channel;
     if (channel >= 0) selected_ = channel;
     lay_out();
@@ -91,6 +131,7 @@ void Wall::enlarge(int channel)
 void Wall::select(int channel)
 {
     if (channel < 0 || channel >= session_.channels() || channel == selected_) return;
+    if (session_.is_free(channel)) return;
     selected_ = channel;
     modules_.on_layout();
 }
