@@ -186,6 +186,7 @@ int run_play(PlayCommand command)
         !apply_source_options(*command.sources, &command.wall.inputs))
         return kExitUsage;
     command.wall.channels = static_cast<int>(std::min<size_t>(tracks, Playback::kPlayers));
+    if (!aspects_fit(command.wall)) return kExitUsage;
     command.wall.feed.loop = true; /* cameras that are files do not end */
     command.wall.wait_for_all = true;
     command.player.output = command.wall.output;

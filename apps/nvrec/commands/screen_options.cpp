@@ -1,6 +1,7 @@
 /* screen_options.cpp - see screen_options.h. */
 #include "commands/screen_options.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <map>
 
@@ -108,6 +109,16 @@ void add_layout_option(CLI::App &command, std::string &layout, const std::string
     std::vector<std::string> layouts = layout_names();
     layouts.insert(layouts.begin(), "auto");
     command.add_option("-l,--layout", layout, meaning)->check(CLI::IsMember(layouts))->capture_default_str();
+}
+
+bool aspects_fit(const WallOptions &options)
+{
+    const int channels = std::max(static_cast<int>(options.inputs.size()), options.channels);
+    const auto &given = options.aspect.given;
+    if (given.empty() || given.rbegin()->first < channels) return true;
+    std::fprintf(stderr, "nvrec: --aspect for channel %d: channels that are shown are 0 to %d\n",
+                 given.rbegin()->first, channels - 1);
+    return false;
 }
 
 bool count_fits(size_t inputs, const char *what)

@@ -23,6 +23,9 @@ void add_log_options(CLI::App &command, WallOptions &options);
 /** "--layout", with "auto" in front. */
 void add_layout_option(CLI::App &command, std::string &layout, const std::string &meaning);
 
+/** Whether every channel that --aspect names has a camera, or shows what a module plays; complains. */
+bool aspects_fit(const WallOptions &options);
+
 /** Not more inputs than a wall takes; complains. */
 bool count_fits(size_t inputs, const char *what);
 

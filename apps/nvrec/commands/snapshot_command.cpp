@@ -115,6 +115,7 @@ int run_snapshot(SnapshotCommand command)
     command.wall.feed.loop = true; /* cameras that are files go on until the picture is taken */
     command.wall.wait_for_all = true;
     command.wall.channels = static_cast<int>(std::min<size_t>(playback.files.size(), Playback::kPlayers));
+    if (!aspects_fit(command.wall)) return kExitUsage;
 
     Wall wall(command.wall);
     if (command.during_playback) wall.add(std::make_unique<Player>(playback)); /* begins first */
