@@ -23,6 +23,7 @@ target_compile_definitions(nvrec_lost_stream_test PRIVATE
 add_dependencies(nvrec_lost_stream_test nvrec nvrec_clips)
 
 nvrhal_test(nvrec_reload_test
+  ${CMAKE_CURRENT_LIST_DIR}/free_channels_test.cpp
   ${CMAKE_CURRENT_LIST_DIR}/reload_test.cpp
   LIBS nvrec_record_files nvrec_pieces LABEL nvrec TIMEOUT 60)
 target_compile_definitions(nvrec_reload_test PRIVATE

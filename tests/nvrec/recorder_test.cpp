@@ -201,9 +201,8 @@ TEST_F(NvrecRecorder, TheRecordKeyRecordsWhatNoPlanWants)
 
 TEST_F(NvrecRecorder, ACameraThatFellSilentIsNotRecordedAndTheNextOneHasAFileOfItsOwn)
 {
-    RecorderOptions options;
-    options.names = {{0, "yard"}};
-    start(1, std::move(options));
+    start(1, RecorderOptions());
+    recorder_->set_name(0, "yard");
     ASSERT_TRUE(clip_.open(std::chrono::seconds(10)));
     put(0, clip_, 50);
     ASSERT_TRUE(comes_true([&] { return recorder_->runs(0); }));
@@ -213,9 +212,12 @@ TEST_F(NvrecRecorder, ACameraThatFellSilentIsNotRecordedAndTheNextOneHasAFileOfI
     EXPECT_FALSE(wall_->recording()) << "the lamp";
 
     recorder_->set_name(0, "door");
+    ASSERT_TRUE(comes_true([&] { return status(0).written == 0; })) << "it has written nothing yet";
     put(0, clip_, 50);
     ASSERT_TRUE(comes_true([&] { return recorder_->runs(0); }));
     recorder_->stop();
+    EXPECT_EQ(status(0).written, 50u) << "its own pictures alone";
+    EXPECT_NE(recorder_->json().find("\"written\": 50, "), std::string::npos) << recorder_->json();
     ASSERT_EQ(files().size(), 2u);
     for (const std::string &path : files())
         EXPECT_EQ(picture_checksums(path).size(), 50u) << path;

@@ -19,6 +19,7 @@ nvrhal_test(nvrec_pieces_test
   ${CMAKE_CURRENT_SOURCE_DIR}/layout_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/live_clock_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/module_list_test.cpp
+  ${CMAKE_CURRENT_SOURCE_DIR}/report_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/unit_clock_test.cpp
   ${CMAKE_CURRENT_SOURCE_DIR}/waiting_sound_test.cpp
   LIBS nvrec_run nvrec_pieces LABEL nvrec TIMEOUT 60)

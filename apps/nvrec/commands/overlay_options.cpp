@@ -2,6 +2,7 @@
 #include "commands/overlay_options.h"
 
 #include <charconv>
+#include <cstdio>
 #include <cstdlib>
 #include <map>
 #include <optional>
@@ -11,8 +12,10 @@
 #include <CLI/CLI.hpp>
 
 #include "camera/address.h"
+#include "camera/camera_source.h"
 #include "nvrhal/limits.h"
 #include "screen/qr_code.h"
+#include "wall/utf8.h"
 
 namespace nvrec
 {
@@ -81,6 +84,21 @@ void add_language_option(CLI::App &command, Language &language, const std::strin
     command.add_option("--language", language, help)
         ->transform(CLI::CheckedTransformer(kLanguages, CLI::ignore_case))
         ->default_str("locale");
+}
+
+bool apply_names(OverlayOptions *options, std::vector<CameraSource> *cameras)
+{
+    for (const auto &[channel, name] : options->names.given) {
+        if (static_cast<size_t>(channel) >= cameras->size()) {
+            std::fprintf(stderr, "nvrec: --name %d=%s: channels with a camera are 0 to %zu\n", channel,
+                         name.c_str(), cameras->size() - 1);
+            return false;
+        }
+        (*cameras)[static_cast<size_t>(channel)].name =
+            is_utf8(name) ? name : utf8_of(units_of(name, ChineseScript::kAsTyped));
+    }
+    options->names.given.clear();
+    return true;
 }
 
 std::shared_ptr<OverlayOptions> add_overlay_options(CLI::App &command)

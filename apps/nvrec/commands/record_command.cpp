@@ -93,7 +93,6 @@ Command record_command(CLI::App &app)
                 RecorderOptions recorder;
                 recorder.record = *options;
                 recorder.feed = line.options->feed;
-                recorder.names = line.overlay->names.given;
                 recorder.recycle = *recycle;
                 if (*recycle) recorder.retention.least_free = kKeptFree_bytes;
                 if (!read_network_addresses(*network, line.options->inputs.size(), &recorder.network))

@@ -134,7 +134,6 @@ void Reload::take_cameras(const config::Config &fresh)
             continue;
         }
         wall_->change_camera(static_cast<int>(channel), {});
-        call(static_cast<int>(channel), {});
         channels_[channel] = {};
         tell("camera \"" + name + "\": removed");
     }
@@ -142,13 +141,6 @@ void Reload::take_cameras(const config::Config &fresh)
         if (std::ranges::find(channels_, camera.name, &config::Camera::name) == channels_.end()) add(camera);
     }
     if (takers_.plans) takers_.plans(channels_);
-}
-
-/* To the screen and the index. */
-void Reload::call(int channel, const std::string &name)
-{
-    for (const auto &taker : takers_.names)
-        taker(channel, name);
 }
 
 void Reload::change(int channel, const config::Camera &to)
@@ -188,7 +180,6 @@ void Reload::add(const config::Camera &camera)
     const auto channel = static_cast<int>(free - channels_.begin());
     *free = camera;
     wall_->set_aspect(channel, aspect_of(camera));
-    call(channel, camera.name);
     wall_->change_camera(channel, source_of(camera));
     if (takers_.plan) takers_.plan(channel, camera.plan);
     tell(name + ": added as channel " + std::to_string(channel));
@@ -200,7 +191,11 @@ void Reload::take_screen(const config::Config &fresh)
     rest.layout = running_.screen.layout;
     if (!(rest == running_.screen)) needs_restart("screen");
     if (fresh.screen.layout == running_.screen.layout) return;
-    wall_->show_layout(layout_named(fresh.screen.layout).value_or(layout_for(wall_->session().channels())));
+    if (const auto layout = layout_named(fresh.screen.layout)) {
+        wall_->show_layout(*layout);
+    } else {
+        wall_->show_fitting_layout();
+    }
     tell("screen.layout: taken up");
 }
 

@@ -27,7 +27,6 @@ class Reload final : public Module
 public:
     /** What a change is handed to; those that are empty are not there. */
     struct Takers {
-        std::vector<std::function<void(int channel, const std::string &name)>> names; /* empty = none */
         std::function<void(int channel, const config::Plan &plan)> plan;
         std::function<void(const std::vector<config::Camera> &channels)> plans; /* behind all of them */
         std::function<void(const config::Retention &retention)> retention;
@@ -55,7 +54,6 @@ public:
 private:
     void take(const config::Config &fresh);
     void take_cameras(const config::Config &fresh);
-    void call(int channel, const std::string &name);
     void change(int channel, const config::Camera &to);
     void add(const config::Camera &camera);
     void take_screen(const config::Config &fresh);

@@ -39,8 +39,6 @@ void add_recorder(Wall &wall, std::unique_ptr<Recorder> recorder, Reload &reload
     auto inputs = std::make_unique<EventInputs>(watched_inputs(reload.running().cameras), on_event,
                                                 [&records](int channel) { records.prolong_event(channel); });
     Reload::Takers &takers = reload.takers();
-    takers.names.push_back(
-        [&records](int channel, const std::string &name) { records.set_name(channel, name); });
     takers.plan = [&records](int channel, const config::Plan &plan) {
         records.set_plan(channel, plan_of(plan));
     };
@@ -93,10 +91,7 @@ int run(const RunCommand &command)
     add_controls(wall, controls);
     OverlayOptions overlay;
     fill(config, &overlay);
-    auto screen = std::make_unique<Overlay>(overlay);
-    reloading.takers().names.push_back(
-        [named = screen.get()](int channel, const std::string &name) { named->name_camera(channel, name); });
-    wall.add(std::move(screen));
+    wall.add(std::make_unique<Overlay>(overlay));
     wall.add(std::make_unique<Snapshots>(config.screen.snapshots));
     wall.add(std::make_unique<Zoom>(ZoomOptions())); /* last: it wants the arrow keys while it zooms */
     return wall.run();

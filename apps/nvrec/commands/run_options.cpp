@@ -161,17 +161,13 @@ void fill(const config::Config &config, RecorderOptions *options)
     options->record.segment_s = config.record.segment_s;
     options->retention = retention_of(config.retention);
     options->recycle = true;
-    for (size_t i = 0; i < config.cameras.size(); ++i) {
-        options->names.insert_or_assign(static_cast<int>(i), config.cameras[i].name);
+    for (size_t i = 0; i < config.cameras.size(); ++i)
         options->plans.insert_or_assign(static_cast<int>(i), plan_of(config.cameras[i].plan));
-    }
 }
 
 void fill(const config::Config &config, OverlayOptions *options)
 {
     options->mode = overlay_of(config.screen.overlay);
-    for (size_t i = 0; i < config.cameras.size(); ++i)
-        options->names.given.insert_or_assign(static_cast<int>(i), config.cameras[i].name);
     options->names.language = config.screen.language.empty()   ? host_language()
                               : config.screen.language == "zh" ? Language::kChinese
                                                                : Language::kEnglish;

@@ -94,7 +94,9 @@ WallCommandLine add_wall_options(CLI::App &command, size_t most_inputs)
                     std::fprintf(stderr, "nvrec: --listen %d: channels count from 0\n", listen->channel);
                     return static_cast<int>(kExitUsage);
                 }
-                if (!apply_source_options(*sources, &options->inputs)) return static_cast<int>(kExitUsage);
+                if (!apply_source_options(*sources, &options->inputs) ||
+                    !apply_names(overlay.get(), &options->inputs) || !aspects_fit(*options))
+                    return static_cast<int>(kExitUsage);
                 options->wait_for_all = !closer->zoom.rect.empty();
                 if (listen->channel >= 0) options->feed.sound_channels |= 1u << listen->channel;
                 return run_wall(*options, *controls, *overlay, *closer, *listen, std::move(modules));

@@ -22,7 +22,7 @@ struct OverlayOptions;
 struct WallCommandLine {
     std::shared_ptr<WallOptions> options;
     std::shared_ptr<ControlOptions> controls;
-    std::shared_ptr<const OverlayOptions> overlay;
+    std::shared_ptr<OverlayOptions> overlay;
 
     /** @param modules  run beside the wall, before those that the options ask for */
     std::function<int(std::vector<std::unique_ptr<Module>> modules)> run;

@@ -58,6 +58,12 @@ struct PoolCounters {
     uint64_t read = 0;           /* taken out whole                                          */
     uint64_t lost = 0;           /* overwritten before they were taken                       */
     uint64_t resynchronised = 0; /* times that reading went on behind lost or refused frames */
+
+    PoolCounters operator-(const PoolCounters &from) const
+    {
+        return {stored - from.stored, refused - from.refused, read - from.read, lost - from.lost,
+                resynchronised - from.resynchronised};
+    }
 };
 
 /** A frame as it came out. */

@@ -44,8 +44,11 @@ void Recorder::start_writer()
 {
     rate_.note(Clock::now(), 0);
     if (options_.index) {
+        std::map<int, std::string> names;
+        for (const auto &camera : wall_->cameras())
+            names.insert_or_assign(camera->channel(), camera->source().name);
         index_ = std::make_unique<RecorderIndex>(
-            options_.record.directory, options_.names,
+            options_.record.directory, std::move(names),
             [terminal = &wall_->terminal()](bool trouble, const std::string &line) {
                 trouble ? terminal->error(line) : terminal->info(line);
             });
@@ -72,8 +75,7 @@ std::unique_ptr<Recording> Recorder::make_recording(int channel, PoolStream stre
     RecordOptions options = options_.record;
     const auto plan = options_.plans.find(channel);
     if (plan != options_.plans.end()) options.plan = plan->second;
-    const auto name = options_.names.find(channel);
-    if (name != options_.names.end()) options.camera = name->second;
+    options.camera = wall_->cameras()[static_cast<size_t>(channel)]->source().name;
     const std::string stream_name = stream == PoolStream::kMain ? "main" : "network";
     Recording::GapHandler on_gap;
     if (hooks_.gap)
@@ -133,6 +135,11 @@ void Recorder::on_unit(int channel, const AccessUnit &unit, const StreamFacts &f
 void Recorder::on_camera_changed(int channel)
 {
     if (static_cast<size_t>(channel) < main_.size()) main_[static_cast<size_t>(channel)]->end_camera();
+}
+
+void Recorder::on_camera_replaced(int channel)
+{
+    set_name(channel, wall_->cameras()[static_cast<size_t>(channel)]->source().name);
 }
 
 void Recorder::on_audio(int channel, const SoundBlock &block)

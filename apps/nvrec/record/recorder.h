@@ -43,12 +43,11 @@ struct RecorderOptions {
     std::map<int, RecordingPlan> plans; /* of channels with another than record.plan */
     std::shared_ptr<FileSystem> files;  /* null = the system's                      */
 
-    /** Keep an index beside the recordings (archive/index.h), with the cameras' names. */
+    /** Keep an index beside the recordings (archive/index.h), with the names of the wall's cameras. */
     bool index = true;
-    std::map<int, std::string> names; /* by channel                                          */
-    RetentionOptions retention;       /* zeros = no limit                                    */
-    bool recycle = false;             /* the oldest recordings make room when the disk is full */
-    RecorderHooks hooks;              /* besides the index; for tests                        */
+    RetentionOptions retention; /* zeros = no limit                                    */
+    bool recycle = false;       /* the oldest recordings make room when the disk is full */
+    RecorderHooks hooks;        /* besides the index; for tests                        */
 };
 
 class Recorder final : public Module, public RecordingView
@@ -59,6 +58,7 @@ public:
 
     bool start(WallControl &wall) override;
     void on_camera_changed(int channel) override;
+    void on_camera_replaced(int channel) override;
     void on_unit(int channel, const AccessUnit &unit, const StreamFacts &facts) override;
     void on_audio(int channel, const SoundBlock &block) override;
     void on_sound_packet(int channel, const SoundPacket &packet) override;
@@ -79,8 +79,8 @@ public:
     void set_plan(int channel, const RecordingPlan &plan);
 
     /**
-     * Another camera is on a channel, with this name in the index. Its recording begins a file of its own;
-     * the file that is being written keeps the name that it was begun with. Main thread.
+     * Another camera is on a channel, with this name in the index. Its recording begins a file of its own and
+     * counts anew; the file that is being written keeps the name that it was begun with. Main thread.
      */
     void set_name(int channel, const std::string &name);
 

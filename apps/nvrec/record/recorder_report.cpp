@@ -54,18 +54,20 @@ uint64_t Recorder::written_bytes() const
 {
     uint64_t written = 0;
     for (const auto &recording : main_)
-        written += recording->status().bytes;
+        written += recording->bytes_in_all();
     for (const NetworkStream &stream : network_)
-        written += stream.recording->status().bytes;
+        written += stream.recording->bytes_in_all();
     return written;
 }
 
 std::vector<RecordingReport> Recorder::rows() const
 {
     std::vector<RecordingReport> rows;
-    for (const auto &recording : main_)
-        for (RecordingReport &row : recording->reports())
+    for (size_t channel = 0; channel < main_.size(); ++channel) {
+        if (!wall_->cameras()[channel]->has_camera()) continue;
+        for (RecordingReport &row : main_[channel]->reports())
             rows.push_back(std::move(row));
+    }
     for (const NetworkStream &stream : network_)
         rows.push_back(stream.recording->reports().front());
     return rows;

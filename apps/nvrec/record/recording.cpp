@@ -124,7 +124,8 @@ void Recording::begin_anew(const std::string &camera)
         const std::scoped_lock guard(lock_);
         camera_ = camera;
     }
-    anew_ = true;
+    anew_ = camera_replaced_ = true;
+    event_->set();
 }
 
 void Recording::end_camera()
@@ -203,6 +204,7 @@ void Recording::take_frames()
         wait_for_room();
         take_sound();
         if (!video_.take(&frame)) break;
+        if (!camera_ended_ && camera_replaced_.exchange(false)) count_anew(); /* it is the first of another */
         handle(std::move(frame));
     }
     if (held_.empty()) write_sound(INT64_MAX);
@@ -211,6 +213,7 @@ void Recording::take_frames()
                   " bytes, and the frame pool takes " + std::to_string(video_.pool_limit_bytes()) +
                   " at most: it is recorded beside the pool from there on");
     if (camera_ended_.exchange(false)) forget_camera();
+    if (camera_replaced_.exchange(false)) count_anew();
     look_for_trouble();
     catch_up();
     note_state();
@@ -229,6 +232,19 @@ void Recording::forget_camera()
     sent_sound_ = nullptr;
     sent_taken_ = alaw_taken_ = 0;
     waits_for_key_ = anew_ = true;
+}
+
+/* What the disk writer still has of the camera before counts as that one's. */
+void Recording::count_anew()
+{
+    const PoolCounters video = video_.counters(), sound = sound_counters();
+    written_at_trouble_ = 0;
+    passed_over_ = 0;
+    const std::scoped_lock guard(lock_);
+    tallies_before_.push_back(std::exchange(tally_, std::make_shared<OutputTally>()));
+    video_before_ = video;
+    sound_before_ = sound;
+    trouble_.clear();
 }
 
 /* Take up what the record key or an event asked for while no picture came. */

@@ -89,13 +89,17 @@ public:
     /** An event: a plan with events records from its seconds before the event on. */
     void begin_event();
     void set_order(RecordOrder order);
-    /** From now on another camera, with this name, is on the channel: its next key frame begins a file. */
+    /**
+     * From now on another camera, with this name, is on the channel: its next key frame begins a file, and
+     * the counters begin anew.
+     */
     void begin_anew(const std::string &camera);
     void set_plan(const RecordingPlan &plan);
     /** The camera, or the connection to it, ends with the frame that was put last: its file ends. */
     void end_camera();
 
     RecordingStatus status() const;
+    uint64_t bytes_in_all() const; /* also those of cameras before */
     bool runs() const { return state() == RecordingState::kRuns; }
     Clock::time_point heartbeat_deadline() const;
 
@@ -107,6 +111,8 @@ private:
     void run();
     void take_frames();
     void forget_camera();
+    void count_anew();
+    PoolCounters sound_counters() const;
     void wait_for_room();
     bool is_wanted(int64_t wall_us) const;
     bool wants_held() const;
@@ -154,10 +160,9 @@ private:
     std::shared_ptr<const SoundCodec> codec_;    /* of the last packet; the camera's thread only */
     std::shared_ptr<const SoundFormat> as_sent_; /* the same as files have it; null = they do not */
     std::thread thread_;
-    const std::shared_ptr<OutputTally> tally_ = std::make_shared<OutputTally>();
-
     std::atomic<bool> closing_ = false;
     std::atomic<bool> camera_ended_ = false;
+    std::atomic<bool> camera_replaced_ = false;
     std::atomic<bool> anew_ = false;             /* the next key frame begins a file */
     std::atomic<bool> sends_recordable_ = false; /* the camera's sound, as it is */
     std::atomic<RecordOrder> order_ = RecordOrder::kAsPlanned;
@@ -194,6 +199,11 @@ private:
     RecordingPlan plan_;
     std::string camera_;  /* its name, which stands in the files; may be empty */
     std::string trouble_; /* the last one: path and reason */
+    bool failed_ = false; /* of this camera or one before  */
+    std::shared_ptr<OutputTally> tally_ =
+        std::make_shared<OutputTally>();                       /* the recording's thread sets it */
+    std::vector<std::shared_ptr<OutputTally>> tallies_before_; /* of cameras before               */
+    PoolCounters video_before_, sound_before_;                 /* counted when the camera came    */
     std::string said_reason_;
     uint64_t recoveries_said_ = 0;             /* the disk writer's, as it was said */
     std::shared_ptr<OutputFile> shown_output_; /* for status() */

@@ -184,6 +184,7 @@ void Recording::note_trouble(const std::string &path, const std::string &reason)
         said_reason_ = reason;
         recoveries_said_ = recoveries;
         trouble_ = line;
+        failed_ = true;
     }
     failing_ = true;
     trouble_at_ = Clock::now();

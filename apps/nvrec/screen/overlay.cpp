@@ -28,6 +28,8 @@ Overlay::~Overlay() = default;
 bool Overlay::start(WallControl &wall)
 {
     wall_ = &wall;
+    for (const auto &camera : wall.cameras())
+        if (!camera->source().name.empty()) names_.name(camera->channel(), camera->source().name);
     if (!is_drawn(options_.mode, wall)) return true;
     const std::string problem = canvas_.open();
     if (!problem.empty()) {
@@ -183,6 +185,12 @@ void Overlay::stop()
     if (!canvas_.begin()) return;
     canvas_.clear(canvas_.whole());
     canvas_.end();
+}
+
+void Overlay::on_camera_replaced(int channel)
+{
+    watch_.forget(channel);
+    name_camera(channel, wall_->cameras()[static_cast<size_t>(channel)]->source().name);
 }
 
 void Overlay::name_camera(int channel, const std::string &name)

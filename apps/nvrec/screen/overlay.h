@@ -57,6 +57,7 @@ public:
     Clock::time_point take_turn(Clock::time_point now) override;
     void before_layout() override { layout_comes_ = true; }
     void on_layout() override;
+    void on_camera_replaced(int channel) override;
     void before_last_pictures() override;
     bool ask_whether_to_end() override;
     InputLayer input_layer() const override;
@@ -64,7 +65,7 @@ public:
     bool on_pointer(const PointerEvent &event) override;
     void stop() override;
 
-    /** Another camera is on a channel, with this name; empty = it has none. Main thread. */
+    /** The camera on a channel has this name; empty = it is called by its number. Main thread. */
     void name_camera(int channel, const std::string &name);
 
     /** For tests: the places of the parts. */
