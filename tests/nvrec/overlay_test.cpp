@@ -13,9 +13,9 @@
 #include <ft2build.h>
 #include FT_FREETYPE_H
 
+#include "console/utf8.h"
 #include "overlay_board.h"
 #include "screen/qr_code.h"
-#include "wall/utf8.h"
 
 using namespace nvrec;
 using namespace nvrec_test;

@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include "console/utf8.h"
 #include "record/summary.h"
 #include "wall/report.h"
-#include "wall/utf8.h"
 
 namespace
 {

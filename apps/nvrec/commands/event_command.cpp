@@ -7,8 +7,8 @@
 
 #include "commands/command.h"
 #include "commands/control_request.h"
+#include "console/utf8.h"
 #include "controls/control_requests.h"
-#include "wall/utf8.h"
 
 namespace nvrec
 {

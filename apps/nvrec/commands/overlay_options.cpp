@@ -13,9 +13,9 @@
 
 #include "camera/address.h"
 #include "camera/camera_source.h"
+#include "console/utf8.h"
 #include "nvrhal/limits.h"
 #include "screen/qr_code.h"
-#include "wall/utf8.h"
 
 namespace nvrec
 {

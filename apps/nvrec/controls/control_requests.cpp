@@ -5,10 +5,10 @@
 
 #include "console/exit_code.h"
 #include "console/terminal.h"
+#include "console/utf8.h"
 #include "controls/board_state.h"
 #include "controls/key_names.h"
 #include "controls/keys.h"
-#include "wall/utf8.h"
 
 namespace nvrec
 {

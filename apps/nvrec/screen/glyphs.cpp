@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "console/utf8.h"
 #include "nvrhal.h"
-#include "wall/utf8.h"
 
 namespace nvrec
 {

@@ -4,7 +4,7 @@
 #include <fstream>
 
 #include "console/text.h"
-#include "wall/utf8.h"
+#include "console/utf8.h"
 
 namespace nvrec
 {

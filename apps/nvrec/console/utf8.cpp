@@ -1,5 +1,5 @@
 /* utf8.cpp - see utf8.h. */
-#include "wall/utf8.h"
+#include "console/utf8.h"
 
 #include <cstdint>
 
