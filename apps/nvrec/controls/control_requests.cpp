@@ -117,7 +117,7 @@ std::string ControlRequests::answer(const std::string &request)
     if (words->empty()) return "error: an empty request\n";
     const auto &all = requests();
     const auto found = std::ranges::find(all, words->front(), &Request::word);
-    const std::string answer = found == all.end() ? "" : (this->*found->answer)(*words);
+    std::string answer = found == all.end() ? "" : (this->*found->answer)(*words);
     if (!answer.empty()) return answer;
     std::string forms;
     for (const Request &one : all)

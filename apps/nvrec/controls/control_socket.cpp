@@ -123,7 +123,7 @@ std::string ControlServer::Listening::open(const std::string &wanted)
     sockaddr_un address;
     if (!make_control_address(path, &address))
         return "a socket's path has 1 to " + std::to_string(kLongestControlPath) + " letters";
-    if (const std::string problem = control_directory_problem(path); !problem.empty()) return problem;
+    if (std::string problem = control_directory_problem(path); !problem.empty()) return problem;
     if (!lock()) {
         taken = errno == EWOULDBLOCK;
         return taken ? "another recorder listens there" : error_text();

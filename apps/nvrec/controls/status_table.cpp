@@ -77,7 +77,7 @@ std::string bytes_shown(double bytes)
 /* Which stream is shown, and the state of the main stream beside it unless that is live. */
 std::string streams_of(const CameraStatus &camera)
 {
-    const std::string shown = camera.sub_stream ? "sub" : "main";
+    std::string shown = camera.sub_stream ? "sub" : "main";
     if (camera.main_state.value_or(CameraState::kLive) == CameraState::kLive) return shown;
     return shown + ", main " + camera_state_name(*camera.main_state);
 }

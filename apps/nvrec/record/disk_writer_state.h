@@ -105,7 +105,7 @@ private:
     template <typename Call> auto timed(Call call)
     {
         began_call();
-        const auto result = call();
+        auto result = call();
         ended_call();
         return result;
     }

@@ -52,8 +52,8 @@ Tile ClockFace::two_lines(const Line &line, int rim) const
     for (const Mask *part : {&line.date, &line.time}) {
         for (int y = 0; y < part->height; ++y) {
             for (int x = 0; x < part->width; ++x)
-                both.coverage[static_cast<size_t>((top + y) * width + (width - part->width) / 2 + x)] =
-                    part->at(x, y);
+                both.coverage[static_cast<size_t>(top + y) * static_cast<size_t>(width) +
+                              static_cast<size_t>((width - part->width) / 2 + x)] = part->at(x, y);
         }
         top += part->height;
     }

@@ -62,7 +62,8 @@ Mask enlarged(const Drawing &drawing, int size_px)
     for (int y = 0; y < size_px; ++y) {
         for (int x = 0; x < size_px; ++x) {
             const bool ink = drawing[static_cast<size_t>(y * kSide / size_px)][x * kSide / size_px] == '#';
-            mask.coverage[static_cast<size_t>(y * size_px + x)] = ink ? 255 : 0;
+            mask.coverage[static_cast<size_t>(y) * static_cast<size_t>(size_px) + static_cast<size_t>(x)] =
+                ink ? 255 : 0;
         }
     }
     return mask;

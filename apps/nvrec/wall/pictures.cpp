@@ -55,7 +55,7 @@ std::string take_picture(const std::string &path)
 
     if (!names_jpeg(path)) return host::save_monitor_picture(path);
     host::MonitorPicture picture;
-    const std::string problem = host::take_monitor_picture(&picture);
+    std::string problem = host::take_monitor_picture(&picture);
     if (picture.rgb.empty()) return problem;
     const auto jpeg = jpeg_of_rgb(picture.width, picture.height, picture.rgb.data());
     if (!jpeg) return "this machine does not encode JPEG";

@@ -89,7 +89,7 @@ int refuse(const ClientAnswer &answer)
     return kRefused;
 }
 
-int carry_out(CommandLine line)
+int carry_out(const CommandLine &line)
 {
     size_t words_of_verb = 0;
     const json &request = find_verb(line.words, &words_of_verb);

@@ -104,8 +104,10 @@ std::map<std::string, std::string> texts_of(const json &request, const CommandLi
         known.push_back(name);
     for (const auto &[name, text] : line.options)
         if (std::find(known.begin(), known.end(), name) == known.end() &&
-            std::find(arguments.begin(), arguments.end(), name) == arguments.end())
-            throw UsageError("\"" + verb + "\" has no option --" + name + did_you_mean(name, known));
+            std::find(arguments.begin(), arguments.end(), name) == arguments.end()) {
+            const std::string unknown = "\"" + verb + "\" has no option --" + name;
+            throw UsageError(unknown + did_you_mean(name, known));
+        }
     for (size_t i = words_of_verb; i < line.words.size(); ++i) {
         const size_t place = i - words_of_verb;
         if (place >= arguments.size())

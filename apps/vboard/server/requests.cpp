@@ -250,9 +250,9 @@ json Requests::stop_recording()
     std::lock_guard lock(recording_mutex_);
     if (!recorder_) throw RequestError("refused", "no scenario is being recorded");
     recorder_->write();
-    const json result = {{"file", recorder_->path()},
-                         {"steps", recorder_->steps()},
-                         {"expectations", recorder_->expectations()}};
+    json result = {{"file", recorder_->path()},
+                   {"steps", recorder_->steps()},
+                   {"expectations", recorder_->expectations()}};
     recorder_.reset();
     return result;
 }

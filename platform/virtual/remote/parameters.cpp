@@ -88,7 +88,7 @@ json Parameters::object(const char *name) const
 
 std::string Parameters::file() const
 {
-    const std::string path = text("file");
+    std::string path = text("file");
     if (path.empty() || path.front() != '/') refuse("file", "is no path from the root");
     return path;
 }

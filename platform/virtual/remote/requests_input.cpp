@@ -33,7 +33,7 @@ Answer hold(const Parameters &with, Context &)
     }
     const std::string name = with.text("button");
 #define HOLD_WHEN_NAMED(button, code)                                                                        \
-    if (name == button) {                                                                                    \
+    if (name == (button)) {                                                                                  \
         vboard_ir_hold(code);                                                                                \
         return {};                                                                                           \
     }
