@@ -105,8 +105,9 @@ std::map<std::string, std::string> texts_of(const json &request, const CommandLi
     for (const auto &[name, text] : line.options)
         if (std::find(known.begin(), known.end(), name) == known.end() &&
             std::find(arguments.begin(), arguments.end(), name) == arguments.end()) {
-            const std::string unknown = "\"" + verb + "\" has no option --" + name;
-            throw UsageError(unknown + did_you_mean(name, known));
+            std::string unknown = "\"" + verb + "\"";
+            unknown.append(" has no option --").append(name).append(did_you_mean(name, known));
+            throw UsageError(unknown);
         }
     for (size_t i = words_of_verb; i < line.words.size(); ++i) {
         const size_t place = i - words_of_verb;
