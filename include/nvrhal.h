@@ -51,7 +51,6 @@
  *     text       GetGB2312ToUnicodeLength FromGb2312ToUnicode GetUnicodeLength UnicodeToUTF8
  *                SimplifiedToTraditionalUTF8
  *     keys       ext_keyboard_initial ext_keyboard_value ext_keyboard_close hi_remotekey_proc key_que
- *                g_key_lock
  *     mouse      ext_mouse_get_status g_mouse_fd g_s32KeyValue g_bMouseEvent g_mouse_lock
  *     board      ext_buzzer_set ext_rtc_time_system hi_start_record_proc hi_stop_record_proc
  *     watchdog   ext_wdg_set local_wdg_set_timeout Set_Wdt_Fing wdt_feed_pt
