@@ -161,7 +161,7 @@ int ctl_command(int argc, char **argv)
         if (line.words.empty()) throw UsageError("which verb? See vboard ctl --help");
         if (line.words.front() == "list" && line.words.size() == 1 && line.options.empty())
             return list_boards(line.json);
-        return carry_out(std::move(line));
+        return carry_out(line);
     } catch (const UsageError &error) {
         fprintf(stderr, "vboard ctl: %s\n", error.what());
         return kUsage;
