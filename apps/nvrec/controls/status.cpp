@@ -6,6 +6,7 @@
 
 #include "controls/versions.h"
 #include "wall/module.h"
+#include "wall/report.h"
 
 namespace nvrec
 {
