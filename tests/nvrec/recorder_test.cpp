@@ -27,8 +27,6 @@ namespace
 
 using namespace nvrec;
 
-constexpr int kFramesPerKey = 10;
-
 /* What is not in the stand-in wall: an alarm, and threads that are watched. */
 class RecordingWall : public nvrec_test::StandInWall
 {
