@@ -35,7 +35,7 @@ public:
         barren_ = false;
     }
 
-    /** Frames that were sent are thrown away, or go to no decoder for now. */
+    /** The decoder was flushed, or its channel has no pane: the next key frame is the first that counts. */
     void begin_again()
     {
         const std::scoped_lock guard(lock_);
